@@ -1,0 +1,52 @@
+include(GenerateExportHeader)
+
+# quenlith_add_library(NAME [INTERFACE|STATIC|SHARED] [ALIAS ns::name] [SOURCES ...]
+#                      [LINK ...] [LINK_PRIVATE ...])
+#
+# Makes one library of the calling folder. The folder itself is the include root, so a
+# header is included by its namespace path. A shared library gets the header
+# quenlith/export/NAME.hpp with the macro QUENLITH_<NAME>_EXPORT.
+function(quenlith_add_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERFACE;STATIC;SHARED" "ALIAS" "SOURCES;LINK;LINK_PRIVATE")
+  set(target quenlith_${name})
+  if(arg_INTERFACE)
+    add_library(${target} INTERFACE)
+    set(scope INTERFACE)
+  else()
+    if(arg_SHARED)
+      add_library(${target} SHARED ${arg_SOURCES})
+      quenlith_export_header(${target} ${name})
+    else()
+      add_library(${target} STATIC ${arg_SOURCES})
+    endif()
+    set(scope PUBLIC)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:quenlith_warnings> ${arg_LINK_PRIVATE})
+  endif()
+  target_compile_features(${target} ${scope} cxx_std_20)
+  target_include_directories(${target} ${scope}
+    "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>"
+    "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/quenlith>")
+  target_link_libraries(${target} ${scope} ${arg_LINK})
+  if(arg_ALIAS)
+    add_library(${arg_ALIAS} ALIAS ${target})
+  endif()
+endfunction()
+
+function(quenlith_export_header target name)
+  set(root "${CMAKE_CURRENT_BINARY_DIR}/generated")
+  generate_export_header(${target} BASE_NAME quenlith_${name}
+    EXPORT_FILE_NAME "${root}/quenlith/export/${name}.hpp")
+  target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${root}>")
+endfunction()
+
+# quenlith_add_test(NAME SOURCES ... [LINK ...])
+#
+# Makes one GoogleTest program and one CTest test of it: discovering each case apart
+# costs more than running them all.
+function(quenlith_add_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE quenlith_warnings ${arg_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  add_test(NAME ${name} COMMAND ${name} "--gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${name}.xml")
+endfunction()

@@ -1,0 +1,40 @@
+# What holds for every target: the language, visibility, output folders and warnings.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Kind of build" FORCE)
+endif()
+
+# The build tree has the shape of the installed tree, so that programs find
+# libraries and bundles from their own place in both.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}")
+set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+option(QUENLITH_WERROR "Treat warnings as errors" ON)
+add_library(quenlith_warnings INTERFACE)
+target_compile_options(quenlith_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
+  $<$<BOOL:${QUENLITH_WERROR}>:-Werror>
+  # False reports of g++ 12 on std::string and inlined copies at -O3.
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds>)
+
+# Sanitizers: a list such as "address,undefined" or "thread".
+set(QUENLITH_SANITIZE "" CACHE STRING "Sanitizers to build everything with")
+if(QUENLITH_SANITIZE)
+  add_compile_options(-fsanitize=${QUENLITH_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${QUENLITH_SANITIZE})
+endif()
