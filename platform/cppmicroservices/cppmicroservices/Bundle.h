@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cppmicroservices/AnyMap.h"
+#include "cppmicroservices/FrameworkExport.h"
+
+namespace cppmicroservices {
+
+class BundleContext;
+template <class S>
+class ServiceReference;
+using ServiceReferenceU = ServiceReference<void>;
+
+namespace detail {
+class BundlePrivate;
+class FrameworkOwner;
+}  // namespace detail
+
+/// Stands for a bundle that was installed in a framework. Copies stand for the same bundle and
+/// keep its framework running. May be used from several threads.
+///
+/// Every operation but the comparisons throws `std::invalid_argument` on an invalid object.
+class QUENLITH_CPPMICROSERVICES_EXPORT Bundle {
+ public:
+  enum State : std::uint32_t {
+    STATE_UNINSTALLED = 0x00000001,
+    STATE_INSTALLED = 0x00000002,
+    STATE_RESOLVED = 0x00000004,
+    STATE_STARTING = 0x00000008,
+    STATE_STOPPING = 0x00000010,
+    STATE_ACTIVE = 0x00000020
+  };
+
+  /// Makes an invalid object.
+  Bundle();
+  Bundle(const Bundle&);
+  Bundle(Bundle&&) noexcept;
+  Bundle& operator=(const Bundle&);
+  Bundle& operator=(Bundle&&) noexcept;
+  virtual ~Bundle();
+
+  /// Makes the object invalid.
+  Bundle& operator=(std::nullptr_t);
+
+  explicit operator bool() const;
+  bool operator==(const Bundle& other) const;
+  /// Orders by framework, then by bundle id; invalid objects come last.
+  bool operator<(const Bundle& other) const;
+
+  State GetState() const;
+
+  /// Returns the bundle's context, an invalid one unless the bundle is starting, active or
+  /// stopping.
+  BundleContext GetBundleContext() const;
+
+  /// Returns the number of the bundle, which no other bundle ever has; 0 is the framework.
+  long GetBundleId() const;
+
+  /// Returns the path of the bundle's library, as it was installed.
+  std::string GetLocation() const;
+  std::string GetSymbolicName() const;
+
+  /// Returns the manifest; its keys are compared without regard to case. Borrowed while the
+  /// bundle is installed or an object stands for it.
+  const AnyMap& GetHeaders() const;
+
+  /// Returns the symbol `name` of the library that `handle` is of, null when it has none. Throws
+  /// `std::runtime_error` unless the bundle is active, `std::invalid_argument` when `handle` is
+  /// null or `name` is empty.
+  void* GetSymbol(void* handle, const std::string& name) const;
+
+  /// Returns references to the services that the bundle registered. Throws `std::logic_error`
+  /// when it was uninstalled.
+  std::vector<ServiceReferenceU> GetRegisteredServices() const;
+
+  /// Returns references to the services that the bundle holds. Throws `std::logic_error` when it
+  /// was uninstalled.
+  std::vector<ServiceReferenceU> GetServicesInUse() const;
+
+  /// Loads the library, hands it its context, calls the activator if there is one. Does nothing
+  /// when the bundle is active. Waits for a start or stop that another thread is at.
+  ///
+  /// Throws `std::runtime_error` when the library cannot be used or the activator throws: the
+  /// bundle is then stopped. Throws `std::logic_error` when the bundle was uninstalled, or is
+  /// starting or stopping in this very thread.
+  void Start();
+
+  /// Calls the activator, unregisters the bundle's services, releases those that it holds and
+  /// removes its listeners. Does nothing when the bundle is not active. Waits, and throws, like
+  /// `Start`; what the activator throws comes out when all is done.
+  void Stop();
+
+  /// Stops and removes the bundle. Its library stays loaded. Throws `std::logic_error` when it
+  /// was uninstalled, `std::runtime_error` for the framework itself.
+  void Uninstall();
+
+ protected:
+  Bundle(std::shared_ptr<detail::BundlePrivate> bundle,
+         std::shared_ptr<detail::FrameworkOwner> frameworkOwner);
+
+  detail::BundlePrivate& valid() const;
+
+  std::shared_ptr<detail::BundlePrivate> d;
+  std::shared_ptr<detail::FrameworkOwner> owner;
+
+  friend class detail::BundlePrivate;
+};
+
+}  // namespace cppmicroservices
+
+template <>
+struct std::hash<cppmicroservices::Bundle> {
+  std::size_t operator()(const cppmicroservices::Bundle& bundle) const {
+    return std::hash<std::string>()(bundle.GetSymbolicName());
+  }
+};

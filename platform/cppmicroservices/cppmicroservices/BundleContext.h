@@ -1,0 +1,163 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cppmicroservices/FrameworkExport.h"
+#include "cppmicroservices/ListenerFunctors.h"
+#include "cppmicroservices/ListenerToken.h"
+#include "cppmicroservices/ServiceInterface.h"
+#include "cppmicroservices/ServiceObjects.h"
+#include "cppmicroservices/ServiceProperties.h"
+#include "cppmicroservices/ServiceRegistration.h"
+
+namespace cppmicroservices {
+
+class Bundle;
+class BundleContextPrivate;
+class ServiceFactory;
+
+/// What a bundle acts with: it installs bundles, registers services, finds and gets those of
+/// others, listens. Valid from the start of its bundle to the end of its stop.
+///
+/// Every operation but the comparisons throws `std::runtime_error` with the text "The bundle
+/// context is no longer valid" when it is not. May be used from several threads.
+class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
+ public:
+  /// Makes an invalid context.
+  BundleContext();
+  BundleContext(const BundleContext&);
+  BundleContext(BundleContext&&) noexcept;
+  BundleContext& operator=(const BundleContext&);
+  BundleContext& operator=(BundleContext&&) noexcept;
+  ~BundleContext();
+
+  /// Makes the context invalid.
+  BundleContext& operator=(std::nullptr_t);
+
+  explicit operator bool() const;
+  bool operator==(const BundleContext& other) const;
+  bool operator<(const BundleContext& other) const;
+
+  Bundle GetBundle() const;
+
+  /// Returns the bundle with that id, an invalid one when there is none.
+  Bundle GetBundle(long id) const;
+
+  /// Returns the bundles of the library at `location`.
+  std::vector<Bundle> GetBundles(const std::string& location) const;
+
+  /// Returns all bundles, the framework among them, by ascending id.
+  std::vector<Bundle> GetBundles() const;
+
+  /// Installs the bundles of the library at `location`; those that are there already are
+  /// returned as they are. Throws `std::runtime_error` when the file cannot be used: its text
+  /// names the file, what is wrong and the remedy.
+  std::vector<Bundle> InstallBundles(const std::string& location);
+
+  /// Registers a service under the interfaces of the map and tells the listeners.
+  ///
+  /// The framework sets the properties "objectclass", "service.id" and "service.scope". Throws
+  /// `std::invalid_argument` when the map is null or empty or has a null object, and
+  /// `std::runtime_error` when two keys of the properties differ in case only.
+  [[nodiscard]] ServiceRegistrationU RegisterService(
+      const InterfaceMapConstPtr& service,
+      const ServiceProperties& properties = ServiceProperties());
+
+  /// Like the general form, but under the interfaces named.
+  template <class I1, class... Interfaces, class Impl>
+  ServiceRegistration<I1, Interfaces...> RegisterService(
+      const std::shared_ptr<Impl>& impl,
+      const ServiceProperties& properties = ServiceProperties()) {
+    const InterfaceMapConstPtr service = MakeInterfaceMap<I1, Interfaces...>(impl);
+    return RegisterService(service, properties);
+  }
+
+  /// Like the general form, but `factory` makes the object of each bundle.
+  template <class I1, class... Interfaces>
+  ServiceRegistration<I1, Interfaces...> RegisterService(
+      const std::shared_ptr<ServiceFactory>& factory,
+      const ServiceProperties& properties = ServiceProperties()) {
+    const InterfaceMapConstPtr service = MakeInterfaceMap<I1, Interfaces...>(factory);
+    return RegisterService(service, properties);
+  }
+
+  /// Returns references to the services that were registered under `interfaceId` and that
+  /// `filter` matches: highest ranking first, then lowest service id. An empty text matches all.
+  /// Throws `std::invalid_argument` when `filter` cannot be parsed.
+  std::vector<ServiceReferenceU> GetServiceReferences(const std::string& interfaceId,
+                                                      const std::string& filter = std::string());
+
+  /// Like the general form. Throws `ServiceException` when `S` has no identifier.
+  template <class S>
+  std::vector<ServiceReference<S>> GetServiceReferences(const std::string& filter = std::string()) {
+    const std::string& interfaceId = us_service_interface_iid<S>();
+    detail::requireInterfaceId(interfaceId);
+    const std::vector<ServiceReferenceU> found = GetServiceReferences(interfaceId, filter);
+    return std::vector<ServiceReference<S>>(found.begin(), found.end());
+  }
+
+  /// Returns the first of the references, an invalid one when there is none.
+  ServiceReferenceU GetServiceReference(const std::string& interfaceId);
+
+  /// Like the general form. Throws `ServiceException` when `S` has no identifier.
+  template <class S>
+  ServiceReference<S> GetServiceReference() {
+    const std::string& interfaceId = us_service_interface_iid<S>();
+    detail::requireInterfaceId(interfaceId);
+    return GetServiceReference(interfaceId);
+  }
+
+  /// Returns the service object, null when the service was unregistered or its factory failed.
+  /// The bundle holds the service until the last copy of the pointer goes. Throws
+  /// `std::invalid_argument` when `reference` was never given a service.
+  std::shared_ptr<void> GetService(const ServiceReferenceBase& reference);
+
+  /// Like the form above, but returns the objects of all interfaces.
+  InterfaceMapConstPtr GetService(const ServiceReferenceU& reference);
+
+  template <class S>
+  std::shared_ptr<S> GetService(const ServiceReference<S>& reference) {
+    const ServiceReferenceBase& base = reference;
+    return std::static_pointer_cast<S>(GetService(base));
+  }
+
+  /// Returns what gets the objects of the service. Throws like `GetService`.
+  template <class S>
+  ServiceObjects<S> GetServiceObjects(const ServiceReference<S>& reference) {
+    return ServiceObjects<S>(*this, reference);
+  }
+
+  /// Adds a listener to the changes of the services that `filter` matches, all when it is empty.
+  /// It is called in the thread of the change, and removed when the bundle stops. Throws
+  /// `std::invalid_argument` when `filter` cannot be parsed.
+  ListenerToken AddServiceListener(const ServiceListener& listener,
+                                   const std::string& filter = std::string());
+  /// Like `AddServiceListener`, but for the changes of bundles.
+  ListenerToken AddBundleListener(const BundleListener& listener);
+  /// Like `AddServiceListener`, but for what the framework has to tell.
+  ListenerToken AddFrameworkListener(const FrameworkListener& listener);
+
+  /// Removes the listener that `token` names; does nothing when there is none.
+  void RemoveListener(ListenerToken token);
+
+ private:
+  friend class detail::BundlePrivate;
+
+  BundleContext(std::shared_ptr<detail::BundlePrivate> bundle, std::uint64_t generationOfBundle);
+  detail::BundlePrivate& valid() const;
+
+  std::shared_ptr<detail::BundlePrivate> d;
+  // The start of the bundle that the context belongs to; see BundlePrivate.
+  std::uint64_t generation = 0;
+};
+
+namespace detail {
+/// Returns the context behind the handle that the framework gave to a bundle's library.
+QUENLITH_CPPMICROSERVICES_EXPORT BundleContext MakeBundleContext(BundleContextPrivate* handle);
+}  // namespace detail
+
+}  // namespace cppmicroservices

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+#include "cppmicroservices/Bundle.h"
+#include "cppmicroservices/FrameworkEvent.h"
+
+namespace cppmicroservices {
+
+/// A framework: bundles and the services that they register. It is itself the bundle with the
+/// id 0, whose `Start` and `Stop` start and stop the framework.
+///
+/// The framework stops when the last object goes that stands for it or for one of its bundles.
+class QUENLITH_CPPMICROSERVICES_EXPORT Framework : public Bundle {
+ public:
+  /// Takes a bundle that is a framework. Throws `std::logic_error` when it is not.
+  explicit Framework(Bundle bundle);
+
+  /// Gives the framework a context, so that bundles can be installed. Does nothing when it has
+  /// one.
+  void Init();
+
+  /// Waits until the framework has stopped, at most for `timeout`, without end when that is
+  /// zero. Returns at once unless the framework is starting, active or stopping.
+  FrameworkEvent WaitForStop(const std::chrono::milliseconds& timeout);
+
+ private:
+  friend class FrameworkFactory;
+  Framework(std::shared_ptr<detail::BundlePrivate> bundle,
+            std::shared_ptr<detail::FrameworkOwner> frameworkOwner);
+};
+
+}  // namespace cppmicroservices

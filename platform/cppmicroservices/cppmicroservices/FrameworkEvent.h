@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+
+#include "cppmicroservices/Bundle.h"
+
+namespace cppmicroservices {
+
+/// Tells of a change of the framework, or of trouble that has no caller to be thrown at.
+class QUENLITH_CPPMICROSERVICES_EXPORT FrameworkEvent {
+ public:
+  enum Type : std::uint32_t {
+    FRAMEWORK_STARTED = 0x00000001,
+    FRAMEWORK_ERROR = 0x00000002,
+    FRAMEWORK_WARNING = 0x00000010,
+    FRAMEWORK_INFO = 0x00000020,
+    FRAMEWORK_STOPPED = 0x00000040,
+    FRAMEWORK_WAIT_TIMEDOUT = 0x00000200
+  };
+
+  /// Makes an invalid event.
+  FrameworkEvent();
+  FrameworkEvent(Type kind, const Bundle& source, const std::string& text,
+                 std::exception_ptr cause = nullptr);
+
+  explicit operator bool() const;
+  Type GetType() const;
+  Bundle GetBundle() const;
+  std::string GetMessage() const;
+
+  /// Returns the exception behind the event, null when there is none.
+  std::exception_ptr GetThrowable() const;
+
+  bool operator==(const FrameworkEvent&) const = default;
+
+ private:
+  Type type{};
+  Bundle bundle;
+  std::string message;
+  std::exception_ptr exception;
+};
+
+}  // namespace cppmicroservices

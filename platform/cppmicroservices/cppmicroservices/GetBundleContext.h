@@ -1,0 +1,17 @@
+#pragma once
+
+#include "cppmicroservices/BundleContext.h"
+#include "cppmicroservices/BundleInitialization.h"
+
+extern "C" cppmicroservices::BundleContextPrivate* US_GET_CTX_FUNC(US_BUNDLE_NAME)();
+
+namespace cppmicroservices {
+
+/// Returns the context of the bundle that the calling code belongs to, an invalid one unless the
+/// bundle is starting, active or stopping.
+static inline BundleContext GetBundleContext() {
+  BundleContextPrivate* const handle = US_GET_CTX_FUNC(US_BUNDLE_NAME)();
+  return handle == nullptr ? BundleContext() : detail::MakeBundleContext(handle);
+}
+
+}  // namespace cppmicroservices

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "cppmicroservices/FrameworkExport.h"
+
+namespace cppmicroservices {
+
+/// Tells that an object was used that is no longer valid.
+class QUENLITH_CPPMICROSERVICES_EXPORT IllegalStateException final : public std::runtime_error {
+ public:
+  explicit IllegalStateException(std::string message);
+  ~IllegalStateException() override;
+};
+
+}  // namespace cppmicroservices

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "cppmicroservices/AnyMap.h"
+#include "cppmicroservices/FrameworkExport.h"
+
+namespace cppmicroservices {
+
+class Bundle;
+class ServiceReferenceBase;
+namespace detail {
+class LdapExpression;
+}
+
+/// A condition on properties, written as in RFC 1960: `(&(priority=default)(!(lang=c*)))`.
+///
+/// Operators are `=` (with `*` for any text, `=*` for presence), `~=` (without regard to case
+/// and blanks), `>=`, `<=`, `&`, `|` and `!`; a backslash takes its special meaning from the
+/// character that follows. Copies share the parsed filter. May be used from several threads.
+class QUENLITH_CPPMICROSERVICES_EXPORT LDAPFilter {
+ public:
+  /// Makes the empty filter, which matches nothing and whose text is empty.
+  LDAPFilter();
+
+  /// Parses `filter`. Throws `std::invalid_argument` when it cannot: its text names the place.
+  /// Filters nested deeper than 128 levels are refused.
+  LDAPFilter(const std::string& filter);
+
+  LDAPFilter(const LDAPFilter&);
+  LDAPFilter& operator=(const LDAPFilter&);
+  ~LDAPFilter();
+
+  /// Says whether the filter is not the empty one.
+  explicit operator bool() const;
+
+  /// Says whether the filter matches; keys are compared without regard to case. Throws
+  /// `std::runtime_error` when keys of `dictionary` differ in case only.
+  bool Match(const ServiceReferenceBase& reference) const;
+  bool Match(const Bundle& bundle) const;
+  bool Match(const AnyMap& dictionary) const;
+
+  /// Like `Match`, but keys are compared with regard to case.
+  bool MatchCase(const AnyMap& dictionary) const;
+
+  /// Returns the filter as text, without the blanks that do not matter.
+  std::string ToString() const;
+
+  /// Says whether both filters have the same text.
+  bool operator==(const LDAPFilter& other) const;
+
+ private:
+  std::shared_ptr<const detail::LdapExpression> expression;
+};
+
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os,
+                                                          const LDAPFilter& filter);
+
+}  // namespace cppmicroservices

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+
+#include "cppmicroservices/FrameworkExport.h"
+#include "cppmicroservices/ServiceReference.h"
+
+namespace cppmicroservices {
+
+/// Tells of a change of a service.
+class QUENLITH_CPPMICROSERVICES_EXPORT ServiceEvent {
+ public:
+  enum Type : std::uint32_t {
+    SERVICE_REGISTERED = 0x00000001,
+    SERVICE_MODIFIED = 0x00000002,
+    SERVICE_UNREGISTERING = 0x00000004,     ///< Sent before the service is taken away.
+    SERVICE_MODIFIED_ENDMATCH = 0x00000008  ///< The listener's filter matched before the change.
+  };
+
+  /// Makes an invalid event.
+  ServiceEvent();
+  ServiceEvent(Type kind, const ServiceReferenceBase& service);
+
+  explicit operator bool() const;
+  Type GetType() const;
+
+  ServiceReferenceU GetServiceReference() const;
+  template <class S>
+  ServiceReference<S> GetServiceReference() const {
+    return GetServiceReference();
+  }
+
+ private:
+  Type type{};
+  ServiceReferenceU reference;
+};
+
+}  // namespace cppmicroservices

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "cppmicroservices/FrameworkExport.h"
+
+namespace cppmicroservices {
+
+/// Tells of trouble with a service.
+class QUENLITH_CPPMICROSERVICES_EXPORT ServiceException : public std::runtime_error {
+ public:
+  enum Type {
+    UNSPECIFIED = 0,
+    UNREGISTERED = 1,
+    FACTORY_ERROR = 2,      ///< A service factory made an object that cannot be used.
+    FACTORY_EXCEPTION = 3,  ///< A service factory threw; what it threw is nested.
+    REMOTE = 5,
+    FACTORY_RECURSION = 6  ///< A service factory asked for the service that it was making.
+  };
+
+  ServiceException(const std::string& message, const Type& kind = UNSPECIFIED);
+  ServiceException(const ServiceException& other);
+  ServiceException& operator=(const ServiceException& other);
+  ~ServiceException() override;
+
+  Type GetType() const;
+
+ private:
+  Type type;
+};
+
+}  // namespace cppmicroservices

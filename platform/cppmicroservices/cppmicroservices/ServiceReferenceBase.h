@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cppmicroservices/Any.h"
+#include "cppmicroservices/FrameworkExport.h"
+
+namespace cppmicroservices {
+
+class Bundle;
+namespace detail {
+class ServiceRecord;
+}
+
+/// Names a registered service, seen under one of its interfaces or under none in particular.
+/// `ServiceReference` is the form to use.
+class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
+ public:
+  ServiceReferenceBase(const ServiceReferenceBase& other);
+  ServiceReferenceBase& operator=(const ServiceReferenceBase& other);
+  ~ServiceReferenceBase();
+
+  /// Makes the reference name no service.
+  ServiceReferenceBase& operator=(std::nullptr_t);
+
+  /// Says whether the reference names a service that is registered.
+  explicit operator bool() const;
+
+  /// Returns the property `key`, compared without regard to case; empty when there is none.
+  /// Answers for a service that was unregistered, too.
+  Any GetProperty(const std::string& key) const;
+
+  /// Returns the keys of all properties. Answers for a service that was unregistered, too.
+  std::vector<std::string> GetPropertyKeys() const;
+
+  /// Returns the bundle that registered the service, an invalid one after it was unregistered.
+  Bundle GetBundle() const;
+
+  /// Returns the bundles that hold the service.
+  std::vector<Bundle> GetUsingBundles() const;
+
+  /// Returns the interface that the service is seen under; empty when that is left open.
+  std::string GetInterfaceId() const;
+
+  /// Says whether the service was registered under `interfaceId`.
+  bool IsConvertibleTo(const std::string& interfaceId) const;
+
+  /// Orders by ranking, then by descending service id: the service preferred to all others is
+  /// the greatest.
+  bool operator<(const ServiceReferenceBase& other) const;
+
+  /// Says whether both name the same registered service, whatever the interface.
+  bool operator==(const ServiceReferenceBase& other) const;
+
+ private:
+  template <class S>
+  friend class ServiceReference;
+  friend class detail::ServiceRecord;
+  friend struct std::hash<ServiceReferenceBase>;
+
+  ServiceReferenceBase();
+  ServiceReferenceBase(std::shared_ptr<detail::ServiceRecord> service,
+                       const std::string* asInterface);
+
+  // Sees the service under `interfaceId`; names no service where it has no such interface.
+  void bindTo(const std::string& interfaceId);
+  std::size_t Hash() const;
+
+  std::shared_ptr<detail::ServiceRecord> record;
+  // Points into the record's list of interfaces; null for none in particular.
+  const std::string* seenAs = nullptr;
+};
+
+}  // namespace cppmicroservices
+
+template <>
+struct std::hash<cppmicroservices::ServiceReferenceBase> {
+  std::size_t operator()(const cppmicroservices::ServiceReferenceBase& reference) const {
+    return reference.Hash();
+  }
+};
