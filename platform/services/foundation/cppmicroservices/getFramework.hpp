@@ -1,0 +1,18 @@
+#pragma once
+
+#include <memory>
+
+#include "cppmicroservices/Framework.h"
+#include "quenlith/export/services.hpp"
+
+namespace foundation::cppmicroservices {
+
+/// Returns the running framework of the process; null when there is none. Any thread.
+QUENLITH_SERVICES_EXPORT std::shared_ptr<::cppmicroservices::Framework> getFramework() noexcept;
+
+/// Makes `framework` the running one. A host calls it after the framework's start, and with
+/// null before its stop. Any thread; who holds the one before keeps it.
+QUENLITH_SERVICES_EXPORT void setFramework(
+    std::shared_ptr<::cppmicroservices::Framework> framework) noexcept;
+
+}  // namespace foundation::cppmicroservices

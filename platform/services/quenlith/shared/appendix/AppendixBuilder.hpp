@@ -1,0 +1,32 @@
+#pragma once
+
+#include "cppmicroservices/ServiceInterface.h"
+#include "fl/i18n/ustring.hpp"
+#include "quenlith/export/services.hpp"
+#include "quenlith/shared/appendix/AppendixEntry.hpp"
+#include "quenlith/syntax/Marker.hpp"
+
+namespace quenlith::shared::appendix {
+
+/// Service interface: holds the entries of a snippet's appendix.
+///
+/// An entry is a marker with its data; it belongs to the marker of the code that has the same
+/// element and id. Lines of a snippet are parsed while its appendix stands unchanged.
+class QUENLITH_SERVICES_EXPORT AppendixBuilder {
+ public:
+  virtual ~AppendixBuilder();
+
+  /// Adds `entry`. Of the entries with one element and id the first one added counts.
+  virtual void addEntry(const quenlith::syntax::Marker& entry) = 0;
+
+  /// Returns the whole appendix as text.
+  virtual fl::i18n::ustring build() const = 0;
+
+  /// Returns the entry that belongs to `marker`, without a marker when there is none.
+  virtual AppendixEntry findEntry(const quenlith::syntax::Marker& marker) const = 0;
+};
+
+}  // namespace quenlith::shared::appendix
+
+CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(quenlith::shared::appendix::AppendixBuilder,
+                                           "quenlith::shared::appendix::AppendixBuilder")
