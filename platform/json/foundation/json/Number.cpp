@@ -1,0 +1,158 @@
+#include "foundation/json/Number.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <limits>
+#include <system_error>
+
+namespace foundation::json {
+
+namespace {
+
+bool isDigit(char16_t unit) {
+  return unit >= u'0' && unit <= u'9';
+}
+
+// The exact decimal form of a point half way between two doubles has at most 768 significant
+// digits, so digits behind the first 800 count only as "more than this", which one digit says.
+constexpr std::size_t kMaxDigits = 800;
+
+// A decimal number brought to the form 0.DIGITS x 10^point.
+class Decimal {
+ public:
+  explicit Decimal(std::u16string_view literal) : rest(literal) {
+    if (rest.front() == u'-') {
+      *end++ = '-';
+      negative = true;
+      rest.remove_prefix(1);
+    }
+    digitsStart = end;
+    readDigits(1);
+    if (!rest.empty() && rest.front() == u'.') {
+      rest.remove_prefix(1);
+      readDigits(0);
+    }
+    readExponent();
+  }
+
+  std::optional<double> nearest() {
+    const double zero = negative ? -0.0 : 0.0;
+    if (end == digitsStart) {
+      return zero;
+    }
+    writeExponent();
+    double result = zero;
+    if (std::from_chars(buffer.data(), end, result).ec != std::errc::result_out_of_range) {
+      return result;
+    }
+    // Too small and too large are reported alike.
+    return point > 0 ? std::nullopt : std::optional<double>(zero);
+  }
+
+ private:
+  // Each digit before the point moves it by one; so does, the other way, each zero between the
+  // point and the first digit that is not zero.
+  void readDigits(int before) {
+    while (!rest.empty() && isDigit(rest.front())) {
+      const char digit = static_cast<char>(rest.front());
+      rest.remove_prefix(1);
+      if (digit == '0' && end == digitsStart) {
+        point -= 1 - before;
+        continue;
+      }
+      point += before;
+      keep(digit);
+    }
+  }
+
+  void keep(char digit) {
+    if (end < digitsStart + kMaxDigits) {
+      *end++ = digit;
+    } else if (digit != '0') {
+      more = true;
+    }
+  }
+
+  void readExponent() {
+    if (rest.empty()) {
+      return;
+    }
+    rest.remove_prefix(1);
+    const bool minus = rest.front() == u'-';
+    if (!isDigit(rest.front())) {
+      rest.remove_prefix(1);
+    }
+    // Far beyond any count of digits that a text can hold, and far from overflow.
+    constexpr std::int64_t kLimit = 1'000'000'000'000'000;
+    std::int64_t exponent = 0;
+    for (const char16_t unit : rest) {
+      exponent = std::min(exponent * 10 + (unit - u'0'), kLimit);
+    }
+    point += minus ? -exponent : exponent;
+  }
+
+  void writeExponent() {
+    if (more) {
+      *end++ = '1';
+    }
+    constexpr std::int64_t kFar = 100'000;
+    const auto count = static_cast<std::int64_t>(end - digitsStart);
+    *end++ = 'e';
+    end = std::to_chars(end, buffer.data() + buffer.size(), std::clamp(point, -kFar, kFar) - count)
+              .ptr;
+  }
+
+  std::u16string_view rest;
+  std::array<char, kMaxDigits + 32> buffer;
+  char* end = buffer.data();
+  char* digitsStart = end;
+  std::int64_t point = 0;
+  bool negative = false;
+  bool more = false;
+};
+
+// Nothing when the digits do not fit.
+std::optional<std::uint64_t> readDigits(std::u16string_view digits) {
+  std::uint64_t value = 0;
+  for (const char16_t unit : digits) {
+    if (__builtin_mul_overflow(value, 10U, &value) ||
+        __builtin_add_overflow(value, static_cast<unsigned>(unit - u'0'), &value)) {
+      return std::nullopt;
+    }
+  }
+  return value;
+}
+
+std::optional<Number> readWhole(std::u16string_view literal) {
+  constexpr std::uint64_t kSignedLimit = std::uint64_t{1} << 63U;
+  const bool negative = literal.front() == u'-';
+  const auto magnitude = readDigits(literal.substr(negative ? 1 : 0));
+  if (!magnitude || (negative && *magnitude > kSignedLimit)) {
+    return std::nullopt;
+  }
+  if (negative) {
+    return Number(static_cast<std::int64_t>(0 - *magnitude));
+  }
+  if (*magnitude < kSignedLimit) {
+    return Number(static_cast<std::int64_t>(*magnitude));
+  }
+  return Number(*magnitude);
+}
+
+}  // namespace
+
+std::optional<Number> readNumber(std::u16string_view literal) {
+  if (literal.find_first_of(u".eE") == std::u16string_view::npos) {
+    if (const auto whole = readWhole(literal)) {
+      return whole;
+    }
+  }
+  if (const auto nearest = Decimal(literal).nearest()) {
+    return Number(*nearest);
+  }
+  return std::nullopt;
+}
+
+}  // namespace foundation::json

@@ -1,0 +1,187 @@
+#include "foundation/json/Writer.hpp"
+
+#include <vector>
+
+#include "foundation/json/write.hpp"
+
+namespace foundation::json {
+
+// The containers that are being written, the innermost one last, each with the place of its next
+// child.
+struct Writer::Walk {
+  struct Frame {
+    const Array* array;
+    Array::const_iterator element;
+    const Object* object;
+    Object::const_iterator member;
+  };
+
+  explicit Walk(Writer& target) : writer(target) {}
+
+  void enter(const Value& value) {
+    if (const Array* array = value.getIf<Array>()) {
+      writer.beginArray();
+      frames.push_back({array, array->begin(), nullptr, {}});
+    } else if (const Object* object = value.getIf<Object>()) {
+      enter(*object);
+    } else {
+      writer.leaf(value);
+    }
+  }
+
+  void enter(const Object& object) {
+    writer.beginObject();
+    frames.push_back({nullptr, {}, &object, object.begin()});
+  }
+
+  // A step uses its frame no more once it has entered a child: the new frame may move the others.
+  void run() {
+    while (!frames.empty()) {
+      Frame& frame = frames.back();
+      frame.array != nullptr ? stepArray(frame) : stepObject(frame);
+    }
+  }
+
+ private:
+  void stepArray(Frame& frame) {
+    if (frame.element == frame.array->end()) {
+      writer.endArray();
+      frames.pop_back();
+    } else {
+      enter(*frame.element++);
+    }
+  }
+
+  void stepObject(Frame& frame) {
+    if (frame.member == frame.object->end()) {
+      writer.endObject();
+      frames.pop_back();
+      return;
+    }
+    const auto& [key, child] = *frame.member++;
+    writer.key(key);
+    enter(child);
+  }
+
+  Writer& writer;
+  std::vector<Frame> frames;
+};
+
+void Writer::key(std::string_view name) {
+  separate();
+  quoted(name);
+  output.append(form == Form::kIndented ? ": " : ":");
+  isAfterKey = true;
+}
+
+void Writer::text(std::u16string_view value) {
+  separate();
+  appendQuoted(output, value);
+}
+
+void Writer::text(std::string_view utf8) {
+  separate();
+  quoted(utf8);
+}
+
+void Writer::number(double value) {
+  separate();
+  form == Form::kCanonical ? appendCanonicalNumber(output, value) : appendNumber(output, value);
+}
+
+void Writer::number(float value) {
+  separate();
+  appendNumber(output, value);
+}
+
+void Writer::number(std::int64_t value) {
+  separate();
+  appendInteger(output, value);
+}
+
+void Writer::number(std::uint64_t value) {
+  separate();
+  appendInteger(output, value);
+}
+
+void Writer::boolean(bool value) {
+  separate();
+  output.append(value ? "true" : "false");
+}
+
+void Writer::null() {
+  separate();
+  output.append("null");
+}
+
+void Writer::value(const Value& value) {
+  Walk walk(*this);
+  walk.enter(value);
+  walk.run();
+}
+
+void Writer::object(const Object& members) {
+  Walk walk(*this);
+  walk.enter(members);
+  walk.run();
+}
+
+// What stands before a piece: nothing behind a key and at the very start.
+void Writer::separate() {
+  if (isAfterKey) {
+    isAfterKey = false;
+    return;
+  }
+  if (depth != 0) {
+    output.append(isFirst ? "" : ",");
+    breakLine();
+  }
+  isFirst = false;
+}
+
+void Writer::breakLine() {
+  if (form == Form::kIndented) {
+    output.append(1, '\n').append(depth * 2, ' ');
+  }
+}
+
+void Writer::open(char bracket) {
+  separate();
+  output.append(1, bracket);
+  ++depth;
+  isFirst = true;
+}
+
+void Writer::close(char bracket) {
+  --depth;
+  if (!isFirst) {
+    breakLine();
+  }
+  output.append(1, bracket);
+  isFirst = false;
+}
+
+void Writer::leaf(const Value& value) {
+  switch (value.kind()) {
+    case Kind::kBoolean:
+      return boolean(value.get<bool>());
+    case Kind::kDouble:
+      return number(value.get<double>());
+    case Kind::kString:
+      return text(value.get<std::string>());
+    case Kind::kFloat:
+      return number(value.get<float>());
+    case Kind::kSigned:
+      return number(value.get<std::int64_t>());
+    case Kind::kUnsigned:
+      return number(value.get<std::uint64_t>());
+    default:
+      return null();
+  }
+}
+
+void Writer::quoted(std::string_view utf8) {
+  form == Form::kCanonical ? appendCanonicalQuoted(output, utf8) : appendQuoted(output, utf8);
+}
+
+}  // namespace foundation::json

@@ -1,0 +1,89 @@
+#include "foundation/json/plainRun.hpp"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace foundation::json {
+
+namespace {
+
+enum class Stops { kReading, kWriting };
+
+template <Stops stops>
+bool isPlain(char16_t unit) {
+  const bool inString = unit >= 0x20 && unit != u'"' && unit != u'\\';
+  return inString && (stops == Stops::kReading || unit < 0x7F || unit > 0x9F);
+}
+
+#ifdef __SSE2__
+// Bits of the units that end a run, two a unit.
+template <Stops stops>
+unsigned stopMask(const char16_t* units) {
+  const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+  const __m128i zero = _mm_setzero_si128();
+  __m128i found = _mm_cmpeq_epi16(_mm_subs_epu16(block, _mm_set1_epi16(0x1F)), zero);
+  found = _mm_or_si128(found, _mm_cmpeq_epi16(block, _mm_set1_epi16(u'"')));
+  found = _mm_or_si128(found, _mm_cmpeq_epi16(block, _mm_set1_epi16(u'\\')));
+  if constexpr (stops == Stops::kWriting) {
+    const __m128i fromDelete = _mm_sub_epi16(block, _mm_set1_epi16(0x7F));
+    found = _mm_or_si128(found,
+                         _mm_cmpeq_epi16(_mm_subs_epu16(fromDelete, _mm_set1_epi16(0x20)), zero));
+  }
+  return static_cast<unsigned>(_mm_movemask_epi8(found));
+}
+
+template <Stops stops>
+std::size_t skipBlocks(std::u16string_view text, std::size_t at) {
+  while (text.size() - at >= 8) {
+    const unsigned mask = stopMask<stops>(text.data() + at);
+    if (mask != 0) {
+      return at + static_cast<unsigned>(__builtin_ctz(mask)) / 2;
+    }
+    at += 8;
+  }
+  return at;
+}
+#else
+template <Stops stops>
+std::size_t skipBlocks(std::u16string_view, std::size_t at) {
+  return at;
+}
+#endif
+
+template <Stops stops>
+std::size_t runEnd(std::u16string_view text, std::size_t at) {
+  at = skipBlocks<stops>(text, at);
+  while (at < text.size() && isPlain<stops>(text[at])) {
+    ++at;
+  }
+  return at;
+}
+
+// Whether an escape is due at a byte of UTF-8.
+bool isEscaped(std::string_view text, std::size_t at) {
+  const auto byte = static_cast<unsigned char>(text[at]);
+  if (byte != 0xC2) {
+    return !isPlain<Stops::kReading>(byte) || byte == 0x7F;
+  }
+  return at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
+}
+
+}  // namespace
+
+std::size_t plainRunEnd(std::u16string_view text, std::size_t from) noexcept {
+  return runEnd<Stops::kReading>(text, from);
+}
+
+std::size_t writableRunEnd(std::u16string_view text, std::size_t from) noexcept {
+  return runEnd<Stops::kWriting>(text, from);
+}
+
+std::size_t writableRunEnd(std::string_view text, std::size_t from) noexcept {
+  while (from < text.size() && !isEscaped(text, from)) {
+    ++from;
+  }
+  return from;
+}
+
+}  // namespace foundation::json
