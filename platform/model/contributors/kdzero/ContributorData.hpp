@@ -1,0 +1,40 @@
+#pragma once
+
+#include <boost/uuid/uuid.hpp>
+#include <string>
+#include <string_view>
+
+#include "kd/zero/ModelElement.hpp"
+#include "kd/zero/meta/Class.hpp"
+#include "quenlith/export/model.hpp"
+
+namespace contributors::kdzero {
+
+/// Handle to the data that a feature contributes.
+class ContributorData : public kd::zero::Handle<ContributorData, kd::zero::ModelElement> {
+ public:
+  class Impl;
+};
+
+class QUENLITH_MODEL_EXPORT ContributorData::Impl : public kd::zero::ModelElement::Impl {
+ public:
+  static const kd::zero::meta::Class& classOf() noexcept;
+
+  /// Valid until it is set again or the element ends.
+  std::u16string_view getContributingFeature() const noexcept { return contributingFeature; }
+  void setContributingFeature(std::u16string_view feature) { contributingFeature = feature; }
+
+  /// The identifier that the builder was given. The model never looks at it.
+  boost::uuids::uuid getUuid() const noexcept { return uuid; }
+
+ protected:
+  Impl(const kd::zero::meta::Class& metaClass, const boost::uuids::uuid& elementUuid) noexcept
+      : kd::zero::ModelElement::Impl(metaClass), uuid(elementUuid) {}
+  ~Impl() = default;
+
+ private:
+  std::u16string contributingFeature;
+  boost::uuids::uuid uuid;
+};
+
+}  // namespace contributors::kdzero

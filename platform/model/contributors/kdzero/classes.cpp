@@ -1,0 +1,52 @@
+#include "contributors/kdzero/ContributorData.hpp"
+#include "contributors/kdzero/LineData.hpp"
+#include "contributors/kdzero/NodeContributorData.hpp"
+#include "kd/zero/meta/Property.hpp"
+
+namespace contributors::kdzero {
+
+using kd::zero::ElementMaker;
+using kd::zero::ModelElement;
+using kd::zero::meta::Class;
+using kd::zero::meta::Property;
+
+namespace {
+
+kd::zero::ReferenceCollection* lineDataListOf(ModelElement::Impl& owner) noexcept {
+  return &static_cast<NodeContributorData::Impl&>(owner).getLineDataListMutable();
+}
+
+const Property& lineDataList() {
+  static const Property property({.name = u"lineDataList",
+                                  .many = true,
+                                  .unique = true,
+                                  .composite = true,
+                                  .collectionOf = &lineDataListOf});
+  return property;
+}
+
+}  // namespace
+
+const Class& ContributorData::Impl::classOf() noexcept {
+  // No element is of this class itself, so none ever ends as one.
+  static const Class metaClass(u"contributors::kdzero::ContributorData", &Class::modelElement(), 0,
+                               nullptr);
+  return metaClass;
+}
+
+const Class& NodeContributorData::Impl::classOf() noexcept {
+  static const Class metaClass = ElementMaker::describe<Impl>(
+      u"contributors::kdzero::NodeContributorData", ContributorData::Impl::classOf());
+  return metaClass;
+}
+
+const Class& LineData::Impl::classOf() noexcept {
+  static const Class metaClass =
+      ElementMaker::describe<Impl>(u"contributors::kdzero::LineData", Class::modelElement());
+  return metaClass;
+}
+
+NodeContributorData::Impl::Impl(const boost::uuids::uuid& uuid)
+    : ContributorData::Impl(classOf(), uuid), lineData(*this, lineDataList()) {}
+
+}  // namespace contributors::kdzero

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "document/kdzero/Node.hpp"
+
+namespace document::kdzero {
+
+/// Handle to the element that a document's top-level nodes belong to.
+class DocumentRoot : public kd::zero::Handle<DocumentRoot, kd::zero::ModelElement> {
+ public:
+  class Impl;
+};
+
+class QUENLITH_MODEL_EXPORT DocumentRoot::Impl final : public kd::zero::ModelElement::Impl {
+ public:
+  static const kd::zero::meta::Class& classOf() noexcept;
+
+  Impl();
+
+  const kd::zero::ElementSequence<Node>& getChildren() const noexcept { return children; }
+  kd::zero::ElementSequence<Node>& getChildrenMutable() noexcept { return children; }
+
+ private:
+  friend struct kd::zero::ElementMaker;
+
+  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
+    children.releaseAll(releases);
+  }
+
+  kd::zero::ElementSequence<Node> children;
+};
+
+}  // namespace document::kdzero

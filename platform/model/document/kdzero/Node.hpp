@@ -1,0 +1,69 @@
+#pragma once
+
+#include <boost/uuid/uuid.hpp>
+#include <span>
+#include <string_view>
+
+#include "contributors/kdzero/NodeContributorData.hpp"
+#include "failures/kdzero/ParserFailure.hpp"
+#include "kd/zero/ElementSequence.hpp"
+#include "kd/zero/ModelElement.hpp"
+#include "kd/zero/PrimitiveSequence.hpp"
+#include "kd/zero/meta/Class.hpp"
+#include "quenlith/export/model.hpp"
+
+namespace document::kdzero {
+
+/// Handle to a node of a document: the base of all kinds.
+class Node : public kd::zero::Handle<Node, kd::zero::ModelElement> {
+ public:
+  class Impl;
+};
+
+/// What all nodes have: children, failures, contributor data and an anchor.
+///
+/// Children are unique, belong to the node and know it as their parent; failures are unique;
+/// contributor data is unique and belongs to the node. What few nodes have is stored only
+/// once it is used.
+class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
+ public:
+  static const kd::zero::meta::Class& classOf() noexcept;
+
+  const kd::zero::ElementSequence<Node>& getChildren() const noexcept { return children; }
+  kd::zero::ElementSequence<Node>& getChildrenMutable() noexcept { return children; }
+  /// The node that this one is a child of; empty for a top-level or detached node.
+  Node getParent() const noexcept;
+
+  /// Valid until the next change of the node's failures.
+  std::span<const failures::kdzero::ParserFailure> getParserFailures() const noexcept;
+  kd::zero::PrimitiveSequence<failures::kdzero::ParserFailure>& getParserFailuresMutable();
+
+  /// Valid until the next change of the node's contributor data.
+  std::span<const contributors::kdzero::NodeContributorData> getContributorData() const noexcept;
+  kd::zero::ElementSequence<contributors::kdzero::NodeContributorData>&
+  getContributorDataMutable();
+
+  /// The anchor identifier, empty when none was set; valid until it is set again.
+  std::u16string_view getAnchorId() const noexcept;
+  void setAnchorId(std::u16string_view anchorId);
+
+  /// The identifier that the builder was given. The model never looks at it.
+  boost::uuids::uuid getUuid() const noexcept;
+
+ protected:
+  Impl(const kd::zero::meta::Class& metaClass, const boost::uuids::uuid& uuid);
+  ~Impl();
+
+  /// Lets go of all that the node holds; for the node's own end.
+  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept;
+
+ private:
+  struct Extras;
+
+  Extras& extrasMutable();
+
+  kd::zero::ElementSequence<Node> children;
+  Extras* extras = nullptr;
+};
+
+}  // namespace document::kdzero

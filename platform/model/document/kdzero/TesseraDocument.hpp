@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+
+#include "document/kdzero/DocumentRoot.hpp"
+#include "document/kdzero/Node.hpp"
+#include "kd/zero/Model.hpp"
+#include "quenlith/export/model.hpp"
+
+namespace document::kdzero {
+
+/// A document: the top-level nodes of one source, in order.
+///
+/// Owned by the host and passed in shared. Not thread-safe. Nodes that a handle still refers
+/// to outlive it.
+class QUENLITH_MODEL_EXPORT TesseraDocument {
+ public:
+  /// Makes an empty document with a model of its own.
+  TesseraDocument();
+  TesseraDocument(const TesseraDocument&) = delete;
+  TesseraDocument& operator=(const TesseraDocument&) = delete;
+
+  kd::zero::Model getModel() const noexcept { return model; }
+
+  /// Appends `node` as the last top-level node. The rules of `ElementSequence::add` hold: an
+  /// empty handle and a node that is a top-level node already are ignored.
+  void addChild(Node node) { root->getChildrenMutable().add(std::move(node)); }
+  std::uint64_t getNumberOfChildren() const noexcept { return root->getChildren().size(); }
+  /// Returns the top-level node at the zero-based `index`. Throws std::out_of_range.
+  Node getChildAt(std::uint64_t index) const { return root->getChildren().at(index); }
+
+  const kd::zero::ElementSequence<Node>& getChildren() const noexcept {
+    return root->getChildren();
+  }
+
+ private:
+  kd::zero::Model model;
+  DocumentRoot root;
+};
+
+}  // namespace document::kdzero

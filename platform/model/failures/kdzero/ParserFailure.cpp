@@ -1,0 +1,15 @@
+#include "failures/kdzero/ParserFailure.hpp"
+
+#include <boost/container_hash/hash.hpp>
+
+using failures::kdzero::ParserFailure;
+
+std::size_t std::hash<ParserFailure>::operator()(const ParserFailure& failure) const {
+  const failures::kdzero::MarkerInfo& marker = failure.getMarkerInfo();
+  std::size_t seed = foundation::json::hashOf(failure.getFailureData());
+  boost::hash_combine(seed, failure.getFailureId());
+  boost::hash_combine(seed, marker.getMarkerId());
+  boost::hash_combine(seed, marker.getFeatureId());
+  boost::hash_combine(seed, marker.getSubFeatureId());
+  return seed;
+}

@@ -1,0 +1,10 @@
+#include "foundation/core/except/IException.hpp"
+
+namespace foundation::core::except {
+
+// Defined here so that an exception can be caught in another library than that which threw it.
+IException::~IException() = default;
+IUserException::~IUserException() = default;
+IMsgIDException::~IMsgIDException() = default;
+
+}  // namespace foundation::core::except

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "kd/zero/ModelElement.hpp"
+#include "kd/zero/meta/Property.hpp"
+#include "quenlith/export/model.hpp"
+
+namespace kd::zero {
+
+class OCDChangeDescriptor;
+
+/// A collection that one element owns through one of its properties.
+///
+/// It stands inside its owner and is not copied. To keep an element small it holds no pointer
+/// to its owner but the distance from it.
+class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
+ public:
+  class Operation;
+
+  AbstractOwnedCollection(const AbstractOwnedCollection&) = delete;
+  AbstractOwnedCollection& operator=(const AbstractOwnedCollection&) = delete;
+
+  ModelElement getOwner() const noexcept { return ModelElement::share(&owner()); }
+  const meta::Property& getCollectionProperty() const noexcept {
+    return meta::Property::at(propertyIndex);
+  }
+  /// Tells whether no element stands in it twice.
+  bool isUnique() const noexcept { return getCollectionProperty().isUnique(); }
+
+  std::size_t size() const noexcept { return count; }
+  bool empty() const noexcept { return count == 0; }
+
+ protected:
+  enum class Holds : bool { kElements, kValues };
+
+  /// A collection that is a member of `collectionOwner`.
+  AbstractOwnedCollection(const ModelElement::Impl& collectionOwner, const meta::Property& property,
+                          Holds content) noexcept;
+  /// A collection that is a member of a part of the owner which is made only when it is used;
+  /// `collectionOwner` is a member of the same part.
+  AbstractOwnedCollection(ModelElement::Impl* const& collectionOwner,
+                          const meta::Property& property, Holds content) noexcept;
+  ~AbstractOwnedCollection() = default;
+
+  ModelElement::Impl& owner() const noexcept;
+
+  /// Tells the listeners of the model of a change that is about to be made. With no listener
+  /// no record is made. Throws what a listener throws.
+  void modifying(const OCDChangeDescriptor& change) const;
+
+  std::uint32_t count = 0;
+  std::uint16_t propertyIndex;
+
+ private:
+  static constexpr std::uint16_t kGranule = 4;
+
+  std::uint16_t ownerDistance : 13;
+  bool ownerIsReferred : 1;
+  bool holdsValues : 1;
+
+ protected:
+  bool inBlock : 1 = false;
+};
+
+/// A scoped change of a collection: what was appended since it was opened is dropped again
+/// unless it is committed.
+class QUENLITH_MODEL_EXPORT AbstractOwnedCollection::Operation {
+ public:
+  /// Borrows `changed` for the life of the operation.
+  explicit Operation(AbstractOwnedCollection& changed) noexcept;
+  Operation(const Operation&) = delete;
+  Operation& operator=(const Operation&) = delete;
+  ~Operation() {
+    if (!committed) rollBack();
+  }
+
+  void commit() noexcept { committed = true; }
+
+ private:
+  void rollBack() noexcept;
+
+  AbstractOwnedCollection& collection;
+  std::size_t oldCount;
+  bool committed = false;
+};
+
+}  // namespace kd::zero

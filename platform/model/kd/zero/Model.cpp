@@ -1,0 +1,30 @@
+#include "kd/zero/Model.hpp"
+
+#include <algorithm>
+
+namespace kd::zero {
+
+Model Model::create() {
+  Model model;
+  model.storageOfModel = ModelStorage::make();
+  return model;
+}
+
+Model Model::share(ModelStorage& storage) noexcept {
+  storage.addHandle();
+  Model model;
+  model.storageOfModel = &storage;
+  return model;
+}
+
+void Model::addListener(ChangeListener& listener) const {
+  storageOfModel->listeners.push_back(&listener);
+}
+
+void Model::removeListener(ChangeListener& listener) const noexcept {
+  auto& listeners = storageOfModel->listeners;
+  const auto place = std::find(listeners.begin(), listeners.end(), &listener);
+  if (place != listeners.end()) listeners.erase(place);
+}
+
+}  // namespace kd::zero

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include "kd/zero/ModelStorage.hpp"
+#include "quenlith/export/model.hpp"
+
+namespace kd::zero {
+
+class ChangeListener;
+
+/// Handle to a model: the container of all elements of one document.
+///
+/// One pointer wide. The model lives as long as a handle to it or an element of it does.
+/// Default-made and moved-from handles are empty. Not thread-safe: one document is filled by
+/// one thread at a time.
+class QUENLITH_MODEL_EXPORT Model {
+ public:
+  /// Returns a new model without elements.
+  static Model create();
+  /// Returns a handle to the model that owns `storage`.
+  static Model share(ModelStorage& storage) noexcept;
+
+  constexpr Model() noexcept = default;
+  Model(const Model& other) noexcept : storageOfModel(other.storageOfModel) {
+    if (storageOfModel != nullptr) storageOfModel->addHandle();
+  }
+  Model(Model&& other) noexcept : storageOfModel(std::exchange(other.storageOfModel, nullptr)) {}
+  Model& operator=(Model other) noexcept {
+    std::swap(storageOfModel, other.storageOfModel);
+    return *this;
+  }
+  ~Model() {
+    if (storageOfModel != nullptr) storageOfModel->dropHandle();
+  }
+
+  explicit operator bool() const noexcept { return storageOfModel != nullptr; }
+  friend bool operator==(const Model&, const Model&) noexcept = default;
+
+  /// Borrows `listener`, which must outlive the model or be removed, and tells it of changes
+  /// from now on. A listener added twice is told twice.
+  void addListener(ChangeListener& listener) const;
+  /// Takes back one `addListener`; does nothing when there was none.
+  void removeListener(ChangeListener& listener) const noexcept;
+
+  /// Number of collection operations opened so far, committed or not. It stays as it is when
+  /// an append is skipped or refused, so a host sees whether a call tried to change anything.
+  std::uint64_t getNumberOfOperations() const noexcept { return storageOfModel->operations; }
+
+  /// Where the elements live; for classes of elements only.
+  ModelStorage& storage() const noexcept { return *storageOfModel; }
+
+ private:
+  ModelStorage* storageOfModel = nullptr;
+};
+
+}  // namespace kd::zero

@@ -1,0 +1,164 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+#include "quenlith/export/model.hpp"
+
+namespace kd::zero {
+
+namespace meta {
+class Class;
+class Property;
+}  // namespace meta
+
+class Model;
+class ModelStorage;
+
+/// Handle to an element of a model: one pointer wide, counts its references.
+///
+/// Copies refer to the same element, which lives as long as any handle refers to it. A
+/// default-made or moved-from handle is empty. Handles of one model are used by one thread
+/// at a time: the count is a plain number.
+class QUENLITH_MODEL_EXPORT ModelElement {
+ public:
+  class Impl;
+  class Releases;
+
+  constexpr ModelElement() noexcept = default;
+  ModelElement(const ModelElement& other) noexcept : impl(other.impl) { addRef(); }
+  ModelElement(ModelElement&& other) noexcept : impl(std::exchange(other.impl, nullptr)) {}
+  ModelElement& operator=(ModelElement other) noexcept {
+    std::swap(impl, other.impl);
+    return *this;
+  }
+  ~ModelElement() { dropRef(); }
+
+  /// Returns a handle that takes over one reference, which the caller counted.
+  static ModelElement adopt(Impl* element) noexcept {
+    ModelElement handle;
+    handle.impl = element;
+    return handle;
+  }
+  /// Returns a handle with a reference of its own; null gives the empty handle.
+  static ModelElement share(Impl* element) noexcept;
+  /// Gives up the handle's reference to the caller, who must adopt it again.
+  Impl* detach() noexcept { return std::exchange(impl, nullptr); }
+
+  explicit operator bool() const noexcept { return impl != nullptr; }
+  Impl* get() const noexcept { return impl; }
+  Impl* operator->() const noexcept { return impl; }
+  /// Identity, not equality of contents.
+  friend bool operator==(const ModelElement& a, const ModelElement& b) noexcept {
+    return a.impl == b.impl;
+  }
+
+ protected:
+  /// Lets an empty handle take over one reference.
+  void take(Impl* element) noexcept { impl = element; }
+
+ private:
+  void addRef() const noexcept;
+  void dropRef() const noexcept;
+
+  Impl* impl = nullptr;
+};
+
+/// The implementation object behind a handle. Lives in the storage of its model.
+class QUENLITH_MODEL_EXPORT ModelElement::Impl {
+ public:
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  Model getModel() const noexcept;
+  const meta::Class& getMetaClass() const noexcept;
+  /// Tells whether the element is of `metaClass` or of a class derived from it.
+  bool isKindOf(const meta::Class& metaClass) const noexcept;
+  /// Tells whether this stands for an element that is not loaded.
+  bool isProxy() const noexcept { return proxy; }
+  /// The element that this one belongs to, the empty handle while it is detached.
+  ModelElement getContainer() const noexcept { return ModelElement::share(container); }
+
+ protected:
+  /// A new element has one reference, which its maker adopts.
+  explicit Impl(const meta::Class& metaClass) noexcept;
+  ~Impl() = default;
+  void setProxy() noexcept { proxy = true; }
+
+ private:
+  friend class ModelElement;
+  friend class ModelElement::Releases;
+  friend class ReferenceCollection;
+  friend struct Containment;
+
+  static void destroy(Impl* element) noexcept;
+
+  std::uint32_t references = 1;
+  std::uint16_t containerProperty = 0;
+  std::uint8_t classIndex;
+  bool proxy : 1 = false;
+  bool containsOthers : 1 = false;
+  Impl* container = nullptr;
+};
+
+/// Elements whose last reference is gone and whose end is still to come. Released trees go
+/// through this list, however deep they are, so that no release recurses.
+class ModelElement::Releases {
+ public:
+  /// Drops one reference to `element` (never null), which is destroyed later if it was the
+  /// last.
+  void drop(Impl* element) noexcept {
+    if (--element->references == 0) push(element);
+  }
+
+ private:
+  friend class ModelElement::Impl;
+
+  void push(Impl* element) noexcept {
+    element->container = pending;
+    pending = element;
+  }
+
+  // The container of a released element says nothing any more: it links the list.
+  Impl* pending = nullptr;
+};
+
+inline ModelElement ModelElement::share(Impl* element) noexcept {
+  if (element != nullptr) ++element->references;
+  return adopt(element);
+}
+
+inline void ModelElement::addRef() const noexcept {
+  if (impl != nullptr) ++impl->references;
+}
+
+inline void ModelElement::dropRef() const noexcept {
+  if (impl != nullptr && --impl->references == 0) Impl::destroy(impl);
+}
+
+/// Gives a kind of element its typed handle: `Self` is the handle class, `Base` the handle of
+/// the kind that it is derived from. A handle of a derived kind converts to one of its base
+/// kind: from an lvalue with a reference more, from a temporary by taking its reference over.
+template <class Self, class Base>
+class Handle : public Base {
+ public:
+  static Self adopt(ModelElement::Impl* element) noexcept {
+    Self handle;
+    handle.take(element);
+    return handle;
+  }
+  static Self share(ModelElement::Impl* element) noexcept {
+    return adopt(ModelElement::share(element).detach());
+  }
+  /// Returns a handle of this kind to the element, the empty handle when it is of another
+  /// kind or `element` is empty.
+  static Self castFrom(const ModelElement& element) noexcept {
+    if (!element || !element->isKindOf(Self::Impl::classOf())) return Self();
+    return share(element.get());
+  }
+  auto get() const noexcept { return static_cast<typename Self::Impl*>(ModelElement::get()); }
+  auto operator->() const noexcept { return get(); }
+};
+
+}  // namespace kd::zero

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "kd/zero/ModelElement.hpp"
+#include "quenlith/export/model.hpp"
+
+namespace kd::zero {
+
+class ChangeListener;
+
+/// What one model owns: the storage of its elements and its listeners.
+///
+/// Elements, short texts and small arrays stand one behind the other in chunks, in the order
+/// in which they are made; what is given back is used again by blocks of the same size. A
+/// chunk begins at a multiple of its size, so that an element's address leads to its model.
+class QUENLITH_MODEL_EXPORT ModelStorage {
+ public:
+  /// The storage that `element` lives in.
+  static ModelStorage& of(const void* element) noexcept {
+    return *(*reinterpret_cast<ModelStorage* const*>(reinterpret_cast<std::uintptr_t>(element) &
+                                                     ~(kChunkAlignment - 1)));
+  }
+
+  /// Makes storage with one reference of a model handle.
+  static ModelStorage* make() { return new ModelStorage; }
+  ModelStorage(const ModelStorage&) = delete;
+  ModelStorage& operator=(const ModelStorage&) = delete;
+
+  void addHandle() noexcept { ++handles; }
+  /// Ends the storage when neither handle nor element is left.
+  void dropHandle() noexcept {
+    --handles;
+    endIfUnused();
+  }
+
+  /// Returns room for `sizeBytes` bytes, aligned to eight. Throws std::bad_alloc.
+  void* allocate(std::size_t sizeBytes);
+  /// Gives room back; `sizeBytes` as it was asked for.
+  void deallocate(void* room, std::size_t sizeBytes) noexcept;
+  /// Like `allocate`, but for an element: its size must be at most kLargestBlock.
+  void* allocateElement(std::size_t sizeBytes);
+  void deallocateElement(void* element, std::size_t sizeBytes) noexcept;
+
+  /// Number of collection operations opened so far.
+  std::uint64_t operations = 0;
+  /// Borrowed, in the order in which they were added.
+  std::vector<ChangeListener*> listeners;
+
+  static constexpr std::size_t kLargestBlock = 512;
+
+ private:
+  static constexpr std::size_t kGranule = 8;
+  static constexpr std::size_t kChunkAlignment = std::size_t{64} * 1024;
+  // The allocator's own header of the next chunk fits into what is left to the alignment;
+  // with full chunks each one would waste as much again.
+  static constexpr std::size_t kChunkBytes = kChunkAlignment - 64;
+
+  struct FreeBlock {
+    FreeBlock* next;
+  };
+
+  ModelStorage() = default;
+  ~ModelStorage();
+  void* allocateBlock(std::size_t sizeBytes);
+  void addChunk();
+  void endIfUnused() noexcept {
+    if (handles == 0 && elements == 0) delete this;
+  }
+
+  std::byte* free = nullptr;
+  std::byte* end = nullptr;
+  std::uint64_t handles = 1;
+  std::uint64_t elements = 0;
+  std::array<FreeBlock*, kLargestBlock / kGranule + 1> freeBlocks{};
+  std::vector<void*> chunks;
+};
+
+}  // namespace kd::zero

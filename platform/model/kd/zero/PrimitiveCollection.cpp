@@ -1,0 +1,7 @@
+#include "kd/zero/PrimitiveCollection.hpp"
+
+namespace kd::zero {
+
+PrimitiveCollection::~PrimitiveCollection() = default;
+
+}  // namespace kd::zero

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <unordered_map>
+#include <vector>
+
+#include "kd/zero/OCDChangeDescriptorOfPrimitiveSequence.hpp"
+#include "kd/zero/PrimitiveCollection.hpp"
+
+namespace kd::zero {
+
+/// Sequence of plain values that one element owns through one of its properties.
+///
+/// `T` is compared with ==; a hash that agrees with it, in std::hash<T>, keeps appending to a
+/// large unique sequence at constant cost.
+template <class T>
+class PrimitiveSequence final : public PrimitiveCollection {
+ public:
+  PrimitiveSequence(const ModelElement::Impl& collectionOwner, const meta::Property& property)
+      : PrimitiveCollection(collectionOwner, property) {}
+  PrimitiveSequence(ModelElement::Impl* const& collectionOwner, const meta::Property& property)
+      : PrimitiveCollection(collectionOwner, property) {}
+  ~PrimitiveSequence() override = default;
+
+  /// Appends a copy of `value`, unless the sequence is unique and an equal value is in it.
+  ///
+  /// The listeners of the model are told once, before the value is stored. When one of them,
+  /// or the copy, throws, the sequence stays as it was.
+  void add(const T& value) {
+    if (isUnique() && contains(value)) return;
+    Operation operation(*this);
+    const OCDChangeDescriptorOfPrimitiveSequence<T> change(
+        OCDChange::Operation::kAppend, static_cast<std::int64_t>(values.size()), &value);
+    modifying(change);
+    store(value);
+    operation.commit();
+  }
+
+  /// Tells whether an equal value is in the sequence.
+  bool contains(const T& value) const {
+    if constexpr (kHashable) {
+      if (!places.empty()) return containsHashed(value);
+    }
+    for (const T& present : values) {
+      if (present == value) return true;
+    }
+    return false;
+  }
+
+  const T& operator[](std::size_t index) const noexcept { return values[index]; }
+  /// Throws std::out_of_range.
+  const T& at(std::size_t index) const { return values.at(index); }
+  const T* data() const noexcept { return values.data(); }
+  auto begin() const noexcept { return values.begin(); }
+  auto end() const noexcept { return values.end(); }
+
+ private:
+  static constexpr bool kHashable = requires(const T& value) { std::hash<T>{}(value); };
+  // Below this, comparing is cheaper than hashing, and most sequences hold one value.
+  static constexpr std::size_t kHashedFrom = 16;
+
+  void store(const T& value) {
+    values.push_back(value);
+    count = static_cast<std::uint32_t>(values.size());
+    if constexpr (kHashable) {
+      if (isUnique() && values.size() >= kHashedFrom) indexNewPlaces();
+    }
+  }
+
+  void indexNewPlaces() {
+    for (std::size_t place = places.size(); place < values.size(); ++place) {
+      places.emplace(std::hash<T>{}(values[place]), place);
+    }
+  }
+
+  bool containsHashed(const T& value) const {
+    const auto [first, last] = places.equal_range(std::hash<T>{}(value));
+    for (auto candidate = first; candidate != last; ++candidate) {
+      if (values[candidate->second] == value) return true;
+    }
+    return false;
+  }
+
+  void truncate(std::size_t newCount) noexcept override {
+    places.clear();
+    values.erase(values.begin() + static_cast<std::ptrdiff_t>(newCount), values.end());
+    count = static_cast<std::uint32_t>(newCount);
+  }
+
+  std::vector<T> values;
+  /// From the hash of a value to its index; empty or whole.
+  std::unordered_multimap<std::size_t, std::size_t> places;
+};
+
+}  // namespace kd::zero

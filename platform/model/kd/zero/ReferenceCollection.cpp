@@ -1,0 +1,151 @@
+#include "kd/zero/ReferenceCollection.hpp"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "foundation/core/except/Exception.hpp"
+#include "kd/zero/Containment.hpp"
+#include "kd/zero/ModelStorage.hpp"
+#include "kd0/messages/ElementOfAnotherModel.hpp"
+#include "kd0/messages/ElementWithinItself.hpp"
+
+namespace kd::zero {
+
+using foundation::core::except::Exception;
+
+void ReferenceCollection::append(ModelElement element) {
+  if (!element) return;
+  ModelElement::Impl& added = *element.get();
+  checkCompatibleModel(added);
+  const bool loaded = !added.isProxy();
+  if (loaded && isUnique() && contains(added)) return;
+  if (loaded) checkNoCycle(added);
+
+  Operation operation(*this);
+  store(element);
+  if (loaded && getOpposite() != nullptr) {
+    _inverseAddThis(owner(), added, *getOpposite(), false);
+  } else if (loaded && isComposite()) {
+    _setContainedByThis(owner(), added, getCollectionProperty());
+  }
+  operation.commit();
+}
+
+void ReferenceCollection::checkCompatibleModel(const ModelElement::Impl& element) const {
+  if (&ModelStorage::of(&element) == &ModelStorage::of(&owner())) return;
+  throw Exception<kd0::messages::ElementOfAnotherModel, std::exception>(
+      kd0::messages::ElementOfAnotherModel(element.getMetaClass().getQualifiedName()));
+}
+
+void ReferenceCollection::checkNoCycle(const ModelElement::Impl& element) const {
+  // Only what contains others can be above the owner, and most elements do not yet.
+  if (!element.containsOthers && &element != &owner()) return;
+  if (!isComposite() && getOpposite() == nullptr) return;
+  if (!Containment::isWithin(owner(), element)) return;
+  throw Exception<kd0::messages::ElementWithinItself, std::exception>(
+      kd0::messages::ElementWithinItself(element.getMetaClass().getQualifiedName()));
+}
+
+bool ReferenceCollection::contains(ModelElement::Impl& element) {
+  const meta::Property* opposite = getOpposite();
+  if (opposite == nullptr || opposite->isMany()) return containsIdentity(element);
+  return opposite->traits().read(element).toModelElement() == &owner();
+}
+
+bool ReferenceCollection::containsIdentity(const ModelElement::Impl& element) {
+  if (size() < kIdentitiesFrom) {
+    return std::find(places(), places() + size(), &element) != places() + size();
+  }
+  Identities*& identities = blockHead().identities;
+  if (identities == nullptr) {
+    identities = std::make_unique<Identities>(places(), places() + size()).release();
+  }
+  return identities->count(&element) != 0;
+}
+
+void ReferenceCollection::store(ModelElement& element) {
+  if (size() == std::numeric_limits<std::uint32_t>::max()) {
+    throw std::length_error("a sequence holds at most 2^32 - 1 elements");
+  }
+  if (!inBlock && empty()) {
+    one = element.detach();
+    ++count;
+    return;
+  }
+  if (!inBlock || size() == blockHead().capacity) growBlock();
+  if (Identities* identities = blockHead().identities) identities->insert(element.get());
+  many[count] = element.detach();
+  ++count;
+}
+
+void ReferenceCollection::growBlock() {
+  constexpr std::size_t kFirstCapacity = 4;
+  const std::size_t capacity = inBlock ? size() + size() / 2 : kFirstCapacity;
+  ModelStorage& storage = ModelStorage::of(&owner());
+  auto* head = new (storage.allocate(blockBytes(capacity))) BlockHead{capacity, nullptr};
+  auto** block = reinterpret_cast<ModelElement::Impl**>(head + 1);
+  std::copy_n(places(), size(), block);
+  if (inBlock) {
+    head->identities = std::exchange(blockHead().identities, nullptr);
+    freeBlock();
+  }
+  many = block;
+  inBlock = true;
+}
+
+void ReferenceCollection::freeBlock() noexcept {
+  BlockHead& head = blockHead();
+  const std::unique_ptr<Identities> identities(head.identities);
+  ModelStorage::of(&owner()).deallocate(&head, blockBytes(head.capacity));
+}
+
+void ReferenceCollection::_inverseAddThis(ModelElement::Impl& collectionOwner,
+                                          ModelElement::Impl& element,
+                                          const meta::Property& opposite,
+                                          bool /*elementIsOwner*/) const {
+  opposite.traits().assign(element, collectionOwner, getCollectionProperty());
+}
+
+void ReferenceCollection::_setContainedByThis(ModelElement::Impl& collectionOwner,
+                                              ModelElement::Impl& element,
+                                              const meta::Property& property) const {
+  Containment::assign(element, collectionOwner, property);
+}
+
+void ReferenceCollection::truncate(std::size_t newCount) noexcept {
+  while (size() > newCount) {
+    ModelElement last = ModelElement::adopt(places()[count - 1]);
+    --count;
+    // In a collection that is not unique an earlier place may still hold it.
+    const bool gone = isUnique() || std::find(places(), places() + size(), last.get()) ==
+                                        places() + size();
+    if (gone) Containment::clear(*last.get(), owner(), getCollectionProperty());
+    if (inBlock && blockHead().identities != nullptr) blockHead().identities->erase(last.get());
+  }
+}
+
+void ReferenceCollection::forget(const ModelElement::Impl& element) noexcept {
+  auto** first = inBlock ? many : &one;
+  auto** last = std::remove(first, first + size(), &element);
+  for (auto dropped = first + size() - last; dropped > 0; --dropped, --count) {
+    --const_cast<ModelElement::Impl&>(element).references;
+  }
+  if (inBlock && blockHead().identities != nullptr) blockHead().identities->erase(&element);
+}
+
+void ReferenceCollection::releaseAll(ModelElement::Releases& releases) noexcept {
+  const meta::Property& property = getCollectionProperty();
+  for (std::size_t place = 0; place < size(); ++place) {
+    ModelElement::Impl* element = places()[place];
+    Containment::clear(*element, owner(), property);
+    releases.drop(element);
+  }
+  if (inBlock) freeBlock();
+  inBlock = false;
+  count = 0;
+}
+
+}  // namespace kd::zero

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_set>
+
+#include "kd/zero/AbstractOwnedCollection.hpp"
+#include "kd/zero/ModelElement.hpp"
+
+namespace kd::zero {
+
+/// A collection of references to elements, of whatever kind.
+///
+/// One element stands in the collection itself, more of them in a block of the model's
+/// storage. Appending is constant on average however many there are.
+class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
+ public:
+  /// Tells whether it owns its elements: an element is then in one such collection at most.
+  bool isComposite() const noexcept { return getCollectionProperty().isComposite(); }
+  /// The property at the other end of a bidirectional reference, or null.
+  const meta::Property* getOpposite() const noexcept {
+    return getCollectionProperty().getOpposite();
+  }
+
+  /// Drops all elements; for the owner's own end.
+  void releaseAll(ModelElement::Releases& releases) noexcept;
+
+ protected:
+  ReferenceCollection(const ModelElement::Impl& collectionOwner,
+                      const meta::Property& property) noexcept
+      : AbstractOwnedCollection(collectionOwner, property, Holds::kElements) {}
+  ReferenceCollection(ModelElement::Impl* const& collectionOwner,
+                      const meta::Property& property) noexcept
+      : AbstractOwnedCollection(collectionOwner, property, Holds::kElements) {}
+  ~ReferenceCollection() = default;
+
+  void append(ModelElement element);
+  ModelElement::Impl* const* places() const noexcept { return inBlock ? many : &one; }
+
+ private:
+  friend class AbstractOwnedCollection::Operation;
+  friend struct Containment;
+
+  using Identities = std::unordered_set<const ModelElement::Impl*>;
+  struct BlockHead {
+    std::size_t capacity;
+    /// The elements of a large unique collection that is asked by identity; else null.
+    Identities* identities;
+  };
+  static constexpr std::size_t kIdentitiesFrom = 16;
+
+  void checkCompatibleModel(const ModelElement::Impl& element) const;
+  void checkNoCycle(const ModelElement::Impl& element) const;
+  bool contains(ModelElement::Impl& element);
+  bool containsIdentity(const ModelElement::Impl& element);
+  void store(ModelElement& element);
+  void _inverseAddThis(ModelElement::Impl& collectionOwner, ModelElement::Impl& element,
+                       const meta::Property& opposite, bool elementIsOwner) const;
+  void _setContainedByThis(ModelElement::Impl& collectionOwner, ModelElement::Impl& element,
+                           const meta::Property& property) const;
+  void growBlock();
+  void freeBlock() noexcept;
+  void truncate(std::size_t newCount) noexcept;
+  void forget(const ModelElement::Impl& element) noexcept;
+  BlockHead& blockHead() const noexcept { return reinterpret_cast<BlockHead*>(many)[-1]; }
+  static std::size_t blockBytes(std::size_t capacity) noexcept {
+    return sizeof(BlockHead) + capacity * sizeof(ModelElement::Impl*);
+  }
+
+  union {
+    ModelElement::Impl* one = nullptr;
+    ModelElement::Impl** many;
+  };
+};
+
+}  // namespace kd::zero
