@@ -28,7 +28,7 @@ class QUENLITH_MODEL_EXPORT NodeContributorData::Impl final : public Contributor
  private:
   friend struct kd::zero::ElementMaker;
 
-  explicit Impl(const boost::uuids::uuid& uuid);
+  explicit Impl(const boost::uuids::uuid& elementUuid);
   ~Impl() = default;
   void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
     lineData.releaseAll(releases);

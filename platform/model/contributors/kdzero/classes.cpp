@@ -46,7 +46,7 @@ const Class& LineData::Impl::classOf() noexcept {
   return metaClass;
 }
 
-NodeContributorData::Impl::Impl(const boost::uuids::uuid& uuid)
-    : ContributorData::Impl(classOf(), uuid), lineData(*this, lineDataList()) {}
+NodeContributorData::Impl::Impl(const boost::uuids::uuid& elementUuid)
+    : ContributorData::Impl(classOf(), elementUuid), lineData(*this, lineDataList()) {}
 
 }  // namespace contributors::kdzero

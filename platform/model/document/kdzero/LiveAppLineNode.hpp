@@ -32,7 +32,9 @@ class LiveAppLineNode::Impl::BuilderBase : public kd::zero::ElementBuilder {
   using ElementBuilder::ElementBuilder;
 
   /// Returns a new, detached node. Any number of nodes may have the same `uuid`.
-  LiveAppLineNode createLiveAppLineNode(const boost::uuids::uuid& uuid) const { return make<LiveAppLineNode>(uuid); }
+  LiveAppLineNode createLiveAppLineNode(const boost::uuids::uuid& uuid) const {
+    return make<LiveAppLineNode>(uuid);
+  }
 };
 
 class LiveAppLineNode::Builder : public Impl::BuilderBase<Builder> {

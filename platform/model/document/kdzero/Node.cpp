@@ -49,7 +49,9 @@ void Node::Impl::releaseAll(kd::zero::ModelElement::Releases& releases) noexcept
   if (extras != nullptr) extras->contributorData.releaseAll(releases);
 }
 
-Node Node::Impl::getParent() const noexcept { return Node::castFrom(getContainer()); }
+Node Node::Impl::getParent() const noexcept {
+  return Node::castFrom(getContainer());
+}
 
 std::span<const ParserFailure> Node::Impl::getParserFailures() const noexcept {
   if (extras == nullptr) return {};
@@ -74,7 +76,9 @@ std::u16string_view Node::Impl::getAnchorId() const noexcept {
   return extras->anchorId;
 }
 
-void Node::Impl::setAnchorId(std::u16string_view anchorId) { extrasMutable().anchorId = anchorId; }
+void Node::Impl::setAnchorId(std::u16string_view anchorId) {
+  extrasMutable().anchorId = anchorId;
+}
 
 boost::uuids::uuid Node::Impl::getUuid() const noexcept {
   if (extras == nullptr) return {};

@@ -40,8 +40,7 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
 
   /// Valid until the next change of the node's contributor data.
   std::span<const contributors::kdzero::NodeContributorData> getContributorData() const noexcept;
-  kd::zero::ElementSequence<contributors::kdzero::NodeContributorData>&
-  getContributorDataMutable();
+  kd::zero::ElementSequence<contributors::kdzero::NodeContributorData>& getContributorDataMutable();
 
   /// The anchor identifier, empty when none was set; valid until it is set again.
   std::u16string_view getAnchorId() const noexcept;

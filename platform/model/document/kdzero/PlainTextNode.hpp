@@ -32,7 +32,9 @@ class PlainTextNode::Impl::BuilderBase : public kd::zero::ElementBuilder {
   using ElementBuilder::ElementBuilder;
 
   /// Returns a new, detached node. Any number of nodes may have the same `uuid`.
-  PlainTextNode createPlainTextNode(const boost::uuids::uuid& uuid) const { return make<PlainTextNode>(uuid); }
+  PlainTextNode createPlainTextNode(const boost::uuids::uuid& uuid) const {
+    return make<PlainTextNode>(uuid);
+  }
 };
 
 class PlainTextNode::Builder : public Impl::BuilderBase<Builder> {

@@ -11,8 +11,8 @@ using kd::zero::ElementMaker;
 using kd::zero::meta::Class;
 
 const Class& DocumentRoot::Impl::classOf() noexcept {
-  static const Class metaClass = ElementMaker::describe<Impl>(u"document::kdzero::TesseraDocument",
-                                                              Class::modelElement());
+  static const Class metaClass =
+      ElementMaker::describe<Impl>(u"document::kdzero::TesseraDocument", Class::modelElement());
   return metaClass;
 }
 

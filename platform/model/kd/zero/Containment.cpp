@@ -4,7 +4,9 @@
 
 namespace kd::zero {
 
-Value Containment::read(const ModelElement::Impl& element) { return Value(element.container); }
+Value Containment::read(const ModelElement::Impl& element) {
+  return Value(element.container);
+}
 
 void Containment::assign(ModelElement::Impl& element, ModelElement::Impl& owner,
                          const meta::Property& collection) {

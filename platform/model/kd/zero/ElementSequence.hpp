@@ -13,7 +13,8 @@ namespace kd::zero {
 template <class T>
 class ElementSequence final : public ReferenceCollection {
  public:
-  ElementSequence(const ModelElement::Impl& collectionOwner, const meta::Property& property) noexcept
+  ElementSequence(const ModelElement::Impl& collectionOwner,
+                  const meta::Property& property) noexcept
       : ReferenceCollection(collectionOwner, property) {}
   ElementSequence(ModelElement::Impl* const& collectionOwner,
                   const meta::Property& property) noexcept

@@ -8,7 +8,9 @@ namespace kd::zero {
 ModelElement::Impl::Impl(const meta::Class& metaClass) noexcept
     : classIndex(metaClass.getIndex()) {}
 
-Model ModelElement::Impl::getModel() const noexcept { return Model::share(ModelStorage::of(this)); }
+Model ModelElement::Impl::getModel() const noexcept {
+  return Model::share(ModelStorage::of(this));
+}
 
 const meta::Class& ModelElement::Impl::getMetaClass() const noexcept {
   return meta::Class::at(classIndex);

@@ -17,7 +17,7 @@ std::size_t roundUp(std::size_t sizeBytes, std::size_t granule) noexcept {
 ModelStorage::~ModelStorage() {
   for (void* chunk : chunks) {
     unpoison(chunk, kChunkBytes);
-    ::operator delete(chunk, std::align_val_t{kChunkAlignment});
+    ::operator delete (chunk, std::align_val_t{kChunkAlignment});
   }
 }
 
@@ -68,7 +68,7 @@ void* ModelStorage::allocateBlock(std::size_t sizeBytes) {
 
 void ModelStorage::addChunk() {
   chunks.reserve(chunks.size() + 1);
-  void* chunk = ::operator new(kChunkBytes, std::align_val_t{kChunkAlignment});
+  void* chunk = ::operator new (kChunkBytes, std::align_val_t{kChunkAlignment});
   chunks.push_back(chunk);
   *static_cast<ModelStorage**>(chunk) = this;
   free = static_cast<std::byte*>(chunk) + sizeof(ModelStorage*);

@@ -9,6 +9,7 @@
 #include "foundation/core/except/Exception.hpp"
 #include "kd/zero/Containment.hpp"
 #include "kd/zero/ModelStorage.hpp"
+#include "kd/zero/meta/Class.hpp"
 #include "kd0/messages/ElementOfAnotherModel.hpp"
 #include "kd0/messages/ElementWithinItself.hpp"
 
@@ -120,8 +121,8 @@ void ReferenceCollection::truncate(std::size_t newCount) noexcept {
     ModelElement last = ModelElement::adopt(places()[count - 1]);
     --count;
     // In a collection that is not unique an earlier place may still hold it.
-    const bool gone = isUnique() || std::find(places(), places() + size(), last.get()) ==
-                                        places() + size();
+    const bool gone =
+        isUnique() || std::find(places(), places() + size(), last.get()) == places() + size();
     if (gone) Containment::clear(*last.get(), owner(), getCollectionProperty());
     if (inBlock && blockHead().identities != nullptr) blockHead().identities->erase(last.get());
   }

@@ -14,7 +14,8 @@ class ElementOfAnotherModel : public TypeMessage {
   explicit ElementOfAnotherModel(fl::i18n::ustring typeName) : TypeMessage(std::move(typeName)) {}
   std::string getKey() const { return "ElementOfAnotherModel"; }
   fl::i18n::ustring getText() const {
-    return u"An element of type " + qualifiedName + u" belongs to another model than the collection.";
+    return u"An element of type " + qualifiedName +
+           u" belongs to another model than the collection.";
   }
 };
 

@@ -12,8 +12,8 @@ namespace {
 /// Enters `entry` into the next free place of `table` and returns the place. Descriptions may
 /// be made on several threads, by bundles that bring classes of their own.
 template <class Entry, std::size_t kCapacity>
-std::size_t enter(std::array<const Entry*, kCapacity>& table, std::size_t& used,
-                  const Entry* entry, const char* full) {
+std::size_t enter(std::array<const Entry*, kCapacity>& table, std::size_t& used, const Entry* entry,
+                  const char* full) {
   static std::mutex mutex;
   const std::lock_guard lock(mutex);
   if (used == kCapacity) throw std::length_error(full);

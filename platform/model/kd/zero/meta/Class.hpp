@@ -15,7 +15,8 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
  public:
   /// Lets go of everything that an element holds and runs its destructor; its storage is
   /// given back by the caller.
-  using Dismantle = void (*)(ModelElement::Impl& element, ModelElement::Releases& releases) noexcept;
+  using Dismantle = void (*)(ModelElement::Impl& element,
+                             ModelElement::Releases& releases) noexcept;
 
   /// `sizeBytes` is the size of an element's implementation object; `base` may be null.
   /// Throws std::length_error when kCapacity classes are there already.
