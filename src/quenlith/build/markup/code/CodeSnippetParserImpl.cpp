@@ -1,0 +1,33 @@
+#include "quenlith/build/markup/code/CodeSnippetParserImpl.hpp"
+
+#include <utility>
+
+#include "quenlith/build/markup/code/LineNodeParserService.hpp"
+#include "quenlith/shared/logging/trace.hpp"
+
+namespace quenlith::build::markup::code {
+
+using quenlith::shared::logging::trace;
+
+CodeSnippetParserImpl::CodeSnippetParserImpl(
+    const std::shared_ptr<services::ParserServicesProvider>& provider)
+    : parserServicesProvider(provider) {}
+
+CodeSnippetParserImpl::~CodeSnippetParserImpl() = default;
+
+bool CodeSnippetParserImpl::canParse(const Snippet& /*snippet*/) {
+  trace("Checking the default parser");
+  return true;
+}
+
+ParseResult CodeSnippetParserImpl::parse(std::shared_ptr<document::kdzero::TesseraDocument> document,
+                                         const Snippet& snippet) {
+  trace("Parsing using the default parser");
+  LineNodeParserService service(parserServicesProvider);
+  ParseResult result = service.parseLine(std::move(document), snippet, ParseResult());
+  // Whatever came back: a line of plain code leaves no task open.
+  result.type = SnippetType{};
+  return result;
+}
+
+}  // namespace quenlith::build::markup::code

@@ -1,0 +1,35 @@
+#include "quenlith/build/markup/code/LineNodeParserService.hpp"
+
+#include <boost/uuid/uuid.hpp>
+#include <utility>
+
+#include "document/kdzero/LineNode.hpp"
+#include "quenlith/build/markup/code/LineParse.hpp"
+#include "quenlith/build/markup/code/LineParsers.hpp"
+#include "quenlith/shared/logging/trace.hpp"
+
+namespace quenlith::build::markup::code {
+
+using document::kdzero::LineNode;
+using document::kdzero::TesseraDocument;
+using quenlith::shared::logging::trace;
+
+LineNodeParserService::LineNodeParserService(
+    const std::shared_ptr<services::ParserServicesProvider>& provider)
+    : parserServicesProvider(provider) {}
+
+LineNodeParserService::~LineNodeParserService() = default;
+
+ParseResult LineNodeParserService::parseLine(std::shared_ptr<TesseraDocument> document,
+                                             const Snippet& snippet, ParseResult result) {
+  trace("In LineNodeParserService");
+  const kd::zero::Model model = document->getModel();
+  LineNode lineNode = LineNode::Builder(model).createLineNode(boost::uuids::uuid{});
+  const LineParsers parsers(*parserServicesProvider);
+
+  LineParse(model, lineNode, parsers, result).parse(snippet.text);
+  document->addChild(std::move(lineNode));
+  return result;
+}
+
+}  // namespace quenlith::build::markup::code

@@ -1,0 +1,113 @@
+#include "quenlith/build/markup/code/LineParse.hpp"
+
+#include <boost/algorithm/string/replace.hpp>
+#include <boost/uuid/uuid.hpp>
+#include <string_view>
+#include <utility>
+
+#include "contributors/kdzero/NodeContributorData.hpp"
+#include "quenlith/build/markup/code/CodeElement.hpp"
+#include "quenlith/build/markup/code/MarkerKind.hpp"
+#include "quenlith/build/markup/code/PositionCheck.hpp"
+#include "quenlith/shared/logging/trace.hpp"
+#include "quenlith/syntax/markers.hpp"
+
+namespace quenlith::build::markup::code {
+
+using contributors::kdzero::NodeContributorData;
+using core::MarkerInfo;
+using fl::i18n::ustring;
+using quenlith::shared::logging::trace;
+using syntax::Marker;
+
+void LineParse::parse(const ustring& line) {
+  // A leader that an author escaped: the backslash goes, and what remains is not looked at again.
+  constexpr std::u16string_view kEscapedLeader = u"%%\\";
+  if (line.empty()) {
+    appendPlainText(line);
+  } else if (line.find(kEscapedLeader) == ustring::npos) {
+    parseNormalised(line);
+  } else {
+    parseNormalised(boost::algorithm::replace_all_copy(line, kEscapedLeader, u"%%"));
+  }
+}
+
+void LineParse::parseNormalised(const ustring& line) {
+  markers = syntax::get_markers_from_snippet(line, false);
+  if (markers.empty()) {
+    appendPlainText(line);
+    return;
+  }
+  hasTask = syntax::has_feature(markers, u"task");
+  lineLength = line.size();
+  for (const MarkerInfo& marker : markers) takeMarker(marker);
+  appendPieces(cut.cut(line));
+}
+
+void LineParse::takeMarker(const MarkerInfo& marker) {
+  recordMarkerKind(marker.marker, result);
+  if (!isHandled(marker.marker)) return;
+  takeRange(marker);
+  cut.leaveOut(marker);
+  setAnchor(marker.marker);
+  addContributorData(marker.marker);
+}
+
+bool LineParse::isHandled(const Marker& marker) const {
+  return parsers.findAccepting(marker) != nullptr || isOutput(marker) || isTask(marker) ||
+         isTextAnchor(marker);
+}
+
+void LineParse::takeRange(const MarkerInfo& marker) {
+  if (!marker.range) return;
+  const auto [begin, end] = *marker.range;
+  if (isUsableRange(begin, end, lineLength, markers)) {
+    cut.own(begin, end, marker);
+  } else {
+    addPositionFailure(lineNode, marker);
+  }
+}
+
+void LineParse::setAnchor(const Marker& marker) {
+  if (!isTextAnchor(marker) || marker.idView().empty() || hasTask) return;
+  trace("Setting anchor id on the line node");
+  lineNode->setAnchorId(marker.idView());
+}
+
+void LineParse::addContributorData(const Marker& marker) {
+  for (const auto& parser : parsers.contributorDataParsers()) {
+    if (!parser->isApplicable(marker)) continue;
+    trace("Found an applicable line contributor data parser");
+    auto [feature, lineData] = parser->parse(model, marker);
+    NodeContributorData contributed =
+        NodeContributorData::Builder(model).createNodeContributorData(boost::uuids::uuid{});
+    contributed->setContributingFeature(feature);
+    contributed->getLineDataListMutable().add(std::move(lineData));
+    lineNode->getContributorDataMutable().add(std::move(contributed));
+  }
+}
+
+void LineParse::appendPieces(std::vector<LinePiece> pieces) {
+  if (pieces.empty()) appendPlainText({});
+  for (LinePiece& piece : pieces) {
+    if (piece.owner == nullptr) {
+      appendPlainText(std::move(piece.text));
+    } else {
+      appendOwned(std::move(piece));
+    }
+  }
+}
+
+void LineParse::appendPlainText(ustring text) {
+  const CodeElement element{std::move(text), std::nullopt, std::nullopt};
+  lineNode->getChildrenMutable().add(parsers.defaultParser().parse(model, element));
+}
+
+void LineParse::appendOwned(LinePiece piece) {
+  const CodeElement element{std::move(piece.text), piece.owner->marker, piece.owner->range};
+  CodeElementParser* accepting = parsers.findAccepting(*element.marker);
+  if (accepting == nullptr) return;
+  lineNode->getChildrenMutable().add(accepting->parse(model, element));
+}
+
+}  // namespace quenlith::build::markup::code

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <vector>
+
+#include "document/kdzero/Node.hpp"
+#include "fl/i18n/ustring.hpp"
+#include "kd/zero/Model.hpp"
+#include "quenlith/build/markup/ParseResult.hpp"
+#include "quenlith/build/markup/code/LineCut.hpp"
+#include "quenlith/build/markup/code/LineParsers.hpp"
+#include "quenlith/build/markup/core/MarkerInfo.hpp"
+
+namespace quenlith::build::markup::code {
+
+/// The parse of one line into its node. Borrows all that it is given.
+class LineParse {
+ public:
+  LineParse(const kd::zero::Model& lineModel, document::kdzero::Node node,
+            const LineParsers& lineParsers, ParseResult& lineResult)
+      : model(lineModel), lineNode(std::move(node)), parsers(lineParsers), result(lineResult) {}
+
+  /// Gives the line node the children, anchor, contributor data and failures of `line`, and the
+  /// result the marker kinds.
+  void parse(const fl::i18n::ustring& line);
+
+ private:
+  void parseNormalised(const fl::i18n::ustring& line);
+  void takeMarker(const core::MarkerInfo& marker);
+  bool isHandled(const syntax::Marker& marker) const;
+  void takeRange(const core::MarkerInfo& marker);
+  void setAnchor(const syntax::Marker& marker);
+  void addContributorData(const syntax::Marker& marker);
+  void appendPieces(std::vector<LinePiece> pieces);
+  void appendPlainText(fl::i18n::ustring text);
+  void appendOwned(LinePiece piece);
+
+  const kd::zero::Model& model;
+  document::kdzero::Node lineNode;
+  const LineParsers& parsers;
+  ParseResult& result;
+
+  std::size_t lineLength = 0;
+  std::vector<core::MarkerInfo> markers;
+  bool hasTask = false;
+  LineCut cut;
+};
+
+}  // namespace quenlith::build::markup::code

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "document/kdzero/Node.hpp"
+#include "kd/zero/Model.hpp"
+#include "quenlith/build/markup/code/CodeElement.hpp"
+#include "quenlith/build/markup/code/CodeElementParser.hpp"
+#include "quenlith/build/markup/contributordata/LineContributorDataParser.hpp"
+#include "quenlith/build/markup/services/ParserServicesProvider.hpp"
+#include "quenlith/syntax/Marker.hpp"
+
+namespace quenlith::build::markup::code {
+
+/// The parsers that one line is parsed with, as the provider gave them at its start.
+class LineParsers {
+ public:
+  /// Asks `provider` for the contributor data parsers, then for the code element parsers.
+  explicit LineParsers(services::ParserServicesProvider& provider);
+
+  const std::vector<std::shared_ptr<contributordata::LineContributorDataParser>>&
+  contributorDataParsers() const noexcept {
+    return contributors;
+  }
+
+  /// Returns the first parser other than the default one that takes `marker`, or null.
+  CodeElementParser* findAccepting(const syntax::Marker& marker) const;
+
+  /// Returns the default parser. Throws std::runtime_error when none is registered.
+  CodeElementParser& defaultParser() const;
+
+ private:
+  std::vector<std::shared_ptr<contributordata::LineContributorDataParser>> contributors;
+  // The default parser is the last one; it may be null.
+  std::vector<std::shared_ptr<CodeElementParser>> elementParsers;
+};
+
+}  // namespace quenlith::build::markup::code

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "quenlith/build/markup/code/CodeElementParser.hpp"
+
+namespace quenlith::build::markup::code {
+
+/// The default code element parser: turns any text into a plain-text node. Stateless; may be
+/// used on any thread.
+class PlainTextNodeParserImpl : public CodeElementParser {
+ public:
+  PlainTextNodeParserImpl();
+  ~PlainTextNodeParserImpl() override;
+
+  /// Returns true, whatever the marker.
+  bool canParse(const syntax::Marker& marker) override;
+
+  /// Returns a new plain-text node with the text of `element`, whose marker and range do not
+  /// count. Throws what the model throws.
+  document::kdzero::Node parse(const kd::zero::Model& model, const CodeElement& element) override;
+};
+
+}  // namespace quenlith::build::markup::code
