@@ -21,7 +21,8 @@ class CodeElementParser {
   virtual bool canParse(const quenlith::syntax::Marker& marker) = 0;
 
   /// Returns a new, detached node for `element` that belongs to `model`.
-  virtual document::kdzero::Node parse(const kd::zero::Model& model, const CodeElement& element) = 0;
+  virtual document::kdzero::Node parse(const kd::zero::Model& model,
+                                       const CodeElement& element) = 0;
 };
 
 }  // namespace quenlith::build::markup::code

@@ -20,8 +20,8 @@ bool CodeSnippetParserImpl::canParse(const Snippet& /*snippet*/) {
   return true;
 }
 
-ParseResult CodeSnippetParserImpl::parse(std::shared_ptr<document::kdzero::TesseraDocument> document,
-                                         const Snippet& snippet) {
+ParseResult CodeSnippetParserImpl::parse(
+    std::shared_ptr<document::kdzero::TesseraDocument> document, const Snippet& snippet) {
   trace("Parsing using the default parser");
   LineNodeParserService service(parserServicesProvider);
   ParseResult result = service.parseLine(std::move(document), snippet, ParseResult());

@@ -77,7 +77,9 @@ std::vector<LinePiece> LineCut::cut(std::u16string_view line) const {
   const std::vector<Run> all = runs(line.size());
   const auto sameOwner = [](const Run& a, const Run& b) { return a.owner == b.owner; };
   const auto toPiece = [line](auto&& group) {
-    const auto textOf = [line](const Run& run) { return line.substr(run.begin, run.end - run.begin); };
+    const auto textOf = [line](const Run& run) {
+      return line.substr(run.begin, run.end - run.begin);
+    };
     const MarkerInfo* owner = ranges::begin(group)->owner;
     return LinePiece{group | views::transform(textOf) | views::join | ranges::to<std::u16string>(),
                      owner};

@@ -6,11 +6,17 @@ namespace quenlith::build::markup::code {
 
 using syntax::Marker;
 
-bool isControl(const Marker& marker) noexcept { return marker.elementView() == u"control"; }
+bool isControl(const Marker& marker) noexcept {
+  return marker.elementView() == u"control";
+}
 
-bool isOutput(const Marker& marker) noexcept { return marker.elementView() == u"output"; }
+bool isOutput(const Marker& marker) noexcept {
+  return marker.elementView() == u"output";
+}
 
-bool isTask(const Marker& marker) noexcept { return marker.elementView() == u"task"; }
+bool isTask(const Marker& marker) noexcept {
+  return marker.elementView() == u"task";
+}
 
 bool isTextAnchor(const Marker& marker) noexcept {
   return marker.elementView() == u"text" && marker.typeView() == u"anchor";

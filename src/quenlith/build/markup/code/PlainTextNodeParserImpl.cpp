@@ -11,7 +11,9 @@ using document::kdzero::PlainTextNode;
 PlainTextNodeParserImpl::PlainTextNodeParserImpl() = default;
 PlainTextNodeParserImpl::~PlainTextNodeParserImpl() = default;
 
-bool PlainTextNodeParserImpl::canParse(const syntax::Marker& /*marker*/) { return true; }
+bool PlainTextNodeParserImpl::canParse(const syntax::Marker& /*marker*/) {
+  return true;
+}
 
 document::kdzero::Node PlainTextNodeParserImpl::parse(const kd::zero::Model& model,
                                                       const CodeElement& element) {

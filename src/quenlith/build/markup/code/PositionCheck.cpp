@@ -15,7 +15,9 @@ using foundation::json::Value;
 
 namespace {
 
-std::uint64_t endOf(const MarkerInfo& marker) noexcept { return marker.position + marker.length; }
+std::uint64_t endOf(const MarkerInfo& marker) noexcept {
+  return marker.position + marker.length;
+}
 
 // A marker is touched when the range begins within its closed bounds, ends behind its first
 // position and not behind its end, or encloses it. Markers stand apart in ascending order, so
@@ -23,8 +25,8 @@ std::uint64_t endOf(const MarkerInfo& marker) noexcept { return marker.position 
 // begins within the range, or the range begins at or before its end.
 bool touchesMarker(std::uint64_t begin, std::uint64_t end,
                    const std::vector<MarkerInfo>& markers) noexcept {
-  const auto beyond = std::partition_point(
-      markers.begin(), markers.end(), [end](const MarkerInfo& m) { return m.position < end; });
+  const auto beyond = std::partition_point(markers.begin(), markers.end(),
+                                           [end](const MarkerInfo& m) { return m.position < end; });
   if (beyond == markers.begin()) return false;
   const MarkerInfo& last = *(beyond - 1);
   return last.position > begin || begin <= endOf(last);

@@ -1,0 +1,29 @@
+#include "quenlith/build/markup/code/TaskIdCounts.hpp"
+
+#include "quenlith/build/markup/code/MarkerKind.hpp"
+#include "quenlith/syntax/markers.hpp"
+
+namespace quenlith::build::markup::code {
+
+using fl::i18n::ustring;
+
+std::size_t TaskIdCounts::count(const ustring& block, const ustring& id) {
+  if (latest == nullptr || latest->first != block) {
+    const auto [seen, isNew] = blocks.try_emplace(block);
+    if (isNew) {
+      for (const core::MarkerInfo& found : syntax::get_markers_from_snippet(block, false)) {
+        if (isTask(found.marker)) ++seen->second[found.marker.getId()];
+      }
+    }
+    latest = &*seen;
+  }
+  const auto counted = latest->second.find(id);
+  return counted == latest->second.end() ? 0 : counted->second;
+}
+
+void TaskIdCounts::clear() noexcept {
+  latest = nullptr;
+  blocks.clear();
+}
+
+}  // namespace quenlith::build::markup::code
