@@ -51,21 +51,11 @@ namespace {
 bool isOneTaskMarkerRepeated(const std::vector<MarkerInfo>& markers) {
   const auto isTaskMarker = [](const MarkerInfo& found) { return isTask(found.marker); };
   const auto first = std::ranges::find_if(markers, isTaskMarker);
-  if (first == markers.end()) return false;
-  const auto others = std::ranges::subrange(first + 1, markers.end());
-  return std::ranges::any_of(others, isTaskMarker) &&
-         std::ranges::all_of(others, [&](const MarkerInfo& found) {
-           return !isTaskMarker(found) || found.marker == first->marker;
-         });
-}
-
-/// Returns the node with the data of the task whose header is the top-level node at `index`;
-/// empty when no header with such a node as its first child stands there.
-LiveAppIntegratedInlineNode findTaskNode(const TesseraDocument& document, std::uint64_t index) {
-  if (index >= document.getNumberOfChildren()) return {};
-  const LiveAppLineNode header = LiveAppLineNode::castFrom(document.getChildAt(index));
-  if (!header || header->getChildren().empty()) return {};
-  return LiveAppIntegratedInlineNode::castFrom(header->getChildren()[0]);
+  const auto isAnother = [&](const MarkerInfo& found) {
+    return isTaskMarker(found) && !(found.marker == first->marker);
+  };
+  return std::ranges::count_if(markers, isTaskMarker) > 1 &&
+         std::ranges::none_of(markers, isAnother);
 }
 
 }  // namespace
