@@ -1,0 +1,75 @@
+# Sourced by the commands beside this folder: installs the Debian packages that a command needs and
+# builds. All of it is told on standard error; standard output belongs to the command.
+
+root=$(dirname "$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")")
+
+# libboost1.81-dev cannot stand beside libboost-dev (1.74), so nothing here may pull in the latter.
+buildPackages=(
+  g++ cmake ninja-build zip
+  libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libzip-dev
+)
+testPackages=(libgtest-dev libgmock-dev python3 python3-jsonschema)
+gatePackages=(clang-format-14 clang-tidy-14 python3)
+clangPackages=(clang-14 libclang-rt-14-dev llvm-14)
+
+say() { printf '%s: %s\n' "${0##*/}" "$*" >&2; }
+
+fail() {
+  say "$*"
+  exit 3
+}
+
+# Installs those of the packages named that are missing.
+needPackages() {
+  local missing=() name
+  if ! command -v dpkg-query >/dev/null; then
+    say "not a Debian system: taking for granted that these are there under other names: $*"
+    return
+  fi
+  local there
+  there=" $(dpkg-query -W -f '${Package}=${db:Status-Status} ' "$@" 2>/dev/null || true)"
+  for name in "$@"; do
+    [[ $there == *" $name=installed "* ]] || missing+=("$name")
+  done
+  ((${#missing[@]} == 0)) || installPackages "${missing[@]}"
+}
+
+installPackages() {
+  local asRoot=()
+  if ((EUID != 0)); then
+    command -v sudo >/dev/null || fail "run this as root: apt-get install $*"
+    asRoot=(sudo)
+  fi
+  say "installing $*"
+  # --no-remove: somebody's own packages are never thrown out, a libboost-dev for example.
+  "${asRoot[@]}" apt-get update -q >&2 &&
+    "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-remove \
+      --no-install-recommends -o DPkg::Lock::Timeout=600 "$@" >&2 ||
+    fail "could not install: $* (libboost-dev and its like have to go first: they conflict)"
+}
+
+# build FOLDER PRESET TARGETS [CMAKE OPTION]...: configures build/FOLDER once, and again when the
+# presets change, and builds the targets. Two at a time in one folder take turns.
+build() {
+  local folder=$root/build/$1 preset=$2 targets=$3
+  shift 3
+  mkdir -p "$folder"
+  (
+    flock 9
+    configure "$folder" "$preset" "$@" && runNinja "$folder" "$targets"
+  ) 9>"$folder/lock" || fail "the build failed, see above"
+}
+
+configure() {
+  local folder=$1 preset=$2
+  shift 2
+  [[ ! -e $folder/configured || $root/CMakePresets.json -nt $folder/configured ]] || return 0
+  say "configuring ${folder#"$root/"}"
+  (cd "$root" && cmake --preset "$preset" -B "$folder" "$@") >&2 && touch "$folder/configured"
+}
+
+runNinja() {
+  # shellcheck disable=SC2086 # a list of targets
+  ninja -C "$1" $2 2>&1 |
+    sed -u -e '/^ninja: no work to do\.$/d' -e '/^ninja: Entering directory/d' >&2
+}
