@@ -50,3 +50,25 @@ function(quenlith_add_test name)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   add_test(NAME ${name} COMMAND ${name} "--gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${name}.xml")
 endfunction()
+
+# quenlith_add_fuzzer(NAME SOURCES ... [LINK ...])
+#
+# Makes one fuzz target: sources that define LLVMFuzzerTestOneInput, and a folder `corpus/NAME`
+# beside them. With QUENLITH_FUZZ libFuzzer drives it and its test is a short run from the corpus;
+# else its test replays every file of the corpus.
+function(quenlith_add_fuzzer name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  set(corpus "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE quenlith_warnings ${arg_LINK})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  if(QUENLITH_FUZZ)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    set(found "${CMAKE_BINARY_DIR}/corpus/${name}")
+    file(MAKE_DIRECTORY "${found}")
+    add_test(NAME ${name} COMMAND ${name} -max_total_time=30 "${found}" "${corpus}")
+  else()
+    target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests/fuzz/replayCorpus.cpp")
+    add_test(NAME ${name} COMMAND ${name} "${corpus}")
+  endif()
+endfunction()

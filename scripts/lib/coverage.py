@@ -6,6 +6,7 @@ when less than every line or 95 of 100 branches are covered, or when there is no
 """
 
 import json
+import os
 import pathlib
 import subprocess
 import sys
@@ -33,33 +34,43 @@ def merge(build):
     return profile
 
 
-def export(build, profile, *arguments):
+def export(build, profile):
     first, *others = instrumented(build)
     objects = [argument for path in others for argument in ("-object", path)]
-    command = ["llvm-cov-14", "export", *arguments, "-instr-profile", profile, first, *objects]
-    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
+    command = ["llvm-cov-14", "export", "-skip-functions", "-instr-profile", profile, first, *objects]
+    text = subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True).stdout
+    return json.loads(text)["data"][0]["files"]
 
 
 def relative(filename):
     """Returns the name of a measured file within the tree, or None for any other file."""
-    path = pathlib.Path(filename)
+    # A compiler cache may have made the name relative to the build.
+    path = pathlib.Path(os.path.normpath(filename))
     name = str(path.relative_to(ROOT)) if path.is_relative_to(ROOT) else ""
     return name if name.startswith(MEASURED) else None
 
 
-def unreached(lcov):
+def unreached(name, file):
     """Yields a message for each line and each outcome of a condition that was never reached."""
-    name = None
-    for row in lcov.splitlines():
-        kind, _, rest = row.partition(":")
-        fields = rest.split(",")
-        if kind == "SF":
-            name = relative(rest)
-        elif name and kind == "DA" and fields[1] == "0":
-            yield f"{name}:{fields[0]}: not reached"
-        elif name and kind == "BRDA" and fields[3] in ("0", "-"):
-            outcome = "true" if int(fields[2]) % 2 == 0 else "false"
-            yield f"{name}:{fields[0]}: condition {int(fields[2]) // 2 + 1} never {outcome}"
+    for line, _, count, has_count, is_entry, is_gap in file["segments"]:
+        if has_count and is_entry and not is_gap and count == 0:
+            yield f"{name}:{line}: not reached"
+    yield from unreached_outcomes(name, file["branches"])
+
+
+def unreached_outcomes(name, branches):
+    # A condition in a template stands here once an instantiation, and counts as its best one.
+    outcomes = {}
+    for line, column, _, _, true_count, false_count, *_ in branches:
+        outcomes.setdefault((line, column), set()).add((true_count > 0, false_count > 0))
+    for (line, column), seen in sorted(outcomes.items()):
+        place = f"{name}:{line}:{column}: condition"
+        if (True, True) in seen:
+            continue
+        never = [text for text, index in (("true", 0), ("false", 1)) if not any(o[index] for o in seen)]
+        yield f"{place} never {' or '.join(never)}" if never else (
+            f"{place} never both true and false in one instantiation"
+        )
 
 
 def row(name, counts):
@@ -68,19 +79,17 @@ def row(name, counts):
 
 
 def main(build):
-    profile = merge(build)
-    files = json.loads(export(build, profile, "-summary-only"))["data"][0]["files"]
-    total = {kind: [0, 0] for kind in WANTED}
-    for file in files:
+    total, messages = {kind: [0, 0] for kind in WANTED}, []
+    for file in export(build, merge(build)):
         name = relative(file["filename"])
         if name is None:
             continue
         counts = {k: [file["summary"][k]["covered"], file["summary"][k]["count"]] for k in WANTED}
         print(row(name, counts))
+        messages += unreached(name, file)
         for kind in WANTED:
             total[kind] = [a + b for a, b in zip(total[kind], counts[kind])]
-    for message in unreached(export(build, profile, "-format=lcov")):
-        print(message)
+    print("\n".join(messages))
     return verdict(total)
 
 

@@ -71,5 +71,5 @@ configure() {
 runNinja() {
   # shellcheck disable=SC2086 # a list of targets
   ninja -C "$1" $2 2>&1 |
-    sed -u -e '/^ninja: no work to do\.$/d' -e '/^ninja: Entering directory/d' >&2
+    sed -u -E '/^ninja: (no work to do|Entering directory)|Re-checking globbed directories/d' >&2
 }
