@@ -87,14 +87,14 @@ std::optional<EmbeddedObject> readEmbeddedObject(std::u16string_view text, std::
   return EmbeddedObject{std::move(builder.finish().get<Object>()), reader.end()};
 }
 
-std::optional<std::size_t> skipEmbeddedObject(std::u16string_view text, std::size_t from) {
+ObjectExtent measureEmbeddedObject(std::u16string_view text, std::size_t from) noexcept {
   Reader reader = embeddedReader(text, from);
   do {
     if (reader.next() == Token::kError) {
-      return std::nullopt;
+      return {std::nullopt, {reader.begin(), reader.error()}};
     }
   } while (reader.depth() != 0);
-  return reader.end();
+  return {reader.end(), {}};
 }
 
 ReadResult readText(std::u16string_view text) {

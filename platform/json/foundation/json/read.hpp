@@ -28,15 +28,21 @@ inline constexpr std::size_t kEmbeddedDepth = 64;
 QUENLITH_JSON_EXPORT std::optional<EmbeddedObject> readEmbeddedObject(std::u16string_view text,
                                                                       std::size_t from);
 
-/// Like `readEmbeddedObject`, but only says where the object ends. Does not allocate.
-QUENLITH_JSON_EXPORT std::optional<std::size_t> skipEmbeddedObject(std::u16string_view text,
-                                                                   std::size_t from);
-
 /// Where a text stops being JSON, in 16-bit code units from its start, and why.
 struct ReadFailure {
   std::size_t position = 0;
   const char* reason = "";
 };
+
+/// The place behind an object, or the reason why there is none.
+struct ObjectExtent {
+  std::optional<std::size_t> end;
+  ReadFailure failure;
+};
+
+/// Like `readEmbeddedObject`, but only says where the object ends. Does not allocate.
+QUENLITH_JSON_EXPORT ObjectExtent measureEmbeddedObject(std::u16string_view text,
+                                                        std::size_t from) noexcept;
 
 /// A value, or the reason why there is none.
 struct ReadResult {

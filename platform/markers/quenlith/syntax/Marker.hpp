@@ -1,0 +1,59 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "fl/i18n/ustring.hpp"
+#include "foundation/json/Value.hpp"
+#include "quenlith/export/markers.hpp"
+
+namespace quenlith::syntax {
+
+class MarkerParts;
+
+/// One parsed marker: the element that it belongs to, its type within that element, its
+/// identifier and its data, each possibly empty.
+///
+/// A value that never changes but by assignment. Copies share the parsed parts, so a copy costs a
+/// reference count; copies may be read and destroyed on several threads.
+class QUENLITH_MARKERS_EXPORT Marker {
+ public:
+  using Data = std::map<std::string, foundation::json::Value>;
+
+  /// Makes the marker whose parts are all empty.
+  Marker() noexcept = default;
+
+  /// Makes the marker that `text` writes: one of the bare element names "control", "output",
+  /// "task" and "text", or one marker in any spelling, with any leader or none, with or without a
+  /// range, of a known element or not. Any other text gives the marker whose parts are all empty.
+  explicit Marker(const fl::i18n::ustring& text);
+
+  fl::i18n::ustring getId() const;
+  fl::i18n::ustring getElement() const;
+  fl::i18n::ustring getType() const;
+  Data getData() const;
+
+  /// Like the readers by value, but borrowed until the last copy of this marker ends.
+  std::u16string_view idView() const noexcept;
+  std::u16string_view elementView() const noexcept;
+  std::u16string_view typeView() const noexcept;
+  const Data& dataView() const noexcept;
+
+  /// Returns the canonical text, from which an equal marker can be made again.
+  fl::i18n::ustring toString() const;
+
+  /// Returns whether element, type, id and data are equal.
+  bool operator==(Marker other) const;
+
+ private:
+  friend class MarkerParts;
+
+  explicit Marker(std::shared_ptr<const MarkerParts> parsed) noexcept;
+
+  // Null for the marker whose parts are all empty.
+  std::shared_ptr<const MarkerParts> parts;
+};
+
+}  // namespace quenlith::syntax

@@ -1,0 +1,243 @@
+#include "quenlith/syntax/MarkerMatch.hpp"
+
+#include <limits>
+
+#include "foundation/json/Reader.hpp"
+#include "foundation/json/read.hpp"
+#include "quenlith/syntax/markers.hpp"
+
+namespace quenlith::syntax {
+
+namespace {
+
+constexpr std::u16string_view kOpening = u"<@";
+constexpr std::u16string_view kAppendix = u"appendix";
+
+bool isDigit(char16_t unit) {
+  return unit >= u'0' && unit <= u'9';
+}
+
+bool isNameUnit(char16_t unit) {
+  const char16_t lower = unit | 0x20U;
+  return unit >= 0x80 || (lower >= u'a' && lower <= u'z') || isDigit(unit) || unit == u'_' ||
+         unit == u'-' || unit == u'.';
+}
+
+// How many times a character must stand to be a leader; 0 when it is none.
+std::size_t leaderMinimum(char16_t unit) {
+  switch (unit) {
+    case u'%':
+    case u'#':
+      return 1;
+    case u'/':
+    case u'-':
+    case u';':
+      return 2;
+    default:
+      return 0;
+  }
+}
+
+bool isTaken(std::u16string_view element, Elements elements) {
+  return elements == Elements::kKnown ? isKnownElement(element) : element != kAppendix;
+}
+
+// Reads one marker from left to right. An operation that does not find what it looks for says so
+// in the match and returns false.
+class Matcher {
+ public:
+  Matcher(std::u16string_view source, std::size_t start) : text(source), at(start) {}
+
+  MarkerMatch run(Elements elements) {
+    if (takeElement(elements) && takeType() && takeId() && takeRange() && takeData()) {
+      takeEnd();
+    }
+    match.end = at;
+    return match;
+  }
+
+ private:
+  bool peekIs(char16_t unit) const { return at < text.size() && text[at] == unit; }
+
+  bool consumeIf(char16_t unit) {
+    const bool found = peekIs(unit);
+    at += found ? 1 : 0;
+    return found;
+  }
+
+  bool fail(const char* why) {
+    match.problem = why;
+    return false;
+  }
+
+  bool skipBlanks() {
+    const std::size_t start = at;
+    while (at < text.size() && isBlank(text[at])) {
+      ++at;
+    }
+    return at != start;
+  }
+
+  std::u16string_view takeName() {
+    const std::size_t start = at;
+    while (at < text.size() && isNameUnit(text[at])) {
+      ++at;
+    }
+    return text.substr(start, at - start);
+  }
+
+  bool takeElement(Elements elements) {
+    match.element = takeName();
+    return (!match.element.empty() && isTaken(match.element, elements)) ||
+           fail("there is no such element");
+  }
+
+  bool takeType() {
+    if (consumeIf(u':')) {
+      match.type = takeName();
+      return !match.type.empty() || fail("a type is missing behind ':'");
+    }
+    return true;
+  }
+
+  bool takeId() {
+    if (!consumeIf(u'#')) {
+      return true;
+    }
+    if (peekIs(u'"')) {
+      return takeQuotedId();
+    }
+    match.id = takeName();
+    return !match.id.empty() || fail("an id is missing behind '#'");
+  }
+
+  bool takeQuotedId() {
+    foundation::json::Reader reader(text, at);
+    if (reader.next() == foundation::json::Token::kError) {
+      at = reader.begin();
+      return fail(reader.error());
+    }
+    match.id = text.substr(at, reader.end() - at);
+    at = reader.end();
+    return true;
+  }
+
+  bool expect(char16_t unit, const char* why) { return consumeIf(unit) || fail(why); }
+
+  // A range or data must stand apart from what is before it.
+  bool takeRange() {
+    isApart = skipBlanks();
+    if (!peekIs(u'[')) {
+      return true;
+    }
+    std::uint64_t begin = 0;
+    std::uint64_t end = 0;
+    if (!takeBracket() || !takeNumber(begin) || !expect(u',', "a ',' is missing in the range") ||
+        !takeNumber(end) || !expect(u']', "a ']' is missing")) {
+      return false;
+    }
+    match.range.emplace(begin, end);
+    isApart = skipBlanks();
+    return true;
+  }
+
+  bool takeBracket() {
+    at += isApart ? 1 : 0;
+    return isApart || fail("a blank is missing before the range");
+  }
+
+  // Digits with blanks around them. Too many of them give the greatest number.
+  bool takeNumber(std::uint64_t& number) {
+    bool fits = true;
+    skipBlanks();
+    const std::size_t start = at;
+    for (; at < text.size() && isDigit(text[at]); ++at) {
+      fits = fits && !__builtin_mul_overflow(number, 10U, &number) &&
+             !__builtin_add_overflow(number, static_cast<unsigned>(text[at] - u'0'), &number);
+    }
+    if (at == start) {
+      return fail("a number is missing in the range");
+    }
+    number = fits ? number : std::numeric_limits<std::uint64_t>::max();
+    skipBlanks();
+    return true;
+  }
+
+  bool takeData() {
+    if (!peekIs(u'{')) {
+      return true;
+    }
+    if (!isApart) {
+      return fail("a blank is missing before the data");
+    }
+    const auto extent = foundation::json::measureEmbeddedObject(text, at);
+    if (!extent.end) {
+      at = extent.failure.position;
+      return fail(extent.failure.reason);
+    }
+    match.data = text.substr(at, *extent.end - at);
+    at = *extent.end;
+    skipBlanks();
+    return true;
+  }
+
+  bool takeEnd() { return expect(u'>', "a '>' is missing"); }
+
+  std::u16string_view text;
+  std::size_t at;
+  MarkerMatch match;
+  bool isApart = false;
+};
+
+}  // namespace
+
+MarkerMatch matchMarker(std::u16string_view text, std::size_t opening, Elements elements) noexcept {
+  return Matcher(text, opening + kOpening.size()).run(elements);
+}
+
+std::optional<std::size_t> findLeader(std::u16string_view text, std::size_t opening) noexcept {
+  std::size_t end = opening;
+  while (end > 0 && isBlank(text[end - 1])) {
+    --end;
+  }
+  const char16_t unit = end > 0 ? text[end - 1] : u'\0';
+  const std::size_t minimum = leaderMinimum(unit);
+  if (minimum == 0) {
+    return std::nullopt;
+  }
+  std::size_t start = end - 1;
+  while (start > 0 && text[start - 1] == unit) {
+    --start;
+  }
+  return end - start < minimum ? std::nullopt : std::optional<std::size_t>(start);
+}
+
+std::optional<std::size_t> leaderLength(std::u16string_view text) noexcept {
+  std::size_t length = 0;
+  const std::size_t minimum = text.empty() ? 0 : leaderMinimum(text.front());
+  while (minimum != 0 && length < text.size() && text[length] == text.front()) {
+    ++length;
+  }
+  if (length < minimum) {
+    return std::nullopt;
+  }
+  while (length < text.size() && isBlank(text[length])) {
+    ++length;
+  }
+  return length;
+}
+
+bool isName(std::u16string_view text) noexcept {
+  for (const char16_t unit : text) {
+    if (!isNameUnit(unit)) {
+      return false;
+    }
+  }
+  return !text.empty();
+}
+
+bool isBlank(char16_t unit) noexcept {
+  return unit == u' ' || unit == u'\t';
+}
+
+}  // namespace quenlith::syntax

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace quenlith::syntax {
+
+/// The elements whose markers are taken: the four known ones, or all but "appendix".
+enum class Elements { kKnown, kAny };
+
+/// The parts of one marker as they stand in a text, or the reason why there is none. Borrows from
+/// the text.
+struct MarkerMatch {
+  std::u16string_view element;
+  std::u16string_view type;
+
+  /// The quotes of a quoted id included.
+  std::u16string_view id;
+
+  std::optional<std::pair<std::uint64_t, std::uint64_t>> range;
+
+  /// From the opening brace to the closing one; empty when there is no data.
+  std::u16string_view data;
+
+  /// Behind the closing ">"; where there is no marker, the first unit that breaks the grammar.
+  std::size_t end = 0;
+
+  /// Null when there is a marker.
+  const char* problem = nullptr;
+};
+
+/// Matches the marker whose "<@" stands at `opening`, which must be so; its leader is not looked
+/// at. Never throws and does not allocate.
+MarkerMatch matchMarker(std::u16string_view text, std::size_t opening, Elements elements) noexcept;
+
+/// Returns the start of the leader that stands, blanks apart, before the "<@" at `opening`.
+std::optional<std::size_t> findLeader(std::u16string_view text, std::size_t opening) noexcept;
+
+/// Returns the length of the leader that begins `text` and of the blanks behind it; a text
+/// without a leader may begin with blanks. Nothing when a character is there too few times.
+std::optional<std::size_t> leaderLength(std::u16string_view text) noexcept;
+
+/// Returns whether `text` is one or more characters of a name.
+bool isName(std::u16string_view text) noexcept;
+
+bool isBlank(char16_t unit) noexcept;
+
+}  // namespace quenlith::syntax
