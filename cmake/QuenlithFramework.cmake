@@ -34,6 +34,10 @@ function(quenlith_use_installed_framework)
   add_library(quenlith_cppmicroservices INTERFACE)
   add_library(platform::cppmicroservices ALIAS quenlith_cppmicroservices)
   target_link_libraries(quenlith_cppmicroservices INTERFACE CppMicroServices usServiceComponent)
+  # The installed runtime is found by its path but names no place for its own libraries: the program's
+  # search path serves them too, if it is of the older kind.
+  target_link_options(quenlith_cppmicroservices INTERFACE
+    $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:--disable-new-dtags>)
   set(QUENLITH_SCR_BUNDLE "$<TARGET_FILE:DeclarativeServices>" PARENT_SCOPE)
 endfunction()
 

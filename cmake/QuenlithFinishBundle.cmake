@@ -1,0 +1,82 @@
+# Run after the link of a bundle: checks the library against its manifest, then embeds the manifest.
+#
+# In: LIBRARY, MANIFEST, SYMBOLIC_NAME, EXPORTS (functions that the manifest calls for), WORK (a folder
+# of this bundle's own), NM, STRIP (empty: keep the symbols), ZIP. A library that fails is removed, so
+# that the next build links and checks it again.
+
+cmake_minimum_required(VERSION 3.25)
+
+function(fail)
+  file(REMOVE "${LIBRARY}")
+  list(JOIN ARGV "" text)
+  message(FATAL_ERROR "${LIBRARY}: ${text}")
+endfunction()
+
+function(run)
+  execute_process(COMMAND ${ARGV} WORKING_DIRECTORY "${WORK}" RESULT_VARIABLE result
+    OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    list(JOIN ARGV " " command)
+    fail("${command}: ${output}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+# What the C linkage functions of both sides are about, as the reader of the message knows it.
+function(describe_missing symbol defined)
+  if(symbol MATCHES "^_us_set_bundle_context_instance_")
+    set(other "${defined}")
+    list(FILTER other INCLUDE REGEX "^_us_set_bundle_context_instance_")
+    list(TRANSFORM other REPLACE "^_us_set_bundle_context_instance_" "")
+    fail("US_BUNDLE_NAME is '${other}', but \"bundle.symbolic_name\" in ${MANIFEST} is '${SYMBOLIC_NAME}'; "
+      "leave US_BUNDLE_NAME to quenlith_add_bundle")
+  elseif(symbol MATCHES "^_us_")
+    fail("${MANIFEST} has \"bundle.activator\": true, but ${symbol} is not defined; add "
+      "CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(Class) to a source, or set \"bundle.activator\" to false")
+  else()
+    string(REGEX REPLACE "^(New|Delete)Instance_" "" class "${symbol}")
+    fail("${MANIFEST} has a component with the class ${class} (\"::\" as \"_\"), but ${symbol} is not defined; "
+      "add QUENLITH_COMPONENT(${class}, Class, Provides<Interface>) to a file in SOURCES")
+  endif()
+endfunction()
+
+# Local symbols count: the version script hides a function that the manifest does not call for.
+function(check_functions)
+  run("${NM}" --defined-only "${LIBRARY}")
+  string(REGEX MATCHALL " [A-Za-z] (_us_set_bundle_context_instance_|_us_create_|_us_destroy_|NewInstance_|DeleteInstance_)[A-Za-z0-9_]*"
+    defined "${output}")
+  list(TRANSFORM defined REPLACE "^ [A-Za-z] " "")
+  foreach(symbol IN LISTS EXPORTS)
+    if(NOT symbol IN_LIST defined)
+      describe_missing("${symbol}" "${defined}")
+    endif()
+  endforeach()
+  foreach(symbol IN LISTS defined)
+    if(NOT symbol IN_LIST EXPORTS)
+      fail("${symbol} is defined, but ${MANIFEST} has no entry that calls for it; "
+        "add the component (or \"bundle.activator\": true) to the manifest, or remove the function")
+    endif()
+  endforeach()
+endfunction()
+
+function(append_archive)
+  file(REMOVE_RECURSE "${WORK}/archive")
+  configure_file("${MANIFEST}" "${WORK}/archive/${SYMBOLIC_NAME}/manifest.json" COPYONLY)
+  set(archive "${WORK}/resources.zip")
+  run("${CMAKE_COMMAND}" -E chdir archive "${CMAKE_COMMAND}" -E tar cf "${archive}" --format=zip
+    "--mtime=1980-01-01 00:00:00" "${SYMBOLIC_NAME}")
+  set(whole "${WORK}/whole")
+  execute_process(COMMAND "${CMAKE_COMMAND}" -E cat "${LIBRARY}" "${archive}" OUTPUT_FILE "${whole}"
+    COMMAND_ERROR_IS_FATAL ANY)
+  # Offsets that count from the start of the file: libraries that read zip archives want them.
+  run("${ZIP}" -q -A "${whole}")
+  file(CHMOD "${whole}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ
+    WORLD_EXECUTE)
+  file(RENAME "${whole}" "${LIBRARY}")
+endfunction()
+
+check_functions()
+if(STRIP)
+  run("${STRIP}" "${LIBRARY}")
+endif()
+append_archive()
