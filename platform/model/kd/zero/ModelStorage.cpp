@@ -21,6 +21,10 @@ ModelStorage::~ModelStorage() {
   }
 }
 
+void ModelStorage::destroy() noexcept {
+  delete this;
+}
+
 void* ModelStorage::allocate(std::size_t sizeBytes) {
   if (sizeBytes > kLargestBlock) return ::operator new(sizeBytes);
   return allocateBlock(sizeBytes);

@@ -68,8 +68,10 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
   void* allocateBlock(std::size_t sizeBytes);
   void addChunk();
   void endIfUnused() noexcept {
-    if (handles == 0 && elements == 0) delete this;
+    if (handles == 0 && elements == 0) destroy();
   }
+  // Not inline: g++ 12 takes a `delete` that it sees in every handle's end for one that is reached.
+  void destroy() noexcept;
 
   std::byte* free = nullptr;
   std::byte* end = nullptr;
