@@ -58,6 +58,15 @@ bool isOneTaskMarkerRepeated(const std::vector<MarkerInfo>& markers) {
          std::ranges::none_of(markers, isAnother);
 }
 
+/// Returns the task node that is the first child of the top-level node at `index`, the empty
+/// handle when there is none.
+LiveAppIntegratedInlineNode findTaskNode(const TesseraDocument& document, std::uint64_t index) {
+  if (index >= document.getNumberOfChildren()) return {};
+  const Node header = document.getChildAt(index);
+  if (header->getChildren().empty()) return {};
+  return LiveAppIntegratedInlineNode::castFrom(header->getChildren()[0]);
+}
+
 }  // namespace
 
 TaskSnippetParserImpl::TaskSnippetParserImpl(
@@ -85,8 +94,9 @@ bool TaskSnippetParserImpl::canParse(const Snippet& snippet) {
 ParseResult TaskSnippetParserImpl::parse(std::shared_ptr<TesseraDocument> document,
                                          const Snippet& snippet) {
   trace("Parsing using the task parser");
-  Line line{.document = std::move(document),
-            .markers = syntax::get_markers_from_snippet(snippet.text, false)};
+  Line line;
+  line.document = std::move(document);
+  line.markers = syntax::get_markers_from_snippet(snippet.text, false);
   line.taskMarker = syntax::get_marker(line.markers, u"task", u"");
   if (line.taskMarker) decide(line, snippet);
   if (line.pairFound && takeTaskLine(line) == Next::kReturn) return std::move(line.result);
