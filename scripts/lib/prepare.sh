@@ -5,8 +5,8 @@ root=$(dirname "$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")")
 
 # libboost1.81-dev cannot stand beside libboost-dev (1.74), so nothing here may pull in the latter.
 buildPackages=(
-  g++ cmake ninja-build zip
-  libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libzip-dev
+  g++ cmake ninja-build pkg-config zip
+  libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libzip-dev nlohmann-json3-dev
 )
 testPackages=(libgtest-dev libgmock-dev python3 python3-jsonschema)
 gatePackages=(clang-format-14 clang-tidy-14 python3)

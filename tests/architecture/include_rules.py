@@ -1,0 +1,178 @@
+"""include_rules.py TREE: reads the #includes of a tree and names those that break its layers.
+
+A unit is what one target is built of: a folder of platform/, the reference host, the benchmarks,
+the tests, and in src/ the interfaces for other bundles apart from the rest. Faults are a step from
+a unit to one that it may not see, an include that stands for no file, and a circle, of units or of
+files. The status is not 0 when there is one.
+"""
+
+import os
+import pathlib
+import re
+import sys
+
+INTERFACES = {
+    f"src/quenlith/build/markup/{name}.hpp"
+    for name in (
+        "ParseResult",
+        "Snippet",
+        "SnippetParser",
+        "SnippetType",
+        "code/CodeElement",
+        "code/CodeElementParser",
+        "contributordata/LineContributorDataParser",
+        "services/ParserServicesProvider",
+    )
+}
+PLATFORM = "platform/"
+# What each unit may include besides itself; a name that ends in a slash means every unit below it.
+MAY_SEE = {
+    PLATFORM: {PLATFORM},
+    "src:interfaces": {PLATFORM},
+    "src:code": {PLATFORM, "src:interfaces"},
+    "apps/": {PLATFORM, "src:interfaces"},
+    "examples/bundles": {PLATFORM, "src:interfaces"},
+    "bench": {PLATFORM, "src:interfaces", "src:code"},
+    "tests": {PLATFORM, "src:interfaces", "src:code", "apps/"},
+}
+FOLDERS = ("apps", "bench", "examples/bundles", "platform", "src", "tests")
+SUFFIXES = (".cpp", ".h", ".hpp", ".in", ".tpp")
+INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"]+)[>"]', re.MULTILINE)
+GENERATED = re.compile(r"quenlith/export/(\w+)\.hpp")
+
+
+def unit_of(name):
+    """Returns the unit that the file `name`, relative to the tree, is part of."""
+    parts = name.split("/")
+    if parts[0] == "src":
+        return "src:interfaces" if name in INTERFACES else "src:code"
+    if parts[0] in ("platform", "apps", "examples"):
+        return "/".join(parts[:2])
+    return parts[0]
+
+
+def may_see(unit):
+    """Returns the units that `unit` may include, itself among them."""
+    for start, seen in MAY_SEE.items():
+        if unit == start or start.endswith("/") and unit.startswith(start):
+            return seen | {unit}
+    return {unit}
+
+
+def allowed(unit, other):
+    return any(
+        other == name or name.endswith("/") and other.startswith(name) for name in may_see(unit)
+    )
+
+
+class Tree:
+    """The files of a tree and what they include."""
+
+    def __init__(self, root):
+        self.root = pathlib.Path(root)
+        self.files = sorted(
+            str(path.relative_to(self.root))
+            for folder in FOLDERS
+            for path in (self.root / folder).rglob("*")
+            if path.suffix in SUFFIXES and path.is_file()
+        )
+        # Every ending of a file's path, for any folder may be the root of an include.
+        self.endings = {}
+        for name in self.files:
+            parts = name.split("/")
+            for start in range(len(parts)):
+                self.endings.setdefault("/".join(parts[start:]), []).append(name)
+
+    def includes(self, name):
+        """Yields each include of a file: its line, its text, whether the text stands in quotes,
+        the file meant (None when it is generated or not of the tree) and that file's unit."""
+        content = (self.root / name).read_text(encoding="utf-8", errors="replace")
+        for match in INCLUDE.finditer(content):
+            line = content.count("\n", 0, match.start()) + 1
+            generated = GENERATED.fullmatch(match[2])
+            file = None if generated else self.meaning(name, match[2])
+            unit = f"platform/{generated[1]}" if generated else file and unit_of(file)
+            yield line, match[2], match[1] == '"', file, unit
+
+    def meaning(self, name, included):
+        beside = os.path.normpath(os.path.join(os.path.dirname(name), included))
+        if beside in self.files:
+            return beside
+        found = self.endings.get(included, [])
+        own = [other for other in found if unit_of(other) == unit_of(name)]
+        return (own or found or [None])[0]
+
+
+def steps(tree):
+    """Yields a message for each include that goes where it may not, or nowhere."""
+    for name in tree.files:
+        unit = unit_of(name)
+        for line, text, quoted, _, other in tree.includes(name):
+            if other and not allowed(unit, other):
+                yield f"{name}:{line}: {unit} may not include {text}, which is part of {other}"
+            elif quoted and not other:
+                yield f"{name}:{line}: {text} stands for no file of the tree"
+
+
+def units(tree):
+    """Returns the units that each unit includes."""
+    edges = {}
+    for name in tree.files:
+        seen = {unit for *_, unit in tree.includes(name)}
+        edges.setdefault(unit_of(name), set()).update(seen - {None, unit_of(name)})
+    return edges
+
+
+def files(tree):
+    """Returns the files that each file includes."""
+    return {name: {file for *_, file, _ in tree.includes(name)} - {None} for name in tree.files}
+
+
+def circles(edges):
+    """Yields a circle from each group of nodes that reach each other."""
+    done = set()
+    for start in sorted(edges):
+        if start not in done:
+            path = way_back(edges, start, done)
+            if path:
+                yield path
+
+
+def way_back(edges, start, done):
+    """Returns a path of `edges` from `start` to itself, or None. Adds to `done` what is on it."""
+    came_from, pending = {}, [start]
+    while pending:
+        node = pending.pop()
+        for other in sorted(edges.get(node, ())):
+            if other == start:
+                path = [start]
+                while node != start:
+                    path.append(node)
+                    node = came_from[node]
+                done.update(path)
+                return [start, *reversed(path[1:]), start]
+            if other not in came_from:
+                came_from[other] = node
+                pending.append(other)
+    return None
+
+
+def faults(root):
+    """Returns the faults of the tree at `root` as messages."""
+    tree = Tree(root)
+    if not tree.files:
+        return [f"{root}: no sources"]
+    found = list(steps(tree))
+    for edges in (units(tree), files(tree)):
+        found += [f"circle: {' -> '.join(path)}" for path in circles(edges)]
+    return found
+
+
+def main(root):
+    found = faults(root)
+    print("\n".join(found or ["every include keeps to its layer"]))
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1]))
