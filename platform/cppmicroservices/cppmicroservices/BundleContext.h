@@ -16,6 +16,10 @@
 
 namespace cppmicroservices {
 
+namespace detail {
+class BundlePrivate;
+}
+
 class Bundle;
 class BundleContextPrivate;
 class ServiceFactory;
