@@ -38,6 +38,7 @@ Property::Traits containing(std::u16string_view name, const Property* opposite,
 
 const Property& parent() {
   static const Property property({.name = u"parent",
+                                  .container = true,
                                   .read = &kd::zero::Containment::read,
                                   .assign = &kd::zero::Containment::assign});
   return property;
