@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
-#include <exception>
 #include <stdexcept>
 #include <utility>
 
@@ -17,6 +16,30 @@ namespace constants = service::component::ComponentConstants;
 namespace {
 
 std::atomic<unsigned long> lastComponentId{0};
+
+// Sets a flag until the end of a block, also where that is left by an exception.
+class Raised {
+ public:
+  explicit Raised(bool& target) : flag(target) { flag = true; }
+  Raised(const Raised&) = delete;
+  Raised& operator=(const Raised&) = delete;
+  ~Raised() { flag = false; }
+
+ private:
+  bool& flag;
+};
+
+// Frees a lock until the end of a block.
+class Unlocked {
+ public:
+  explicit Unlocked(std::unique_lock<std::mutex>& held) : lock(held) { lock.unlock(); }
+  Unlocked(const Unlocked&) = delete;
+  Unlocked& operator=(const Unlocked&) = delete;
+  ~Unlocked() { lock.lock(); }
+
+ private:
+  std::unique_lock<std::mutex>& lock;
+};
 
 bool contains(const std::vector<ServiceReferenceU>& services, const ServiceReferenceU& service) {
   return std::find(services.begin(), services.end(), service) != services.end();
@@ -92,26 +115,23 @@ bool Component::isOffered() const {
 void Component::settle() {
   std::unique_lock lock(mutex);
   if (changing) return;
-  changing = true;
+  const Raised raised(changing);
   while (step(lock)) {
   }
-  changing = false;
 }
 
 bool Component::step(std::unique_lock<std::mutex>& lock) {
   if (current && (stopped || !isStillBound())) {
     const std::shared_ptr<Configuration> old = std::exchange(current, nullptr);
-    lock.unlock();
-    withdraw(old);
-    lock.lock();
+    const Unlocked unlocked(lock);
+    withdraw(*old);
     return true;
   }
   if (!current && started && !stopped && hasAllServices()) {
     current = std::make_shared<Configuration>(component, factory, context, bestServices());
     const std::shared_ptr<Configuration> made = current;
-    lock.unlock();
+    const Unlocked unlocked(lock);
     offer(made);
-    lock.lock();
     return true;
   }
   return false;
@@ -147,22 +167,17 @@ void Component::offer(const std::shared_ptr<Configuration>& made) {
   ServiceProperties properties = component->properties;
   properties[constants::COMPONENT_NAME] = component->name;
   properties[constants::COMPONENT_ID] = ++lastComponentId;
-  try {
-    registration = context.RegisterService(interfaces, properties);
-  } catch (const std::exception&) {
-    // The bundle stopped in another thread: nothing can be registered for it any more.
-    const std::lock_guard lock(mutex);
-    stopped = true;
-  }
+  registration = context.RegisterService(interfaces, properties);
 }
 
-void Component::withdraw(const std::shared_ptr<Configuration>& old) {
+void Component::withdraw(Configuration& old) {
   try {
-    if (registration) std::exchange(registration, ServiceRegistrationU()).Unregister();
+    registration.Unregister();
   } catch (const std::logic_error&) {
-    // The framework was first: the bundle has stopped in another thread.
+    // The framework was first: the bundle stopped while the service was being registered.
   }
-  old->close();
+  registration = nullptr;
+  old.close();
 }
 
 }  // namespace cppmicroservices::declarativeservices

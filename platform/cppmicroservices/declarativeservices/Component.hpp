@@ -49,7 +49,7 @@ class Component {
   bool isStillBound() const;
   std::vector<ServiceReferenceU> bestServices() const;
   void offer(const std::shared_ptr<Configuration>& made);
-  void withdraw(const std::shared_ptr<Configuration>& old);
+  void withdraw(Configuration& old);
 
   const Bundle bundle;
   BundleContext context;
