@@ -1,20 +1,19 @@
 #pragma once
 
 #include "kd/zero/meta/Property.hpp"
-#include "quenlith/export/model.hpp"
 
 // The properties of the document classes.
 namespace document::kdzero::properties {
 
 /// The document's top-level nodes.
-QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kTopLevelNodes;
+const kd::zero::meta::Property& topLevelNodes();
 /// A node's children.
-QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kChildren;
+const kd::zero::meta::Property& children();
 /// What a node is a child of: a node, or the document.
-QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kParent;
+const kd::zero::meta::Property& parent();
 /// A node's parser failures.
-QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kParserFailures;
+const kd::zero::meta::Property& parserFailures();
 /// A node's contributor data.
-QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kContributorData;
+const kd::zero::meta::Property& contributorData();
 
 }  // namespace document::kdzero::properties

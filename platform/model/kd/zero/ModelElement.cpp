@@ -5,6 +5,9 @@
 
 namespace kd::zero {
 
+ModelElement::Impl::Impl(const meta::Class& metaClass) noexcept
+    : classIndex(metaClass.getIndex()) {}
+
 Model ModelElement::Impl::getModel() const noexcept {
   return Model::share(ModelStorage::of(this));
 }

@@ -1,0 +1,5 @@
+#include "tessera/commands/commandLine.hpp"
+
+int main(int argumentCount, char** arguments) {
+  return tessera::commands::runCommandLine(argumentCount, arguments);
+}

@@ -1,0 +1,120 @@
+#include "tessera/commands/findWarnings.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <string_view>
+#include <utility>
+
+#include "fl/i18n/ustring.hpp"
+#include "quenlith/syntax/markers.hpp"
+#include "tessera/input/lines.hpp"
+#include "tessera/output/terminalText.hpp"
+
+namespace tessera::commands {
+namespace {
+
+using appendix::AppendixWarning;
+using document::kdzero::Node;
+using failures::kdzero::ParserFailure;
+using quenlith::syntax::core::MarkerInfo;
+
+std::string describeFailure(const ParserFailure& failure) {
+  const auto& info = failure.getMarkerInfo();
+  std::string name =
+      output::terminalText(fl::i18n::ustring_to_utf8(info.getFeatureId())) + " marker";
+  if (!info.getMarkerId().empty()) name += " " + output::quotedText(info.getMarkerId());
+  const std::u16string_view id = failure.getFailureId();
+  if (id == u"missing_task_marker_pair") {
+    return "the " + name + " has no partner: its id must stand in exactly two task markers";
+  }
+  if (id == u"overlapping_task_marker") return "the " + name + " stands inside another task";
+  if (id == u"invalid_position_data") {
+    return "the range of the " + name + " is empty, beyond the line, or touches a marker";
+  }
+  return "the " + name + ": " + output::terminalText(fl::i18n::ustring_to_utf8(id));
+}
+
+/// Finds the places of failures in one line of code.
+class LineWarnings {
+ public:
+  LineWarnings(std::uint64_t lineNumber, const fl::i18n::ustring& lineText)
+      : number(lineNumber),
+        text(lineText),
+        markers(quenlith::syntax::get_markers_from_snippet(lineText, false)) {}
+
+  AppendixWarning locate(const ParserFailure& failure) {
+    return {{number, columnOf(failure)}, describeFailure(failure)};
+  }
+
+ private:
+  /// The n-th failure of one rule about one id is about the n-th such marker.
+  std::uint64_t columnOf(const ParserFailure& failure) {
+    const auto& info = failure.getMarkerInfo();
+    std::size_t passOver = met[{failure.getFailureId(), info.getMarkerId()}]++;
+    std::uint64_t column = 1;
+    for (const MarkerInfo& marker : markers) {
+      if (marker.marker.elementView() != info.getFeatureId() ||
+          marker.marker.idView() != info.getMarkerId()) {
+        continue;
+      }
+      column = input::countCharacters(std::u16string_view(text).substr(0, marker.position)) + 1;
+      if (passOver-- == 0) break;
+    }
+    return column;
+  }
+
+  std::uint64_t number;
+  const fl::i18n::ustring& text;
+  std::vector<MarkerInfo> markers;
+  std::map<std::pair<fl::i18n::ustring, fl::i18n::ustring>, std::size_t> met;
+};
+
+/// Returns the failures of `top` and of all below it.
+std::vector<ParserFailure> failuresOf(const Node& top) {
+  std::vector<ParserFailure> found;
+  std::vector<const Node*> pending{&top};
+  while (!pending.empty()) {
+    const Node& node = *pending.back();
+    pending.pop_back();
+    const auto own = node->getParserFailures();
+    found.insert(found.end(), own.begin(), own.end());
+    const auto& children = node->getChildren();
+    for (std::size_t i = children.size(); i > 0; --i) pending.push_back(&children[i - 1]);
+  }
+  return found;
+}
+
+void addFailures(const session::ParsedSnippet& snippet, std::vector<AppendixWarning>& warnings) {
+  const auto& nodes = snippet.document->getChildren();
+  session::LineTable::Cursor outcomes(snippet.lines);
+  input::LineCursor texts(snippet.code.text, snippet.code.any);
+  while (outcomes.advance()) {
+    const auto line = outcomes.line();
+    const auto text = texts.next();
+    std::vector<ParserFailure> failures;
+    for (std::uint64_t i = 0; i < line.outcome.nodeCount; ++i) {
+      std::ranges::move(failuresOf(nodes[line.firstNode + i]), std::back_inserter(failures));
+    }
+    if (failures.empty()) continue;
+    const fl::i18n::ustring lineText(*text);
+    LineWarnings located(line.number, lineText);
+    for (const ParserFailure& failure : failures) warnings.push_back(located.locate(failure));
+  }
+}
+
+}  // namespace
+
+std::vector<AppendixWarning> findWarnings(const ParsedFile& file) {
+  std::vector<AppendixWarning> warnings;
+  addFailures(file.snippet, warnings);
+  std::ranges::copy(file.appendix.warnings, std::back_inserter(warnings));
+  std::ranges::copy(appendix::findUnusedEntries(file.appendix, file.snippet.code.text),
+                    std::back_inserter(warnings));
+  std::ranges::stable_sort(warnings, {}, [](const AppendixWarning& warning) {
+    return std::pair(warning.place.line, warning.place.column);
+  });
+  return warnings;
+}
+
+}  // namespace tessera::commands

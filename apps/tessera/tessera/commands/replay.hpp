@@ -1,0 +1,11 @@
+#pragma once
+
+#include "tessera/commands/Options.hpp"
+
+namespace tessera::commands {
+
+/// Carries out the commands of a file and writes the answers to standard output. Returns the
+/// exit status; throws ProblemError at the first line that is no command.
+int replay(const ReplayOptions& options);
+
+}  // namespace tessera::commands

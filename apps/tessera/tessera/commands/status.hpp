@@ -1,0 +1,10 @@
+#pragma once
+
+namespace tessera::commands {
+
+// The exit statuses of the program.
+inline constexpr int kFine = 0;
+inline constexpr int kFailuresFound = 1;
+inline constexpr int kUnusable = 2;
+
+}  // namespace tessera::commands

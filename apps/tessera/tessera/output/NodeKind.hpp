@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string_view>
+
+#include "document/kdzero/Node.hpp"
+
+namespace tessera::output {
+
+/// The kinds of node that a document is made of.
+enum class NodeKind { kLine, kPlainText, kTaskLine, kTask };
+
+/// Returns the kind of `node`. One of a class of another bundle counts as the kind that its
+/// class is derived from, a line when there is none.
+NodeKind kindOf(const document::kdzero::Node& node) noexcept;
+
+/// Returns the name of the kind's class.
+std::string_view nameOf(NodeKind kind) noexcept;
+
+}  // namespace tessera::output

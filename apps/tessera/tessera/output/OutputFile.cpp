@@ -1,0 +1,53 @@
+#include "tessera/output/OutputFile.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "tessera/Problem.hpp"
+
+namespace tessera::output {
+
+OutputFile::OutputFile(int borrowed, std::string fileName)
+    : name(std::move(fileName)), descriptor(borrowed) {}
+
+OutputFile::OutputFile(const std::string& fileName)
+    : name(fileName),
+      descriptor(::open(fileName.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)),
+      owned(true) {
+  if (descriptor < 0) fail("cannot be created");
+}
+
+OutputFile::~OutputFile() {
+  if (owned) ::close(descriptor);
+}
+
+void OutputFile::flush() {
+  std::string_view rest = held;
+  while (!rest.empty()) {
+    const ssize_t count = ::write(descriptor, rest.data(), rest.size());
+    if (count >= 0) {
+      rest.remove_prefix(static_cast<std::size_t>(count));
+    } else if (errno != EINTR) {
+      const int error = errno;
+      held.clear();
+      errno = error;
+      fail("cannot be written");
+    }
+  }
+  held.clear();
+}
+
+void OutputFile::fail(const char* deed) const {
+  const std::string reason = std::generic_category().message(errno);
+  throw OutputError({.file = name,
+                     .place = {},
+                     .what = std::string(deed) + ": " + reason,
+                     .remedy = "make room, or name a file that can be written"});
+}
+
+}  // namespace tessera::output

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fl/i18n/ustring.hpp"
+#include "quenlith/build/markup/SnippetType.hpp"
+#include "quenlith/syntax/Marker.hpp"
+
+namespace tessera::replay {
+
+enum class Operation {
+  kDocument,
+  kAppendix,
+  kCanParse,
+  kParse,
+  kReset,
+  kNodes,
+  kAddLine,
+  kSetView
+};
+
+/// The snippet of a command; without `auxiliaryText` the one of the snippet before holds on.
+struct CommandSnippet {
+  fl::i18n::ustring text;
+  quenlith::build::markup::SnippetType type;
+  std::optional<fl::i18n::ustring> auxiliaryText;
+};
+
+/// One line of a replay. An operation uses only the fields that belong to it.
+struct Command {
+  Operation operation = Operation::kDocument;
+  std::vector<quenlith::syntax::Marker> entries;
+  fl::i18n::ustring parser;
+  CommandSnippet snippet;
+  fl::i18n::ustring text;
+  std::uint64_t node = 0;
+  fl::i18n::ustring view;
+};
+
+/// Why a line is no command.
+struct CommandError {
+  /// 1-based, in characters.
+  std::uint64_t column = 1;
+  std::string what;
+};
+
+}  // namespace tessera::replay

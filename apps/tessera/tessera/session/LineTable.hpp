@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "quenlith/build/markup/ParseResult.hpp"
+
+namespace tessera::session {
+
+/// What one line's calls gave, apart from the nodes themselves.
+struct LineOutcome {
+  /// The index of the parser that took the line.
+  std::size_t parser = 0;
+  quenlith::build::markup::ParseResult result;
+  /// The top-level nodes that the line added: index of the first, and count.
+  std::uint64_t firstNode = 0;
+  std::uint64_t nodeCount = 0;
+  /// The records that the calls emitted; empty when records are not collected.
+  std::vector<std::string> log;
+};
+
+/// The outcomes of a file's lines, in order. Lines alike that follow one another take the room
+/// of one, so that plain code costs nothing here.
+class LineTable {
+ public:
+  void add(LineOutcome outcome);
+
+  /// A line as it is read back; borrowed from the table.
+  struct Line {
+    /// 1-based.
+    std::uint64_t number;
+    std::uint64_t firstNode;
+    const LineOutcome& outcome;
+  };
+
+  /// Walks the lines from the first to the last.
+  class Cursor {
+   public:
+    explicit Cursor(const LineTable& walked) noexcept : table(walked) {}
+
+    /// Tells whether there is a further line; `line` is it.
+    bool advance() noexcept;
+    Line line() const noexcept;
+
+   private:
+    const LineTable& table;
+    std::size_t run = 0;
+    std::uint64_t inRun = 0;
+    std::uint64_t number = 0;
+  };
+
+ private:
+  /// Lines alike: as the first of them, but with later nodes.
+  struct Run {
+    LineOutcome first;
+    std::uint64_t lines = 1;
+  };
+
+  std::vector<Run> runs;
+};
+
+}  // namespace tessera::session
