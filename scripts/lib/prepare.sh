@@ -10,6 +10,9 @@ buildPackages=(
 )
 testPackages=(libgtest-dev libgmock-dev python3 python3-jsonschema)
 gatePackages=(clang-format-14 clang-tidy-14 python3)
+benchPackages=(
+  libbenchmark-dev libpugixml-dev libmd4c-dev libcmark-dev libxml2-dev valgrind python3
+)
 clangPackages=(clang-14 libclang-rt-14-dev llvm-14)
 
 say() { printf '%s: %s\n' "${0##*/}" "$*" >&2; }

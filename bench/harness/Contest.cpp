@@ -1,0 +1,143 @@
+#include "harness/Contest.hpp"
+
+#include <benchmark/benchmark.h>
+#include <pthread.h>
+
+#include <algorithm>
+#include <exception>
+#include <stdexcept>
+
+#include "harness/processorSeconds.hpp"
+
+namespace bench {
+
+namespace {
+
+constexpr const char* kDestroySeconds = "destroySeconds";
+
+void runOnce(benchmark::State& state, Subject& subject, std::size_t lines, std::size_t bytes) {
+  for ([[maybe_unused]] auto iteration : state) {
+    const double begin = processorSeconds();
+    subject.build();
+    const double built = processorSeconds();
+    subject.check();
+    const double checked = processorSeconds();
+    subject.destroy();
+    state.counters[kDestroySeconds] = processorSeconds() - checked;
+    state.SetIterationTime(built - begin);
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(lines));
+  state.SetBytesProcessed(static_cast<std::int64_t>(bytes));
+}
+
+struct Work {
+  const std::function<void()>& function;
+  std::exception_ptr error;
+};
+
+void* doWork(void* argument) {
+  auto& work = *static_cast<Work*>(argument);
+  try {
+    work.function();
+  } catch (...) {
+    work.error = std::current_exception();
+  }
+  return nullptr;
+}
+
+/// Calls `function` in a thread, whose end empties the allocator's cache of freed blocks: they
+/// would be counted as live. Not a std::thread, which itself allocates.
+void inThreadOfItsOwn(const std::function<void()>& function) {
+  Work work{function, nullptr};
+  pthread_t thread{};
+  if (pthread_create(&thread, nullptr, doWork, &work) != 0) {
+    throw std::runtime_error("no thread can be made");
+  }
+  pthread_join(thread, nullptr);
+  if (work.error != nullptr) std::rethrow_exception(work.error);
+}
+
+}  // namespace
+
+/// Keeps the best time of each benchmark, whichever round it comes from.
+class Contest::BestOfRounds : public benchmark::BenchmarkReporter {
+ public:
+  explicit BestOfRounds(std::deque<Entry>& allEntries) : entries(allEntries) {}
+
+  bool ReportContext(const Context& /*context*/) override { return true; }
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) take(run);
+  }
+
+ private:
+  void take(const Run& run) {
+    const std::string& name = run.run_name.function_name;
+    for (Entry& entry : entries) {
+      Measurement& best = entry.measurement;
+      if (best.name != name) continue;
+      best.buildSeconds = std::min(best.buildSeconds, run.real_accumulated_time);
+      best.destroySeconds = std::min(best.destroySeconds, run.counters.at(kDestroySeconds).value);
+    }
+  }
+
+  std::deque<Entry>& entries;
+};
+
+void Contest::add(const std::string& name, const Corpus& corpus, const Make& make) {
+  entries.push_back({make(corpus), {}});
+  Entry& entry = entries.back();
+  entry.measurement.name = name;
+  entry.measurement.lines = corpus.lineCount();
+  entry.measurement.utf8Bytes = corpus.byteCount();
+  benchmark::RegisterBenchmark(name.c_str(),
+                               [&entry](benchmark::State& state) {
+                                 runOnce(state, *entry.subject, entry.measurement.lines,
+                                         entry.measurement.utf8Bytes);
+                               })
+      ->Iterations(1)
+      ->UseManualTime();
+}
+
+void Contest::run(int rounds) {
+  BestOfRounds reporter(entries);
+  for (int round = 0; round < rounds; ++round) benchmark::RunSpecifiedBenchmarks(&reporter);
+  // Last: once there was a second thread, the standard library counts references atomically.
+  for (Entry& entry : entries) measureMemory(entry);
+}
+
+void Contest::measureMemory(Entry& entry) {
+  // What is made once and kept is made here.
+  inThreadOfItsOwn([&entry] { buildCounted(entry); });
+  const std::size_t before = liveBytes();
+  inThreadOfItsOwn([&entry] { buildCounted(entry); });
+  expectCount(entry.measurement.name + ", bytes live after the end", liveBytes(), before);
+}
+
+void Contest::buildCounted(Entry& entry) {
+  const std::size_t before = liveBytes();
+  startCounting();
+  entry.subject->build();
+  entry.measurement.allocated = stopCounting();
+  const std::size_t built = liveBytes();
+  entry.measurement.liveBytes = built > before ? built - before : 0;
+  entry.subject->check();
+  entry.subject->destroy();
+}
+
+const Measurement& Contest::of(const std::string& name) const {
+  for (const Entry& entry : entries) {
+    if (entry.measurement.name == name) return entry.measurement;
+  }
+  throw std::out_of_range("no subject is named " + name);
+}
+
+void Contest::forEach(const std::function<void(const Measurement&)>& take) const {
+  for (const Entry& entry : entries) take(entry.measurement);
+}
+
+bool Contest::has(const std::string& name) const noexcept {
+  return std::any_of(entries.begin(), entries.end(),
+                     [&name](const Entry& entry) { return entry.measurement.name == name; });
+}
+
+}  // namespace bench

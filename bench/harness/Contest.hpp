@@ -1,0 +1,46 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "harness/Corpus.hpp"
+#include "harness/Measurement.hpp"
+#include "harness/Subject.hpp"
+
+namespace bench {
+
+/// Measures subjects against one another: each of them once a round, in turn.
+class Contest {
+ public:
+  using Make = std::function<std::unique_ptr<Subject>(const Corpus&)>;
+
+  /// Borrows `corpus`. `name` is unique.
+  void add(const std::string& name, const Corpus& corpus, const Make& make);
+
+  /// Measures all subjects, whose results are checked in every round. Throws std::runtime_error
+  /// when one is wrong, or when the end of what was built leaves memory behind.
+  void run(int rounds);
+
+  /// Throws std::out_of_range when there is no subject of that name.
+  const Measurement& of(const std::string& name) const;
+  bool has(const std::string& name) const noexcept;
+  /// Calls `take` with the measurement of each subject, in the order in which they were added.
+  void forEach(const std::function<void(const Measurement&)>& take) const;
+
+ private:
+  struct Entry {
+    std::unique_ptr<Subject> subject;
+    Measurement measurement;
+  };
+  class BestOfRounds;
+
+  static void measureMemory(Entry& entry);
+  static void buildCounted(Entry& entry);
+
+  // A deque: the benchmarks borrow their entries.
+  std::deque<Entry> entries;
+};
+
+}  // namespace bench
