@@ -1,13 +1,17 @@
 include(GenerateExportHeader)
 
 # quenlith_add_library(NAME [INTERFACE|STATIC|SHARED] [ALIAS ns::name] [SOURCES ...]
-#                      [LINK ...] [LINK_PRIVATE ...])
+#                      [HEADERS ...] [INTERNAL ...] [LINK ...] [LINK_PRIVATE ...])
 #
 # Makes one library of the calling folder. The folder itself is the include root, so a
 # header is included by its namespace path. A shared library gets the header
 # quenlith/export/NAME.hpp with the macro QUENLITH_<NAME>_EXPORT.
+#
+# A shared or interface library is installed, as Quenlith::NAME, with HEADERS: unless given,
+# every header of the folder but those whose path matches one of the expressions of INTERNAL.
 function(quenlith_add_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERFACE;STATIC;SHARED" "ALIAS" "SOURCES;LINK;LINK_PRIVATE")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERFACE;STATIC;SHARED" "ALIAS"
+    "SOURCES;HEADERS;INTERNAL;LINK;LINK_PRIVATE")
   set(target quenlith_${name})
   if(arg_INTERFACE)
     add_library(${target} INTERFACE)
@@ -23,20 +27,33 @@ function(quenlith_add_library name)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:quenlith_warnings> ${arg_LINK_PRIVATE})
   endif()
   target_compile_features(${target} ${scope} cxx_std_20)
-  target_include_directories(${target} ${scope}
-    "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>"
-    "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/quenlith>")
+  target_include_directories(${target} ${scope} "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>")
   target_link_libraries(${target} ${scope} ${arg_LINK})
   if(arg_ALIAS)
     add_library(${arg_ALIAS} ALIAS ${target})
   endif()
+  if(NOT arg_STATIC)
+    quenlith_public_headers(${target} ${scope} "${arg_HEADERS}" "${arg_INTERNAL}")
+    quenlith_install_library(${target} ${name})
+  endif()
+endfunction()
+
+function(quenlith_public_headers target scope headers internal)
+  if(NOT headers)
+    file(GLOB_RECURSE headers RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" CONFIGURE_DEPENDS *.hpp *.h)
+    foreach(expression IN LISTS internal)
+      list(FILTER headers EXCLUDE REGEX "${expression}")
+    endforeach()
+  endif()
+  target_sources(${target} ${scope} FILE_SET HEADERS
+    BASE_DIRS "${CMAKE_CURRENT_SOURCE_DIR}" FILES ${headers})
 endfunction()
 
 function(quenlith_export_header target name)
   set(root "${CMAKE_CURRENT_BINARY_DIR}/generated")
-  generate_export_header(${target} BASE_NAME quenlith_${name}
-    EXPORT_FILE_NAME "${root}/quenlith/export/${name}.hpp")
-  target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${root}>")
+  set(header "${root}/quenlith/export/${name}.hpp")
+  generate_export_header(${target} BASE_NAME quenlith_${name} EXPORT_FILE_NAME "${header}")
+  target_sources(${target} PUBLIC FILE_SET generated TYPE HEADERS BASE_DIRS "${root}" FILES "${header}")
 endfunction()
 
 # quenlith_add_test(NAME SOURCES ... [LINK ...])

@@ -49,15 +49,15 @@ struct Factory<Implementation, Provides<Interfaces...>, Reference<names, Referen
   static_assert(std::is_constructible_v<Implementation, std::shared_ptr<Referenced>...>,
                 "the class of a component has a constructor that takes its references in order");
 
-  using Instance =
-      cppmicroservices::service::component::detail::ComponentInstanceImpl<
-          Implementation, std::tuple<Interfaces...>, std::shared_ptr<Referenced>...>;
+  using Instance = cppmicroservices::service::component::detail::ComponentInstanceImpl<
+      Implementation, std::tuple<Interfaces...>, std::shared_ptr<Referenced>...>;
 
   /// Returns a new instance object, which the runtime owns and which has not made its
   /// `Implementation` yet; null when memory runs out.
   static cppmicroservices::service::component::detail::ComponentInstance* make() noexcept {
     try {
-      const std::array<std::string, sizeof...(names)> referenceNames{std::string(names.characters)...};
+      const std::array<std::string, sizeof...(names)> referenceNames{
+          std::string(names.characters)...};
       return new (std::nothrow) Instance(referenceNames);
     } catch (...) {
       return nullptr;
@@ -76,17 +76,19 @@ struct Factory<Implementation, Provides<Interfaces...>, Reference<names, Referen
 ///                        Reference<"dictionary", demo::Dictionary>)
 ///
 /// Stands at namespace scope, once a component. `Provides` and `Reference` need no qualification.
-#define QUENLITH_COMPONENT(symbol, ...)                                                           \
-  namespace quenlith::bundle {                                                                    \
-  extern "C" QUENLITH_BUNDLE_EXPORT                                                               \
-      cppmicroservices::service::component::detail::ComponentInstance* NewInstance_##symbol() noexcept; \
-  extern "C" QUENLITH_BUNDLE_EXPORT void DeleteInstance_##symbol(                                 \
-      cppmicroservices::service::component::detail::ComponentInstance* instance) noexcept;        \
-  cppmicroservices::service::component::detail::ComponentInstance* NewInstance_##symbol() noexcept { \
-    return Factory<__VA_ARGS__>::make();                                                          \
-  }                                                                                               \
-  void DeleteInstance_##symbol(                                                                   \
-      cppmicroservices::service::component::detail::ComponentInstance* instance) noexcept {       \
-    delete instance;                                                                              \
-  }                                                                                               \
+#define QUENLITH_COMPONENT(symbol, ...)                                                     \
+  namespace quenlith::bundle {                                                              \
+  extern "C" QUENLITH_BUNDLE_EXPORT                                                         \
+      cppmicroservices::service::component::detail::ComponentInstance*                      \
+          NewInstance_##symbol() noexcept;                                                  \
+  extern "C" QUENLITH_BUNDLE_EXPORT void DeleteInstance_##symbol(                           \
+      cppmicroservices::service::component::detail::ComponentInstance* instance) noexcept;  \
+  cppmicroservices::service::component::detail::ComponentInstance*                          \
+      NewInstance_##symbol() noexcept {                                                     \
+    return Factory<__VA_ARGS__>::make();                                                    \
+  }                                                                                         \
+  void DeleteInstance_##symbol(                                                             \
+      cppmicroservices::service::component::detail::ComponentInstance* instance) noexcept { \
+    delete instance;                                                                        \
+  }                                                                                         \
   }

@@ -18,7 +18,7 @@ class ContributorData : public kd::zero::Handle<ContributorData, kd::zero::Model
 
 class QUENLITH_MODEL_EXPORT ContributorData::Impl : public kd::zero::ModelElement::Impl {
  public:
-  static const kd::zero::meta::Class& classOf() noexcept;
+  static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   /// Valid until it is set again or the element ends.
   std::u16string_view getContributingFeature() const noexcept { return contributingFeature; }
@@ -28,11 +28,13 @@ class QUENLITH_MODEL_EXPORT ContributorData::Impl : public kd::zero::ModelElemen
   boost::uuids::uuid getUuid() const noexcept { return uuid; }
 
  protected:
-  Impl(const kd::zero::meta::Class& metaClass, const boost::uuids::uuid& elementUuid) noexcept
-      : kd::zero::ModelElement::Impl(metaClass), uuid(elementUuid) {}
+  Impl(const kd::zero::meta::Class& dataClass, const boost::uuids::uuid& elementUuid) noexcept
+      : kd::zero::ModelElement::Impl(dataClass), uuid(elementUuid) {}
   ~Impl() = default;
 
  private:
+  static const kd::zero::meta::Class kMetaClass;
+
   std::u16string contributingFeature;
   boost::uuids::uuid uuid;
 };

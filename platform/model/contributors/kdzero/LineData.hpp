@@ -27,7 +27,7 @@ class QUENLITH_MODEL_EXPORT LineData::Impl final : public kd::zero::ModelElement
   template <class Builder>
   class BuilderBase;
 
-  static const kd::zero::meta::Class& classOf() noexcept;
+  static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   const Data& getData() const noexcept { return data; }
   void setData(Data newData) noexcept { data = std::move(newData); }
@@ -37,6 +37,8 @@ class QUENLITH_MODEL_EXPORT LineData::Impl final : public kd::zero::ModelElement
 
  private:
   friend struct kd::zero::ElementMaker;
+
+  static const kd::zero::meta::Class kMetaClass;
 
   explicit Impl(const boost::uuids::uuid& elementUuid) noexcept
       : kd::zero::ModelElement::Impl(classOf()), uuid(elementUuid) {}

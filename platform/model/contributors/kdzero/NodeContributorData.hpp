@@ -19,7 +19,7 @@ class QUENLITH_MODEL_EXPORT NodeContributorData::Impl final : public Contributor
   template <class Builder>
   class BuilderBase;
 
-  static const kd::zero::meta::Class& classOf() noexcept;
+  static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   /// Unique; its elements belong to this one.
   const kd::zero::ElementSequence<LineData>& getLineDataList() const noexcept { return lineData; }
@@ -27,6 +27,8 @@ class QUENLITH_MODEL_EXPORT NodeContributorData::Impl final : public Contributor
 
  private:
   friend struct kd::zero::ElementMaker;
+
+  static const kd::zero::meta::Class kMetaClass;
 
   explicit Impl(const boost::uuids::uuid& elementUuid);
   ~Impl() = default;

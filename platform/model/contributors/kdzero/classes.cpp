@@ -27,24 +27,15 @@ const Property& lineDataList() {
 
 }  // namespace
 
-const Class& ContributorData::Impl::classOf() noexcept {
-  // No element is of this class itself, so none ever ends as one.
-  static const Class metaClass(u"contributors::kdzero::ContributorData", &Class::modelElement(), 0,
-                               nullptr);
-  return metaClass;
-}
+// No element is of this class itself, so none ever ends as one.
+const kd::zero::meta::Class ContributorData::Impl::kMetaClass(
+    u"contributors::kdzero::ContributorData", &Class::modelElement(), 0, nullptr);
 
-const Class& NodeContributorData::Impl::classOf() noexcept {
-  static const Class metaClass = ElementMaker::describe<Impl>(
-      u"contributors::kdzero::NodeContributorData", ContributorData::Impl::classOf());
-  return metaClass;
-}
+const kd::zero::meta::Class NodeContributorData::Impl::kMetaClass = ElementMaker::describe<Impl>(
+    u"contributors::kdzero::NodeContributorData", ContributorData::Impl::classOf());
 
-const Class& LineData::Impl::classOf() noexcept {
-  static const Class metaClass =
-      ElementMaker::describe<Impl>(u"contributors::kdzero::LineData", Class::modelElement());
-  return metaClass;
-}
+const kd::zero::meta::Class LineData::Impl::kMetaClass =
+    ElementMaker::describe<Impl>(u"contributors::kdzero::LineData", Class::modelElement());
 
 NodeContributorData::Impl::Impl(const boost::uuids::uuid& elementUuid)
     : ContributorData::Impl(classOf(), elementUuid), lineData(*this, lineDataList()) {}

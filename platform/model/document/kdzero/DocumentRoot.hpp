@@ -12,7 +12,7 @@ class DocumentRoot : public kd::zero::Handle<DocumentRoot, kd::zero::ModelElemen
 
 class QUENLITH_MODEL_EXPORT DocumentRoot::Impl final : public kd::zero::ModelElement::Impl {
  public:
-  static const kd::zero::meta::Class& classOf() noexcept;
+  static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   Impl();
 
@@ -21,6 +21,8 @@ class QUENLITH_MODEL_EXPORT DocumentRoot::Impl final : public kd::zero::ModelEle
 
  private:
   friend struct kd::zero::ElementMaker;
+
+  static const kd::zero::meta::Class kMetaClass;
 
   void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
     children.releaseAll(releases);

@@ -22,7 +22,7 @@ class QUENLITH_MODEL_EXPORT LiveAppIntegratedInlineNode::Impl final : public Nod
   template <class Builder>
   class BuilderBase;
 
-  static const kd::zero::meta::Class& classOf() noexcept;
+  static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   /// Valid until it is set again or the node ends.
   std::u16string_view getId() const noexcept { return id; }
@@ -34,6 +34,8 @@ class QUENLITH_MODEL_EXPORT LiveAppIntegratedInlineNode::Impl final : public Nod
 
  private:
   friend struct kd::zero::ElementMaker;
+
+  static const kd::zero::meta::Class kMetaClass;
 
   explicit Impl(const boost::uuids::uuid& uuid) : Node::Impl(classOf(), uuid) {}
   ~Impl() = default;

@@ -17,10 +17,12 @@ class QUENLITH_MODEL_EXPORT LiveAppLineNode::Impl final : public Node::Impl {
   template <class Builder>
   class BuilderBase;
 
-  static const kd::zero::meta::Class& classOf() noexcept;
+  static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
  private:
   friend struct kd::zero::ElementMaker;
+
+  static const kd::zero::meta::Class kMetaClass;
 
   explicit Impl(const boost::uuids::uuid& uuid) : Node::Impl(classOf(), uuid) {}
   ~Impl() = default;

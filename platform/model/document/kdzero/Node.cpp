@@ -15,8 +15,8 @@ using kd::zero::ModelStorage;
 struct Node::Impl::Extras {
   explicit Extras(kd::zero::ModelElement::Impl& node)
       : owner(&node),
-        failures(owner, properties::parserFailures()),
-        contributorData(owner, properties::contributorData()) {}
+        failures(owner, properties::kParserFailures),
+        contributorData(owner, properties::kContributorData) {}
 
   // Stands before the collections, which find their owner through it.
   kd::zero::ModelElement::Impl* owner;
@@ -26,16 +26,13 @@ struct Node::Impl::Extras {
   boost::uuids::uuid uuid{};
 };
 
-const kd::zero::meta::Class& Node::Impl::classOf() noexcept {
-  // No element is of this class itself, so none ever ends as one.
-  static const kd::zero::meta::Class metaClass(u"document::kdzero::Node",
-                                               &kd::zero::meta::Class::modelElement(), 0, nullptr);
-  return metaClass;
-}
+// No element is of this class itself, so none ever ends as one.
+const kd::zero::meta::Class Node::Impl::kMetaClass(u"document::kdzero::Node",
+                                                   &kd::zero::meta::Class::modelElement(), 0,
+                                                   nullptr);
 
-Node::Impl::Impl(const kd::zero::meta::Class& metaClass, const boost::uuids::uuid& uuid)
-    : kd::zero::ModelElement::Impl(metaClass), children(*this, properties::children()) {
-  if (!uuid.is_nil()) extrasMutable().uuid = uuid;
+void Node::Impl::setUuid(const boost::uuids::uuid& uuid) {
+  extrasMutable().uuid = uuid;
 }
 
 Node::Impl::~Impl() {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "contributors/kdzero/NodeContributorData.hpp"
+#include "document/kdzero/Properties.hpp"
 #include "failures/kdzero/ParserFailure.hpp"
 #include "kd/zero/ElementSequence.hpp"
 #include "kd/zero/ModelElement.hpp"
@@ -27,7 +28,7 @@ class Node : public kd::zero::Handle<Node, kd::zero::ModelElement> {
 /// once it is used.
 class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
  public:
-  static const kd::zero::meta::Class& classOf() noexcept;
+  static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   const kd::zero::ElementSequence<Node>& getChildren() const noexcept { return children; }
   kd::zero::ElementSequence<Node>& getChildrenMutable() noexcept { return children; }
@@ -50,16 +51,22 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
   boost::uuids::uuid getUuid() const noexcept;
 
  protected:
-  Impl(const kd::zero::meta::Class& metaClass, const boost::uuids::uuid& uuid);
+  Impl(const kd::zero::meta::Class& nodeClass, const boost::uuids::uuid& uuid)
+      : kd::zero::ModelElement::Impl(nodeClass), children(*this, properties::kChildren) {
+    if (!uuid.is_nil()) setUuid(uuid);
+  }
   ~Impl();
 
   /// Lets go of all that the node holds; for the node's own end.
   void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept;
 
  private:
+  static const kd::zero::meta::Class kMetaClass;
+
   struct Extras;
 
   Extras& extrasMutable();
+  void setUuid(const boost::uuids::uuid& uuid);
 
   kd::zero::ElementSequence<Node> children;
   Extras* extras = nullptr;

@@ -36,31 +36,13 @@ Property::Traits containing(std::u16string_view name, const Property* opposite,
 
 }  // namespace
 
-const Property& parent() {
-  static const Property property({.name = u"parent",
-                                  .read = &kd::zero::Containment::read,
-                                  .assign = &kd::zero::Containment::assign});
-  return property;
-}
-
-const Property& topLevelNodes() {
-  static const Property property(containing(u"topLevelNodes", &parent(), &topLevelNodesOf));
-  return property;
-}
-
-const Property& children() {
-  static const Property property(containing(u"children", &parent(), &childrenOf));
-  return property;
-}
-
-const Property& contributorData() {
-  static const Property property(containing(u"contributorData", nullptr, &contributorDataOf));
-  return property;
-}
-
-const Property& parserFailures() {
-  static const Property property({.name = u"parserFailures", .many = true, .unique = true});
-  return property;
-}
+const Property kParent({.name = u"parent",
+                        .container = true,
+                        .read = &kd::zero::Containment::read,
+                        .assign = &kd::zero::Containment::assign});
+const Property kTopLevelNodes(containing(u"topLevelNodes", &kParent, &topLevelNodesOf));
+const Property kChildren(containing(u"children", &kParent, &childrenOf));
+const Property kContributorData(containing(u"contributorData", nullptr, &contributorDataOf));
+const Property kParserFailures({.name = u"parserFailures", .many = true, .unique = true});
 
 }  // namespace document::kdzero::properties

@@ -1,19 +1,20 @@
 #pragma once
 
 #include "kd/zero/meta/Property.hpp"
+#include "quenlith/export/model.hpp"
 
 // The properties of the document classes.
 namespace document::kdzero::properties {
 
 /// The document's top-level nodes.
-const kd::zero::meta::Property& topLevelNodes();
+QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kTopLevelNodes;
 /// A node's children.
-const kd::zero::meta::Property& children();
+QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kChildren;
 /// What a node is a child of: a node, or the document.
-const kd::zero::meta::Property& parent();
+QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kParent;
 /// A node's parser failures.
-const kd::zero::meta::Property& parserFailures();
+QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kParserFailures;
 /// A node's contributor data.
-const kd::zero::meta::Property& contributorData();
+QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kContributorData;
 
 }  // namespace document::kdzero::properties

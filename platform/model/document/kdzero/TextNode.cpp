@@ -10,12 +10,9 @@ namespace document::kdzero {
 
 using kd::zero::ModelStorage;
 
-const kd::zero::meta::Class& TextNode::Impl::classOf() noexcept {
-  // No element is of this class itself, so none ever ends as one.
-  static const kd::zero::meta::Class metaClass(u"document::kdzero::TextNode",
-                                               &Node::Impl::classOf(), 0, nullptr);
-  return metaClass;
-}
+// No element is of this class itself, so none ever ends as one.
+const kd::zero::meta::Class TextNode::Impl::kMetaClass(u"document::kdzero::TextNode",
+                                                       &Node::Impl::classOf(), 0, nullptr);
 
 void TextNode::Impl::setText(std::u16string_view newText) {
   if (newText.size() > capacity) {

@@ -15,7 +15,7 @@ class TextNode : public kd::zero::Handle<TextNode, Node> {
 
 class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
  public:
-  static const kd::zero::meta::Class& classOf() noexcept;
+  static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   /// The text in UTF-16; valid until it is set again or the node ends.
   std::u16string_view getText() const noexcept { return {text, length}; }
@@ -24,11 +24,13 @@ class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
   void setText(std::u16string_view newText);
 
  protected:
-  Impl(const kd::zero::meta::Class& metaClass, const boost::uuids::uuid& uuid)
-      : Node::Impl(metaClass, uuid) {}
+  Impl(const kd::zero::meta::Class& nodeClass, const boost::uuids::uuid& uuid)
+      : Node::Impl(nodeClass, uuid) {}
   ~Impl() { freeText(); }
 
  private:
+  static const kd::zero::meta::Class kMetaClass;
+
   void freeText() noexcept;
 
   char16_t* text = nullptr;

@@ -10,37 +10,23 @@ namespace document::kdzero {
 using kd::zero::ElementMaker;
 using kd::zero::meta::Class;
 
-const Class& DocumentRoot::Impl::classOf() noexcept {
-  static const Class metaClass =
-      ElementMaker::describe<Impl>(u"document::kdzero::TesseraDocument", Class::modelElement());
-  return metaClass;
-}
+const kd::zero::meta::Class DocumentRoot::Impl::kMetaClass =
+    ElementMaker::describe<Impl>(u"document::kdzero::TesseraDocument", Class::modelElement());
 
-const Class& LineNode::Impl::classOf() noexcept {
-  static const Class metaClass =
-      ElementMaker::describe<Impl>(u"document::kdzero::LineNode", Node::Impl::classOf());
-  return metaClass;
-}
+const kd::zero::meta::Class LineNode::Impl::kMetaClass =
+    ElementMaker::describe<Impl>(u"document::kdzero::LineNode", Node::Impl::classOf());
 
-const Class& LiveAppLineNode::Impl::classOf() noexcept {
-  static const Class metaClass =
-      ElementMaker::describe<Impl>(u"document::kdzero::LiveAppLineNode", Node::Impl::classOf());
-  return metaClass;
-}
+const kd::zero::meta::Class LiveAppLineNode::Impl::kMetaClass =
+    ElementMaker::describe<Impl>(u"document::kdzero::LiveAppLineNode", Node::Impl::classOf());
 
-const Class& LiveAppIntegratedInlineNode::Impl::classOf() noexcept {
-  static const Class metaClass = ElementMaker::describe<Impl>(
-      u"document::kdzero::LiveAppIntegratedInlineNode", Node::Impl::classOf());
-  return metaClass;
-}
+const kd::zero::meta::Class LiveAppIntegratedInlineNode::Impl::kMetaClass =
+    ElementMaker::describe<Impl>(u"document::kdzero::LiveAppIntegratedInlineNode",
+                                 Node::Impl::classOf());
 
-const Class& PlainTextNode::Impl::classOf() noexcept {
-  static const Class metaClass =
-      ElementMaker::describe<Impl>(u"document::kdzero::PlainTextNode", TextNode::Impl::classOf());
-  return metaClass;
-}
+const kd::zero::meta::Class PlainTextNode::Impl::kMetaClass =
+    ElementMaker::describe<Impl>(u"document::kdzero::PlainTextNode", TextNode::Impl::classOf());
 
 DocumentRoot::Impl::Impl()
-    : kd::zero::ModelElement::Impl(classOf()), children(*this, properties::topLevelNodes()) {}
+    : kd::zero::ModelElement::Impl(classOf()), children(*this, properties::kTopLevelNodes) {}
 
 }  // namespace document::kdzero

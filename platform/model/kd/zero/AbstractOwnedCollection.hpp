@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "kd/zero/ModelElement.hpp"
+#include "kd/zero/ModelStorage.hpp"
 #include "kd/zero/meta/Property.hpp"
 #include "quenlith/export/model.hpp"
 
@@ -37,14 +38,21 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
 
   /// A collection that is a member of `collectionOwner`.
   AbstractOwnedCollection(const ModelElement::Impl& collectionOwner, const meta::Property& property,
-                          Holds content) noexcept;
+                          Holds content) noexcept
+      : AbstractOwnedCollection(&collectionOwner, property, content, false) {}
   /// A collection that is a member of a part of the owner which is made only when it is used;
   /// `collectionOwner` is a member of the same part.
   AbstractOwnedCollection(ModelElement::Impl* const& collectionOwner,
-                          const meta::Property& property, Holds content) noexcept;
+                          const meta::Property& property, Holds content) noexcept
+      : AbstractOwnedCollection(&collectionOwner, property, content, true) {}
   ~AbstractOwnedCollection() = default;
 
-  ModelElement::Impl& owner() const noexcept;
+  ModelElement::Impl& owner() const noexcept {
+    const std::byte* place = reinterpret_cast<const std::byte*>(this) -
+                             static_cast<std::ptrdiff_t>(ownerDistance) * kGranule;
+    if (ownerIsReferred) return **reinterpret_cast<ModelElement::Impl* const*>(place);
+    return *const_cast<ModelElement::Impl*>(reinterpret_cast<const ModelElement::Impl*>(place));
+  }
 
   /// Tells the listeners of the model of a change that is about to be made. With no listener
   /// no record is made. Throws what a listener throws.
@@ -55,6 +63,17 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
 
  private:
   static constexpr std::uint16_t kGranule = 4;
+
+  AbstractOwnedCollection(const void* place, const meta::Property& property, Holds content,
+                          bool placeRefers) noexcept
+      : propertyIndex(property.getIndex()),
+        ownerDistance(static_cast<std::uint16_t>(
+                          static_cast<std::size_t>(reinterpret_cast<const std::byte*>(this) -
+                                                   static_cast<const std::byte*>(place)) /
+                          kGranule) &
+                      0x1FFF),
+        ownerIsReferred(placeRefers),
+        holdsValues(content == Holds::kValues) {}
 
   std::uint16_t ownerDistance : 13;
   bool ownerIsReferred : 1;
@@ -69,7 +88,10 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
 class QUENLITH_MODEL_EXPORT AbstractOwnedCollection::Operation {
  public:
   /// Borrows `changed` for the life of the operation.
-  explicit Operation(AbstractOwnedCollection& changed) noexcept;
+  explicit Operation(AbstractOwnedCollection& changed) noexcept
+      : collection(changed), oldCount(changed.count) {
+    ++ModelStorage::of(&changed.owner()).operations;
+  }
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;
   ~Operation() {

@@ -8,21 +8,11 @@ Value Containment::read(const ModelElement::Impl& element) {
   return Value(element.container);
 }
 
-void Containment::assign(ModelElement::Impl& element, ModelElement::Impl& owner,
-                         const meta::Property& collection) {
-  ModelElement::Impl* former = element.container;
-  const std::uint16_t formerProperty = element.containerProperty;
-  element.container = &owner;
-  element.containerProperty = collection.getIndex();
-  owner.containsOthers = true;
-  if (former == nullptr || (former == &owner && formerProperty == collection.getIndex())) return;
-  meta::Property::at(formerProperty).traits().collectionOf(*former)->forget(element);
-}
-
-void Containment::clear(ModelElement::Impl& element, const ModelElement::Impl& owner,
-                        const meta::Property& collection) noexcept {
-  if (element.container != &owner || element.containerProperty != collection.getIndex()) return;
-  element.container = nullptr;
+void Containment::leaveFormer(ModelElement::Impl& element, const ModelElement::Impl& owner,
+                              const meta::Property& collection) noexcept {
+  const meta::Property& former = meta::Property::at(element.containerProperty);
+  if (element.container == &owner && &former == &collection) return;
+  former.traits().collectionOf(*element.container)->forget(element);
 }
 
 bool Containment::isWithin(const ModelElement::Impl& element,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "kd/zero/ModelElement.hpp"
 #include "kd/zero/Value.hpp"
 #include "kd/zero/meta/Property.hpp"
@@ -11,16 +13,37 @@ struct QUENLITH_MODEL_EXPORT Containment {
   /// Reads the container as a single-valued property.
   static Value read(const ModelElement::Impl& element);
 
+  static const ModelElement::Impl* containerOf(const ModelElement::Impl& element) noexcept {
+    return element.container;
+  }
+
   /// Makes `owner` the container of `element`, through its collection `collection`. An element
   /// that belonged to another collection leaves it, so that it stands in one place of a tree.
   static void assign(ModelElement::Impl& element, ModelElement::Impl& owner,
-                     const meta::Property& collection);
+                     const meta::Property& collection) {
+    owner.containsOthers = true;
+    if (element.container != nullptr) leaveFormer(element, owner, collection);
+    element.container = &owner;
+    element.containerProperty = collection.getIndex();
+  }
 
   /// Undoes `assign` for an element that leaves `collection` of `owner`.
   static void clear(ModelElement::Impl& element, const ModelElement::Impl& owner,
-                    const meta::Property& collection) noexcept;
+                    std::uint16_t collectionIndex) noexcept {
+    if (element.container == &owner && element.containerProperty == collectionIndex) {
+      element.container = nullptr;
+    }
+  }
 
+  static bool containsOthers(const ModelElement::Impl& element) noexcept {
+    return element.containsOthers;
+  }
+  /// Tells whether `element` is `root` or contained in it, however deep.
   static bool isWithin(const ModelElement::Impl& element, const ModelElement::Impl& root) noexcept;
+
+ private:
+  static void leaveFormer(ModelElement::Impl& element, const ModelElement::Impl& owner,
+                          const meta::Property& collection) noexcept;
 };
 
 }  // namespace kd::zero

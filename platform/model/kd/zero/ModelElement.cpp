@@ -5,9 +5,6 @@
 
 namespace kd::zero {
 
-ModelElement::Impl::Impl(const meta::Class& metaClass) noexcept
-    : classIndex(metaClass.getIndex()) {}
-
 Model ModelElement::Impl::getModel() const noexcept {
   return Model::share(ModelStorage::of(this));
 }

@@ -1,8 +1,13 @@
 #include "kd/zero/ModelStorage.hpp"
 
+#include <algorithm>
 #include <new>
 
 #include "kd/zero/Poison.hpp"
+
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
 
 namespace kd::zero {
 
@@ -12,12 +17,24 @@ std::size_t roundUp(std::size_t sizeBytes, std::size_t granule) noexcept {
   return (sizeBytes + granule - 1) & ~(granule - 1);
 }
 
+/// Asks for large pages behind [`begin`, `begin` + `sizeBytes`) where that is large enough. Most
+/// of what filling a large model costs is otherwise the first touch of each small page.
+void useLargePages([[maybe_unused]] std::byte* begin, [[maybe_unused]] std::size_t sizeBytes) {
+#ifdef __linux__
+  constexpr std::size_t kLargePage = std::size_t{2} * 1024 * 1024;
+  const auto address = reinterpret_cast<std::uintptr_t>(begin);
+  const std::uintptr_t first = roundUp(address, kLargePage);
+  const std::uintptr_t last = (address + sizeBytes) & ~(kLargePage - 1);
+  if (first < last) ::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+#endif
+}
+
 }  // namespace
 
 ModelStorage::~ModelStorage() {
-  for (void* chunk : chunks) {
-    unpoison(chunk, kChunkBytes);
-    ::operator delete (chunk, std::align_val_t{kChunkAlignment});
+  for (const Slab& slab : slabs) {
+    unpoison(slab.begin, slab.sizeBytes);
+    ::operator delete (slab.begin, std::align_val_t{kChunkAlignment});
   }
 }
 
@@ -63,21 +80,35 @@ void* ModelStorage::allocateBlock(std::size_t sizeBytes) {
     reusable = block->next;
     return block;
   }
-  if (static_cast<std::size_t>(end - free) < size) addChunk();
+  if (static_cast<std::size_t>(end - free) < size) beginNextChunk();
   std::byte* block = free;
   free += size;
   unpoison(block, size);
   return block;
 }
 
-void ModelStorage::addChunk() {
-  chunks.reserve(chunks.size() + 1);
-  void* chunk = ::operator new (kChunkBytes, std::align_val_t{kChunkAlignment});
-  chunks.push_back(chunk);
-  *static_cast<ModelStorage**>(chunk) = this;
-  free = static_cast<std::byte*>(chunk) + sizeof(ModelStorage*);
-  end = static_cast<std::byte*>(chunk) + kChunkBytes;
+void ModelStorage::beginNextChunk() {
+  if (slabs.empty() || end == slabs.back().begin + slabs.back().sizeBytes) addSlab();
+  const Slab& slab = slabs.back();
+  std::byte* chunk = end;
+  const auto left = static_cast<std::size_t>(slab.begin + slab.sizeBytes - chunk);
+  *reinterpret_cast<ModelStorage**>(chunk) = this;
+  free = chunk + sizeof(ModelStorage*);
+  end = chunk + std::min(left, kChunkAlignment);
   poison(free, static_cast<std::size_t>(end - free));
+}
+
+void ModelStorage::addSlab() {
+  // A sixteenth of what there is bounds what an unused end can waste.
+  const std::size_t chunks = std::clamp<std::size_t>(chunksSoFar / 16, 1, kLargestSlabChunks);
+  const std::size_t sizeBytes = chunks * kChunkAlignment - kAllocatorBytes;
+  slabs.reserve(slabs.size() + 1);
+  auto* begin =
+      static_cast<std::byte*>(::operator new (sizeBytes, std::align_val_t{kChunkAlignment}));
+  useLargePages(begin, sizeBytes);
+  slabs.push_back({begin, sizeBytes});
+  chunksSoFar += chunks;
+  end = begin;
 }
 
 }  // namespace kd::zero

@@ -55,18 +55,24 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
  private:
   static constexpr std::size_t kGranule = 8;
   static constexpr std::size_t kChunkAlignment = std::size_t{64} * 1024;
-  // The allocator's own header of the next chunk fits into what is left to the alignment;
-  // with full chunks each one would waste as much again.
-  static constexpr std::size_t kChunkBytes = kChunkAlignment - 64;
+  // Chunks are asked for in slabs, which grow with the model up to this many. A slab is a little
+  // short of whole chunks: the allocator's own data of the next one fits into what is left.
+  static constexpr std::size_t kLargestSlabChunks = 64;
+  static constexpr std::size_t kAllocatorBytes = 64;
 
   struct FreeBlock {
     FreeBlock* next;
+  };
+  struct Slab {
+    std::byte* begin;
+    std::size_t sizeBytes;
   };
 
   ModelStorage() = default;
   ~ModelStorage();
   void* allocateBlock(std::size_t sizeBytes);
-  void addChunk();
+  void beginNextChunk();
+  void addSlab();
   void endIfUnused() noexcept {
     if (handles == 0 && elements == 0) destroy();
   }
@@ -78,7 +84,8 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
   std::uint64_t handles = 1;
   std::uint64_t elements = 0;
   std::array<FreeBlock*, kLargestBlock / kGranule + 1> freeBlocks{};
-  std::vector<void*> chunks;
+  std::size_t chunksSoFar = 0;
+  std::vector<Slab> slabs;
 };
 
 }  // namespace kd::zero

@@ -35,24 +35,26 @@ void ReferenceCollection::append(ModelElement element) {
   operation.commit();
 }
 
-void ReferenceCollection::checkCompatibleModel(const ModelElement::Impl& element) const {
+inline void ReferenceCollection::checkCompatibleModel(const ModelElement::Impl& element) const {
   if (&ModelStorage::of(&element) == &ModelStorage::of(&owner())) return;
   throw Exception<kd0::messages::ElementOfAnotherModel, std::exception>(
       kd0::messages::ElementOfAnotherModel(element.getMetaClass().getQualifiedName()));
 }
 
-void ReferenceCollection::checkNoCycle(const ModelElement::Impl& element) const {
+inline void ReferenceCollection::checkNoCycle(const ModelElement::Impl& element) const {
   // Only what contains others can be above the owner, and most elements do not yet.
-  if (!element.containsOthers && &element != &owner()) return;
+  if (!Containment::containsOthers(element) && &element != &owner()) return;
   if (!isComposite() && getOpposite() == nullptr) return;
   if (!Containment::isWithin(owner(), element)) return;
   throw Exception<kd0::messages::ElementWithinItself, std::exception>(
       kd0::messages::ElementWithinItself(element.getMetaClass().getQualifiedName()));
 }
 
-bool ReferenceCollection::contains(ModelElement::Impl& element) {
+inline bool ReferenceCollection::contains(ModelElement::Impl& element) {
   const meta::Property* opposite = getOpposite();
   if (opposite == nullptr || opposite->isMany()) return containsIdentity(element);
+  // The usual opposite is the link to the container, which a new element does not have.
+  if (opposite->isContainer() && Containment::containerOf(element) == nullptr) return false;
   return opposite->traits().read(element).toModelElement() == &owner();
 }
 
@@ -67,7 +69,7 @@ bool ReferenceCollection::containsIdentity(const ModelElement::Impl& element) {
   return identities->count(&element) != 0;
 }
 
-void ReferenceCollection::store(ModelElement& element) {
+inline void ReferenceCollection::store(ModelElement& element) {
   if (size() == std::numeric_limits<std::uint32_t>::max()) {
     throw std::length_error("a sequence holds at most 2^32 - 1 elements");
   }
@@ -103,16 +105,20 @@ void ReferenceCollection::freeBlock() noexcept {
   ModelStorage::of(&owner()).deallocate(&head, blockBytes(head.capacity));
 }
 
-void ReferenceCollection::_inverseAddThis(ModelElement::Impl& collectionOwner,
-                                          ModelElement::Impl& element,
-                                          const meta::Property& opposite,
-                                          bool /*elementIsOwner*/) const {
-  opposite.traits().assign(element, collectionOwner, getCollectionProperty());
+inline void ReferenceCollection::_inverseAddThis(ModelElement::Impl& collectionOwner,
+                                                 ModelElement::Impl& element,
+                                                 const meta::Property& opposite,
+                                                 bool /*elementIsOwner*/) const {
+  if (opposite.isContainer()) {
+    Containment::assign(element, collectionOwner, getCollectionProperty());
+  } else {
+    opposite.traits().assign(element, collectionOwner, getCollectionProperty());
+  }
 }
 
-void ReferenceCollection::_setContainedByThis(ModelElement::Impl& collectionOwner,
-                                              ModelElement::Impl& element,
-                                              const meta::Property& property) const {
+inline void ReferenceCollection::_setContainedByThis(ModelElement::Impl& collectionOwner,
+                                                     ModelElement::Impl& element,
+                                                     const meta::Property& property) const {
   Containment::assign(element, collectionOwner, property);
 }
 
@@ -123,7 +129,7 @@ void ReferenceCollection::truncate(std::size_t newCount) noexcept {
     // In a collection that is not unique an earlier place may still hold it.
     const bool gone =
         isUnique() || std::find(places(), places() + size(), last.get()) == places() + size();
-    if (gone) Containment::clear(*last.get(), owner(), getCollectionProperty());
+    if (gone) Containment::clear(*last.get(), owner(), propertyIndex);
     if (inBlock && blockHead().identities != nullptr) blockHead().identities->erase(last.get());
   }
 }
@@ -138,11 +144,11 @@ void ReferenceCollection::forget(const ModelElement::Impl& element) noexcept {
 }
 
 void ReferenceCollection::releaseAll(ModelElement::Releases& releases) noexcept {
-  const meta::Property& property = getCollectionProperty();
-  for (std::size_t place = 0; place < size(); ++place) {
-    ModelElement::Impl* element = places()[place];
-    Containment::clear(*element, owner(), property);
-    releases.drop(element);
+  const ModelElement::Impl& holder = owner();
+  ModelElement::Impl* const* element = places();
+  for (ModelElement::Impl* const* const end = element + size(); element != end; ++element) {
+    Containment::clear(**element, holder, propertyIndex);
+    releases.drop(*element);
   }
   if (inBlock) freeBlock();
   inBlock = false;

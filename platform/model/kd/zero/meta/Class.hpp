@@ -42,3 +42,10 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
 };
 
 }  // namespace kd::zero::meta
+
+namespace kd::zero {
+
+inline ModelElement::Impl::Impl(const meta::Class& metaClass) noexcept
+    : classIndex(metaClass.getIndex()) {}
+
+}  // namespace kd::zero

@@ -30,6 +30,9 @@ class QUENLITH_MODEL_EXPORT Property {
     bool composite = false;
     /// The property at the other end of a bidirectional reference, or null.
     const Property* opposite = nullptr;
+    /// Single-valued: it is the link from an element to its container, and `read` and `assign`
+    /// are those of Containment.
+    bool container = false;
     /// Single-valued: the value that an element has.
     Value (*read)(const ModelElement::Impl& element) = nullptr;
     /// Single-valued opposite: makes `owner`, whose collection is `collection`, the value of
@@ -52,6 +55,7 @@ class QUENLITH_MODEL_EXPORT Property {
   std::u16string_view getName() const noexcept { return is.name; }
   bool isMany() const noexcept { return is.many; }
   bool isUnique() const noexcept { return is.unique; }
+  bool isContainer() const noexcept { return is.container; }
   bool isComposite() const noexcept { return is.composite; }
   const Property* getOpposite() const noexcept { return is.opposite; }
   const Traits& traits() const noexcept { return is; }

@@ -1,0 +1,58 @@
+# What `cmake --install` puts where: the libraries with their headers under include/quenlith, the
+# package for find_package(Quenlith), the function for bundles, and a pkg-config file. Programs and
+# bundles are installed where they are made. Everything finds everything else from its own place,
+# so that the installed tree can be moved.
+include(CMakePackageConfigHelpers)
+
+set(QUENLITH_PACKAGE_FOLDER "${CMAKE_INSTALL_LIBDIR}/cmake/Quenlith")
+set(QUENLITH_HEADER_FOLDER "${CMAKE_INSTALL_INCLUDEDIR}/quenlith")
+
+# Installs a library as Quenlith::NAME.
+function(quenlith_install_library target name)
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
+  set_property(GLOBAL APPEND PROPERTY QUENLITH_COMPONENTS ${name})
+  get_target_property(type ${target} TYPE)
+  set(generated)
+  if(type STREQUAL "SHARED_LIBRARY")
+    set_target_properties(${target} PROPERTIES
+      VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+    set(generated FILE_SET generated DESTINATION "${QUENLITH_HEADER_FOLDER}")
+    set_property(GLOBAL APPEND PROPERTY QUENLITH_LINKED ${name})
+  endif()
+  install(TARGETS ${target} EXPORT QuenlithTargets
+    FILE_SET HEADERS DESTINATION "${QUENLITH_HEADER_FOLDER}"
+    ${generated})
+endfunction()
+
+# Installs the package, when every library is known.
+function(quenlith_install_package)
+  if(QUENLITH_FRAMEWORK STREQUAL "system")
+    set_target_properties(quenlith_cppmicroservices PROPERTIES EXPORT_NAME cppmicroservices)
+    set_property(GLOBAL APPEND PROPERTY QUENLITH_COMPONENTS cppmicroservices)
+    install(TARGETS quenlith_cppmicroservices EXPORT QuenlithTargets)
+  endif()
+  install(EXPORT QuenlithTargets NAMESPACE Quenlith:: DESTINATION "${QUENLITH_PACKAGE_FOLDER}")
+  set(work "${CMAKE_CURRENT_BINARY_DIR}/package")
+  get_property(QUENLITH_COMPONENTS GLOBAL PROPERTY QUENLITH_COMPONENTS)
+  configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/QuenlithConfig.cmake.in"
+    "${work}/QuenlithConfig.cmake" INSTALL_DESTINATION "${QUENLITH_PACKAGE_FOLDER}"
+    NO_SET_AND_CHECK_MACRO)
+  write_basic_package_version_file("${work}/QuenlithConfigVersion.cmake"
+    COMPATIBILITY SameMinorVersion)
+  install(FILES "${work}/QuenlithConfig.cmake" "${work}/QuenlithConfigVersion.cmake"
+    "${PROJECT_SOURCE_DIR}/cmake/QuenlithBundle.cmake"
+    "${PROJECT_SOURCE_DIR}/cmake/QuenlithFinishBundle.cmake"
+    DESTINATION "${QUENLITH_PACKAGE_FOLDER}")
+  quenlith_install_pkgconfig("${work}/quenlith.pc")
+endfunction()
+
+function(quenlith_install_pkgconfig file)
+  get_property(names GLOBAL PROPERTY QUENLITH_LINKED)
+  list(TRANSFORM names PREPEND "-lquenlith_")
+  list(JOIN names " " QUENLITH_LINKED)
+  # From the folder of the file to the prefix, however deep the library folder lies.
+  file(RELATIVE_PATH QUENLITH_UPWARDS "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  string(REGEX REPLACE "/$" "" QUENLITH_UPWARDS "${QUENLITH_UPWARDS}")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/quenlith.pc.in" "${file}" @ONLY)
+  install(FILES "${file}" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endfunction()

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "quenlith/build/markup/contributordata/LineContributorDataParser.hpp"
+
+namespace examples {
+
+/// Writes the data of control markers down with their line, under the feature "control".
+class ControlDataParser
+    : public quenlith::build::markup::contributordata::LineContributorDataParser {
+ public:
+  bool isApplicable(const quenlith::syntax::Marker& marker) override;
+  std::pair<fl::i18n::ustring, contributors::kdzero::LineData> parse(
+      const kd::zero::Model& model, const quenlith::syntax::Marker& marker) override;
+};
+
+}  // namespace examples

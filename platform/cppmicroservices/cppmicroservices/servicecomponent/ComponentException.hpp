@@ -1,0 +1,17 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "cppmicroservices/FrameworkExport.h"
+
+namespace cppmicroservices::service::component {
+
+/// Tells that the Declarative Services runtime cannot make a component.
+class QUENLITH_CPPMICROSERVICES_EXPORT ComponentException final : public std::runtime_error {
+ public:
+  explicit ComponentException(const std::string& message);
+  ~ComponentException() override;
+};
+
+}  // namespace cppmicroservices::service::component

@@ -1,0 +1,170 @@
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <zip.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <cppmicroservices/servicecomponent/detail/ComponentInstance.hpp>
+
+#include "FailingAllocation.hpp"
+
+namespace {
+
+using cppmicroservices::service::component::detail::ComponentInstance;
+
+constexpr const char* kSymbolicName = "com_velquorin_quenlith_build_markup_code";
+constexpr std::array kComponents = {
+    "quenlith_build_markup_services_ParserServicesProviderImpl",
+    "quenlith_build_markup_code_CodeSnippetParserImpl",
+    "quenlith_build_markup_code_PlainTextNodeParserImpl",
+    "quenlith_build_markup_code_TaskSnippetParserImpl",
+};
+
+std::vector<std::string> exportedSymbols() {
+  const std::unique_ptr<FILE, int (*)(FILE*)> output(
+      popen("'" NM "' --dynamic --defined-only --format=posix '" BUNDLE "'", "r"), pclose);
+  std::string text;
+  std::array<char, 4096> part{};
+  while (const std::size_t size = fread(part.data(), 1, part.size(), output.get())) {
+    text.append(part.data(), size);
+  }
+  std::vector<std::string> symbols;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);)
+    symbols.push_back(line.substr(0, line.find(' ')));
+  return symbols;
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+// The text without blanks; none of the texts in the manifest has a blank.
+std::string withoutBlanks(std::string text) {
+  std::erase_if(text, [](char unit) { return unit == ' ' || unit == '\n'; });
+  return text;
+}
+
+class Factories : public testing::Test {
+ protected:
+  template <class Function>
+  Function symbol(const std::string& name) {
+    return reinterpret_cast<Function>(dlsym(library, name.c_str()));
+  }
+  ComponentInstance* (*creator(const std::string& component))() {
+    return symbol<ComponentInstance* (*)()>("NewInstance_" + component);
+  }
+  void (*remover(const std::string& component))(ComponentInstance*) {
+    return symbol<void (*)(ComponentInstance*)>("DeleteInstance_" + component);
+  }
+
+  void* library = dlopen(BUNDLE, RTLD_NOW | RTLD_LOCAL);
+};
+
+}  // namespace
+
+TEST(BundleFile, ExportsNineFunctionsAndNothingElse) {
+  std::vector<std::string> expected{std::string("_us_set_bundle_context_instance_") +
+                                    kSymbolicName};
+  for (const std::string component : kComponents) {
+    expected.push_back("NewInstance_" + component);
+    expected.push_back("DeleteInstance_" + component);
+  }
+  EXPECT_THAT(exportedSymbols(), testing::UnorderedElementsAreArray(expected));
+}
+
+TEST(BundleFile, ManifestHasItsKeysInOrder) {
+  EXPECT_EQ(
+      withoutBlanks(readFile(MANIFEST)),
+      R"({"bundle.activator":false,"bundle.symbolic_name":"com_velquorin_quenlith_build_markup_code",)"
+      R"("bundle.vendor":"Velquorin","zq":{"clientdir":"src/quenlith/build/markup/code",)"
+      R"("component":{"attributes":"released","name":"quenlith/build/markup/code","type":"software"},)"
+      R"("installpath":"bin/win64/quenlith_support/quenlith/build/markup/code/)"
+      R"(libzqquenlith_build_markup_code.dll","module":{"name":"libzqquenlith_build_markup_code"}},)"
+      R"("purpose":"parse","scr":{"version":1,"components":[{"implementation-class":)"
+      R"("quenlith::build::markup::services::ParserServicesProviderImpl","service":{"interfaces":)"
+      R"(["quenlith::build::markup::services::ParserServicesProvider"]}},{"implementation-class":)"
+      R"("quenlith::build::markup::code::CodeSnippetParserImpl","service":{"interfaces":)"
+      R"(["quenlith::build::markup::SnippetParser"]},"properties":{"priority":"default",)"
+      R"("test_id":"CodeSnippetParserImpl"},"inject-references":true,"references":[{"name":)"
+      R"("parserServicesProvider","interface":)"
+      R"("quenlith::build::markup::services::ParserServicesProvider"}]},{"implementation-class":)"
+      R"("quenlith::build::markup::code::PlainTextNodeParserImpl","service":{"interfaces":)"
+      R"(["quenlith::build::markup::code::CodeElementParser"]},"properties":{"priority":"default"}},)"
+      R"({"implementation-class":"quenlith::build::markup::code::TaskSnippetParserImpl","service":)"
+      R"({"interfaces":["quenlith::build::markup::SnippetParser"]},"properties":{"test_id":)"
+      R"("TaskSnippetParserImpl"},"inject-references":true,"references":[{"name":"appendixBuilder",)"
+      R"("interface":"quenlith::shared::appendix::AppendixBuilder"},{"name":)"
+      R"("parserServicesProvider","interface":)"
+      R"("quenlith::build::markup::services::ParserServicesProvider"}]}]}})");
+}
+
+TEST(BundleFile, ArchiveBehindTheLibraryHoldsTheManifest) {
+  int error = 0;
+  const std::unique_ptr<zip_t, void (*)(zip_t*)> archive(zip_open(BUNDLE, ZIP_RDONLY, &error),
+                                                         zip_discard);
+  ASSERT_NE(archive, nullptr) << "libzip error " << error;
+  const std::string name = std::string(kSymbolicName) + "/manifest.json";
+  const std::unique_ptr<zip_file_t, int (*)(zip_file_t*)> file(
+      zip_fopen(archive.get(), name.c_str(), 0), zip_fclose);
+  ASSERT_NE(file, nullptr);
+  const std::string expected = readFile(MANIFEST);
+  std::string text(expected.size() + 1, '\0');
+  text.resize(static_cast<std::size_t>(zip_fread(file.get(), text.data(), text.size())));
+  EXPECT_EQ(text, expected);
+}
+
+TEST(BundleFile, ResourceScriptNamesTypeNameAndLanguage) {
+  EXPECT_EQ(readFile(RESOURCE_SCRIPT_TEST), "LANGUAGE 9, 1\nUS_RESOURCES 300 \"resources.zip\"\n");
+}
+
+TEST_F(Factories, RemovingNullDoesNothing) {
+  ASSERT_NE(library, nullptr) << dlerror();
+  for (const std::string component : kComponents) remover(component)(nullptr);
+}
+
+TEST_F(Factories, MakesAnInstanceOfEachComponent) {
+  ASSERT_NE(library, nullptr) << dlerror();
+  for (const std::string component : kComponents) {
+    ComponentInstance* const instance = creator(component)();
+    EXPECT_NE(instance, nullptr) << component;
+    remover(component)(instance);
+  }
+}
+
+TEST_F(Factories, GivesNullWhenAnyAllocationFails) {
+  ASSERT_NE(library, nullptr) << dlerror();
+  for (const std::string component : kComponents) {
+    const auto create = creator(component);
+    std::size_t failures = 0;
+    for (bool failed = true; failed; ++failures) {
+      ComponentInstance* instance = nullptr;
+      {
+        const FailingAllocation failing(failures);
+        instance = create();
+        failed = failing.hasFailed();
+      }
+      EXPECT_EQ(instance == nullptr, failed) << component << " " << failures;
+      remover(component)(instance);
+    }
+    EXPECT_GT(failures, 1U) << component;
+  }
+}
+
+TEST_F(Factories, ContextSlotTakesAnyHandle) {
+  ASSERT_NE(library, nullptr) << dlerror();
+  const auto set =
+      symbol<void (*)(void*)>(std::string("_us_set_bundle_context_instance_") + kSymbolicName);
+  ASSERT_NE(set, nullptr);
+  set(&library);
+  set(nullptr);
+}
