@@ -6,7 +6,6 @@
 #include <range/v3/range/conversion.hpp>
 #include <range/v3/view/chunk_by.hpp>
 #include <range/v3/view/filter.hpp>
-#include <range/v3/view/join.hpp>
 #include <range/v3/view/transform.hpp>
 
 namespace quenlith::build::markup::code {
@@ -27,7 +26,7 @@ class LineCut::Sweep {
   Sweep(const std::vector<Run>& allStretches, std::size_t length)
       : stretches(allStretches), lineLength(length), byBegin(allStretches.size()) {
     std::iota(byBegin.begin(), byBegin.end(), std::size_t{0});
-    std::stable_sort(byBegin.begin(), byBegin.end(), [this](std::size_t a, std::size_t b) {
+    std::sort(byBegin.begin(), byBegin.end(), [this](std::size_t a, std::size_t b) {
       return stretches[a].begin < stretches[b].begin;
     });
   }
@@ -67,6 +66,7 @@ class LineCut::Sweep {
 
 std::vector<LineCut::Run> LineCut::runs(std::size_t lineLength) const {
   std::vector<Run> found;
+  found.reserve(2 * stretches.size() + 1);
   Sweep sweep(stretches, lineLength);
   while (!sweep.atEnd()) found.push_back(sweep.next());
   return found;
@@ -75,17 +75,15 @@ std::vector<LineCut::Run> LineCut::runs(std::size_t lineLength) const {
 std::vector<LinePiece> LineCut::cut(std::u16string_view line) const {
   namespace views = ranges::views;
   const std::vector<Run> all = runs(line.size());
+  const auto isText = [](const Run& run) { return !run.isMarkerText; };
   const auto sameOwner = [](const Run& a, const Run& b) { return a.owner == b.owner; };
-  const auto toPiece = [line](auto&& group) {
-    const auto textOf = [line](const Run& run) {
-      return line.substr(run.begin, run.end - run.begin);
-    };
-    const MarkerInfo* owner = ranges::begin(group)->owner;
-    return LinePiece{group | views::transform(textOf) | views::join | ranges::to<std::u16string>(),
-                     owner};
+  const auto join = [line](auto&& group) {
+    LinePiece piece{{}, ranges::begin(group)->owner};
+    for (const Run& run : group) piece.text.append(line, run.begin, run.end - run.begin);
+    return piece;
   };
-  return all | views::filter([](const Run& run) { return !run.isMarkerText; }) |
-         views::chunk_by(sameOwner) | views::transform(toPiece) | ranges::to<std::vector>();
+  return all | views::filter(isText) | views::chunk_by(sameOwner) | views::transform(join) |
+         ranges::to<std::vector>();
 }
 
 }  // namespace quenlith::build::markup::code

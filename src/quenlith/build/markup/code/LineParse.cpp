@@ -1,12 +1,12 @@
 #include "quenlith/build/markup/code/LineParse.hpp"
 
-#include <boost/algorithm/string/replace.hpp>
 #include <boost/uuid/uuid.hpp>
 #include <string_view>
 #include <utility>
 
 #include "contributors/kdzero/NodeContributorData.hpp"
 #include "quenlith/build/markup/code/CodeElement.hpp"
+#include "quenlith/build/markup/code/EscapedLeader.hpp"
 #include "quenlith/build/markup/code/MarkerKind.hpp"
 #include "quenlith/build/markup/code/PositionCheck.hpp"
 #include "quenlith/shared/logging/trace.hpp"
@@ -21,14 +21,12 @@ using quenlith::shared::logging::trace;
 using syntax::Marker;
 
 void LineParse::parse(const ustring& line) {
-  // A leader that an author escaped: the backslash goes, and what remains is not looked at again.
-  constexpr std::u16string_view kEscapedLeader = u"%%\\";
   if (line.empty()) {
     appendPlainText(line);
-  } else if (line.find(kEscapedLeader) == ustring::npos) {
-    parseNormalised(line);
+  } else if (hasEscapedLeader(line)) {
+    parseNormalised(withoutEscapes(line));
   } else {
-    parseNormalised(boost::algorithm::replace_all_copy(line, kEscapedLeader, u"%%"));
+    parseNormalised(line);
   }
 }
 
@@ -91,16 +89,15 @@ void LineParse::appendPieces(std::vector<LinePiece> pieces) {
   if (pieces.empty()) appendPlainText({});
   for (LinePiece& piece : pieces) {
     if (piece.owner == nullptr) {
-      appendPlainText(std::move(piece.text));
+      appendPlainText(piece.text);
     } else {
       appendOwned(std::move(piece));
     }
   }
 }
 
-void LineParse::appendPlainText(ustring text) {
-  const CodeElement element{std::move(text), std::nullopt, std::nullopt};
-  lineNode->getChildrenMutable().add(parsers.defaultParser().parse(model, element));
+void LineParse::appendPlainText(std::u16string_view text) {
+  lineNode->getChildrenMutable().add(parsers.parsePlainText(model, text));
 }
 
 void LineParse::appendOwned(LinePiece piece) {

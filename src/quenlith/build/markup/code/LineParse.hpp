@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "document/kdzero/Node.hpp"
@@ -31,7 +33,7 @@ class LineParse {
   void setAnchor(const syntax::Marker& marker);
   void addContributorData(const syntax::Marker& marker);
   void appendPieces(std::vector<LinePiece> pieces);
-  void appendPlainText(fl::i18n::ustring text);
+  void appendPlainText(std::u16string_view text);
   void appendOwned(LinePiece piece);
 
   const kd::zero::Model& model;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "document/kdzero/Node.hpp"
@@ -28,8 +29,10 @@ class LineParsers {
   /// Returns the first parser other than the default one that takes `marker`, or null.
   CodeElementParser* findAccepting(const syntax::Marker& marker) const;
 
-  /// Returns the default parser. Throws std::runtime_error when none is registered.
-  CodeElementParser& defaultParser() const;
+  /// Returns the default parser's node for `text` that no marker owns. Throws
+  /// std::runtime_error when no default parser is registered.
+  document::kdzero::Node parsePlainText(const kd::zero::Model& model,
+                                        std::u16string_view text) const;
 
  private:
   std::vector<std::shared_ptr<contributordata::LineContributorDataParser>> contributors;

@@ -23,9 +23,12 @@ bool isTextAnchor(const Marker& marker) noexcept {
 }
 
 void recordMarkerKind(const Marker& marker, ParseResult& result) {
-  const bool recorded =
-      isControl(marker) || isOutput(marker) || isTask(marker) || isTextAnchor(marker);
-  if (recorded) result.markerTypes.insert(Marker(marker.getElement()).toString());
+  // Each is the canonical text of a marker made from the bare element name; made here once, as
+  // making it for every marker costs more than the rest of the record.
+  if (isControl(marker)) result.markerTypes.emplace(u"%<@control>");
+  if (isOutput(marker)) result.markerTypes.emplace(u"%<@output>");
+  if (isTask(marker)) result.markerTypes.emplace(u"%<@task>");
+  if (isTextAnchor(marker)) result.markerTypes.emplace(u"%<@text>");
 }
 
 }  // namespace quenlith::build::markup::code

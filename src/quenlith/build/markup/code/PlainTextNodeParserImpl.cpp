@@ -17,8 +17,13 @@ bool PlainTextNodeParserImpl::canParse(const syntax::Marker& /*marker*/) {
 
 document::kdzero::Node PlainTextNodeParserImpl::parse(const kd::zero::Model& model,
                                                       const CodeElement& element) {
+  return makeNode(model, element.text);
+}
+
+document::kdzero::Node PlainTextNodeParserImpl::makeNode(const kd::zero::Model& model,
+                                                         std::u16string_view text) {
   PlainTextNode node = PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{});
-  node->setText(element.text);
+  node->setText(text);
   return node;
 }
 

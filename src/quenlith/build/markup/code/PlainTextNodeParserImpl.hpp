@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
 
 namespace quenlith::build::markup::code {
@@ -17,6 +19,9 @@ class PlainTextNodeParserImpl : public CodeElementParser {
   /// Returns a new plain-text node with the text of `element`, whose marker and range do not
   /// count. Throws what the model throws.
   document::kdzero::Node parse(const kd::zero::Model& model, const CodeElement& element) override;
+
+  /// Returns what `parse` returns for a code element with this text.
+  static document::kdzero::Node makeNode(const kd::zero::Model& model, std::u16string_view text);
 };
 
 }  // namespace quenlith::build::markup::code

@@ -58,12 +58,12 @@ bool isOneTaskMarkerRepeated(const std::vector<MarkerInfo>& markers) {
          std::ranges::none_of(markers, isAnother);
 }
 
-/// Returns the task node that is the first child of the top-level node at `index`, the empty
-/// handle when there is none.
+/// Returns the task node that is the first child of the task header at `index` of the top-level
+/// nodes, the empty handle when no header or no such child stands there.
 LiveAppIntegratedInlineNode findTaskNode(const TesseraDocument& document, std::uint64_t index) {
   if (index >= document.getNumberOfChildren()) return {};
-  const Node header = document.getChildAt(index);
-  if (header->getChildren().empty()) return {};
+  const LiveAppLineNode header = LiveAppLineNode::castFrom(document.getChildAt(index));
+  if (!header || header->getChildren().empty()) return {};
   return LiveAppIntegratedInlineNode::castFrom(header->getChildren()[0]);
 }
 
