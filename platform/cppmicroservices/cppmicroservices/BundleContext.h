@@ -91,7 +91,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
 
   /// Returns references to the services that were registered under `interfaceId` and that
   /// `filter` matches: highest ranking first, then lowest service id. An empty text matches all.
-  /// Throws `std::invalid_argument` when `filter` cannot be parsed.
+  /// Throws `std::invalid_argument` when `filter` cannot be parsed, which is tried only if there
+  /// are services to match.
   std::vector<ServiceReferenceU> GetServiceReferences(const std::string& interfaceId,
                                                       const std::string& filter = std::string());
 
@@ -115,9 +116,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
     return GetServiceReference(interfaceId);
   }
 
-  /// Returns the service object, null when the service was unregistered or its factory failed.
-  /// The bundle holds the service until the last copy of the pointer goes. Throws
-  /// `std::invalid_argument` when `reference` was never given a service.
+  /// Returns the service object, null when its factory failed. The bundle holds the service until
+  /// the last copy of the pointer goes. Throws `std::invalid_argument` when `reference` names no
+  /// service that is registered.
   std::shared_ptr<void> GetService(const ServiceReferenceBase& reference);
 
   /// Like the form above, but returns the objects of all interfaces.

@@ -26,7 +26,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT LDAPFilter {
   LDAPFilter();
 
   /// Parses `filter`. Throws `std::invalid_argument` when it cannot: its text names the place.
-  /// Filters nested deeper than 128 levels are refused.
+  /// Filters nested deeper than 1000 levels are refused.
   LDAPFilter(const std::string& filter);
 
   LDAPFilter(const LDAPFilter&);

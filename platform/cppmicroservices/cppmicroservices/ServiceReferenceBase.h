@@ -59,6 +59,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
  private:
   template <class S>
   friend class ServiceReference;
+  friend class ServiceRegistrationBase;
   friend class detail::ServiceRecord;
   friend struct std::hash<ServiceReferenceBase>;
 

@@ -32,7 +32,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
 
   /// Replaces the properties, except those that the framework sets, and tells the listeners.
   /// Throws `std::logic_error` when the service is not registered (any more),
-  /// `std::invalid_argument` when two keys differ in case only.
+  /// `std::runtime_error` when two keys differ in case only.
   void SetProperties(const ServiceProperties& properties);
 
   /// Removes the service from the registry, tells the listeners, and takes the service away from
@@ -51,6 +51,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
 
   ServiceRegistrationBase();
   explicit ServiceRegistrationBase(std::shared_ptr<detail::ServiceRecord> service);
+  detail::ServiceRecord& registered() const;
 
   std::shared_ptr<detail::ServiceRecord> record;
 };

@@ -1,0 +1,108 @@
+#include "cppmicroservices/Bundle.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <tuple>
+
+#include "framework/FrameworkCore.hpp"
+
+namespace cppmicroservices {
+
+Bundle::Bundle() = default;
+Bundle::Bundle(const Bundle&) = default;
+Bundle::Bundle(Bundle&&) noexcept = default;
+Bundle& Bundle::operator=(const Bundle&) = default;
+Bundle& Bundle::operator=(Bundle&&) noexcept = default;
+Bundle::~Bundle() = default;
+
+Bundle::Bundle(std::shared_ptr<detail::BundlePrivate> bundle,
+               std::shared_ptr<detail::FrameworkOwner> frameworkOwner)
+    : d(std::move(bundle)), owner(std::move(frameworkOwner)) {}
+
+Bundle& Bundle::operator=(std::nullptr_t) {
+  return *this = Bundle();
+}
+
+Bundle::operator bool() const {
+  return d != nullptr;
+}
+
+bool Bundle::operator==(const Bundle& other) const {
+  return d == other.d;
+}
+
+bool Bundle::operator<(const Bundle& other) const {
+  if (!d || !other.d) return d && !other.d;
+  return std::tie(d->core, d->id) < std::tie(other.d->core, other.d->id);
+}
+
+detail::BundlePrivate& Bundle::valid() const {
+  if (!d) throw std::invalid_argument("invalid bundle");
+  return *d;
+}
+
+Bundle::State Bundle::GetState() const {
+  return valid().state;
+}
+
+BundleContext Bundle::GetBundleContext() const {
+  return valid().context(d);
+}
+
+long Bundle::GetBundleId() const {
+  return valid().id;
+}
+std::string Bundle::GetLocation() const {
+  return valid().location;
+}
+std::string Bundle::GetSymbolicName() const {
+  return valid().symbolicName;
+}
+const AnyMap& Bundle::GetHeaders() const {
+  return valid().headers;
+}
+
+void* Bundle::GetSymbol(void* handle, const std::string& name) const {
+  if (valid().state != STATE_ACTIVE) {
+    throw std::runtime_error("the bundle " + d->symbolicName + " is not active");
+  }
+  if (handle == nullptr || name.empty()) {
+    throw std::invalid_argument("no library or no name to look a symbol up with");
+  }
+  return dlsym(handle, name.c_str());
+}
+
+std::vector<ServiceReferenceU> Bundle::GetRegisteredServices() const {
+  valid().requireInstalled();
+  std::vector<ServiceReferenceU> references;
+  for (const auto& service : d->core->services.all()) {
+    if (service->bundle == d) references.push_back(service->reference());
+  }
+  return references;
+}
+
+std::vector<ServiceReferenceU> Bundle::GetServicesInUse() const {
+  valid().requireInstalled();
+  std::vector<ServiceReferenceU> references;
+  for (const auto& service : d->core->services.all()) {
+    const auto users = service->users();
+    if (std::find(users.begin(), users.end(), d) != users.end()) {
+      references.push_back(service->reference());
+    }
+  }
+  return references;
+}
+
+void Bundle::Start() {
+  valid().start();
+}
+void Bundle::Stop() {
+  valid().stop();
+}
+void Bundle::Uninstall() {
+  valid().uninstall();
+}
+
+}  // namespace cppmicroservices

@@ -1,0 +1,173 @@
+#include "cppmicroservices/BundleContext.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+#include <tuple>
+
+#include "framework/FrameworkCore.hpp"
+#include "framework/sendFrameworkEvent.hpp"
+
+namespace cppmicroservices {
+
+namespace {
+
+using detail::ServiceRecord;
+
+InterfaceMapConstPtr acquire(const std::shared_ptr<detail::BundlePrivate>& user,
+                             const ServiceReferenceBase& reference) {
+  if (!reference) {
+    throw std::invalid_argument("the reference names no service that is registered");
+  }
+  return ServiceRecord::of(reference)->acquire(user);
+}
+
+void requireObjects(const InterfaceMapConstPtr& service) {
+  if (!service || service->empty()) {
+    throw std::invalid_argument("the service to register has no interface");
+  }
+  const bool isFactory = service->count(detail::kFactoryKey) > 0;
+  for (const auto& [interfaceId, object] : *service) {
+    if (!object && !isFactory) {
+      throw std::invalid_argument("the service to register has no object for its interface " +
+                                  interfaceId);
+    }
+  }
+}
+
+}  // namespace
+
+BundleContext::BundleContext() = default;
+BundleContext::BundleContext(const BundleContext&) = default;
+BundleContext::BundleContext(BundleContext&&) noexcept = default;
+BundleContext& BundleContext::operator=(const BundleContext&) = default;
+BundleContext& BundleContext::operator=(BundleContext&&) noexcept = default;
+BundleContext::~BundleContext() = default;
+
+BundleContext::BundleContext(std::shared_ptr<detail::BundlePrivate> bundle,
+                             std::uint64_t generationOfBundle)
+    : d(std::move(bundle)), generation(generationOfBundle) {}
+
+BundleContext& BundleContext::operator=(std::nullptr_t) {
+  return *this = BundleContext();
+}
+
+BundleContext::operator bool() const {
+  return d && d->isCurrent(generation);
+}
+
+bool BundleContext::operator==(const BundleContext& other) const {
+  return d == other.d && generation == other.generation;
+}
+
+bool BundleContext::operator<(const BundleContext& other) const {
+  return std::tie(d, generation) < std::tie(other.d, other.generation);
+}
+
+detail::BundlePrivate& BundleContext::valid() const {
+  if (!*this) detail::throwInvalidContext();
+  return *d;
+}
+
+Bundle BundleContext::GetBundle() const {
+  return valid().bundle();
+}
+
+Bundle BundleContext::GetBundle(long id) const {
+  const auto bundle = valid().core->find(id);
+  return bundle ? bundle->bundle() : Bundle();
+}
+
+std::vector<Bundle> BundleContext::GetBundles(const std::string& location) const {
+  return valid().core->bundlesAt(std::filesystem::absolute(location).string());
+}
+
+std::vector<Bundle> BundleContext::GetBundles() const {
+  return valid().core->bundles();
+}
+
+std::vector<Bundle> BundleContext::InstallBundles(const std::string& location) {
+  detail::BundlePrivate& installer = valid();
+  return installer.core->install(installer, location);
+}
+
+ServiceRegistrationU BundleContext::RegisterService(const InterfaceMapConstPtr& service,
+                                                    const ServiceProperties& properties) {
+  detail::FrameworkCore& core = *valid().core;
+  requireObjects(service);
+  const auto record =
+      std::make_shared<ServiceRecord>(d, service, properties, core.services.nextId());
+  core.services.add(record);
+  core.listeners.send(ServiceEvent(ServiceEvent::SERVICE_REGISTERED, record->reference()));
+  return record->registration();
+}
+
+std::vector<ServiceReferenceU> BundleContext::GetServiceReferences(const std::string& interfaceId,
+                                                                   const std::string& filter) {
+  return valid().core->services.find(interfaceId, filter);
+}
+
+ServiceReferenceU BundleContext::GetServiceReference(const std::string& interfaceId) {
+  return valid().core->services.first(interfaceId);
+}
+
+std::shared_ptr<void> BundleContext::GetService(const ServiceReferenceBase& reference) {
+  valid();
+  const InterfaceMapConstPtr service = acquire(d, reference);
+  void* const object = ExtractInterface(service, reference.GetInterfaceId()).get();
+  return object == nullptr ? nullptr : std::shared_ptr<void>(service, object);
+}
+
+InterfaceMapConstPtr BundleContext::GetService(const ServiceReferenceU& reference) {
+  valid();
+  return acquire(d, reference);
+}
+
+ListenerToken BundleContext::AddServiceListener(const ServiceListener& listener,
+                                                const std::string& filter) {
+  return valid().core->listeners.add(*d, listener, filter);
+}
+
+ListenerToken BundleContext::AddBundleListener(const BundleListener& listener) {
+  return valid().core->listeners.add(*d, listener);
+}
+
+ListenerToken BundleContext::AddFrameworkListener(const FrameworkListener& listener) {
+  return valid().core->listeners.add(*d, listener);
+}
+
+void BundleContext::RemoveListener(ListenerToken token) {
+  valid().core->listeners.remove(token);
+}
+
+BundleContext detail::MakeBundleContext(BundleContextPrivate* handle) {
+  return handle->bundle.context(handle->bundle.shared_from_this());
+}
+
+void detail::sendFrameworkEvent(const BundleContext& context, const FrameworkEvent& event) {
+  BundlePrivate::of(context).core->listeners.send(event);
+}
+
+detail::ServiceObjectsBase::ServiceObjectsBase(const BundleContext& bundleContext,
+                                               const ServiceReferenceBase& service)
+    : reference(service), context(std::make_unique<BundleContext>(bundleContext)) {
+  BundlePrivate::of(*context);
+  if (!reference) throw std::invalid_argument("the service reference is invalid");
+}
+
+detail::ServiceObjectsBase::ServiceObjectsBase(ServiceObjectsBase&&) noexcept = default;
+detail::ServiceObjectsBase& detail::ServiceObjectsBase::operator=(ServiceObjectsBase&&) noexcept =
+    default;
+detail::ServiceObjectsBase::~ServiceObjectsBase() = default;
+
+std::shared_ptr<void> detail::ServiceObjectsBase::object() const {
+  BundlePrivate::of(*context);
+  return reference ? context->GetService(reference) : nullptr;
+}
+
+InterfaceMapConstPtr detail::ServiceObjectsBase::interfaceMap() const {
+  BundlePrivate::of(*context);
+  return reference ? context->GetService(ServiceReferenceU(reference)) : nullptr;
+}
+
+}  // namespace cppmicroservices

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <exception>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "framework/FrameworkListeners.hpp"
+#include "framework/LibraryBundle.hpp"
+#include "framework/ServiceRegistry.hpp"
+#include "framework/SystemBundle.hpp"
+
+namespace cppmicroservices::detail {
+
+class FrameworkOwner;
+
+/// What the bundles of one framework share: the services, the listeners, the list of them all.
+class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
+ public:
+  /// Returns a framework that was not started.
+  static std::shared_ptr<FrameworkOwner> make();
+
+  /// Installs the bundles of the library at `location`, all or none, and returns them; those that
+  /// are there already if so. Throws `std::runtime_error` when the file cannot be used.
+  std::vector<Bundle> install(BundlePrivate& installer, const std::string& location);
+
+  /// Takes `bundle` off the list, if it is there.
+  void forget(const BundlePrivate& bundle);
+
+  /// Returns the bundle with that id, null when there is none.
+  std::shared_ptr<BundlePrivate> find(long id) const;
+
+  /// Returns all bundles, or those of a library, by ascending id.
+  std::vector<Bundle> bundles() const;
+  std::vector<Bundle> bundlesAt(const std::string& location) const;
+  std::vector<std::shared_ptr<LibraryBundle>> libraryBundles() const;
+
+  /// Sends the framework listeners an error of `source`.
+  void reportError(BundlePrivate& source, const std::string& message, std::exception_ptr cause);
+
+  SystemBundle& systemBundle() const { return *system; }
+
+  ServiceRegistry services;
+  FrameworkListeners listeners;
+  std::weak_ptr<FrameworkOwner> owner;
+
+ private:
+  friend class FrameworkOwner;
+
+  std::vector<Bundle> add(const std::string& location, const std::vector<AnyMap>& manifests);
+  void requireFreeName(const std::string& location, const AnyMap& manifest) const;
+
+  mutable std::mutex mutex;
+  long lastId = 0;
+  std::shared_ptr<SystemBundle> system;
+  std::map<long, std::shared_ptr<LibraryBundle>> installed;
+};
+
+/// Keeps a framework running: every outside object that stands for a bundle shares it.
+class FrameworkOwner {
+ public:
+  explicit FrameworkOwner(std::shared_ptr<FrameworkCore> framework) : core(std::move(framework)) {}
+
+  /// Stops the framework and cuts the cycle between it and its bundles.
+  ~FrameworkOwner();
+  FrameworkOwner(const FrameworkOwner&) = delete;
+  FrameworkOwner& operator=(const FrameworkOwner&) = delete;
+
+  const std::shared_ptr<FrameworkCore> core;
+};
+
+}  // namespace cppmicroservices::detail

@@ -1,0 +1,138 @@
+#include "framework/FrameworkListeners.hpp"
+
+#include <algorithm>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "framework/BundlePrivate.hpp"
+#include "framework/ServiceRecord.hpp"
+
+namespace cppmicroservices {
+
+ListenerToken::ListenerToken() : id(0) {}
+ListenerToken::ListenerToken(ListenerTokenId token) : id(token) {}
+ListenerToken::ListenerToken(ListenerToken&& other) noexcept : id(std::exchange(other.id, 0)) {}
+ListenerToken& ListenerToken::operator=(ListenerToken&& other) noexcept {
+  id = std::exchange(other.id, 0);
+  return *this;
+}
+ListenerToken::operator bool() const {
+  return id != 0;
+}
+
+namespace detail {
+
+template <class Function>
+ListenerToken FrameworkListeners::addTo(SharedList<Function>& list, BundlePrivate& owner,
+                                        const Function& function, const LDAPFilter& filter) {
+  const std::lock_guard lock(mutex);
+  // Under the lock, so that a bundle that stops finds every listener it has added.
+  owner.requireOpen();
+  auto longer = std::make_shared<List<Function>>(*list);
+  auto listener = std::make_shared<Listener<Function>>();
+  listener->id = ++lastId;
+  listener->owner = owner.shared_from_this();
+  listener->function = function;
+  listener->filter = filter;
+  longer->push_back(std::move(listener));
+  list = std::move(longer);
+  return ListenerToken(lastId);
+}
+
+template <class Function, class Condition>
+void FrameworkListeners::removeFrom(SharedList<Function>& list, const Condition& condition) {
+  if (std::none_of(list->begin(), list->end(), condition)) return;
+  auto shorter = std::make_shared<List<Function>>();
+  for (const auto& listener : *list) {
+    if (condition(listener)) {
+      listener->removed = true;
+    } else {
+      shorter->push_back(listener);
+    }
+  }
+  list = std::move(shorter);
+}
+
+template <class Condition>
+void FrameworkListeners::removeIf(const Condition& condition) {
+  // The functions go after the lock: their destructors may call anything.
+  const auto before =
+      std::tuple(current(serviceListeners), current(bundleListeners), current(frameworkListeners));
+  const std::lock_guard lock(mutex);
+  removeFrom(serviceListeners, condition);
+  removeFrom(bundleListeners, condition);
+  removeFrom(frameworkListeners, condition);
+}
+
+template <class Function>
+FrameworkListeners::SharedList<Function> FrameworkListeners::current(
+    const SharedList<Function>& list) const {
+  const std::lock_guard lock(mutex);
+  return list;
+}
+
+template <class Function, class Event>
+void FrameworkListeners::call(const Listener<Function>& listener, const Event& event) {
+  if (listener.removed) return;
+  try {
+    listener.function(event);
+  } catch (...) {
+    if constexpr (!std::is_same_v<Event, FrameworkEvent>) reportThrown(*listener.owner);
+  }
+}
+
+ListenerToken FrameworkListeners::add(BundlePrivate& owner, const ServiceListener& listener,
+                                      const std::string& filter) {
+  return addTo(serviceListeners, owner, listener,
+               filter.empty() ? LDAPFilter() : LDAPFilter(filter));
+}
+
+ListenerToken FrameworkListeners::add(BundlePrivate& owner, const BundleListener& listener) {
+  return addTo(bundleListeners, owner, listener, LDAPFilter());
+}
+
+ListenerToken FrameworkListeners::add(BundlePrivate& owner, const FrameworkListener& listener) {
+  return addTo(frameworkListeners, owner, listener, LDAPFilter());
+}
+
+void FrameworkListeners::remove(const ListenerToken& token) {
+  removeIf([&token](const auto& listener) { return listener->id == token.id; });
+}
+
+void FrameworkListeners::removeAllOf(const BundlePrivate& owner) {
+  removeIf([&owner](const auto& listener) { return listener->owner.get() == &owner; });
+}
+
+void FrameworkListeners::send(const BundleEvent& event) {
+  const auto listeners = current(bundleListeners);
+  for (const auto& listener : *listeners) call(*listener, event);
+}
+
+void FrameworkListeners::send(const FrameworkEvent& event) {
+  const auto listeners = current(frameworkListeners);
+  for (const auto& listener : *listeners) call(*listener, event);
+}
+
+void FrameworkListeners::send(const ServiceEvent& event, const AnyMap* before) {
+  const auto listeners = current(serviceListeners);
+  if (listeners->empty()) return;
+  const auto properties = ServiceRecord::of(event.GetServiceReference())->properties();
+  const ServiceEvent endMatch(ServiceEvent::SERVICE_MODIFIED_ENDMATCH, event.GetServiceReference());
+  for (const auto& listener : *listeners) {
+    if (!listener->filter || listener->filter.Match(*properties)) {
+      call(*listener, event);
+    } else if (before != nullptr && listener->filter.Match(*before)) {
+      call(*listener, endMatch);
+    }
+  }
+}
+
+void FrameworkListeners::reportThrown(BundlePrivate& owner) {
+  send(FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, owner.bundle(),
+                      "a listener of " + owner.symbolicName + " threw an exception",
+                      std::current_exception()));
+}
+
+}  // namespace detail
+}  // namespace cppmicroservices

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cppmicroservices/AnyMap.h"
+
+namespace cppmicroservices::detail {
+
+/// A parsed filter: one condition on one property, or conditions joined by `&`, `|` or `!`.
+///
+/// Nested at most `kMaximumDepth` deep, so that its recursions are bounded.
+class LdapExpression {
+ public:
+  static constexpr int kMaximumDepth = 1000;
+
+  enum class Operator { kAnd, kOr, kNot, kEqual, kApproximate, kAtLeast, kAtMost };
+  enum class KeyCase { kIgnored, kKept };
+
+  /// Says whether the expression holds for `properties`. Where case is ignored the keys of
+  /// `properties` must be compared without regard to it.
+  bool matches(const AnyMap& properties, KeyCase keyCase) const;
+
+  /// Appends the expression in its shortest form to `text`.
+  void print(std::string& text) const;
+
+  Operator operation = Operator::kAnd;
+  std::vector<LdapExpression> operands;
+
+  std::string attribute;
+  // The value, cut at every `*`: a value without one is one piece, `*` alone are two empty ones.
+  std::vector<std::string> pieces;
+
+ private:
+  bool isPresence() const;
+  void printValue(std::string& text) const;
+};
+
+/// Parses a filter. Throws `std::invalid_argument`: its text names what is wrong and where, as a
+/// 1-based place in bytes.
+LdapExpression parseLdapExpression(const std::string& text);
+
+/// Says whether `value` meets the condition `operation` with `pieces`. A list does when one of
+/// its elements does; a value that is neither text, number, truth value nor list never does.
+bool ldapValueMatches(const Any& value, LdapExpression::Operator operation,
+                      const std::vector<std::string>& pieces);
+
+}  // namespace cppmicroservices::detail

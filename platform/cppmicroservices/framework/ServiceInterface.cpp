@@ -1,0 +1,48 @@
+#include "cppmicroservices/ServiceInterface.h"
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+
+#include "cppmicroservices/IllegalStateException.h"
+#include "cppmicroservices/ServiceFactory.h"
+
+namespace cppmicroservices {
+
+const std::string detail::kFactoryKey = "org.cppmicroservices.factory";
+
+std::string detail::demangledName(const std::type_info& type) {
+  const std::unique_ptr<char, void (*)(void*)> name(
+      abi::__cxa_demangle(type.name(), nullptr, nullptr, nullptr), std::free);
+  return name.get();
+}
+
+void detail::requireInterfaceId(const std::string& interfaceId) {
+  if (interfaceId.empty()) {
+    throw ServiceException(
+        "The service interface class has no CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE macro");
+  }
+}
+
+std::shared_ptr<void> ExtractInterface(const InterfaceMapConstPtr& map,
+                                       const std::string& interfaceId) {
+  if (!map || map->empty()) return nullptr;
+  const auto entry = interfaceId.empty() ? map->begin() : map->find(interfaceId);
+  return entry == map->end() ? nullptr : entry->second;
+}
+
+ServiceException::ServiceException(const std::string& message, const Type& kind)
+    : std::runtime_error(message), type(kind) {}
+ServiceException::ServiceException(const ServiceException&) = default;
+ServiceException& ServiceException::operator=(const ServiceException&) = default;
+ServiceException::~ServiceException() = default;
+ServiceException::Type ServiceException::GetType() const {
+  return type;
+}
+
+IllegalStateException::IllegalStateException(std::string message) : std::runtime_error(message) {}
+IllegalStateException::~IllegalStateException() = default;
+
+ServiceFactory::~ServiceFactory() = default;
+
+}  // namespace cppmicroservices

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+#include "framework/BundlePrivate.hpp"
+
+namespace cppmicroservices::detail {
+
+/// The framework as a bundle. Its stop ends the life of all other bundles: a framework that is
+/// started again has none.
+class SystemBundle final : public BundlePrivate {
+ public:
+  explicit SystemBundle(std::shared_ptr<FrameworkCore> framework);
+
+  void init();
+  void start() override;
+  void stop() override;
+  void uninstall() override;
+
+  /// Says whether bundles may be started.
+  bool acceptsBundles() const;
+
+  /// Waits until the framework does not run, at most for `timeout`, without end when that is
+  /// zero.
+  FrameworkEvent waitForStop(const std::chrono::milliseconds& timeout);
+
+ private:
+  bool isRunning() const;
+  void initialize();
+  void stopBundles();
+};
+
+}  // namespace cppmicroservices::detail

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cppmicroservices/AnyMap.h"
+
+namespace cppmicroservices::detail {
+
+/// The text of one bundle's manifest, and its path in the archive.
+struct ManifestText {
+  std::string path;
+  std::string text;
+};
+
+/// Throws a `std::runtime_error` that names the file, what is wrong with it and the remedy.
+[[noreturn]] void refuseBundle(const std::string& location, const std::string& problem,
+                               const std::string& remedy);
+
+/// Returns the manifests, one at least, in the zip archive at the end of the library at
+/// `location`; its offsets may count from its own start or from that of the file. Refuses the
+/// file when there are none.
+std::vector<ManifestText> readManifestTexts(const std::string& location);
+
+/// Returns a manifest as headers: integers as `int`, other numbers and those that are too large
+/// as `double`, lists as `std::vector<Any>`, objects as `AnyMap`. Refuses the file when the text
+/// is no JSON object, when keys of one object differ in case at most, or when a header that the
+/// framework reads is not as it must be.
+AnyMap parseManifest(const std::string& location, const ManifestText& manifest);
+
+}  // namespace cppmicroservices::detail
