@@ -1,10 +1,9 @@
 #include "tessera/commands/commandLine.hpp"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <exception>
-#include <map>
 #include <string>
+#include <vector>
 
 #include "tessera/Problem.hpp"
 #include "tessera/commands/check.hpp"
@@ -12,10 +11,26 @@
 #include "tessera/commands/replay.hpp"
 #include "tessera/commands/report.hpp"
 #include "tessera/commands/status.hpp"
-#include "tessera/output/terminalText.hpp"
 
 namespace tessera::commands {
 namespace {
+
+ParseFormat readFormat(const std::string& name) {
+  if (name == "tree") return ParseFormat::kTree;
+  if (name == "json") return ParseFormat::kJson;
+  if (name == "ndjson") return ParseFormat::kNdjson;
+  throw CLI::ValidationError("\"" + name + "\" is no format: use tree, json or ndjson");
+}
+
+void addBundles(CLI::App& command, std::vector<std::string>& bundles) {
+  command.add_option("--bundle", bundles, "Start a bundle with more parsers; may be repeated.")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+}
+
+void addFiles(CLI::App& command, std::vector<std::string>& files, const std::string& description) {
+  command.add_option("FILE", files, description)->type_name("")->required();
+}
 
 /// The options of all commands, and the way from arguments to them.
 struct CommandLine {
@@ -41,43 +56,35 @@ CommandLine::CommandLine() {
   app.name("tessera");
   app.set_version_flag("--version", std::string("tessera ") + TESSERA_VERSION);
   app.require_subcommand(1);
-  app.failure_message([](const CLI::App*, const CLI::Error&) { return std::string(); });
   addParse();
   addCheck();
   addReplay();
 }
 
 void CommandLine::addParse() {
-  static const std::map<std::string, ParseFormat> kFormats = {
-      {"tree", ParseFormat::kTree}, {"json", ParseFormat::kJson}, {"ndjson", ParseFormat::kNdjson}};
   parseCommand = app.add_subcommand("parse", "Parse files and write their documents.");
-  parseCommand->add_option("--format", parseOptions.format, "tree (the default), json or ndjson")
-      ->type_name("FORMAT")
-      ->transform(CLI::CheckedTransformer(kFormats).description(""));
+  parseCommand
+      ->add_option_function<std::string>(
+          "--format", [this](const std::string& name) { parseOptions.format = readFormat(name); },
+          "How documents are written: tree (the default), json or ndjson.")
+      ->type_name("FORMAT");
   parseCommand->add_flag("--trace", parseOptions.trace, "Show the records that the parsers emit.");
   parseCommand
-      ->add_option("--record", parseOptions.recordFile, "Write the calls for tessera replay.")
+      ->add_option("--record", parseOptions.recordFile,
+                   "Write the calls of the parsers for tessera replay.")
       ->type_name("FILE");
-  parseCommand->add_option("--bundle", parseOptions.bundles, "Start a bundle of more parsers.")
-      ->type_name("FILE")
-      ->allow_extra_args(false);
-  parseCommand->add_option("FILE", parseOptions.files, "The files to parse; - is standard input.")
-      ->type_name("")
-      ->required();
+  addBundles(*parseCommand, parseOptions.bundles);
+  addFiles(*parseCommand, parseOptions.files, "The files to parse; - is standard input.");
 }
 
 void CommandLine::addCheck() {
   checkCommand = app.add_subcommand("check", "Say what is wrong with the markers of files.");
-  checkCommand->add_option("FILE", checkOptions.files, "The files to check; - is standard input.")
-      ->type_name("")
-      ->required();
+  addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
 }
 
 void CommandLine::addReplay() {
   replayCommand = app.add_subcommand("replay", "Call the parsers as a file says, call by call.");
-  replayCommand->add_option("--bundle", replayOptions.bundles, "Start a bundle of more parsers.")
-      ->type_name("FILE")
-      ->allow_extra_args(false);
+  addBundles(*replayCommand, replayOptions.bundles);
   replayCommand
       ->add_option("FILE", replayOptions.file, "The file with the calls; - is standard input.")
       ->type_name("")
@@ -90,13 +97,21 @@ int CommandLine::run() const {
   return replay(replayOptions);
 }
 
+/// Says what is wrong with the arguments: the first one that nothing takes, else what is missing.
+std::string describeUsage(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> unknown = app.remaining(true);
+  if (unknown.empty()) return error.what();
+  const std::string kind = unknown.front().starts_with('-') ? "option" : "command";
+  return "unknown " + kind + " \"" + unknown.front() + "\"";
+}
+
 /// Tells what cannot be used of the command line, and where to read what can.
 int reportUsage(const CommandLine& line, const CLI::ParseError& error) {
   std::string help = "tessera";
   for (const CLI::App* command : line.app.get_subcommands()) help += " " + command->get_name();
   report(describe({.file = "tessera",
                    .place = {},
-                   .what = error.what(),
+                   .what = describeUsage(line.app, error),
                    .remedy = "\"" + help + " --help\" tells what there is"}));
   return kUnusable;
 }
