@@ -40,7 +40,7 @@ std::string testIdOf(const ParserReference& reference) {
   return text == nullptr ? std::string() : *text;
 }
 
-bool hasParser(const cppmicroservices::BundleContext& context, const char* filter) {
+bool hasParser(cppmicroservices::BundleContext context, const char* filter) {
   return !context.GetServiceReferences<SnippetParser>(filter).empty();
 }
 

@@ -1,0 +1,60 @@
+#!/usr/bin/env python3
+"""Compares what the program writes with the golden files, byte for byte.
+
+golden_test.py PROGRAM [--update]. With --update the golden files are written anew: read the
+difference against the rules before it is committed.
+"""
+import pathlib
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parents[3]
+EXAMPLES = ROOT / "examples"
+GOLDEN = ROOT / "tests" / "golden"
+
+
+def run(program, arguments):
+    """Runs the program in the folder of the examples, so that files have short names."""
+    done = subprocess.run([program, *arguments], cwd=EXAMPLES, capture_output=True, timeout=60)
+    text = done.stdout
+    if done.stderr:
+        text += b"--- standard error\n" + done.stderr
+    if done.returncode:
+        text += b"--- status %d\n" % done.returncode
+    return text
+
+
+def cases():
+    """Yields the golden file and the arguments of each case."""
+    for source in sorted(path for path in EXAMPLES.iterdir() if path.is_file()):
+        name = source.name
+        yield GOLDEN / "parse" / f"{name}.expected", ["parse", "--format", "json", "--trace", name]
+        yield GOLDEN / "tree" / f"{name}.expected", ["parse", name]
+        yield GOLDEN / "check" / f"{name}.expected", ["check", name]
+    for calls in sorted((GOLDEN / "replay").glob("*.in")):
+        yield calls.with_suffix(".expected"), ["replay", f"../tests/golden/replay/{calls.name}"]
+
+
+def main():
+    program, update = sys.argv[1], "--update" in sys.argv[2:]
+    failed = checked = 0
+    known = set()
+    for golden, arguments in cases():
+        known.add(golden)
+        checked += 1
+        actual = run(program, arguments)
+        if update:
+            golden.write_bytes(actual)
+        elif not golden.exists() or golden.read_bytes() != actual:
+            failed += 1
+            print(f"{golden.relative_to(ROOT)}: tessera {' '.join(arguments)} writes something else")
+    for golden in sorted(set(GOLDEN.glob("*/*.expected")) - known):
+        if golden.parent.name in ("parse", "tree", "check", "replay"):
+            failed += 1
+            print(f"{golden.relative_to(ROOT)}: no case has this golden file")
+    print(f"{checked} golden files, {failed} differ")
+    return 1 if failed or checked < 20 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
