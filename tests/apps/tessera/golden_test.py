@@ -36,7 +36,7 @@ def cases():
 
 
 def main():
-    program, update = sys.argv[1], "--update" in sys.argv[2:]
+    program, update = pathlib.Path(sys.argv[1]).resolve(), "--update" in sys.argv[2:]
     failed = checked = 0
     known = set()
     for golden, arguments in cases():

@@ -74,7 +74,7 @@ DAMAGE = {
     "a line without its parser": lambda d: d["lines"][0].pop("parser"),
     "a type with a third part": lambda d: d["lines"][0]["type"].update(flag=0),
     "a kind beyond a byte": lambda d: d["lines"][0]["type"].update(kind=256),
-    "a flag that is a number": lambda d: d["lines"][0].update(flag=0),
+    "a flag that is a text": lambda d: d["lines"][0].update(flag="false"),
     "a marker type twice": lambda d: d["lines"][0].update(markerTypes=["%<@task>", "%<@task>"]),
     "a node index below 0": lambda d: d["lines"][0].update(nodes=[-1]),
     "a log that is a text": lambda d: d["lines"][0].update(log="x"),

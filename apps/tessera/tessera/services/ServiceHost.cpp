@@ -98,7 +98,7 @@ void ServiceHost::Running::startBundle(const std::string& file) {
     throw ProblemError({.file = file,
                         .place = {},
                         .what = std::string("the bundle cannot be started: ") + error.what(),
-                        .remedy = "name a bundle that is made for this version"});
+                        .remedy = "name another bundle, or leave it out"});
   }
 }
 
