@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <iostream>
+
+#include "oracle/line/LineCase.hpp"
+#include "oracle/support/RunSettings.hpp"
+#include "oracle/support/Tally.hpp"
+
+namespace quenlith::oracle {
+namespace {
+
+// Two lines a case on average.
+constexpr std::size_t kCases = 110'000;
+constexpr std::size_t kLeastLines = 200'000;
+constexpr std::size_t kLeast = 1'000;
+
+struct FactRow {
+  const char* name;
+  bool LineFacts::*fact;
+};
+
+constexpr std::array<FactRow, 20> kFactRows = {{
+    {"valid range", &LineFacts::validRange},
+    {"invalid range: begin not before end", &LineFacts::beginNotBeforeEnd},
+    {"invalid range: end beyond the line", &LineFacts::endBeyondLine},
+    {"invalid range: begins in or at a marker's text", &LineFacts::beginsInMarker},
+    {"invalid range: ends within a marker's text", &LineFacts::endsInMarker},
+    {"invalid range: encloses a marker's text", &LineFacts::enclosesMarker},
+    {"range with a saturated number", &LineFacts::saturatedRange},
+    {"range inside another's", &LineFacts::rangeInsideAnother},
+    {"ranges that overlap", &LineFacts::rangesOverlap},
+    {"equal markers with ranges of their own", &LineFacts::equalMarkersWithRanges},
+    {"equal failures", &LineFacts::equalFailures},
+    {"unhandled marker", &LineFacts::unhandledMarker},
+    {"anchor beside a task", &LineFacts::anchorBesideTask},
+    {"anchor that is set", &LineFacts::anchorSet},
+    {"%%\\ that makes a marker", &LineFacts::normalisingMakesMarker},
+    {"%%\\ that breaks a marker", &LineFacts::normalisingBreaksMarker},
+    {"line without any child", &LineFacts::noPieceAtAll},
+    {"nothing but marker text", &LineFacts::onlyMarkerText},
+    {"owned piece that no parser takes", &LineFacts::pieceWithoutParser},
+    {"contribution", &LineFacts::contribution},
+}};
+
+Tally emptyTally() {
+  Tally tally;
+  for (const FactRow& row : kFactRows) tally.addRow(row.name, kLeast);
+  tally.addRow("lines", kLeastLines);
+  return tally;
+}
+
+void count(const std::vector<LineFacts>& lines, Tally& tally) {
+  for (const LineFacts& facts : lines) {
+    for (std::size_t row = 0; row < kFactRows.size(); ++row) {
+      if (facts.*kFactRows[row].fact) tally.count(row);
+    }
+    tally.count(kFactRows.size());
+  }
+}
+
+bool runCase(const RunSettings& settings, std::size_t number, Tally& tally) {
+  Random random(settings.seedOf(number));
+  const LineCase lineCase = randomLineCase(random);
+  std::vector<LineFacts> facts;
+  if (runTwin(lineCase, facts) == runReal(lineCase)) {
+    count(facts, tally);
+    return true;
+  }
+  ADD_FAILURE() << settings.repeatHint(number) << '\n' << report(shrink(lineCase));
+  return false;
+}
+
+TEST(LineOracle, RandomLinesComeOutAsTheTwinHasThem) {
+  const RunSettings settings = RunSettings::fromEnvironment(kCases);
+  Tally tally = emptyTally();
+  if (settings.only) {
+    runCase(settings, *settings.only, tally);
+    return;
+  }
+  for (std::size_t number = 0; number < settings.cases; ++number) {
+    if (!runCase(settings, number, tally)) return;
+  }
+  std::cout << tally;
+  if (!settings.isWhole(kCases)) return;
+  for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
+}
+
+}  // namespace
+}  // namespace quenlith::oracle

@@ -1,0 +1,264 @@
+#include "oracle/line/LineTwin.hpp"
+
+#include <algorithm>
+#include <limits>
+
+#include "fl/i18n/ustring.hpp"
+#include "oracle/support/normalise.hpp"
+#include "quenlith/syntax/markers.hpp"
+
+namespace quenlith::oracle {
+
+namespace {
+
+bool isControl(const Marker& marker) {
+  return marker.getElement() == u"control";
+}
+bool isOutput(const Marker& marker) {
+  return marker.getElement() == u"output";
+}
+bool isTask(const Marker& marker) {
+  return marker.getElement() == u"task";
+}
+bool isTextAnchor(const Marker& marker) {
+  return marker.getElement() == u"text" && marker.getType() == u"anchor";
+}
+
+void recordFeatures(const Marker& marker, MarkerTypes& types) {
+  if (isControl(marker)) types.insert(Marker(u"control").toString());
+  if (isOutput(marker)) types.insert(Marker(u"output").toString());
+  if (isTask(marker)) types.insert(Marker(u"task").toString());
+  if (isTextAnchor(marker)) types.insert(Marker(u"text").toString());
+}
+
+bool lists(const std::vector<MarkerInfo>& infos, const Marker& marker) {
+  return std::any_of(infos.begin(), infos.end(),
+                     [&](const MarkerInfo& info) { return info.marker == marker; });
+}
+
+bool isSubset(const std::vector<MarkerInfo>& part, const std::vector<MarkerInfo>& whole) {
+  return std::all_of(part.begin(), part.end(),
+                     [&](const MarkerInfo& info) { return lists(whole, info.marker); });
+}
+
+void noteNormalising(const ustring& line, const std::vector<MarkerInfo>& after, LineFacts& facts) {
+  if (line.find(u"%%\\") == ustring::npos) return;
+  const auto before = syntax::get_markers_from_snippet(line, false);
+  facts.normalisingMakesMarker = !isSubset(after, before);
+  facts.normalisingBreaksMarker = !isSubset(before, after);
+}
+
+}  // namespace
+
+void LineTwin::parseLine(DocumentRecord& document, const ustring& text, MarkerTypes& types) {
+  facts = {};
+  world.log("In LineNodeParserService");
+  lineNode = NodeRecord::of(NodeKind::kLine);
+  world.note("getLineContributorDataParsers");
+  world.note("getCodeElementParsers");
+  if (text.empty()) {
+    appendDefault(text);
+  } else {
+    parseMarkedLine(text, types);
+  }
+  document.push_back(lineNode);
+}
+
+void LineTwin::parseMarkedLine(const ustring& line, MarkerTypes& types) {
+  normalised = normalise(line);
+  markers = syntax::get_markers_from_snippet(normalised, false);
+  noteNormalising(line, markers, facts);
+  hasTask = std::any_of(markers.begin(), markers.end(),
+                        [](const MarkerInfo& info) { return isTask(info.marker); });
+  slots.assign(fl::i18n::ustring_to_utf8(normalised).size(), Slot{});
+  validRanges.clear();
+  for (const MarkerInfo& info : markers) {
+    recordFeatures(info.marker, types);
+    if (isHandled(info.marker)) {
+      visitMarker(info);
+    } else {
+      facts.unhandledMarker = true;
+    }
+  }
+  appendPieces(cutIntoPieces());
+}
+
+void LineTwin::visitMarker(const MarkerInfo& info) {
+  if (info.range) checkPosition(info);
+  for (std::uint64_t i = info.position; i < info.position + info.length; ++i) {
+    slots.at(i) = Slot{true, &info};
+  }
+  if (isTextAnchor(info.marker)) setAnchor(info.marker);
+  addContributions(info.marker);
+}
+
+bool LineTwin::isHandled(const Marker& marker) {
+  for (std::size_t parser = 0; parser < world.defaultParser(); ++parser) {
+    if (world.canParse(parser, marker)) return true;
+  }
+  return isOutput(marker) || isTask(marker) || isTextAnchor(marker);
+}
+
+void LineTwin::checkPosition(const MarkerInfo& info) {
+  const Range range = *info.range;
+  facts.saturatedRange |= range.second == std::numeric_limits<std::uint64_t>::max();
+  if (!isValidPosition(range)) {
+    addPositionFailure(info);
+    return;
+  }
+  noteRangePairs(info);
+  for (std::uint64_t i = range.first; i < range.second; ++i) slots.at(i) = Slot{false, &info};
+}
+
+bool LineTwin::isValidPosition(Range range) {
+  if (range.first >= range.second) {
+    facts.beginNotBeforeEnd = true;
+    return false;
+  }
+  if (range.second > normalised.size()) {
+    facts.endBeyondLine = true;
+    return false;
+  }
+  return std::none_of(markers.begin(), markers.end(),
+                      [&](const MarkerInfo& record) { return conflicts(record, range); });
+}
+
+bool LineTwin::conflicts(const MarkerInfo& record, Range range) {
+  const std::uint64_t begin = record.position;
+  const std::uint64_t end = record.position + record.length;
+  if (begin <= range.first && range.first <= end) {
+    facts.beginsInMarker = true;
+    return true;
+  }
+  if (begin < range.second && range.second <= end) {
+    facts.endsInMarker = true;
+    return true;
+  }
+  if (range.first < begin && range.second > end) {
+    facts.enclosesMarker = true;
+    return true;
+  }
+  return false;
+}
+
+void LineTwin::addPositionFailure(const MarkerInfo& info) {
+  using foundation::json::Value;
+  world.log("Building a bad position parser failure");
+  FailureRecord failure;
+  failure.failureId = u"invalid_position_data";
+  failure.featureId = info.marker.getElement();
+  failure.subFeatureId = info.marker.getType();
+  failure.markerId = info.marker.getId();
+  failure.data["position"] =
+      Value(std::vector<Value>{Value(static_cast<double>(info.range->first)),
+                               Value(static_cast<double>(info.range->second))});
+  const std::size_t before = lineNode.failures.size();
+  lineNode.addFailure(failure);
+  facts.equalFailures |= lineNode.failures.size() == before;
+}
+
+void LineTwin::setAnchor(const Marker& marker) {
+  if (marker.getId().empty()) return;
+  if (hasTask) {
+    facts.anchorBesideTask = true;
+    return;
+  }
+  facts.anchorSet = true;
+  world.log("Setting anchor id on the line node");
+  lineNode.anchorId = marker.getId();
+}
+
+void LineTwin::addContributions(const Marker& marker) {
+  for (std::size_t parser = 0; parser < world.getPlan().contributorParsers.size(); ++parser) {
+    if (world.isApplicable(parser, marker)) addContribution(parser, marker);
+  }
+}
+
+void LineTwin::addContribution(std::size_t parser, const Marker& marker) {
+  facts.contribution = true;
+  world.log("Found an applicable line contributor data parser");
+  const Contribution contribution = world.contribute(parser, marker);
+  ContributionRecord record;
+  record.feature = contribution.feature;
+  if (contribution.data) record.lineData.push_back(*contribution.data);
+  lineNode.contributions.push_back(record);
+}
+
+std::vector<LineTwin::Unit> LineTwin::pairUnitsWithSlots() const {
+  std::vector<Unit> units;
+  for (std::size_t i = 0; i < normalised.size(); ++i) units.push_back({normalised[i], slots.at(i)});
+  return units;
+}
+
+std::vector<LineTwin::Piece> LineTwin::cutIntoPieces() const {
+  std::vector<Run> runs;
+  for (const Unit& unit : pairUnitsWithSlots()) {
+    if (runs.empty() || !(runs.back().back().slot == unit.slot)) runs.emplace_back();
+    runs.back().push_back(unit);
+  }
+  std::vector<Run> kept;
+  for (const Run& run : runs) {
+    if (!run.front().slot.isMarkerText) kept.push_back(run);
+  }
+  std::vector<Piece> pieces;
+  for (const Run& run : kept) {
+    const MarkerInfo* owner = run.front().slot.owner;
+    if (pieces.empty() || pieces.back().owner != owner) pieces.push_back({{}, owner});
+    for (const Unit& unit : run) pieces.back().text += unit.unit;
+  }
+  return pieces;
+}
+
+void LineTwin::appendPieces(const std::vector<Piece>& pieces) {
+  const bool anyText = std::any_of(pieces.begin(), pieces.end(),
+                                   [](const Piece& piece) { return !piece.text.empty(); });
+  facts.onlyMarkerText = !anyText;
+  if (!anyText) appendDefault({});
+  for (const Piece& piece : pieces) {
+    if (piece.owner == nullptr) {
+      appendDefault(piece.text);
+    } else {
+      appendOwnedPiece(piece);
+    }
+  }
+  facts.noPieceAtAll = lineNode.children.empty();
+}
+
+void LineTwin::appendOwnedPiece(const Piece& piece) {
+  const Marker& marker = piece.owner->marker;
+  for (std::size_t parser = 0; parser < world.defaultParser(); ++parser) {
+    if (!world.canParse(parser, marker)) continue;
+    append(world.parsePiece(parser, piece.text, marker, piece.owner->range));
+    return;
+  }
+  facts.pieceWithoutParser = true;
+}
+
+void LineTwin::appendDefault(const ustring& text) {
+  if (!world.getPlan().hasDefaultParser) throw MissingDefaultParser();
+  append(world.parsePiece(world.defaultParser(), text, std::nullopt, std::nullopt));
+}
+
+void LineTwin::append(const PieceResult& result) {
+  // Children are unique: a node that is there already is not appended again, and the empty
+  // handle is none at all.
+  if (result.kind != PieceResult::Kind::kFresh) return;
+  lineNode.children.push_back(NodeRecord::plainText(result.text));
+}
+
+void LineTwin::noteRangePairs(const MarkerInfo& info) {
+  facts.validRange = true;
+  for (const MarkerInfo* other : validRanges) {
+    const auto [begin, end] = *info.range;
+    const auto [otherBegin, otherEnd] = *other->range;
+    const bool common = begin < otherEnd && otherBegin < end;
+    const bool inside = otherBegin <= begin && end <= otherEnd;
+    const bool outside = begin <= otherBegin && otherEnd <= end;
+    facts.rangeInsideAnother |= inside || outside;
+    facts.rangesOverlap |= common && !inside && !outside;
+    facts.equalMarkersWithRanges |= other->marker == info.marker;
+  }
+  validRanges.push_back(&info);
+}
+
+}  // namespace quenlith::oracle

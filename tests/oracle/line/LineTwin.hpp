@@ -1,0 +1,104 @@
+#pragma once
+
+#include <set>
+#include <stdexcept>
+#include <vector>
+
+#include "oracle/support/World.hpp"
+#include "quenlith/build/markup/core/MarkerInfo.hpp"
+
+namespace quenlith::oracle {
+
+using build::markup::core::MarkerInfo;
+using MarkerTypes = std::set<ustring>;
+
+/// What came up while one line was parsed. A run counts these.
+struct LineFacts {
+  bool validRange = false;
+  bool beginNotBeforeEnd = false;
+  bool endBeyondLine = false;
+  bool beginsInMarker = false;
+  bool endsInMarker = false;
+  bool enclosesMarker = false;
+  bool saturatedRange = false;
+  bool rangeInsideAnother = false;
+  bool rangesOverlap = false;
+  bool equalMarkersWithRanges = false;
+  bool equalFailures = false;
+  bool unhandledMarker = false;
+  bool anchorBesideTask = false;
+  bool anchorSet = false;
+  bool normalisingMakesMarker = false;
+  bool normalisingBreaksMarker = false;
+  bool noPieceAtAll = false;
+  bool onlyMarkerText = false;
+  bool pieceWithoutParser = false;
+  bool contribution = false;
+};
+
+/// Thrown where the default code element parser is needed and there is none.
+struct MissingDefaultParser : std::runtime_error {
+  MissingDefaultParser() : std::runtime_error("no default code element parser") {}
+};
+
+/// The slow, literal twin of the line node parser: one slot for each position of the line,
+/// runs of equal slots, pieces of joined runs. It works on plain records and asks `World`
+/// where the real one asks the parser services.
+class LineTwin {
+ public:
+  /// Borrows `serviceWorld`.
+  explicit LineTwin(World& serviceWorld) : world(serviceWorld) {}
+
+  /// Appends the node of `text` to `document` and the marker kinds of the line to `types`.
+  void parseLine(DocumentRecord& document, const ustring& text, MarkerTypes& types);
+
+  /// What came up in the last call.
+  const LineFacts& getFacts() const { return facts; }
+
+ private:
+  struct Slot {
+    bool isMarkerText = false;
+    const MarkerInfo* owner = nullptr;
+
+    friend bool operator==(const Slot&, const Slot&) = default;
+  };
+  struct Unit {
+    char16_t unit;
+    Slot slot;
+  };
+  using Run = std::vector<Unit>;
+  struct Piece {
+    ustring text;
+    const MarkerInfo* owner = nullptr;
+  };
+
+  void parseMarkedLine(const ustring& line, MarkerTypes& types);
+  void visitMarker(const MarkerInfo& info);
+  bool isHandled(const Marker& marker);
+  void checkPosition(const MarkerInfo& info);
+  bool isValidPosition(Range range);
+  bool conflicts(const MarkerInfo& record, Range range);
+  void addPositionFailure(const MarkerInfo& info);
+  void setAnchor(const Marker& marker);
+  void addContributions(const Marker& marker);
+  void addContribution(std::size_t parser, const Marker& marker);
+
+  std::vector<Unit> pairUnitsWithSlots() const;
+  std::vector<Piece> cutIntoPieces() const;
+  void appendPieces(const std::vector<Piece>& pieces);
+  void appendOwnedPiece(const Piece& piece);
+  void appendDefault(const ustring& text);
+  void append(const PieceResult& result);
+  void noteRangePairs(const MarkerInfo& info);
+
+  World& world;
+  LineFacts facts;
+  NodeRecord lineNode;
+  ustring normalised;
+  std::vector<MarkerInfo> markers;
+  std::vector<Slot> slots;
+  std::vector<const MarkerInfo*> validRanges;
+  bool hasTask = false;
+};
+
+}  // namespace quenlith::oracle

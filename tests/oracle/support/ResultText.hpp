@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include "quenlith/build/markup/ParseResult.hpp"
+
+namespace quenlith::oracle {
+
+/// Returns all fields of `result` on one line.
+std::string showResult(const build::markup::ParseResult& result);
+
+/// Carries out `call` and returns what it returns; an exception is told by its meaning, the
+/// twin's and the real parser's alike.
+template <class Call>
+std::string outcomeOf(const Call& call);
+
+/// Returns the meaning of the exception that is being handled.
+std::string meaningOfException();
+
+template <class Call>
+std::string outcomeOf(const Call& call) {
+  try {
+    return call();
+  } catch (...) {
+    return meaningOfException();
+  }
+}
+
+}  // namespace quenlith::oracle

@@ -1,0 +1,100 @@
+#include "oracle/support/services.hpp"
+
+#include <algorithm>
+#include <boost/uuid/nil_generator.hpp>
+
+#include "contributors/kdzero/LineData.hpp"
+#include "document/kdzero/PlainTextNode.hpp"
+
+namespace quenlith::oracle {
+
+using build::markup::code::CodeElement;
+using contributors::kdzero::LineData;
+using document::kdzero::Node;
+using document::kdzero::PlainTextNode;
+using kd::zero::Model;
+
+class WorldProvider::Pieces final : public CodeElementParser {
+ public:
+  Pieces(World& serviceWorld, std::size_t parserNumber, std::shared_ptr<Node> lastNodeOfAll)
+      : world(serviceWorld), number(parserNumber), lastNode(std::move(lastNodeOfAll)) {}
+
+  bool canParse(const Marker& marker) override {
+    // The default parser is never asked: this note has no partner in the twin's trace.
+    if (number == world.defaultParser()) world.note("canParse of the default parser");
+    return number == world.defaultParser() || world.canParse(number, marker);
+  }
+
+  Node parse(const Model& model, const CodeElement& element) override {
+    const PieceResult result =
+        world.parsePiece(number, element.text, element.marker, element.range);
+    if (result.kind == PieceResult::Kind::kEmptyHandle) return {};
+    if (result.kind == PieceResult::Kind::kLastOneAgain) return *lastNode;
+    PlainTextNode node =
+        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::nil_uuid());
+    node->setText(result.text);
+    *lastNode = node;
+    return node;
+  }
+
+ private:
+  World& world;
+  std::size_t number;
+  std::shared_ptr<Node> lastNode;
+};
+
+class WorldProvider::Contributions final : public LineContributorDataParser {
+ public:
+  Contributions(World& serviceWorld, std::size_t parserNumber)
+      : world(serviceWorld), number(parserNumber) {}
+
+  bool isApplicable(const Marker& marker) override { return world.isApplicable(number, marker); }
+
+  std::pair<ustring, LineData> parse(const Model& model, const Marker& marker) override {
+    const Contribution contribution = world.contribute(number, marker);
+    LineData data;
+    if (contribution.data) {
+      data = LineData::Builder(model).createLineData(boost::uuids::nil_uuid());
+      data->setData(*contribution.data);
+    }
+    return {contribution.feature, data};
+  }
+
+ private:
+  World& world;
+  std::size_t number;
+};
+
+WorldProvider::WorldProvider(World& serviceWorld)
+    : world(serviceWorld), lastNode(std::make_shared<Node>()) {
+  const std::size_t last = world.defaultParser();
+  for (std::size_t i = 0; i < last; ++i) {
+    codeElementParsers.push_back(std::make_shared<Pieces>(world, i, lastNode));
+  }
+  const bool hasDefault = world.getPlan().hasDefaultParser;
+  codeElementParsers.push_back(hasDefault ? std::make_shared<Pieces>(world, last, lastNode)
+                                          : nullptr);
+  for (std::size_t i = 0; i < world.getPlan().contributorParsers.size(); ++i) {
+    contributorParsers.push_back(std::make_shared<Contributions>(world, i));
+  }
+}
+
+std::vector<std::shared_ptr<LineContributorDataParser>>
+WorldProvider::getLineContributorDataParsers() {
+  world.note("getLineContributorDataParsers");
+  return contributorParsers;
+}
+
+std::vector<std::shared_ptr<CodeElementParser>> WorldProvider::getCodeElementParsers() {
+  world.note("getCodeElementParsers");
+  *lastNode = Node();
+  return codeElementParsers;
+}
+
+bool WorldProvider::holdsAllAlone() const {
+  const auto alone = [](const auto& service) { return service.use_count() <= 1; };
+  return std::all_of(codeElementParsers.begin(), codeElementParsers.end(), alone) &&
+         std::all_of(contributorParsers.begin(), contributorParsers.end(), alone);
+}
+
+}  // namespace quenlith::oracle

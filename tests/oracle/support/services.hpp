@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "oracle/support/World.hpp"
+#include "quenlith/build/markup/services/ParserServicesProvider.hpp"
+
+namespace quenlith::oracle {
+
+using build::markup::code::CodeElementParser;
+using build::markup::contributordata::LineContributorDataParser;
+
+/// Hands out services that pass every question on to a world. Making one adds nothing to the
+/// trace.
+class WorldProvider final : public build::markup::services::ParserServicesProvider {
+ public:
+  /// Borrows `serviceWorld`.
+  explicit WorldProvider(World& serviceWorld);
+
+  std::vector<std::shared_ptr<LineContributorDataParser>> getLineContributorDataParsers() override;
+  std::vector<std::shared_ptr<CodeElementParser>> getCodeElementParsers() override;
+
+  /// True when nobody but this provider holds one of its services.
+  bool holdsAllAlone() const;
+
+ private:
+  class Pieces;
+  class Contributions;
+
+  World& world;
+  std::shared_ptr<document::kdzero::Node> lastNode;
+  std::vector<std::shared_ptr<CodeElementParser>> codeElementParsers;
+  std::vector<std::shared_ptr<LineContributorDataParser>> contributorParsers;
+};
+
+}  // namespace quenlith::oracle
