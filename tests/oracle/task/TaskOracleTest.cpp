@@ -1,0 +1,59 @@
+#include <gtest/gtest.h>
+
+#include <iostream>
+
+#include "oracle/support/RunSettings.hpp"
+#include "oracle/support/Tally.hpp"
+#include "oracle/task/TaskCase.hpp"
+
+namespace quenlith::oracle {
+namespace {
+
+constexpr std::size_t kCases = 200'000;
+
+bool runCase(const TaskCase& taskCase, const std::string& hint, Tally& tally) {
+  std::vector<TaskRow> rows;
+  if (agree(taskCase, rows)) {
+    for (const TaskRow row : rows) tally.count(static_cast<std::size_t>(row));
+    return true;
+  }
+  ADD_FAILURE() << hint << '\n' << report(shrink(taskCase));
+  return false;
+}
+
+bool runRandomCase(const RunSettings& settings, std::size_t number, Tally& tally) {
+  Random random(settings.seedOf(number));
+  return runCase(randomTaskCase(random), settings.repeatHint(number), tally);
+}
+
+bool runLongCases(Tally& tally) {
+  for (std::size_t end = 0; end < static_cast<std::size_t>(LongEnd::kCount); ++end) {
+    TaskCase taskCase;
+    taskCase.steps = longTaskSteps(static_cast<LongEnd>(end));
+    for (const bool logging : {true, false}) {
+      taskCase.plan.logging = logging;
+      if (!runCase(taskCase, "a task of 65,536 lines", tally)) return false;
+    }
+  }
+  return true;
+}
+
+TEST(TaskOracle, RandomCallsComeOutAsTheTwinHasThem) {
+  const RunSettings settings = RunSettings::fromEnvironment(kCases);
+  Tally tally;
+  addTaskRows(tally);
+  if (settings.only) {
+    runRandomCase(settings, *settings.only, tally);
+    return;
+  }
+  for (std::size_t number = 0; number < settings.cases; ++number) {
+    if (!runRandomCase(settings, number, tally)) return;
+  }
+  if (!runLongCases(tally)) return;
+  std::cout << tally;
+  if (!settings.isWhole(kCases)) return;
+  for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
+}
+
+}  // namespace
+}  // namespace quenlith::oracle

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "oracle/support/World.hpp"
+#include "oracle/task/TaskRow.hpp"
+#include "oracle/task/TaskStep.hpp"
+#include "quenlith/build/markup/ParseResult.hpp"
+
+namespace quenlith::oracle {
+
+/// A task parser with its host: the twin on plain records, or the real one on a real document.
+class TaskPlayer {
+ public:
+  virtual ~TaskPlayer() = default;
+
+  virtual World& getWorld() = 0;
+  virtual bool canParse(const Snippet& snippet) = 0;
+  virtual build::markup::ParseResult parse(const Snippet& snippet) = 0;
+  virtual void reset() = 0;
+  virtual void newDocument() = 0;
+  virtual void addNode(HostNode node) = 0;
+  /// Counts the headers with a task as first child from 0; does nothing when there is none.
+  virtual void setView(std::size_t header, const ustring& view) = 0;
+  /// Returns the documents made so far, in order.
+  virtual std::vector<DocumentRecord> documents() const = 0;
+  /// Returns the cells of the decision matrix met so far, where the player knows them.
+  virtual std::vector<TaskRow> rows() const { return {}; }
+};
+
+std::unique_ptr<TaskPlayer> makeTwinPlayer(const WorldPlan& plan);
+std::unique_ptr<TaskPlayer> makeRealPlayer(const WorldPlan& plan);
+
+/// Carries out all steps. Results and exceptions go into the trace of the player's world.
+void play(TaskPlayer& player, const TaskSteps& steps);
+
+}  // namespace quenlith::oracle

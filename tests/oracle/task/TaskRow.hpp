@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+
+#include "oracle/support/Tally.hpp"
+
+namespace quenlith::oracle {
+
+/// The cells of the decision matrix of the task parser's `parse`. Idle: no line is counted.
+/// Paired and unpaired lines have a kind of 0 or 1, others one above 1.
+enum class TaskRow : std::size_t {
+  kIdlePlain,
+  kIdleUnpaired,
+  kIdlePairedOne,
+  kIdlePairedUnequal,
+  kIdlePairedEqualBehindText,
+  kIdlePairedEqualAtStart,
+  kIdleSameIdOne,
+  kIdleSameIdUnequal,
+  kIdleSameIdEqualBehindText,
+  kIdleSameIdEqualAtStart,
+  kIdleSameIdBothEmpty,
+  kIdleSameIdLeftOver,
+  kIdleOtherIdOne,
+  kIdleOtherIdUnequal,
+  kIdleOtherIdEqualBehindText,
+  kIdleOtherIdEqualAtStart,
+  kOpenPlain,
+  kOpenPlainWraps,
+  kOpenUnpaired,
+  kOpenPairedSameId,
+  kOpenPairedOtherId,
+  kOpenSameId,
+  kOpenOtherId,
+  kOpenOtherIdWraps,
+  kOpenMarkerAtStart,
+  kOpenTwoEqual,
+  kCloseWithCountZeroAfterWrap,
+  kCloseOfHeader,
+  kCloseOfHeaderClosedBefore,
+  kCloseWithoutNode,
+  kCloseOfNodeWithoutChild,
+  kCloseOfOtherNode,
+  kHeaderAnchor,
+  kHeaderAnchorEmpty,
+  kLineDisagrees,
+  kUnpairedByOverlap,
+  kCount
+};
+
+/// Adds a row for each cell, in the order of the enumeration.
+void addTaskRows(Tally& tally);
+
+}  // namespace quenlith::oracle

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "oracle/line/LineTwin.hpp"
+#include "oracle/support/World.hpp"
+#include "oracle/task/TaskRow.hpp"
+#include "quenlith/build/markup/ParseResult.hpp"
+#include "quenlith/build/markup/Snippet.hpp"
+
+namespace quenlith::oracle {
+
+using build::markup::ParseResult;
+using build::markup::Snippet;
+
+/// The slow, literal twin of the task snippet parser. It works on plain records, asks `World`
+/// where the real one asks its services, and scans every block again for every pairing test.
+class TaskTwin {
+ public:
+  /// Borrows `serviceWorld`.
+  explicit TaskTwin(World& serviceWorld) : world(serviceWorld), lineTwin(serviceWorld) {}
+
+  bool canParse(const Snippet& snippet);
+  ParseResult parse(DocumentRecord& document, const Snippet& snippet);
+  void reset();
+
+  /// The cells of the decision matrix that the last call of `parse` went through.
+  const std::vector<TaskRow>& getRows() const { return rows; }
+  std::uint16_t getTaskLineCount() const { return taskLineCount; }
+
+ private:
+  struct Call {
+    DocumentRecord& document;
+    const Snippet& snippet;
+    ParseResult result;
+    std::vector<MarkerInfo> markers;
+    std::optional<Marker> taskMarker;
+    bool pairFound = true;
+    bool overlapping = false;
+  };
+  enum class Next { kLineParse, kReturn };
+
+  void findTaskMarker(Call& call);
+  bool decidePairing(Call& call);
+  void decideOverlap(Call& call);
+  void countOpenTask(Call& call);
+  Next buildHeader(Call& call);
+  void addHeader(Call& call);
+  void setHeaderAnchor(Call& call);
+  Next testSameLine(Call& call);
+  void parseLine(Call& call);
+  bool hasMatchingTaskMarker(const ustring& blockText, const Marker& taskMarker);
+  void closeTask(DocumentRecord& document);
+  JsonMap findAppendixEntry(const Marker& taskMarker);
+  TaskRecord buildLiveTaskData(const Marker& taskMarker);
+  void addTaskFailure(NodeRecord& node, const Marker& taskMarker, const ustring& failureId,
+                      const std::string& message);
+  void noteIdleRow(const Call& call);
+  void noteOpenRow(const Call& call);
+  void noteClose(const DocumentRecord& document);
+
+  World& world;
+  LineTwin lineTwin;
+  std::vector<TaskRow> rows;
+  /// Of the last call: the count of an open task went past 65,535.
+  bool countingWraps = false;
+  std::uint16_t taskLineCount = 0;
+  std::uint64_t taskNodeIndex = 0;
+  ustring currentTaskId;
+  std::vector<ustring> overlappingTaskIds;
+};
+
+}  // namespace quenlith::oracle
