@@ -18,10 +18,14 @@ const Any& entryOf(const AnyMap& map, const std::string& name) {
 }
 
 const Any& entryOf(const std::vector<Any>& list, const std::string& name) {
-  std::size_t index = list.size();
-  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), index);
-  if (error != std::errc() || end != name.data() + name.size() || index >= list.size()) {
-    throw std::out_of_range("the list has no index \"" + name + "\"");
+  std::size_t index = 0;
+  const char* const end = name.data() + name.size();
+  const auto parsed = std::from_chars(name.data(), end, index);
+  if (parsed.ec == std::errc::invalid_argument || parsed.ptr != end) {
+    throw std::invalid_argument("\"" + name + "\" leads into a list, but is no index");
+  }
+  if (parsed.ec != std::errc() || index >= list.size()) {
+    throw std::out_of_range("the list has no index " + name);
   }
   return list[index];
 }

@@ -7,6 +7,7 @@
 
 #include "framework/BundlePrivate.hpp"
 #include "framework/ServiceRecord.hpp"
+#include "framework/text.hpp"
 
 namespace cppmicroservices {
 
@@ -129,9 +130,10 @@ void FrameworkListeners::send(const ServiceEvent& event, const AnyMap* before) {
 }
 
 void FrameworkListeners::reportThrown(BundlePrivate& owner) {
-  send(FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, owner.bundle(),
-                      "a listener of " + owner.symbolicName + " threw an exception",
-                      std::current_exception()));
+  const std::exception_ptr cause = std::current_exception();
+  const std::string message =
+      "a listener of " + owner.symbolicName + " threw an exception: " + currentExceptionText();
+  send(FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, owner.bundle(), message, cause));
 }
 
 }  // namespace detail

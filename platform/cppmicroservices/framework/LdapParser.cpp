@@ -9,6 +9,9 @@ namespace {
 
 using Operator = LdapExpression::Operator;
 
+// How much of a filter a message repeats.
+constexpr std::size_t kShownBytes = 200;
+
 class LdapParser {
  public:
   explicit LdapParser(const std::string& filter) : text(filter) {}
@@ -107,7 +110,9 @@ class LdapParser {
     ++position;
   }
   [[noreturn]] void fail(const std::string& problem) const {
-    throw std::invalid_argument("the filter \"" + text + "\" cannot be parsed: " + problem +
+    const std::string shown =
+        text.size() > kShownBytes ? text.substr(0, kShownBytes) + "..." : text;
+    throw std::invalid_argument("the filter \"" + shown + "\" cannot be parsed: " + problem +
                                 " at character " + std::to_string(position + 1));
   }
 

@@ -43,6 +43,8 @@ void SystemBundle::stop() {
   if (!isRunning()) return;
   enter(Bundle::STATE_STOPPING, BundleEvent::BUNDLE_STOPPING);
   stopBundles();
+  // What is left belongs to the host, which does not listen to its own end.
+  core->listeners.removeAllOf(*this);
   closeContext();
   enter(Bundle::STATE_RESOLVED);
 }
