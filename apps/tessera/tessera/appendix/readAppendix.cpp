@@ -16,9 +16,13 @@ using quenlith::syntax::core::MarkerInfo;
 /// Tells one entry from another.
 using Key = std::pair<fl::i18n::ustring, fl::i18n::ustring>;
 
-Key keyOf(const Marker& marker) { return {marker.getElement(), marker.getId()}; }
+Key keyOf(const Marker& marker) {
+  return {marker.getElement(), marker.getId()};
+}
 
-bool isBlankText(std::u16string_view text) { return text.find_first_not_of(u" \t") == text.npos; }
+bool isBlankText(std::u16string_view text) {
+  return text.find_first_not_of(u" \t") == text.npos;
+}
 
 std::string nameOf(const Marker& marker) {
   return fl::i18n::ustring_to_utf8(marker.elementView()) + " with id " +
@@ -42,7 +46,8 @@ class AppendixReader {
     if (markers.empty()) return reportDamage(line);
     addEntry(columnAt(line, markers.front().position), markers.front().marker);
     if (markers.size() == 1) return;
-    warn(columnAt(line, markers[1].position), "a line of the appendix holds one marker; only the first is taken");
+    warn(columnAt(line, markers[1].position),
+         "a line of the appendix holds one marker; only the first is taken");
   }
 
   Appendix result;
@@ -89,7 +94,8 @@ std::vector<AppendixWarning> findUnusedEntries(const Appendix& appendix,
   std::vector<AppendixWarning> warnings;
   for (const Appendix::Entry& entry : appendix.entries) {
     if (used.contains(keyOf(entry.marker))) continue;
-    warnings.push_back({entry.place, "no marker of the code has this entry: " + nameOf(entry.marker)});
+    warnings.push_back(
+        {entry.place, "no marker of the code has this entry: " + nameOf(entry.marker)});
   }
   return warnings;
 }

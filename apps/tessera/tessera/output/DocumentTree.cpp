@@ -55,7 +55,8 @@ std::string describeFailure(const failures::kdzero::ParserFailure& failure) {
 
 std::string describeContribution(const contributors::kdzero::NodeContributorData& contribution) {
   std::string row = "data of " + quotedText(contribution->getContributingFeature());
-  for (const auto& line : contribution->getLineDataList()) row += " " + compactJson(line->getData());
+  for (const auto& line : contribution->getLineDataList())
+    row += " " + compactJson(line->getData());
   return row;
 }
 
@@ -113,14 +114,15 @@ void DocumentTree::writeTree(const Node& top) {
 /// Writes the rows of `node` itself and returns the first child that is not shown in them.
 const Node* DocumentTree::writeNode(const Node& node, std::size_t depth) {
   const auto& children = node->getChildren();
-  const bool showsChild = kindOf(node) == NodeKind::kLine && children.size() == 1 &&
-                          isBareText(children[0]);
+  const bool showsChild =
+      kindOf(node) == NodeKind::kLine && children.size() == 1 && isBareText(children[0]);
   std::string text(nameOf(kindOf(node)));
   if (kindOf(node) == NodeKind::kPlainText) text += " " + quotedText(textOf(node));
   if (showsChild) text += " " + quotedText(textOf(children[0]));
   appendNamed(text, "anchor", node->getAnchorId());
   if (kindOf(node) == NodeKind::kTask) {
-    appendNamed(text, "id", static_cast<const LiveAppIntegratedInlineNode::Impl*>(node.get())->getId());
+    appendNamed(text, "id",
+                static_cast<const LiveAppIntegratedInlineNode::Impl*>(node.get())->getId());
   }
   row(depth, text);
   if (kindOf(node) == NodeKind::kTask) writeTask(node, depth + 1);
@@ -129,7 +131,8 @@ const Node* DocumentTree::writeNode(const Node& node, std::size_t depth) {
 }
 
 void DocumentTree::writeTask(const Node& node, std::size_t depth) {
-  const auto& data = static_cast<const LiveAppIntegratedInlineNode::Impl*>(node.get())->getLiveTaskData();
+  const auto& data =
+      static_cast<const LiveAppIntegratedInlineNode::Impl*>(node.get())->getLiveTaskData();
   const std::pair<std::string_view, std::u16string_view> fields[] = {
       {"taskId", data.getTaskId()},
       {"text", data.getText()},

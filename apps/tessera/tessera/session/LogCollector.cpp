@@ -15,6 +15,8 @@ LogCollector::LogCollector()
   getLogger().setEnabledSeverities(severitiesBefore | kTraceSeverity);
 }
 
-LogCollector::~LogCollector() { getLogger().setEnabledSeverities(severitiesBefore); }
+LogCollector::~LogCollector() {
+  getLogger().setEnabledSeverities(severitiesBefore);
+}
 
 }  // namespace tessera::session
