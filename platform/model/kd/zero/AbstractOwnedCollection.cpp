@@ -1,5 +1,6 @@
 #include "kd/zero/AbstractOwnedCollection.hpp"
 
+#include <algorithm>
 #include <vector>
 
 #include "kd/zero/ChangeListener.hpp"
@@ -13,9 +14,14 @@ namespace kd::zero {
 void AbstractOwnedCollection::modifying(const OCDChangeDescriptor& change) const {
   const std::vector<ChangeListener*>& listeners = ModelStorage::of(&owner()).listeners;
   if (listeners.empty()) return;
-  // A listener may add or remove listeners: those told are those there at the start.
-  const std::vector<ChangeListener*> told = listeners;
-  for (ChangeListener* listener : told) listener->modifying(*this, change.makeChange());
+  // A listener may add and remove listeners: those told are those there at the start and still
+  // there when it is their turn. One that was removed may have ended.
+  const std::vector<ChangeListener*> atStart = listeners;
+  for (ChangeListener* listener : atStart) {
+    const bool stillThere =
+        std::find(listeners.begin(), listeners.end(), listener) != listeners.end();
+    if (stillThere) listener->modifying(*this, change.makeChange());
+  }
 }
 
 void AbstractOwnedCollection::Operation::rollBack() noexcept {

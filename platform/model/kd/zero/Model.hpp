@@ -39,9 +39,10 @@ class QUENLITH_MODEL_EXPORT Model {
   friend bool operator==(const Model&, const Model&) noexcept = default;
 
   /// Borrows `listener`, which must outlive the model or be removed, and tells it of changes
-  /// from now on. A listener added twice is told twice.
+  /// from the next one on. A listener added twice is told twice.
   void addListener(ChangeListener& listener) const;
-  /// Takes back one `addListener`; does nothing when there was none.
+  /// Takes back one `addListener`; does nothing when there was none. A listener that was removed
+  /// is not told of a change that others are being told of.
   void removeListener(ChangeListener& listener) const noexcept;
 
   /// Number of collection operations opened so far, committed or not. It stays as it is when
