@@ -23,9 +23,10 @@ class ElementSequence final : public ReferenceCollection {
   /// Appends `element`, with a reference of the sequence's own.
   ///
   /// An empty handle is ignored, and so is an element that is in a unique sequence already.
-  /// An element that belonged to another owner leaves it when the sequence is composite or
-  /// its opposite is single-valued. Throws Exception<ElementOfAnotherModel>,
-  /// Exception<ElementWithinItself> when the owner is, or is within, the element, and
+  /// A sequence that is composite, or whose opposite is the container, contains its elements: one
+  /// that belonged to another owner leaves it. Throws Exception<ElementOfAnotherModel>,
+  /// Exception<ElementWithinItself> when the owner of a sequence that contains its elements is,
+  /// or is within, the element, and
   /// Exception<CannotCastIncompatibleTypes> when the opposite property holds no element; the
   /// sequence stays as it was.
   void add(T element) { append(std::move(element)); }

@@ -44,7 +44,8 @@ inline void ReferenceCollection::checkCompatibleModel(const ModelElement::Impl& 
 inline void ReferenceCollection::checkNoCycle(const ModelElement::Impl& element) const {
   // Only what contains others can be above the owner, and most elements do not yet.
   if (!Containment::containsOthers(element) && &element != &owner()) return;
-  if (!isComposite() && getOpposite() == nullptr) return;
+  const bool contains = isComposite() || (getOpposite() != nullptr && getOpposite()->isContainer());
+  if (!contains) return;
   if (!Containment::isWithin(owner(), element)) return;
   throw Exception<kd0::messages::ElementWithinItself, std::exception>(
       kd0::messages::ElementWithinItself(element.getMetaClass().getQualifiedName()));

@@ -35,8 +35,8 @@ class QUENLITH_MODEL_EXPORT Property {
     bool container = false;
     /// Single-valued: the value that an element has.
     Value (*read)(const ModelElement::Impl& element) = nullptr;
-    /// Single-valued opposite: makes `owner`, whose collection is `collection`, the value of
-    /// `element`.
+    /// Opposite: makes `owner`, whose collection is `collection`, the value of `element`, or one
+    /// of its values when it holds many.
     void (*assign)(ModelElement::Impl& element, ModelElement::Impl& owner,
                    const Property& collection) = nullptr;
     /// Collection that contains its elements: that of `owner`, which holds an element.
