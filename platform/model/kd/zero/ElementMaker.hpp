@@ -1,6 +1,6 @@
 #pragma once
 
-#include <type_traits>
+#include <string_view>
 #include <utility>
 
 #include "kd/zero/Model.hpp"
@@ -20,15 +20,11 @@ struct ElementMaker {
     static_assert(sizeof(Impl) <= ModelStorage::kLargestBlock && alignof(Impl) <= 8);
     ModelStorage& storage = model.storage();
     void* room = storage.allocateElement(sizeof(Impl));
-    if constexpr (std::is_nothrow_constructible_v<Impl, Arguments&&...>) {
+    try {
       return K::adopt(new (room) Impl(std::forward<Arguments>(arguments)...));
-    } else {
-      try {
-        return K::adopt(new (room) Impl(std::forward<Arguments>(arguments)...));
-      } catch (...) {
-        storage.deallocateElement(room, sizeof(Impl));
-        throw;
-      }
+    } catch (...) {
+      storage.deallocateElement(room, sizeof(Impl));
+      throw;
     }
   }
 
