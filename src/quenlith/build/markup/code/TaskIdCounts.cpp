@@ -9,16 +9,20 @@ using fl::i18n::ustring;
 
 std::size_t TaskIdCounts::count(const ustring& block, const ustring& id) {
   if (latest == nullptr || latest->first != block) {
-    const auto [seen, isNew] = blocks.try_emplace(block);
-    if (isNew) {
-      for (const core::MarkerInfo& found : syntax::get_markers_from_snippet(block, false)) {
-        if (isTask(found.marker)) ++seen->second[found.marker.getId()];
-      }
-    }
+    auto seen = blocks.find(block);
+    if (seen == blocks.end()) seen = blocks.emplace(block, countIn(block)).first;
     latest = &*seen;
   }
   const auto counted = latest->second.find(id);
   return counted == latest->second.end() ? 0 : counted->second;
+}
+
+TaskIdCounts::Counts TaskIdCounts::countIn(const ustring& block) {
+  Counts counts;
+  for (const core::MarkerInfo& found : syntax::get_markers_from_snippet(block, false)) {
+    if (isTask(found.marker)) ++counts[found.marker.getId()];
+  }
+  return counts;
 }
 
 void TaskIdCounts::clear() noexcept {

@@ -13,7 +13,7 @@ class TaskIdCounts {
  public:
   /// Returns the number of task markers with `id` in `block`. One comparison of the block when
   /// it is the one of the call before, a hash of it more when it was seen before that, else one
-  /// scan.
+  /// scan. When memory runs out, it is as if the call had not been made.
   std::size_t count(const fl::i18n::ustring& block, const fl::i18n::ustring& id);
 
   /// Forgets all blocks.
@@ -22,6 +22,8 @@ class TaskIdCounts {
  private:
   using Counts = std::unordered_map<fl::i18n::ustring, std::size_t>;
   using Blocks = std::unordered_map<fl::i18n::ustring, Counts>;
+
+  static Counts countIn(const fl::i18n::ustring& block);
 
   Blocks blocks;
   // The block of the call before; null when there was none.
