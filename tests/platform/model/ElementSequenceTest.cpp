@@ -15,6 +15,7 @@
 namespace {
 
 using foundation::core::except::Exception;
+using kd::zero::AbstractOwnedCollection;
 using kd::zero::Model;
 using quenlith::test::Box;
 using quenlith::test::holderReads;
@@ -373,8 +374,11 @@ TEST_F(ElementSequence, TakesAnElementThatContainsOthers) {
 
 TEST_F(ElementSequence, ThatContainsNothingMayReferToWhatItsOwnerIsWithin) {
   owner->parts.add(other);
+  // Elements that refer to one another end when that is undone.
+  const AbstractOwnedCollection::Operation upwards(other->admired);
   other->admired.add(owner);
   EXPECT_EQ(other->admired[0], owner);
+  const AbstractOwnedCollection::Operation toItself(other->distinct);
   other->distinct.add(other);
   EXPECT_EQ(other->distinct[0], other);
 }
@@ -408,6 +412,7 @@ TEST_F(ElementSequence, ThatIsFullRefusesAnElement) {
 TEST_F(ElementSequence, FindsItsOwnerFromAPartOfTheOwner) {
   PartOfAnOwner part(owner);
   EXPECT_EQ(part.sequence.getOwner(), owner);
+  const AbstractOwnedCollection::Operation undone(part.sequence);
   part.sequence.add(other);
   EXPECT_EQ(part.sequence.size(), 1u);
 }
