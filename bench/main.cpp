@@ -5,11 +5,10 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <limits>
 
-#include "floor/Floor.hpp"
-#include "harness/Contest.hpp"
-#include "harness/report.hpp"
-#include "peers/peers.hpp"
+#include "ParserContest.hpp"
+#include "harness/Allocations.hpp"
 
 namespace {
 
@@ -30,14 +29,9 @@ void stayOnOneCore() {
 
 void run(const Options& options) {
   const bench::Corpus corpus = bench::Corpus::read(options.corpus, options.lines);
-  bench::Contest contest;
-  contest.add("floor", corpus, bench::floor::make);
-  contest.add("pugixml", corpus, bench::peers::makePugixml);
-  contest.add("md4c", corpus, bench::peers::makeMd4c);
-  contest.add("libxml2", corpus, bench::peers::makeLibxml2);
-  contest.add("cmark", corpus, bench::peers::makeCmark);
+  bench::ParserContest contest(corpus);
   contest.run(options.rounds);
-  bench::writeMeasurements(std::cout, contest);
+  contest.write(std::cout);
 }
 
 }  // namespace

@@ -1,0 +1,71 @@
+#include "aims.hpp"
+
+#include <ostream>
+
+#include "harness/AimTable.hpp"
+
+namespace bench {
+
+namespace {
+
+/// The figures that the aims are about, out of one run.
+class Figures {
+ public:
+  explicit Figures(const Contest& allMeasured) : contest(allMeasured) {}
+
+  double nanoseconds(const std::string& name) const { return contest.of(name).nanosecondsALine(); }
+  double floors(double nanosecondsALine) const { return nanosecondsALine / nanoseconds(kFloor); }
+  double withoutLists() const { return nanoseconds(kParseLine) - nanoseconds(kLists); }
+  double timesPlain(const std::string& kind) const {
+    return nanoseconds(kParseLine + kind) / nanoseconds(kParseLine + kPlain);
+  }
+  const Measurement& parseLine() const { return contest.of(kParseLine); }
+  /// Without the copies of the lists, which are not the document's.
+  double documentAllocationsALine() const {
+    return parseLine().allocationsALine() - contest.of(kLists).allocationsALine();
+  }
+
+ private:
+  const Contest& contest;
+};
+
+void addSpeed(AimTable& table, const Figures& figures) {
+  table.atMost("parseLine without the provider's two lists, in floors",
+               figures.floors(figures.withoutLists()), 1.5);
+  table.atMost("the same, in times of pugixml's tree build",
+               figures.withoutLists() / figures.nanoseconds(kPugixml), 1);
+  table.atMost("parseLine, all counted, in floors", figures.floors(figures.nanoseconds(kParseLine)),
+               2.5);
+  table.atMost("the same, in times of md4c's events",
+               figures.nanoseconds(kParseLine) / figures.nanoseconds(kMd4c), 1);
+}
+
+void addMarked(AimTable& table, const Figures& figures) {
+  table.atMost("a marker in 1 of 10 lines, in times of the plain line",
+               figures.timesPlain(kOneIn10), 1.8);
+  table.atMost("a marker a line, data included, in times of the plain line",
+               figures.timesPlain(kOneALine), 5);
+}
+
+void addMemory(AimTable& table, const Figures& figures) {
+  const Measurement& parsed = figures.parseLine();
+  table.atMost("live bytes of the document a line", parsed.liveBytesALine(), 190);
+  table.atMost("allocations of the document a line", figures.documentAllocationsALine(), 0.05);
+  table.atMost("peak memory in times of live memory",
+               parsed.peakBytesALine() / parsed.liveBytesALine(), 1.1);
+  table.atMost("destruction in times of building", parsed.destroySeconds / parsed.buildSeconds,
+               0.3);
+}
+
+}  // namespace
+
+void writeAims(std::ostream& out, const Contest& contest) {
+  const Figures figures(contest);
+  AimTable table;
+  addSpeed(table, figures);
+  addMarked(table, figures);
+  addMemory(table, figures);
+  table.write(out);
+}
+
+}  // namespace bench

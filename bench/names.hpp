@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace bench {
+
+// What is compared, as tables show it.
+inline const std::string kFloor = "floor";
+inline const std::string kPugixml = "pugixml";
+inline const std::string kMd4c = "md4c";
+inline const std::string kLibxml2 = "libxml2";
+inline const std::string kCmark = "cmark";
+inline const std::string kParseLine = "parseLine";
+inline const std::string kLists = "the provider's two lists";
+
+// On which of the marked lines, behind one of the names above.
+inline const std::string kPlain = ", no marker, every 4th line";
+inline const std::string kOneIn100 = ", a marker in 1 of 100 lines";
+inline const std::string kOneIn10 = ", a marker in 1 of 10 lines";
+inline const std::string kOneALine = ", a marker a line";
+inline const std::string k100ALine = ", 100 markers a line";
+
+}  // namespace bench

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "quenlith/build/markup/services/ParserServicesProvider.hpp"
+
+namespace bench::parsers {
+
+/// A provider that has its lists: what it costs is the copies of the lists and nothing else.
+class CachedLists : public quenlith::build::markup::services::ParserServicesProvider {
+ public:
+  using ContributorDataParsers = std::vector<
+      std::shared_ptr<quenlith::build::markup::contributordata::LineContributorDataParser>>;
+  using CodeElementParsers =
+      std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>>;
+
+  CachedLists();
+
+  ContributorDataParsers getLineContributorDataParsers() override { return contributors; }
+  CodeElementParsers getCodeElementParsers() override { return elementParsers; }
+
+ private:
+  ContributorDataParsers contributors;
+  CodeElementParsers elementParsers;
+};
+
+}  // namespace bench::parsers
