@@ -1,0 +1,170 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <cppmicroservices/AnyMap.h>
+#include <cppmicroservices/LDAPFilter.h>
+
+using cppmicroservices::Any;
+using cppmicroservices::AnyMap;
+using cppmicroservices::LDAPFilter;
+
+namespace {
+
+AnyMap properties() {
+  AnyMap map(AnyMap::UNORDERED_MAP_CASEINSENSITIVE_KEYS);
+  map["text"] = std::string("Hello World");
+  map["Number"] = 7;
+  map["long"] = 12345678901L;
+  map["ratio"] = 2.5;
+  map["yes"] = true;
+  map["no"] = false;
+  map["list"] = std::vector<std::string>{"alpha", "beta"};
+  map["anys"] = std::vector<Any>{Any(std::string("gamma")), Any(5)};
+  map["star"] = std::string("a*b");
+  map["brackets"] = std::string("(x)\\y");
+  map["empty"] = std::string();
+  map["umlaut"] = std::string("\xC3\xA4");
+  return map;
+}
+
+struct Case {
+  const char* filter;
+  bool matches;
+};
+
+class Matching : public testing::TestWithParam<Case> {};
+
+TEST_P(Matching, SaysWhetherThePropertiesFit) {
+  const LDAPFilter filter(GetParam().filter);
+  EXPECT_EQ(filter.Match(properties()), GetParam().matches) << GetParam().filter;
+}
+
+constexpr Case kCases[] = {
+    // Equality compares texts with regard to case, keys without.
+    {"(text=Hello World)", true},
+    {"(TEXT=Hello World)", true},
+    {"(text=hello world)", false},
+    {"(text=Hello)", false},
+    {"(missing=x)", false},
+    {"(empty=)", true},
+    {"(umlaut=\xC3\xA4)", true},
+    // Numbers compare as numbers.
+    {"(number=7)", true},
+    {"(number=8)", false},
+    {"(number>=7)", true},
+    {"(number>=8)", false},
+    {"(number<=7)", true},
+    {"(number<=6)", false},
+    {"(number=seven)", false},
+    {"(long>=12345678901)", true},
+    {"(long<=12345678900)", false},
+    {"(ratio=2.5)", true},
+    {"(ratio>=2.4)", true},
+    {"(ratio<=2.4)", false},
+    // Truth values.
+    {"(yes=true)", true},
+    {"(yes=false)", false},
+    {"(no=false)", true},
+    {"(no=true)", false},
+    // Order of texts.
+    {"(text>=Hello)", true},
+    {"(text<=Hello)", false},
+    // Presence.
+    {"(text=*)", true},
+    {"(missing=*)", false},
+    {"(no=*)", true},
+    // Pieces of a text.
+    {"(text=Hello*)", true},
+    {"(text=*World)", true},
+    {"(text=*lo Wo*)", true},
+    {"(text=H*o*d)", true},
+    {"(text=H*x*d)", false},
+    {"(text=**)", true},
+    {"(text=Hello World*)", true},
+    {"(text=*Hello World)", true},
+    // A list matches where one of its values does.
+    {"(list=alpha)", true},
+    {"(list=beta)", true},
+    {"(list=gamma)", false},
+    {"(list=b*)", true},
+    {"(anys=gamma)", true},
+    {"(anys=5)", true},
+    {"(list<=aardvark)", false},
+    // About equal: case and blanks do not count.
+    {"(text~=helloworld)", true},
+    {"(text~=HELLO WORLD)", true},
+    {"(text~=hello)", false},
+    // Escapes.
+    {"(star=a\\*b)", true},
+    {"(text=\\*)", false},
+    {"(star=a*b)", true},
+    {"(brackets=\\(x\\)\\\\y)", true},
+    // And, or, not.
+    {"(&(yes=true)(number=7))", true},
+    {"(&(yes=true)(number=8))", false},
+    {"(|(yes=false)(number=7))", true},
+    {"(|(yes=false)(number=8))", false},
+    {"(!(number=8))", true},
+    {"(!(number=7))", false},
+    {"(!(missing=x))", true},
+    {"(&(|(number=1)(number=7))(!(text=x))(list=alpha))", true},
+    // Blanks between the parts do not count.
+    {"(&(yes=true) (number=7))", true},
+    {"( &( yes=true)(number=7) )", true},
+    {" (number=7)", true},
+    {"(number=7) ", true},
+};
+
+INSTANTIATE_TEST_SUITE_P(LDAPFilter, Matching, testing::ValuesIn(kCases));
+
+class Refusing : public testing::TestWithParam<const char*> {};
+
+TEST_P(Refusing, ThrowsForAFilterThatCannotBeRead) {
+  EXPECT_THROW(LDAPFilter{std::string(GetParam())}, std::invalid_argument) << GetParam();
+}
+
+INSTANTIATE_TEST_SUITE_P(LDAPFilter, Refusing,
+                         testing::Values("", "(", ")", "()", "(a)", "(a=b", "a=b", "(=b)", "(a=b))",
+                                         "(a=b)(c=d)", "(&)", "(!)", "(|)", "(!(a=b)(c=d))",
+                                         "(a>b)", "(a<b)", "(a~b)", "(&(a=b)", "(a=(b)", "x(a=b)"));
+
+}  // namespace
+
+TEST(LDAPFilter, EmptyFilterIsFalseAndMatchesNothingByItself) {
+  const LDAPFilter empty;
+  EXPECT_FALSE(empty);
+  EXPECT_EQ(empty.ToString(), "");
+  EXPECT_TRUE(LDAPFilter("(a=b)"));
+}
+
+TEST(LDAPFilter, TextIsThatOfTheFilter) {
+  EXPECT_EQ(LDAPFilter("(a=b)").ToString(), "(a=b)");
+  EXPECT_EQ(LDAPFilter("(&(a=b)(c>=1))").ToString(), "(&(a=b)(c>=1))");
+  EXPECT_EQ(LDAPFilter("(!(priority=default))").ToString(), "(!(priority=default))");
+  EXPECT_EQ(LDAPFilter("(a=b*c)").ToString(), "(a=b*c)");
+  EXPECT_EQ(LDAPFilter(" ( & ( a=b ) (c~=d) ) ").ToString(), "(&(a=b )(c~=d))");
+}
+
+TEST(LDAPFilter, FiltersWithOneTextAreEqual) {
+  EXPECT_EQ(LDAPFilter("(a=b)"), LDAPFilter("(a=b)"));
+  EXPECT_FALSE(LDAPFilter("(a=b)") == LDAPFilter("(a=c)"));
+  EXPECT_EQ(LDAPFilter(), LDAPFilter());
+}
+
+TEST(LDAPFilter, CopiesAreEqual) {
+  LDAPFilter copy;
+  const LDAPFilter filter("(a=b)");
+  copy = filter;
+  EXPECT_EQ(copy, filter);
+  EXPECT_EQ(LDAPFilter(copy).ToString(), "(a=b)");
+}
+
+TEST(LDAPFilter, CaseOfKeysMayCount) {
+  AnyMap map(AnyMap::ORDERED_MAP);
+  map["Key"] = 1;
+  EXPECT_FALSE(LDAPFilter("(key=1)").MatchCase(map));
+  EXPECT_TRUE(LDAPFilter("(Key=1)").MatchCase(map));
+}
