@@ -1,0 +1,107 @@
+#include "support/FailingAllocations.hpp"
+
+#include <cstdlib>
+
+namespace {
+
+constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
+
+thread_local std::size_t allocations = 0;
+thread_local std::size_t firstToFail = kNever;
+
+void* allocate(std::size_t size) noexcept {
+  return allocations++ >= firstToFail ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
+void* allocate(std::size_t size, std::align_val_t alignment) noexcept {
+  const auto unit = static_cast<std::size_t>(alignment);
+  const std::size_t rounded = (size + unit - 1) / unit * unit;
+  return allocations++ >= firstToFail ? nullptr
+                                      : std::aligned_alloc(unit, rounded == 0 ? unit : rounded);
+}
+
+void* orThrow(void* memory) {
+  if (memory == nullptr) {
+    throw std::bad_alloc();
+  }
+  return memory;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  return orThrow(allocate(size));
+}
+void* operator new[](std::size_t size) {
+  return orThrow(allocate(size));
+}
+void* operator new(std::size_t size, std::align_val_t unit) {
+  return orThrow(allocate(size, unit));
+}
+void* operator new[](std::size_t size, std::align_val_t unit) {
+  return orThrow(allocate(size, unit));
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return allocate(size);
+}
+void* operator new(std::size_t size, std::align_val_t unit, const std::nothrow_t&) noexcept {
+  return allocate(size, unit);
+}
+void* operator new[](std::size_t size, std::align_val_t unit, const std::nothrow_t&) noexcept {
+  return allocate(size, unit);
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::align_val_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}
+
+namespace quenlith::test {
+
+std::size_t allocationCount() {
+  return allocations;
+}
+
+FailingAllocations::FailingAllocations(std::size_t first) {
+  firstToFail = first > kNever - allocations ? kNever : allocations + first;
+}
+
+FailingAllocations::~FailingAllocations() {
+  firstToFail = kNever;
+}
+
+}  // namespace quenlith::test
