@@ -1,0 +1,44 @@
+#include "fl/i18n/utf16.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "TextTwin.hpp"
+
+namespace fl::i18n {
+namespace {
+
+TEST(ConvertUtf16, AgreesUnitByUnitAndStaysInItsRoom) {
+  const std::uint64_t seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937_64 random(seed);
+  for (int round = 0; round < 50'000; ++round) {
+    const std::u16string text = twin::randomUnits(random);
+    std::string buffer(text.size() * kMaxUtf8BytesPerUnit + 1, '\x5A');
+    const std::size_t length = convertUtf16(text, buffer.data());
+    ASSERT_EQ(buffer.back(), '\x5A');
+    ASSERT_EQ(buffer.substr(0, length), twin::encodeUtf8(text));
+  }
+}
+
+// A pair that the sixteen units read at once, or the part of a long text, would divide.
+TEST(ConvertUtf16, KeepsPairsTogether) {
+  for (std::size_t before = 0; before < 1100; ++before) {
+    const std::u16string text = std::u16string(before, u'a') + u"\U0001F600z";
+    std::string bytes(text.size() * kMaxUtf8BytesPerUnit, '\0');
+    bytes.resize(convertUtf16(text, bytes.data()));
+    ASSERT_EQ(bytes, std::string(before, 'a') + "\xF0\x9F\x98\x80z") << before;
+  }
+}
+
+TEST(AppendUtf8, KeepsWhatIsThere) {
+  std::string output = "x = ";
+  appendUtf8(output, u"\u00E9");
+  appendUtf8(output, u"");
+  EXPECT_EQ(output, "x = \xC3\xA9");
+}
+
+}  // namespace
+}  // namespace fl::i18n
