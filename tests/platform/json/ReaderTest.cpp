@@ -1,0 +1,160 @@
+#include "foundation/json/Reader.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace foundation::json {
+namespace {
+
+using enum Token;
+
+struct Step {
+  Token token;
+  std::size_t begin;
+  std::size_t end;
+  friend bool operator==(const Step&, const Step&) = default;
+};
+
+std::vector<Step> stepsOf(Reader reader) {
+  std::vector<Step> steps;
+  do {
+    const Token token = reader.next();
+    steps.push_back({token, reader.begin(), reader.end()});
+  } while (steps.back().token != kEnd && steps.back().token != kError);
+  return steps;
+}
+
+TEST(Reader, TellsTokensAndTheirPlaces) {
+  const std::vector<Step> expected{{kBeginObject, 1, 2}, {kKey, 3, 6},      {kBeginArray, 9, 10},
+                                   {kNumber, 10, 13},    {kTrue, 15, 19},   {kFalse, 20, 25},
+                                   {kNull, 26, 30},      {kString, 31, 35}, {kEndArray, 36, 37},
+                                   {kEndObject, 38, 39}, {kEnd, 40, 40}};
+  EXPECT_EQ(stepsOf(Reader(u" { \"a\" : [1.5, true,false,null,\"\\n\" ] }\n")), expected);
+}
+
+TEST(Reader, StringsKeepUnpairedSurrogatesAsUnits) {
+  Reader reader(u"[\"a\\ud83d\", \"\\ud83d\\uDE00\\/\\b\\f\\n\\r\\t\\\"\\\\\", \"raw\"]");
+  reader.next();
+  reader.next();
+  EXPECT_EQ(reader.text(), (std::u16string{u'a', 0xD83D}));
+  EXPECT_EQ(reader.utf8(), "a\xEF\xBF\xBD");
+  reader.next();
+  EXPECT_EQ(reader.text(), u"\U0001F600/\b\f\n\r\t\"\\");
+  EXPECT_EQ(reader.utf8(), "\xF0\x9F\x98\x80/\b\f\n\r\t\"\\");
+  reader.next();
+  EXPECT_EQ(reader.text(), u"raw");
+}
+
+// However the halves of a pair are spelt.
+TEST(Reader, EscapedAndRawHalvesMakeAPair) {
+  for (const std::u16string half :
+       {u"\"\\ud83d\xDE00\"", u"\"\xD83D\\ude00\"", u"\"\xD83D\xDE00\""}) {
+    Reader reader(half);
+    reader.next();
+    EXPECT_EQ(reader.utf8(), "\xF0\x9F\x98\x80");
+  }
+}
+
+struct Failure {
+  std::u16string text;
+  std::size_t position;
+  std::string reason;
+};
+
+const std::vector<Failure> kFailures{
+    {u"", 0, "the text ends too early"},
+    {u"  ", 2, "the text ends too early"},
+    {u"[1,", 3, "the text ends too early"},
+    {u"[1", 2, "the text ends too early"},
+    {u"{\"a\"", 4, "the text ends too early"},
+    {u"\"abc", 4, "the text ends too early"},
+    {u"x", 0, "a value is missing"},
+    {u"[1,]", 3, "a value is missing"},
+    {u"[,1]", 1, "a value is missing"},
+    {u"{\"a\":}", 5, "a value is missing"},
+    {u"trux", 0, "a value is missing"},
+    {u"nul ", 0, "a value is missing"},
+    {u"falsy", 0, "a value is missing"},
+    {u"-x", 1, "a value is missing"},
+    {u"+1", 0, "a value is missing"},
+    {u".5", 0, "a value is missing"},
+    {u"{a:1}", 1, "a key in quotes is missing"},
+    {u"{\"a\":1,}", 7, "a key in quotes is missing"},
+    {u"{1:1}", 1, "a key in quotes is missing"},
+    {u"{\"a\" 1}", 5, "a ':' is missing"},
+    {u"{\"a\":1 \"b\"}", 7, "a ',' or '}' is missing"},
+    {u"{\"a\":1]", 6, "a ',' or '}' is missing"},
+    {u"[1 2]", 3, "a ',' or ']' is missing"},
+    {u"[1}", 2, "a ',' or ']' is missing"},
+    {u"[01]", 2, "a ',' or ']' is missing"},
+    {u"1 2", 2, "there is text behind the value"},
+    {u"{}]", 2, "there is text behind the value"},
+    {u"[1.]", 3, "a digit is missing"},
+    {u"[1e]", 3, "a digit is missing"},
+    {u"[1e+]", 4, "a digit is missing"},
+    {u"[1E-x]", 4, "a digit is missing"},
+    {u"[1e400]", 1, "the number is beyond the largest double"},
+    {u"\"a\nb\"", 2, "a control character stands in a string"},
+    {u"\"a\tb\"", 2, "a control character stands in a string"},
+    {{u'"', 0, u'"'}, 1, "a control character stands in a string"},
+    {u"{\"a\x1F\":1}", 3, "a control character stands in a string"},
+    {u"\"\\x\"", 1, "there is no such escape"},
+    {u"\"\\U0041\"", 1, "there is no such escape"},
+    {u"\"\\u12g4\"", 1, "there is no such escape"},
+    {u"\"\\u12/4\"", 1, "there is no such escape"},
+    {u"\"\\u12", 1, "there is no such escape"},
+    {u"\"\\", 1, "there is no such escape"},
+    {u"\u00A01", 0, "a value is missing"},
+    {u"\v1", 0, "a value is missing"},
+    {u"\uFEFF1", 0, "a value is missing"},
+};
+
+TEST(Reader, SaysWhereAndWhyATextIsNoJson) {
+  for (const auto& [text, position, reason] : kFailures) {
+    Reader reader(text);
+    Token token = reader.next();
+    while (token != kError && token != kEnd) {
+      token = reader.next();
+    }
+    ASSERT_EQ(token, kError) << testing::PrintToString(text);
+    EXPECT_EQ(reader.begin(), position) << testing::PrintToString(text);
+    EXPECT_EQ(reader.error(), reason) << testing::PrintToString(text);
+    EXPECT_EQ(reader.next(), kError);
+  }
+}
+
+TEST(Reader, HexDigitsMayBeOfEitherCase) {
+  Reader reader(u"\"\\u00e9\\u00E9\\uABCD\\uabcd\"");
+  reader.next();
+  EXPECT_EQ(reader.text(), u"\u00E9\u00E9\uABCD\uABCD");
+}
+
+TEST(Reader, BlanksOnlyTakesNoLineBreak) {
+  EXPECT_EQ(stepsOf(Reader(u"[ \t1 \t]", 0, Space::kBlanks)).back().token, kEnd);
+  EXPECT_EQ(stepsOf(Reader(u"[\n1]", 0, Space::kBlanks)).back(), (Step{kError, 1, 1}));
+  EXPECT_EQ(stepsOf(Reader(u"[\r1]", 0, Space::kBlanks)).back().token, kError);
+  EXPECT_EQ(stepsOf(Reader(u"[\r\n1]")).back().token, kEnd);
+}
+
+TEST(Reader, NestingHasALimit) {
+  for (const std::size_t limit : {std::size_t{1}, std::size_t{64}, Reader::kMaxDepth}) {
+    const std::u16string fits = std::u16string(limit, u'[') + std::u16string(limit, u']');
+    EXPECT_EQ(stepsOf(Reader(fits, 0, Space::kAll, limit)).back().token, kEnd) << limit;
+    const std::u16string deeper = u"[" + fits + u"]";
+    EXPECT_EQ(stepsOf(Reader(deeper, 0, Space::kAll, limit)).back(), (Step{kError, limit, limit}));
+  }
+}
+
+TEST(Reader, TellsHowManyContainersAreOpen) {
+  Reader reader(u"{\"a\":[1]}");
+  std::vector<std::size_t> depths;
+  while (reader.next() != kEnd) {
+    depths.push_back(reader.depth());
+  }
+  EXPECT_EQ(depths, (std::vector<std::size_t>{1, 1, 2, 2, 1, 0}));
+}
+
+}  // namespace
+}  // namespace foundation::json

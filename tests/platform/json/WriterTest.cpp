@@ -1,0 +1,101 @@
+#include "foundation/json/Writer.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace foundation::json {
+namespace {
+
+void writeSample(Writer& writer) {
+  writer.beginObject();
+  writer.key("list");
+  writer.beginArray();
+  writer.number(std::int64_t{-1});
+  writer.number(std::uint64_t{1});
+  writer.number(1.0);
+  writer.number(0.5F);
+  writer.boolean(true);
+  writer.boolean(false);
+  writer.null();
+  writer.endArray();
+  writer.key("k\x7F");
+  writer.text(u"\u00E9");
+  writer.key("empty");
+  writer.beginArray();
+  writer.endArray();
+  writer.key("none");
+  writer.beginObject();
+  writer.endObject();
+  writer.key("value");
+  writer.value(Value(Object{{"a", Value("\x7F")}, {"b", Value(Array{Value(2)})}}));
+  writer.endObject();
+}
+
+std::string sample(Form form) {
+  std::string output;
+  Writer writer(output, form);
+  writeSample(writer);
+  return output;
+}
+
+TEST(Writer, CompactHasNoBlanks) {
+  EXPECT_EQ(sample(Form::kCompact),
+            "{\"list\":[-1,1,1,0.5,true,false,null],\"k\\u007f\":\"\xC3\xA9\",\"empty\":[],"
+            "\"none\":{},\"value\":{\"a\":\"\\u007f\",\"b\":[2]}}");
+}
+
+TEST(Writer, CanonicalSpellsDoublesAndTextsItsOwnWay) {
+  EXPECT_EQ(sample(Form::kCanonical),
+            "{\"list\":[-1,1,1.0,0.5,true,false,null],\"k\x7F\":\"\xC3\xA9\",\"empty\":[],"
+            "\"none\":{},\"value\":{\"a\":\"\x7F\",\"b\":[2]}}");
+}
+
+TEST(Writer, IndentedHasTwoBlanksALevel) {
+  EXPECT_EQ(sample(Form::kIndented), R"({
+  "list": [
+    -1,
+    1,
+    1,
+    0.5,
+    true,
+    false,
+    null
+  ],
+  "k\u007f": "é",
+  "empty": [],
+  "none": {},
+  "value": {
+    "a": "\u007f",
+    "b": [
+      2
+    ]
+  }
+})");
+}
+
+TEST(Writer, ValuesAtTheTopFollowOneAnother) {
+  std::string output;
+  Writer writer(output, Form::kCompact);
+  writer.value(Value(1));
+  output += "\n";
+  writer.beginObject();
+  writer.endObject();
+  output += "\n";
+  writer.object({{"a", Value(1)}});
+  EXPECT_EQ(output, "1\n{}\n{\"a\":1}");
+}
+
+TEST(Writer, TheCallerMayEmptyTheStringBetweenPieces) {
+  std::string output;
+  Writer writer(output, Form::kCompact);
+  writer.beginArray();
+  writer.null();
+  output.clear();
+  writer.null();
+  writer.endArray();
+  EXPECT_EQ(output, ",null]");
+}
+
+}  // namespace
+}  // namespace foundation::json
