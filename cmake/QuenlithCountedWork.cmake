@@ -8,6 +8,7 @@ function(quenlith_count_work target)
     add_library(${target}_${library} OBJECT)
     get_target_property(folder quenlith_${library} SOURCE_DIR)
     get_target_property(sources quenlith_${library} SOURCES)
+    list(FILTER sources INCLUDE REGEX "\\.cpp$")
     list(TRANSFORM sources PREPEND "${folder}/")
     target_sources(${target}_${library} PRIVATE ${sources})
     target_include_directories(${target}_${library} PUBLIC

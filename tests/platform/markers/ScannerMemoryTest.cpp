@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "quenlith/syntax/markers.hpp"
+#include "support/FailingAllocations.hpp"
+
+namespace quenlith::syntax {
+namespace {
+
+using fl::i18n::ustring;
+using quenlith::test::allocationCount;
+using quenlith::test::failEachAllocation;
+
+const ustring kMarked =
+    u"x # <@task#a-rather-long-identifier [1,2] {\"a key of some length\":[1,\"and a long "
+    u"text\"]}> "
+    u"// <@text:anchor#\"another one, quoted\"> ## <@output>";
+
+TEST(ScannerMemory, ATextWithoutAMarkerNeedsNone) {
+  const ustring damaged =
+      u"a long line without markers # <@task {\"a\":[1,2,{\"b\":\"c\"}] # <@widget> <@task> // "
+      u"<@text#\"";
+  const ustring task = u"task";
+  const std::size_t before = allocationCount();
+  EXPECT_TRUE(get_markers_from_snippet(damaged, false).empty());
+  EXPECT_FALSE(has_feature(damaged, task));
+  EXPECT_EQ(allocationCount(), before);
+}
+
+TEST(ScannerMemory, AskingForAFeatureNeedsNone) {
+  const ustring output = u"output";
+  const std::size_t before = allocationCount();
+  EXPECT_TRUE(has_feature(kMarked, output));
+  EXPECT_EQ(allocationCount(), before);
+}
+
+TEST(ScannerMemory, BareMarkersShareTheirParts) {
+  const ustring task = u"task";
+  const Marker first(task);
+  const std::size_t before = allocationCount();
+  const Marker second(task);
+  EXPECT_EQ(allocationCount(), before);
+  EXPECT_EQ(get_markers_from_snippet(u"# <@task>", false)[0].marker.elementView().data(),
+            first.elementView().data());
+}
+
+TEST(ScannerMemory, CopyingAMarkerNeedsNone) {
+  const auto markers = get_markers_from_snippet(kMarked, false);
+  const std::size_t before = allocationCount();
+  const Marker copy =
+      markers[0].marker;  // NOLINT(performance-unnecessary-copy-initialization): the subject
+  EXPECT_TRUE(copy == markers[0].marker);
+  EXPECT_EQ(allocationCount(), before);
+}
+
+TEST(ScannerMemory, FailingAllocationsOnlyThrowBadAlloc) {
+  const auto nothing = [] {};
+  EXPECT_GT(failEachAllocation([] { get_markers_from_snippet(kMarked, true); }, nothing), 8U);
+  const auto markers = get_markers_from_snippet(kMarked, true);
+  ASSERT_EQ(markers.size(), 3U);
+  EXPECT_GT(failEachAllocation([&] { markers[0].marker.toString(); }, nothing), 2U);
+  EXPECT_GT(failEachAllocation([&] { markers[0].marker.getData(); }, nothing), 2U);
+  Marker target(u"# <@task#before>");
+  const ustring text = markers[0].marker.toString();
+  EXPECT_GT(failEachAllocation([&] { target = Marker(text); },
+                               [&] { EXPECT_EQ(target.idView(), u"before"); }),
+            2U);
+  EXPECT_TRUE(target == markers[0].marker);
+}
+
+}  // namespace
+}  // namespace quenlith::syntax
