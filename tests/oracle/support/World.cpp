@@ -51,6 +51,9 @@ bool World::canParse(std::size_t parser, const Marker& marker) {
 PieceResult World::parsePiece(std::size_t parser, const ustring& text,
                               const std::optional<Marker>& marker,
                               const std::optional<Range>& range) {
+  if (parser == defaultParser() && plan.builtInDefaultParser) {
+    return {PieceResult::Kind::kFresh, text};
+  }
   note("parse " + std::to_string(parser) + ' ' + show(text) + ' ' +
        (marker ? showMarker(*marker) : "no marker") + ' ' + showRange(range));
   throwIfPlanned();

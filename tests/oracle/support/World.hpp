@@ -29,6 +29,8 @@ struct AnswerRule {
 struct WorldPlan {
   std::vector<AnswerRule> codeElementParsers;
   bool hasDefaultParser = true;
+  /// The default parser is the one of the bundle, which is in no trace and never fails.
+  bool builtInDefaultParser = false;
   std::vector<AnswerRule> contributorParsers;
   /// One in so many results of a parser service is no fresh node; 0 for none.
   std::uint64_t oddResultOneIn = 0;

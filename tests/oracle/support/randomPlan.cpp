@@ -33,6 +33,7 @@ WorldPlan randomPlan(Random& random) {
   WorldPlan plan;
   plan.codeElementParsers = randomRules(random, 3);
   plan.hasDefaultParser = !random.oneIn(50);
+  plan.builtInDefaultParser = random.oneIn(2);
   if (!random.oneIn(3)) plan.contributorParsers = randomRules(random, 3);
   plan.oddResultOneIn = random.oneIn(10) ? 4 : 0;
   plan.throwOneIn = random.oneIn(50) ? 5 : 0;
@@ -44,6 +45,7 @@ WorldPlan randomPlan(Random& random) {
 WorldPlan randomPlainPlan(Random& random) {
   if (random.oneIn(10)) return randomPlan(random);
   WorldPlan plan;
+  plan.builtInDefaultParser = !random.oneIn(4);
   plan.throwOneIn = random.oneIn(10) ? 12 : 0;
   plan.salt = random.next();
   plan.logging = random.oneIn(2);

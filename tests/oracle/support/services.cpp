@@ -5,6 +5,7 @@
 
 #include "contributors/kdzero/LineData.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
+#include "quenlith/build/markup/code/PlainTextNodeParserImpl.hpp"
 
 namespace quenlith::oracle {
 
@@ -71,12 +72,19 @@ WorldProvider::WorldProvider(World& serviceWorld)
   for (std::size_t i = 0; i < last; ++i) {
     codeElementParsers.push_back(std::make_shared<Pieces>(world, i, lastNode));
   }
-  const bool hasDefault = world.getPlan().hasDefaultParser;
-  codeElementParsers.push_back(hasDefault ? std::make_shared<Pieces>(world, last, lastNode)
-                                          : nullptr);
+  codeElementParsers.push_back(makeDefaultParser());
   for (std::size_t i = 0; i < world.getPlan().contributorParsers.size(); ++i) {
     contributorParsers.push_back(std::make_shared<Contributions>(world, i));
   }
+}
+
+std::shared_ptr<CodeElementParser> WorldProvider::makeDefaultParser() const {
+  const WorldPlan& plan = world.getPlan();
+  if (!plan.hasDefaultParser) return nullptr;
+  if (plan.builtInDefaultParser) {
+    return std::make_shared<build::markup::code::PlainTextNodeParserImpl>();
+  }
+  return std::make_shared<Pieces>(world, world.defaultParser(), lastNode);
 }
 
 std::vector<std::shared_ptr<LineContributorDataParser>>

@@ -28,6 +28,8 @@ class WorldProvider final : public build::markup::services::ParserServicesProvid
   class Pieces;
   class Contributions;
 
+  std::shared_ptr<CodeElementParser> makeDefaultParser() const;
+
   World& world;
   std::shared_ptr<document::kdzero::Node> lastNode;
   std::vector<std::shared_ptr<CodeElementParser>> codeElementParsers;
