@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "quenlith/build/markup/SnippetParser.hpp"
+
+/// A snippet parser that a test tells what to do, and that keeps what it was asked.
+class FakeParser final : public quenlith::build::markup::SnippetParser {
+ public:
+  using Document = document::kdzero::TesseraDocument;
+  using ParseResult = quenlith::build::markup::ParseResult;
+  using Snippet = quenlith::build::markup::Snippet;
+
+  bool canParse(const Snippet& snippet) override {
+    asked.push_back(snippet);
+    return accepts(snippet);
+  }
+  ParseResult parse(std::shared_ptr<Document> document, const Snippet& snippet) override {
+    parsed.push_back(snippet);
+    return parses(*document, snippet);
+  }
+  void reset() override {
+    ++resets;
+    onReset();
+  }
+
+  std::function<bool(const Snippet&)> accepts = [](const Snippet&) { return true; };
+  std::function<ParseResult(Document&, const Snippet&)> parses = [](Document&, const Snippet&) {
+    return ParseResult();
+  };
+  std::function<void()> onReset = [] {};
+  std::vector<Snippet> asked;
+  std::vector<Snippet> parsed;
+  int resets = 0;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+/// A folder of its own for a test, removed with all that is in it.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  std::string path(std::string_view name) const { return (folder / name).string(); }
+  /// Writes a file and returns its path.
+  std::string write(std::string_view name, std::string_view bytes) const;
+  std::string read(std::string_view name) const;
+
+ private:
+  std::filesystem::path folder;
+};
