@@ -41,12 +41,12 @@ Command CommandReader::read() {
   Command command;
   std::vector<Key> keys;
   readMembers(command, keys);
-  if (next() != Token::kEnd) fail(json.begin(), "text behind the command");
   const auto isOp = [](const Key& key) { return key.name == u"op"; };
   if (std::ranges::none_of(keys, isOp)) fail(0, "the key \"op\" is missing");
   const auto row = std::ranges::find(operations(), command.operation, &OperationRow::operation);
   std::erase_if(keys, isOp);
   requireKeys(keys, row->keys);
+  if (next() != Token::kEnd) fail(json.begin(), "text behind the command");
   return command;
 }
 

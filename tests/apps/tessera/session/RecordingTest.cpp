@@ -1,0 +1,62 @@
+#include "tessera/session/Recording.hpp"
+
+#include <gtest/gtest.h>
+
+#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "tessera/Problem.hpp"
+
+namespace {
+
+using quenlith::build::markup::Snippet;
+using tessera::session::Recording;
+
+TEST(Recording, WritesEachCallBeforeItIsMade) {
+  const TemporaryFolder folder;
+  Recording recording(folder.path("r"));
+  recording.begin({u"%<@task#a>"}, u"code");
+  recording.reset("P");
+  recording.canParse("P", Snippet{u"co\"de", {1, 3}, u"code"});
+  // All is in the file while the recording goes on: the call may be the last thing that happens.
+  EXPECT_EQ(folder.read("r"),
+            "{\"op\":\"document\"}\n"
+            "{\"op\":\"appendix\",\"entries\":[\"%<@task#a>\"]}\n"
+            "{\"op\":\"reset\",\"parser\":\"P\"}\n"
+            "{\"op\":\"canParse\",\"parser\":\"P\",\"snippet\":{\"text\":\"co\\\"de\",\"type\":{"
+            "\"group\":1,"
+            "\"kind\":3},\"auxiliaryText\":\"code\"}}\n");
+}
+
+TEST(Recording, WritesTheAuxiliaryTextOnlyWhenItChanges) {
+  const TemporaryFolder folder;
+  Recording recording(folder.path("r"));
+  const auto countOf = [&](std::string_view wanted) {
+    const std::string text = folder.read("r");
+    std::size_t count = 0;
+    for (auto at = text.find(wanted); at != text.npos; at = text.find(wanted, at + 1)) ++count;
+    return count;
+  };
+  // At first it is empty.
+  recording.begin({}, u"");
+  recording.parse("P", Snippet{u"", {}, u""});
+  EXPECT_EQ(countOf("auxiliaryText"), 0u);
+  recording.end();
+  for (int file = 0; file < 2; ++file) {
+    recording.begin({}, u"same");
+    recording.parse("P", Snippet{u"same", {}, u"same"});
+    recording.parse("P", Snippet{u"same", {}, u"same"});
+    recording.end();
+  }
+  EXPECT_EQ(countOf("\"auxiliaryText\":\"same\""), 1u);
+  recording.begin({}, u"other");
+  recording.parse("P", Snippet{u"other", {}, u"other"});
+  EXPECT_EQ(countOf("\"auxiliaryText\":\"other\""), 1u);
+  EXPECT_EQ(countOf("{\"op\":\"nodes\"}\n"), 3u);
+}
+
+TEST(Recording, AFileThatCannotBeWrittenIsAnError) {
+  EXPECT_THROW(Recording("/"), tessera::OutputError);
+  Recording full("/dev/full");
+  EXPECT_THROW(full.reset("P"), tessera::OutputError);
+}
+
+}  // namespace
