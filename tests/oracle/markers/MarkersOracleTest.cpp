@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <map>
+#include <random>
+#include <string>
+
+#include "MarkerTwin.hpp"
+#include "RandomMarkers.hpp"
+#include "fl/i18n/ustring.hpp"
+#include "quenlith/syntax/markers.hpp"
+
+namespace quenlith::oracle {
+namespace {
+
+using fl::i18n::ustring;
+using fl::i18n::ustring_to_utf8;
+using syntax::Marker;
+using syntax::core::MarkerInfo;
+
+constexpr int kTexts = 200'000;
+constexpr int kLeast = 1000;
+
+// The seed of the run; MARKERS_SEED repeats one.
+std::uint64_t chooseSeed() {
+  const char* given = std::getenv("MARKERS_SEED");
+  return given != nullptr ? std::strtoull(given, nullptr, 10) : std::random_device{}();
+}
+
+bool agrees(const MarkerInfo& real, const TwinMarker& twin) {
+  return real.position == twin.position && real.length == twin.length && real.range == twin.range &&
+         real.marker.getElement() == twin.element && real.marker.getType() == twin.type &&
+         real.marker.getId() == twin.id && real.marker.getData() == twin.data;
+}
+
+// How often the random texts held what the comparison is about.
+class Tally {
+ public:
+  void count(const ustring& text, const std::vector<TwinMarker>& known,
+             const std::vector<TwinMarker>& any) {
+    add("texts with a marker", !known.empty());
+    add("texts with an opening and no marker", known.empty() && syntax::mayHoldMarker(text));
+    add("texts with several markers", known.size() > 1);
+    add("texts with an unknown element", any.size() > known.size());
+    add("texts where an unknown element hides a marker", hides(known, any));
+    add("texts with a damaged marker", !syntax::findDamagedMarkers(text).empty());
+    for (const TwinMarker& marker : known) {
+      countMarker(text.substr(marker.position, marker.length), marker);
+    }
+  }
+
+  void print() const {
+    for (const auto& [name, count] : counts) {
+      std::cout << name << ": " << count << "\n";
+    }
+  }
+
+  void expectEnough() const {
+    for (const auto& [name, count] : counts) {
+      EXPECT_GE(count, kLeast) << name;
+    }
+  }
+
+ private:
+  void add(const std::string& name, bool seen) { counts[name] += seen ? 1 : 0; }
+
+  static bool hides(const std::vector<TwinMarker>& known, const std::vector<TwinMarker>& any) {
+    std::size_t alsoKnown = 0;
+    for (const TwinMarker& marker : any) {
+      alsoKnown += syntax::isKnownElement(marker.element) ? 1U : 0U;
+    }
+    return alsoKnown < known.size();
+  }
+
+  void countMarker(const ustring& text, const TwinMarker& marker) {
+    add("markers with a type", !marker.type.empty());
+    add("markers with a quoted id", text.find(u"#\"") != ustring::npos && !marker.id.empty());
+    add("markers with a range", marker.range.has_value());
+    add("markers with a saturated range", marker.range && marker.range->first + 1 == 0);
+    add("markers with data", !marker.data.empty());
+    add("markers with an opening inside", text.find(u"<@", text.find(u"<@") + 1) != ustring::npos);
+    add("markers with escapes", text.find(u'\\') != ustring::npos);
+    add("markers at the greatest depth", text.find(ustring(62, u'[')) != ustring::npos);
+  }
+
+  std::map<std::string, int> counts;
+};
+
+void compareScan(const ustring& text, bool anyElement, const std::vector<TwinMarker>& expected) {
+  const auto real = syntax::get_markers_from_snippet(text, anyElement);
+  ASSERT_EQ(real.size(), expected.size()) << ustring_to_utf8(text);
+  for (std::size_t index = 0; index < real.size(); ++index) {
+    ASSERT_TRUE(agrees(real[index], expected[index])) << ustring_to_utf8(text) << "\n" << index;
+    const Marker& marker = real[index].marker;
+    ASSERT_TRUE(Marker(marker.toString()) == marker) << ustring_to_utf8(marker.toString());
+    ASSERT_TRUE(Marker(text.substr(expected[index].position, expected[index].length)) == marker)
+        << ustring_to_utf8(text);
+  }
+}
+
+void compareFeatures(const ustring& text, const std::vector<TwinMarker>& known) {
+  for (const ustring element : {u"control", u"output", u"task", u"text", u"widget"}) {
+    bool expected = false;
+    for (const TwinMarker& marker : known) {
+      expected = expected || marker.element == element;
+    }
+    ASSERT_EQ(syntax::has_feature(text, element), expected) << ustring_to_utf8(text);
+  }
+}
+
+TEST(MarkersOracle, TheScannerFollowsTheGrammarWordByWord) {
+  const std::uint64_t seed = chooseSeed();
+  std::cout << "seed " << seed << "\n";
+  RandomMarkers random(seed);
+  Tally tally;
+  for (int round = 0; round < kTexts && !HasFatalFailure(); ++round) {
+    const ustring text = random.text();
+    const auto known = twinMarkers(text, false);
+    const auto any = twinMarkers(text, true);
+    compareScan(text, false, known);
+    compareScan(text, true, any);
+    compareFeatures(text, known);
+    tally.count(text, known, any);
+  }
+  tally.print();
+  tally.expectEnough();
+}
+
+}  // namespace
+}  // namespace quenlith::oracle
