@@ -1,0 +1,80 @@
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "fl/i18n/ustring.hpp"
+#include "foundation/json/Reader.hpp"
+#include "foundation/json/Writer.hpp"
+#include "foundation/json/read.hpp"
+#include "foundation/json/write.hpp"
+#include "fuzz/require.hpp"
+
+namespace {
+
+using fl::i18n::ustring;
+using foundation::json::Value;
+using quenlith::fuzz::require;
+
+std::string written(const Value& value, foundation::json::Form form) {
+  std::string text;
+  foundation::json::Writer(text, form).value(value);
+  return text;
+}
+
+// A value that was read is written in each form as JSON; the canonical one gives it back.
+void checkText(const ustring& text) {
+  const auto read = foundation::json::readText(text);
+  if (!read.value) {
+    require(read.failure.position <= text.size(), "a failure lies within the text");
+    return;
+  }
+  const std::string canonical = written(*read.value, foundation::json::Form::kCanonical);
+  const auto again = foundation::json::readText(fl::i18n::utf8_to_ustring(canonical));
+  require(again.value && *again.value == *read.value, "canonical text gives the value back");
+  require(written(*again.value, foundation::json::Form::kCanonical) == canonical,
+          "canonical text is stable");
+  require(again.value->hash() == read.value->hash(), "equal values have equal hashes");
+  for (const auto form : {foundation::json::Form::kCompact, foundation::json::Form::kIndented}) {
+    const std::string output = written(*read.value, form);
+    require(foundation::json::readText(fl::i18n::utf8_to_ustring(output)).value.has_value(),
+            "every form is JSON");
+  }
+}
+
+void checkTokens(const ustring& text) {
+  foundation::json::Reader reader(text);
+  std::size_t before = 0;
+  while (true) {
+    const auto token = reader.next();
+    require(reader.begin() >= before && reader.end() <= text.size(), "tokens ascend");
+    before = reader.begin();
+    if (token == foundation::json::Token::kError || token == foundation::json::Token::kEnd) {
+      return;
+    }
+  }
+}
+
+void checkEmbedded(const ustring& text) {
+  const std::size_t from = text.find(u'{');
+  if (from == ustring::npos) {
+    return;
+  }
+  const auto read = foundation::json::readEmbeddedObject(text, from);
+  const auto measured = foundation::json::measureEmbeddedObject(text, from);
+  require(read.has_value() == measured.end.has_value(), "reading and measuring agree");
+  if (read) {
+    require(read->end == *measured.end && text[read->end - 1] == u'}', "it ends at its brace");
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const ustring text =
+      fl::i18n::utf8_to_ustring(std::string_view(reinterpret_cast<const char*>(data), size));
+  checkText(text);
+  checkTokens(text);
+  checkEmbedded(text);
+  return 0;
+}

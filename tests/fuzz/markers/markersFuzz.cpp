@@ -1,0 +1,65 @@
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "fl/i18n/ustring.hpp"
+#include "fuzz/require.hpp"
+#include "oracle/markers/MarkerTwin.hpp"
+#include "quenlith/syntax/markers.hpp"
+
+namespace {
+
+using fl::i18n::ustring;
+using quenlith::fuzz::require;
+using quenlith::oracle::TwinMarker;
+using quenlith::syntax::Marker;
+
+// The bytes as UTF-8, with halves of a pair where they are none.
+ustring textOf(std::string_view bytes) {
+  ustring text = fl::i18n::utf8_to_ustring(bytes);
+  bool high = false;
+  for (char16_t& unit : text) {
+    if (unit == u'\uFFFD') {
+      high = !high;
+      unit = high ? char16_t{0xD83D} : char16_t{0xDE00};
+    }
+  }
+  return text;
+}
+
+void checkScan(const ustring& text, bool anyElement) {
+  const auto real = quenlith::syntax::get_markers_from_snippet(text, anyElement);
+  const std::vector<TwinMarker> twin = quenlith::oracle::twinMarkers(text, anyElement);
+  require(real.size() == twin.size(), "as many markers as the grammar gives");
+  for (std::size_t index = 0; index < real.size(); ++index) {
+    const Marker& marker = real[index].marker;
+    require(real[index].position == twin[index].position &&
+                real[index].length == twin[index].length && real[index].range == twin[index].range,
+            "each in its place");
+    require(marker.getElement() == twin[index].element && marker.getType() == twin[index].type &&
+                marker.getId() == twin[index].id && marker.getData() == twin[index].data,
+            "each with its parts");
+    const ustring canonical = marker.toString();
+    require(Marker(canonical) == marker, "canonical text gives the marker back");
+    require(Marker(canonical).toString() == canonical, "canonical text is stable");
+    require(quenlith::syntax::has_feature(text, marker.getElement()) ||
+                !quenlith::syntax::isKnownElement(marker.elementView()) || anyElement,
+            "its element is found");
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const ustring text = textOf(std::string_view(reinterpret_cast<const char*>(data), size));
+  checkScan(text, false);
+  checkScan(text, true);
+  const Marker marker(text);
+  require(Marker(marker.toString()) == marker, "a marker from text comes back");
+  for (const auto& damaged : quenlith::syntax::findDamagedMarkers(text)) {
+    require(damaged.position < damaged.problemPosition && damaged.problemPosition <= text.size(),
+            "a problem lies behind its start");
+  }
+  return 0;
+}

@@ -1,0 +1,49 @@
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "fl/i18n/ustring.hpp"
+#include "fl/i18n/utf8.hpp"
+#include "fuzz/require.hpp"
+
+namespace {
+
+using fl::i18n::ustring;
+using quenlith::fuzz::require;
+
+void checkBytes(std::string_view bytes) {
+  const ustring text = fl::i18n::utf8_to_ustring(bytes);
+  ustring buffer(bytes.size(), u'\0');
+  const auto conversion = fl::i18n::convertUtf8(bytes, buffer.data());
+  buffer.resize(conversion.length);
+  require(buffer == text, "both ways to convert agree");
+  require(fl::i18n::findInvalidUtf8(bytes) == conversion.firstInvalid, "validation agrees");
+  const std::string back = fl::i18n::ustring_to_utf8(text);
+  require((back == bytes) == !conversion.firstInvalid, "only well-formed bytes come back");
+}
+
+void checkUnits(const ustring& text) {
+  const std::string bytes = fl::i18n::ustring_to_utf8(text);
+  require(bytes.size() >= text.size(), "never fewer bytes than units");
+  require(!fl::i18n::findInvalidUtf8(bytes), "what is written is well-formed");
+  const ustring back = fl::i18n::utf8_to_ustring(bytes);
+  require(back.size() == text.size(), "a bad unit becomes one unit");
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const bool isSurrogate = (text[at] & 0xF800) == 0xD800;
+    require(back[at] == text[at] || (isSurrogate && back[at] == u'\uFFFD'), "units come back");
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  checkBytes(std::string_view(reinterpret_cast<const char*>(data), size));
+  ustring units(size / sizeof(char16_t), u'\0');
+  if (!units.empty()) {
+    std::memcpy(units.data(), data, units.size() * sizeof(char16_t));
+  }
+  checkUnits(units);
+  return 0;
+}
