@@ -1,0 +1,104 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "document/kdzero/TesseraDocument.hpp"
+#include "quenlith/build/markup/services/ParserServicesProvider.hpp"
+#include "quenlith/shared/appendix/AppendixBuilder.hpp"
+
+namespace quenlith::test {
+
+using fl::i18n::ustring;
+
+/// What a fake throws when it is told to.
+struct ServiceFailure {};
+
+/// Takes the markers of one element and makes plain-text nodes whose text is "name(text)".
+class FakeElementParser final : public build::markup::code::CodeElementParser {
+ public:
+  FakeElementParser(ustring name, ustring element)
+      : ownName(std::move(name)), accepted(std::move(element)) {}
+
+  bool canParse(const syntax::Marker& marker) override;
+  document::kdzero::Node parse(const kd::zero::Model& model,
+                               const build::markup::code::CodeElement& element) override;
+
+  /// The markers asked for, in order.
+  std::vector<syntax::Marker> asked;
+  /// The elements parsed, in order.
+  std::vector<build::markup::code::CodeElement> parsed;
+  bool failsToAnswer = false;
+  bool failsToParse = false;
+  /// Returns the empty handle instead of a node.
+  bool makesNothing = false;
+
+ private:
+  ustring ownName;
+  ustring accepted;
+};
+
+/// Contributes line data {"by": name, "to": id} to the markers of one element.
+class FakeContributor final : public build::markup::contributordata::LineContributorDataParser {
+ public:
+  FakeContributor(ustring name, ustring element)
+      : ownName(std::move(name)), applicable(std::move(element)) {}
+
+  bool isApplicable(const syntax::Marker& marker) override;
+  std::pair<ustring, contributors::kdzero::LineData> parse(const kd::zero::Model& model,
+                                                           const syntax::Marker& marker) override;
+
+  std::vector<syntax::Marker> asked;
+  bool failsToAnswer = false;
+  bool failsToParse = false;
+  /// Returns the empty handle instead of line data.
+  bool makesNothing = false;
+  /// Where line data is made, if not in the model of the line.
+  kd::zero::Model otherModel;
+
+ private:
+  ustring ownName;
+  ustring applicable;
+};
+
+/// Hands out the lists that it was given.
+class FakeProvider final : public build::markup::services::ParserServicesProvider {
+ public:
+  std::vector<std::shared_ptr<build::markup::contributordata::LineContributorDataParser>>
+  getLineContributorDataParsers() override;
+  std::vector<std::shared_ptr<build::markup::code::CodeElementParser>> getCodeElementParsers()
+      override;
+
+  std::vector<std::shared_ptr<build::markup::contributordata::LineContributorDataParser>>
+      contributors;
+  std::vector<std::shared_ptr<build::markup::code::CodeElementParser>> elementParsers;
+  /// Which list was asked for, in order.
+  std::vector<std::string> calls;
+  bool failsForContributors = false;
+  bool failsForElementParsers = false;
+};
+
+/// Finds the first entry with the element and the id of a marker.
+class FakeAppendix final : public shared::appendix::AppendixBuilder {
+ public:
+  void addEntry(const syntax::Marker& entry) override { entries.push_back(entry); }
+  ustring build() const override { return {}; }
+  shared::appendix::AppendixEntry findEntry(const syntax::Marker& marker) const override;
+
+  std::vector<syntax::Marker> entries;
+  mutable int asked = 0;
+  /// Fails from this question on; 0 is the first one.
+  std::optional<int> failsAt;
+  /// Called when it ends.
+  std::function<void()> atEnd;
+  ~FakeAppendix() override;
+};
+
+/// The texts of the plain-text children of `node`, in order.
+std::vector<ustring> childTexts(const document::kdzero::Node& node);
+
+}  // namespace quenlith::test
