@@ -22,13 +22,25 @@ bool isTextAnchor(const Marker& marker) noexcept {
   return marker.elementView() == u"text" && marker.typeView() == u"anchor";
 }
 
+namespace {
+
+/// The canonical texts of markers made from the bare element names.
+struct KindTexts {
+  fl::i18n::ustring control = Marker(u"control").toString();
+  fl::i18n::ustring output = Marker(u"output").toString();
+  fl::i18n::ustring task = Marker(u"task").toString();
+  fl::i18n::ustring text = Marker(u"text").toString();
+};
+
+}  // namespace
+
 void recordMarkerKind(const Marker& marker, ParseResult& result) {
-  // Each is the canonical text of a marker made from the bare element name; made here once, as
-  // making it for every marker costs more than the rest of the record.
-  if (isControl(marker)) result.markerTypes.emplace(u"%<@control>");
-  if (isOutput(marker)) result.markerTypes.emplace(u"%<@output>");
-  if (isTask(marker)) result.markerTypes.emplace(u"%<@task>");
-  if (isTextAnchor(marker)) result.markerTypes.emplace(u"%<@text>");
+  // Made once: making one for every marker costs more than the rest of the record.
+  static const KindTexts texts;
+  if (isControl(marker)) result.markerTypes.insert(texts.control);
+  if (isOutput(marker)) result.markerTypes.insert(texts.output);
+  if (isTask(marker)) result.markerTypes.insert(texts.task);
+  if (isTextAnchor(marker)) result.markerTypes.insert(texts.text);
 }
 
 }  // namespace quenlith::build::markup::code
