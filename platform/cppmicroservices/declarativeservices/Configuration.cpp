@@ -14,6 +14,9 @@ using service::component::ComponentException;
 
 namespace {
 
+constexpr const char* kAdvice =
+    "; let its constructor do nothing that can fail, or ask for the service again";
+
 // Lives as long as the component keeps it, which may be longer than the configuration.
 class BoundServices : public service::component::ComponentContext {
  public:
@@ -81,9 +84,9 @@ std::unique_ptr<Instance> Configuration::make() {
   } catch (const ComponentException&) {
     throw;
   } catch (const std::exception& problem) {
-    fail(std::string("cannot be made: ") + problem.what());
+    fail(std::string("cannot be made: ") + problem.what() + kAdvice);
   } catch (...) {
-    fail("cannot be made: its constructor threw something that is no std::exception");
+    fail(std::string("cannot be made: it threw something that is no std::exception") + kAdvice);
   }
 }
 

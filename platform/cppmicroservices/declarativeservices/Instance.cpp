@@ -8,7 +8,7 @@ Instance::Instance(const FactoryFunctions& factory,
                    const std::shared_ptr<service::component::ComponentContext>& context)
     : instance(factory.create(), factory.remove) {
   if (!instance) {
-    throw std::runtime_error("its NewInstance_ function returned null, which means out of memory");
+    throw std::runtime_error("out of memory, as its NewInstance_ function returned null");
   }
   instance->CreateInstance(context);
   map = instance->GetInterfaceMap();

@@ -48,7 +48,9 @@ void checkComponent(const ManifestValue& component) {
                              {"factory", {}, "component factories"},
                              {"factory-properties", {}, "component factories"},
                              {"inject-references", {true, false}, "injection of a selection"}});
-  if (!component.has("service")) component.refuse("components without a \"service\"");
+  if (!component.has("service")) {
+    component.refuse("components without a service", "give it a \"service\"");
+  }
 }
 
 void checkReference(const ManifestValue& reference) {
@@ -75,7 +77,7 @@ std::vector<std::string> readInterfaces(const ManifestValue& service) {
 std::vector<ReferenceDescription> readReferences(const ManifestValue& component) {
   if (!component.has("references")) return {};
   if (!component.has("inject-references") || !component.at("inject-references").isTrue()) {
-    component.at("references").refuse("bind methods (\"inject-references\" is not true)");
+    component.at("references").refuse("bind methods", "set \"inject-references\" to true");
   }
   std::vector<ReferenceDescription> references;
   for (const ManifestValue& reference : component.at("references").elements()) {

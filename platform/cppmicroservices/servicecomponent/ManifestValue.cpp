@@ -68,9 +68,9 @@ void ManifestValue::fail(const std::string& problem) const {
                            "; mend the manifest of the bundle");
 }
 
-void ManifestValue::refuse(const std::string& feature) const {
+void ManifestValue::refuse(const std::string& feature, const std::string& instead) const {
   throw std::runtime_error(location + ": " + path + ": the embedded framework has no " + feature +
-                           "; leave it out or use an installed CppMicroServices, which has it");
+                           "; " + instead + " or use an installed CppMicroServices, which has it");
 }
 
 }  // namespace cppmicroservices::detail

@@ -38,8 +38,9 @@ class ManifestValue {
   void allowKeys(std::initializer_list<std::string_view> keys) const;
 
   [[noreturn]] void fail(const std::string& problem) const;
-  /// Fails for something that only the original framework has.
-  [[noreturn]] void refuse(const std::string& feature) const;
+  /// Fails for something that only the original framework has; `instead` is what to do here.
+  [[noreturn]] void refuse(const std::string& feature,
+                           const std::string& instead = "leave it out") const;
 
  private:
   template <class T>

@@ -1,0 +1,60 @@
+#include <memory>
+#include <stdexcept>
+
+#include <cppmicroservices/BundleInitialization.h>
+
+#include "parts.hpp"
+#include "quenlith/bundle/component.hpp"
+
+// The library of all broken bundles: what is broken is in the manifest or in one factory.
+
+CPPMICROSERVICES_INITIALIZE_BUNDLE
+
+namespace demo {
+
+class Fine : public Broken {};
+
+class ThrowsError : public Broken {
+ public:
+  ThrowsError() { throw std::runtime_error("no luck"); }
+};
+
+class ThrowsNumber : public Broken {
+ public:
+  ThrowsNumber() { throw 7; }
+};
+
+class Needs : public Broken {
+ public:
+  explicit Needs(const std::shared_ptr<Word>&) {}
+};
+
+}  // namespace demo
+
+QUENLITH_COMPONENT(demo_Fine, demo::Fine, Provides<demo::Broken>);
+QUENLITH_COMPONENT(demo_ThrowsError, demo::ThrowsError, Provides<demo::Broken>);
+QUENLITH_COMPONENT(demo_ThrowsNumber, demo::ThrowsNumber, Provides<demo::Broken>);
+QUENLITH_COMPONENT(demo_Needs, demo::Needs, Provides<demo::Broken>, Reference<"word", demo::Word>);
+
+using cppmicroservices::service::component::detail::ComponentInstance;
+
+// A factory that ran out of memory.
+extern "C" QUENLITH_BUNDLE_EXPORT ComponentInstance* NewInstance_demo_Null() {
+  return nullptr;
+}
+extern "C" QUENLITH_BUNDLE_EXPORT void DeleteInstance_demo_Null(ComponentInstance* instance) {
+  delete instance;
+}
+
+// A factory that lets an exception out, which none should.
+extern "C" QUENLITH_BUNDLE_EXPORT ComponentInstance* NewInstance_demo_Thrower() {
+  throw std::runtime_error("out of the factory");
+}
+extern "C" QUENLITH_BUNDLE_EXPORT void DeleteInstance_demo_Thrower(ComponentInstance* instance) {
+  delete instance;
+}
+
+// A component without its second function.
+extern "C" QUENLITH_BUNDLE_EXPORT ComponentInstance* NewInstance_demo_Half() {
+  return nullptr;
+}
