@@ -1,10 +1,8 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "foundation/json/Writer.hpp"
 #include "tessera/output/DocumentWriter.hpp"
+#include "tessera/output/LineJson.hpp"
 #include "tessera/output/NodeJson.hpp"
 
 namespace tessera::output {
@@ -18,13 +16,10 @@ class DocumentJson final : public DocumentWriter {
   void write(const FileResult& result) override;
 
  private:
-  void writeLines(const FileResult& result);
-  void writeLine(const session::LineTable::Line& line, const FileResult& result);
-
   OutputFile& output;
   foundation::json::Writer json;
   NodeJson nodes;
-  Records records;
+  LineJson lines;
 };
 
 }  // namespace tessera::output

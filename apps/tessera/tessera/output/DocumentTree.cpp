@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
-#include "document/kdzero/PlainTextNode.hpp"
 #include "fl/i18n/utf16.hpp"
 #include "foundation/json/write.hpp"
 #include "tessera/output/NodeKind.hpp"
@@ -15,22 +14,10 @@ namespace {
 
 using document::kdzero::LiveAppIntegratedInlineNode;
 using document::kdzero::Node;
-using document::kdzero::PlainTextNode;
 
 constexpr std::size_t kNumberWidth = 6;
 // Deeper rows stand no further right: a very deep tree would be mostly blanks.
 constexpr std::size_t kDeepestIndent = 32;
-
-std::u16string_view textOf(const Node& node) {
-  return static_cast<const PlainTextNode::Impl*>(node.get())->getText();
-}
-
-/// Tells whether `node` is a text and nothing else, to be shown in its parent's row.
-bool isBareText(const Node& node) {
-  return kindOf(node) == NodeKind::kPlainText && node->getChildren().size() == 0 &&
-         node->getAnchorId().empty() && node->getParserFailures().empty() &&
-         node->getContributorData().empty();
-}
 
 std::string compactJson(const foundation::json::Object& members) {
   std::string text;

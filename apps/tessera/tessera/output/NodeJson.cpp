@@ -1,120 +1,66 @@
 #include "tessera/output/NodeJson.hpp"
 
-#include <cstdint>
-#include <vector>
+#include <boost/uuid/uuid.hpp>
+#include <string_view>
 
-#include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
+#include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
+#include "document/kdzero/TesseraDocument.hpp"
+#include "foundation/json/write.hpp"
 #include "tessera/output/NodeKind.hpp"
+#include "tessera/output/NodeWriter.hpp"
 
 namespace tessera::output {
 
-using document::kdzero::LiveAppIntegratedInlineNode;
-using document::kdzero::Node;
-using document::kdzero::PlainTextNode;
+using namespace document::kdzero;
 
-void NodeJson::writeNodes(const kd::zero::ElementSequence<Node>& nodes) {
-  /// The children of one node, and the next of them to be written.
-  struct Level {
-    const Node* next;
-    const Node* end;
-  };
-  std::vector<Level> levels{{nodes.begin(), nodes.end()}};
+namespace {
+
+constexpr std::string_view kKey = "nodes";
+
+/// Returns the JSON of a plain line whose text is `text`, as it stands in the member.
+std::string renderPlainLine(foundation::json::Form form, std::u16string_view text) {
+  const kd::zero::Model model = kd::zero::Model::create();
+  LineNode line = LineNode::Builder(model).createLineNode(boost::uuids::uuid());
+  PlainTextNode child = PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid());
+  child->setText(text);
+  line->getChildrenMutable().add(child);
+  std::string rendered;
+  foundation::json::Writer writer(rendered, form);
+  writer.beginObject();
+  writer.key(kKey);
+  writer.beginArray();
+  NodeWriter(writer).write(line);
+  return rendered.substr(rendered.find('{', 1));
+}
+
+}  // namespace
+
+NodeJson::NodeJson(OutputFile& file, foundation::json::Writer& writer,
+                   foundation::json::Form spelling)
+    : output(file), json(writer) {
+  constexpr std::string_view kSample = "\"the text\"";
+  const std::string line = renderPlainLine(spelling, u"the text");
+  const std::size_t place = line.find(kSample);
+  beforeText = line.substr(0, place);
+  behindText = line.substr(place + kSample.size());
+}
+
+void NodeJson::writeMember(const kd::zero::ElementSequence<Node>& nodes) {
+  json.key(kKey);
   json.beginArray();
-  while (true) {
-    Level& level = levels.back();
-    if (level.next != level.end) {
-      const auto& children = (*level.next)->getChildren();
-      beginNode(*level.next);
-      levels.push_back({children.begin(), children.end()});
-      continue;
-    }
-    json.endArray();
-    levels.pop_back();
-    if (levels.empty()) return;
-    endNode(*levels.back().next++);
+  for (const Node& node : nodes) {
+    writeNode(node);
     output.flushIfLarge();
   }
-}
-
-void NodeJson::beginNode(const Node& node) {
-  const NodeKind kind = kindOf(node);
-  json.beginObject();
-  json.key("kind");
-  json.text(nameOf(kind));
-  if (kind == NodeKind::kPlainText) {
-    member("text", static_cast<const PlainTextNode::Impl*>(node.get())->getText());
-  }
-  if (kind == NodeKind::kTask) writeTask(node);
-  member("anchorId", node->getAnchorId());
-  json.key("children");
-  json.beginArray();
-}
-
-void NodeJson::endNode(const Node& node) {
-  writeContributorData(node);
-  writeFailures(node);
-  json.endObject();
-}
-
-void NodeJson::writeTask(const Node& node) {
-  const auto* task = static_cast<const LiveAppIntegratedInlineNode::Impl*>(node.get());
-  const auto& data = task->getLiveTaskData();
-  member("id", task->getId());
-  json.key("liveTaskData");
-  json.beginObject();
-  member("taskId", data.getTaskId());
-  member("text", data.getText());
-  member("appIdentifier", data.getAppIdentifier());
-  member("appState", data.getAppState());
-  member("appVariables", data.getAppVariables());
-  member("appVariablesUserMap", data.getAppVariablesUserMap());
-  member("view", data.getView());
-  member("executionModel", data.getExecutionModel());
-  member("autoRun", data.getAutoRun());
-  member("collapsed", data.getCollapsed());
-  json.key("numCodeLines");
-  json.number(std::uint64_t{data.getNumCodeLines()});
-  json.endObject();
-}
-
-void NodeJson::writeContributorData(const Node& node) {
-  json.key("contributorData");
-  json.beginArray();
-  for (const auto& contribution : node->getContributorData()) {
-    json.beginObject();
-    member("contributingFeature", contribution->getContributingFeature());
-    json.key("lineData");
-    json.beginArray();
-    for (const auto& line : contribution->getLineDataList()) json.object(line->getData());
-    json.endArray();
-    json.endObject();
-  }
   json.endArray();
 }
 
-void NodeJson::writeFailures(const Node& node) {
-  json.key("parserFailures");
-  json.beginArray();
-  for (const auto& failure : node->getParserFailures()) {
-    json.beginObject();
-    member("failureId", failure.getFailureId());
-    json.key("markerInfo");
-    json.beginObject();
-    member("markerId", failure.getMarkerInfo().getMarkerId());
-    member("featureId", failure.getMarkerInfo().getFeatureId());
-    member("subFeatureId", failure.getMarkerInfo().getSubFeatureId());
-    json.endObject();
-    json.key("failureData");
-    json.object(failure.getFailureData());
-    json.endObject();
-  }
-  json.endArray();
-}
-
-void NodeJson::member(std::string_view key, std::u16string_view text) {
-  json.key(key);
-  json.text(text);
+void NodeJson::writeNode(const Node& node) {
+  if (!isPlainLine(node)) return NodeWriter(json).write(node);
+  json.raw(beforeText);
+  foundation::json::appendQuoted(output.text(), textOf(node->getChildren()[0]));
+  output.text() += behindText;
 }
 
 }  // namespace tessera::output

@@ -1,31 +1,31 @@
 #pragma once
 
+#include <string>
+
 #include "document/kdzero/Node.hpp"
 #include "foundation/json/Writer.hpp"
 #include "tessera/output/OutputFile.hpp"
 
 namespace tessera::output {
 
-/// Writes nodes as JSON.
+/// Writes a document's nodes as JSON.
 class NodeJson {
  public:
-  /// Borrows both; `writer` writes to the text of `file`.
-  NodeJson(OutputFile& file, foundation::json::Writer& writer) : output(file), json(writer) {}
+  /// Borrows both; `writer` writes to the text of `file` in the form `spelling`.
+  NodeJson(OutputFile& file, foundation::json::Writer& writer, foundation::json::Form spelling);
 
-  /// Writes the array of `nodes`. A loop: nodes may nest as deep as memory allows. Throws
-  /// OutputError when the output cannot be written.
-  void writeNodes(const kd::zero::ElementSequence<document::kdzero::Node>& nodes);
+  /// Writes the member "nodes" of an outermost object. Throws OutputError.
+  void writeMember(const kd::zero::ElementSequence<document::kdzero::Node>& nodes);
 
  private:
-  void beginNode(const document::kdzero::Node& node);
-  void endNode(const document::kdzero::Node& node);
-  void writeTask(const document::kdzero::Node& node);
-  void writeContributorData(const document::kdzero::Node& node);
-  void writeFailures(const document::kdzero::Node& node);
-  void member(std::string_view key, std::u16string_view text);
+  void writeNode(const document::kdzero::Node& node);
 
   OutputFile& output;
   foundation::json::Writer& json;
+  // What stands around the text of a plain line. Most lines are plain, and to put these together
+  // anew for each would take ten times as long as to copy them.
+  std::string beforeText;
+  std::string behindText;
 };
 
 }  // namespace tessera::output

@@ -8,6 +8,15 @@ namespace tessera::output {
 
 using namespace document::kdzero;
 
+namespace {
+
+bool hasNoExtras(const Node& node) noexcept {
+  return node->getAnchorId().empty() && node->getParserFailures().empty() &&
+         node->getContributorData().empty();
+}
+
+}  // namespace
+
 NodeKind kindOf(const Node& node) noexcept {
   if (node->isKindOf(PlainTextNode::Impl::classOf())) return NodeKind::kPlainText;
   if (node->isKindOf(LiveAppLineNode::Impl::classOf())) return NodeKind::kTaskLine;
@@ -19,6 +28,20 @@ std::string_view nameOf(NodeKind kind) noexcept {
   constexpr std::string_view kNames[] = {"LineNode", "PlainTextNode", "LiveAppLineNode",
                                          "LiveAppIntegratedInlineNode"};
   return kNames[static_cast<std::size_t>(kind)];
+}
+
+bool isBareText(const Node& node) noexcept {
+  return kindOf(node) == NodeKind::kPlainText && node->getChildren().size() == 0 &&
+         hasNoExtras(node);
+}
+
+bool isPlainLine(const Node& node) noexcept {
+  return kindOf(node) == NodeKind::kLine && node->getChildren().size() == 1 &&
+         isBareText(node->getChildren()[0]) && hasNoExtras(node);
+}
+
+std::u16string_view textOf(const Node& node) noexcept {
+  return static_cast<const PlainTextNode::Impl*>(node.get())->getText();
 }
 
 }  // namespace tessera::output

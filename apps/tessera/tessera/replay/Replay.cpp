@@ -23,7 +23,7 @@ Replay::Replay(std::vector<session::NamedParser> named, appendix::FileAppendix& 
       appendix(appendixService),
       output(answers),
       json(answers.text(), foundation::json::Form::kCompact),
-      nodes(answers, json),
+      nodes(answers, json, foundation::json::Form::kCompact),
       document(std::make_shared<TesseraDocument>()) {}
 
 void Replay::run(const Command& command) {
@@ -109,8 +109,7 @@ void Replay::answerCall(const Call& call) {
 
 void Replay::writeNodes() {
   json.beginObject();
-  json.key("nodes");
-  nodes.writeNodes(document->getChildren());
+  nodes.writeMember(document->getChildren());
   json.endObject();
 }
 

@@ -114,6 +114,11 @@ void Writer::null() {
   output.append("null");
 }
 
+void Writer::raw(std::string_view json) {
+  separate();
+  output.append(json);
+}
+
 void Writer::value(const Value& value) {
   Walk walk(*this);
   walk.enter(value);

@@ -41,6 +41,10 @@ class QUENLITH_JSON_EXPORT Writer {
   void boolean(bool value);
   void null();
 
+  /// Writes `json`, the text of one value in this writer's form and at this depth, or its first
+  /// part; the caller then appends the rest to the string.
+  void raw(std::string_view json);
+
   /// Writes a value with all that it holds. A loop: the depth is bounded by memory only.
   void value(const Value& value);
 
