@@ -19,14 +19,15 @@ constexpr std::size_t kStrideOfCrowdedLines = 400;
 
 }  // namespace
 
-ParserContest::ParserContest(const Corpus& lines) {
+ParserContest::ParserContest(const Corpus& lines, const std::string& onlySubject)
+    : contest(onlySubject) {
   addPeers(lines);
   addParsers(lines);
-  addMarked(kPlain, MarkedCorpus::make(lines, kStride, 1, 0));
-  addMarked(kOneIn100, MarkedCorpus::make(lines, kStride, 100, 1));
-  addMarked(kOneIn10, MarkedCorpus::make(lines, kStride, 10, 1));
-  addMarked(kOneALine, MarkedCorpus::make(lines, kStride, 1, 1));
-  addMarked(k100ALine, MarkedCorpus::make(lines, kStrideOfCrowdedLines, 1, 100));
+  addMarked(kPlain, lines, {kStride, 1, 0});
+  addMarked(kOneIn100, lines, {kStride, 100, 1});
+  addMarked(kOneIn10, lines, {kStride, 10, 1});
+  addMarked(kOneALine, lines, {kStride, 1, 1});
+  addMarked(k100ALine, lines, {kStrideOfCrowdedLines, 1, 100});
 }
 
 void ParserContest::addPeers(const Corpus& lines) {
@@ -44,8 +45,11 @@ void ParserContest::addParsers(const Corpus& lines) {
   contest.add(kLists, lines, parsers::makeProviderLists);
 }
 
-void ParserContest::addMarked(const std::string& kind, MarkedCorpus lines) {
-  const MarkedCorpus& marked = markedLines.emplace_back(std::move(lines));
+void ParserContest::addMarked(const std::string& kind, const Corpus& lines,
+                              const Marking& marking) {
+  if (!contest.takes(kFloor + kind) && !contest.takes(kParseLine + kind)) return;
+  const MarkedCorpus& marked = markedLines.emplace_back(
+      MarkedCorpus::make(lines, marking.stride, marking.every, marking.markersALine));
   contest.add(kFloor + kind, marked.corpus, floor::make);
   contest.add(kParseLine + kind, marked.corpus, [&marked](const Corpus& corpus) {
     return parsers::makeLineParser(corpus, parsers::contentsOf(marked));
@@ -54,7 +58,7 @@ void ParserContest::addMarked(const std::string& kind, MarkedCorpus lines) {
 
 void ParserContest::write(std::ostream& out) const {
   writeMeasurements(out, contest);
-  if (!floorCounts(contest)) return;
+  if (!hasFloor(contest) || !floorCounts(contest)) return;
   out << '\n';
   writeAims(out, contest);
 }

@@ -13,18 +13,26 @@ namespace bench {
 /// markers.
 class ParserContest {
  public:
-  /// Borrows `lines`, which have no markers.
-  explicit ParserContest(const Corpus& lines);
+  /// Borrows `lines`, which have no markers. With `onlySubject` that one takes part alone.
+  ParserContest(const Corpus& lines, const std::string& onlySubject);
 
   /// Like `Contest::run`.
   void run(int rounds) { contest.run(rounds); }
+  /// Like `Contest::count`.
+  void count() { contest.count(); }
   /// Writes what everything took and how that stands to the aims.
   void write(std::ostream& out) const;
 
  private:
   void addPeers(const Corpus& lines);
   void addParsers(const Corpus& lines);
-  void addMarked(const std::string& kind, MarkedCorpus lines);
+  /// Every `stride`th line, every `every`th of these with `markersALine` markers.
+  struct Marking {
+    std::size_t stride;
+    std::size_t every;
+    std::size_t markersALine;
+  };
+  void addMarked(const std::string& kind, const Corpus& lines, const Marking& marking);
 
   // A deque: subjects borrow their lines.
   std::deque<MarkedCorpus> markedLines;

@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "ParserContest.hpp"
+#include "growth/growth.hpp"
 #include "harness/Allocations.hpp"
 
 namespace {
@@ -16,6 +17,9 @@ struct Options {
   std::string corpus;
   std::size_t lines = std::numeric_limits<std::size_t>::max();
   int rounds = 5;
+  std::string only;
+  bool countsInstructions = false;
+  std::size_t largest = 0;
 };
 
 void stayOnOneCore() {
@@ -29,9 +33,14 @@ void stayOnOneCore() {
 
 void run(const Options& options) {
   const bench::Corpus corpus = bench::Corpus::read(options.corpus, options.lines);
-  bench::ParserContest contest(corpus);
-  contest.run(options.rounds);
-  contest.write(std::cout);
+  bench::ParserContest contest(corpus, options.only);
+  if (options.countsInstructions) {
+    contest.count();
+    bench::growth::countAll(corpus, options.largest);
+  } else {
+    contest.run(options.rounds);
+    contest.write(std::cout);
+  }
 }
 
 }  // namespace
@@ -42,6 +51,10 @@ int main(int argc, char** argv) {
   app.add_option("corpus", options.corpus, "File of lines, made by scripts/bench")->required();
   app.add_option("--lines", options.lines, "Number of lines at most");
   app.add_option("--rounds", options.rounds, "Rounds of which the best counts");
+  app.add_option("--only", options.only, "Measure one subject alone, to profile it");
+  app.add_flag("--count", options.countsInstructions,
+               "Count instructions and measure no time; for a run under callgrind");
+  app.add_option("--largest", options.largest, "Largest size whose growth is counted");
   CLI11_PARSE(app, argc, argv);
 
   bench::keepMemory();

@@ -7,6 +7,7 @@
 #include <exception>
 #include <stdexcept>
 
+#include "harness/countInstructions.hpp"
 #include "harness/processorSeconds.hpp"
 
 namespace bench {
@@ -84,6 +85,7 @@ class Contest::BestOfRounds : public benchmark::BenchmarkReporter {
 };
 
 void Contest::add(const std::string& name, const Corpus& corpus, const Make& make) {
+  if (!takes(name)) return;
   entries.push_back({make(corpus), {}});
   Entry& entry = entries.back();
   entry.measurement.name = name;
@@ -103,6 +105,13 @@ void Contest::run(int rounds) {
   for (int round = 0; round < rounds; ++round) benchmark::RunSpecifiedBenchmarks(&reporter);
   // Last: once there was a second thread, the standard library counts references atomically.
   for (Entry& entry : entries) measureMemory(entry);
+}
+
+void Contest::count() {
+  for (Entry& entry : entries) {
+    const Measurement& measurement = entry.measurement;
+    countInstructions(*entry.subject, measurement.name + '|' + std::to_string(measurement.lines));
+  }
 }
 
 void Contest::measureMemory(Entry& entry) {

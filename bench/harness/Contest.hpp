@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "harness/Corpus.hpp"
 #include "harness/Measurement.hpp"
@@ -16,6 +17,9 @@ class Contest {
  public:
   using Make = std::function<std::unique_ptr<Subject>(const Corpus&)>;
 
+  /// A contest of all subjects, or of the one of the name `onlySubject`.
+  explicit Contest(std::string onlySubject = "") : only(std::move(onlySubject)) {}
+
   /// Borrows `corpus`. `name` is unique.
   void add(const std::string& name, const Corpus& corpus, const Make& make);
 
@@ -23,6 +27,11 @@ class Contest {
   /// when one is wrong, or when the end of what was built leaves memory behind.
   void run(int rounds);
 
+  /// Lets callgrind count the instructions of all subjects, see `countInstructions`.
+  void count();
+
+  /// Tells whether a subject of that name takes part if it is added.
+  bool takes(const std::string& name) const noexcept { return only.empty() || name == only; }
   /// Throws std::out_of_range when there is no subject of that name.
   const Measurement& of(const std::string& name) const;
   bool has(const std::string& name) const noexcept;
@@ -39,6 +48,7 @@ class Contest {
   static void measureMemory(Entry& entry);
   static void buildCounted(Entry& entry);
 
+  std::string only;
   // A deque: the benchmarks borrow their entries.
   std::deque<Entry> entries;
 };
