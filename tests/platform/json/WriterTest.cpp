@@ -74,6 +74,17 @@ TEST(Writer, IndentedHasTwoBlanksALevel) {
 })");
 }
 
+TEST(Writer, TextThatIsReadyStandsLikeAnyValue) {
+  std::string output;
+  Writer writer(output, Form::kIndented);
+  writer.beginArray();
+  writer.raw("{}");
+  writer.raw("[1");
+  output += "]";
+  writer.endArray();
+  EXPECT_EQ(output, "[\n  {},\n  [1]\n]");
+}
+
 TEST(Writer, ValuesAtTheTopFollowOneAnother) {
   std::string output;
   Writer writer(output, Form::kCompact);

@@ -94,8 +94,6 @@ Token Reader::next() {
       return readValue();
     case State::kFirstValue:
       return consumeIf(u']') ? close(Token::kEndArray) : readValue();
-    case State::kKey:
-      return readKey();
     case State::kFirstKey:
       return consumeIf(u'}') ? close(Token::kEndObject) : readKey();
     case State::kAfterValue:

@@ -71,15 +71,7 @@ class QUENLITH_JSON_EXPORT Reader {
   const char* error() const { return message; }
 
  private:
-  enum class State : std::uint8_t {
-    kValue,
-    kFirstValue,
-    kKey,
-    kFirstKey,
-    kAfterValue,
-    kDone,
-    kFailed
-  };
+  enum class State : std::uint8_t { kValue, kFirstValue, kFirstKey, kAfterValue, kDone, kFailed };
 
   bool atEnd() const { return at == text16.size(); }
   bool peekIs(char16_t unit) const { return at < text16.size() && text16[at] == unit; }

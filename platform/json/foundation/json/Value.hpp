@@ -20,7 +20,7 @@ namespace foundation::json {
 /// A type that a value can hold.
 template <typename T>
 concept Alternative = requires {
-  traits<T>::kind;
+  traits<T>::kKind;
 };
 
 /// A type that stands for one of the held types and is converted to it without loss: a text, or a
@@ -55,8 +55,8 @@ class QUENLITH_JSON_EXPORT Value {
   ~Value();
 
   /// Makes a value that holds `held`.
-  template <typename T>
-  requires Alternative<std::remove_cvref_t<T>> Value(T&& held) : data(std::forward<T>(held)) {}
+  template <Alternative T>
+  Value(T held) : data(std::move(held)) {}
 
   /// Makes a value of the string kind.
   template <typename T>
@@ -82,13 +82,13 @@ class QUENLITH_JSON_EXPORT Value {
   /// the names of the traits when another kind is held.
   template <Alternative T>
   const T& get() const {
-    requireKind(traits<T>::kind);
+    requireKind(traits<T>::kKind);
     return *std::get_if<T>(&data);
   }
 
   template <Alternative T>
   T& get() {
-    requireKind(traits<T>::kind);
+    requireKind(traits<T>::kKind);
     return *std::get_if<T>(&data);
   }
 

@@ -40,58 +40,61 @@ enum class Kind : std::uint8_t {
 
 /// What is known of a type that a value can hold: its kind, and its name in messages. The names
 /// are distinct. There is no definition for any other type.
+// NOLINTBEGIN(readability-identifier-naming): `traits` and `name` are fixed by the interface.
 template <typename T>
 struct traits;
 
 template <>
 struct traits<Undefined> {
-  static constexpr Kind kind = Kind::kUndefined;
+  static constexpr Kind kKind = Kind::kUndefined;
   static constexpr const char* name = "undefined";
 };
 template <>
 struct traits<Null> {
-  static constexpr Kind kind = Kind::kNull;
+  static constexpr Kind kKind = Kind::kNull;
   static constexpr const char* name = "null";
 };
 template <>
 struct traits<bool> {
-  static constexpr Kind kind = Kind::kBoolean;
+  static constexpr Kind kKind = Kind::kBoolean;
   static constexpr const char* name = "boolean";
 };
 template <>
 struct traits<double> {
-  static constexpr Kind kind = Kind::kDouble;
+  static constexpr Kind kKind = Kind::kDouble;
   static constexpr const char* name = "double";
 };
 template <>
 struct traits<std::string> {
-  static constexpr Kind kind = Kind::kString;
+  static constexpr Kind kKind = Kind::kString;
   static constexpr const char* name = "string";
 };
 template <>
 struct traits<Array> {
-  static constexpr Kind kind = Kind::kArray;
+  static constexpr Kind kKind = Kind::kArray;
   static constexpr const char* name = "array";
 };
 template <>
 struct traits<Object> {
-  static constexpr Kind kind = Kind::kObject;
+  static constexpr Kind kKind = Kind::kObject;
   static constexpr const char* name = "object";
 };
 template <>
 struct traits<float> {
-  static constexpr Kind kind = Kind::kFloat;
+  static constexpr Kind kKind = Kind::kFloat;
   static constexpr const char* name = "float";
 };
 template <>
 struct traits<std::int64_t> {
-  static constexpr Kind kind = Kind::kSigned;
+  static constexpr Kind kKind = Kind::kSigned;
   static constexpr const char* name = "signed integer";
 };
 template <>
 struct traits<std::uint64_t> {
-  static constexpr Kind kind = Kind::kUnsigned;
+  static constexpr Kind kKind = Kind::kUnsigned;
   static constexpr const char* name = "unsigned integer";
 };
+
+// NOLINTEND(readability-identifier-naming)
 
 }  // namespace foundation::json
