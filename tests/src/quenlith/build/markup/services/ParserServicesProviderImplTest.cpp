@@ -1,0 +1,313 @@
+#include "quenlith/build/markup/services/ParserServicesProviderImpl.hpp"
+
+#include <cppmicroservices/Bundle.h>
+#include <cppmicroservices/BundleContext.h>
+#include <cppmicroservices/Framework.h>
+#include <cppmicroservices/FrameworkEvent.h>
+#include <cppmicroservices/FrameworkFactory.h>
+#include <cppmicroservices/ServiceFactory.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "document/kdzero/TesseraDocument.hpp"
+#include "fakes/LogRecords.hpp"
+#include "fakes/ParserFakes.hpp"
+#include "foundation/cppmicroservices/getFramework.hpp"
+#include "quenlith/build/markup/code/LineNodeParserService.hpp"
+#include "quenlith/build/markup/code/PlainTextNodeParserImpl.hpp"
+
+namespace {
+
+using cppmicroservices::BundleContext;
+using cppmicroservices::Framework;
+using cppmicroservices::ServiceProperties;
+using foundation::cppmicroservices::setFramework;
+using quenlith::build::markup::code::CodeElementParser;
+using quenlith::build::markup::contributordata::LineContributorDataParser;
+using quenlith::build::markup::services::ParserServicesProviderImpl;
+using quenlith::test::FakeContributor;
+using quenlith::test::FakeElementParser;
+using quenlith::test::LogRecords;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using ElementParsers = std::vector<std::shared_ptr<CodeElementParser>>;
+using Contributors = std::vector<std::shared_ptr<LineContributorDataParser>>;
+
+/// Makes its services by a function, which may give null.
+class Factory final : public cppmicroservices::ServiceFactory {
+ public:
+  using Make = std::function<cppmicroservices::InterfaceMapConstPtr()>;
+  explicit Factory(Make makeService) : make(std::move(makeService)) {}
+  cppmicroservices::InterfaceMapConstPtr GetService(
+      const cppmicroservices::Bundle&, const cppmicroservices::ServiceRegistrationBase&) override {
+    return make();
+  }
+  void UngetService(const cppmicroservices::Bundle&,
+                    const cppmicroservices::ServiceRegistrationBase&,
+                    const cppmicroservices::InterfaceMapConstPtr&) override {}
+
+ private:
+  Make make;
+};
+
+std::shared_ptr<CodeElementParser> makeElementParser() {
+  return std::make_shared<FakeElementParser>(u"", u"");
+}
+
+std::shared_ptr<LineContributorDataParser> makeContributor() {
+  return std::make_shared<FakeContributor>(u"", u"");
+}
+
+ServiceProperties ranked(int ranking) {
+  return {{std::string("service.ranking"), ranking}};
+}
+
+ServiceProperties prioritised(const std::string& priority) {
+  return {{std::string("priority"), priority}};
+}
+
+/// Tests with a framework that runs.
+class ParserServicesProvider : public testing::Test {
+ protected:
+  ParserServicesProvider() {
+    framework->Start();
+    setFramework(framework);
+  }
+  ~ParserServicesProvider() override {
+    setFramework(nullptr);
+    stop();
+  }
+
+  void stop() {
+    framework->Stop();
+    framework->WaitForStop(std::chrono::milliseconds::zero());
+  }
+  BundleContext context() { return framework->GetBundleContext(); }
+
+  std::shared_ptr<CodeElementParser> addElementParser(const ServiceProperties& properties = {}) {
+    auto parser = makeElementParser();
+    (void)context().RegisterService<CodeElementParser>(parser, properties);
+    return parser;
+  }
+  std::shared_ptr<LineContributorDataParser> addContributor(
+      const ServiceProperties& properties = {}) {
+    auto parser = makeContributor();
+    (void)context().RegisterService<LineContributorDataParser>(parser, properties);
+    return parser;
+  }
+  template <class Service>
+  void addFactory(Factory::Make make, const ServiceProperties& properties = {}) {
+    (void)context().RegisterService<Service>(
+        cppmicroservices::ToFactory(std::make_shared<Factory>(std::move(make))), properties);
+  }
+
+  std::shared_ptr<Framework> framework =
+      std::make_shared<Framework>(cppmicroservices::FrameworkFactory().NewFramework());
+  ParserServicesProviderImpl provider;
+};
+
+// Code element parsers.
+
+TEST_F(ParserServicesProvider, PutsTheDefaultParserLast) {
+  const auto d = addElementParser(prioritised("default"));
+  const auto a = addElementParser();
+  const auto b = addElementParser(prioritised("high"));
+  EXPECT_EQ(provider.getCodeElementParsers(), (ElementParsers{a, b, d}));
+}
+
+TEST_F(ParserServicesProvider, KeepsTheOrderOfTheFramework) {
+  const auto low = addElementParser(ranked(-1));
+  const auto first = addElementParser();
+  const auto high = addElementParser(ranked(5));
+  const auto second = addElementParser();
+  const auto d = addElementParser(prioritised("default"));
+  EXPECT_EQ(provider.getCodeElementParsers(), (ElementParsers{high, first, second, low, d}));
+}
+
+TEST_F(ParserServicesProvider, TakesTheFirstOfSeveralDefaultParsers) {
+  const auto first = addElementParser(prioritised("default"));
+  addElementParser(prioritised("default"));
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(first));
+}
+
+TEST_F(ParserServicesProvider, WithNothingButADefaultParserGivesItAlone) {
+  const LogRecords records;
+  const auto d = addElementParser(prioritised("default"));
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(d));
+  EXPECT_THAT(records.get(), ElementsAre("Found 0 non default code element parsers"));
+}
+
+TEST_F(ParserServicesProvider, WithoutADefaultParserEndsTheListWithNull) {
+  const auto a = addElementParser();
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(a, nullptr));
+}
+
+TEST_F(ParserServicesProvider, WithoutAnyElementParserGivesNullAndKeepsIt) {
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(nullptr));
+  addElementParser(prioritised("default"));
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(nullptr));
+}
+
+TEST_F(ParserServicesProvider, LooksForElementParsersOnceAndLogsTheirNumber) {
+  const LogRecords records;
+  const auto a = addElementParser();
+  const auto b = addElementParser();
+  const auto d = addElementParser(prioritised("default"));
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(a, b, d));
+  addElementParser();
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(a, b, d));
+  EXPECT_THAT(records.get(), ElementsAre("Found 2 non default code element parsers"));
+}
+
+TEST_F(ParserServicesProvider, LogsTheNumberOfManyPlainly) {
+  const LogRecords records;
+  for (int i = 0; i < 12; ++i) addElementParser();
+  EXPECT_EQ(provider.getCodeElementParsers().size(), 13u);
+  EXPECT_THAT(records.get(), ElementsAre("Found 12 non default code element parsers"));
+}
+
+TEST_F(ParserServicesProvider, LogsBetweenTheLookups) {
+  std::vector<std::string> before;
+  const LogRecords records;
+  addFactory<CodeElementParser>(
+      [&] {
+        before = records.get();
+        return cppmicroservices::MakeInterfaceMap<CodeElementParser>(makeElementParser());
+      },
+      prioritised("default"));
+  EXPECT_EQ(provider.getCodeElementParsers().size(), 1u);
+  EXPECT_THAT(before, ElementsAre("Found 0 non default code element parsers"));
+}
+
+TEST_F(ParserServicesProvider, SkipsAnElementParserThatCannotBeMade) {
+  addFactory<CodeElementParser>([] { return nullptr; });
+  const auto a = addElementParser();
+  const LogRecords records;
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(a, nullptr));
+  EXPECT_THAT(records.get(), ElementsAre("Found 1 non default code element parsers"));
+}
+
+TEST_F(ParserServicesProvider, TakesADefaultParserThatCannotBeMadeForNull) {
+  addFactory<CodeElementParser>([] { return nullptr; }, prioritised("default"));
+  addElementParser(prioritised("default"));
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(nullptr));
+}
+
+TEST_F(ParserServicesProvider, GivesEachCallerAListOfItsOwn) {
+  const auto d = addElementParser(prioritised("default"));
+  const auto c = addContributor();
+  provider.getCodeElementParsers().clear();
+  provider.getLineContributorDataParsers().clear();
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(d));
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
+}
+
+// Contributor data parsers.
+
+TEST_F(ParserServicesProvider, GivesAllContributorsWhateverTheirPriority) {
+  const auto first = addContributor(prioritised("default"));
+  const auto second = addContributor();
+  const auto high = addContributor(ranked(1));
+  const LogRecords records;
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(high, first, second));
+  EXPECT_THAT(records.get(), IsEmpty());
+}
+
+TEST_F(ParserServicesProvider, LooksAgainForContributorsUntilThereIsOne) {
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  const auto first = addContributor();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(first));
+  addContributor();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(first));
+}
+
+TEST_F(ParserServicesProvider, SkipsAContributorThatCannotBeMade) {
+  addFactory<LineContributorDataParser>([] { return nullptr; });
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  const auto a = addContributor();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(a));
+}
+
+// The framework.
+
+TEST_F(ParserServicesProvider, WithoutAFrameworkFindsNothing) {
+  addElementParser();
+  addContributor();
+  setFramework(nullptr);
+  const LogRecords records;
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(nullptr));
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  EXPECT_THAT(records.get(), ElementsAre("Found 0 non default code element parsers"));
+
+  // The one list is kept, the other is looked for again.
+  setFramework(framework);
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(nullptr));
+  EXPECT_EQ(provider.getLineContributorDataParsers().size(), 1u);
+}
+
+TEST_F(ParserServicesProvider, ThrowsWhenTheFrameworkHasStoppedAndKeepsNothing) {
+  stop();
+  EXPECT_THROW(provider.getCodeElementParsers(), std::runtime_error);
+  EXPECT_THROW(provider.getLineContributorDataParsers(), std::runtime_error);
+  framework->Start();
+  const auto d = addElementParser(prioritised("default"));
+  const auto c = addContributor();
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(d));
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
+}
+
+TEST_F(ParserServicesProvider, ThrowsWhenTheFrameworkStopsBetweenTwoServices) {
+  const auto stopAndMake = [this] {
+    stop();
+    return cppmicroservices::MakeInterfaceMap<CodeElementParser>(makeElementParser());
+  };
+  addFactory<CodeElementParser>(stopAndMake);
+  addElementParser();
+  try {
+    provider.getCodeElementParsers();
+    FAIL() << "it found them";
+  } catch (const std::runtime_error& failure) {
+    EXPECT_STREQ(failure.what(), "The bundle context is no longer valid");
+  }
+  framework->Start();
+  const auto d = addElementParser(prioritised("default"));
+  EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(d));
+}
+
+TEST_F(ParserServicesProvider, HoldsItsServicesForItsLife) {
+  std::weak_ptr<CodeElementParser> watched;
+  {
+    ParserServicesProviderImpl shortLived;
+    {
+      auto parser = makeElementParser();
+      watched = parser;
+      auto registration = context().RegisterService<CodeElementParser>(parser);
+      parser.reset();
+      shortLived.getCodeElementParsers();
+      registration.Unregister();
+    }
+    EXPECT_FALSE(watched.expired());
+  }
+  EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(ParserServicesProvider, ServesTheLineParser) {
+  (void)context().RegisterService<CodeElementParser>(
+      std::make_shared<quenlith::build::markup::code::PlainTextNodeParserImpl>(),
+      prioritised("default"));
+  const auto shared = std::make_shared<ParserServicesProviderImpl>();
+  const auto document = std::make_shared<document::kdzero::TesseraDocument>();
+  quenlith::build::markup::code::LineNodeParserService(shared).parseLine(document, {u"x", {}, {}},
+                                                                         {});
+  EXPECT_THAT(quenlith::test::childTexts(document->getChildAt(0)), ElementsAre(u"x"));
+}
+
+}  // namespace
