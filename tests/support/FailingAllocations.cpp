@@ -7,17 +7,26 @@ namespace {
 constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
 
 thread_local std::size_t allocations = 0;
+thread_local std::ptrdiff_t live = 0;
 thread_local std::size_t firstToFail = kNever;
 
 void* allocate(std::size_t size) noexcept {
-  return allocations++ >= firstToFail ? nullptr : std::malloc(size == 0 ? 1 : size);
+  if (allocations++ >= firstToFail) return nullptr;
+  ++live;
+  return std::malloc(size == 0 ? 1 : size);
 }
 
 void* allocate(std::size_t size, std::align_val_t alignment) noexcept {
+  if (allocations++ >= firstToFail) return nullptr;
+  ++live;
   const auto unit = static_cast<std::size_t>(alignment);
   const std::size_t rounded = (size + unit - 1) / unit * unit;
-  return allocations++ >= firstToFail ? nullptr
-                                      : std::aligned_alloc(unit, rounded == 0 ? unit : rounded);
+  return std::aligned_alloc(unit, rounded == 0 ? unit : rounded);
+}
+
+void release(void* memory) noexcept {
+  if (memory != nullptr) --live;
+  std::free(memory);
 }
 
 void* orThrow(void* memory) {
@@ -54,46 +63,50 @@ void* operator new[](std::size_t size, std::align_val_t unit, const std::nothrow
   return allocate(size, unit);
 }
 void operator delete(void* memory) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void* memory) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete(void* memory, std::align_val_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void* memory, std::align_val_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
-  std::free(memory);
+  release(memory);
 }
 
 namespace quenlith::test {
 
 std::size_t allocationCount() {
   return allocations;
+}
+
+std::ptrdiff_t liveAllocations() {
+  return live;
 }
 
 FailingAllocations::FailingAllocations(std::size_t first) {

@@ -9,6 +9,10 @@ namespace quenlith::test {
 /// How many times this thread has allocated so far.
 std::size_t allocationCount();
 
+/// How many of the allocations of this thread have not been released, when what one thread
+/// allocates no other releases.
+std::ptrdiff_t liveAllocations();
+
 /// While it lives, the allocation of this thread with the number `first` from now on fails, and so
 /// do those after it; the first one has number 0.
 class FailingAllocations {

@@ -83,9 +83,9 @@ class PrimitiveSequence final : public PrimitiveCollection {
   }
 
   void truncate(std::size_t newCount) noexcept override {
-    // Nothing was stored yet when a listener threw: what is known of the places holds.
-    if (newCount == values.size()) return;
-    places.clear();
+    // The places of the values that go are found only by hashing them, which may fail. When none
+    // was entered yet, what there is holds.
+    if (places.size() != newCount) places.clear();
     values.erase(values.begin() + static_cast<std::ptrdiff_t>(newCount), values.end());
     count = static_cast<std::uint32_t>(newCount);
   }
