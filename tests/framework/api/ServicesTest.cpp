@@ -1,0 +1,396 @@
+#include <cppmicroservices/Constants.h>
+#include <cppmicroservices/ServiceEvent.h>
+#include <cppmicroservices/ServiceObjects.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <unordered_set>
+
+#include "framework/api/HostFramework.hpp"
+
+namespace framework_api {
+struct NoIdentifier {
+  virtual ~NoIdentifier() = default;
+};
+}  // namespace framework_api
+
+CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(framework_api::NoIdentifier, "")
+
+namespace framework_api {
+namespace {
+
+using namespace cppmicroservices;
+using namespace std::string_literals;
+
+class Services : public HostFramework {
+ protected:
+  ServiceRegistration<Greeter> add(const std::string& greeting,
+                                   const ServiceProperties& properties = {}) {
+    return context.RegisterService<Greeter>(std::make_shared<Hello>(greeting), properties);
+  }
+
+  std::string found(const std::string& filter = "") {
+    std::string greetings;
+    for (const auto& reference : context.GetServiceReferences<Greeter>(filter)) {
+      greetings += context.GetService(reference)->greet();
+    }
+    return greetings;
+  }
+};
+
+TEST_F(Services, AreFoundUnderTheirInterface) {
+  EXPECT_FALSE(context.GetServiceReference<Greeter>());
+  EXPECT_TRUE(context.GetServiceReferences<Greeter>().empty());
+  auto registration = add("a");
+  ASSERT_TRUE(registration);
+  const auto reference = context.GetServiceReference<Greeter>();
+  ASSERT_TRUE(reference);
+  EXPECT_TRUE(reference == registration.GetReference());
+  EXPECT_EQ(context.GetService(reference)->greet(), "a");
+  EXPECT_EQ(reference.GetInterfaceId(), "framework_api::Greeter");
+  EXPECT_EQ(context.GetServiceReferences("framework_api::Greeter").size(), 1U);
+  EXPECT_TRUE(context.GetServiceReferences<Counter>().empty());
+  EXPECT_EQ(context.GetServiceReference("framework_api::Greeter").GetInterfaceId(),
+            "framework_api::Greeter");
+  registration.Unregister();
+  EXPECT_FALSE(context.GetServiceReference<Greeter>());
+}
+
+TEST_F(Services, HigherRankingThenLowerIdComesFirst) {
+  auto a = add("a");
+  auto b = add("b", {{Constants::SERVICE_RANKING, Any(5)}});
+  auto c = add("c", {{Constants::SERVICE_RANKING, Any(-5)}});
+  auto d = add("d");
+  auto e = add("e", {{Constants::SERVICE_RANKING, Any(5)}});
+  EXPECT_EQ(found(), "beadc");
+  EXPECT_TRUE(a.GetReference() < b.GetReference());
+  EXPECT_TRUE(d.GetReference() < a.GetReference());
+  EXPECT_FALSE(b.GetReference() < e.GetReference());
+  EXPECT_TRUE(a < b);
+  c.SetProperties({{Constants::SERVICE_RANKING, Any(9)}});
+  EXPECT_EQ(found(), "cbead");
+  EXPECT_EQ(context.GetService(context.GetServiceReference<Greeter>())->greet(), "c");
+}
+
+TEST_F(Services, RankingOfAnotherTypeIsNone) {
+  auto a = add("a");
+  auto b = add("b", {{Constants::SERVICE_RANKING, Any("5"s)}});
+  EXPECT_EQ(found(), "ab");
+}
+
+TEST_F(Services, FilterSelects) {
+  auto a = add("a", {{"lang", Any("en"s)}, {"level", Any(1)}});
+  auto b = add("b", {{"lang", Any("de"s)}, {"level", Any(2)}});
+  EXPECT_EQ(found("(lang=de)"), "b");
+  EXPECT_EQ(found("(LEVEL>=1)"), "ab");
+  EXPECT_EQ(found("(!(lang=en))"), "b");
+  EXPECT_EQ(found("(objectclass=*Greeter)"), "ab");
+  EXPECT_EQ(found("(x=y)"), "");
+  EXPECT_THROW(found("(lang=de"), std::invalid_argument);
+  EXPECT_EQ(context.GetServiceReferences("", "(lang=*)").size(), 2U);
+}
+
+TEST_F(Services, FrameworkSetsItsProperties) {
+  auto registration = add("a", {{"Key", Any("v"s)},
+                                {Constants::OBJECTCLASS, Any(std::vector<std::string>{"x"})},
+                                {Constants::SERVICE_SCOPE, Any("x"s)}});
+  const auto reference = registration.GetReference();
+  EXPECT_EQ(any_cast<std::string>(reference.GetProperty("kEY")), "v");
+  EXPECT_TRUE(reference.GetProperty("none").Empty());
+  EXPECT_EQ(any_cast<std::vector<std::string>>(reference.GetProperty(Constants::OBJECTCLASS)),
+            std::vector<std::string>{"framework_api::Greeter"});
+  EXPECT_EQ(any_cast<std::string>(reference.GetProperty(Constants::SERVICE_SCOPE)),
+            Constants::SCOPE_SINGLETON);
+  EXPECT_GT(any_cast<long>(reference.GetProperty(Constants::SERVICE_ID)), 0);
+  EXPECT_EQ(reference.GetPropertyKeys().size(), 4U);
+  auto later = add("b");
+  EXPECT_GT(any_cast<long>(later.GetReference().GetProperty(Constants::SERVICE_ID)),
+            any_cast<long>(reference.GetProperty(Constants::SERVICE_ID)));
+}
+
+TEST_F(Services, PropertiesAreReplaced) {
+  auto registration = add("a", {{"p", Any(1)}, {"q", Any(1)}});
+  registration.SetProperties({{"p", Any(2)}});
+  const auto reference = registration.GetReference();
+  EXPECT_EQ(any_cast<int>(reference.GetProperty("p")), 2);
+  EXPECT_TRUE(reference.GetProperty("q").Empty());
+  EXPECT_EQ(found("(p=2)"), "a");
+}
+
+TEST_F(Services, KeysThatDifferInCaseOnlyAreRefused) {
+  const ServiceProperties twins{{"a", Any(1)}, {"A", Any(2)}};
+  EXPECT_THROW(add("a", twins), std::runtime_error);
+  EXPECT_EQ(found(), "");
+  auto registration = add("a", {{"p", Any(1)}});
+  EXPECT_THROW(registration.SetProperties(twins), std::runtime_error);
+  EXPECT_EQ(any_cast<int>(registration.GetReference().GetProperty("p")), 1);
+}
+
+TEST_F(Services, WithoutAnObjectAreRefused) {
+  EXPECT_THROW((void)context.RegisterService<Greeter>(std::shared_ptr<Hello>()),
+               std::invalid_argument);
+  EXPECT_THROW((void)context.RegisterService(InterfaceMapConstPtr()), std::invalid_argument);
+  EXPECT_THROW((void)context.RegisterService(std::make_shared<const InterfaceMap>()),
+               std::invalid_argument);
+}
+
+TEST_F(Services, SeveralInterfacesLeadToOneObject) {
+  auto registration = context.RegisterService<Greeter, Counter>(std::make_shared<CountingHello>());
+  const ServiceReference<Greeter> greeter = registration.GetReference();
+  const ServiceReference<Counter> counter = registration.GetReference<Counter>();
+  EXPECT_TRUE(greeter.IsConvertibleTo("framework_api::Counter"));
+  EXPECT_FALSE(greeter.IsConvertibleTo("framework_api::Other"));
+  EXPECT_EQ(context.GetService(counter)->count(), 1);
+  EXPECT_EQ(context.GetService(greeter)->greet(), "hello");
+  const ServiceReferenceU any = greeter;
+  EXPECT_EQ(context.GetService(ServiceReference<Counter>(any))->count(), 1);
+  const InterfaceMapConstPtr map = context.GetService(any);
+  EXPECT_EQ(map->size(), 2U);
+  EXPECT_EQ(ExtractInterface<Greeter>(map)->greet(), "hello");
+  EXPECT_EQ(ExtractInterface<Hello>(map), nullptr);
+  EXPECT_NE(ExtractInterface(map, "framework_api::Counter"), nullptr);
+  EXPECT_NE(ExtractInterface(map, ""), nullptr);
+  EXPECT_EQ(ExtractInterface(map, "x"), nullptr);
+  EXPECT_EQ(ExtractInterface(InterfaceMapConstPtr(), ""), nullptr);
+}
+
+TEST_F(Services, ReferenceUnderAnotherInterfaceNamesNothing) {
+  auto registration = add("a");
+  ServiceReference<Counter> counter{ServiceReferenceBase(registration.GetReference())};
+  EXPECT_FALSE(counter);
+  counter = ServiceReferenceBase(registration.GetReference());
+  EXPECT_FALSE(counter);
+  ServiceReference<Greeter> greeter;
+  EXPECT_FALSE(greeter);
+  EXPECT_EQ(greeter.GetInterfaceId(), "");
+  greeter = registration.GetReference();
+  EXPECT_TRUE(greeter);
+  greeter = nullptr;
+  EXPECT_FALSE(greeter);
+}
+
+TEST_F(Services, InterfaceWithoutIdentifierCannotBeLookedUp) {
+  const std::string text =
+      "The service interface class has no CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE macro";
+  try {
+    context.GetServiceReferences<NoIdentifier>();
+    FAIL();
+  } catch (const ServiceException& exception) {
+    EXPECT_EQ(exception.what(), text);
+    EXPECT_EQ(exception.GetType(), ServiceException::UNSPECIFIED);
+  }
+  EXPECT_THROW(context.GetServiceReference<NoIdentifier>(), ServiceException);
+}
+
+TEST_F(Services, HoldersAreKnown) {
+  auto registration = add("a");
+  const auto reference = registration.GetReference();
+  EXPECT_TRUE(reference.GetUsingBundles().empty());
+  {
+    const auto first = context.GetService(reference);
+    const auto second = context.GetService(reference);
+    EXPECT_EQ(first, second);
+    EXPECT_EQ(reference.GetUsingBundles(), std::vector<Bundle>{framework});
+    EXPECT_EQ(framework.GetServicesInUse().size(), 1U);
+  }
+  EXPECT_TRUE(reference.GetUsingBundles().empty());
+  EXPECT_TRUE(framework.GetServicesInUse().empty());
+  EXPECT_EQ(framework.GetRegisteredServices().size(), 1U);
+  EXPECT_TRUE(reference.GetBundle() == framework);
+}
+
+TEST_F(Services, HolderKeepsTheObjectOfAnUnregisteredService) {
+  const auto object = std::make_shared<Hello>("a");
+  const std::weak_ptr<Hello> life = object;
+  auto registration = context.RegisterService<Greeter>(std::shared_ptr<Hello>(object));
+  const auto reference = registration.GetReference();
+  auto held = context.GetService(reference);
+  registration.Unregister();
+  EXPECT_EQ(held->greet(), "a");
+  EXPECT_FALSE(reference);
+  EXPECT_FALSE(reference.GetBundle());
+  EXPECT_TRUE(reference.GetUsingBundles().empty());
+  EXPECT_EQ(reference.GetPropertyKeys().size(), 3U);
+  EXPECT_EQ(life.use_count() > 1, true);
+  held = nullptr;
+  EXPECT_EQ(life.use_count(), 1);
+}
+
+TEST_F(Services, RegistrationEndsOnce) {
+  auto registration = add("a");
+  auto copy = registration;
+  EXPECT_TRUE(copy == registration);
+  registration.Unregister();
+  EXPECT_TRUE(registration);
+  EXPECT_THROW(copy.Unregister(), std::logic_error);
+  EXPECT_THROW(copy.SetProperties(ServiceProperties()), std::logic_error);
+  EXPECT_THROW(copy.GetReference(), std::logic_error);
+  copy = nullptr;
+  EXPECT_FALSE(copy);
+  EXPECT_TRUE(copy < registration);
+  EXPECT_THROW(ServiceRegistrationU().Unregister(), std::logic_error);
+}
+
+TEST_F(Services, ReferenceThatNamesNothingIsRefused) {
+  EXPECT_THROW(context.GetService(ServiceReference<Greeter>()), std::invalid_argument);
+  EXPECT_THROW(context.GetService(ServiceReferenceU()), std::invalid_argument);
+  EXPECT_THROW(context.GetServiceObjects(ServiceReference<Greeter>()), std::invalid_argument);
+  auto registration = add("a");
+  const auto reference = registration.GetReference();
+  registration.Unregister();
+  EXPECT_THROW(context.GetService(reference), std::invalid_argument);
+  EXPECT_TRUE(ServiceReferenceU().GetProperty("a").Empty());
+}
+
+TEST_F(Services, ObjectsAreGotOneByOne) {
+  auto registration = add("a");
+  auto objects = context.GetServiceObjects(registration.GetReference());
+  EXPECT_EQ(objects.GetService()->greet(), "a");
+  EXPECT_TRUE(objects.GetServiceReference() == registration.GetReference());
+  auto moved = std::move(objects);
+  EXPECT_EQ(moved.GetService()->greet(), "a");
+  auto maps = context.GetServiceObjects(ServiceReferenceU(registration.GetReference()));
+  EXPECT_EQ(maps.GetService()->size(), 1U);
+  EXPECT_TRUE(maps.GetServiceReference() == ServiceReferenceU(registration.GetReference()));
+  moved = context.GetServiceObjects(registration.GetReference());
+  registration.Unregister();
+  EXPECT_EQ(moved.GetService(), nullptr);
+  EXPECT_EQ(maps.GetService(), nullptr);
+}
+
+TEST_F(Services, ReferencesAreKeysOfHashTables) {
+  auto a = add("a");
+  auto b = add("b");
+  const std::unordered_set<ServiceReference<Greeter>> references{a.GetReference(), b.GetReference(),
+                                                                 a.GetReference()};
+  EXPECT_EQ(references.size(), 2U);
+  const std::unordered_set<ServiceRegistrationBase> registrations{a, b, a};
+  EXPECT_EQ(registrations.size(), 2U);
+  EXPECT_FALSE(ServiceReferenceU() < ServiceReferenceU());
+  EXPECT_TRUE(ServiceReferenceU() < a.GetReference());
+  EXPECT_FALSE(a.GetReference() < ServiceReferenceU());
+}
+
+TEST_F(Services, ListenersHearOfChanges) {
+  std::vector<ServiceEvent::Type> all;
+  std::vector<ServiceEvent::Type> some;
+  auto token = context.AddServiceListener([&](const ServiceEvent& event) {
+    EXPECT_TRUE(event);
+    all.push_back(event.GetType());
+  });
+  context.AddServiceListener([&](const ServiceEvent& event) { some.push_back(event.GetType()); },
+                             "(p=1)");
+  auto registration = add("a", {{"p", Any(1)}});
+  registration.SetProperties({{"p", Any(2)}});
+  registration.SetProperties({{"p", Any(3)}});
+  registration.SetProperties({{"p", Any(1)}});
+  registration.Unregister();
+  EXPECT_EQ(all, (std::vector<ServiceEvent::Type>{
+                     ServiceEvent::SERVICE_REGISTERED, ServiceEvent::SERVICE_MODIFIED,
+                     ServiceEvent::SERVICE_MODIFIED, ServiceEvent::SERVICE_MODIFIED,
+                     ServiceEvent::SERVICE_UNREGISTERING}));
+  EXPECT_EQ(some, (std::vector<ServiceEvent::Type>{
+                      ServiceEvent::SERVICE_REGISTERED, ServiceEvent::SERVICE_MODIFIED_ENDMATCH,
+                      ServiceEvent::SERVICE_MODIFIED, ServiceEvent::SERVICE_UNREGISTERING}));
+  context.RemoveListener(std::move(token));
+  auto again = add("b");
+  EXPECT_EQ(all.size(), 5U);
+  EXPECT_THROW(context.AddServiceListener([](const ServiceEvent&) {}, "(p"), std::invalid_argument);
+}
+
+TEST_F(Services, ThatGoAreNotFoundButCanBeGot) {
+  auto registration = add("a");
+  std::string greeting;
+  context.AddServiceListener([&](const ServiceEvent& event) {
+    EXPECT_TRUE(context.GetServiceReferences<Greeter>().empty());
+    greeting = context.GetService(event.GetServiceReference<Greeter>())->greet();
+    EXPECT_THROW(registration.Unregister(), std::logic_error);
+  });
+  registration.Unregister();
+  EXPECT_EQ(greeting, "a");
+}
+
+TEST_F(Services, ListenerThatThrowsIsReported) {
+  std::vector<std::string> errors;
+  context.AddFrameworkListener([&](const FrameworkEvent& event) {
+    EXPECT_EQ(event.GetType(), FrameworkEvent::FRAMEWORK_ERROR);
+    EXPECT_TRUE(event.GetBundle() == framework);
+    try {
+      std::rethrow_exception(event.GetThrowable());
+    } catch (const std::exception& exception) {
+      errors.emplace_back(exception.what());
+    }
+    throw std::runtime_error("lost");
+  });
+  int calls = 0;
+  context.AddServiceListener([](const ServiceEvent&) { throw std::runtime_error("boom"); });
+  context.AddServiceListener([&](const ServiceEvent&) { ++calls; });
+  auto registration = add("a");
+  EXPECT_EQ(errors, std::vector<std::string>{"boom"});
+  EXPECT_EQ(calls, 1);
+}
+
+TEST_F(Services, ListenerThatIsRemovedMeanwhileIsNotCalled) {
+  ListenerToken second;
+  context.AddServiceListener(
+      [&](const ServiceEvent&) { context.RemoveListener(std::move(second)); });
+  int calls = 0;
+  second = context.AddServiceListener([&](const ServiceEvent&) { ++calls; });
+  auto registration = add("a");
+  // The first listener came before the second one, or after it and then too late.
+  const int before = calls;
+  registration.Unregister();
+  EXPECT_LE(before, 1);
+  EXPECT_EQ(calls, before);
+}
+
+TEST_F(Services, TokensMove) {
+  ListenerToken token = context.AddServiceListener([](const ServiceEvent&) {});
+  EXPECT_TRUE(token);
+  ListenerToken moved(std::move(token));
+  EXPECT_TRUE(moved);
+  ListenerToken empty;
+  EXPECT_FALSE(empty);
+  empty = std::move(moved);
+  EXPECT_TRUE(empty);
+  context.RemoveListener(ListenerToken());
+}
+
+TEST_F(Services, InvalidContextThrows) {
+  auto registration = add("a");
+  auto objects = context.GetServiceObjects(registration.GetReference());
+  const BundleContext copy = context;
+  EXPECT_TRUE(copy == context);
+  stop();
+  EXPECT_FALSE(context);
+  const std::vector<std::function<void()>> calls = {
+      [&] { context.GetServiceReferences<Greeter>(); },
+      [&] { context.GetServiceReference("x"); },
+      [&] { add("b"); },
+      [&] { context.GetBundle(); },
+      [&] { context.GetBundle(0); },
+      [&] { context.GetBundles(); },
+      [&] { context.GetBundles("x"); },
+      [&] { context.InstallBundles("x"); },
+      [&] { objects.GetService(); },
+      [&] { context.GetService(ServiceReferenceU()); },
+      [&] { context.AddServiceListener([](const ServiceEvent&) {}); },
+      [&] { context.AddFrameworkListener([](const FrameworkEvent&) {}); },
+      [&] { context.RemoveListener(ListenerToken()); },
+      [&] { BundleContext().GetBundles(); },
+  };
+  for (const auto& call : calls) {
+    try {
+      call();
+      ADD_FAILURE();
+    } catch (const std::runtime_error& error) {
+      EXPECT_STREQ(error.what(), "The bundle context is no longer valid");
+    }
+  }
+  context = nullptr;
+  EXPECT_FALSE(context == copy);
+  EXPECT_TRUE(context < copy);
+}
+
+}  // namespace
+}  // namespace framework_api
