@@ -27,6 +27,14 @@ std::string reference(const std::string& members) {
       members + "}]");
 }
 
+// A component that provides one interface and needs another one.
+std::string waiting(const std::string& name, const std::string& provided,
+                    const std::string& needed) {
+  return R"({"implementation-class":")" + name + R"(","service":{"interfaces":[")" + provided +
+         R"("]},"inject-references":true,"references":[{"name":"word","interface":")" + needed +
+         R"("}]})";
+}
+
 std::string named(const std::string& members) {
   return R"({"bundle.symbolic_name":"broken")" + members + "}";
 }
@@ -274,6 +282,15 @@ const std::vector<BrokenBundle>& brokenBundles() {
            R"("service":{"interfaces":["demo::LeftA"]},"inject-references":true,"references":[{"name":"word","interface":"demo::RightB"}]},)"
            R"({"implementation-class":"demo::Fine","service":{"interfaces":["demo::RightB"]},"inject-references":true,)"
            R"("references":[{"name":"other","interface":"demo::LeftA"}]}]})"),
+       "FILE: components wait for each other and are not offered: demo::Needs needs demo::Fine "
+       "needs demo::Needs; break the circle, or start a bundle that provides one of their "
+       "interfaces"},
+      {"CircleWithATail", Make::kBundle,
+       named(R"(,"scr":{"version":1,"components":[)" +
+             waiting("demo::ThrowsNumber", "demo::Third", "demo::First") + "," +
+             waiting("demo::ThrowsError", "demo::Second", "demo::LeftA") + "," +
+             waiting("demo::Needs", "demo::LeftA", "demo::RightB") + "," +
+             waiting("demo::Fine", "demo::RightB", "demo::LeftA") + "]}"),
        "FILE: components wait for each other and are not offered: demo::Needs needs demo::Fine "
        "needs demo::Needs; break the circle, or start a bundle that provides one of their "
        "interfaces"},
