@@ -43,6 +43,11 @@ void ParserContest::addParsers(const Corpus& lines) {
     return parsers::makeLineParser(corpus, parsers::contentsOf(corpus));
   });
   contest.add(kLists, lines, parsers::makeProviderLists);
+  contest.add(kService, lines, [](const Corpus& corpus) {
+    return parsers::makeServiceParser(corpus, parsers::contentsOf(corpus));
+  });
+  contest.add(kTasks, lines, parsers::makeTaskParser);
+  contest.add(kTrace, lines, parsers::makeTrace);
 }
 
 void ParserContest::addMarked(const std::string& kind, const Corpus& lines,

@@ -1,6 +1,7 @@
 #include "aims.hpp"
 
 #include <ostream>
+#include <string_view>
 
 #include "harness/AimTable.hpp"
 
@@ -40,6 +41,15 @@ void addSpeed(AimTable& table, const Figures& figures) {
                figures.nanoseconds(kParseLine) / figures.nanoseconds(kMd4c), 1);
 }
 
+void addService(AimTable& table, const Figures& figures) {
+  const double parser = figures.nanoseconds(kService);
+  const bool isInstalled = std::string_view(QUENLITH_BENCH_FRAMEWORK) == "system";
+  table.atMost(std::string("default parser as a service, ") +
+                   (isInstalled ? "installed" : "embedded") + " framework, in floors",
+               figures.floors(parser), isInstalled ? 4.5 : 3);
+  table.atLeast("its speed in times of cmark's", figures.nanoseconds(kCmark) / parser, 5);
+}
+
 void addMarked(AimTable& table, const Figures& figures) {
   table.atMost("a marker in 1 of 10 lines, in times of the plain line",
                figures.timesPlain(kOneIn10), 1.8);
@@ -63,6 +73,7 @@ void writeAims(std::ostream& out, const Contest& contest) {
   const Figures figures(contest);
   AimTable table;
   addSpeed(table, figures);
+  addService(table, figures);
   addMarked(table, figures);
   addMemory(table, figures);
   table.write(out);

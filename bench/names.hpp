@@ -12,6 +12,9 @@ inline const std::string kLibxml2 = "libxml2";
 inline const std::string kCmark = "cmark";
 inline const std::string kParseLine = "parseLine";
 inline const std::string kLists = "the provider's two lists";
+inline const std::string kService = "default parser as a service";
+inline const std::string kTasks = "task and default parser";
+inline const std::string kTrace = "one trace call, logging off";
 
 // On which of the marked lines, behind one of the names above.
 inline const std::string kPlain = ", no marker, every 4th line";
