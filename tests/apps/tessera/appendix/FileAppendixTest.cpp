@@ -23,7 +23,8 @@ TEST(FileAppendix, FindsTheEntryWithTheElementAndTheId) {
 TEST(FileAppendix, HasNoEntryForAnotherIdOrElement) {
   FileAppendix appendix;
   appendix.addEntry(Marker(u"# <@task#a>"));
-  for (const auto* other : {u"# <@task#A>", u"# <@text#a>", u"# <@task>", u"# <@task#aa>"}) {
+  for (const auto* other :
+       {u"# <@task#A>", u"# <@text#a>", u"# <@task>", u"# <@task#aa>", u"# <@taska>"}) {
     const auto entry = appendix.findEntry(Marker(other));
     EXPECT_FALSE(entry.marker);
     EXPECT_TRUE(entry.text.empty());
