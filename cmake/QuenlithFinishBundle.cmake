@@ -8,7 +8,12 @@ cmake_minimum_required(VERSION 3.25)
 
 function(fail)
   file(REMOVE "${LIBRARY}")
-  list(JOIN ARGV "" text)
+  # Not through a list: the text has semicolons.
+  set(text)
+  math(EXPR last "${ARGC} - 1")
+  foreach(index RANGE ${last})
+    string(APPEND text "${ARGV${index}}")
+  endforeach()
   message(FATAL_ERROR "${LIBRARY}: ${text}")
 endfunction()
 

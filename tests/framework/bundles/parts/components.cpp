@@ -83,6 +83,19 @@ class Dependent : public NeedsBroken {
   std::shared_ptr<Broken> broken;
 };
 
+class Ordered : public RightB {
+ public:
+  explicit Ordered(const std::shared_ptr<Ledger>& ledger) : entry(ledger, "ordered") {
+    lastLedger = ledger.get();
+  }
+
+  // For the function that removes the instance, which has no references.
+  static inline Ledger* lastLedger = nullptr;
+
+ private:
+  Entry entry;
+};
+
 }  // namespace demo
 
 QUENLITH_COMPONENT(demo_Plain, demo::Plain, Provides<demo::Word>);
@@ -97,3 +110,18 @@ QUENLITH_COMPONENT(demo_ThirdStep, demo::ThirdStep, Provides<demo::Third>,
 QUENLITH_COMPONENT(demo_Throwing, demo::Throwing, Provides<demo::Broken>);
 QUENLITH_COMPONENT(demo_Dependent, demo::Dependent, Provides<demo::NeedsBroken>,
                    Reference<"broken", demo::Broken>);
+
+using cppmicroservices::service::component::detail::ComponentInstance;
+
+extern "C" QUENLITH_BUNDLE_EXPORT ComponentInstance* NewInstance_demo_Ordered() {
+  using quenlith::bundle::Factory;
+  using quenlith::bundle::Provides;
+  using quenlith::bundle::Reference;
+  return Factory<demo::Ordered, Provides<demo::RightB>, Reference<"ledger", demo::Ledger>>::make();
+}
+
+// Writes down when the runtime removes the instance. The test keeps the ledger.
+extern "C" QUENLITH_BUNDLE_EXPORT void DeleteInstance_demo_Ordered(ComponentInstance* instance) {
+  demo::Ordered::lastLedger->note("instance removed");
+  delete instance;
+}

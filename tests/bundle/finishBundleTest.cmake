@@ -1,0 +1,46 @@
+# Runs the step after the link of a bundle on a library that does not agree with its manifest, and
+# compares what it says. In: SCRIPT, BASE (the library), NM, ZIP, WORK (a folder to write to).
+cmake_minimum_required(VERSION 3.25)
+
+set(all _us_set_bundle_context_instance_broken)
+foreach(class IN ITEMS Fine Half Needs Null Thrower ThrowsError ThrowsNumber)
+  list(APPEND all NewInstance_demo_${class} DeleteInstance_demo_${class})
+endforeach()
+set(complete ${all})
+list(REMOVE_ITEM complete DeleteInstance_demo_Half)
+file(MAKE_DIRECTORY "${WORK}")
+file(WRITE "${WORK}/manifest.json" "{}")
+set(library "${WORK}/bundle.so")
+
+# Runs the step for a library that should export `exports` and expects `expected` in what it says.
+function(expect_message name symbolicName exports expected)
+  file(COPY_FILE "${BASE}" "${library}")
+  execute_process(COMMAND "${CMAKE_COMMAND}" "-DLIBRARY=${library}" "-DMANIFEST=MANIFEST"
+      "-DSYMBOLIC_NAME=${symbolicName}" "-DEXPORTS=${exports}" "-DWORK=${WORK}" "-DNM=${NM}"
+      -DSTRIP= "-DZIP=${ZIP}" -P "${SCRIPT}"
+    RESULT_VARIABLE result ERROR_VARIABLE said)
+  string(REGEX REPLACE "[ \n]+" " " said "${said}")
+  string(FIND "${said}" "${expected}" place)
+  if(result EQUAL 0 OR place EQUAL -1 OR EXISTS "${library}")
+    message(SEND_ERROR "${name}: expected a failure with \"${expected}\", got ${result}: ${said}")
+  endif()
+endfunction()
+
+expect_message(MissingFactory broken "${all}" "MANIFEST has a component with the class demo_Half (\"::\" as \"_\"), but DeleteInstance_demo_Half is not defined; add QUENLITH_COMPONENT(demo_Half, Class, Provides<Interface>) to a file in SOURCES")
+expect_message(OtherName other "_us_set_bundle_context_instance_other" "US_BUNDLE_NAME is 'broken', but \"bundle.symbolic_name\" in MANIFEST is 'other'; leave US_BUNDLE_NAME to quenlith_add_bundle")
+expect_message(MissingActivator broken "${complete};_us_create_activator_broken" "MANIFEST has \"bundle.activator\": true, but _us_create_activator_broken is not defined; add CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(Class) to a source, or set \"bundle.activator\" to false")
+set(fewer ${complete})
+list(REMOVE_ITEM fewer NewInstance_demo_Fine)
+expect_message(FactoryTooMany broken "${fewer}" "NewInstance_demo_Fine is defined, but MANIFEST has no entry that calls for it; add the component (or \"bundle.activator\": true) to the manifest, or remove the function")
+
+# A library that agrees is kept, with the manifest behind it.
+file(COPY_FILE "${BASE}" "${library}")
+execute_process(COMMAND "${CMAKE_COMMAND}" "-DLIBRARY=${library}" "-DMANIFEST=${WORK}/manifest.json"
+    -DSYMBOLIC_NAME=broken "-DEXPORTS=${complete}" "-DWORK=${WORK}" "-DNM=${NM}" -DSTRIP= "-DZIP=${ZIP}"
+    -P "${SCRIPT}"
+  COMMAND_ERROR_IS_FATAL ANY)
+file(SIZE "${BASE}" before)
+file(SIZE "${library}" after)
+if(NOT after GREATER before)
+  message(SEND_ERROR "the library that agrees has no archive behind it")
+endif()
