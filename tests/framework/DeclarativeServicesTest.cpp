@@ -235,14 +235,6 @@ TEST_F(DeclarativeServices, StoppedBundleTakesItsComponentsBack) {
   EXPECT_THAT(book->take(), ElementsAre("-pair"));
 }
 
-TEST_F(DeclarativeServices, ImplementationEndsBeforeItsInstance) {
-  const auto registration = registerBook();
-  parts.Start();
-  EXPECT_NE(get<demo::RightB>(), nullptr);
-  parts.Stop();
-  EXPECT_THAT(book->take(), ElementsAre("+ordered", "-ordered", "instance removed"));
-}
-
 TEST_F(DeclarativeServices, BundleMayStartAgain) {
   const auto registration = registerBook();
   for (int round = 0; round < 3; ++round) {

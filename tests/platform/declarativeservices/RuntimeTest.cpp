@@ -85,6 +85,13 @@ TEST_F(Runtime, ConstructorGetsNullForItsOwnService) {
                                     "service; pass the service on later")));
 }
 
+TEST_F(Runtime, ImplementationEndsBeforeItsInstance) {
+  startBoth();
+  EXPECT_NE(get<demo::RightB>(), nullptr);
+  parts.Stop();
+  EXPECT_THAT(hook->take(), ElementsAre("+ordered", "-ordered", "instance removed"));
+}
+
 TEST_F(Runtime, ObjectIsDroppedWhenItsServiceGoesMeanwhile) {
   startBoth();
   hook->when = "+pair";
