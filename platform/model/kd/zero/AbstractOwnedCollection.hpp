@@ -71,15 +71,19 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
                           static_cast<std::size_t>(reinterpret_cast<const std::byte*>(this) -
                                                    static_cast<const std::byte*>(place)) /
                           kGranule) &
-                      0x1FFF),
+                      0xFFF),
         ownerIsReferred(placeRefers),
-        holdsValues(content == Holds::kValues) {}
+        holdsValues(content == Holds::kValues),
+        linksContainer(property.isUnique() && property.getOpposite() != nullptr &&
+                       property.getOpposite()->isContainer()) {}
 
-  std::uint16_t ownerDistance : 13;
+  std::uint16_t ownerDistance : 12;
   bool ownerIsReferred : 1;
   bool holdsValues : 1;
 
  protected:
+  /// It is unique and its opposite is the link to the container, as is usual.
+  bool linksContainer : 1;
   bool inBlock : 1 = false;
 };
 

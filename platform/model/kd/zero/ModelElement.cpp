@@ -19,14 +19,23 @@ bool ModelElement::Impl::isKindOf(const meta::Class& metaClass) const noexcept {
 
 void ModelElement::Impl::destroy(Impl* element) noexcept {
   Releases releases;
-  releases.push(element);
-  while (Impl* ended = releases.pending) {
-    releases.pending = ended->container;
-    const meta::Class& metaClass = ended->getMetaClass();
-    ModelStorage& storage = ModelStorage::of(ended);
-    metaClass.getDismantle()(*ended, releases);
-    storage.deallocateElement(ended, metaClass.getSizeBytes());
+  element->end(releases);
+}
+
+inline void ModelElement::Impl::end(Releases& releases) noexcept {
+  const meta::Class& metaClass = getMetaClass();
+  ModelStorage& storage = ModelStorage::of(this);
+  metaClass.getDismantle()(*this, releases);
+  storage.deallocateElement(this, metaClass.getSizeBytes());
+}
+
+void ModelElement::Releases::endPending() noexcept {
+  ofRoot = false;
+  while (Impl* ended = pending) {
+    pending = ended->container;
+    ended->end(*this);
   }
+  ofRoot = true;
 }
 
 }  // namespace kd::zero

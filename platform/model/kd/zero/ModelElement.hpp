@@ -93,6 +93,7 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   friend struct Containment;
 
   static void destroy(Impl* element) noexcept;
+  void end(Releases& releases) noexcept;
 
   std::uint32_t references = 1;
   std::uint16_t containerProperty = 0;
@@ -106,10 +107,13 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
 /// through this list, however deep they are, so that no release recurses.
 class ModelElement::Releases {
  public:
-  /// Drops one reference to `element` (never null), which is destroyed later if it was the
-  /// last.
+  /// Drops one reference to `element` (never null), which ends soon if it was the last.
   void drop(Impl* element) noexcept {
-    if (--element->references == 0) push(element);
+    if (--element->references != 0) return;
+    push(element);
+    // While the root of a tree lets go of its children, each is ended at once, as it is in reach
+    // then; what these let go of waits in the list.
+    if (ofRoot) endPending();
   }
 
  private:
@@ -119,9 +123,11 @@ class ModelElement::Releases {
     element->container = pending;
     pending = element;
   }
+  QUENLITH_MODEL_EXPORT void endPending() noexcept;
 
   // The container of a released element says nothing any more: it links the list.
   Impl* pending = nullptr;
+  bool ofRoot = true;
 };
 
 inline ModelElement ModelElement::share(Impl* element) noexcept {

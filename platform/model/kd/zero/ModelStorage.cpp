@@ -13,17 +13,13 @@ namespace kd::zero {
 
 namespace {
 
-std::size_t roundUp(std::size_t sizeBytes, std::size_t granule) noexcept {
-  return (sizeBytes + granule - 1) & ~(granule - 1);
-}
-
 /// Asks for large pages behind [`begin`, `begin` + `sizeBytes`) where that is large enough. Most
 /// of what filling a large model costs is otherwise the first touch of each small page.
 void useLargePages([[maybe_unused]] std::byte* begin, [[maybe_unused]] std::size_t sizeBytes) {
 #ifdef __linux__
   constexpr std::size_t kLargePage = std::size_t{2} * 1024 * 1024;
   const auto address = reinterpret_cast<std::uintptr_t>(begin);
-  const std::uintptr_t first = roundUp(address, kLargePage);
+  const std::uintptr_t first = (address + kLargePage - 1) & ~(kLargePage - 1);
   const std::uintptr_t last = (address + sizeBytes) & ~(kLargePage - 1);
   if (first < last) ::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
 #endif
@@ -42,11 +38,6 @@ void ModelStorage::destroy() noexcept {
   delete this;
 }
 
-void* ModelStorage::allocate(std::size_t sizeBytes) {
-  if (sizeBytes > kLargestBlock) return ::operator new(sizeBytes);
-  return allocateBlock(sizeBytes);
-}
-
 void ModelStorage::deallocate(void* room, std::size_t sizeBytes) noexcept {
   if (sizeBytes > kLargestBlock) {
     ::operator delete(room);
@@ -59,32 +50,10 @@ void ModelStorage::deallocate(void* room, std::size_t sizeBytes) noexcept {
   poison(block, size);
 }
 
-void* ModelStorage::allocateElement(std::size_t sizeBytes) {
-  void* element = allocateBlock(sizeBytes);
-  ++elements;
-  return element;
-}
-
 void ModelStorage::deallocateElement(void* element, std::size_t sizeBytes) noexcept {
   deallocate(element, sizeBytes);
   --elements;
   endIfUnused();
-}
-
-void* ModelStorage::allocateBlock(std::size_t sizeBytes) {
-  const std::size_t size = roundUp(sizeBytes, kGranule);
-  FreeBlock*& reusable = freeBlocks[size / kGranule];
-  if (reusable != nullptr) {
-    FreeBlock* block = reusable;
-    unpoison(block, size);
-    reusable = block->next;
-    return block;
-  }
-  if (static_cast<std::size_t>(end - free) < size) beginNextChunk();
-  std::byte* block = free;
-  free += size;
-  unpoison(block, size);
-  return block;
 }
 
 void ModelStorage::beginNextChunk() {

@@ -3,9 +3,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <vector>
 
 #include "kd/zero/ModelElement.hpp"
+#include "kd/zero/Poison.hpp"
 #include "quenlith/export/model.hpp"
 
 namespace kd::zero {
@@ -38,11 +40,17 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
   }
 
   /// Returns room for `sizeBytes` bytes, aligned to eight. Throws std::bad_alloc.
-  void* allocate(std::size_t sizeBytes);
+  void* allocate(std::size_t sizeBytes) {
+    return sizeBytes > kLargestBlock ? ::operator new(sizeBytes) : allocateBlock(sizeBytes);
+  }
   /// Gives room back; `sizeBytes` as it was asked for.
   void deallocate(void* room, std::size_t sizeBytes) noexcept;
   /// Like `allocate`, but for an element: its size must be at most kLargestBlock.
-  void* allocateElement(std::size_t sizeBytes);
+  void* allocateElement(std::size_t sizeBytes) {
+    void* element = allocateBlock(sizeBytes);
+    ++elements;
+    return element;
+  }
   void deallocateElement(void* element, std::size_t sizeBytes) noexcept;
 
   /// Number of collection operations opened so far.
@@ -70,6 +78,9 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
 
   ModelStorage() = default;
   ~ModelStorage();
+  static constexpr std::size_t roundUp(std::size_t sizeBytes, std::size_t granule) noexcept {
+    return (sizeBytes + granule - 1) & ~(granule - 1);
+  }
   void* allocateBlock(std::size_t sizeBytes);
   void beginNextChunk();
   void addSlab();
@@ -87,5 +98,21 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
   std::size_t chunksSoFar = 0;
   std::vector<Slab> slabs;
 };
+
+inline void* ModelStorage::allocateBlock(std::size_t sizeBytes) {
+  const std::size_t size = roundUp(sizeBytes, kGranule);
+  FreeBlock*& reusable = freeBlocks[size / kGranule];
+  if (reusable != nullptr) {
+    FreeBlock* block = reusable;
+    unpoison(block, size);
+    reusable = block->next;
+    return block;
+  }
+  if (static_cast<std::size_t>(end - free) < size) beginNextChunk();
+  std::byte* block = free;
+  free += size;
+  unpoison(block, size);
+  return block;
+}
 
 }  // namespace kd::zero

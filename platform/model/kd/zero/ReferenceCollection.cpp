@@ -17,7 +17,7 @@ namespace kd::zero {
 
 using foundation::core::except::Exception;
 
-void ReferenceCollection::append(ModelElement element) {
+void ReferenceCollection::appendByRules(ModelElement element) {
   if (!element) return;
   ModelElement::Impl& added = *element.get();
   checkCompatibleModel(added);

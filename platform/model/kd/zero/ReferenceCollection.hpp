@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <unordered_set>
+#include <utility>
 
 #include "kd/zero/AbstractOwnedCollection.hpp"
 #include "kd/zero/ModelElement.hpp"
+#include "kd/zero/ModelStorage.hpp"
 
 namespace kd::zero {
 
@@ -34,7 +36,9 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
       : AbstractOwnedCollection(collectionOwner, property, Holds::kElements) {}
   ~ReferenceCollection() = default;
 
-  void append(ModelElement element);
+  void append(ModelElement element) {
+    if (!appendDetached(element)) appendByRules(std::move(element));
+  }
   ModelElement::Impl* const* places() const noexcept { return inBlock ? many : &one; }
 
  private:
@@ -49,6 +53,11 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
   };
   static constexpr std::size_t kIdentitiesFrom = 16;
 
+  /// Does what `appendByRules` comes to for an element that was just made, when there is room
+  /// for it, and returns true; else does nothing. Most elements are appended so, and all that the
+  /// rules ask is then known from the element itself.
+  bool appendDetached(ModelElement& element) noexcept;
+  void appendByRules(ModelElement element);
   void checkCompatibleModel(const ModelElement::Impl& element) const;
   void checkNoCycle(const ModelElement::Impl& element) const;
   bool contains(ModelElement::Impl& element);
@@ -72,5 +81,25 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
     ModelElement::Impl** many;
   };
 };
+
+inline bool ReferenceCollection::appendDetached(ModelElement& element) noexcept {
+  ModelElement::Impl* added = element.get();
+  if (added == nullptr || !linksContainer || added->container != nullptr || added->proxy) {
+    return false;
+  }
+  ModelElement::Impl& holder = owner();
+  ModelStorage& storage = ModelStorage::of(&holder);
+  const bool canBeAbove =
+      added == &holder || (added->containsOthers && holder.container != nullptr);
+  const bool hasRoom = inBlock ? count < blockHead().capacity : count == 0;
+  if (canBeAbove || !hasRoom || &ModelStorage::of(added) != &storage) return false;
+  ++storage.operations;
+  (inBlock ? many[count] : one) = element.detach();
+  ++count;
+  added->container = &holder;
+  added->containerProperty = propertyIndex;
+  holder.containsOthers = true;
+  return true;
+}
 
 }  // namespace kd::zero

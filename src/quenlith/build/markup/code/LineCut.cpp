@@ -13,11 +13,16 @@ namespace quenlith::build::markup::code {
 using core::MarkerInfo;
 
 void LineCut::own(std::size_t begin, std::size_t end, const MarkerInfo& owner) {
-  stretches.push_back({begin, end, &owner, false});
+  add({begin, end, &owner, false});
 }
 
 void LineCut::leaveOut(const MarkerInfo& marker) {
-  stretches.push_back({marker.position, marker.position + marker.length, &marker, true});
+  add({marker.position, marker.position + marker.length, &marker, true});
+}
+
+void LineCut::add(const Run& stretch) {
+  if (!stretches.empty() && stretch.begin < stretches.back().end) ascending = false;
+  stretches.push_back(stretch);
 }
 
 /// Goes through a line from left to right and tells at each place which stretch counts.
@@ -67,9 +72,23 @@ class LineCut::Sweep {
 std::vector<LineCut::Run> LineCut::runs(std::size_t lineLength) const {
   std::vector<Run> found;
   found.reserve(2 * stretches.size() + 1);
-  Sweep sweep(stretches, lineLength);
-  while (!sweep.atEnd()) found.push_back(sweep.next());
+  if (ascending) {
+    fillGaps(lineLength, found);
+  } else {
+    Sweep sweep(stretches, lineLength);
+    while (!sweep.atEnd()) found.push_back(sweep.next());
+  }
   return found;
+}
+
+void LineCut::fillGaps(std::size_t lineLength, std::vector<Run>& found) const {
+  std::size_t position = 0;
+  for (const Run& stretch : stretches) {
+    if (position < stretch.begin) found.push_back({position, stretch.begin, nullptr, false});
+    found.push_back(stretch);
+    position = stretch.end;
+  }
+  if (position < lineLength) found.push_back({position, lineLength, nullptr, false});
 }
 
 std::vector<LinePiece> LineCut::cut(std::u16string_view line) const {

@@ -42,10 +42,14 @@ class LineCut {
   };
   class Sweep;
 
+  void add(const Run& stretch);
   std::vector<Run> runs(std::size_t lineLength) const;
+  void fillGaps(std::size_t lineLength, std::vector<Run>& found) const;
 
   // In the order given: a later stretch wins over an earlier one where they overlap.
   std::vector<Run> stretches;
+  /// Each stretch begins behind the one before, as nearly always: none overlaps another.
+  bool ascending = true;
 };
 
 }  // namespace quenlith::build::markup::code

@@ -6,6 +6,7 @@
 #include "document/kdzero/LineNode.hpp"
 #include "quenlith/build/markup/code/LineParse.hpp"
 #include "quenlith/build/markup/code/LineParsers.hpp"
+#include "quenlith/build/markup/code/isPlainLine.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 
 namespace quenlith::build::markup::code {
@@ -27,7 +28,11 @@ ParseResult LineNodeParserService::parseLine(std::shared_ptr<TesseraDocument> do
   LineNode lineNode = LineNode::Builder(model).createLineNode(boost::uuids::uuid{});
   const LineParsers parsers(*parserServicesProvider);
 
-  LineParse(model, lineNode, parsers, result).parse(snippet.text);
+  if (isPlainLine(snippet.text)) {
+    lineNode->getChildrenMutable().add(parsers.parsePlainText(model, snippet.text));
+  } else {
+    LineParse(model, lineNode, parsers, result).parse(snippet.text);
+  }
   document->addChild(std::move(lineNode));
   return result;
 }

@@ -21,9 +21,7 @@ using quenlith::shared::logging::trace;
 using syntax::Marker;
 
 void LineParse::parse(const ustring& line) {
-  if (line.empty()) {
-    appendPlainText(line);
-  } else if (hasEscapedLeader(line)) {
+  if (hasEscapedLeader(line)) {
     parseNormalised(withoutEscapes(line));
   } else {
     parseNormalised(line);

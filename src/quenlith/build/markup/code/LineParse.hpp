@@ -14,7 +14,7 @@
 
 namespace quenlith::build::markup::code {
 
-/// The parse of one line into its node. Borrows all that it is given.
+/// The parse of one line that may hold markers into its node. Borrows all that it is given.
 class LineParse {
  public:
   LineParse(const kd::zero::Model& lineModel, document::kdzero::Node node,
