@@ -54,8 +54,10 @@ class LineData::Impl::BuilderBase : public kd::zero::ElementBuilder {
  public:
   using ElementBuilder::ElementBuilder;
 
-  /// Returns a new, detached element. Any number of elements may have the same `uuid`.
-  LineData createLineData(const boost::uuids::uuid& uuid) const { return make<LineData>(uuid); }
+  /// Returns a new, detached element. Any number of elements may have the same uuid.
+  LineData createLineData(const boost::uuids::uuid& elementUuid) const {
+    return make<LineData>(elementUuid);
+  }
 };
 
 class LineData::Builder : public Impl::BuilderBase<Builder> {
