@@ -113,9 +113,9 @@ const Property& peers() {
 const Property& number() {
   static const Property property(single(
       u"number",
-      [](const ModelElement::Impl& element) {
+      [](const ModelElement::Impl&) {
         static const Type::Impl type(u"oracle.Number");
-        return Value(type, &element);
+        return Value(type);
       },
       [](ModelElement::Impl&, ModelElement::Impl&, const Property&) {}));
   return property;

@@ -21,6 +21,7 @@ void useLargePages([[maybe_unused]] std::byte* begin, [[maybe_unused]] std::size
   const auto address = reinterpret_cast<std::uintptr_t>(begin);
   const std::uintptr_t first = (address + kLargePage - 1) & ~(kLargePage - 1);
   const std::uintptr_t last = (address + sizeBytes) & ~(kLargePage - 1);
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): rounding an address has no other form.
   if (first < last) ::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
 #endif
 }
@@ -62,6 +63,7 @@ void ModelStorage::beginNextChunk() {
   std::byte* chunk = end;
   const auto left = static_cast<std::size_t>(slab.begin + slab.sizeBytes - chunk);
   *reinterpret_cast<ModelStorage**>(chunk) = this;
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): what is skipped is the pointer just stored.
   free = chunk + sizeof(ModelStorage*);
   end = chunk + std::min(left, kChunkAlignment);
   poison(free, static_cast<std::size_t>(end - free));

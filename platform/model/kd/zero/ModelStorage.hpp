@@ -23,6 +23,7 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
  public:
   /// The storage that `element` lives in.
   static ModelStorage& of(const void* element) noexcept {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): rounding an address down has no other form.
     return *(*reinterpret_cast<ModelStorage* const*>(reinterpret_cast<std::uintptr_t>(element) &
                                                      ~(kChunkAlignment - 1)));
   }

@@ -6,8 +6,7 @@
 
 namespace kd::zero {
 
-Value::Value(const meta::Type::Impl& type, const void* value) noexcept
-    : typeOfValue(&type), object(value) {}
+Value::Value(const meta::Type::Impl& type) noexcept : typeOfValue(&type) {}
 
 Value::Value(ModelElement::Impl* referred) noexcept
     : typeOfValue(referred == nullptr ? &meta::Class::modelElement() : &referred->getMetaClass()),

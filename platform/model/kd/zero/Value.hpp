@@ -5,11 +5,11 @@
 
 namespace kd::zero {
 
-/// A value that was read through reflection: its type and, borrowed, the value itself.
+/// A value that was read through reflection: its type and, of a reference, the element.
 class QUENLITH_MODEL_EXPORT Value {
  public:
-  /// A value of a type that is no class of elements. Both are borrowed.
-  Value(const meta::Type::Impl& type, const void* object) noexcept;
+  /// A value of a type that is no class of elements: only its type is kept, borrowed.
+  explicit Value(const meta::Type::Impl& type) noexcept;
   /// A reference to an element; null is the empty reference.
   explicit Value(ModelElement::Impl* element) noexcept;
 
@@ -24,7 +24,6 @@ class QUENLITH_MODEL_EXPORT Value {
  private:
   const meta::Type::Impl* typeOfValue;
   ModelElement::Impl* element = nullptr;
-  const void* object = nullptr;
 };
 
 }  // namespace kd::zero
