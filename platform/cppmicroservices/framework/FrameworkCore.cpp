@@ -55,10 +55,10 @@ void FrameworkCore::requireFreeName(const std::string& location, const AnyMap& m
   const auto& name = ref_any_cast<std::string>(manifest.at(Constants::BUNDLE_SYMBOLICNAME));
   for (const auto& [id, bundle] : installed) {
     if (bundle->symbolicName != name) continue;
-    refuseBundle(location,
-                 "the value of \"" + Constants::BUNDLE_SYMBOLICNAME + "\", " + name +
-                     ", is that of " + bundle->location + " already",
-                 "rename one of the two bundles or uninstall the other");
+    std::string fault = "the value of \"";
+    fault += Constants::BUNDLE_SYMBOLICNAME + "\", " + name + ", is that of " + bundle->location;
+    fault += " already";
+    refuseBundle(location, fault, "rename one of the two bundles or uninstall the other");
   }
 }
 
