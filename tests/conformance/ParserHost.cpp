@@ -54,7 +54,7 @@ std::vector<std::string> ParserHost::takeMessages() {
 }
 
 std::vector<std::string> ParserHost::takeTrace() {
-  const std::vector<std::string> trace = world.getTrace();
+  std::vector<std::string> trace = world.getTrace();
   world.clearTrace();
   return trace;
 }

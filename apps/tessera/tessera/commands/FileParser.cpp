@@ -12,6 +12,7 @@ namespace {
 
 std::vector<fl::i18n::ustring> textsOf(const std::vector<quenlith::syntax::Marker>& markers) {
   std::vector<fl::i18n::ustring> texts;
+  texts.reserve(markers.size());
   for (const auto& marker : markers) texts.push_back(marker.toString());
   return texts;
 }
