@@ -15,6 +15,7 @@
 #include "foundation/cppmicroservices/getFramework.hpp"
 #include "tessera/Problem.hpp"
 #include "tessera/services/findBundles.hpp"
+#include "tessera/services/reportEvent.hpp"
 
 namespace tessera::services {
 namespace {
@@ -79,6 +80,7 @@ appendix::FileAppendix& ServiceHost::appendix() noexcept {
 void ServiceHost::Running::start(const std::vector<std::string>& extensionBundles) {
   framework->Start();
   setFramework(framework);
+  framework->GetBundleContext().AddFrameworkListener(reportEvent);
   const BundleFiles files = findBundles();
   startBundle(files.declarativeServices);
   registration = framework->GetBundleContext().RegisterService<AppendixBuilder>(
