@@ -1,4 +1,4 @@
-#include "ControlDataParser.hpp"
+#include "OutputDataParser.hpp"
 
 #include <boost/uuid/uuid.hpp>
 
@@ -8,18 +8,18 @@ namespace examples {
 
 using contributors::kdzero::LineData;
 
-bool ControlDataParser::isApplicable(const quenlith::syntax::Marker& marker) {
-  return marker.elementView() == u"control";
+bool OutputDataParser::isApplicable(const quenlith::syntax::Marker& marker) {
+  return marker.elementView() == u"output";
 }
 
-std::pair<fl::i18n::ustring, LineData> ControlDataParser::parse(
+std::pair<fl::i18n::ustring, LineData> OutputDataParser::parse(
     const kd::zero::Model& model, const quenlith::syntax::Marker& marker) {
   LineData data = LineData::Builder(model).createLineData(boost::uuids::uuid{});
   data->setData(marker.getData());
-  return {u"control", data};
+  return {u"output", data};
 }
 
 }  // namespace examples
 
-QUENLITH_COMPONENT(examples_ControlDataParser, examples::ControlDataParser,
+QUENLITH_COMPONENT(examples_OutputDataParser, examples::OutputDataParser,
                    Provides<quenlith::build::markup::contributordata::LineContributorDataParser>)

@@ -4,8 +4,8 @@
 
 namespace examples {
 
-/// Writes the data of control markers down with their line, under the feature "control".
-class ControlDataParser
+/// Writes the data of output markers down with their line, under the feature "output".
+class OutputDataParser
     : public quenlith::build::markup::contributordata::LineContributorDataParser {
  public:
   bool isApplicable(const quenlith::syntax::Marker& marker) override;

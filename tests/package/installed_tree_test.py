@@ -1,0 +1,146 @@
+"""installed_tree_test.py CMAKE BUILD SOURCE COMPILER: installs BUILD and uses what came out.
+
+The prefix has a blank and a letter outside ASCII in it; later the tree is moved to another one.
+"""
+
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+CMAKE, BUILD, SOURCE, COMPILER = sys.argv[1:5]
+SAMPLE = pathlib.Path(__file__).parent / "sample.py"
+
+
+def run(*command, status=0, **options):
+    """Runs a command, holds it to its exit status and returns what it printed."""
+    options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "text": True, **options}
+    done = subprocess.run([str(part) for part in command], **options)
+    if done.returncode != status:
+        raise AssertionError(f"{command}: status {done.returncode}\n{done.stdout}{done.stderr}")
+    return done
+
+
+def bare_environment():
+    """Returns an environment that names no library path."""
+    return {name: text for name, text in os.environ.items() if name != "LD_LIBRARY_PATH"}
+
+
+class InstalledTree(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.work = pathlib.Path(tempfile.mkdtemp(prefix="quenlith_package_"))
+        cls.addClassCleanup(shutil.rmtree, cls.work)
+        cls.prefix = cls.work / "odd prefix ü"
+        # Stripped, for that is what distributions do, and it must not cut the manifests off.
+        run(CMAKE, "--install", BUILD, "--strip", "--prefix", cls.prefix)
+        cls.bundles = cls.work / "bundles"
+        run(CMAKE, "-S", f"{SOURCE}/examples/bundles", "-B", cls.bundles, "-G", "Ninja",
+            f"-DCMAKE_PREFIX_PATH={cls.prefix}", f"-DCMAKE_CXX_COMPILER={COMPILER}")
+        run(CMAKE, "--build", cls.bundles)
+
+    def parse(self, *arguments, prefix=None):
+        """Returns the nodes of the sample as the installed program parses it."""
+        program = (prefix or self.prefix) / "bin" / "tessera"
+        return json.loads(self.tessera(program, *arguments).stdout)["nodes"]
+
+    def tessera(self, program, *arguments):
+        # From a folder where nothing lies that the program could find by chance.
+        return run(program, "parse", "--format", "json", *arguments, SAMPLE,
+                   cwd="/", env=bare_environment())
+
+    def bundle(self, name):
+        return "--bundle", self.bundles / f"lib{name}.so"
+
+    def test_the_program_gives_what_the_built_one_gives(self):
+        built = self.tessera(f"{BUILD}/bin/tessera").stdout
+        self.assertEqual(self.tessera(self.prefix / "bin" / "tessera").stdout, built)
+
+    def test_without_a_bundle_the_text_of_an_output_range_is_left_out(self):
+        texts = [child["text"] for child in self.parse()[1]["children"]]
+        self.assertEqual(texts, ["  "])
+
+    def test_a_bundle_keeps_the_text_of_an_output_range(self):
+        texts = [child["text"] for child in self.parse(*self.bundle("output_text"))[1]["children"]]
+        self.assertEqual(texts, ["print(total)", "  "])
+
+    def test_a_bundle_contributes_data(self):
+        line = self.parse(*self.bundle("output_data"))[1]
+        self.assertEqual(
+            line["contributorData"],
+            [{"contributingFeature": "output", "lineData": [{"format": "short"}]}],
+        )
+
+    def test_bundles_work_together(self):
+        line = self.parse(*self.bundle("output_data"), *self.bundle("output_text"))[1]
+        self.assertEqual((len(line["contributorData"]), len(line["children"])), (1, 2))
+
+    def test_a_broken_bundle_leaves_the_rest_running(self):
+        broken = self.tessera(self.prefix / "bin" / "tessera", *self.bundle("broken"))
+        self.assertEqual(json.loads(broken.stdout)["nodes"], self.parse())
+        self.assertIn("the dictionary of BrokenParser is missing", broken.stderr)
+
+    def test_the_tree_can_be_moved(self):
+        before = self.parse(*self.bundle("output_text"))
+        moved = self.work / "moved tree ñ" / "deeper"
+        moved.parent.mkdir()
+        self.prefix.rename(moved)
+        try:
+            self.assertEqual(self.parse(*self.bundle("output_text"), prefix=moved), before)
+        finally:
+            moved.rename(self.prefix)
+
+    def test_no_text_names_a_place_of_this_machine(self):
+        texts = [*self.prefix.rglob("*.cmake"), *self.prefix.rglob("*.pc"), *self.prefix.rglob("*.h*")]
+        self.assertGreater(len(texts), 50)
+        for path in texts:
+            for folder in (BUILD, SOURCE, str(self.prefix)):
+                self.assertNotIn(folder, path.read_text(), path)
+
+    def test_libraries_are_looked_for_beside_the_file_that_needs_them(self):
+        for path in [*self.prefix.glob("bin/*"), *self.prefix.glob("lib/*.so")]:
+            entries = run("readelf", "--dynamic", path).stdout
+            for line in entries.splitlines():
+                if "RUNPATH" in line or "RPATH" in line:
+                    folders = line.partition("[")[2].rstrip("]").split(":")
+                    self.assertEqual([f for f in folders if not f.startswith("$ORIGIN")], [], path)
+
+    def test_pkg_config_names_what_a_program_needs(self):
+        flags = run("pkg-config", "--cflags", "--libs", "quenlith",
+                    env={**os.environ, "PKG_CONFIG_PATH": f"{self.prefix}/lib/pkgconfig"},
+                    # It escapes each byte of the letter apart.
+                    errors="surrogateescape").stdout
+        source, program = self.work / "marker.cpp", self.work / "marker"
+        source.write_text(
+            '#include <cstdio>\n#include "quenlith/syntax/Marker.hpp"\n'
+            'int main() { std::puts(quenlith::syntax::Marker(u"<@output#a>").getId() == u"a" ?'
+            ' "found" : "missed"); }\n'
+        )
+        # The flags are written for a shell.
+        run("sh", "-c", f"{COMPILER} {source} -o {program} {flags.strip()}")
+        shown = run(program, env={**os.environ, "LD_LIBRARY_PATH": f"{self.prefix}/lib"})
+        self.assertEqual(shown.stdout, "found\n")
+
+    def test_one_component_asks_for_nothing_else(self):
+        self.configure("find_package(Quenlith 0.1 REQUIRED COMPONENTS json)\n"
+                       "if(Boost_FOUND)\n  message(FATAL_ERROR \"Boost was looked for\")\nendif()\n"
+                       "get_target_property(type Quenlith::json TYPE)\n")
+
+    def test_an_unknown_component_is_refused(self):
+        done = self.configure("find_package(Quenlith 0.1 REQUIRED COMPONENTS nonsense)\n", status=1)
+        self.assertIn("Quenlith has no library nonsense", " ".join(done.stderr.split()))
+
+    def configure(self, text, **expected):
+        with tempfile.TemporaryDirectory(dir=self.work) as folder:
+            path = pathlib.Path(folder) / "CMakeLists.txt"
+            path.write_text(f"cmake_minimum_required(VERSION 3.25)\nproject(User CXX)\n{text}")
+            return run(CMAKE, "-S", folder, "-B", f"{folder}/build", "-G", "Ninja",
+                       f"-DCMAKE_PREFIX_PATH={self.prefix}", **expected)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
