@@ -23,8 +23,7 @@ TEST(FileAppendix, FindsTheEntryWithTheElementAndTheId) {
 TEST(FileAppendix, HasNoEntryForAnotherIdOrElement) {
   FileAppendix appendix;
   appendix.addEntry(Marker(u"# <@task#a>"));
-  for (const auto* other :
-       {u"# <@task#A>", u"# <@text#a>", u"# <@task>", u"# <@task#aa>", u"# <@taska>"}) {
+  for (const auto* other : {u"# <@task#A>", u"# <@text#a>", u"# <@task>", u"# <@task#aa>"}) {
     const auto entry = appendix.findEntry(Marker(other));
     EXPECT_FALSE(entry.marker);
     EXPECT_TRUE(entry.text.empty());
