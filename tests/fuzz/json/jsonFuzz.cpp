@@ -70,6 +70,7 @@ void checkEmbedded(const ustring& text) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer's name for it
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const ustring text =
       fl::i18n::utf8_to_ustring(std::string_view(reinterpret_cast<const char*>(data), size));

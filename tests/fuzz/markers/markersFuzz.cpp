@@ -51,6 +51,7 @@ void checkScan(const ustring& text, bool anyElement) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer's name for it
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const ustring text = textOf(std::string_view(reinterpret_cast<const char*>(data), size));
   checkScan(text, false);

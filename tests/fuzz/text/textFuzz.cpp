@@ -38,6 +38,7 @@ void checkUnits(const ustring& text) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer's name for it
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   checkBytes(std::string_view(reinterpret_cast<const char*>(data), size));
   ustring units(size / sizeof(char16_t), u'\0');

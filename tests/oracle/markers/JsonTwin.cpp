@@ -1,6 +1,7 @@
 #include "JsonTwin.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -16,6 +17,14 @@ using Place = std::optional<std::size_t>;
 namespace {
 
 constexpr int kDeepest = 64;
+
+struct Word {
+  std::u16string_view spelling;
+  bool isNull;
+  bool isTrue;
+};
+constexpr std::array<Word, 3> kWords{
+    {{u"true", false, true}, {u"false", false, false}, {u"null", true, false}}};
 
 void appendCode(std::string& bytes, char32_t code) {
   const auto add = [&](char32_t byte) {
@@ -168,14 +177,10 @@ Place JsonTwin::value(std::size_t at, int depth, Value& value) const {
     value = Value(twinUtf8(held));
     return behind;
   }
-  const struct {
-    std::u16string_view word;
-    Value meaning;
-  } words[] = {{u"true", Value(true)}, {u"false", Value(false)}, {u"null", Value(Null())}};
-  for (const auto& [word, meaning] : words) {
-    if (text.substr(at, word.size()) == word) {
-      value = meaning;
-      return at + word.size();
+  for (const Word& word : kWords) {
+    if (text.substr(at, word.spelling.size()) == word.spelling) {
+      value = word.isNull ? Value(Null()) : Value(word.isTrue);
+      return at + word.spelling.size();
     }
   }
   return number(at, value);

@@ -2,13 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fl/i18n/ustring.hpp"
@@ -110,15 +111,14 @@ TEST(WriteNumber, CanonicalDoublesReadBack) {
   std::mt19937_64 random(seed);
   for (int round = 0; round < 100'000; ++round) {
     const std::uint64_t bits = random();
-    double value = 0;
-    std::memcpy(&value, &bits, sizeof value);
+    const auto value = std::bit_cast<double>(bits);
     if (!std::isfinite(value)) {
       continue;
     }
     const std::string text = canonical(value);
     const auto read = readText(fl::i18n::utf8_to_ustring(text));
     ASSERT_TRUE(read.value && read.value->is<double>()) << text;
-    ASSERT_EQ(std::memcmp(&read.value->get<double>(), &value, sizeof value), 0) << text;
+    ASSERT_EQ(std::bit_cast<std::uint64_t>(read.value->get<double>()), bits) << text;
     ASSERT_EQ(std::strtod(number(value).c_str(), nullptr), value) << text;
   }
 }
@@ -129,7 +129,7 @@ TEST(WriteText, EscapesTheQuoteTheBackslashAndControlCharacters) {
   for (char16_t unit = 0; unit < 0xA2; ++unit) {
     text += unit;
     const std::string plain = fl::i18n::ustring_to_utf8({&unit, 1});
-    constexpr char kHex[] = "0123456789abcdef";
+    constexpr std::string_view kHex = "0123456789abcdef";
     switch (unit) {
       case u'"':
         expected += "\\\"";

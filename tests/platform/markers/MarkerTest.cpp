@@ -196,7 +196,8 @@ TEST(Marker, CopiesMayBeUsedOnSeveralThreads) {
   for (int count = 0; count < 4; ++count) {
     threads.emplace_back([copy = shared] {
       for (int round = 0; round < 1000; ++round) {
-        const Marker another = copy;
+        Marker another;
+        another = copy;
         EXPECT_TRUE(Marker(another.toString()) == copy);
         EXPECT_TRUE(Marker(u"task").typeView().empty());
       }
