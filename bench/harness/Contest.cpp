@@ -1,6 +1,5 @@
 #include "harness/Contest.hpp"
 
-#include <benchmark/benchmark.h>
 #include <pthread.h>
 
 #include <algorithm>
@@ -14,21 +13,14 @@ namespace bench {
 
 namespace {
 
-constexpr const char* kDestroySeconds = "destroySeconds";
-
-void runOnce(benchmark::State& state, Subject& subject, std::size_t lines, std::size_t bytes) {
-  for ([[maybe_unused]] auto iteration : state) {
-    const double begin = processorSeconds();
-    subject.build();
-    const double built = processorSeconds();
-    subject.check();
-    const double checked = processorSeconds();
-    subject.destroy();
-    state.counters[kDestroySeconds] = processorSeconds() - checked;
-    state.SetIterationTime(built - begin);
-  }
-  state.SetItemsProcessed(static_cast<std::int64_t>(lines));
-  state.SetBytesProcessed(static_cast<std::int64_t>(bytes));
+RunTimes timesOf(Subject& subject) {
+  const double begin = processorSeconds();
+  subject.build();
+  const double built = processorSeconds();
+  subject.check();
+  const double checked = processorSeconds();
+  subject.destroy();
+  return {built - begin, processorSeconds() - checked};
 }
 
 struct Work {
@@ -60,30 +52,6 @@ void inThreadOfItsOwn(const std::function<void()>& function) {
 
 }  // namespace
 
-/// Keeps the best time of each benchmark, whichever round it comes from.
-class Contest::BestOfRounds : public benchmark::BenchmarkReporter {
- public:
-  explicit BestOfRounds(std::deque<Entry>& allEntries) : entries(allEntries) {}
-
-  bool ReportContext(const Context& /*context*/) override { return true; }
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) take(run);
-  }
-
- private:
-  void take(const Run& run) {
-    const std::string& name = run.run_name.function_name;
-    for (Entry& entry : entries) {
-      Measurement& best = entry.measurement;
-      if (best.name != name) continue;
-      best.buildSeconds = std::min(best.buildSeconds, run.real_accumulated_time);
-      best.destroySeconds = std::min(best.destroySeconds, run.counters.at(kDestroySeconds).value);
-    }
-  }
-
-  std::deque<Entry>& entries;
-};
-
 void Contest::add(const std::string& name, const Corpus& corpus, const Make& make) {
   if (!takes(name)) return;
   entries.push_back({make(corpus), {}});
@@ -91,18 +59,16 @@ void Contest::add(const std::string& name, const Corpus& corpus, const Make& mak
   entry.measurement.name = name;
   entry.measurement.lines = corpus.lineCount();
   entry.measurement.utf8Bytes = corpus.byteCount();
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [&entry](benchmark::State& state) {
-                                 runOnce(state, *entry.subject, entry.measurement.lines,
-                                         entry.measurement.utf8Bytes);
-                               })
-      ->Iterations(1)
-      ->UseManualTime();
+  rounds.add(name, [&entry] { return timesOf(*entry.subject); });
 }
 
-void Contest::run(int rounds) {
-  BestOfRounds reporter(entries);
-  for (int round = 0; round < rounds; ++round) benchmark::RunSpecifiedBenchmarks(&reporter);
+void Contest::run(int roundCount) {
+  rounds.run(roundCount);
+  for (Entry& entry : entries) {
+    const RunTimes& best = rounds.best(entry.measurement.name);
+    entry.measurement.buildSeconds = best.seconds;
+    entry.measurement.destroySeconds = best.endSeconds;
+  }
   // Last: once there was a second thread, the standard library counts references atomically.
   for (Entry& entry : entries) measureMemory(entry);
 }

@@ -8,11 +8,13 @@
 
 #include "harness/Corpus.hpp"
 #include "harness/Measurement.hpp"
+#include "harness/Rounds.hpp"
 #include "harness/Subject.hpp"
 
 namespace bench {
 
-/// Measures subjects against one another: each of them once a round, in turn.
+/// Measures subjects against one another: their times in rounds, their memory, or their
+/// instructions.
 class Contest {
  public:
   using Make = std::function<std::unique_ptr<Subject>(const Corpus&)>;
@@ -25,8 +27,7 @@ class Contest {
 
   /// Measures all subjects, whose results are checked in every round. Throws std::runtime_error
   /// when one is wrong, or when the end of what was built leaves memory behind.
-  void run(int rounds);
-
+  void run(int roundCount);
   /// Lets callgrind count the instructions of all subjects, see `countInstructions`.
   void count();
 
@@ -34,23 +35,23 @@ class Contest {
   bool takes(const std::string& name) const noexcept { return only.empty() || name == only; }
   /// Throws std::out_of_range when there is no subject of that name.
   const Measurement& of(const std::string& name) const;
-  bool has(const std::string& name) const noexcept;
   /// Calls `take` with the measurement of each subject, in the order in which they were added.
   void forEach(const std::function<void(const Measurement&)>& take) const;
+  bool has(const std::string& name) const noexcept;
 
  private:
   struct Entry {
     std::unique_ptr<Subject> subject;
     Measurement measurement;
   };
-  class BestOfRounds;
 
   static void measureMemory(Entry& entry);
   static void buildCounted(Entry& entry);
 
   std::string only;
-  // A deque: the benchmarks borrow their entries.
+  // A deque: the rounds borrow the entries.
   std::deque<Entry> entries;
+  Rounds rounds;
 };
 
 }  // namespace bench

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace bench::programs {
+
+/// What a run of a program took and wrote.
+struct Finished {
+  /// Of a processor, in the program and for it in the kernel.
+  double processorSeconds = 0;
+  /// From the start to the end.
+  double wallSeconds = 0;
+  std::string output;
+};
+
+/// Runs the program `arguments[0]`, a path, and waits for its end. Throws std::runtime_error when
+/// it cannot be started or does not end with status 0.
+Finished run(const std::vector<std::string>& arguments);
+
+/// Like `run`, but what the program writes goes to the file `outputFile`.
+Finished runToFile(const std::vector<std::string>& arguments, const std::string& outputFile);
+
+}  // namespace bench::programs

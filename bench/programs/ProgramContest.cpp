@@ -1,0 +1,138 @@
+#include "programs/ProgramContest.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+#include <stdexcept>
+#include <utility>
+
+#include "harness/MarkdownTable.hpp"
+#include "harness/Subject.hpp"
+#include "programs/Program.hpp"
+
+namespace bench::programs {
+
+namespace {
+
+const std::string kFileToFile = "tessera parse --format json, file to file";
+const std::string kRead = "reading the file";
+const std::string kParse = "parsing in memory";
+const std::string kWrite = "writing as many bytes";
+const std::string kVersion = "tessera --version";
+const std::string kOneLine = "a C++ program that prints one line";
+const std::string kTenLines = "tessera parse, ten lines";
+
+/// The time that a program measured itself.
+RunTimes ownTime(const std::vector<std::string>& arguments) {
+  return {std::stod(run(arguments).output), 0};
+}
+
+/// The best time from start to end of several runs: a start is short, and easily disturbed.
+RunTimes startTime(const std::vector<std::string>& arguments) {
+  constexpr int kStarts = 20;
+  RunTimes best{};
+  for (int start = 0; start < kStarts; ++start) {
+    best.seconds = std::min(best.seconds, run(arguments).wallSeconds);
+  }
+  best.endSeconds = 0;
+  return best;
+}
+
+std::size_t linesOf(const std::string& file) {
+  std::ifstream text(file);
+  return static_cast<std::size_t>(std::count(std::istreambuf_iterator<char>(text), {}, '\n'));
+}
+
+/// Number of text nodes in a document written as JSON.
+std::size_t textNodesOf(const std::string& file) {
+  std::ifstream text(file);
+  std::size_t count = 0;
+  for (std::string line; std::getline(text, line);) {
+    count += line.find(R"("kind": "PlainTextNode")") != std::string::npos ? 1 : 0;
+  }
+  return count;
+}
+
+void copyLines(const std::string& from, const std::string& to, int lineCount) {
+  std::ifstream source(from);
+  std::ofstream target(to);
+  std::string line;
+  for (int copied = 0; copied < lineCount && std::getline(source, line); ++copied) {
+    target << line << '\n';
+  }
+}
+
+}  // namespace
+
+ProgramContest::ProgramContest(std::string programFolder, std::string source)
+    : folder(std::move(programFolder)),
+      sourceFile(std::move(source)),
+      tenLinesFile(sourceFile + ".10"),
+      outputFile(sourceFile + ".json") {
+  copyLines(sourceFile, tenLinesFile, 10);
+  runToFile({program("tessera"), "parse", "--format", "json", sourceFile}, outputFile);
+  expectCount("tessera, text nodes", textNodesOf(outputFile), linesOf(sourceFile));
+  outputBytes = std::filesystem::file_size(outputFile);
+  addFileToFile();
+  addStarts();
+}
+
+void ProgramContest::addFileToFile() {
+  rounds.add(kFileToFile, [this] {
+    const Finished finished =
+        runToFile({program("tessera"), "parse", "--format", "json", sourceFile}, outputFile);
+    expectCount("tessera, bytes", std::filesystem::file_size(outputFile), outputBytes);
+    return RunTimes{finished.processorSeconds, 0};
+  });
+  rounds.add(kRead, [this] { return ownTime({program("bench_read_file"), sourceFile}); });
+  rounds.add(kParse, [this] { return ownTime({program("bench_parse_in_memory"), sourceFile}); });
+  rounds.add(kWrite, [this] {
+    return ownTime({program("bench_write_file"), outputFile, std::to_string(outputBytes)});
+  });
+}
+
+void ProgramContest::addStarts() {
+  rounds.add(kVersion, [this] { return startTime({program("tessera"), "--version"}); });
+  rounds.add(kOneLine, [this] { return startTime({program("bench_print_line")}); });
+  rounds.add(kTenLines, [this] { return startTime({program("tessera"), "parse", tenLinesFile}); });
+}
+
+void ProgramContest::run(int roundCount) {
+  rounds.run(roundCount);
+  std::filesystem::remove(outputFile);
+  std::filesystem::remove(tenLinesFile);
+}
+
+void ProgramContest::write(std::ostream& out) const {
+  out << "Source of " << linesOf(sourceFile) << " lines, "
+      << decimal(static_cast<double>(std::filesystem::file_size(sourceFile)) / 1e6, 1)
+      << " MB; its document as JSON, " << decimal(static_cast<double>(outputBytes) / 1e6, 1)
+      << " MB.\n\n";
+  writeTimes(out);
+  out << '\n';
+  writeAims(out);
+}
+
+void ProgramContest::writeTimes(std::ostream& out) const {
+  MarkdownTable table({"what", "ms"});
+  for (const auto* name :
+       {&kFileToFile, &kRead, &kParse, &kWrite, &kVersion, &kOneLine, &kTenLines}) {
+    table.add({*name, decimal(seconds(*name) * 1e3, 2)});
+  }
+  table.write(out);
+}
+
+void ProgramContest::writeAims(std::ostream& out) const {
+  const double parts = seconds(kRead) + seconds(kParse) + seconds(kWrite);
+  AimTable table;
+  table.atLeast("speed of tessera parse --format json, in times of reading, parsing and writing",
+                parts / seconds(kFileToFile), 0.5);
+  table.atMost("tessera --version, in times of a program that prints one line",
+               seconds(kVersion) / seconds(kOneLine), 1.5);
+  table.atMost("tessera parse of ten lines, ms more than that program",
+               (seconds(kTenLines) - seconds(kOneLine)) * 1e3, 25);
+  table.write(out);
+}
+
+}  // namespace bench::programs

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+#include "harness/AimTable.hpp"
+#include "harness/Rounds.hpp"
+
+namespace bench::programs {
+
+/// The program `tessera` against what its work costs at least.
+class ProgramContest {
+ public:
+  /// Finds the programs in `programFolder`, and parses the source file `source` into files beside
+  /// it.
+  ProgramContest(std::string programFolder, std::string source);
+
+  /// Throws std::runtime_error when a program fails or `tessera` does not write all lines.
+  void run(int roundCount);
+  void write(std::ostream& out) const;
+
+ private:
+  std::string program(const std::string& name) const { return folder + '/' + name; }
+  void addFileToFile();
+  void addStarts();
+  void writeTimes(std::ostream& out) const;
+  void writeAims(std::ostream& out) const;
+  double seconds(const std::string& name) const { return rounds.best(name).seconds; }
+
+  std::string folder;
+  std::string sourceFile;
+  std::string tenLinesFile;
+  std::string outputFile;
+  std::uintmax_t outputBytes = 0;
+  Rounds rounds;
+};
+
+}  // namespace bench::programs

@@ -1,0 +1,8 @@
+// printLine: what a C++ program costs that does nothing but print one line.
+
+#include <iostream>
+
+int main() {
+  std::cout << "one line\n";
+  return 0;
+}
