@@ -8,7 +8,7 @@ namespace bench::growth {
 
 /// Counts instructions for growing input, one dimension after the other: lines, markers a line,
 /// ranges, failures, tasks, block length, appendix entries; each from a thousand in steps of ten
-/// to `largest`. The names of the counts are "DIMENSION|SIZE".
+/// to at most `largest`. The names of the counts are "DIMENSION|SIZE".
 void countAll(const Corpus& lines, std::size_t largest);
 
 }  // namespace bench::growth

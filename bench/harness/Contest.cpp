@@ -76,6 +76,7 @@ void Contest::run(int roundCount) {
 void Contest::count() {
   for (Entry& entry : entries) {
     const Measurement& measurement = entry.measurement;
+    warmUp(*entry.subject);
     countInstructions(*entry.subject, measurement.name + '|' + std::to_string(measurement.lines));
   }
 }

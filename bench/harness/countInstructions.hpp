@@ -9,8 +9,9 @@ namespace bench {
 /// Lets callgrind, when the program runs under it, count the instructions of one building and of
 /// one end, and dump each count. Prints the name of each dump, "build|`name`" and "end|`name`",
 /// in the order of the dumps.
-///
-/// What is made once and kept is made before.
 void countInstructions(Subject& subject, const std::string& name);
+
+/// Builds and ends once, so that what is made once and kept is in no count.
+void warmUp(Subject& subject);
 
 }  // namespace bench

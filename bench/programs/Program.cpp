@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <stdexcept>
 #include <utility>
 
@@ -57,13 +56,11 @@ class Running {
     int status = 0;
     rusage used{};
     wait4(process, &status, 0, &used);
-    const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - begin;
     if (status != 0) throw std::runtime_error("did not end well: " + name);
-    return {secondsOf(used.ru_utime) + secondsOf(used.ru_stime), wall.count(), {}};
+    return {secondsOf(used.ru_utime) + secondsOf(used.ru_stime), {}};
   }
 
  private:
-  std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
   pid_t process = 0;
   std::string name;
 };

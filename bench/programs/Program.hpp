@@ -9,8 +9,6 @@ namespace bench::programs {
 struct Finished {
   /// Of a processor, in the program and for it in the kernel.
   double processorSeconds = 0;
-  /// From the start to the end.
-  double wallSeconds = 0;
   std::string output;
 };
 

@@ -12,7 +12,7 @@ import sys
 import tempfile
 
 LINES = 20_000
-LARGEST = 100_000
+LARGEST = 1_000_000
 MOST_GROWTH = 1.05
 GROWING = (
     "lines",
@@ -42,35 +42,34 @@ def total(dump):
     return int(re.search(r"^(?:totals|summary): (\d+)$", text, re.MULTILINE)[1])
 
 
-def print_table(header, rows):
+def table(header, rows):
     cells = [header, *rows]
     widths = [max(len(row[column]) for row in cells) for column in range(len(header))]
     cells.insert(1, ["-" * width for width in widths])
-    for row in cells:
-        print("| " + " | ".join(cell.ljust(width) for cell, width in zip(row, widths)) + " |")
+    lines = (" | ".join(c.ljust(width) for c, width in zip(row, widths)) for row in cells)
+    return "".join(f"| {line} |\n" for line in lines)
 
 
 def split(counts):
-    """Returns the counts of one building: those of what is compared, and those of growing input."""
+    """Returns what is compared and what grows: by what and size, the counts of building and end."""
     compared, growing = {}, {}
     for name, instructions in counts.items():
         part, what, size = name.split("|")
-        if part == "end":
-            continue
-        group = growing if what in GROWING else compared
-        group.setdefault(what, {})[int(size)] = (instructions, counts[f"end|{what}|{size}"])
+        if part == "build":
+            group = growing if what in GROWING else compared
+            end = counts[f"end|{what}|{size}"]
+            group.setdefault(what, {})[int(size)] = (instructions, end)
     return compared, growing
 
 
-def print_compared(compared):
-    floor = next(iter(compared["floor"].items()))
-    floor_a_line = floor[1][0] / floor[0]
+def compared_table(compared):
+    ((floor_size, (floor_build, _)),) = compared["floor"].items()
     rows = []
     for what, sizes in compared.items():
         for size, (build, end) in sizes.items():
-            ratio = build / size / floor_a_line
+            ratio = build / size / (floor_build / floor_size)
             rows.append([what, f"{build / size:.0f}", f"{ratio:.2f}", f"{end / size:.0f}"])
-    print_table(["what", "instructions a line", "x floor", "end, instructions a line"], rows)
+    return table(["what", "instructions a line", "x floor", "end, instructions a line"], rows)
 
 
 def exponents(sizes):
@@ -81,25 +80,22 @@ def exponents(sizes):
     return (y1 - y0) / (x1 - x0), max(slopes)
 
 
-def print_growth(growing):
+def growth_table(growing):
     rows = []
     for what, sizes in growing.items():
         whole, steepest = exponents(sizes)
-        span = f"{min(sizes)} to {max(sizes)}"
         last = max(sizes)
-        met = "yes" if steepest <= MOST_GROWTH else "NO"
         each = f"{sizes[last][0] / last:.0f}"
-        rows.append([what, span, each, f"{whole:.3f}", f"{steepest:.3f}", met])
+        met = "yes" if whole <= MOST_GROWTH else "NO"
+        rows.append([what, f"{min(sizes)} to {last}", each, f"{whole:.3f}", f"{steepest:.3f}", met])
     header = ["grows", "from, to", "instructions each", "exponent", "steepest step"]
-    print_table([*header, f"at most {MOST_GROWTH}"], rows)
+    return table([*header, f"exponent at most {MOST_GROWTH}"], rows)
 
 
-def main(program, corpus):
+def measure(program, corpus):
     compared, growing = split(count(program, corpus))
-    print_compared(compared)
-    print()
-    print_growth(growing)
+    return compared_table(compared) + "\n" + growth_table(growing)
 
 
 if __name__ == "__main__":
-    main(*sys.argv[1:])
+    print(measure(*sys.argv[1:]))
