@@ -136,7 +136,7 @@ TEST_F(TaskSnippetParser, CountsTheLinesFromTheOpeningToTheClosingOne) {
   ASSERT_EQ(document->getNumberOfChildren(), 4u);
   EXPECT_TRUE(isHeader(0));
   EXPECT_EQ(codeLines(0), 3);
-  for (const std::uint64_t line : {1, 2, 3}) {
+  for (std::uint64_t line = 1; line < 4; ++line) {
     EXPECT_TRUE(LineNode::castFrom(node(line)));
     EXPECT_THAT(failures(line), IsEmpty());
   }
