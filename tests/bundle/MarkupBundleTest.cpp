@@ -50,7 +50,7 @@ class MarkupBundle : public testing::Test {
     foundation::cppmicroservices::setFramework(
         std::make_shared<cppmicroservices::Framework>(framework));
     context = framework.GetBundleContext();
-    context.AddFrameworkListener([this](const cppmicroservices::FrameworkEvent& event) {
+    context.AddFrameworkListener([](const cppmicroservices::FrameworkEvent& event) {
       if (event.GetType() == cppmicroservices::FrameworkEvent::FRAMEWORK_ERROR ||
           event.GetType() == cppmicroservices::FrameworkEvent::FRAMEWORK_WARNING) {
         ADD_FAILURE() << event.GetMessage();

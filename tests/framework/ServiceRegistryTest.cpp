@@ -344,7 +344,7 @@ class ServiceListeners : public ServiceRegistry {
     return [this](const ServiceEvent& event) {
       static const char* const kNames[] = {"?", "registered", "modified", "?", "unregistering", "?",
                                            "?", "?",          "endmatch"};
-      events.push_back(kNames[event.GetType()]);
+      events.emplace_back(kNames[event.GetType()]);
     };
   }
 

@@ -56,8 +56,8 @@ void FrameworkCore::requireFreeName(const std::string& location, const AnyMap& m
   for (const auto& [id, bundle] : installed) {
     if (bundle->symbolicName != name) continue;
     std::string fault = "the value of \"";
-    fault += Constants::BUNDLE_SYMBOLICNAME + "\", " + name + ", is that of " + bundle->location;
-    fault += " already";
+    fault.append(Constants::BUNDLE_SYMBOLICNAME).append("\", ").append(name);
+    fault.append(", is that of ").append(bundle->location).append(" already");
     refuseBundle(location, fault, "rename one of the two bundles or uninstall the other");
   }
 }
