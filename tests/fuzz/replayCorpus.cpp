@@ -8,6 +8,7 @@
 #include <iterator>
 #include <string>
 
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzing library fixes the name
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {

@@ -17,11 +17,11 @@ using testing::ElementsAre;
 namespace {
 
 std::string bytesOf(const BrokenBundle& row) {
-  const std::string library = readBytes(BASE_LIBRARY);
+  std::string library = readBytes(BASE_LIBRARY);
   const auto behind = [&](const std::string& start, const std::string& name) {
     return start + makeArchive({{name, row.manifest}}, start.size());
   };
-  const std::string whole = behind(library, "broken/manifest.json");
+  std::string whole = behind(library, "broken/manifest.json");
   switch (row.make) {
     case Make::kManifestOnly:
       return row.manifest;
@@ -60,7 +60,7 @@ void replaceAll(std::string& text, const std::string& what, const std::string& b
 }
 
 std::string makeFile(const BrokenBundle& row) {
-  const std::string path = std::string(WORK_FOLDER) + "/" + row.name + ".so";
+  std::string path = std::string(WORK_FOLDER) + "/" + row.name + ".so";
   std::filesystem::create_directories(WORK_FOLDER);
   std::filesystem::remove_all(path);
   if (row.make == Make::kFolder) {

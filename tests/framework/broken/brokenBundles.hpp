@@ -30,6 +30,7 @@ struct BrokenBundle {
 };
 
 /// Shows the name where a test fails.
+// NOLINTNEXTLINE(readability-identifier-naming): the test library fixes the name
 inline void PrintTo(const BrokenBundle& bundle, std::ostream* out) {
   *out << bundle.name;
 }

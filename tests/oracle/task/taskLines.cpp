@@ -47,7 +47,7 @@ ustring taskMarker(Random& random, Word id) {
 
 ustring taskMarkers(Random& random) {
   const Word id = random.pick(kIds);
-  const ustring first = taskMarker(random, id);
+  ustring first = taskMarker(random, id);
   const std::size_t shape = random.below(100);
   if (shape < 52) return first;
   const ustring gap = random.oneIn(2) ? u" " : u" y ";

@@ -74,9 +74,11 @@ TEST_F(Handle, AMoveLeavesTheSourceEmpty) {
   Box box = makeBox(model);
   const Box::Impl* element = box.get();
   Box moved(std::move(box));
+  // NOLINTNEXTLINE(bugprone-use-after-move): what a move leaves is looked at
   EXPECT_FALSE(box);
   EXPECT_EQ(moved.get(), element);
   box = std::move(moved);
+  // NOLINTNEXTLINE(bugprone-use-after-move): what a move leaves is looked at
   EXPECT_FALSE(moved);
   EXPECT_EQ(box.get(), element);
   EXPECT_EQ(liveBoxes(), 1);
@@ -145,6 +147,7 @@ TEST_F(Handle, ADerivedTemporaryConvertsByGivingItsReferenceUp) {
   Box box = makeBox(model);
   const Box::Impl* element = box.get();
   ModelElement base(std::move(box));
+  // NOLINTNEXTLINE(bugprone-use-after-move): what a move leaves is looked at
   EXPECT_FALSE(box);
   EXPECT_EQ(base.get(), element);
   EXPECT_EQ(liveBoxes(), 1);

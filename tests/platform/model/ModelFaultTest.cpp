@@ -236,7 +236,7 @@ TEST_F(ModelFault, ATextIsSetOrStays) {
   const PlainTextNode node = makeText();
   std::u16string before;
   std::size_t failed = 0;
-  for (const std::size_t length : {1, 5, 60, 255, 256, 257, 5000, 3, 6000}) {
+  for (const std::size_t length : {1U, 5U, 60U, 255U, 256U, 257U, 5000U, 3U, 6000U}) {
     const std::u16string text(length, static_cast<char16_t>(u'a' + length % 26));
     exhaust(model);
     failed += failEachAllocation([&] { node->setText(text); },

@@ -30,8 +30,8 @@ TEST(Model, IsEmptyAtFirst) {
 
 TEST(Model, IsEqualToItsCopiesOnly) {
   const Model model = Model::create();
-  const Model copy(
-      model);  // NOLINT(performance-unnecessary-copy-initialization): the copy is meant
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is meant
+  const Model copy(model);
   EXPECT_EQ(model, copy);
   EXPECT_NE(model, Model::create());
   EXPECT_TRUE(model);
@@ -40,9 +40,11 @@ TEST(Model, IsEqualToItsCopiesOnly) {
 TEST(Model, AMoveLeavesTheSourceEmpty) {
   Model model = Model::create();
   Model moved(std::move(model));
+  // NOLINTNEXTLINE(bugprone-use-after-move): what a move leaves is looked at
   EXPECT_FALSE(model);
   model = std::move(moved);
   EXPECT_TRUE(model);
+  // NOLINTNEXTLINE(bugprone-use-after-move): what a move leaves is looked at
   EXPECT_FALSE(moved);
 }
 

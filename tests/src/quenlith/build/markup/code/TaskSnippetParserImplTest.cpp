@@ -422,9 +422,7 @@ TEST_F(TaskSnippetParser, WithoutAnOpenTaskAPairedMarkerOpensOneAndLogsItsSteps)
       (Records{"Parsing using the task parser", "Task marker found for first time",
                "Adding task marker to the list of seen markers", "Parsing live task appendix data",
                "finding Appendix Entry", "Adding Header node to tessera doc",
-               "\xC3\xBC"
-               "1",
-               "Found an anchor marker for the task",
+               std::string("\xC3\xBC") + "1", "Found an anchor marker for the task",
                "Adding text marker to the list of seen markers", "In LineNodeParserService"}));
 }
 
