@@ -32,7 +32,7 @@ MAY_SEE = {
     "src:code": {PLATFORM, "src:interfaces"},
     "apps/": {PLATFORM, "src:interfaces"},
     "examples/bundles": {PLATFORM, "src:interfaces"},
-    "bench": {PLATFORM, "src:interfaces", "src:code"},
+    "bench": {PLATFORM, "src:interfaces", "src:code", "apps/"},
     "tests": {PLATFORM, "src:interfaces", "src:code", "apps/"},
 }
 FOLDERS = ("apps", "bench", "examples/bundles", "platform", "src", "tests")
