@@ -1,6 +1,8 @@
 #include "framework/FrameworkCore.hpp"
 
+#include <algorithm>
 #include <filesystem>
+#include <stdexcept>
 
 #include "cppmicroservices/Constants.h"
 #include "framework/bundleManifests.hpp"
@@ -30,35 +32,45 @@ std::vector<Bundle> FrameworkCore::install(BundlePrivate& installer, const std::
     manifests.push_back(parseManifest(path, text));
     checkComponents(manifests.back(), path);
   }
-  bundles = add(path, manifests);
-  for (const Bundle& bundle : bundles) {
-    listeners.send(BundleEvent(BundleEvent::BUNDLE_INSTALLED, bundle, installer.bundle()));
+  for (const auto& bundle : add(path, manifests)) {
+    bundles.push_back(bundle->bundle());
+    listeners.send(BundleEvent(BundleEvent::BUNDLE_INSTALLED, bundles.back(), installer.bundle()));
   }
-  return bundles;
+  // None was added when another thread was faster.
+  return bundles.empty() ? bundlesAt(path) : bundles;
 }
 
-std::vector<Bundle> FrameworkCore::add(const std::string& location,
-                                       const std::vector<AnyMap>& manifests) {
-  std::vector<Bundle> bundles;
+FrameworkCore::LibraryBundles FrameworkCore::add(const std::string& location,
+                                                 const std::vector<AnyMap>& manifests) {
+  LibraryBundles added;
   const std::lock_guard lock(mutex);
-  for (const AnyMap& manifest : manifests) requireFreeName(location, manifest);
+  // Under the lock, so that a framework that stops finds every bundle.
+  if (!system->acceptsBundles()) throw std::logic_error("the framework stops: no bundle is added");
+  if (isInstalled(location)) return added;
+  auto longer = installed;
   for (const AnyMap& manifest : manifests) {
     const auto bundle =
         std::make_shared<LibraryBundle>(shared_from_this(), ++lastId, location, manifest);
-    installed.emplace(bundle->id, bundle);
-    bundles.push_back(bundle->bundle());
+    requireFreeName(longer, *bundle);
+    longer.emplace(bundle->id, bundle);
+    added.push_back(bundle);
   }
-  return bundles;
+  installed = std::move(longer);
+  return added;
 }
 
-void FrameworkCore::requireFreeName(const std::string& location, const AnyMap& manifest) const {
-  const auto& name = ref_any_cast<std::string>(manifest.at(Constants::BUNDLE_SYMBOLICNAME));
-  for (const auto& [id, bundle] : installed) {
-    if (bundle->symbolicName != name) continue;
+bool FrameworkCore::isInstalled(const std::string& location) const {
+  return std::any_of(installed.begin(), installed.end(),
+                     [&location](const auto& entry) { return entry.second->location == location; });
+}
+
+void FrameworkCore::requireFreeName(const BundleTable& table, const BundlePrivate& added) {
+  for (const auto& [id, bundle] : table) {
+    if (bundle->symbolicName != added.symbolicName) continue;
     std::string fault = "the value of \"";
-    fault.append(Constants::BUNDLE_SYMBOLICNAME).append("\", ").append(name);
+    fault.append(Constants::BUNDLE_SYMBOLICNAME).append("\", ").append(added.symbolicName);
     fault.append(", is that of ").append(bundle->location).append(" already");
-    refuseBundle(location, fault, "rename one of the two bundles or uninstall the other");
+    refuseBundle(added.location, fault, "rename one of the two bundles or uninstall the other");
   }
 }
 
@@ -74,9 +86,9 @@ std::shared_ptr<BundlePrivate> FrameworkCore::find(long id) const {
   return entry == installed.end() ? nullptr : entry->second;
 }
 
-std::vector<std::shared_ptr<LibraryBundle>> FrameworkCore::libraryBundles() const {
+FrameworkCore::LibraryBundles FrameworkCore::libraryBundles() const {
   const std::lock_guard lock(mutex);
-  std::vector<std::shared_ptr<LibraryBundle>> bundles;
+  LibraryBundles bundles;
   for (const auto& [id, bundle] : installed) bundles.push_back(bundle);
   return bundles;
 }

@@ -22,8 +22,11 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   /// Returns a framework that was not started.
   static std::shared_ptr<FrameworkOwner> make();
 
+  using LibraryBundles = std::vector<std::shared_ptr<LibraryBundle>>;
+
   /// Installs the bundles of the library at `location`, all or none, and returns them; those that
-  /// are there already if so. Throws `std::runtime_error` when the file cannot be used.
+  /// are there already if so. Throws `std::runtime_error` when the file cannot be used,
+  /// `std::logic_error` when the framework stops.
   std::vector<Bundle> install(BundlePrivate& installer, const std::string& location);
 
   /// Takes `bundle` off the list, if it is there.
@@ -35,7 +38,7 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   /// Returns all bundles, or those of a library, by ascending id.
   std::vector<Bundle> bundles() const;
   std::vector<Bundle> bundlesAt(const std::string& location) const;
-  std::vector<std::shared_ptr<LibraryBundle>> libraryBundles() const;
+  LibraryBundles libraryBundles() const;
 
   /// Sends the framework listeners an error of `source`.
   void reportError(BundlePrivate& source, const std::string& message, std::exception_ptr cause);
@@ -49,13 +52,16 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
  private:
   friend class FrameworkOwner;
 
-  std::vector<Bundle> add(const std::string& location, const std::vector<AnyMap>& manifests);
-  void requireFreeName(const std::string& location, const AnyMap& manifest) const;
+  using BundleTable = std::map<long, std::shared_ptr<LibraryBundle>>;
+
+  LibraryBundles add(const std::string& location, const std::vector<AnyMap>& manifests);
+  bool isInstalled(const std::string& location) const;
+  static void requireFreeName(const BundleTable& table, const BundlePrivate& added);
 
   mutable std::mutex mutex;
   long lastId = 0;
   std::shared_ptr<SystemBundle> system;
-  std::map<long, std::shared_ptr<LibraryBundle>> installed;
+  BundleTable installed;
 };
 
 /// Keeps a framework running: every outside object that stands for a bundle shares it.

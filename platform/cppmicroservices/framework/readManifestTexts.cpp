@@ -72,9 +72,7 @@ std::uint64_t findArchive(const std::string& location) {
   return archiveStart(location, tail, static_cast<std::uint64_t>(fileBytes));
 }
 
-[[noreturn]] void refuseArchive(const std::string& location, zip_error_t* error) {
-  const std::string problem = zip_error_strerror(error);
-  zip_error_fini(error);
+[[noreturn]] void refuseArchive(const std::string& location, const std::string& problem) {
   refuseBundle(location, "the zip archive at the end of the file is damaged (" + problem + ")",
                kArchiveRemedy);
 }
@@ -84,28 +82,25 @@ Archive openArchive(const std::string& location) {
   zip_error_t error;
   zip_error_init(&error);
   zip_source_t* const source = zip_source_file_create(location.c_str(), start, -1, &error);
-  zip_t* const archive =
-      source == nullptr ? nullptr : zip_open_from_source(source, ZIP_RDONLY, &error);
-  if (archive == nullptr) {
-    zip_source_free(source);
-    refuseArchive(location, &error);
-  }
-  return Archive(archive, zip_discard);
+  Archive archive(source == nullptr ? nullptr : zip_open_from_source(source, ZIP_RDONLY, &error),
+                  zip_discard);
+  const std::string problem = archive ? "" : zip_error_strerror(&error);
+  zip_error_fini(&error);
+  if (archive) return archive;
+  zip_source_free(source);
+  refuseArchive(location, problem);
 }
 
 std::string readEntry(const std::string& location, zip_t* archive, std::uint64_t index) {
   const ArchiveFile file(zip_fopen_index(archive, index, 0), zip_fclose);
+  if (!file) refuseArchive(location, zip_strerror(archive));
   std::string text;
   std::array<char, 4096> buffer{};
-  zip_int64_t count = file ? 1 : -1;
-  while (count > 0) {
-    count = zip_fread(file.get(), buffer.data(), buffer.size());
-    if (count > 0) text.append(buffer.data(), static_cast<std::size_t>(count));
+  zip_int64_t count = 0;
+  while ((count = zip_fread(file.get(), buffer.data(), buffer.size())) > 0) {
+    text.append(buffer.data(), static_cast<std::size_t>(count));
   }
-  if (count < 0) {
-    zip_error_t error = file ? *zip_file_get_error(file.get()) : *zip_get_error(archive);
-    refuseArchive(location, &error);
-  }
+  if (count < 0) refuseArchive(location, zip_file_strerror(file.get()));
   return text;
 }
 
