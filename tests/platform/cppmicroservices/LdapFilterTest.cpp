@@ -203,16 +203,6 @@ TEST(LdapFilter, KeysThatDifferInCaseOnlyAreRefused) {
   EXPECT_THROW(LDAPFilter("(a=1)").MatchCase(properties), std::runtime_error);
 }
 
-TEST(LdapFilter, TheEmptyFilterMatchesNothing) {
-  const LDAPFilter empty;
-  EXPECT_FALSE(empty);
-  EXPECT_EQ(empty.ToString(), "");
-  EXPECT_FALSE(empty.Match(AnyMap()));
-  EXPECT_FALSE(empty.MatchCase(AnyMap()));
-  EXPECT_TRUE(empty == LDAPFilter());
-  EXPECT_TRUE(LDAPFilter("(a=b)"));
-}
-
 TEST(LdapFilter, FiltersOfTheSameTextAreEqual) {
   LDAPFilter filter("( a=b)");
   EXPECT_TRUE(filter == LDAPFilter("(a=b)"));

@@ -5,9 +5,9 @@
 #include <functional>
 #include <stdexcept>
 
-#include "framework/api/HostFramework.hpp"
+#include "platform/cppmicroservices/HostFramework.hpp"
 
-namespace framework_api {
+namespace embedded_framework {
 namespace {
 
 using namespace cppmicroservices;
@@ -59,31 +59,6 @@ class ServiceFactories : public HostFramework {
   ServiceReference<Greeter> reference;
   std::vector<ServiceException::Type> errors;
 };
-
-TEST_F(ServiceFactories, MakeOneObjectWhileABundleHoldsIt) {
-  EXPECT_EQ(ref_any_cast<std::string>(reference.GetProperty(Constants::SERVICE_SCOPE)),
-            Constants::SCOPE_BUNDLE);
-  EXPECT_EQ(workshop->made, 0);
-  auto first = context.GetService(reference);
-  auto second = context.GetService(reference);
-  EXPECT_EQ(first->greet(), "hello");
-  EXPECT_EQ(first, second);
-  EXPECT_EQ(workshop->made, 1);
-  EXPECT_TRUE(workshop->user == framework);
-  first = nullptr;
-  EXPECT_EQ(workshop->returned, 0);
-  second = nullptr;
-  EXPECT_EQ(workshop->returned, 1);
-  EXPECT_EQ(context.GetService(reference)->greet(), "hello");
-  EXPECT_EQ(workshop->made, 2);
-}
-
-TEST_F(ServiceFactories, GetTheirObjectBackWhenTheServiceGoes) {
-  const auto held = context.GetService(reference);
-  registration.Unregister();
-  EXPECT_EQ(workshop->returned, 1);
-  EXPECT_EQ(held->greet(), "hello");
-}
 
 TEST_F(ServiceFactories, GetTheirObjectBackOnce) {
   auto held = context.GetService(reference);
@@ -153,4 +128,4 @@ TEST_F(ServiceFactories, ExceptionsOfServicesAreCopied) {
 }
 
 }  // namespace
-}  // namespace framework_api
+}  // namespace embedded_framework

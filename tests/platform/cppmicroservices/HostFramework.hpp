@@ -8,10 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <mutex>
 #include <string>
 #include <vector>
 
-namespace framework_api {
+namespace embedded_framework {
 
 struct Greeter {
   virtual ~Greeter() = default;
@@ -32,12 +33,18 @@ struct Hello : Greeter {
 /// A service under two interfaces.
 struct CountingHello : Hello, Counter {};
 
-/// A framework that was started, and its context.
+/// A framework that was started, its context, and the errors that it told of.
 class HostFramework : public testing::Test {
  protected:
-  HostFramework() : framework(cppmicroservices::FrameworkFactory().NewFramework()) {
+  HostFramework() { start(); }
+
+  void start() {
     framework.Start();
     context = framework.GetBundleContext();
+    context.AddFrameworkListener([this](const cppmicroservices::FrameworkEvent& event) {
+      const std::lock_guard lock(mutex);
+      errors.push_back(event.GetMessage());
+    });
   }
 
   void stop() {
@@ -45,8 +52,10 @@ class HostFramework : public testing::Test {
     framework.WaitForStop(std::chrono::milliseconds::zero());
   }
 
-  cppmicroservices::Framework framework;
+  cppmicroservices::Framework framework = cppmicroservices::FrameworkFactory().NewFramework();
   cppmicroservices::BundleContext context;
+  std::mutex mutex;
+  std::vector<std::string> errors;
 };
 
-}  // namespace framework_api
+}  // namespace embedded_framework

@@ -1,0 +1,327 @@
+#include <cppmicroservices/BundleEvent.h>
+#include <cppmicroservices/IllegalStateException.h>
+#include <cppmicroservices/ServiceEvent.h>
+#include <dlfcn.h>
+
+#include <filesystem>
+#include <future>
+#include <stdexcept>
+#include <thread>
+#include <unordered_set>
+
+#include "framework/broken/BundleFile.hpp"
+#include "platform/cppmicroservices/HostFramework.hpp"
+#include "platform/cppmicroservices/Script.hpp"
+
+namespace embedded_framework {
+namespace {
+
+using namespace cppmicroservices;
+
+class Lifecycle : public HostFramework {
+ protected:
+  Lifecycle() { prepare(); }
+
+  void prepare() {
+    registration = context.RegisterService<Script>(script);
+    bundle = context.InstallBundles(SCRIPTED_BUNDLE).at(0);
+  }
+
+  // Makes a bundle of a library that exports nothing for frameworks.
+  static std::string bare() {
+    const std::string library = readBytes(BARE_LIBRARY);
+    const std::string path = std::string(WORK_FOLDER) + "/bare.so";
+    std::filesystem::create_directories(WORK_FOLDER);
+    if (readBytes(path).empty()) {
+      writeBytes(path, library + makeArchive(
+                                     {{"bare/manifest.json", R"({"bundle.symbolic_name":"bare"})"}},
+                                     library.size()));
+    }
+    return path;
+  }
+
+  std::shared_ptr<Script> script = std::make_shared<Script>();
+  ServiceRegistration<Script> registration;
+  Bundle bundle;
+};
+
+template <class Call>
+std::string textOf(const Call& call) {
+  try {
+    call();
+    return "";
+  } catch (const std::exception& exception) {
+    return exception.what();
+  }
+}
+
+TEST_F(Lifecycle, BundleCannotChangeItsOwnState) {
+  int refused = 0;
+  const auto tryAll = [&](BundleContext own) {
+    Bundle self = own.GetBundle();
+    const std::vector<void (Bundle::*)()> operations = {&Bundle::Start, &Bundle::Stop,
+                                                        &Bundle::Uninstall};
+    for (const auto operation : operations) {
+      EXPECT_THROW((self.*operation)(), std::logic_error);
+      ++refused;
+    }
+  };
+  script->start = tryAll;
+  script->stop = tryAll;
+  bundle.Start();
+  bundle.Stop();
+  EXPECT_EQ(refused, 6);
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
+}
+
+TEST_F(Lifecycle, StopWaitsForAStartInAnotherThread) {
+  std::promise<void> entered;
+  std::promise<void> leave;
+  script->start = [&](const BundleContext&) {
+    entered.set_value();
+    leave.get_future().wait();
+  };
+  auto starting = std::async(std::launch::async, [&] { bundle.Start(); });
+  entered.get_future().wait();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_STARTING);
+  auto stopping = std::async(std::launch::async, [&] { bundle.Stop(); });
+  EXPECT_EQ(stopping.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+  leave.set_value();
+  starting.get();
+  stopping.get();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
+}
+
+TEST_F(Lifecycle, WaitingForAnotherThreadHasAnEnd) {
+  std::promise<void> entered;
+  std::promise<void> leave;
+  script->start = [&](const BundleContext&) {
+    entered.set_value();
+    leave.get_future().wait();
+  };
+  auto starting = std::async(std::launch::async, [&] { bundle.Start(); });
+  entered.get_future().wait();
+  EXPECT_EQ(textOf([&] { bundle.Stop(); }),
+            "the bundle scripted is still starting or stopping in another thread");
+  leave.set_value();
+  starting.get();
+}
+
+TEST_F(Lifecycle, StopTakesBackWhatTheBundleLeaves) {
+  std::shared_ptr<Script> held;
+  BundleContext own;
+  int heard = 0;
+  script->start = [&](BundleContext given) {
+    own = given;
+    held = given.GetService(given.GetServiceReference<Script>());
+    (void)given.RegisterService<Greeter>(std::make_shared<Hello>());
+    given.AddServiceListener([&](const ServiceEvent&) { ++heard; });
+  };
+  bundle.Start();
+  EXPECT_EQ(bundle.GetRegisteredServices().size(), 1U);
+  EXPECT_EQ(bundle.GetServicesInUse().size(), 1U);
+  EXPECT_EQ(registration.GetReference().GetUsingBundles(), std::vector<Bundle>{bundle});
+  bundle.Stop();
+  EXPECT_TRUE(bundle.GetRegisteredServices().empty());
+  EXPECT_TRUE(bundle.GetServicesInUse().empty());
+  EXPECT_FALSE(context.GetServiceReference<Greeter>());
+  EXPECT_FALSE(own);
+  const int heardUntilStop = heard;
+  auto later = context.RegisterService<Greeter>(std::make_shared<Hello>());
+  EXPECT_EQ(heard, heardUntilStop);
+}
+
+TEST_F(Lifecycle, BundleGetsNothingMoreAtTheEndOfItsStop) {
+  std::vector<std::string> refusals;
+  script->start = [&](BundleContext own) {
+    (void)own.RegisterService<Greeter>(std::make_shared<Hello>());
+    own.AddServiceListener([&, own](const ServiceEvent& event) mutable {
+      if (event.GetType() != ServiceEvent::SERVICE_UNREGISTERING) return;
+      refusals.push_back(
+          textOf([&] { (void)own.RegisterService<Greeter>(std::make_shared<Hello>()); }));
+      refusals.push_back(textOf([&] { own.GetService(own.GetServiceReference<Script>()); }));
+      refusals.push_back(textOf([&] { own.AddBundleListener([](const BundleEvent&) {}); }));
+    });
+  };
+  bundle.Start();
+  bundle.Stop();
+  const std::string text = "The bundle context is no longer valid";
+  EXPECT_EQ(refusals, (std::vector<std::string>{text, text, text}));
+  EXPECT_FALSE(context.GetServiceReference<Greeter>());
+}
+
+TEST_F(Lifecycle, UninstallStopsAndReportsAFailedStop) {
+  script->stop = [](const BundleContext&) { throw 5; };
+  bundle.Start();
+  bundle.Uninstall();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_UNINSTALLED);
+  EXPECT_EQ(errors, std::vector<std::string>{bundle.GetLocation() +
+                                             ": the stop of the bundle scripted failed"});
+  EXPECT_FALSE(context.GetBundle(bundle.GetBundleId()));
+  EXPECT_EQ(bundle.GetSymbolicName(), "scripted");
+  EXPECT_THROW(bundle.GetServicesInUse(), std::logic_error);
+  EXPECT_THROW(bundle.GetRegisteredServices(), std::logic_error);
+}
+
+TEST_F(Lifecycle, FrameworkReportsAFailedStop) {
+  std::vector<std::string> causes;
+  context.AddFrameworkListener([&](const FrameworkEvent& event) {
+    causes.push_back(textOf([&] { std::rethrow_exception(event.GetThrowable()); }));
+  });
+  script->stop = [](const BundleContext&) { throw std::runtime_error("not yet"); };
+  bundle.Start();
+  stop();
+  EXPECT_EQ(errors,
+            std::vector<std::string>{bundle.GetLocation() +
+                                     ": the bundle scripted failed to stop with its framework"});
+  EXPECT_EQ(causes, std::vector<std::string>{
+                        bundle.GetLocation() +
+                        ": the activator of the bundle scripted failed to stop: not yet"});
+}
+
+TEST_F(Lifecycle, BundleOfAStoppedFrameworkDoesNotStart) {
+  bundle.Start();
+  stop();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_INSTALLED);
+  const std::string text =
+      bundle.GetLocation() +
+      ": the framework of the bundle scripted was stopped; start a framework and install the "
+      "bundle again";
+  EXPECT_EQ(textOf([&] { bundle.Start(); }), text);
+  const Bundle old = bundle;
+  start();
+  EXPECT_EQ(context.GetBundles().size(), 1U);
+  prepare();
+  bundle.Start();
+  EXPECT_FALSE(bundle == old);
+  EXPECT_TRUE(old < bundle);
+}
+
+TEST_F(Lifecycle, BundleDoesNotStartWhileItsFrameworkStops) {
+  Bundle second = context.InstallBundles(bare()).at(0);
+  std::string text;
+  context.AddBundleListener([&](const BundleEvent& event) {
+    if (event.GetType() == BundleEvent::BUNDLE_STOPPING && event.GetBundle() == bundle) {
+      text = textOf([&] { second.Start(); });
+    }
+  });
+  bundle.Start();
+  stop();
+  EXPECT_NE(text.find("was stopped"), std::string::npos) << text;
+}
+
+TEST_F(Lifecycle, NoBundleIsAddedWhileTheFrameworkStops) {
+  std::string text;
+  context.AddBundleListener([&](const BundleEvent& event) {
+    if (event.GetType() != BundleEvent::BUNDLE_STOPPING) return;
+    text = textOf([&] { context.InstallBundles(bare()); });
+  });
+  stop();
+  EXPECT_EQ(text, "the framework stops: no bundle is added");
+  start();
+  EXPECT_EQ(context.GetBundles().size(), 1U);
+}
+
+TEST_F(Lifecycle, BundlesStartInAFrameworkThatIsInitialized) {
+  stop();
+  framework.Init();
+  framework.Init();
+  EXPECT_EQ(framework.GetState(), Bundle::STATE_STARTING);
+  context = framework.GetBundleContext();
+  prepare();
+  bundle.Start();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_ACTIVE);
+  framework.Start();
+  framework.Start();
+  EXPECT_EQ(framework.GetState(), Bundle::STATE_ACTIVE);
+}
+
+TEST_F(Lifecycle, LibraryThatDoesNotKnowFrameworksIsABundle) {
+  Bundle second = context.InstallBundles(bare()).at(0);
+  EXPECT_THROW(second.GetSymbol(this, "bareNumber"), std::runtime_error);
+  second.Start();
+  void* const library = dlopen(second.GetLocation().c_str(), RTLD_NOW | RTLD_NOLOAD);
+  ASSERT_NE(library, nullptr);
+  void* const function = second.GetSymbol(library, "bareNumber");
+  ASSERT_NE(function, nullptr);
+  EXPECT_EQ(reinterpret_cast<int (*)()>(function)(), 42);
+  EXPECT_EQ(second.GetSymbol(library, "noSuchFunction"), nullptr);
+  EXPECT_THROW(second.GetSymbol(nullptr, "bareNumber"), std::invalid_argument);
+  EXPECT_THROW(second.GetSymbol(library, ""), std::invalid_argument);
+  dlclose(library);
+}
+
+TEST_F(Lifecycle, FrameworkRunsWhileAnObjectStandsForIt) {
+  BundleContext kept;
+  Bundle left;
+  {
+    Framework other = FrameworkFactory().NewFramework();
+    other.Start();
+    kept = other.GetBundleContext();
+    left = kept.GetBundle();
+  }
+  EXPECT_TRUE(kept);
+  EXPECT_EQ(Framework(left).GetState(), Bundle::STATE_ACTIVE);
+  left = nullptr;
+  EXPECT_FALSE(left);
+  EXPECT_FALSE(kept);
+}
+
+TEST_F(Lifecycle, OnlyTheFrameworkIsAFramework) {
+  EXPECT_EQ(Framework(context.GetBundle(0)), framework);
+  EXPECT_THROW(Framework{bundle}, std::logic_error);
+  EXPECT_THROW(Framework{Bundle()}, std::invalid_argument);
+  EXPECT_THROW(framework.Uninstall(), std::runtime_error);
+}
+
+TEST_F(Lifecycle, FrameworkThatNeverRanHasNotStopped) {
+  Framework other = FrameworkFactory().NewFramework();
+  EXPECT_EQ(other.WaitForStop(std::chrono::milliseconds(1)).GetType(),
+            FrameworkEvent::FRAMEWORK_ERROR);
+  EXPECT_EQ(other.WaitForStop(std::chrono::milliseconds::zero()).GetType(),
+            FrameworkEvent::FRAMEWORK_ERROR);
+  other.Stop();
+  EXPECT_EQ(other.GetState(), Bundle::STATE_INSTALLED);
+}
+
+TEST_F(Lifecycle, WaitingThreadHearsOfTheStop) {
+  auto waiting = std::async(std::launch::async, [this] {
+    return framework.WaitForStop(std::chrono::seconds(60)).GetType();
+  });
+  stop();
+  EXPECT_EQ(waiting.get(), FrameworkEvent::FRAMEWORK_STOPPED);
+}
+
+TEST_F(Lifecycle, BundlesAreOrderedAndHashed) {
+  const std::unordered_set<Bundle> bundles{framework, bundle, bundle};
+  EXPECT_EQ(bundles.size(), 2U);
+  EXPECT_TRUE(framework < bundle);
+  EXPECT_FALSE(bundle < framework);
+  EXPECT_TRUE(bundle < Bundle());
+  EXPECT_FALSE(Bundle() < bundle);
+  EXPECT_FALSE(Bundle() < Bundle());
+  EXPECT_TRUE(Bundle() == Bundle());
+}
+
+TEST_F(Lifecycle, EventsTellWhatHappened) {
+  const BundleEvent installed(BundleEvent::BUNDLE_INSTALLED, bundle, framework);
+  EXPECT_TRUE(installed);
+  EXPECT_EQ(installed.GetType(), BundleEvent::BUNDLE_INSTALLED);
+  EXPECT_TRUE(installed.GetBundle() == bundle);
+  EXPECT_TRUE(installed.GetOrigin() == framework);
+  EXPECT_FALSE(installed == BundleEvent(BundleEvent::BUNDLE_INSTALLED, bundle));
+  EXPECT_FALSE(BundleEvent());
+  EXPECT_TRUE(BundleEvent() == BundleEvent());
+  const FrameworkEvent warning(FrameworkEvent::FRAMEWORK_WARNING, bundle, "text");
+  EXPECT_TRUE(warning);
+  EXPECT_EQ(warning.GetMessage(), "text");
+  EXPECT_EQ(warning.GetThrowable(), nullptr);
+  EXPECT_TRUE(warning.GetBundle() == bundle);
+  EXPECT_FALSE(warning == FrameworkEvent());
+  EXPECT_FALSE(FrameworkEvent());
+  EXPECT_FALSE(ServiceEvent());
+  EXPECT_FALSE(ServiceEvent().GetServiceReference());
+}
+
+}  // namespace
+}  // namespace embedded_framework

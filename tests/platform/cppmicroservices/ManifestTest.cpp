@@ -1,0 +1,187 @@
+#include <filesystem>
+#include <stdexcept>
+
+#include "framework/broken/BundleFile.hpp"
+#include "platform/cppmicroservices/HostFramework.hpp"
+
+namespace embedded_framework {
+namespace {
+
+using cppmicroservices::Any;
+using cppmicroservices::any_cast;
+using cppmicroservices::AnyMap;
+using cppmicroservices::Bundle;
+using namespace std::string_literals;
+
+enum class Offsets { kFromFile, kFromArchive };
+
+class Manifests : public HostFramework {
+ protected:
+  // Writes a file that ends in an archive of `files`: it can be installed, but not be started.
+  std::string write(const std::vector<std::pair<std::string, std::string>>& files,
+                    Offsets offsets = Offsets::kFromFile) {
+    const std::string start = "no library";
+    path = std::string(WORK_FOLDER) + "/made.so";
+    std::filesystem::create_directories(WORK_FOLDER);
+    writeBytes(path, start + makeArchive(files, offsets == Offsets::kFromFile ? start.size() : 0));
+    return path;
+  }
+
+  AnyMap headersOf(const std::string& members) {
+    write({{"made/manifest.json", R"({"bundle.symbolic_name":"made")" + members + "}"}});
+    Bundle bundle = context.InstallBundles(path).at(0);
+    const AnyMap headers = bundle.GetHeaders();
+    bundle.Uninstall();
+    return headers;
+  }
+
+  std::string refusalOf(const std::string& members) {
+    try {
+      headersOf(members);
+      return "";
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+  }
+
+  std::string path;
+};
+
+TEST_F(Manifests, ValuesAreOfTheTypesDocumented) {
+  const AnyMap headers = headersOf(
+      R"(,"int":5,"negative":-3,"largest":2147483647,"large":2147483648,"small":-2147483649,)"
+      R"("real":1.5,"yes":true,"no":false,"none":null,"text":"x",)"
+      R"("list":[1,[2],{"a":3}],"map":{"A":{"b":4}})");
+  EXPECT_EQ(headers.at("INT"), Any(5));
+  EXPECT_EQ(headers.at("negative"), Any(-3));
+  EXPECT_EQ(headers.at("largest"), Any(2147483647));
+  EXPECT_EQ(headers.at("large"), Any(2147483648.0));
+  EXPECT_EQ(headers.at("small"), Any(-2147483649.0));
+  EXPECT_EQ(headers.at("real"), Any(1.5));
+  EXPECT_EQ(headers.at("yes"), Any(true));
+  EXPECT_EQ(headers.at("no"), Any(false));
+  EXPECT_TRUE(headers.at("none").Empty());
+  EXPECT_EQ(headers.at("text"), Any("x"s));
+  EXPECT_EQ(headers.AtCompoundKey("list.0"), Any(1));
+  EXPECT_EQ(headers.AtCompoundKey("list.1.0"), Any(2));
+  EXPECT_EQ(headers.AtCompoundKey("list.2.a"), Any(3));
+  EXPECT_EQ(headers.AtCompoundKey("map.a.B"), Any(4));
+}
+
+TEST_F(Manifests, VersionsAreOneToThreeNumbersAndAQualifier) {
+  for (const char* version : {"1", "1.2", "1.2.3", "10.20.30.a-B_9"}) {
+    EXPECT_EQ(refusalOf(R"(,"bundle.version":")"s + version + "\""), "") << version;
+  }
+  for (const char* version :
+       {"", "x", "1.", "1.x", ".1", "1.2.", "1.2.3.", "1.2.3.4.5", "1.2.3.a b"}) {
+    EXPECT_EQ(refusalOf(R"(,"bundle.version":")"s + version + "\""),
+              path +
+                  ": made/manifest.json cannot be used: \"bundle.version\" is not a text such as "
+                  "\"1.0.2\"; correct the manifest and append the archive again")
+        << version;
+  }
+  EXPECT_NE(refusalOf(R"(,"bundle.version":1.2)"), "");
+}
+
+TEST_F(Manifests, KeysThatDifferInCaseOnlyAreRefused) {
+  EXPECT_NE(refusalOf(R"(,"map":{"a":1,"A":2})").find("the key \"A\" occurs twice"),
+            std::string::npos);
+  EXPECT_EQ(refusalOf(R"(,"map":{"a":1},"other":{"a":2})"), "");
+}
+
+TEST_F(Manifests, DeepValuesAreRefused) {
+  const auto nested = [](std::size_t depth) {
+    return ",\"deep\":" + std::string(depth, '[') + std::string(depth, ']');
+  };
+  EXPECT_EQ(refusalOf(nested(99)), "");
+  EXPECT_NE(refusalOf(nested(100)).find("nested too deeply"), std::string::npos);
+  EXPECT_NE(refusalOf(nested(1000000)).find("nested too deeply"), std::string::npos);
+}
+
+TEST_F(Manifests, RootIsAnObject) {
+  for (const char* text : {"[]", "5", "\"a\"", "null", "true", "1.5", "-1"}) {
+    write({{"made/manifest.json", text}});
+    try {
+      context.InstallBundles(path);
+      ADD_FAILURE() << text;
+    } catch (const std::runtime_error& error) {
+      EXPECT_NE(std::string(error.what()).find("it is no object"), std::string::npos) << text;
+    }
+  }
+}
+
+TEST_F(Manifests, OffsetsCountFromTheFileOrTheArchive) {
+  for (const Offsets offsets : {Offsets::kFromFile, Offsets::kFromArchive}) {
+    write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}}, offsets);
+    Bundle bundle = context.InstallBundles(path).at(0);
+    EXPECT_EQ(bundle.GetSymbolicName(), "made");
+    bundle.Uninstall();
+  }
+}
+
+TEST_F(Manifests, ArchiveWithoutItsBeginningIsRefused) {
+  write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
+  writeBytes(path, readBytes(path).substr(30));
+  EXPECT_THROW(
+      {
+        try {
+          context.InstallBundles(path);
+        } catch (const std::runtime_error& error) {
+          EXPECT_NE(std::string(error.what()).find("has lost its beginning"), std::string::npos);
+          throw;
+        }
+      },
+      std::runtime_error);
+}
+
+TEST_F(Manifests, ArchiveWithADamagedDirectoryIsRefused) {
+  write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
+  std::string bytes = readBytes(path);
+  bytes[bytes.find("PK\1\2")] = 'X';
+  writeBytes(path, bytes);
+  EXPECT_THROW(context.InstallBundles(path), std::runtime_error);
+}
+
+TEST_F(Manifests, ArchiveWithADamagedEntryIsRefused) {
+  write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
+  std::string bytes = readBytes(path);
+  // The way in which the entry is packed, of which nobody knows the number 99.
+  bytes[bytes.find("PK\1\2") + 10] = 99;
+  writeBytes(path, bytes);
+  EXPECT_THROW(context.InstallBundles(path), std::runtime_error);
+}
+
+TEST_F(Manifests, LibraryMayHoldSeveralBundles) {
+  write({{"one/manifest.json", R"({"bundle.symbolic_name":"one"})"},
+         {"one/deeper/manifest.json", "no manifest of a bundle"},
+         {"two/manifest.json", R"({"bundle.symbolic_name":"two"})"}});
+  const std::vector<Bundle> bundles = context.InstallBundles(path);
+  ASSERT_EQ(bundles.size(), 2U);
+  EXPECT_EQ(bundles[0].GetSymbolicName(), "one");
+  EXPECT_EQ(bundles[1].GetSymbolicName(), "two");
+  EXPECT_EQ(context.GetBundles(path), bundles);
+  EXPECT_EQ(context.InstallBundles(path), bundles);
+  EXPECT_EQ(context.GetBundles().size(), 3U);
+}
+
+TEST_F(Manifests, LibraryIsInstalledAsAWholeOrNotAtAll) {
+  write({{"one/manifest.json", R"({"bundle.symbolic_name":"one"})"},
+         {"two/manifest.json", R"({"bundle.symbolic_name":2})"}});
+  EXPECT_THROW(context.InstallBundles(path), std::runtime_error);
+  EXPECT_EQ(context.GetBundles().size(), 1U);
+  write({{"one/manifest.json", R"({"bundle.symbolic_name":"one"})"},
+         {"two/manifest.json", R"({"bundle.symbolic_name":"one"})"}});
+  EXPECT_THROW(context.InstallBundles(path), std::runtime_error);
+  EXPECT_EQ(context.GetBundles().size(), 1U);
+}
+
+TEST_F(Manifests, RelativePathsAreOfTheWorkingFolder) {
+  write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
+  const std::string relative = std::filesystem::relative(path).string();
+  const Bundle bundle = context.InstallBundles(relative).at(0);
+  EXPECT_TRUE(std::filesystem::path(bundle.GetLocation()).is_absolute());
+  EXPECT_EQ(context.GetBundles(relative), std::vector<Bundle>{bundle});
+}
+
+}  // namespace
+}  // namespace embedded_framework

@@ -1,0 +1,165 @@
+#include <cppmicroservices/BundleEvent.h>
+#include <cppmicroservices/ServiceEvent.h>
+#include <cppmicroservices/ServiceFactory.h>
+
+#include <atomic>
+#include <future>
+#include <stdexcept>
+#include <thread>
+
+#include "platform/cppmicroservices/HostFramework.hpp"
+#include "platform/cppmicroservices/Script.hpp"
+
+namespace embedded_framework {
+namespace {
+
+using namespace cppmicroservices;
+
+/// A factory that waits inside `GetService` until it is let go.
+class SlowWorkshop : public ServiceFactory {
+ public:
+  InterfaceMapConstPtr GetService(const Bundle&, const ServiceRegistrationBase&) override {
+    ++made;
+    entered.set_value();
+    leave.get_future().wait();
+    if (fails) throw std::runtime_error("no");
+    return MakeInterfaceMap<Greeter>(std::make_shared<Hello>());
+  }
+  void UngetService(const Bundle&, const ServiceRegistrationBase&,
+                    const InterfaceMapConstPtr&) override {
+    ++returned;
+  }
+
+  std::promise<void> entered;
+  std::promise<void> leave;
+  std::atomic<bool> fails = false;
+  std::atomic<int> made = 0;
+  std::atomic<int> returned = 0;
+};
+
+class Threads : public HostFramework {
+ protected:
+  Threads()
+      : workshop(std::make_shared<SlowWorkshop>()),
+        registration(context.RegisterService<Greeter>(ToFactory(workshop))) {}
+
+  std::future<std::shared_ptr<Greeter>> getInAnotherThread(BundleContext user) {
+    return std::async(std::launch::async, [user, reference = registration.GetReference()] {
+      return BundleContext(user).GetService(reference);
+    });
+  }
+
+  std::shared_ptr<SlowWorkshop> workshop;
+  ServiceRegistration<Greeter> registration;
+};
+
+TEST_F(Threads, OneBundleIsServedByOneCallOfTheFactory) {
+  auto first = getInAnotherThread(context);
+  workshop->entered.get_future().wait();
+  auto second = getInAnotherThread(context);
+  EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+  workshop->leave.set_value();
+  EXPECT_EQ(first.get(), second.get());
+  EXPECT_EQ(workshop->made, 1);
+}
+
+TEST_F(Threads, ServiceThatGoesWhileItIsMadeIsGivenBack) {
+  auto object = getInAnotherThread(context);
+  workshop->entered.get_future().wait();
+  registration.Unregister();
+  workshop->leave.set_value();
+  EXPECT_EQ(object.get(), nullptr);
+  EXPECT_EQ(workshop->returned, 1);
+}
+
+TEST_F(Threads, ServiceThatGoesWhileItsMakingFailsIsNotGivenBack) {
+  workshop->fails = true;
+  auto object = getInAnotherThread(context);
+  workshop->entered.get_future().wait();
+  registration.Unregister();
+  workshop->leave.set_value();
+  EXPECT_EQ(object.get(), nullptr);
+  EXPECT_EQ(workshop->returned, 0);
+}
+
+TEST_F(Threads, WaitingThreadFindsTheServiceGone) {
+  auto first = getInAnotherThread(context);
+  workshop->entered.get_future().wait();
+  auto second = getInAnotherThread(context);
+  EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+  registration.Unregister();
+  workshop->leave.set_value();
+  EXPECT_EQ(first.get(), nullptr);
+  EXPECT_EQ(second.get(), nullptr);
+}
+
+TEST_F(Threads, BundleThatStopsWhileItsServiceIsMadeGetsNothing) {
+  const auto script = std::make_shared<Script>();
+  auto scripts = context.RegisterService<Script>(script);
+  Bundle bundle = context.InstallBundles(SCRIPTED_BUNDLE).at(0);
+  bundle.Start();
+  auto object = getInAnotherThread(bundle.GetBundleContext());
+  workshop->entered.get_future().wait();
+  bundle.Stop();
+  workshop->leave.set_value();
+  EXPECT_EQ(object.get(), nullptr);
+  EXPECT_EQ(workshop->returned, 1);
+}
+
+TEST_F(HostFramework, RegistryIsUsedFromSeveralThreadsAtOnce) {
+  const auto script = std::make_shared<Script>();
+  script->start = [](BundleContext own) {
+    (void)own.RegisterService<Counter>(std::make_shared<Counter>());
+    own.AddServiceListener([](const ServiceEvent&) {}, "(number>=1)");
+  };
+  auto scripts = context.RegisterService<Script>(script);
+  Bundle bundle = context.InstallBundles(SCRIPTED_BUNDLE).at(0);
+  constexpr int kRounds = 300;
+  const auto registerAndFind = [this](int number) {
+    for (int round = 0; round < kRounds; ++round) {
+      auto registration =
+          context.RegisterService<Greeter>(std::make_shared<Hello>(), {{"number", Any(number)}});
+      registration.SetProperties({{"number", Any(number)}, {"service.ranking", Any(round % 3)}});
+      const std::string own = "(number=" + std::to_string(number) + ")";
+      EXPECT_EQ(context.GetServiceReferences<Greeter>(own).size(), 1U);
+      for (const auto& reference : context.GetServiceReferences<Greeter>()) {
+        // Another thread may unregister it between the two calls.
+        try {
+          const auto object = context.GetService(reference);
+          EXPECT_EQ(object ? object->greet() : "hello", "hello");
+        } catch (const std::invalid_argument&) {
+        }
+      }
+      context.GetServiceReferences<Counter>();
+      registration.Unregister();
+    }
+  };
+  const auto startAndStop = [&bundle] {
+    for (int round = 0; round < kRounds; ++round) {
+      bundle.Start();
+      bundle.Stop();
+    }
+  };
+  std::vector<std::thread> threads;
+  threads.emplace_back(startAndStop);
+  for (int number = 1; number <= 3; ++number) threads.emplace_back(registerAndFind, number);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_TRUE(errors.empty());
+  EXPECT_FALSE(context.GetServiceReference<Greeter>());
+  EXPECT_FALSE(context.GetServiceReference<Counter>());
+}
+
+TEST_F(HostFramework, LibraryThatTwoThreadsInstallIsInstalledOnce) {
+  const auto install = [this] { return context.InstallBundles(SCRIPTED_BUNDLE); };
+  for (int round = 0; round < 50; ++round) {
+    auto first = std::async(std::launch::async, install);
+    auto second = std::async(std::launch::async, install);
+    const std::vector<Bundle> bundles = first.get();
+    EXPECT_EQ(bundles, second.get());
+    EXPECT_EQ(context.GetBundles().size(), 2U);
+    Bundle(bundles.at(0)).Uninstall();
+  }
+}
+
+}  // namespace
+}  // namespace embedded_framework
