@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "conformance/ParserHost.hpp"
+#include "quenlith/build/markup/code/PositionCheck.hpp"
 
 namespace quenlith::conformance {
 namespace {
 
+using build::markup::code::isUsableRange;
 using foundation::json::Value;
 
 ustring rangeText(std::size_t begin, std::size_t end) {
@@ -54,6 +58,38 @@ const std::vector<PositionCase> kPositions = {
 
 TEST(PositionRules, RangesAreCheckedAgainstEveryMarkerOfTheLine) {
   for (const PositionCase& test : kPositions) EXPECT_EQ(isValid(test), test.valid) << test.why;
+}
+
+struct RangeCase {
+  std::uint64_t begin;
+  std::uint64_t end;
+  bool usable;
+};
+
+TEST(PositionRules, ALineWithoutMarkersMayBeTakenWholeAndNotBeyondItsEnd) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
+  const std::vector<RangeCase> cases = {{0, 0, false},    {4, 2, false},     {0, 30, true},
+                                        {0, 31, false},   {29, 30, true},    {30, 30, false},
+                                        {30, 31, false},  {0, kMost, false}, {kMost, kMost, false},
+                                        {kMost, 0, false}};
+  for (const RangeCase& test : cases) {
+    EXPECT_EQ(isUsableRange(test.begin, test.end, 30, {}), test.usable)
+        << test.begin << ' ' << test.end;
+  }
+}
+
+TEST(PositionRules, TheBoundsOfAMarkersTextAreClosedAtItsEndForABeginOnly) {
+  build::markup::core::MarkerInfo marker;
+  marker.position = 10;
+  marker.length = 5;
+  const std::vector<RangeCase> cases = {{3, 10, true},   {3, 11, false},  {15, 20, false},
+                                        {16, 20, true},  {8, 16, false},  {10, 11, false},
+                                        {14, 20, false}, {3, 15, false},  {9, 10, true},
+                                        {9, 11, false},  {10, 15, false}, {0, 30, false}};
+  for (const RangeCase& test : cases) {
+    EXPECT_EQ(isUsableRange(test.begin, test.end, 30, {marker}), test.usable)
+        << test.begin << ' ' << test.end;
+  }
 }
 
 TEST(PositionRules, ARangeMayEndAtTheLinesEndAndNotBeyondIt) {
