@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "conformance/TaskHost.hpp"
 
 namespace quenlith::conformance {
@@ -135,6 +137,33 @@ TEST(TaskRules, AClosingMarkerAtTheStartOfALaterLineDoesNotReturnEarly) {
   TaskHost host;
   EXPECT_EQ(host.parseLines({u"# <@task#a>", u"# <@task#a> rest"}), (Kinds{3, 0}));
   EXPECT_EQ(host.nodes().at(2).children.at(0).text, u" rest");
+}
+
+TEST(TaskRules, ThreeEqualMarkersCloseOnTheirLineAsTwoDo) {
+  TaskHost host;
+  const ustring line = u"x # <@task#a> # <@task#a> # <@task#a>";
+  EXPECT_EQ(host.parse(line, 0, blockOf({u"a"})).type.kind, 0);
+  EXPECT_EQ(host.summary(), (Summary{"header a 1", "line"}));
+}
+
+TEST(TaskRules, OneUnequalMarkerAmongEqualOnesKeepsTheTaskOpen) {
+  TaskHost host;
+  const ustring line = u"x # <@task#a> # <@task#a> # <@task#b>";
+  EXPECT_EQ(host.parse(line, 0, blockOf({u"a"})).type.kind, 3);
+}
+
+TEST(TaskRules, AnAnchorWithoutAnIdIsFoundForTheHeaderToo) {
+  TaskHost host;
+  host.parse(u"x # <@task#a> # <@text:anchor>", 0, blockOf({u"a"}));
+  const auto messages = host.takeMessages();
+  EXPECT_EQ(std::count(messages.begin(), messages.end(), "Found an anchor marker for the task"), 1);
+}
+
+TEST(TaskRules, ATextMarkerThatIsNoAnchorIsNoneForTheHeader) {
+  TaskHost host;
+  const auto result = host.parse(u"x # <@task#a> # <@text:note#n>", 0, blockOf({u"a"}));
+  EXPECT_EQ(host.summary(), (Summary{"header a 0", "line"}));
+  EXPECT_EQ(result.markerTypes, std::set<ustring>{Marker(u"task").toString()});
 }
 
 TEST(TaskRules, EqualMeansWholeMarkersNotIds) {

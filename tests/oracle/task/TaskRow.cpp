@@ -32,6 +32,7 @@ constexpr std::array<RowName, static_cast<std::size_t>(TaskRow::kCount)> kRows =
     {"idle, kind > 1: other id, unequal task markers", kOften},
     {"idle, kind > 1: other id, equal ones behind text", kOften},
     {"idle, kind > 1: other id, equal ones at the start", kOften},
+    {"idle: three equal task markers or more", kOften},
     {"open: no task marker", kOften},
     {"open: no task marker, the count wraps to 0", kLongSequences},
     {"open: unpaired", kOften},

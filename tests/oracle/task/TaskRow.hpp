@@ -25,6 +25,7 @@ enum class TaskRow : std::size_t {
   kIdleOtherIdUnequal,
   kIdleOtherIdEqualBehindText,
   kIdleOtherIdEqualAtStart,
+  kIdleThreeEqual,
   kOpenPlain,
   kOpenPlainWraps,
   kOpenUnpaired,

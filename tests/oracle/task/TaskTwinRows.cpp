@@ -10,6 +10,7 @@ namespace {
 
 struct LineShape {
   bool twoOrMore = false;
+  bool threeOrMore = false;
   bool equal = false;
   bool atStart = false;
 };
@@ -21,6 +22,7 @@ LineShape shapeOf(const std::vector<MarkerInfo>& markers) {
   }
   LineShape shape;
   shape.twoOrMore = tasks.size() > 1;
+  shape.threeOrMore = tasks.size() > 2;
   shape.equal = std::all_of(tasks.begin(), tasks.end(),
                             [&](const Marker& marker) { return marker == tasks.front(); });
   shape.atStart = !markers.empty() && markers.front().position == 0;
@@ -43,8 +45,9 @@ TaskRow groupOf(bool paired, bool overlapping) {
 
 void TaskTwin::noteIdleRow(const Call& call) {
   if (!call.taskMarker) return;
-  rows.push_back(
-      cellOf(groupOf(call.snippet.type.kind <= 1, call.overlapping), shapeOf(call.markers)));
+  const LineShape shape = shapeOf(call.markers);
+  rows.push_back(cellOf(groupOf(call.snippet.type.kind <= 1, call.overlapping), shape));
+  if (shape.threeOrMore && shape.equal) rows.push_back(TaskRow::kIdleThreeEqual);
 }
 
 void TaskTwin::noteOpenRow(const Call& call) {

@@ -51,7 +51,8 @@ ustring taskMarkers(Random& random) {
   const std::size_t shape = random.below(100);
   if (shape < 52) return first;
   const ustring gap = random.oneIn(2) ? u" " : u" y ";
-  if (shape < 82) return first + gap + first;
+  if (shape < 78) return first + gap + first;
+  if (shape < 82) return first + gap + first + gap + first;
   if (shape < 90) return first + gap + taskMarker(random, id);
   return first + gap + taskMarker(random, random.pick(kIds));
 }
