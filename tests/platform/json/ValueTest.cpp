@@ -244,7 +244,8 @@ TEST(DeepValue, ChainsOfEveryShapeEnd) {
   for (const std::size_t extra : {0U, 1U, 3U}) {
     for (const bool first : {false, true}) {
       Value value(1);
-      for (int level = 0; level < 100'000; ++level) {
+      // Deep enough that even the smallest frame a level would not fit the stack.
+      for (int level = 0; level < 300'000; ++level) {
         Array array(extra, Value(level));
         array.insert(first ? array.begin() : array.end(), std::move(value));
         value = Value(std::move(array));
