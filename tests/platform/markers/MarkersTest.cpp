@@ -315,6 +315,11 @@ TEST(GetMarker, PicksTheFirstWithTheElementAndType) {
   EXPECT_FALSE(get_marker(markers, u"output", u"").has_value());
 }
 
+TEST(GetMarker, AnEmptyTypeSetsNoCondition) {
+  const auto markers = get_markers_from_snippet(u"# <@text:anchor#a> # <@text#b>", false);
+  EXPECT_EQ(get_marker(markers, u"text", u"")->marker.getId(), u"a");
+}
+
 TEST(HasFeature, AsksForTheElement) {
   const ustring text = u"# <@text#a> # <@output {\"a\":\"# <@control>\"}> # <@widget> # <@task";
   const auto markers = get_markers_from_snippet(text, false);
