@@ -30,7 +30,7 @@ class Lifecycle : public HostFramework {
   // Makes a bundle of a library that exports nothing for frameworks.
   static std::string bare() {
     const std::string library = readBytes(BARE_LIBRARY);
-    const std::string path = std::string(WORK_FOLDER) + "/bare.so";
+    std::string path = std::string(WORK_FOLDER) + "/bare.so";
     std::filesystem::create_directories(WORK_FOLDER);
     if (readBytes(path).empty()) {
       writeBytes(path, library + makeArchive(

@@ -30,7 +30,7 @@ class Manifests : public HostFramework {
   AnyMap headersOf(const std::string& members) {
     write({{"made/manifest.json", R"({"bundle.symbolic_name":"made")" + members + "}"}});
     Bundle bundle = context.InstallBundles(path).at(0);
-    const AnyMap headers = bundle.GetHeaders();
+    AnyMap headers = bundle.GetHeaders();
     bundle.Uninstall();
     return headers;
   }
