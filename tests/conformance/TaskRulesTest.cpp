@@ -3,10 +3,18 @@
 #include <algorithm>
 
 #include "conformance/TaskHost.hpp"
+#include "document/kdzero/LineNode.hpp"
+#include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
+#include "document/kdzero/LiveAppLineNode.hpp"
+#include "document/kdzero/PlainTextNode.hpp"
 
 namespace quenlith::conformance {
 namespace {
 
+using document::kdzero::LineNode;
+using document::kdzero::LiveAppIntegratedInlineNode;
+using document::kdzero::LiveAppLineNode;
+using document::kdzero::PlainTextNode;
 using Bytes = std::vector<std::uint8_t>;
 using Kinds = std::vector<int>;
 using Summary = std::vector<std::string>;
@@ -137,6 +145,31 @@ TEST(TaskRules, AClosingMarkerAtTheStartOfALaterLineDoesNotReturnEarly) {
   TaskHost host;
   EXPECT_EQ(host.parseLines({u"# <@task#a>", u"# <@task#a> rest"}), (Kinds{3, 0}));
   EXPECT_EQ(host.nodes().at(2).children.at(0).text, u" rest");
+}
+
+template <class Top>
+std::uint16_t countOfTaskBelow(const Top& top, TaskHost& host) {
+  const auto& model = host.document->getModel();
+  top->getChildrenMutable().add(
+      LiveAppIntegratedInlineNode::Builder(model).createLiveAppIntegratedInlineNode({}));
+  host.document->addChild(top);
+  host.parse(u"x # <@task#b> # <@task#b>", 3);
+  return host.taskAt(0).numCodeLines;
+}
+
+TEST(TaskRules, ClosingWritesTheCountBelowATopLevelNodeOfAnyKind) {
+  TaskHost line;
+  EXPECT_EQ(countOfTaskBelow(LineNode::Builder(line.document->getModel()).createLineNode({}), line),
+            1);
+  TaskHost text;
+  EXPECT_EQ(countOfTaskBelow(
+                PlainTextNode::Builder(text.document->getModel()).createPlainTextNode({}), text),
+            1);
+  TaskHost header;
+  EXPECT_EQ(
+      countOfTaskBelow(
+          LiveAppLineNode::Builder(header.document->getModel()).createLiveAppLineNode({}), header),
+      1);
 }
 
 TEST(TaskRules, ThreeEqualMarkersCloseOnTheirLineAsTwoDo) {

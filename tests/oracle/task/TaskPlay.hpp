@@ -22,7 +22,8 @@ class TaskPlayer {
   virtual void reset() = 0;
   virtual void newDocument() = 0;
   virtual void addNode(HostNode node) = 0;
-  /// Counts the headers with a task as first child from 0; does nothing when there is none.
+  /// Counts the top-level nodes with a task as first child from 0; does nothing when there is
+  /// none.
   virtual void setView(std::size_t header, const ustring& view) = 0;
   /// Returns the documents made so far, in order.
   virtual std::vector<DocumentRecord> documents() const = 0;

@@ -39,6 +39,7 @@ enum class TaskRow : std::size_t {
   kCloseWithCountZeroAfterWrap,
   kCloseOfHeader,
   kCloseOfHeaderClosedBefore,
+  kCloseOfNoHeaderWithTask,
   kCloseWithoutNode,
   kCloseOfNodeWithoutChild,
   kCloseOfOtherNode,

@@ -14,7 +14,15 @@ using build::markup::Snippet;
 using build::markup::SnippetType;
 
 /// The top-level nodes that a host adds of its own.
-enum class HostNode { kLine, kHeader, kHeaderWithoutChild, kHeaderWithTaskSecond, kCount };
+enum class HostNode {
+  kLine,
+  kLineWithTask,
+  kTextWithTask,
+  kHeader,
+  kHeaderWithoutChild,
+  kHeaderWithTaskSecond,
+  kCount
+};
 
 /// One thing that the host does.
 struct TaskStep {
@@ -26,7 +34,7 @@ struct TaskStep {
   /// The type of the last result is handed back in place of the snippet's.
   bool handBack = false;
   HostNode node = HostNode::kLine;
-  /// Of kChangeHeader: which of the headers with a task, and what its view becomes.
+  /// Of kChangeHeader: which of the top-level nodes with a task, and what its view becomes.
   std::size_t header = 0;
   ustring view;
   std::vector<Marker> appendix;

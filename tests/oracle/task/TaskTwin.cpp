@@ -190,11 +190,11 @@ void TaskTwin::closeTask(DocumentRecord& document) {
   world.log("End of task found, cleaning up " + std::to_string(taskLineCount));
   noteClose(document);
   if (taskNodeIndex < document.size()) {
-    NodeRecord& header = document[taskNodeIndex];
-    const bool isHeader = header.kind == NodeKind::kTaskLine && !header.children.empty() &&
-                          header.children.front().kind == NodeKind::kTaskInline;
-    if (isHeader) {
-      TaskRecord& task = header.children.front().task;
+    NodeRecord& top = document[taskNodeIndex];
+    const bool hasTask =
+        !top.children.empty() && top.children.front().kind == NodeKind::kTaskInline;
+    if (hasTask) {
+      TaskRecord& task = top.children.front().task;
       world.log(fl::i18n::ustring_to_utf8(task.taskId));
       task.numCodeLines = taskLineCount;
     }

@@ -83,6 +83,7 @@ void TaskTwin::noteClose(const DocumentRecord& document) {
   } else if (node.children.front().kind != NodeKind::kTaskInline) {
     rows.push_back(TaskRow::kCloseOfOtherNode);
   } else {
+    if (node.kind != NodeKind::kTaskLine) rows.push_back(TaskRow::kCloseOfNoHeaderWithTask);
     const std::uint16_t before = node.children.front().task.numCodeLines;
     rows.push_back(before == 0 ? TaskRow::kCloseOfHeader : TaskRow::kCloseOfHeaderClosedBefore);
     if (countingWraps) rows.push_back(TaskRow::kCloseWithCountZeroAfterWrap);

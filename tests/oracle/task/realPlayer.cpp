@@ -23,21 +23,25 @@ using build::markup::code::TaskSnippetParserImpl;
 Node hostNode(const kd::zero::Model& model, HostNode node) {
   const auto nil = boost::uuids::nil_uuid();
   Node line = LiveAppLineNode::Builder(model).createLiveAppLineNode(nil);
-  if (node == HostNode::kLine) line = LineNode::Builder(model).createLineNode(nil);
+  if (node == HostNode::kLine || node == HostNode::kLineWithTask) {
+    line = LineNode::Builder(model).createLineNode(nil);
+  }
+  if (node == HostNode::kTextWithTask) {
+    line = PlainTextNode::Builder(model).createPlainTextNode(nil);
+  }
   if (node == HostNode::kLine || node == HostNode::kHeaderWithTaskSecond) {
     const PlainTextNode text = PlainTextNode::Builder(model).createPlainTextNode(nil);
     text->setText(u"host");
     line->getChildrenMutable().add(text);
   }
-  if (node == HostNode::kHeader || node == HostNode::kHeaderWithTaskSecond) {
+  if (node != HostNode::kLine && node != HostNode::kHeaderWithoutChild) {
     line->getChildrenMutable().add(
         LiveAppIntegratedInlineNode::Builder(model).createLiveAppIntegratedInlineNode(nil));
   }
   return line;
 }
 
-LiveAppIntegratedInlineNode taskOfHeader(const Node& node) {
-  if (&node->getMetaClass() != &LiveAppLineNode::Impl::classOf()) return {};
+LiveAppIntegratedInlineNode firstTaskOf(const Node& node) {
   const auto& children = node->getChildren();
   if (children.empty()) return {};
   const bool isTask = &children[0]->getMetaClass() == &LiveAppIntegratedInlineNode::Impl::classOf();
@@ -77,7 +81,7 @@ class RealPlayer final : public TaskPlayer {
 
   void setView(std::size_t header, const ustring& view) override {
     for (const Node& node : all.back()->getChildren()) {
-      const auto task = taskOfHeader(node);
+      const auto task = firstTaskOf(node);
       if (!task || header-- != 0) continue;
       auto data = task->getLiveTaskData();
       task->setLiveTaskData(data.setView(view));

@@ -6,20 +6,20 @@ namespace quenlith::oracle {
 namespace {
 
 NodeRecord hostNode(HostNode node) {
-  NodeRecord record =
-      NodeRecord::of(node == HostNode::kLine ? NodeKind::kLine : NodeKind::kTaskLine);
+  NodeRecord record = NodeRecord::of(NodeKind::kTaskLine);
+  if (node == HostNode::kLine || node == HostNode::kLineWithTask) record.kind = NodeKind::kLine;
+  if (node == HostNode::kTextWithTask) record.kind = NodeKind::kPlainText;
   if (node == HostNode::kLine || node == HostNode::kHeaderWithTaskSecond) {
     record.children.push_back(NodeRecord::plainText(u"host"));
   }
-  if (node == HostNode::kHeader || node == HostNode::kHeaderWithTaskSecond) {
+  if (node != HostNode::kLine && node != HostNode::kHeaderWithoutChild) {
     record.children.push_back(NodeRecord::of(NodeKind::kTaskInline));
   }
   return record;
 }
 
-bool isHeader(const NodeRecord& node) {
-  return node.kind == NodeKind::kTaskLine && !node.children.empty() &&
-         node.children.front().kind == NodeKind::kTaskInline;
+bool hasTaskFirst(const NodeRecord& node) {
+  return !node.children.empty() && node.children.front().kind == NodeKind::kTaskInline;
 }
 
 class TwinPlayer final : public TaskPlayer {
@@ -46,7 +46,7 @@ class TwinPlayer final : public TaskPlayer {
 
   void setView(std::size_t header, const ustring& view) override {
     for (NodeRecord& node : all.back()) {
-      if (!isHeader(node)) continue;
+      if (!hasTaskFirst(node)) continue;
       if (header-- == 0) node.children.front().task.view = view;
     }
   }

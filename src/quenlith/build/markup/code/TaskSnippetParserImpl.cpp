@@ -58,13 +58,13 @@ bool isOneTaskMarkerRepeated(const std::vector<MarkerInfo>& markers) {
          std::ranges::none_of(markers, isAnother);
 }
 
-/// Returns the task node that is the first child of the task header at `index` of the top-level
-/// nodes, the empty handle when no header or no such child stands there.
+/// Returns the task node that is the first child of the top-level node at `index`, of whatever
+/// kind that is; the empty handle when there is no such node or no such child.
 LiveAppIntegratedInlineNode findTaskNode(const TesseraDocument& document, std::uint64_t index) {
   if (index >= document.getNumberOfChildren()) return {};
-  const LiveAppLineNode header = LiveAppLineNode::castFrom(document.getChildAt(index));
-  if (!header || header->getChildren().empty()) return {};
-  return LiveAppIntegratedInlineNode::castFrom(header->getChildren()[0]);
+  const Node top = document.getChildAt(index);
+  if (top->getChildren().empty()) return {};
+  return LiveAppIntegratedInlineNode::castFrom(top->getChildren()[0]);
 }
 
 }  // namespace

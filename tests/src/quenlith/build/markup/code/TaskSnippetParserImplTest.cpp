@@ -45,6 +45,16 @@ ustring kindText(const char16_t* element) {
   return Marker(ustring(element)).toString();
 }
 
+/// Makes a task node of its own for the text that an output marker refers to.
+class TaskNodeMaker final : public quenlith::build::markup::code::CodeElementParser {
+ public:
+  bool canParse(const Marker& marker) override { return marker.getElement() == u"output"; }
+  Node parse(const kd::zero::Model& model,
+             const quenlith::build::markup::code::CodeElement& /*element*/) override {
+    return LiveAppIntegratedInlineNode::Builder(model).createLiveAppIntegratedInlineNode({});
+  }
+};
+
 /// Tests with a parser that is fed lines by hand.
 class TaskSnippetParser : public testing::Test {
  protected:
@@ -72,9 +82,12 @@ class TaskSnippetParser : public testing::Test {
 
   Node node(std::uint64_t index) const { return document->getChildAt(index); }
   bool isHeader(std::uint64_t index) const { return bool(LiveAppLineNode::castFrom(node(index))); }
-  /// The task node of the header at `index`.
+  /// The task node that is the first child of the node at `index`.
   LiveAppIntegratedInlineNode taskNode(std::uint64_t index) const {
-    return LiveAppIntegratedInlineNode::castFrom(node(index)->getChildren().at(0));
+    return taskNodeOf(node(index));
+  }
+  static LiveAppIntegratedInlineNode taskNodeOf(const Node& top) {
+    return LiveAppIntegratedInlineNode::castFrom(top->getChildren().at(0));
   }
   int codeLines(std::uint64_t index) const {
     return taskNode(index)->getLiveTaskData().getNumCodeLines();
@@ -587,7 +600,32 @@ TEST_F(TaskSnippetParser, ClosesWithoutAHeaderWhenTheHostTookAnotherDocument) {
   EXPECT_EQ(document->getNumberOfChildren(), 2u);
 }
 
-TEST_F(TaskSnippetParser, TouchesNoNodeThatIsNoHeader) {
+TEST_F(TaskSnippetParser, WritesTheCountWhereverATaskNodeIsTheFirstChild) {
+  const kd::zero::Model model = document->getModel();
+  const LineNode line = LineNode::Builder(model).createLineNode({});
+  line->getChildrenMutable().add(
+      LiveAppIntegratedInlineNode::Builder(model).createLiveAppIntegratedInlineNode({}));
+  taskNodeOf(line)->setLiveTaskData(LiveTaskData().setTaskId(u"of the host").setView(u"v"));
+  document->addChild(line);
+  LogRecords records;
+  // The number left over is 0, where a line of the host stands.
+  EXPECT_EQ(parse(u"x # <@task#b> # <@task#b>", 3, u"").type.kind, 0);
+  EXPECT_EQ(taskNode(0)->getLiveTaskData(),
+            LiveTaskData().setTaskId(u"of the host").setView(u"v").setNumCodeLines(1));
+  EXPECT_THAT(records.get(), testing::Contains("of the host"));
+}
+
+TEST_F(TaskSnippetParser, WritesTheCountIntoATaskNodeThatAnExtensionMade) {
+  provider->elementParsers = {std::make_shared<TaskNodeMaker>(), defaultParser};
+  parse(u"abc # <@output [0,3]>", 3, u"");
+  ASSERT_TRUE(LineNode::castFrom(node(0)));
+  EXPECT_EQ(codeLines(0), 0);
+  // No header was added, so the number left over is that of the line.
+  EXPECT_EQ(parse(kOpening, 0, kBlock).type.kind, 0);
+  EXPECT_EQ(codeLines(0), 2);
+}
+
+TEST_F(TaskSnippetParser, TouchesNoNodeWithoutATaskNodeAsFirstChild) {
   const kd::zero::Model model = document->getModel();
   // The node with the number left over has no child, or a child of another kind.
   const LineNode childless = LineNode::Builder(model).createLineNode({});
