@@ -47,6 +47,8 @@ if(NOT TESSERA_FRAMEWORK STREQUAL "embedded")
   if(frameworkFound)
     set(QUENLITH_FRAMEWORK system)
     quenlith_use_installed_framework()
+    # An installed tree that is moved leaves the framework where it is.
+    set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)
     message(STATUS "Framework: installed CppMicroServices ${CppMicroServices_VERSION} (${CppMicroServices_DIR})")
   elseif(TESSERA_FRAMEWORK STREQUAL "system")
     message(FATAL_ERROR "TESSERA_FRAMEWORK is 'system', but of CppMicroServices ${frameworkReason}. "
