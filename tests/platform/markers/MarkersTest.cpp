@@ -341,6 +341,14 @@ TEST(MayHoldMarker, LooksForTheOpening) {
   EXPECT_FALSE(mayHoldMarker(u"@< @ < @"));
 }
 
+TEST(BareMarkerText, IsTheCanonicalTextOfTheBareName) {
+  for (const ustring element : {u"control", u"output", u"task", u"text", u"", u"tasks", u"@"}) {
+    EXPECT_EQ(bareMarkerText(element), Marker(element).toString());
+    EXPECT_EQ(&bareMarkerText(element), &bareMarkerText(ustring(element)));
+  }
+  EXPECT_EQ(bareMarkerText(u"task"), u"%<@task>");
+}
+
 TEST(AppendixLine, HoldsALeaderAndItsMarkOnly) {
   for (const ustring line : {u"# <@appendix>", u"#<@appendix>", u"///\t <@appendix> \t",
                              u"%%%<@appendix>", u"--<@appendix>", u";; <@appendix>"}) {

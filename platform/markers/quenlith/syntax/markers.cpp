@@ -13,6 +13,9 @@ namespace {
 
 using fl::i18n::ustring;
 
+constexpr std::array<std::u16string_view, 4> kKnownElements{u"control", u"output", u"task",
+                                                            u"text"};
+
 core::MarkerInfo makeInfo(const MarkerFinder::Candidate& found) {
   return {MarkerParts::makeMarker(found.match), found.position, found.match.end - found.position,
           found.match.range};
@@ -57,8 +60,15 @@ bool mayHoldMarker(std::u16string_view text) noexcept {
 }
 
 bool isKnownElement(std::u16string_view element) noexcept {
-  constexpr std::array<std::u16string_view, 4> kKnown{u"control", u"output", u"task", u"text"};
-  return std::ranges::find(kKnown, element) != kKnown.end();
+  return std::ranges::find(kKnownElements, element) != kKnownElements.end();
+}
+
+const ustring& bareMarkerText(std::u16string_view element) {
+  const auto textOf = [](std::size_t i) { return Marker(ustring(kKnownElements[i])).toString(); };
+  static const std::array<ustring, kKnownElements.size() + 1> kTexts{
+      textOf(0), textOf(1), textOf(2), textOf(3), Marker().toString()};
+  const auto place = std::ranges::find(kKnownElements, element);
+  return kTexts[static_cast<std::size_t>(place - kKnownElements.begin())];
 }
 
 bool isAppendixLine(std::u16string_view line) noexcept {
