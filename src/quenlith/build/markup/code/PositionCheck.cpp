@@ -21,15 +21,13 @@ std::uint64_t endOf(const MarkerInfo& marker) noexcept {
 
 // A marker is touched when the range begins within its closed bounds, ends behind its first
 // position and not behind its end, or encloses it. Markers stand apart in ascending order, so
-// when any of them is touched, the last one that begins before the range ends is: either it
-// begins within the range, or the range begins at or before its end.
+// when any of them is touched, the last one that begins before the range ends is, and it is touched
+// when the range begins at or before its end.
 bool touchesMarker(std::uint64_t begin, std::uint64_t end,
                    const std::vector<MarkerInfo>& markers) noexcept {
   const auto beyond = std::partition_point(markers.begin(), markers.end(),
                                            [end](const MarkerInfo& m) { return m.position < end; });
-  if (beyond == markers.begin()) return false;
-  const MarkerInfo& last = *(beyond - 1);
-  return last.position > begin || begin <= endOf(last);
+  return beyond != markers.begin() && begin <= endOf(*(beyond - 1));
 }
 
 }  // namespace
