@@ -145,7 +145,13 @@ const Property& failureList() {
   return property;
 }
 
+std::size_t aliveBoxes = 0;
+
 }  // namespace
+
+std::size_t Box::Impl::alive() noexcept {
+  return aliveBoxes;
+}
 
 const kd::zero::meta::Class& Box::Impl::classOf() {
   static const auto description =
@@ -166,6 +172,16 @@ Box::Impl::Impl(bool isProxy)
       uniqueTokens(*this, oracle::uniqueTokens()),
       failures(*this, failureList()) {
   if (isProxy) setProxy();
+  ++aliveBoxes;
+}
+
+Box::Impl::~Impl() {
+  --aliveBoxes;
+}
+
+void Box::Impl::letGo() noexcept {
+  kd::zero::ModelElement::Releases releases;
+  releaseAll(releases);
 }
 
 void Box::Impl::releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {

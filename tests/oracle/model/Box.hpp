@@ -26,8 +26,14 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
   using Boxes = kd::zero::ElementSequence<Box>;
 
   static const kd::zero::meta::Class& classOf();
+  /// Number of boxes that have not ended.
+  static std::size_t alive() noexcept;
 
   explicit Impl(bool isProxy);
+
+  /// Lets go of all boxes in all collections. Boxes that hold each other in a circle, which the
+  /// collections that contain nothing allow, never end without it.
+  void letGo() noexcept;
 
   /// Neither unique nor composite, no opposite.
   Boxes plain;
@@ -53,7 +59,7 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
  private:
   friend struct kd::zero::ElementMaker;
 
-  ~Impl() = default;
+  ~Impl();
   void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept;
 };
 

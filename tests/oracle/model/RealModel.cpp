@@ -73,6 +73,7 @@ RealModel::RealModel() : own(kd::zero::Model::create()), foreign(kd::zero::Model
 RealModel::~RealModel() {
   own.removeListener(*this);
   foreign.removeListener(*this);
+  for (const Box& box : boxes) box->letGo();
 }
 
 void RealModel::addBox(bool isProxy, bool isForeign) {
