@@ -17,7 +17,7 @@ class Workshop : public ServiceFactory {
  public:
   InterfaceMapConstPtr GetService(const Bundle& bundle, const ServiceRegistrationBase&) override {
     ++made;
-    user = bundle;
+    user = bundle.GetBundleId();
     return make();
   }
   void UngetService(const Bundle&, const ServiceRegistrationBase&,
@@ -33,7 +33,8 @@ class Workshop : public ServiceFactory {
   std::function<void()> takeBack = [] {};
   int made = 0;
   int returned = 0;
-  Bundle user;
+  // Not the bundle itself: its framework would live as long as the factory that it holds.
+  long user = -1;
 };
 
 class ServiceFactories : public HostFramework {
@@ -59,6 +60,11 @@ class ServiceFactories : public HostFramework {
   ServiceReference<Greeter> reference;
   std::vector<ServiceException::Type> errors;
 };
+
+TEST_F(ServiceFactories, AreToldWhichBundleAsks) {
+  EXPECT_NE(context.GetService(reference), nullptr);
+  EXPECT_EQ(workshop->user, context.GetBundle().GetBundleId());
+}
 
 TEST_F(ServiceFactories, GetTheirObjectBackOnce) {
   auto held = context.GetService(reference);
