@@ -227,9 +227,12 @@ class Replay(ProgramTest):
         cases = {
             b'{"op":"nodes"': ":2:14: error: ",
             b'{"op":"jump"}': ':2:7: error: unknown operation "jump"' + remedy,
-            b'{"op":"reset","parser":"none"}': ':2:1: error: there is no parser "none"' + remedy,
-            b'{"op":"setView","node":0,"view":""}': ":2:1: error: the node 0 is no header of a task" + remedy,
-            b'{"op":"addLine","text":"\xc3\xa4\xff"}': ":2:26: error: a byte is not valid UTF-8" + remedy,
+            b'{"op":"reset","parser":"none"}': ':2:24: error: there is no parser "none"; name '
+                '"TaskSnippetParserImpl" or "CodeSnippetParserImpl" or start the bundle that has it with --bundle\n',
+            b'{"op":"setView","node":0,"view":""}': ":2:24: error: the node 0 is no header of a task; "
+                'count the top-level nodes from 0, as "nodes" shows them\n',
+            b'{"op":"addLine","text":"\xc3\xa4\xff"}': ":2:26: error: a byte is not valid UTF-8; "
+                "convert the file to UTF-8\n",
         }
         for line, message in cases.items():
             with self.subTest(line=line):

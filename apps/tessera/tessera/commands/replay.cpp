@@ -18,8 +18,6 @@
 namespace tessera::commands {
 namespace {
 
-constexpr const char* kRemedy = "write one command a line, as tessera parse --record does";
-
 bool isBlank(std::string_view line) {
   return line.find_first_not_of(" \t\r") == line.npos;
 }
@@ -28,7 +26,9 @@ bool isBlank(std::string_view line) {
 replay::Command readCommand(std::string_view line) {
   if (const auto invalid = fl::i18n::findInvalidUtf8(line)) {
     const auto before = fl::i18n::utf8_to_ustring(line.substr(0, *invalid));
-    throw replay::CommandError{input::countCharacters(before) + 1, "a byte is not valid UTF-8"};
+    throw replay::CommandError{.column = input::countCharacters(before) + 1,
+                               .what = "a byte is not valid UTF-8",
+                               .remedy = "convert the file to UTF-8"};
   }
   const fl::i18n::ustring text = fl::i18n::utf8_to_ustring(line);
   return replay::CommandReader(text).read();
@@ -51,7 +51,7 @@ void replayLines(const std::string& name, replay::Replay& replay, output::Output
       throw ProblemError({.file = name,
                           .place = Place{number, error.column},
                           .what = error.what,
-                          .remedy = kRemedy});
+                          .remedy = error.remedy});
     }
   }
 }

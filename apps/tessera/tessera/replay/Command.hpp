@@ -38,6 +38,8 @@ struct Command {
   fl::i18n::ustring text;
   std::uint64_t node = 0;
   fl::i18n::ustring view;
+  /// Where `parser` or `node` stands in the line, 1-based, in characters.
+  std::uint64_t subjectColumn = 1;
 };
 
 /// Why a line is no command.
@@ -45,6 +47,8 @@ struct CommandError {
   /// 1-based, in characters.
   std::uint64_t column = 1;
   std::string what;
+  /// What to do about it.
+  std::string remedy = "write one command a line, as tessera parse --record does";
 };
 
 }  // namespace tessera::replay

@@ -46,7 +46,7 @@ Command CommandReader::read() {
   const auto row = std::ranges::find(operations(), command.operation, &OperationRow::operation);
   std::erase_if(keys, isOp);
   requireKeys(keys, row->keys);
-  if (next() != Token::kEnd) fail(json.begin(), "text behind the command");
+  next();
   return command;
 }
 
@@ -62,12 +62,14 @@ void CommandReader::readMember(const Key& key, Command& command) {
     readEntries(command.entries);
   } else if (key.name == u"parser") {
     command.parser = readText();
+    command.subjectColumn = columnOf(json.begin());
   } else if (key.name == u"snippet") {
     readSnippet(command.snippet);
   } else if (key.name == u"text") {
     command.text = readText();
   } else if (key.name == u"node") {
     command.node = readWhole(std::numeric_limits<std::int64_t>::max());
+    command.subjectColumn = columnOf(json.begin());
   } else if (key.name == u"view") {
     command.view = readText();
   } else {
@@ -113,7 +115,9 @@ void CommandReader::readEntries(std::vector<quenlith::syntax::Marker>& entries) 
   Token token = next();
   for (; token == Token::kString; token = next()) {
     entries.emplace_back(fl::i18n::ustring(json.text()));
-    if (entries.back().elementView().empty()) {
+    // A marker can be built from the bare name of an element too, but that is no marker's text.
+    const std::u16string_view element = entries.back().elementView();
+    if (element.empty() || element == json.text()) {
       fail(json.begin(), "the entry " + quoted(json.text()) + " is no marker");
     }
   }
@@ -177,8 +181,12 @@ void CommandReader::expect(Token token, const char* wanted) {
   if (next() != token) fail(json.begin(), std::string(wanted) + " must stand here");
 }
 
+std::uint64_t CommandReader::columnOf(std::size_t position) const {
+  return input::countCharacters(text.substr(0, position)) + 1;
+}
+
 void CommandReader::fail(std::size_t position, std::string what) const {
-  throw CommandError{input::countCharacters(text.substr(0, position)) + 1, std::move(what)};
+  throw CommandError{.column = columnOf(position), .what = std::move(what)};
 }
 
 }  // namespace tessera::replay

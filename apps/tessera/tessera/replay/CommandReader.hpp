@@ -43,6 +43,7 @@ class CommandReader {
   std::uint64_t readWhole(std::uint64_t most);
   Token next();
   void expect(Token token, const char* wanted);
+  std::uint64_t columnOf(std::size_t position) const;
   [[noreturn]] void fail(std::size_t position, std::string what) const;
 
   std::u16string_view text;

@@ -60,7 +60,7 @@ void Replay::runOperation(const Command& command) {
 }
 
 void Replay::canParse(const Command& command) {
-  SnippetParser& parser = findParser(command.parser);
+  SnippetParser& parser = findParser(command);
   const auto& taken = takeSnippet(command.snippet);
   answerCall([&] {
     const bool answer = parser.canParse(taken);
@@ -71,7 +71,7 @@ void Replay::canParse(const Command& command) {
 }
 
 void Replay::parse(const Command& command) {
-  SnippetParser& parser = findParser(command.parser);
+  SnippetParser& parser = findParser(command);
   const auto& taken = takeSnippet(command.snippet);
   answerCall([&] {
     const ParseResult result = parser.parse(document, taken);
@@ -84,7 +84,7 @@ void Replay::parse(const Command& command) {
 }
 
 void Replay::reset(const Command& command) {
-  SnippetParser& parser = findParser(command.parser);
+  SnippetParser& parser = findParser(command);
   answerCall([&] {
     parser.reset();
     json.beginObject();
@@ -130,18 +130,25 @@ void Replay::setView(const Command& command) {
     task = LiveAppIntegratedInlineNode::castFrom(top[command.node]->getChildren()[0]);
   }
   if (!task) {
-    throw CommandError{1, "the node " + std::to_string(command.node) + " is no header of a task"};
+    throw CommandError{
+        .column = command.subjectColumn,
+        .what = "the node " + std::to_string(command.node) + " is no header of a task",
+        .remedy = "count the top-level nodes from 0, as \"nodes\" shows them"};
   }
   auto data = task->getLiveTaskData();
   task->setLiveTaskData(data.setView(command.view));
 }
 
-SnippetParser& Replay::findParser(std::u16string_view name) const {
-  const std::string wanted = fl::i18n::ustring_to_utf8(name);
+SnippetParser& Replay::findParser(const Command& command) const {
+  const std::string wanted = fl::i18n::ustring_to_utf8(command.parser);
+  std::string known;
   for (const session::NamedParser& entry : parsers) {
     if (entry.name == wanted) return *entry.parser;
+    known += output::quotedText(fl::i18n::utf8_to_ustring(entry.name)) + " or ";
   }
-  throw CommandError{1, "there is no parser " + output::quotedText(name)};
+  throw CommandError{.column = command.subjectColumn,
+                     .what = "there is no parser " + output::quotedText(command.parser),
+                     .remedy = "name " + known + "start the bundle that has it with --bundle"};
 }
 
 const quenlith::build::markup::Snippet& Replay::takeSnippet(const CommandSnippet& given) {

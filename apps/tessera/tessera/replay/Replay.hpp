@@ -37,7 +37,7 @@ class Replay {
   void setView(const Command& command);
   template <typename Call>
   void answerCall(const Call& call);
-  quenlith::build::markup::SnippetParser& findParser(std::u16string_view name) const;
+  quenlith::build::markup::SnippetParser& findParser(const Command& command) const;
   const quenlith::build::markup::Snippet& takeSnippet(const CommandSnippet& given);
 
   std::vector<session::NamedParser> parsers;

@@ -87,6 +87,7 @@ TEST(CommandReader, SaysWhereAndWhyALineIsNoCommand) {
       {uR"({"op":"appendix","entries":"x"})", "28 an array must stand here"},
       {uR"({"op":"appendix","entries":[1]})", "29 an entry must be a string"},
       {uR"({"op":"appendix","entries":["x"]})", "29 the entry \"x\" is no marker"},
+      {uR"({"op":"appendix","entries":["task"]})", "29 the entry \"task\" is no marker"},
       {uR"({"op":"setView","node":"1","view":""})", "24 a number must stand here"},
       {uR"({"op":"setView","node":-1,"view":""})",
        "24 a whole number from 0 to 9223372036854775807 must stand here"},

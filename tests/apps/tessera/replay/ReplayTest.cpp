@@ -34,7 +34,7 @@ class Replay : public testing::Test {
     try {
       return run(command);
     } catch (const CommandError& error) {
-      return std::to_string(error.column) + " " + error.what;
+      return std::to_string(error.column) + " " + error.what + "; " + error.remedy;
     }
   }
 
@@ -144,12 +144,15 @@ TEST_F(Replay, ReplacesTheAppendix) {
 }
 
 TEST_F(Replay, AParserOrNodeThatDoesNotExistEndsTheRun) {
-  EXPECT_EQ(errorOf(uR"({"op":"reset","parser":"Q"})"), "1 there is no parser \"Q\"");
+  const std::string kCount = "count the top-level nodes from 0, as \"nodes\" shows them";
+  EXPECT_EQ(
+      errorOf(uR"({"op":"reset","parser":"Q"})"),
+      "24 there is no parser \"Q\"; name \"P\" or start the bundle that has it with --bundle");
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":0,"view":""})"),
-            "1 the node 0 is no header of a task");
+            "24 the node 0 is no header of a task; " + kCount);
   run(uR"({"op":"addLine","text":""})");
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":0,"view":""})"),
-            "1 the node 0 is no header of a task");
+            "24 the node 0 is no header of a task; " + kCount);
   parser->parses = [](auto& document, const Snippet&) {
     document.addChild(nodes::makeTaskLine(document.getModel()));
     auto odd = nodes::makeTaskLine(document.getModel());
@@ -159,9 +162,9 @@ TEST_F(Replay, AParserOrNodeThatDoesNotExistEndsTheRun) {
   };
   run(kParse);
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":1,"view":""})"),
-            "1 the node 1 is no header of a task");
+            "24 the node 1 is no header of a task; " + kCount);
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":2,"view":""})"),
-            "1 the node 2 is no header of a task");
+            "24 the node 2 is no header of a task; " + kCount);
 }
 
 }  // namespace
