@@ -1,16 +1,33 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "MarkupBundleFixture.hpp"
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
+#include "quenlith/build/markup/contributordata/LineContributorDataParser.hpp"
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
 
 using cppmicroservices::Any;
 using quenlith::build::markup::code::CodeElementParser;
+using quenlith::build::markup::contributordata::LineContributorDataParser;
 using quenlith::build::markup::services::ParserServicesProvider;
 using testing::SizeIs;
+
+namespace {
+
+class SilentContributor : public LineContributorDataParser {
+ public:
+  bool isApplicable(const quenlith::syntax::Marker&) override { return false; }
+  std::pair<fl::i18n::ustring, contributors::kdzero::LineData> parse(
+      const kd::zero::Model&, const quenlith::syntax::Marker&) override {
+    return {};
+  }
+};
+
+}  // namespace
 
 TEST_F(MarkupBundle, HasNoTaskParserWithoutAnAppendix) {
   EXPECT_EQ(parserCount(), 1U);
@@ -55,6 +72,17 @@ TEST_F(MarkupBundle, TaskParserEndsWithTheAppendix) {
   registration.Unregister();
   registration = nullptr;
   EXPECT_EQ(appendix.use_count(), 1);
+}
+
+TEST_F(MarkupBundle, WhatTheProviderFoundIsHeldUntilTheBundleStops) {
+  const auto contributor = std::make_shared<SilentContributor>();
+  auto registration = context.RegisterService<LineContributorDataParser>(contributor);
+  parseLine(*parser(kDefault), u"x");
+  registration.Unregister();
+  registration = nullptr;
+  EXPECT_EQ(contributor.use_count(), 2);
+  bundle.Stop();
+  EXPECT_EQ(contributor.use_count(), 1);
 }
 
 TEST_F(MarkupBundle, HeldParserOutlivesTheBundle) {
