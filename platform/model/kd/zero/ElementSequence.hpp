@@ -10,6 +10,9 @@ namespace kd::zero {
 
 /// Sequence of elements of kind `T` (a handle class) that one element owns through one of its
 /// properties.
+///
+/// Each place counts as a reference to its element. Elements that hold one another in a circle,
+/// which only sequences that do not contain their elements let them, never end.
 template <class T>
 class ElementSequence final : public ReferenceCollection {
  public:
