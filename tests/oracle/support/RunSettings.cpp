@@ -27,7 +27,8 @@ RunSettings RunSettings::fromEnvironment(std::size_t defaultCases) {
   RunSettings settings;
   const auto seed = numberFrom("ORACLE_SEED");
   settings.seed = seed ? *seed : randomSeed();
-  settings.cases = static_cast<std::size_t>(numberFrom("ORACLE_CASES").value_or(defaultCases));
+  settings.cases =
+      static_cast<std::size_t>(numberFrom("ORACLE_CASES").value_or(defaultCases / ORACLE_SHARE));
   if (const auto only = numberFrom("ORACLE_CASE")) settings.only = static_cast<std::size_t>(*only);
   std::cout << "ORACLE_SEED=" << settings.seed << " ORACLE_CASES=" << settings.cases << '\n';
   return settings;

@@ -15,8 +15,8 @@ struct RunSettings {
   /// The only case to run, when set.
   std::optional<std::size_t> only;
 
-  /// Reads ORACLE_SEED (at first a random seed), ORACLE_CASES (at first `defaultCases`) and
-  /// ORACLE_CASE from the environment, and prints what was chosen.
+  /// Reads ORACLE_SEED (at first a random seed), ORACLE_CASES (at first `defaultCases`, a share of
+  /// them in a sanitized program) and ORACLE_CASE from the environment, and prints what was chosen.
   static RunSettings fromEnvironment(std::size_t defaultCases);
 
   /// True for a whole run of at least `defaultCases`: only such a run is held to its counts.
