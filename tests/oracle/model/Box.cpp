@@ -191,7 +191,7 @@ void Box::Impl::releaseAll(kd::zero::ModelElement::Releases& releases) noexcept 
 }
 
 Box makeBox(const kd::zero::Model& model, bool isProxy) {
-  return kd::zero::ElementMaker::make<Box>(model, isProxy);
+  return kd::zero::ElementMaker::make<Box>(model.storage(), isProxy);
 }
 
 }  // namespace quenlith::oracle

@@ -134,7 +134,7 @@ void Box::Impl::releaseAll(ModelElement::Releases& releases) noexcept {
 }
 
 Box makeBox(const kd::zero::Model& model, Loaded loaded) {
-  return ElementMaker::make<Box>(model, loaded);
+  return ElementMaker::make<Box>(model.storage(), loaded);
 }
 
 int liveBoxes() {

@@ -283,4 +283,35 @@ TEST_F(NodeOfADocument, TellsItsClass) {
   EXPECT_EQ(makeLineData()->getMetaClass().getQualifiedName(), u"contributors::kdzero::LineData");
 }
 
+TEST_F(NodeOfADocument, LineMadeWithATextHasItAsItsOneChild) {
+  const std::uint64_t before = model.getNumberOfOperations();
+  const LineNode line = LineNode::Builder(model).createLineNode(kNil, u"x = 1");
+  EXPECT_EQ(model.getNumberOfOperations(), before + 1);
+  ASSERT_EQ(line->getChildren().size(), 1u);
+  const PlainTextNode text = PlainTextNode::castFrom(line->getChildren()[0]);
+  ASSERT_TRUE(text);
+  EXPECT_EQ(text->getText(), u"x = 1");
+  EXPECT_EQ(text->getUuid(), kNil);
+  EXPECT_EQ(text->getParent(), line);
+  EXPECT_FALSE(line->getContainer());
+
+  line->getChildrenMutable().add(text);
+  EXPECT_EQ(line->getChildren().size(), 1u);
+  const PlainTextNode second = makeText();
+  line->getChildrenMutable().add(second);
+  EXPECT_EQ(line->getChildren()[1], second);
+}
+
+TEST_F(NodeOfADocument, LineMadeWithATextKeepsItsIdentifier) {
+  EXPECT_EQ(LineNode::Builder(model).createLineNode(kSome, u"")->getUuid(), kSome);
+}
+
+TEST_F(NodeOfADocument, LineMovesOutOfItselfNeither) {
+  const LineNode line = makeLine();
+  EXPECT_THROW(line->getChildrenMutable().add(line), IMsgIDException);
+  const LineNode withText = LineNode::Builder(model).createLineNode(kNil, u"x");
+  EXPECT_THROW(withText->getChildrenMutable().add(withText), IMsgIDException);
+  EXPECT_EQ(withText->getChildren().size(), 1u);
+}
+
 }  // namespace

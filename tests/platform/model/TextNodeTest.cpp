@@ -81,4 +81,58 @@ TEST_F(TextNode, RefusesATextThatIsTooLongAndKeepsTheOld) {
   EXPECT_EQ(node->getText(), u"old");
 }
 
+TEST_F(TextNode, IsMadeWithTextsOfEveryLength) {
+  for (std::size_t length = 0; length < 600; ++length) {
+    std::u16string text(length, u'a');
+    for (std::size_t at = 0; at < length; ++at) text[at] = static_cast<char16_t>(u'A' + at);
+    const PlainTextNode made =
+        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, text);
+    const PlainTextNode next =
+        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"next");
+    ASSERT_EQ(made->getText(), text);
+    ASSERT_EQ(next->getText(), u"next");
+    made->setText(text + u"longer by more than a granule");
+    ASSERT_EQ(made->getText(), text + u"longer by more than a granule");
+    made->setText(u"b");
+    ASSERT_EQ(made->getText(), u"b");
+    ASSERT_EQ(next->getText(), u"next");
+  }
+}
+
+TEST_F(TextNode, MadeWithItsTextTakesAnotherOneIntoItsRoom) {
+  const PlainTextNode made =
+      PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"twelve units");
+  const void* place = made->getText().data();
+  made->setText(u"eleven unit");
+  EXPECT_EQ(made->getText().data(), place);
+  EXPECT_EQ(made->getText(), u"eleven unit");
+}
+
+TEST_F(TextNode, MadeWithItsTextGivesBackItsWholeBlock) {
+  const void* place = nullptr;
+  {
+    const PlainTextNode made =
+        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"twelve units");
+    place = made.get();
+  }
+  const PlainTextNode shorter =
+      PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"a");
+  EXPECT_NE(static_cast<const void*>(shorter.get()), place);
+  const PlainTextNode same =
+      PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"twelve again");
+  EXPECT_EQ(static_cast<const void*>(same.get()), place);
+}
+
+TEST_F(TextNode, GivesBackALongTextThatItTookLater) {
+  const void* place = nullptr;
+  {
+    const PlainTextNode made =
+        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"short");
+    made->setText(u"a text that needs a block of its own");
+    place = made->getText().data();
+  }
+  node->setText(u"a text that takes the room of that one");
+  EXPECT_EQ(node->getText().data(), place);
+}
+
 }  // namespace

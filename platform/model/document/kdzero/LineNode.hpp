@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/kdzero/Node.hpp"
+#include "document/kdzero/PlainTextNode.hpp"
 #include "kd/zero/ElementBuilder.hpp"
 
 namespace document::kdzero {
@@ -24,7 +24,7 @@ class QUENLITH_MODEL_EXPORT LineNode::Impl final : public Node::Impl {
 
   static const kd::zero::meta::Class kMetaClass;
 
-  explicit Impl(const boost::uuids::uuid& uuid) : Node::Impl(classOf(), uuid) {}
+  explicit Impl(const boost::uuids::uuid& uuid) : Node::Impl(keys::kLineNode, uuid, Parts::kNone) {}
   ~Impl() = default;
 };
 
@@ -35,6 +35,13 @@ class LineNode::Impl::BuilderBase : public kd::zero::ElementBuilder {
 
   /// Returns a new, detached node. Any number of nodes may have the same `uuid`.
   LineNode createLineNode(const boost::uuids::uuid& uuid) const { return make<LineNode>(uuid); }
+  /// Like it, with one child: a plain-text node with `text` and the nil identifier.
+  LineNode createLineNode(const boost::uuids::uuid& uuid, std::u16string_view text) const {
+    LineNode line = make<LineNode>(uuid);
+    auto child = PlainTextNode::Impl::make(storage, boost::uuids::uuid{}, text);
+    kd::zero::ElementMaker::appendFirst(line->getChildrenMutable(), std::move(child));
+    return line;
+  }
 };
 
 class LineNode::Builder : public Impl::BuilderBase<Builder> {

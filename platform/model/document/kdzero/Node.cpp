@@ -35,15 +35,13 @@ void Node::Impl::setUuid(const boost::uuids::uuid& uuid) {
   extrasMutable().uuid = uuid;
 }
 
-Node::Impl::~Impl() {
-  if (extras == nullptr) return;
+void Node::Impl::endExtras() noexcept {
   extras->~Extras();
   ModelStorage::of(this).deallocate(extras, sizeof(Extras));
 }
 
-void Node::Impl::releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
-  children.releaseAll(releases);
-  if (extras != nullptr) extras->contributorData.releaseAll(releases);
+void Node::Impl::releaseExtras(kd::zero::ModelElement::Releases& releases) noexcept {
+  extras->contributorData.releaseAll(releases);
 }
 
 Node Node::Impl::getParent() const noexcept {
@@ -87,6 +85,7 @@ Node::Impl::Extras& Node::Impl::extrasMutable() {
   ModelStorage& storage = ModelStorage::of(this);
   static_assert(sizeof(Extras) <= ModelStorage::kLargestBlock);
   extras = new (storage.allocate(sizeof(Extras))) Extras(*this);
+  setHasParts();
   return *extras;
 }
 

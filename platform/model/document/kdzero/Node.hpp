@@ -1,11 +1,14 @@
 #pragma once
 
+#include <array>
+#include <bit>
 #include <boost/uuid/uuid.hpp>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
 #include "contributors/kdzero/NodeContributorData.hpp"
-#include "document/kdzero/Properties.hpp"
+#include "document/kdzero/keys.hpp"
 #include "failures/kdzero/ParserFailure.hpp"
 #include "kd/zero/ElementSequence.hpp"
 #include "kd/zero/ModelElement.hpp"
@@ -51,22 +54,35 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
   boost::uuids::uuid getUuid() const noexcept;
 
  protected:
-  Impl(const kd::zero::meta::Class& nodeClass, const boost::uuids::uuid& uuid)
-      : kd::zero::ModelElement::Impl(nodeClass), children(*this, properties::kChildren) {
-    if (!uuid.is_nil()) setUuid(uuid);
+  Impl(kd::zero::meta::ClassKey nodeClass, const boost::uuids::uuid& uuid,
+       Parts parts = Parts::kSome)
+      : kd::zero::ModelElement::Impl(nodeClass, parts), children(*this, keys::kChildren) {
+    if (!isNil(uuid)) setUuid(uuid);
   }
-  ~Impl();
+  ~Impl() {
+    if (extras != nullptr) endExtras();
+  }
 
   /// Lets go of all that the node holds; for the node's own end.
-  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept;
+  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
+    children.releaseAll(releases);
+    if (extras != nullptr) releaseExtras(releases);
+  }
 
  private:
   static const kd::zero::meta::Class kMetaClass;
 
   struct Extras;
 
+  // By words, which costs nothing for the nil identifier that is known when this is compiled.
+  static bool isNil(const boost::uuids::uuid& uuid) noexcept {
+    const auto words = std::bit_cast<std::array<std::uint64_t, 2>>(uuid.data);
+    return (words[0] | words[1]) == 0;
+  }
   Extras& extrasMutable();
   void setUuid(const boost::uuids::uuid& uuid);
+  void releaseExtras(kd::zero::ModelElement::Releases& releases) noexcept;
+  void endExtras() noexcept;
 
   kd::zero::ElementSequence<Node> children;
   Extras* extras = nullptr;

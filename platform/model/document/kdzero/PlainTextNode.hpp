@@ -19,12 +19,22 @@ class QUENLITH_MODEL_EXPORT PlainTextNode::Impl final : public TextNode::Impl {
 
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
+  /// Makes a node with room for its text in the same block; for builders.
+  static PlainTextNode make(kd::zero::ModelStorage& storage, const boost::uuids::uuid& uuid,
+                            std::u16string_view text) {
+    auto node = kd::zero::ElementMaker::makeWithRoom<PlainTextNode>(
+        storage, text.size() * sizeof(char16_t), uuid);
+    node->setFirstText(text);
+    return node;
+  }
+
  private:
   friend struct kd::zero::ElementMaker;
 
   static const kd::zero::meta::Class kMetaClass;
 
-  explicit Impl(const boost::uuids::uuid& uuid) : TextNode::Impl(classOf(), uuid) {}
+  explicit Impl(const boost::uuids::uuid& uuid)
+      : TextNode::Impl(keys::kPlainTextNode, uuid, Parts::kNone) {}
   ~Impl() = default;
 };
 
@@ -36,6 +46,11 @@ class PlainTextNode::Impl::BuilderBase : public kd::zero::ElementBuilder {
   /// Returns a new, detached node. Any number of nodes may have the same `uuid`.
   PlainTextNode createPlainTextNode(const boost::uuids::uuid& uuid) const {
     return make<PlainTextNode>(uuid);
+  }
+  /// Like it, with a copy of `text`; cheaper than setting the text afterwards.
+  PlainTextNode createPlainTextNode(const boost::uuids::uuid& uuid,
+                                    std::u16string_view text) const {
+    return PlainTextNode::Impl::make(storage, uuid, text);
   }
 };
 

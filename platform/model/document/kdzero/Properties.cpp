@@ -2,6 +2,7 @@
 
 #include "document/kdzero/DocumentRoot.hpp"
 #include "document/kdzero/Node.hpp"
+#include "document/kdzero/keys.hpp"
 #include "kd/zero/Containment.hpp"
 
 namespace document::kdzero::properties {
@@ -41,7 +42,7 @@ const Property kParent({.name = u"parent",
                         .read = &kd::zero::Containment::read,
                         .assign = &kd::zero::Containment::assign});
 const Property kTopLevelNodes(containing(u"topLevelNodes", &kParent, &topLevelNodesOf));
-const Property kChildren(containing(u"children", &kParent, &childrenOf));
+const Property kChildren(keys::kChildren, containing(u"children", &kParent, &childrenOf));
 const Property kContributorData(containing(u"contributorData", nullptr, &contributorDataOf));
 const Property kParserFailures({.name = u"parserFailures", .many = true, .unique = true});
 

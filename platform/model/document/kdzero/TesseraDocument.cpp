@@ -5,6 +5,7 @@
 namespace document::kdzero {
 
 TesseraDocument::TesseraDocument()
-    : model(kd::zero::Model::create()), root(kd::zero::ElementMaker::make<DocumentRoot>(model)) {}
+    : model(kd::zero::Model::create()),
+      root(kd::zero::ElementMaker::make<DocumentRoot>(model.storage())) {}
 
 }  // namespace document::kdzero

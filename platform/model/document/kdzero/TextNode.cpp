@@ -23,6 +23,7 @@ void TextNode::Impl::setText(std::u16string_view newText) {
     std::u16string_view::traits_type::copy(static_cast<char16_t*>(room), newText.data(),
                                            newText.size());
     freeText();
+    setHasParts();
     text = static_cast<char16_t*>(room);
     capacity = static_cast<std::uint32_t>(newText.size());
   } else {
@@ -32,7 +33,10 @@ void TextNode::Impl::setText(std::u16string_view newText) {
 }
 
 void TextNode::Impl::freeText() noexcept {
-  if (text != nullptr) ModelStorage::of(this).deallocate(text, capacity * sizeof(char16_t));
+  // A text in a block of its own may stand where own room would begin.
+  const bool inOwnRoom = text == ownRoom() && ownRoomBytes() != 0;
+  if (text == nullptr || inOwnRoom) return;
+  ModelStorage::of(this).deallocate(text, capacity * sizeof(char16_t));
 }
 
 }  // namespace document::kdzero

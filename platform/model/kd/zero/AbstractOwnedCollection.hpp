@@ -37,21 +37,37 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
   enum class Holds : bool { kElements, kValues };
 
   /// A collection that is a member of `collectionOwner`.
-  AbstractOwnedCollection(const ModelElement::Impl& collectionOwner, const meta::Property& property,
+  AbstractOwnedCollection(const ModelElement::Impl& collectionOwner, meta::PropertyKey property,
                           Holds content) noexcept
       : AbstractOwnedCollection(&collectionOwner, property, content, false) {}
   /// A collection that is a member of a part of the owner which is made only when it is used;
   /// `collectionOwner` is a member of the same part.
-  AbstractOwnedCollection(ModelElement::Impl* const& collectionOwner,
-                          const meta::Property& property, Holds content) noexcept
+  AbstractOwnedCollection(ModelElement::Impl* const& collectionOwner, meta::PropertyKey property,
+                          Holds content) noexcept
       : AbstractOwnedCollection(&collectionOwner, property, content, true) {}
   ~AbstractOwnedCollection() = default;
 
   ModelElement::Impl& owner() const noexcept {
-    const std::byte* place = reinterpret_cast<const std::byte*>(this) -
-                             static_cast<std::ptrdiff_t>(ownerDistance) * kGranule;
-    if (ownerIsReferred) return **reinterpret_cast<ModelElement::Impl* const*>(place);
+    const std::byte* place = ownerPlace();
+    if ((shape & kOwnerIsReferred) != 0) {
+      return **reinterpret_cast<ModelElement::Impl* const*>(place);
+    }
     return *const_cast<ModelElement::Impl*>(reinterpret_cast<const ModelElement::Impl*>(place));
+  }
+  /// The owner of a collection that stands in it directly, or else null.
+  ModelElement::Impl* ownerAround() const noexcept {
+    if ((shape & kOwnerIsReferred) != 0) return nullptr;
+    return const_cast<ModelElement::Impl*>(
+        reinterpret_cast<const ModelElement::Impl*>(ownerPlace()));
+  }
+
+  bool holdsValues() const noexcept { return (shape & kHoldsValues) != 0; }
+  /// It is unique and its opposite is the link to the container, as is usual.
+  bool linksContainer() const noexcept { return (shape & kLinksContainer) != 0; }
+  /// Its elements stand in a block, not in itself.
+  bool inBlock() const noexcept { return (shape & kInBlock) != 0; }
+  void setInBlock(bool now) noexcept {
+    shape = static_cast<std::uint16_t>(now ? shape | kInBlock : shape & ~kInBlock);
   }
 
   /// Tells the listeners of the model of a change that is about to be made. With no listener
@@ -62,29 +78,31 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
   std::uint16_t propertyIndex;
 
  private:
+  // The shape: the distance from the owner, in granules, and four facts. One word, so that the
+  // usual append asks for all of it at once.
   static constexpr std::uint16_t kGranule = 4;
+  static constexpr std::uint16_t kDistance = 0x0FFF;
+  static constexpr std::uint16_t kOwnerIsReferred = 0x1000;
+  static constexpr std::uint16_t kHoldsValues = 0x2000;
+  static constexpr std::uint16_t kLinksContainer = 0x4000;
+  static constexpr std::uint16_t kInBlock = 0x8000;
 
-  AbstractOwnedCollection(const void* place, const meta::Property& property, Holds content,
+  AbstractOwnedCollection(const void* place, meta::PropertyKey property, Holds content,
                           bool placeRefers) noexcept
-      : propertyIndex(property.getIndex()),
-        ownerDistance(static_cast<std::uint16_t>(
-                          static_cast<std::size_t>(reinterpret_cast<const std::byte*>(this) -
-                                                   static_cast<const std::byte*>(place)) /
-                          kGranule) &
-                      0xFFF),
-        ownerIsReferred(placeRefers),
-        holdsValues(content == Holds::kValues),
-        linksContainer(property.isUnique() && property.getOpposite() != nullptr &&
-                       property.getOpposite()->isContainer()) {}
+      : propertyIndex(property.index),
+        shape(static_cast<std::uint16_t>(
+            static_cast<std::size_t>(reinterpret_cast<const std::byte*>(this) -
+                                     static_cast<const std::byte*>(place)) /
+                kGranule |
+            (placeRefers ? kOwnerIsReferred : 0U) |
+            (content == Holds::kValues ? kHoldsValues : 0U) |
+            (property.linksContainer ? kLinksContainer : 0U))) {}
 
-  std::uint16_t ownerDistance : 12;
-  bool ownerIsReferred : 1;
-  bool holdsValues : 1;
+  const std::byte* ownerPlace() const noexcept {
+    return reinterpret_cast<const std::byte*>(this) - std::ptrdiff_t{shape & kDistance} * kGranule;
+  }
 
- protected:
-  /// It is unique and its opposite is the link to the container, as is usual.
-  bool linksContainer : 1;
-  bool inBlock : 1 = false;
+  std::uint16_t shape;
 };
 
 /// A scoped change of a collection: what was appended since it was opened is dropped again

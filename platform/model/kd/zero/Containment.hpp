@@ -21,7 +21,7 @@ struct QUENLITH_MODEL_EXPORT Containment {
   /// that belonged to another collection leaves it, so that it stands in one place of a tree.
   static void assign(ModelElement::Impl& element, ModelElement::Impl& owner,
                      const meta::Property& collection) {
-    owner.containsOthers = true;
+    owner.hasParts = true;
     if (element.container != nullptr) leaveFormer(element, owner, collection);
     element.container = &owner;
     element.containerProperty = collection.getIndex();
@@ -35,8 +35,9 @@ struct QUENLITH_MODEL_EXPORT Containment {
     }
   }
 
-  static bool containsOthers(const ModelElement::Impl& element) noexcept {
-    return element.containsOthers;
+  /// False only for an element that never contained another.
+  static bool mayContainOthers(const ModelElement::Impl& element) noexcept {
+    return element.hasParts;
   }
   /// Tells whether `element` is `root` or contained in it, however deep.
   static bool isWithin(const ModelElement::Impl& element, const ModelElement::Impl& root) noexcept;

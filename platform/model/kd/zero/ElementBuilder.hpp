@@ -10,17 +10,21 @@ namespace kd::zero {
 /// What the builders of all kinds share: the model that new elements belong to.
 class ElementBuilder {
  public:
-  /// Shares `builderModel` for the life of the builder.
-  explicit ElementBuilder(const Model& builderModel) noexcept : model(builderModel) {}
+  /// Shares `builderModel`, which must not be empty, for the life of the builder.
+  explicit ElementBuilder(const Model& builderModel) noexcept : storage(builderModel.storage()) {
+    storage.addHandle();
+  }
+  ElementBuilder(const ElementBuilder&) = delete;
+  ElementBuilder& operator=(const ElementBuilder&) = delete;
+  ~ElementBuilder() { storage.dropHandle(); }
 
  protected:
   template <class K>
   K make(const boost::uuids::uuid& uuid) const {
-    return ElementMaker::make<K>(model, uuid);
+    return ElementMaker::make<K>(storage, uuid);
   }
 
- private:
-  Model model;
+  ModelStorage& storage;
 };
 
 }  // namespace kd::zero

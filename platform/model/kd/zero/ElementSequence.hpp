@@ -16,11 +16,9 @@ namespace kd::zero {
 template <class T>
 class ElementSequence final : public ReferenceCollection {
  public:
-  ElementSequence(const ModelElement::Impl& collectionOwner,
-                  const meta::Property& property) noexcept
+  ElementSequence(const ModelElement::Impl& collectionOwner, meta::PropertyKey property) noexcept
       : ReferenceCollection(collectionOwner, property) {}
-  ElementSequence(ModelElement::Impl* const& collectionOwner,
-                  const meta::Property& property) noexcept
+  ElementSequence(ModelElement::Impl* const& collectionOwner, meta::PropertyKey property) noexcept
       : ReferenceCollection(collectionOwner, property) {}
 
   /// Appends `element`, with a reference of the sequence's own.

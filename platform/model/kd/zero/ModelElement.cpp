@@ -1,6 +1,7 @@
 #include "kd/zero/ModelElement.hpp"
 
 #include "kd/zero/Model.hpp"
+#include "kd/zero/Releases.hpp"
 #include "kd/zero/meta/Class.hpp"
 
 namespace kd::zero {
@@ -18,19 +19,17 @@ bool ModelElement::Impl::isKindOf(const meta::Class& metaClass) const noexcept {
 }
 
 void ModelElement::Impl::destroy(Impl* element) noexcept {
+  if (!element->hasParts) {
+    element->giveBackBlock();
+    return;
+  }
   Releases releases;
   element->end(releases);
 }
 
-inline void ModelElement::Impl::end(Releases& releases) noexcept {
-  const meta::Class& metaClass = getMetaClass();
-  ModelStorage& storage = ModelStorage::of(this);
-  metaClass.getDismantle()(*this, releases);
-  storage.deallocateElement(this, metaClass.getSizeBytes());
-}
-
-void ModelElement::Releases::endPending() noexcept {
+void ModelElement::Releases::end(Impl* child) noexcept {
   ofRoot = false;
+  child->end(*this);
   while (Impl* ended = pending) {
     pending = ended->container;
     ended->end(*this);

@@ -10,6 +10,7 @@ namespace kd::zero {
 
 namespace meta {
 class Class;
+struct ClassKey;
 class Property;
 }  // namespace meta
 
@@ -81,53 +82,38 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   ModelElement getContainer() const noexcept { return ModelElement::share(container); }
 
  protected:
+  /// Whether an element has anything outside its own block: other elements, rare parts, a long
+  /// text. One that has nothing ends by giving back its block.
+  enum class Parts : bool { kNone, kSome };
+
   /// A new element has one reference, which its maker adopts.
-  explicit Impl(const meta::Class& metaClass) noexcept;
+  explicit Impl(meta::ClassKey metaClass, Parts parts = Parts::kSome) noexcept;
   ~Impl() = default;
   void setProxy() noexcept { proxy = true; }
+  void setHasParts() noexcept { hasParts = true; }
+  /// Size of the room that the element was made with, behind its object in the same block.
+  std::size_t ownRoomBytes() const noexcept { return roomGranules * kRoomGranule; }
 
  private:
   friend class ModelElement;
   friend class ModelElement::Releases;
   friend class ReferenceCollection;
   friend struct Containment;
+  friend struct ElementMaker;
+
+  static constexpr std::size_t kRoomGranule = 8;
 
   static void destroy(Impl* element) noexcept;
   void end(Releases& releases) noexcept;
+  void giveBackBlock() noexcept;
 
   std::uint32_t references = 1;
   std::uint16_t containerProperty = 0;
   std::uint8_t classIndex;
   bool proxy : 1 = false;
-  bool containsOthers : 1 = false;
+  bool hasParts : 1;
+  std::uint8_t roomGranules : 6 = 0;
   Impl* container = nullptr;
-};
-
-/// Elements whose last reference is gone and whose end is still to come. Released trees go
-/// through this list, however deep they are, so that no release recurses.
-class ModelElement::Releases {
- public:
-  /// Drops one reference to `element` (never null), which ends soon if it was the last.
-  void drop(Impl* element) noexcept {
-    if (--element->references != 0) return;
-    push(element);
-    // While the root of a tree lets go of its children, each is ended at once, as it is in reach
-    // then; what these let go of waits in the list.
-    if (ofRoot) endPending();
-  }
-
- private:
-  friend class ModelElement::Impl;
-
-  void push(Impl* element) noexcept {
-    element->container = pending;
-    pending = element;
-  }
-  QUENLITH_MODEL_EXPORT void endPending() noexcept;
-
-  // The container of a released element says nothing any more: it links the list.
-  Impl* pending = nullptr;
-  bool ofRoot = true;
 };
 
 inline ModelElement ModelElement::share(Impl* element) noexcept {

@@ -39,24 +39,6 @@ void ModelStorage::destroy() noexcept {
   delete this;
 }
 
-void ModelStorage::deallocate(void* room, std::size_t sizeBytes) noexcept {
-  if (sizeBytes > kLargestBlock) {
-    ::operator delete(room);
-    return;
-  }
-  const std::size_t size = roundUp(sizeBytes, kGranule);
-  auto* block = static_cast<FreeBlock*>(room);
-  block->next = freeBlocks[size / kGranule];
-  freeBlocks[size / kGranule] = block;
-  poison(block, size);
-}
-
-void ModelStorage::deallocateElement(void* element, std::size_t sizeBytes) noexcept {
-  deallocate(element, sizeBytes);
-  --elements;
-  endIfUnused();
-}
-
 void ModelStorage::beginNextChunk() {
   if (slabs.empty() || end == slabs.back().begin + slabs.back().sizeBytes) addSlab();
   const Slab& slab = slabs.back();

@@ -33,11 +33,10 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
   ModelStorage(const ModelStorage&) = delete;
   ModelStorage& operator=(const ModelStorage&) = delete;
 
-  void addHandle() noexcept { ++handles; }
+  void addHandle() noexcept { ++users; }
   /// Ends the storage when neither handle nor element is left.
   void dropHandle() noexcept {
-    --handles;
-    endIfUnused();
+    if (--users == 0) destroy();
   }
 
   /// Returns room for `sizeBytes` bytes, aligned to eight. Throws std::bad_alloc.
@@ -45,14 +44,23 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
     return sizeBytes > kLargestBlock ? ::operator new(sizeBytes) : allocateBlock(sizeBytes);
   }
   /// Gives room back; `sizeBytes` as it was asked for.
-  void deallocate(void* room, std::size_t sizeBytes) noexcept;
+  void deallocate(void* room, std::size_t sizeBytes) noexcept {
+    if (sizeBytes > kLargestBlock) {
+      ::operator delete(room);
+    } else {
+      deallocateBlock(room, sizeBytes);
+    }
+  }
   /// Like `allocate`, but for an element: its size must be at most kLargestBlock.
   void* allocateElement(std::size_t sizeBytes) {
     void* element = allocateBlock(sizeBytes);
-    ++elements;
+    ++users;
     return element;
   }
-  void deallocateElement(void* element, std::size_t sizeBytes) noexcept;
+  void deallocateElement(void* element, std::size_t sizeBytes) noexcept {
+    deallocateBlock(element, sizeBytes);
+    if (--users == 0) destroy();
+  }
 
   /// Number of collection operations opened so far.
   std::uint64_t operations = 0;
@@ -83,18 +91,16 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
     return (sizeBytes + granule - 1) & ~(granule - 1);
   }
   void* allocateBlock(std::size_t sizeBytes);
+  void deallocateBlock(void* room, std::size_t sizeBytes) noexcept;
   void beginNextChunk();
   void addSlab();
-  void endIfUnused() noexcept {
-    if (handles == 0 && elements == 0) destroy();
-  }
   // Not inline: g++ 12 takes a `delete` that it sees in every handle's end for one that is reached.
   void destroy() noexcept;
 
   std::byte* free = nullptr;
   std::byte* end = nullptr;
-  std::uint64_t handles = 1;
-  std::uint64_t elements = 0;
+  // Handles and elements.
+  std::uint64_t users = 1;
   std::array<FreeBlock*, kLargestBlock / kGranule + 1> freeBlocks{};
   std::size_t chunksSoFar = 0;
   std::vector<Slab> slabs;
@@ -114,6 +120,14 @@ inline void* ModelStorage::allocateBlock(std::size_t sizeBytes) {
   free += size;
   unpoison(block, size);
   return block;
+}
+
+inline void ModelStorage::deallocateBlock(void* room, std::size_t sizeBytes) noexcept {
+  const std::size_t size = roundUp(sizeBytes, kGranule);
+  auto* block = static_cast<FreeBlock*>(room);
+  block->next = freeBlocks[size / kGranule];
+  freeBlocks[size / kGranule] = block;
+  poison(block, size);
 }
 
 }  // namespace kd::zero

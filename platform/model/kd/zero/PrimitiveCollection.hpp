@@ -8,10 +8,10 @@ namespace kd::zero {
 class QUENLITH_MODEL_EXPORT PrimitiveCollection : public AbstractOwnedCollection {
  protected:
   PrimitiveCollection(const ModelElement::Impl& collectionOwner,
-                      const meta::Property& property) noexcept
+                      meta::PropertyKey property) noexcept
       : AbstractOwnedCollection(collectionOwner, property, Holds::kValues) {}
   PrimitiveCollection(ModelElement::Impl* const& collectionOwner,
-                      const meta::Property& property) noexcept
+                      meta::PropertyKey property) noexcept
       : AbstractOwnedCollection(collectionOwner, property, Holds::kValues) {}
   virtual ~PrimitiveCollection();
 

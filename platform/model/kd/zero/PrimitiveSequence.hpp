@@ -17,9 +17,9 @@ namespace kd::zero {
 template <class T>
 class PrimitiveSequence final : public PrimitiveCollection {
  public:
-  PrimitiveSequence(const ModelElement::Impl& collectionOwner, const meta::Property& property)
+  PrimitiveSequence(const ModelElement::Impl& collectionOwner, meta::PropertyKey property)
       : PrimitiveCollection(collectionOwner, property) {}
-  PrimitiveSequence(ModelElement::Impl* const& collectionOwner, const meta::Property& property)
+  PrimitiveSequence(ModelElement::Impl* const& collectionOwner, meta::PropertyKey property)
       : PrimitiveCollection(collectionOwner, property) {}
   ~PrimitiveSequence() override = default;
 

@@ -9,6 +9,7 @@
 #include "foundation/core/except/Exception.hpp"
 #include "kd/zero/Containment.hpp"
 #include "kd/zero/ModelStorage.hpp"
+#include "kd/zero/Releases.hpp"
 #include "kd/zero/meta/Class.hpp"
 #include "kd0/messages/ElementOfAnotherModel.hpp"
 #include "kd0/messages/ElementWithinItself.hpp"
@@ -43,7 +44,7 @@ inline void ReferenceCollection::checkCompatibleModel(const ModelElement::Impl& 
 
 inline void ReferenceCollection::checkNoCycle(const ModelElement::Impl& element) const {
   // Only what contains others can be above the owner, and most elements do not yet.
-  if (!Containment::containsOthers(element) && &element != &owner()) return;
+  if (!Containment::mayContainOthers(element) && &element != &owner()) return;
   const bool contains = isComposite() || (getOpposite() != nullptr && getOpposite()->isContainer());
   if (!contains) return;
   if (!Containment::isWithin(owner(), element)) return;
@@ -71,15 +72,16 @@ bool ReferenceCollection::containsIdentity(const ModelElement::Impl& element) {
 }
 
 inline void ReferenceCollection::store(ModelElement& element) {
+  owner().hasParts = true;
   if (size() == std::numeric_limits<std::uint32_t>::max()) {
     throw std::length_error("a sequence holds at most 2^32 - 1 elements");
   }
-  if (!inBlock && empty()) {
+  if (!inBlock() && empty()) {
     one = element.detach();
     ++count;
     return;
   }
-  if (!inBlock || size() == blockHead().capacity) growBlock();
+  if (!inBlock() || size() == blockHead().capacity) growBlock();
   if (Identities* identities = blockHead().identities) identities->insert(element.get());
   many[count] = element.detach();
   ++count;
@@ -87,17 +89,17 @@ inline void ReferenceCollection::store(ModelElement& element) {
 
 void ReferenceCollection::growBlock() {
   constexpr std::size_t kFirstCapacity = 4;
-  const std::size_t capacity = inBlock ? size() + size() / 2 : kFirstCapacity;
+  const std::size_t capacity = inBlock() ? 2 * size() : kFirstCapacity;
   ModelStorage& storage = ModelStorage::of(&owner());
   auto* head = new (storage.allocate(blockBytes(capacity))) BlockHead{capacity, nullptr};
   auto** block = reinterpret_cast<ModelElement::Impl**>(head + 1);
   std::copy_n(places(), size(), block);
-  if (inBlock) {
+  if (inBlock()) {
     head->identities = std::exchange(blockHead().identities, nullptr);
     freeBlock();
   }
   many = block;
-  inBlock = true;
+  setInBlock(true);
 }
 
 void ReferenceCollection::freeBlock() noexcept {
@@ -131,17 +133,17 @@ void ReferenceCollection::truncate(std::size_t newCount) noexcept {
     const bool gone =
         isUnique() || std::find(places(), places() + size(), last.get()) == places() + size();
     if (gone) Containment::clear(*last.get(), owner(), propertyIndex);
-    if (inBlock && blockHead().identities != nullptr) blockHead().identities->erase(last.get());
+    if (inBlock() && blockHead().identities != nullptr) blockHead().identities->erase(last.get());
   }
 }
 
 void ReferenceCollection::forget(const ModelElement::Impl& element) noexcept {
-  auto** first = inBlock ? many : &one;
+  auto** first = inBlock() ? many : &one;
   auto** last = std::remove(first, first + size(), &element);
   for (auto dropped = first + size() - last; dropped > 0; --dropped, --count) {
     --const_cast<ModelElement::Impl&>(element).references;
   }
-  if (inBlock && blockHead().identities != nullptr) blockHead().identities->erase(&element);
+  if (inBlock() && blockHead().identities != nullptr) blockHead().identities->erase(&element);
 }
 
 void ReferenceCollection::releaseAll(ModelElement::Releases& releases) noexcept {
@@ -151,8 +153,8 @@ void ReferenceCollection::releaseAll(ModelElement::Releases& releases) noexcept 
     Containment::clear(**element, holder, propertyIndex);
     releases.drop(*element);
   }
-  if (inBlock) freeBlock();
-  inBlock = false;
+  if (inBlock()) freeBlock();
+  setInBlock(false);
   count = 0;
 }
 

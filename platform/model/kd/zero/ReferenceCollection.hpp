@@ -29,21 +29,22 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
 
  protected:
   ReferenceCollection(const ModelElement::Impl& collectionOwner,
-                      const meta::Property& property) noexcept
+                      meta::PropertyKey property) noexcept
       : AbstractOwnedCollection(collectionOwner, property, Holds::kElements) {}
   ReferenceCollection(ModelElement::Impl* const& collectionOwner,
-                      const meta::Property& property) noexcept
+                      meta::PropertyKey property) noexcept
       : AbstractOwnedCollection(collectionOwner, property, Holds::kElements) {}
   ~ReferenceCollection() = default;
 
   void append(ModelElement element) {
     if (!appendDetached(element)) appendByRules(std::move(element));
   }
-  ModelElement::Impl* const* places() const noexcept { return inBlock ? many : &one; }
+  ModelElement::Impl* const* places() const noexcept { return inBlock() ? many : &one; }
 
  private:
   friend class AbstractOwnedCollection::Operation;
   friend struct Containment;
+  friend struct ElementMaker;
 
   using Identities = std::unordered_set<const ModelElement::Impl*>;
   struct BlockHead {
@@ -58,6 +59,9 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
   /// rules ask is then known from the element itself.
   bool appendDetached(ModelElement& element) noexcept;
   void appendByRules(ModelElement element);
+  /// Does what `append` comes to when this is the empty collection of a new element that it stands
+  /// in, its opposite is the link to the container, and `element` is new too.
+  void appendFirst(ModelElement element) noexcept;
   void checkCompatibleModel(const ModelElement::Impl& element) const;
   void checkNoCycle(const ModelElement::Impl& element) const;
   bool contains(ModelElement::Impl& element);
@@ -84,22 +88,35 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
 
 inline bool ReferenceCollection::appendDetached(ModelElement& element) noexcept {
   ModelElement::Impl* added = element.get();
-  if (added == nullptr || !linksContainer || added->container != nullptr || added->proxy) {
-    return false;
-  }
-  ModelElement::Impl& holder = owner();
-  ModelStorage& storage = ModelStorage::of(&holder);
-  const bool canBeAbove =
-      added == &holder || (added->containsOthers && holder.container != nullptr);
-  const bool hasRoom = inBlock ? count < blockHead().capacity : count == 0;
-  if (canBeAbove || !hasRoom || &ModelStorage::of(added) != &storage) return false;
-  ++storage.operations;
-  (inBlock ? many[count] : one) = element.detach();
+  ModelElement::Impl* holder = ownerAround();
+  if (added == nullptr || holder == nullptr || !linksContainer()) return false;
+  if (added->container != nullptr || added->proxy) return false;
+
+  ModelStorage& storage = ModelStorage::of(holder);
+  if (&ModelStorage::of(added) != &storage) return false;
+  // From here on the holder counts as one that may contain others, so that this also tells when
+  // it is to be appended to itself.
+  holder->hasParts = true;
+  if (added->hasParts && (added == holder || holder->container != nullptr)) return false;
+
+  const bool several = inBlock();
+  if (several ? count == blockHead().capacity : count != 0) return false;
+  (several ? many[count] : one) = element.detach();
   ++count;
-  added->container = &holder;
+  ++storage.operations;
+  added->container = holder;
   added->containerProperty = propertyIndex;
-  holder.containsOthers = true;
   return true;
+}
+
+inline void ReferenceCollection::appendFirst(ModelElement element) noexcept {
+  ModelElement::Impl* holder = ownerAround();
+  one = element.detach();
+  count = 1;
+  ++ModelStorage::of(holder).operations;
+  holder->hasParts = true;
+  one->container = holder;
+  one->containerProperty = propertyIndex;
 }
 
 }  // namespace kd::zero

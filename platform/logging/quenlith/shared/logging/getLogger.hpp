@@ -5,7 +5,14 @@
 
 namespace quenlith::shared::logging {
 
+namespace detail {
+// Made when the library is loaded: no call pays for a guard, and no two threads race to make it.
+QUENLITH_LOGGING_EXPORT extern foundation::log::basic_diagnostic_logger<char>& sharedLogger;
+}  // namespace detail
+
 /// Returns the one logger of the process. It lives until the process ends.
-QUENLITH_LOGGING_EXPORT foundation::log::basic_diagnostic_logger<char>& getLogger() noexcept;
+inline foundation::log::basic_diagnostic_logger<char>& getLogger() noexcept {
+  return detail::sharedLogger;
+}
 
 }  // namespace quenlith::shared::logging

@@ -29,9 +29,15 @@ std::array<const Property*, Property::kCapacity> Property::registered{};
 Class::Class(std::u16string_view qualifiedName, const Type::Impl* base, std::size_t sizeBytes,
              Dismantle dismantle)
     : Type::Impl(qualifiedName, base), size(sizeBytes), dismantleElement(dismantle) {
-  static std::size_t used = 0;
-  index = static_cast<std::uint8_t>(
+  static std::size_t used = kFixedPlaces;
+  key.index = static_cast<std::uint8_t>(
       enter(registered, used, this, "a process holds at most 256 classes of model elements"));
+}
+
+Class::Class(ClassKey place, std::u16string_view qualifiedName, const Type::Impl* base,
+             std::size_t sizeBytes, Dismantle dismantle)
+    : Type::Impl(qualifiedName, base), size(sizeBytes), dismantleElement(dismantle), key(place) {
+  registered[place.index] = this;
 }
 
 const Type::Impl& Class::modelElement() noexcept {
@@ -39,10 +45,15 @@ const Type::Impl& Class::modelElement() noexcept {
   return type;
 }
 
-Property::Property(const Traits& traits) : is(traits) {
-  static std::size_t used = 0;
-  index = static_cast<std::uint16_t>(
+Property::Property(const Traits& traits)
+    : is(traits), key{0, is.unique && is.opposite != nullptr && is.opposite->isContainer()} {
+  static std::size_t used = kFixedPlaces;
+  key.index = static_cast<std::uint16_t>(
       enter(registered, used, this, "a process holds at most 1024 properties of model elements"));
+}
+
+Property::Property(PropertyKey fixedKey, const Traits& traits) : is(traits), key(fixedKey) {
+  registered[fixedKey.index] = this;
 }
 
 }  // namespace kd::zero::meta

@@ -9,6 +9,11 @@
 
 namespace kd::zero::meta {
 
+/// What an element keeps of its class: the place in the table of classes.
+struct ClassKey {
+  std::uint8_t index;
+};
+
 /// Describes one class of model elements. One static object a class; it lives as long as
 /// the process.
 class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
@@ -22,14 +27,21 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
   /// Throws std::length_error when kCapacity classes are there already.
   Class(std::u16string_view qualifiedName, const Type::Impl* base, std::size_t sizeBytes,
         Dismantle dismantle);
+  /// Like it, at a place below kFixedPlaces that no other class has. Where the place is a constant,
+  /// so is what a new element begins with.
+  Class(ClassKey place, std::u16string_view qualifiedName, const Type::Impl* base,
+        std::size_t sizeBytes, Dismantle dismantle);
 
   /// The type that every class of elements conforms to.
   static const Type::Impl& modelElement() noexcept;
 
   static constexpr std::size_t kCapacity = 256;
+  static constexpr std::size_t kFixedPlaces = 4;
   static const Class& at(std::uint8_t index) noexcept { return *registered[index]; }
 
-  std::uint8_t getIndex() const noexcept { return index; }
+  std::uint8_t getIndex() const noexcept { return key.index; }
+  // NOLINTNEXTLINE(google-explicit-constructor): a class is named wherever its key is wanted.
+  operator ClassKey() const noexcept { return key; }
   std::size_t getSizeBytes() const noexcept { return size; }
   Dismantle getDismantle() const noexcept { return dismantleElement; }
 
@@ -38,14 +50,14 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
 
   std::size_t size;
   Dismantle dismantleElement;
-  std::uint8_t index;
+  ClassKey key;
 };
 
 }  // namespace kd::zero::meta
 
 namespace kd::zero {
 
-inline ModelElement::Impl::Impl(const meta::Class& metaClass) noexcept
-    : classIndex(metaClass.getIndex()) {}
+inline ModelElement::Impl::Impl(meta::ClassKey metaClass, Parts parts) noexcept
+    : classIndex(metaClass.index), hasParts(parts == Parts::kSome) {}
 
 }  // namespace kd::zero

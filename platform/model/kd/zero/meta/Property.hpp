@@ -15,6 +15,13 @@ class ReferenceCollection;
 
 namespace kd::zero::meta {
 
+/// What a collection keeps of its property: the place in the table of properties, and whether it
+/// is unique with the link to the container as its opposite, as is usual.
+struct PropertyKey {
+  std::uint16_t index;
+  bool linksContainer;
+};
+
 /// Describes one property of a class of elements: a collection or a single value. One static
 /// object a property; it lives as long as the process.
 class QUENLITH_MODEL_EXPORT Property {
@@ -45,13 +52,19 @@ class QUENLITH_MODEL_EXPORT Property {
 
   /// Throws std::length_error when kCapacity properties are there already.
   explicit Property(const Traits& traits);
+  /// Like it, at a place below kFixedPlaces that no other property has, where collections of the
+  /// property are to begin with constants. The key must tell the truth about `traits`.
+  Property(PropertyKey fixedKey, const Traits& traits);
   Property(const Property&) = delete;
   Property& operator=(const Property&) = delete;
 
   static constexpr std::size_t kCapacity = 1024;
+  static constexpr std::size_t kFixedPlaces = 4;
   static const Property& at(std::uint16_t index) noexcept { return *registered[index]; }
 
-  std::uint16_t getIndex() const noexcept { return index; }
+  std::uint16_t getIndex() const noexcept { return key.index; }
+  // NOLINTNEXTLINE(google-explicit-constructor): a property is named wherever its key is wanted.
+  operator PropertyKey() const noexcept { return key; }
   std::u16string_view getName() const noexcept { return is.name; }
   bool isMany() const noexcept { return is.many; }
   bool isUnique() const noexcept { return is.unique; }
@@ -64,7 +77,7 @@ class QUENLITH_MODEL_EXPORT Property {
   static std::array<const Property*, kCapacity> registered;
 
   Traits is;
-  std::uint16_t index;
+  PropertyKey key;
 };
 
 }  // namespace kd::zero::meta

@@ -25,14 +25,16 @@ ParseResult LineNodeParserService::parseLine(std::shared_ptr<TesseraDocument> do
                                              const Snippet& snippet, ParseResult result) {
   trace("In LineNodeParserService");
   const kd::zero::Model model = document->getModel();
-  LineNode lineNode = LineNode::Builder(model).createLineNode(boost::uuids::uuid{});
+  const LineNode::Builder builder(model);
   const LineParsers parsers(*parserServicesProvider);
 
-  if (isPlainLine(snippet.text)) {
-    lineNode->getChildrenMutable().add(parsers.parsePlainText(model, snippet.text));
-  } else {
-    LineParse(model, lineNode, parsers, result).parse(snippet.text);
+  // Most lines are plain, and what becomes of such a line is known.
+  if (parsers.makesPlainTextNodes() && isPlainLine(snippet.text)) {
+    document->addChild(builder.createLineNode(boost::uuids::uuid{}, snippet.text));
+    return result;
   }
+  LineNode lineNode = builder.createLineNode(boost::uuids::uuid{});
+  LineParse(model, lineNode, parsers, result).parse(snippet.text);
   document->addChild(std::move(lineNode));
   return result;
 }

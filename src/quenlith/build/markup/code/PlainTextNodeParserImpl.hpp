@@ -1,7 +1,9 @@
 #pragma once
 
+#include <boost/uuid/uuid.hpp>
 #include <string_view>
 
+#include "document/kdzero/PlainTextNode.hpp"
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
 
 namespace quenlith::build::markup::code {
@@ -21,7 +23,10 @@ class PlainTextNodeParserImpl : public CodeElementParser {
   document::kdzero::Node parse(const kd::zero::Model& model, const CodeElement& element) override;
 
   /// Returns what `parse` returns for a code element with this text.
-  static document::kdzero::Node makeNode(const kd::zero::Model& model, std::u16string_view text);
+  static document::kdzero::Node makeNode(const kd::zero::Model& model, std::u16string_view text) {
+    using document::kdzero::PlainTextNode;
+    return PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, text);
+  }
 };
 
 }  // namespace quenlith::build::markup::code

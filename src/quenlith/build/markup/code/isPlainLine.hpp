@@ -9,38 +9,73 @@
 
 namespace quenlith::build::markup::code {
 
+namespace detail {
+
+#ifdef __SSE2__
+
+inline __m128i unitsAt(std::u16string_view line, std::size_t place) noexcept {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(line.data() + place));
+}
+
+inline __m128i are(__m128i units, char16_t unit) noexcept {
+  return _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(unit)));
+}
+
+/// Tells whether `test` finds something in one of the blocks of eight places that begin at the
+/// first `places` ones, of which there must be eight; the last block may reach back over others.
+template <class Test>
+bool anyBlock(std::size_t places, const Test& test) noexcept {
+  constexpr std::size_t kBlock = 8;
+  const std::size_t last = places - kBlock;
+  __m128i found = test(last);
+  for (std::size_t at = 0; at < last; at += kBlock) found = _mm_or_si128(found, test(at));
+  return _mm_movemask_epi8(found) != 0;
+}
+
+#endif
+
+/// Tells whether "@" or "\\" stands in `line`: the second halves of what makes a line more than
+/// plain text, and the rarer ones.
+inline bool holdsSecondHalf(std::u16string_view line) noexcept {
+#ifdef __SSE2__
+  if (line.size() >= 8) {
+    return anyBlock(line.size(), [line](std::size_t place) {
+      const __m128i units = unitsAt(line, place);
+      return _mm_or_si128(are(units, u'@'), are(units, u'\\'));
+    });
+  }
+#endif
+  for (const char16_t unit : line) {
+    if (unit == u'@' || unit == u'\\') return true;
+  }
+  return false;
+}
+
+/// Tells whether "<@" or "%\\" stands in `line`.
+inline bool holdsPair(std::u16string_view line) noexcept {
+#ifdef __SSE2__
+  if (line.size() > 8) {
+    return anyBlock(line.size() - 1, [line](std::size_t place) {
+      const __m128i first = unitsAt(line, place);
+      const __m128i second = unitsAt(line, place + 1);
+      return _mm_or_si128(_mm_and_si128(are(first, u'<'), are(second, u'@')),
+                          _mm_and_si128(are(first, u'%'), are(second, u'\\')));
+    });
+  }
+#endif
+  for (std::size_t at = 0; at + 1 < line.size(); ++at) {
+    if (line[at] == u'<' && line[at + 1] == u'@') return true;
+    if (line[at] == u'%' && line[at + 1] == u'\\') return true;
+  }
+  return false;
+}
+
+}  // namespace detail
+
 /// Tells whether `line` is plain text as it stands: holds neither "<@", without which there is no
 /// marker, nor "%\\", without which there is no escaped leader. Most lines are.
 inline bool isPlainLine(std::u16string_view line) noexcept {
-  const auto isPlainPair = [](char16_t first, char16_t second) {
-    return !(first == u'<' && second == u'@') && !(first == u'%' && second == u'\\');
-  };
-  std::size_t at = 0;
-#ifdef __SSE2__
-  // Eight pairs at a time; the last eight may reach back over pairs that were looked at.
-  constexpr std::size_t kBlock = 8;
-  if (line.size() > kBlock) {
-    const std::size_t last = line.size() - kBlock - 1;
-    const auto is = [](__m128i units, char16_t unit) {
-      return _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(unit)));
-    };
-    for (;; at += kBlock) {
-      at = at < last ? at : last;
-      const auto* units = reinterpret_cast<const __m128i*>(line.data() + at);
-      const auto* behind = reinterpret_cast<const __m128i*>(line.data() + at + 1);
-      const __m128i first = _mm_loadu_si128(units);
-      const __m128i second = _mm_loadu_si128(behind);
-      const __m128i opening = _mm_and_si128(is(first, u'<'), is(second, u'@'));
-      const __m128i escape = _mm_and_si128(is(first, u'%'), is(second, u'\\'));
-      if (_mm_movemask_epi8(_mm_or_si128(opening, escape)) != 0) return false;
-      if (at == last) return true;
-    }
-  }
-#endif
-  for (; at + 1 < line.size(); ++at) {
-    if (!isPlainPair(line[at], line[at + 1])) return false;
-  }
-  return true;
+  return !detail::holdsSecondHalf(line) || !detail::holdsPair(line);
 }
 
 }  // namespace quenlith::build::markup::code

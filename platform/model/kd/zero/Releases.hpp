@@ -1,0 +1,55 @@
+#pragma once
+
+#include "kd/zero/ModelElement.hpp"
+#include "kd/zero/ModelStorage.hpp"
+#include "kd/zero/meta/Class.hpp"
+#include "quenlith/export/model.hpp"
+
+namespace kd::zero {
+
+/// Elements whose last reference is gone and whose end is still to come. Released trees go
+/// through this list, however deep they are, so that no release recurses.
+class ModelElement::Releases {
+ public:
+  /// Drops one reference to `element` (never null), which ends soon if it was the last.
+  void drop(Impl* element) noexcept {
+    if (--element->references != 0) return;
+    if (!element->hasParts) {
+      element->giveBackBlock();
+      return;
+    }
+    // While the root of a tree lets go of its children, each is ended at once, as it is in reach
+    // then; what these let go of waits in the list.
+    if (ofRoot) {
+      end(element);
+    } else {
+      push(element);
+    }
+  }
+
+ private:
+  friend class ModelElement::Impl;
+
+  void push(Impl* element) noexcept {
+    element->container = pending;
+    pending = element;
+  }
+  /// Ends a child of the root, and all that ends with it.
+  QUENLITH_MODEL_EXPORT void end(Impl* child) noexcept;
+
+  // The container of a released element says nothing any more: it links the list.
+  Impl* pending = nullptr;
+  bool ofRoot = true;
+};
+
+inline void ModelElement::Impl::end(Releases& releases) noexcept {
+  meta::Class::at(classIndex).getDismantle()(*this, releases);
+  giveBackBlock();
+}
+
+inline void ModelElement::Impl::giveBackBlock() noexcept {
+  const std::size_t sizeBytes = meta::Class::at(classIndex).getSizeBytes() + ownRoomBytes();
+  ModelStorage::of(this).deallocateElement(this, sizeBytes);
+}
+
+}  // namespace kd::zero
