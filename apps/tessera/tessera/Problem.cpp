@@ -7,7 +7,7 @@
 namespace tessera {
 
 std::string describe(const Problem& problem) {
-  std::string text = output::terminalText(problem.file);
+  std::string text = problem.file.empty() ? "\"\"" : output::terminalText(problem.file);
   if (problem.place) {
     text += ':' + std::to_string(problem.place->line) + ':' + std::to_string(problem.place->column);
   }

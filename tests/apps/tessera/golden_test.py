@@ -31,8 +31,10 @@ def cases():
         yield GOLDEN / "parse" / f"{name}.expected", ["parse", "--format", "json", "--trace", name]
         yield GOLDEN / "tree" / f"{name}.expected", ["parse", name]
         yield GOLDEN / "check" / f"{name}.expected", ["check", name]
-    for calls in sorted((GOLDEN / "replay").glob("*.in")):
-        yield calls.with_suffix(".expected"), ["replay", f"../tests/golden/replay/{calls.name}"]
+    for command, *options in ["replay"], ["check"], ["parse", "--format", "json", "--trace"]:
+        for source in sorted((GOLDEN / command).glob("*.in")):
+            arguments = [command, *options, f"../tests/golden/{command}/{source.name}"]
+            yield source.with_suffix(".expected"), arguments
 
 
 def main():

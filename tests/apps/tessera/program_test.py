@@ -62,6 +62,12 @@ class CommandLine(ProgramTest):
                 'unknown option "--\\u001b[1m"; "tessera parse --help" tells what there is',
             ("parse", "--format", "xml", "a"):
                 '"xml" is no format: use tree, json or ndjson; "tessera parse --help" tells what there is',
+            ("parse", "--record", "", "a"):
+                '"" is no file to record to: name a file; "tessera parse --help" tells what there is',
+            ("parse", "--record", "-", "a"):
+                '"-" is no file to record to: name a file; "tessera parse --help" tells what there is',
+            ("replay", "--bundle", "", "a"):
+                '--bundle: "" is no bundle: name its library; "tessera replay --help" tells what there is',
         }
         for arguments, message in cases.items():
             with self.subTest(arguments=arguments):
@@ -151,6 +157,61 @@ class Parse(ProgramTest):
                          "device; make room, or name a file that can be written\n")
         self.assertEqual(done.returncode, 2)
 
+    def test_help_that_cannot_be_written_is_an_error(self):
+        for arguments in (["--help"], ["--version"], ["parse", "--help"]):
+            with open("/dev/full", "wb") as full:
+                done = subprocess.run([PROGRAM, *arguments], stdout=full, stderr=subprocess.PIPE, timeout=60)
+            self.assertEqual((done.stderr.decode(), done.returncode), (
+                "standard output: error: cannot be written; make room, or name a file that can be written\n", 2))
+
+    def test_a_closed_stream_is_an_error_and_no_other_file_gets_what_it_should_have_got(self):
+        name, record = self.write("f", b"x\n"), str(self.folder / "calls")
+        tessera("parse", "--record", record, name)
+        expected = pathlib.Path(record).read_bytes()
+        shell = ["sh", "-c", '"$0" parse --record "$1" "$2" "$3" >&-', PROGRAM, record, name, name]
+        done = subprocess.run(shell, stderr=subprocess.PIPE, timeout=60)
+        self.assertEqual((done.stderr.decode(), done.returncode), (
+            "standard output: error: cannot be written: Bad file descriptor; "
+            "name a file that can be written\n", 2))
+        self.assertTrue(pathlib.Path(record).read_bytes().startswith(expected))
+        shell[2] = '"$0" parse --record "$1" "$2" none 2>&-'
+        self.assertEqual(subprocess.run(shell, stdout=subprocess.DEVNULL, timeout=60).returncode, 2)
+        self.assertEqual(pathlib.Path(record).read_bytes(), expected)
+        done = subprocess.run(["sh", "-c", '"$0" parse - <&-', PROGRAM], capture_output=True, timeout=60)
+        self.assertRefused(done, "-: error: cannot be read: Bad file descriptor; name a file that can be read")
+
+    def test_special_files_are_read_as_far_as_they_can_be(self):
+        for command in ("parse", "check", "replay"):
+            self.assertRefused(tessera(command, str(self.folder)), str(self.folder) +
+                               ": error: cannot be read: Is a directory; name the files in it")
+            self.assertRefused(tessera(command, ""),
+                               '"": error: cannot be opened: No such file or directory; check the name')
+            self.assertEqual(tessera(command, "/dev/null").returncode, 0)
+        pipe = str(self.folder / "pipe")
+        os.mkfifo(pipe)
+        with subprocess.Popen([PROGRAM, "parse", "--format", "ndjson", pipe], stdout=subprocess.PIPE) as run:
+            with open(pipe, "wb") as writer:
+                writer.write(b"a\nb")
+            output = run.communicate(timeout=60)[0]
+            self.assertEqual((len(documents(output)[0]["lines"]), run.returncode), (2, 0))
+
+    def test_a_file_named_twice_is_parsed_twice_and_standard_input_is_read_once(self):
+        name = self.write("f", b"x\n")
+        once = tessera("parse", name).stdout
+        self.assertEqual(tessera("parse", name, name).stdout, once + once)
+        done = tessera("parse", "-", "-", stdin=b"x\n")
+        self.assertEqual((done.stdout, done.returncode), (once.replace(name.encode(), b"-") + b"-\n", 0))
+
+    def test_bytes_that_are_not_utf8_are_placed_wherever_pieces_of_the_file_end(self):
+        # The file is read in pieces of 64 KiB.
+        for size in (0, 1, 65533, 65534, 65535, 65536, 131072):
+            for bad in (b"\x80", b"\xff", b"\xc0\x80", b"\xe2\x82", b"\xed\xa0\x80", b"\xf0\x9f\x98", b"\xf4\x90\x80\x80"):
+                for tail in (b"", b"\n", b"z"):
+                    begin = ("\u00e9\n" * (size // 3)).encode() + b"x" * (size % 3)
+                    done = tessera("check", "-", stdin=begin + bad + tail)
+                    self.assertRefused(done, f"-:{size // 3 + 1}:{size % 3 + 1}: error: byte 0x{bad[0]:02X} "
+                                       "is not valid UTF-8; convert the file to UTF-8")
+
     def test_a_bundle_that_is_none_is_an_error(self):
         name = self.write("no.so", b"no library")
         done = tessera("parse", "--bundle", name, FILES[0])
@@ -195,6 +256,17 @@ class Check(ProgramTest):
             self.assertRegex(line.removeprefix(name), r"^:\d+:\d+: warning: .")
 
 
+    def test_a_line_of_many_failures_is_placed_in_proportion(self):
+        count = 20000
+        name = self.write("f", b" ".join(b"# <@output#\xc3\xa9%d [9,1]>" % i for i in range(count)))
+        lines = tessera("check", name).stdout.decode().split("\n")[:-1]
+        self.assertEqual(len(lines), count)
+        column = 1
+        for number, line in enumerate(lines):
+            self.assertTrue(line.startswith(f'{name}:1:{column}: warning: '), line)
+            column += len(f"# <@output#\u00e9{number} [9,1]> ")
+
+
 class Replay(ProgramTest):
     def test_a_recording_replays_to_the_same_documents(self):
         record = str(self.folder / "calls")
@@ -217,6 +289,28 @@ class Replay(ProgramTest):
                            str(self.folder / "." / "f") + ": error: the file to record to is one of the files "
                            "to parse; name another file behind --record")
         self.assertEqual((self.folder / "f").read_bytes(), b"x")
+
+    def test_the_recording_must_not_be_a_standard_stream(self):
+        name, other = self.write("f", b"x"), self.write("g", b"y")
+        message = ": error: the file to record to is %s; name another file behind --record\n"
+        with open(name, "rb") as source:
+            done = subprocess.run([PROGRAM, "parse", "--record", name, "-"], stdin=source, capture_output=True)
+        self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "one of the files to parse"))
+        with open(name, "ab") as target:
+            done = subprocess.run([PROGRAM, "parse", "--record", name, other], stdout=target, stderr=subprocess.PIPE)
+        self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "where standard output goes"))
+        self.assertEqual((self.folder / "f").read_bytes(), b"x")
+
+    def test_a_recording_that_cannot_be_written_is_an_error(self):
+        cases = {
+            str(self.folder): "created: Is a directory; name a file that can be written",
+            str(self.folder / "none" / "f"):
+                "created: No such file or directory; make its folder, or name a file in another one",
+            "/dev/full": "written: No space left on device; make room, or name a file that can be written",
+        }
+        for name, message in cases.items():
+            with self.subTest(name=name):
+                self.assertRefused(tessera("parse", "--record", name, *FILES), name + ": error: cannot be " + message)
 
     def test_blank_lines_are_passed_over_and_the_last_needs_no_ending(self):
         done = tessera("replay", "-", stdin=b'\xef\xbb\xbf\n \t\r\n{"op":"document"}\r\n\n{"op":"nodes"}')

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "tessera/commands/parse.hpp"
 #include "tessera/commands/replay.hpp"
 #include "tessera/commands/report.hpp"
+#include "tessera/commands/standardStreams.hpp"
 #include "tessera/commands/status.hpp"
 
 namespace tessera::commands {
@@ -22,10 +24,18 @@ ParseFormat readFormat(const std::string& name) {
   throw CLI::ValidationError("\"" + name + "\" is no format: use tree, json or ndjson");
 }
 
+std::string readRecordFile(const std::string& name) {
+  if (!name.empty() && name != "-") return name;
+  throw CLI::ValidationError("\"" + name + "\" is no file to record to: name a file");
+}
+
 void addBundles(CLI::App& command, std::vector<std::string>& bundles) {
   command.add_option("--bundle", bundles, "Start a bundle with more parsers; may be repeated.")
       ->type_name("FILE")
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->check([](const std::string& name) {
+        return std::string(name.empty() ? "\"\" is no bundle: name its library" : "");
+      });
 }
 
 void addFiles(CLI::App& command, std::vector<std::string>& files, const std::string& description) {
@@ -70,8 +80,10 @@ void CommandLine::addParse() {
       ->type_name("FORMAT");
   parseCommand->add_flag("--trace", parseOptions.trace, "Show the records that the parsers emit.");
   parseCommand
-      ->add_option("--record", parseOptions.recordFile,
-                   "Write the calls of the parsers for tessera replay.")
+      ->add_option_function<std::string>(
+          "--record",
+          [this](const std::string& name) { parseOptions.recordFile = readRecordFile(name); },
+          "Write the calls of the parsers for tessera replay.")
       ->type_name("FILE");
   addBundles(*parseCommand, parseOptions.bundles);
   addFiles(*parseCommand, parseOptions.files, "The files to parse; - is standard input.");
@@ -116,16 +128,28 @@ int reportUsage(const CommandLine& line, const CLI::ParseError& error) {
   return kUnusable;
 }
 
+/// Writes the help or the version that was asked for.
+int showHelp(const CommandLine& line, const CLI::ParseError& request) {
+  line.app.exit(request);
+  if (std::cout.flush()) return kFine;
+  report(describe({.file = "standard output",
+                   .place = {},
+                   .what = "cannot be written",
+                   .remedy = "make room, or name a file that can be written"}));
+  return kUnusable;
+}
+
 }  // namespace
 
 int runCommandLine(int argumentCount, char** arguments) {
+  reserveStandardStreams();
   CommandLine line;
   try {
     line.app.parse(argumentCount, arguments);
     return line.run();
   } catch (const CLI::ParseError& error) {
     // Help and version are of this type too.
-    if (error.get_exit_code() == 0) return line.app.exit(error);
+    if (error.get_exit_code() == 0) return showHelp(line, error);
     return reportUsage(line, error);
   } catch (const ProblemError& error) {
     report(error.what());

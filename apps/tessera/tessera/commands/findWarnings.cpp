@@ -38,36 +38,37 @@ std::string describeFailure(const ParserFailure& failure) {
 /// Finds the places of failures in one line of code.
 class LineWarnings {
  public:
-  LineWarnings(std::uint64_t lineNumber, const fl::i18n::ustring& lineText)
-      : number(lineNumber),
-        text(lineText),
-        markers(quenlith::syntax::get_markers_from_snippet(lineText, false)) {}
+  LineWarnings(std::uint64_t lineNumber, const fl::i18n::ustring& text) : number(lineNumber) {
+    std::uint64_t column = 1;
+    std::uint64_t counted = 0;
+    for (const MarkerInfo& found : quenlith::syntax::get_markers_from_snippet(text, false)) {
+      const std::uint64_t more = found.position - counted;
+      column += input::countCharacters(std::u16string_view(text).substr(counted, more));
+      counted = found.position;
+      columns[{found.marker.getElement(), found.marker.getId()}].push_back(column);
+    }
+  }
 
   AppendixWarning locate(const ParserFailure& failure) {
     return {{number, columnOf(failure)}, describeFailure(failure)};
   }
 
  private:
+  using Name = std::pair<fl::i18n::ustring, fl::i18n::ustring>;
+
   /// The n-th failure of one rule about one id is about the n-th such marker.
   std::uint64_t columnOf(const ParserFailure& failure) {
     const auto& info = failure.getMarkerInfo();
-    std::size_t passOver = met[{failure.getFailureId(), info.getMarkerId()}]++;
-    std::uint64_t column = 1;
-    for (const MarkerInfo& marker : markers) {
-      if (marker.marker.elementView() != info.getFeatureId() ||
-          marker.marker.idView() != info.getMarkerId()) {
-        continue;
-      }
-      column = input::countCharacters(std::u16string_view(text).substr(0, marker.position)) + 1;
-      if (passOver-- == 0) break;
-    }
-    return column;
+    const std::size_t before = met[{failure.getFailureId(), info.getMarkerId()}]++;
+    const auto found = columns.find({info.getFeatureId(), info.getMarkerId()});
+    if (found == columns.end()) return 1;
+    return found->second[std::min(before, found->second.size() - 1)];
   }
 
   std::uint64_t number;
-  const fl::i18n::ustring& text;
-  std::vector<MarkerInfo> markers;
-  std::map<std::pair<fl::i18n::ustring, fl::i18n::ustring>, std::size_t> met;
+  /// The columns of the markers of each element and id, ascending.
+  std::map<Name, std::vector<std::uint64_t>> columns;
+  std::map<Name, std::size_t> met;
 };
 
 /// Returns the failures of `top` and of all below it.

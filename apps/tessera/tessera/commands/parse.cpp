@@ -10,6 +10,7 @@
 #include "tessera/Problem.hpp"
 #include "tessera/commands/FileParser.hpp"
 #include "tessera/commands/report.hpp"
+#include "tessera/commands/standardStreams.hpp"
 #include "tessera/commands/status.hpp"
 #include "tessera/output/DocumentJson.hpp"
 #include "tessera/output/DocumentTree.hpp"
@@ -30,15 +31,26 @@ std::unique_ptr<output::DocumentWriter> makeWriter(const ParseOptions& options,
   return std::make_unique<output::DocumentJson>(file, form, records);
 }
 
-/// Throws ProblemError when the recording would overwrite an input.
+bool isInput(const std::string& input, const std::string& recordFile) {
+  if (input == "-") return isRedirectedTo(STDIN_FILENO, recordFile);
+  std::error_code ignored;
+  return std::filesystem::equivalent(input, recordFile, ignored);
+}
+
+[[noreturn]] void refuseRecording(const ParseOptions& options, const std::string& what) {
+  throw ProblemError({.file = options.recordFile,
+                      .place = {},
+                      .what = "the file to record to is " + what,
+                      .remedy = "name another file behind --record"});
+}
+
+/// Throws ProblemError when the recording would overwrite an input or mix with the output.
 void requireSeparateRecording(const ParseOptions& options) {
   for (const std::string& name : options.files) {
-    std::error_code ignored;
-    if (!std::filesystem::equivalent(name, options.recordFile, ignored)) continue;
-    throw ProblemError({.file = options.recordFile,
-                        .place = {},
-                        .what = "the file to record to is one of the files to parse",
-                        .remedy = "name another file behind --record"});
+    if (isInput(name, options.recordFile)) refuseRecording(options, "one of the files to parse");
+  }
+  if (isRedirectedTo(STDOUT_FILENO, options.recordFile)) {
+    refuseRecording(options, "where standard output goes");
   }
 }
 
@@ -69,7 +81,7 @@ int parseFiles(const ParseOptions& options, FileParser& parser,
 }  // namespace
 
 int parse(const ParseOptions& options) {
-  requireSeparateRecording(options);
+  if (!options.recordFile.empty()) requireSeparateRecording(options);
   services::ServiceHost host(options.bundles);
   std::optional<session::LogCollector> log;
   if (options.trace) log.emplace();

@@ -11,6 +11,24 @@
 #include "tessera/Problem.hpp"
 
 namespace tessera::output {
+namespace {
+
+const char* remedyFor(int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return "make its folder, or name a file in another one";
+    case EACCES:
+    case EPERM:
+      return "ask for the right to write it, or name another file";
+    case ENOSPC:
+      return "make room, or name a file that can be written";
+    default:
+      return "name a file that can be written";
+  }
+}
+
+}  // namespace
 
 OutputFile::OutputFile(int borrowed, std::string fileName)
     : name(std::move(fileName)), descriptor(borrowed) {}
@@ -43,11 +61,11 @@ void OutputFile::flush() {
 }
 
 void OutputFile::fail(const char* deed) const {
-  const std::string reason = std::generic_category().message(errno);
+  const int error = errno;
   throw OutputError({.file = name,
                      .place = {},
-                     .what = std::string(deed) + ": " + reason,
-                     .remedy = "make room, or name a file that can be written"});
+                     .what = std::string(deed) + ": " + std::generic_category().message(error),
+                     .remedy = remedyFor(error)});
 }
 
 }  // namespace tessera::output
