@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fstream>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string_view>
 
@@ -28,6 +29,10 @@ constexpr std::string_view kManifestName = "/manifest.json";
 constexpr const char* kArchiveRemedy =
     "append a zip archive that holds <symbolic name>/manifest.json to the library, after it was "
     "stripped";
+
+// The zip library turns the times of entries into local time, with data of the C library that all
+// threads share and whose own lock a thread sanitizer does not see.
+std::mutex archives;
 
 using Archive = std::unique_ptr<zip_t, decltype(&zip_discard)>;
 using ArchiveFile = std::unique_ptr<zip_file_t, decltype(&zip_fclose)>;
@@ -117,6 +122,7 @@ void refuseBundle(const std::string& location, const std::string& problem,
 }
 
 std::vector<ManifestText> readManifestTexts(const std::string& location) {
+  const std::lock_guard lock(archives);
   const Archive archive = openArchive(location);
   std::vector<ManifestText> manifests;
   const auto count = static_cast<std::uint64_t>(zip_get_num_entries(archive.get(), 0));
