@@ -1,14 +1,11 @@
 #pragma once
 
-#include <list>
 #include <memory>
 #include <ostream>
-#include <set>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
-#include <vector>
 
 #include "cppmicroservices/FrameworkExport.h"
 
@@ -16,12 +13,10 @@ namespace cppmicroservices {
 
 class Any;
 
-/// Writes `value` to `os`: what `Any::ToString` calls. Specialise it for a type of one's own.
+/// Writes `value` to `os`: what `Any::ToString` calls. A range that cannot be written as a whole
+/// becomes `[a,b,c]`. Specialise it for a type of one's own.
 template <class T>
-requires(!std::is_floating_point_v<T>) std::ostream& any_value_to_string(std::ostream& os,
-                                                                         const T& value) {
-  return os << value;
-}
+std::ostream& any_value_to_string(std::ostream& os, const T& value);
 
 /// Like the general form, but with 12 significant digits.
 QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& any_value_to_string(std::ostream& os, double value);
@@ -30,14 +25,6 @@ QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& any_value_to_string(std::ostream&
 /// Like the general form; an empty value writes nothing.
 QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& any_value_to_string(std::ostream& os,
                                                                    const Any& value);
-
-/// Like the general form: `[a,b,c]`.
-template <class E>
-std::ostream& any_value_to_string(std::ostream& os, const std::vector<E>& values);
-template <class E>
-std::ostream& any_value_to_string(std::ostream& os, const std::list<E>& values);
-template <class E>
-std::ostream& any_value_to_string(std::ostream& os, const std::set<E>& values);
 
 template <typename ValueType>
 ValueType* any_cast(Any* operand);
@@ -182,30 +169,19 @@ ValueType any_cast(const Any& operand) {
   return ref_any_cast<std::remove_cvref_t<ValueType>>(operand);
 }
 
-namespace detail {
-template <class Range>
-std::ostream& printList(std::ostream& os, const Range& values) {
-  const char* separator = "[";
-  for (const auto& value : values) {
-    os << separator;
-    any_value_to_string(os, value);
-    separator = ",";
+template <class T>
+std::ostream& any_value_to_string(std::ostream& os, const T& value) {
+  if constexpr (requires { os << value; }) {
+    return os << value;
+  } else {
+    const char* separator = "";
+    os << '[';
+    for (const auto& element : value) {
+      any_value_to_string(os << separator, element);
+      separator = ",";
+    }
+    return os << ']';
   }
-  return os << (values.empty() ? "[]" : "]");
-}
-}  // namespace detail
-
-template <class E>
-std::ostream& any_value_to_string(std::ostream& os, const std::vector<E>& values) {
-  return detail::printList(os, values);
-}
-template <class E>
-std::ostream& any_value_to_string(std::ostream& os, const std::list<E>& values) {
-  return detail::printList(os, values);
-}
-template <class E>
-std::ostream& any_value_to_string(std::ostream& os, const std::set<E>& values) {
-  return detail::printList(os, values);
 }
 
 }  // namespace cppmicroservices

@@ -38,18 +38,13 @@ class QUENLITH_CPPMICROSERVICES_EXPORT Bundle {
   };
 
   /// Makes an invalid object.
-  Bundle();
-  Bundle(const Bundle&);
-  Bundle(Bundle&&) noexcept;
-  Bundle& operator=(const Bundle&);
-  Bundle& operator=(Bundle&&) noexcept;
-  virtual ~Bundle();
+  Bundle() = default;
 
   /// Makes the object invalid.
-  Bundle& operator=(std::nullptr_t);
+  Bundle& operator=(std::nullptr_t) { return *this = Bundle(); }
 
-  explicit operator bool() const;
-  bool operator==(const Bundle& other) const;
+  explicit operator bool() const { return d != nullptr; }
+  bool operator==(const Bundle& other) const { return d == other.d; }
   /// Orders by framework, then by bundle id; invalid objects come last.
   bool operator<(const Bundle& other) const;
 

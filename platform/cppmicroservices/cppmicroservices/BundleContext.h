@@ -32,18 +32,13 @@ class ServiceFactory;
 class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
  public:
   /// Makes an invalid context.
-  BundleContext();
-  BundleContext(const BundleContext&);
-  BundleContext(BundleContext&&) noexcept;
-  BundleContext& operator=(const BundleContext&);
-  BundleContext& operator=(BundleContext&&) noexcept;
-  ~BundleContext();
+  BundleContext() = default;
 
   /// Makes the context invalid.
-  BundleContext& operator=(std::nullptr_t);
+  BundleContext& operator=(std::nullptr_t) { return *this = BundleContext(); }
 
   explicit operator bool() const;
-  bool operator==(const BundleContext& other) const;
+  bool operator==(const BundleContext& other) const = default;
   bool operator<(const BundleContext& other) const;
 
   Bundle GetBundle() const;

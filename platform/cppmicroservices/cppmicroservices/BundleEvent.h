@@ -7,7 +7,7 @@
 namespace cppmicroservices {
 
 /// Tells of a change of a bundle's state.
-class QUENLITH_CPPMICROSERVICES_EXPORT BundleEvent {
+class BundleEvent {
  public:
   enum Type : std::uint32_t {
     BUNDLE_INSTALLED = 0x00000001,
@@ -21,16 +21,17 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleEvent {
   };
 
   /// Makes an invalid event.
-  BundleEvent();
-  BundleEvent(Type kind, const Bundle& changed);
-  BundleEvent(Type kind, const Bundle& changed, const Bundle& cause);
+  BundleEvent() = default;
+  BundleEvent(Type kind, const Bundle& changed) : BundleEvent(kind, changed, changed) {}
+  BundleEvent(Type kind, const Bundle& changed, const Bundle& cause)
+      : type(kind), bundle(changed), origin(cause) {}
 
-  explicit operator bool() const;
-  Type GetType() const;
-  Bundle GetBundle() const;
+  explicit operator bool() const { return type != Type{}; }
+  Type GetType() const { return type; }
+  Bundle GetBundle() const { return bundle; }
 
   /// Returns the bundle that installed the other one; the same bundle for all other changes.
-  Bundle GetOrigin() const;
+  Bundle GetOrigin() const { return origin; }
 
   bool operator==(const BundleEvent&) const = default;
 

@@ -3,13 +3,14 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "cppmicroservices/Bundle.h"
 
 namespace cppmicroservices {
 
 /// Tells of a change of the framework, or of trouble that has no caller to be thrown at.
-class QUENLITH_CPPMICROSERVICES_EXPORT FrameworkEvent {
+class FrameworkEvent {
  public:
   enum Type : std::uint32_t {
     FRAMEWORK_STARTED = 0x00000001,
@@ -21,17 +22,18 @@ class QUENLITH_CPPMICROSERVICES_EXPORT FrameworkEvent {
   };
 
   /// Makes an invalid event.
-  FrameworkEvent();
+  FrameworkEvent() = default;
   FrameworkEvent(Type kind, const Bundle& source, const std::string& text,
-                 std::exception_ptr cause = nullptr);
+                 std::exception_ptr cause = nullptr)
+      : type(kind), bundle(source), message(text), exception(std::move(cause)) {}
 
-  explicit operator bool() const;
-  Type GetType() const;
-  Bundle GetBundle() const;
-  std::string GetMessage() const;
+  explicit operator bool() const { return type != Type{}; }
+  Type GetType() const { return type; }
+  Bundle GetBundle() const { return bundle; }
+  std::string GetMessage() const { return message; }
 
   /// Returns the exception behind the event, null when there is none.
-  std::exception_ptr GetThrowable() const;
+  std::exception_ptr GetThrowable() const { return exception; }
 
   bool operator==(const FrameworkEvent&) const = default;
 

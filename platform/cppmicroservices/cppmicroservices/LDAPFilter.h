@@ -23,18 +23,14 @@ class LdapExpression;
 class QUENLITH_CPPMICROSERVICES_EXPORT LDAPFilter {
  public:
   /// Makes the empty filter, which matches nothing and whose text is empty.
-  LDAPFilter();
+  LDAPFilter() = default;
 
   /// Parses `filter`. Throws `std::invalid_argument` when it cannot: its text names the place.
   /// Filters nested deeper than 1000 levels are refused.
   LDAPFilter(const std::string& filter);
 
-  LDAPFilter(const LDAPFilter&);
-  LDAPFilter& operator=(const LDAPFilter&);
-  ~LDAPFilter();
-
   /// Says whether the filter is not the empty one.
-  explicit operator bool() const;
+  explicit operator bool() const { return expression != nullptr; }
 
   /// Says whether the filter matches; keys are compared without regard to case. Throws
   /// `std::runtime_error` when keys of `dictionary` differ in case only.

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <cstdint>
-
-#include "cppmicroservices/FrameworkExport.h"
+#include <utility>
 
 namespace cppmicroservices {
 
@@ -13,23 +12,26 @@ class FrameworkListeners;
 using ListenerTokenId = std::uint64_t;
 
 /// Names one listener that was added, so that it can be removed. Can only be moved.
-class QUENLITH_CPPMICROSERVICES_EXPORT ListenerToken {
+class ListenerToken {
  public:
   /// Makes a token that names no listener.
-  ListenerToken();
+  ListenerToken() = default;
   ListenerToken(const ListenerToken&) = delete;
   ListenerToken& operator=(const ListenerToken&) = delete;
-  ListenerToken(ListenerToken&& other) noexcept;
-  ListenerToken& operator=(ListenerToken&& other) noexcept;
+  ListenerToken(ListenerToken&& other) noexcept : id(std::exchange(other.id, 0)) {}
+  ListenerToken& operator=(ListenerToken&& other) noexcept {
+    id = std::exchange(other.id, 0);
+    return *this;
+  }
 
   /// Says whether the token names a listener: not after it was moved from.
-  explicit operator bool() const;
+  explicit operator bool() const { return id != 0; }
 
  private:
   friend class detail::FrameworkListeners;
-  explicit ListenerToken(ListenerTokenId token);
+  explicit ListenerToken(ListenerTokenId token) : id(token) {}
 
-  ListenerTokenId id;
+  ListenerTokenId id = 0;
 };
 
 }  // namespace cppmicroservices

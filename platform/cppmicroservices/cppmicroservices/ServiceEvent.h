@@ -2,13 +2,12 @@
 
 #include <cstdint>
 
-#include "cppmicroservices/FrameworkExport.h"
 #include "cppmicroservices/ServiceReference.h"
 
 namespace cppmicroservices {
 
 /// Tells of a change of a service.
-class QUENLITH_CPPMICROSERVICES_EXPORT ServiceEvent {
+class ServiceEvent {
  public:
   enum Type : std::uint32_t {
     SERVICE_REGISTERED = 0x00000001,
@@ -18,13 +17,13 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceEvent {
   };
 
   /// Makes an invalid event.
-  ServiceEvent();
-  ServiceEvent(Type kind, const ServiceReferenceBase& service);
+  ServiceEvent() = default;
+  ServiceEvent(Type kind, const ServiceReferenceBase& service) : type(kind), reference(service) {}
 
-  explicit operator bool() const;
-  Type GetType() const;
+  explicit operator bool() const { return type != Type{}; }
+  Type GetType() const { return type; }
 
-  ServiceReferenceU GetServiceReference() const;
+  ServiceReferenceU GetServiceReference() const { return reference; }
   template <class S>
   ServiceReference<S> GetServiceReference() const {
     return GetServiceReference();

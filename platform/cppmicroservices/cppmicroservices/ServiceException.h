@@ -20,11 +20,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceException : public std::runtime_er
   };
 
   ServiceException(const std::string& message, const Type& kind = UNSPECIFIED);
-  ServiceException(const ServiceException& other);
-  ServiceException& operator=(const ServiceException& other);
   ~ServiceException() override;
 
-  Type GetType() const;
+  Type GetType() const { return type; }
 
  private:
   Type type;

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <type_traits>
+
 #include "cppmicroservices/ServiceInterface.h"
 #include "cppmicroservices/ServiceReferenceBase.h"
 
 namespace cppmicroservices {
 
-/// Names a registered service, seen under the interface `S`.
+/// Names a registered service, seen under the interface `S`; under none in particular when that
+/// is void.
 template <class S>
 class ServiceReference : public ServiceReferenceBase {
  public:
@@ -13,38 +18,13 @@ class ServiceReference : public ServiceReferenceBase {
 
   /// Makes a reference that names no service.
   ServiceReference() = default;
-  ServiceReference(const ServiceReference&) = default;
-  ServiceReference& operator=(const ServiceReference&) = default;
-  using ServiceReferenceBase::operator=;
+
+  /// Makes the reference name no service.
+  ServiceReference& operator=(std::nullptr_t) { return *this = ServiceReference(); }
 
   /// Names the service of `base`, none when it was not registered under `S`.
   ServiceReference(const ServiceReferenceBase& base) : ServiceReferenceBase(base) {
-    bindTo(us_service_interface_iid<S>());
-  }
-  ServiceReference& operator=(const ServiceReferenceBase& base) {
-    return *this = ServiceReference(base);
-  }
-
-  bool operator==(const ServiceReference& other) const {
-    return ServiceReferenceBase::operator==(other);
-  }
-};
-
-/// Names a registered service, seen under no interface in particular.
-template <>
-class ServiceReference<void> : public ServiceReferenceBase {
- public:
-  using ServiceType = void;
-
-  ServiceReference() = default;
-  ServiceReference(const ServiceReference&) = default;
-  ServiceReference& operator=(const ServiceReference&) = default;
-  using ServiceReferenceBase::operator=;
-
-  ServiceReference(const ServiceReferenceBase& base) : ServiceReferenceBase(base) {}
-
-  bool operator==(const ServiceReference& other) const {
-    return ServiceReferenceBase::operator==(other);
+    if constexpr (!std::is_void_v<S>) bindTo(us_service_interface_iid<S>());
   }
 };
 

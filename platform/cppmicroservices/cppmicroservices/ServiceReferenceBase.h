@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cppmicroservices/Any.h"
@@ -20,13 +21,6 @@ class ServiceRecord;
 /// `ServiceReference` is the form to use.
 class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
  public:
-  ServiceReferenceBase(const ServiceReferenceBase& other);
-  ServiceReferenceBase& operator=(const ServiceReferenceBase& other);
-  ~ServiceReferenceBase();
-
-  /// Makes the reference name no service.
-  ServiceReferenceBase& operator=(std::nullptr_t);
-
   /// Says whether the reference names a service that is registered.
   explicit operator bool() const;
 
@@ -44,7 +38,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
   std::vector<Bundle> GetUsingBundles() const;
 
   /// Returns the interface that the service is seen under; empty when that is left open.
-  std::string GetInterfaceId() const;
+  std::string GetInterfaceId() const { return seenAs ? *seenAs : ""; }
 
   /// Says whether the service was registered under `interfaceId`.
   bool IsConvertibleTo(const std::string& interfaceId) const;
@@ -54,7 +48,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
   bool operator<(const ServiceReferenceBase& other) const;
 
   /// Says whether both name the same registered service, whatever the interface.
-  bool operator==(const ServiceReferenceBase& other) const;
+  bool operator==(const ServiceReferenceBase& other) const { return record == other.record; }
 
  private:
   template <class S>
@@ -63,13 +57,13 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
   friend class detail::ServiceRecord;
   friend struct std::hash<ServiceReferenceBase>;
 
-  ServiceReferenceBase();
+  ServiceReferenceBase() = default;
   ServiceReferenceBase(std::shared_ptr<detail::ServiceRecord> service,
-                       const std::string* asInterface);
+                       const std::string* asInterface)
+      : record(std::move(service)), seenAs(asInterface) {}
 
   // Sees the service under `interfaceId`; names no service where it has no such interface.
   void bindTo(const std::string& interfaceId);
-  std::size_t Hash() const;
 
   std::shared_ptr<detail::ServiceRecord> record;
   // Points into the record's list of interfaces; null for none in particular.
@@ -81,6 +75,6 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
 template <>
 struct std::hash<cppmicroservices::ServiceReferenceBase> {
   std::size_t operator()(const cppmicroservices::ServiceReferenceBase& reference) const {
-    return reference.Hash();
+    return std::hash<std::shared_ptr<cppmicroservices::detail::ServiceRecord>>()(reference.record);
   }
 };

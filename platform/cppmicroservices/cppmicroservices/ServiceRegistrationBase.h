@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "cppmicroservices/ServiceProperties.h"
 #include "cppmicroservices/ServiceReferenceBase.h"
@@ -14,17 +15,11 @@ namespace cppmicroservices {
 /// use. Copies stand for the same registration; the last one that goes does not unregister.
 class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
  public:
-  ServiceRegistrationBase(const ServiceRegistrationBase& other);
-  ServiceRegistrationBase(ServiceRegistrationBase&& other) noexcept;
-  ServiceRegistrationBase& operator=(const ServiceRegistrationBase& other);
-  ServiceRegistrationBase& operator=(ServiceRegistrationBase&& other) noexcept;
-  ~ServiceRegistrationBase();
-
   /// Makes the object stand for no registration.
-  ServiceRegistrationBase& operator=(std::nullptr_t);
+  ServiceRegistrationBase& operator=(std::nullptr_t) { return *this = ServiceRegistrationBase(); }
 
   /// Says whether the object stands for a registration.
-  explicit operator bool() const;
+  explicit operator bool() const { return record != nullptr; }
 
   /// Returns a reference to the service under `interfaceId`, under none in particular when that
   /// is empty. Throws `std::logic_error` when the service is not registered (any more).
@@ -41,7 +36,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
 
   /// Orders as the references do; an object that stands for no registration comes first.
   bool operator<(const ServiceRegistrationBase& other) const;
-  bool operator==(const ServiceRegistrationBase& other) const;
+  bool operator==(const ServiceRegistrationBase& other) const { return record == other.record; }
 
  private:
   template <class I1, class... Interfaces>
@@ -49,8 +44,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
   friend class detail::ServiceRecord;
   friend struct std::hash<ServiceRegistrationBase>;
 
-  ServiceRegistrationBase();
-  explicit ServiceRegistrationBase(std::shared_ptr<detail::ServiceRecord> service);
+  ServiceRegistrationBase() = default;
+  explicit ServiceRegistrationBase(std::shared_ptr<detail::ServiceRecord> service)
+      : record(std::move(service)) {}
   detail::ServiceRecord& registered() const;
 
   std::shared_ptr<detail::ServiceRecord> record;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 #include "framework/text.hpp"
 

@@ -10,28 +10,9 @@
 
 namespace cppmicroservices {
 
-Bundle::Bundle() = default;
-Bundle::Bundle(const Bundle&) = default;
-Bundle::Bundle(Bundle&&) noexcept = default;
-Bundle& Bundle::operator=(const Bundle&) = default;
-Bundle& Bundle::operator=(Bundle&&) noexcept = default;
-Bundle::~Bundle() = default;
-
 Bundle::Bundle(std::shared_ptr<detail::BundlePrivate> bundle,
                std::shared_ptr<detail::FrameworkOwner> frameworkOwner)
     : d(std::move(bundle)), owner(std::move(frameworkOwner)) {}
-
-Bundle& Bundle::operator=(std::nullptr_t) {
-  return *this = Bundle();
-}
-
-Bundle::operator bool() const {
-  return d != nullptr;
-}
-
-bool Bundle::operator==(const Bundle& other) const {
-  return d == other.d;
-}
 
 bool Bundle::operator<(const Bundle& other) const {
   if (!d || !other.d) return d && !other.d;

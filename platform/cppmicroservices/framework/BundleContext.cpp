@@ -37,27 +37,12 @@ void requireObjects(const InterfaceMapConstPtr& service) {
 
 }  // namespace
 
-BundleContext::BundleContext() = default;
-BundleContext::BundleContext(const BundleContext&) = default;
-BundleContext::BundleContext(BundleContext&&) noexcept = default;
-BundleContext& BundleContext::operator=(const BundleContext&) = default;
-BundleContext& BundleContext::operator=(BundleContext&&) noexcept = default;
-BundleContext::~BundleContext() = default;
-
 BundleContext::BundleContext(std::shared_ptr<detail::BundlePrivate> bundle,
                              std::uint64_t generationOfBundle)
     : d(std::move(bundle)), generation(generationOfBundle) {}
 
-BundleContext& BundleContext::operator=(std::nullptr_t) {
-  return *this = BundleContext();
-}
-
 BundleContext::operator bool() const {
   return d && d->isCurrent(generation);
-}
-
-bool BundleContext::operator==(const BundleContext& other) const {
-  return d == other.d && generation == other.generation;
 }
 
 bool BundleContext::operator<(const BundleContext& other) const {
@@ -108,7 +93,8 @@ std::vector<ServiceReferenceU> BundleContext::GetServiceReferences(const std::st
 }
 
 ServiceReferenceU BundleContext::GetServiceReference(const std::string& interfaceId) {
-  return valid().core->services.first(interfaceId);
+  const auto found = GetServiceReferences(interfaceId);
+  return found.empty() ? ServiceReferenceU() : found.front();
 }
 
 std::shared_ptr<void> BundleContext::GetService(const ServiceReferenceBase& reference) {

@@ -9,20 +9,7 @@
 #include "framework/ServiceRecord.hpp"
 #include "framework/text.hpp"
 
-namespace cppmicroservices {
-
-ListenerToken::ListenerToken() : id(0) {}
-ListenerToken::ListenerToken(ListenerTokenId token) : id(token) {}
-ListenerToken::ListenerToken(ListenerToken&& other) noexcept : id(std::exchange(other.id, 0)) {}
-ListenerToken& ListenerToken::operator=(ListenerToken&& other) noexcept {
-  id = std::exchange(other.id, 0);
-  return *this;
-}
-ListenerToken::operator bool() const {
-  return id != 0;
-}
-
-namespace detail {
+namespace cppmicroservices::detail {
 
 template <class Function>
 ListenerToken FrameworkListeners::addTo(SharedList<Function>& list, BundlePrivate& owner,
@@ -136,5 +123,4 @@ void FrameworkListeners::reportThrown(BundlePrivate& owner) {
   send(FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, owner.bundle(), message, cause));
 }
 
-}  // namespace detail
-}  // namespace cppmicroservices
+}  // namespace cppmicroservices::detail

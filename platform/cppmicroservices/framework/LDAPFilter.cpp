@@ -22,16 +22,8 @@ AnyMap withKeysIgnoringCase(const AnyMap& dictionary) {
 
 }  // namespace
 
-LDAPFilter::LDAPFilter() = default;
 LDAPFilter::LDAPFilter(const std::string& filter)
     : expression(std::make_shared<detail::LdapExpression>(detail::parseLdapExpression(filter))) {}
-LDAPFilter::LDAPFilter(const LDAPFilter&) = default;
-LDAPFilter& LDAPFilter::operator=(const LDAPFilter&) = default;
-LDAPFilter::~LDAPFilter() = default;
-
-LDAPFilter::operator bool() const {
-  return expression != nullptr;
-}
 
 bool LDAPFilter::Match(const ServiceReferenceBase& reference) const {
   const auto& record = detail::ServiceRecord::of(reference);

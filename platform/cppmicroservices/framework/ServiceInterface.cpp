@@ -33,12 +33,7 @@ std::shared_ptr<void> ExtractInterface(const InterfaceMapConstPtr& map,
 
 ServiceException::ServiceException(const std::string& message, const Type& kind)
     : std::runtime_error(message), type(kind) {}
-ServiceException::ServiceException(const ServiceException&) = default;
-ServiceException& ServiceException::operator=(const ServiceException&) = default;
 ServiceException::~ServiceException() = default;
-ServiceException::Type ServiceException::GetType() const {
-  return type;
-}
 
 IllegalStateException::IllegalStateException(std::string message) : std::runtime_error(message) {}
 IllegalStateException::~IllegalStateException() = default;

@@ -7,19 +7,6 @@
 
 namespace cppmicroservices {
 
-ServiceReferenceBase::ServiceReferenceBase() = default;
-ServiceReferenceBase::ServiceReferenceBase(const ServiceReferenceBase&) = default;
-ServiceReferenceBase& ServiceReferenceBase::operator=(const ServiceReferenceBase&) = default;
-ServiceReferenceBase::~ServiceReferenceBase() = default;
-
-ServiceReferenceBase::ServiceReferenceBase(std::shared_ptr<detail::ServiceRecord> service,
-                                           const std::string* asInterface)
-    : record(std::move(service)), seenAs(asInterface) {}
-
-ServiceReferenceBase& ServiceReferenceBase::operator=(std::nullptr_t) {
-  return *this = ServiceReferenceBase();
-}
-
 ServiceReferenceBase::operator bool() const {
   return record && record->isRegistered();
 }
@@ -50,10 +37,6 @@ std::vector<Bundle> ServiceReferenceBase::GetUsingBundles() const {
   return bundles;
 }
 
-std::string ServiceReferenceBase::GetInterfaceId() const {
-  return seenAs ? *seenAs : "";
-}
-
 bool ServiceReferenceBase::IsConvertibleTo(const std::string& interfaceId) const {
   return record && record->findInterface(interfaceId) != nullptr;
 }
@@ -69,35 +52,6 @@ bool ServiceReferenceBase::operator<(const ServiceReferenceBase& other) const {
   const int mine = record->ranking;
   const int others = other.record->ranking;
   return mine != others ? mine < others : record->id > other.record->id;
-}
-
-bool ServiceReferenceBase::operator==(const ServiceReferenceBase& other) const {
-  return record == other.record;
-}
-
-std::size_t ServiceReferenceBase::Hash() const {
-  return std::hash<std::shared_ptr<detail::ServiceRecord>>()(record);
-}
-
-ServiceRegistrationBase::ServiceRegistrationBase() = default;
-ServiceRegistrationBase::ServiceRegistrationBase(const ServiceRegistrationBase&) = default;
-ServiceRegistrationBase::ServiceRegistrationBase(ServiceRegistrationBase&&) noexcept = default;
-ServiceRegistrationBase& ServiceRegistrationBase::operator=(const ServiceRegistrationBase&) =
-    default;
-ServiceRegistrationBase& ServiceRegistrationBase::operator=(ServiceRegistrationBase&&) noexcept =
-    default;
-ServiceRegistrationBase::~ServiceRegistrationBase() = default;
-
-ServiceRegistrationBase::ServiceRegistrationBase(std::shared_ptr<detail::ServiceRecord> service)
-    : record(std::move(service)) {}
-
-ServiceRegistrationBase& ServiceRegistrationBase::operator=(std::nullptr_t) {
-  record = nullptr;
-  return *this;
-}
-
-ServiceRegistrationBase::operator bool() const {
-  return record != nullptr;
 }
 
 detail::ServiceRecord& ServiceRegistrationBase::registered() const {
@@ -121,10 +75,6 @@ void ServiceRegistrationBase::Unregister() {
 
 bool ServiceRegistrationBase::operator<(const ServiceRegistrationBase& other) const {
   return ServiceReferenceBase(record, nullptr) < ServiceReferenceBase(other.record, nullptr);
-}
-
-bool ServiceRegistrationBase::operator==(const ServiceRegistrationBase& other) const {
-  return record == other.record;
 }
 
 }  // namespace cppmicroservices

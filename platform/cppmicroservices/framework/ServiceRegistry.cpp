@@ -83,15 +83,6 @@ std::vector<ServiceReferenceU> ServiceRegistry::find(const std::string& interfac
   return references;
 }
 
-ServiceReferenceU ServiceRegistry::first(const std::string& interfaceId) const {
-  if (isCertainlyAbsent(interfaceId)) return {};
-  const std::shared_lock lock(mutex);
-  const Records* candidates = recordsOf(interfaceId);
-  if (candidates == nullptr || candidates->empty()) return {};
-  ServiceRecord& record = *candidates->front();
-  return record.reference(record.findInterface(interfaceId));
-}
-
 ServiceRegistry::Records ServiceRegistry::all() const {
   const std::shared_lock lock(mutex);
   return records;

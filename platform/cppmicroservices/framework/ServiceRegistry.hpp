@@ -35,9 +35,6 @@ class ServiceRegistry {
   std::vector<ServiceReferenceU> find(const std::string& interfaceId,
                                       const std::string& filter) const;
 
-  /// Returns the first that `find` would with an empty filter, an invalid one when there is none.
-  ServiceReferenceU first(const std::string& interfaceId) const;
-
   /// Returns all services in the order of preference.
   std::vector<std::shared_ptr<ServiceRecord>> all() const;
 
