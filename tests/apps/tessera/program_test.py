@@ -205,7 +205,8 @@ class Parse(ProgramTest):
     def test_bytes_that_are_not_utf8_are_placed_wherever_pieces_of_the_file_end(self):
         # The file is read in pieces of 64 KiB.
         for size in (0, 1, 65533, 65534, 65535, 65536, 131072):
-            for bad in (b"\x80", b"\xff", b"\xc0\x80", b"\xe2\x82", b"\xed\xa0\x80", b"\xf0\x9f\x98", b"\xf4\x90\x80\x80"):
+            for bad in (b"\x80", b"\xff", b"\xc0\x80", b"\xe2\x82", b"\xed\xa0\x80", b"\xf0\x9f\x98",
+                        b"\xf4\x90\x80\x80"):
                 for tail in (b"", b"\n", b"z"):
                     begin = ("\u00e9\n" * (size // 3)).encode() + b"x" * (size % 3)
                     done = tessera("check", "-", stdin=begin + bad + tail)

@@ -65,6 +65,8 @@ TaskCase randomTaskCase(Random& random) {
   } else {
     taskCase.steps = randomTaskSteps(random);
   }
+  const TaskSteps probes = probeSteps(random);
+  taskCase.steps.insert(taskCase.steps.end(), probes.begin(), probes.end());
   return taskCase;
 }
 

@@ -139,6 +139,20 @@ TaskSteps oneTaskSteps(Random& random) {
   return steps;
 }
 
+TaskSteps probeSteps(Random& random) {
+  constexpr std::array<std::u16string_view, 5> kIds = {u"", u"a", u"b", u"c", u"\u00e9"};
+  const ustring marker = ustring(u"x # <@task#\"").append(random.pick(kIds)).append(u"\">");
+  const std::array<TaskStep, 3> probes = {
+      // Closes with the count that was reached, on the index left over.
+      parseStep(u"x # <@task#probe>", 0, u"# <@task#probe> # <@task#probe>"),
+      // Closes when the id is that of the task.
+      parseStep(marker, 3, {}),
+      // Has a partner unless the id overlapped before.
+      parseStep(marker, 0, marker + marker)};
+  const std::size_t first = random.below(probes.size());
+  return {probes[first], probes[(first + 1) % 3], probes[(first + 2) % 3]};
+}
+
 TaskSteps longTaskSteps(LongEnd end) {
   const ustring block = u"# <@task#long>\n# <@task#long>\n";
   TaskSteps steps = {parseStep(u"# <@task#long>", 0, block)};

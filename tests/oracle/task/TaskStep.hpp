@@ -49,6 +49,10 @@ TaskSteps randomTaskSteps(Random& random);
 /// Returns calls with markers of one task only, which is paired, of low and high kinds.
 TaskSteps oneTaskSteps(Random& random);
 
+/// Returns calls that bring to light what the calls before them left in the parser: the count
+/// and the index, the id of the open task, the overlapping ids. Which comes first is random.
+TaskSteps probeSteps(Random& random);
+
 /// The ways in which the count of an open task can pass 65,535.
 enum class LongEnd { kPlainLine, kOtherTask, kClosingKindAbove1, kClosingKind0, kCount };
 
