@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
 #include <string>
 #include <thread>
 #include <utility>
@@ -206,6 +208,37 @@ TEST(Marker, CopiesMayBeUsedOnSeveralThreads) {
   for (std::thread& thread : threads) {
     thread.join();
   }
+}
+
+TEST(Marker, DataMayBeAskedForOnSeveralThreadsAtOnce) {
+  for (int round = 0; round < 200; ++round) {
+    const Marker shared(u"# <@task#t1 {\"k\":[1,2,3],\"l\":\"v\"}>");
+    std::atomic<int> ready = 0;
+    std::vector<std::thread> threads;
+    std::array<const Marker::Data*, 4> seen{};
+    for (const Marker::Data*& data : seen) {
+      threads.emplace_back([copy = shared, &ready, &data] {
+        ++ready;
+        while (ready < 4) std::this_thread::yield();
+        data = &copy.dataView();
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const Marker::Data* data : seen) EXPECT_EQ(data, &shared.dataView());
+    EXPECT_EQ(shared.dataView().size(), 2U);
+  }
+}
+
+TEST(Marker, EqualDataMayBeWrittenInSeveralWays) {
+  const Marker marker(u"<@task#t {\"a\":1,\"b\":\"x\"}>");
+  EXPECT_TRUE(marker == Marker(u"<@task#\"t\" {\"b\":\"x\", \"a\":1}>"));
+  EXPECT_TRUE(marker == Marker(u"<@task#t {\"a\":1,\"b\":\"x\"}>"));
+  EXPECT_FALSE(marker == Marker(u"<@task#t {\"a\":1,\"b\":\"y\"}>"));
+  EXPECT_FALSE(marker == Marker(u"<@task#t {\"a\":1}>"));
+  EXPECT_FALSE(marker == Marker(u"<@task#t>"));
+  EXPECT_TRUE(Marker(u"<@task {}>") == Marker(u"task"));
+  EXPECT_TRUE(Marker(u"<@task { }>") == Marker(u"<@task {}>"));
+  EXPECT_EQ(Marker(u"<@task#\"\" { }>").toString(), u"%<@task>");
 }
 
 }  // namespace

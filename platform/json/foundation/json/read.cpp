@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "foundation/json/Reader.hpp"
+#include "foundation/json/flatObject.hpp"
 
 namespace foundation::json {
 
@@ -88,6 +89,7 @@ std::optional<EmbeddedObject> readEmbeddedObject(std::u16string_view text, std::
 }
 
 ObjectExtent measureEmbeddedObject(std::u16string_view text, std::size_t from) noexcept {
+  if (const std::size_t end = flatObjectEnd(text, from); end != from) return {end, {}};
   Reader reader = embeddedReader(text, from);
   do {
     if (reader.next() == Token::kError) {

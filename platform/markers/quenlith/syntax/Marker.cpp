@@ -1,10 +1,10 @@
 #include "quenlith/syntax/Marker.hpp"
 
+#include <array>
 #include <optional>
-#include <utility>
 
+#include "foundation/json/write.hpp"
 #include "quenlith/syntax/MarkerMatch.hpp"
-#include "quenlith/syntax/MarkerParts.hpp"
 #include "quenlith/syntax/markers.hpp"
 
 namespace quenlith::syntax {
@@ -26,21 +26,61 @@ std::optional<MarkerMatch> matchWhole(std::u16string_view text) {
   return match;
 }
 
-Marker makeMarker(std::u16string_view text) {
-  if (isKnownElement(text)) {
-    MarkerMatch bare;
-    bare.element = text;
-    return MarkerParts::makeMarker(bare);
+// The parts of the marker that `text` writes; null when it writes none.
+MarkerParts::Pointer makeParts(std::u16string_view text) {
+  MarkerMatch bare;
+  bare.known = findKnownElement(text);
+  bare.element = text;
+  if (bare.known != KnownElement::kOther) {
+    return MarkerParts::make(bare);
   }
   const auto match = matchWhole(text);
-  return match ? MarkerParts::makeMarker(*match) : Marker();
+  return match ? MarkerParts::make(*match) : nullptr;
+}
+
+struct ShortEscape {
+  char16_t unit;
+  char16_t letter;
+};
+constexpr std::array<ShortEscape, 7> kShortEscapes{{{u'"', u'"'},
+                                                    {u'\\', u'\\'},
+                                                    {u'\b', u'b'},
+                                                    {u'\t', u't'},
+                                                    {u'\n', u'n'},
+                                                    {u'\f', u'f'},
+                                                    {u'\r', u'r'}}};
+
+void appendEscaped(ustring& output, char16_t unit) {
+  for (const ShortEscape& escape : kShortEscapes) {
+    if (escape.unit == unit) {
+      output.append(1, u'\\').append(1, escape.letter);
+      return;
+    }
+  }
+  if (unit >= 0x20) {
+    output.append(1, unit);
+    return;
+  }
+  output.append(u"\\u00").append(1, u"01"[unit >> 4U]).append(1, u"0123456789abcdef"[unit & 0xFU]);
+}
+
+// An id stays 16-bit text, so that unpaired surrogates come through.
+void appendId(ustring& output, std::u16string_view id) {
+  output.append(1, u'#');
+  if (isName(id)) {
+    output.append(id);
+    return;
+  }
+  output.append(1, u'"');
+  for (const char16_t unit : id) {
+    appendEscaped(output, unit);
+  }
+  output.append(1, u'"');
 }
 
 }  // namespace
 
-Marker::Marker(const ustring& text) : Marker(makeMarker(text)) {}
-
-Marker::Marker(std::shared_ptr<const MarkerParts> parsed) noexcept : parts(std::move(parsed)) {}
+Marker::Marker(const ustring& text) : Marker(makeParts(text)) {}
 
 ustring Marker::getId() const {
   return ustring(idView());
@@ -55,31 +95,37 @@ Marker::Data Marker::getData() const {
   return dataView();
 }
 
-std::u16string_view Marker::idView() const noexcept {
-  return parts ? parts->id() : std::u16string_view();
-}
-
-std::u16string_view Marker::elementView() const noexcept {
-  return parts ? parts->element() : std::u16string_view();
-}
-
-std::u16string_view Marker::typeView() const noexcept {
-  return parts ? parts->type() : std::u16string_view();
-}
-
-const Marker::Data& Marker::dataView() const noexcept {
+const Marker::Data& Marker::dataView() const {
   static const Data kNone;
   return parts ? parts->data() : kNone;
 }
 
 ustring Marker::toString() const {
-  return parts ? parts->text() : u"%<@>";
+  ustring result = u"%<@";
+  result.append(elementView());
+  if (!typeView().empty()) {
+    result.append(1, u':').append(typeView());
+  }
+  if (!idView().empty()) {
+    appendId(result, idView());
+  }
+  if (!dataView().empty()) {
+    std::string json;
+    foundation::json::appendCanonical(json, dataView());
+    result.append(1, u' ').append(fl::i18n::utf8_to_ustring(json));
+  }
+  return result.append(1, u'>');
 }
 
 bool Marker::operator==(Marker other) const {
-  return parts == other.parts ||
-         (elementView() == other.elementView() && typeView() == other.typeView() &&
-          idView() == other.idView() && dataView() == other.dataView());
+  if (parts == other.parts) return true;
+  if (elementView() != other.elementView() || typeView() != other.typeView() ||
+      idView() != other.idView()) {
+    return false;
+  }
+  // What is written alike is alike.
+  const bool sameText = parts && other.parts && parts->dataText() == other.parts->dataText();
+  return sameText || dataView() == other.dataView();
 }
 
 }  // namespace quenlith::syntax

@@ -1,17 +1,17 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "fl/i18n/ustring.hpp"
 #include "foundation/json/Value.hpp"
 #include "quenlith/export/markers.hpp"
+#include "quenlith/syntax/KnownElement.hpp"
+#include "quenlith/syntax/MarkerParts.hpp"
 
 namespace quenlith::syntax {
-
-class MarkerParts;
 
 /// One parsed marker: the element that it belongs to, its type within that element, its
 /// identifier and its data, each possibly empty.
@@ -20,7 +20,7 @@ class MarkerParts;
 /// reference count; copies may be read and destroyed on several threads.
 class QUENLITH_MARKERS_EXPORT Marker {
  public:
-  using Data = std::map<std::string, foundation::json::Value>;
+  using Data = MarkerParts::Data;
 
   /// Makes the marker whose parts are all empty.
   Marker() noexcept = default;
@@ -30,16 +30,31 @@ class QUENLITH_MARKERS_EXPORT Marker {
   /// range, of a known element or not. Any other text gives the marker whose parts are all empty.
   explicit Marker(const fl::i18n::ustring& text);
 
+  /// Makes the marker with these parts; for the scanner.
+  explicit Marker(MarkerParts::Pointer parsed) noexcept : parts(std::move(parsed)) {}
+
   fl::i18n::ustring getId() const;
   fl::i18n::ustring getElement() const;
   fl::i18n::ustring getType() const;
   Data getData() const;
 
   /// Like the readers by value, but borrowed until the last copy of this marker ends.
-  std::u16string_view idView() const noexcept;
-  std::u16string_view elementView() const noexcept;
-  std::u16string_view typeView() const noexcept;
-  const Data& dataView() const noexcept;
+  std::u16string_view idView() const noexcept {
+    return parts ? parts->id() : std::u16string_view();
+  }
+  std::u16string_view elementView() const noexcept {
+    return parts ? parts->element() : std::u16string_view();
+  }
+  std::u16string_view typeView() const noexcept {
+    return parts ? parts->type() : std::u16string_view();
+  }
+  /// Throws std::bad_alloc.
+  const Data& dataView() const;
+
+  /// Which element it belongs to, without a comparison of texts.
+  KnownElement knownElement() const noexcept {
+    return parts ? parts->knownElement() : KnownElement::kOther;
+  }
 
   /// Returns the canonical text, from which an equal marker can be made again.
   fl::i18n::ustring toString() const;
@@ -48,12 +63,8 @@ class QUENLITH_MARKERS_EXPORT Marker {
   bool operator==(Marker other) const;
 
  private:
-  friend class MarkerParts;
-
-  explicit Marker(std::shared_ptr<const MarkerParts> parsed) noexcept;
-
   // Null for the marker whose parts are all empty.
-  std::shared_ptr<const MarkerParts> parts;
+  MarkerParts::Pointer parts;
 };
 
 }  // namespace quenlith::syntax

@@ -1,10 +1,10 @@
 #include "quenlith/syntax/MarkerMatch.hpp"
 
+#include <array>
 #include <limits>
 
 #include "foundation/json/Reader.hpp"
 #include "foundation/json/read.hpp"
-#include "quenlith/syntax/markers.hpp"
 
 namespace quenlith::syntax {
 
@@ -13,14 +13,23 @@ namespace {
 constexpr std::u16string_view kOpening = u"<@";
 constexpr std::u16string_view kAppendix = u"appendix";
 
-bool isDigit(char16_t unit) {
+constexpr bool isDigit(char16_t unit) {
   return unit >= u'0' && unit <= u'9';
 }
 
+// Which units below U+0080 may stand in a name.
+constexpr std::array<bool, 0x80> kNameUnits = [] {
+  std::array<bool, 0x80> units{};
+  for (char16_t unit = 0; unit < 0x80; ++unit) {
+    const auto lower = static_cast<char16_t>(unit | 0x20U);
+    units[unit] = (lower >= u'a' && lower <= u'z') || isDigit(unit) || unit == u'_' ||
+                  unit == u'-' || unit == u'.';
+  }
+  return units;
+}();
+
 bool isNameUnit(char16_t unit) {
-  const char16_t lower = unit | 0x20U;
-  return unit >= 0x80 || (lower >= u'a' && lower <= u'z') || isDigit(unit) || unit == u'_' ||
-         unit == u'-' || unit == u'.';
+  return unit >= kNameUnits.size() || kNameUnits[unit];
 }
 
 // How many times a character must stand to be a leader; 0 when it is none.
@@ -36,10 +45,6 @@ std::size_t leaderMinimum(char16_t unit) {
     default:
       return 0;
   }
-}
-
-bool isTaken(std::u16string_view element, Elements elements) {
-  return elements == Elements::kKnown ? isKnownElement(element) : element != kAppendix;
 }
 
 // Reads one marker from left to right. An operation that does not find what it looks for says so
@@ -88,8 +93,11 @@ class Matcher {
 
   bool takeElement(Elements elements) {
     match.element = takeName();
-    return (!match.element.empty() && isTaken(match.element, elements)) ||
-           fail("there is no such element");
+    match.known = findKnownElement(match.element);
+    const bool isTaken =
+        match.known != KnownElement::kOther ||
+        (elements == Elements::kAny && !match.element.empty() && match.element != kAppendix);
+    return isTaken || fail("there is no such element");
   }
 
   bool takeType() {

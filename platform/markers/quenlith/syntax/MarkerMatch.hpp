@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "quenlith/syntax/KnownElement.hpp"
+
 namespace quenlith::syntax {
 
 /// The elements whose markers are taken: the four known ones, or all but "appendix".
@@ -14,6 +16,7 @@ enum class Elements { kKnown, kAny };
 /// The parts of one marker as they stand in a text, or the reason why there is none. Borrows from
 /// the text.
 struct MarkerMatch {
+  KnownElement known = KnownElement::kOther;
   std::u16string_view element;
   std::u16string_view type;
 

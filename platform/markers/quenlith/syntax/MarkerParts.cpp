@@ -1,129 +1,113 @@
 #include "quenlith/syntax/MarkerParts.hpp"
 
 #include <array>
-#include <utility>
+#include <cstring>
+#include <memory>
+#include <new>
 
+#include "fl/i18n/ustring.hpp"
 #include "foundation/json/Reader.hpp"
 #include "foundation/json/read.hpp"
-#include "foundation/json/write.hpp"
+#include "quenlith/syntax/MarkerMatch.hpp"
 
 namespace quenlith::syntax {
 
 namespace {
 
-using fl::i18n::ustring;
-
-// Shared by all markers of a known element that have neither type nor id nor data.
-const std::shared_ptr<const MarkerParts>* findBare(std::u16string_view element) {
-  const auto make = [](std::u16string_view name) {
-    return std::make_shared<const MarkerParts>(name, u"", u"", Marker::Data());
-  };
-  static const std::array<std::shared_ptr<const MarkerParts>, 4> kBare{
-      make(u"control"), make(u"output"), make(u"task"), make(u"text")};
-  for (const auto& parts : kBare) {
-    if (parts->element() == element) {
-      return &parts;
-    }
+// The text that a match was found in, from its element to its last part.
+std::u16string_view extentOf(const MarkerMatch& match) noexcept {
+  const char16_t* end = match.element.data() + match.element.size();
+  for (const std::u16string_view part : {match.type, match.id, match.data}) {
+    if (!part.empty()) end = part.data() + part.size();
   }
-  return nullptr;
-}
-
-bool isQuoted(std::u16string_view id) {
-  return !id.empty() && id.front() == u'"';
-}
-
-ustring unquoted(std::u16string_view id) {
-  foundation::json::Reader reader(id);
-  reader.next();
-  return reader.text();
-}
-
-Marker::Data readData(std::u16string_view data) {
-  if (data.empty()) {
-    return {};
-  }
-  return std::move(foundation::json::readEmbeddedObject(data, 0)->object);
-}
-
-struct ShortEscape {
-  char16_t unit;
-  char16_t letter;
-};
-constexpr std::array<ShortEscape, 7> kShortEscapes{{{u'"', u'"'},
-                                                    {u'\\', u'\\'},
-                                                    {u'\b', u'b'},
-                                                    {u'\t', u't'},
-                                                    {u'\n', u'n'},
-                                                    {u'\f', u'f'},
-                                                    {u'\r', u'r'}}};
-
-void appendEscaped(ustring& output, char16_t unit) {
-  for (const ShortEscape& escape : kShortEscapes) {
-    if (escape.unit == unit) {
-      output.append(1, u'\\').append(1, escape.letter);
-      return;
-    }
-  }
-  if (unit >= 0x20) {
-    output.append(1, unit);
-    return;
-  }
-  output.append(u"\\u00").append(1, u"01"[unit >> 4U]).append(1, u"0123456789abcdef"[unit & 0xFU]);
-}
-
-// An id stays 16-bit text, so that unpaired surrogates come through.
-void appendId(ustring& output, std::u16string_view id) {
-  output.append(1, u'#');
-  if (isName(id)) {
-    output.append(id);
-    return;
-  }
-  output.append(1, u'"');
-  for (const char16_t unit : id) {
-    appendEscaped(output, unit);
-  }
-  output.append(1, u'"');
+  return {match.element.data(), static_cast<std::size_t>(end - match.element.data())};
 }
 
 }  // namespace
 
-MarkerParts::MarkerParts(std::u16string_view element, std::u16string_view type,
-                         std::u16string_view id, Marker::Data data)
-    : elementLength(element.size()), typeLength(type.size()), members(std::move(data)) {
-  names.reserve(element.size() + type.size() + id.size());
-  names.append(element).append(type).append(id);
+MarkerParts::MarkerParts(const MarkerMatch& match) noexcept : known(match.known) {
+  const std::u16string_view extent = extentOf(match);
+  const auto place = [extent](std::u16string_view part) {
+    if (part.empty()) return Part();
+    return Part{static_cast<std::size_t>(part.data() - extent.data()), part.size()};
+  };
+  elementPart = place(match.element);
+  typePart = place(match.type);
+  idPart = place(match.id);
+  dataPart = place(match.data);
+  std::memcpy(const_cast<char16_t*>(text()), extent.data(), extent.size() * sizeof(char16_t));
 }
 
-Marker MarkerParts::makeMarker(const MarkerMatch& match) {
-  Marker::Data data = readData(match.data);
-  const bool isBare =
-      match.type.empty() && data.empty() && (match.id.empty() || match.id == u"\"\"");
-  if (const auto* bare = isBare ? findBare(match.element) : nullptr) {
-    return Marker(*bare);
-  }
-  if (isQuoted(match.id)) {
-    return Marker(std::make_shared<const MarkerParts>(match.element, match.type, unquoted(match.id),
-                                                      std::move(data)));
-  }
-  return Marker(
-      std::make_shared<const MarkerParts>(match.element, match.type, match.id, std::move(data)));
+MarkerParts::~MarkerParts() {
+  delete readData.load(std::memory_order_relaxed);
 }
 
-ustring MarkerParts::text() const {
-  ustring result = u"%<@";
-  result.append(element());
-  if (!type().empty()) {
-    result.append(1, u':').append(type());
-  }
-  if (!id().empty()) {
-    appendId(result, id());
-  }
-  if (!members.empty()) {
-    std::string json;
-    foundation::json::appendCanonical(json, members);
-    result.append(1, u' ').append(fl::i18n::utf8_to_ustring(json));
-  }
-  return result.append(1, u'>');
+MarkerParts::Pointer MarkerParts::make(const MarkerMatch& match) {
+  const bool isQuoted = !match.id.empty() && match.id.front() == u'"';
+  if (isQuoted) return unquote(match);
+  const bool isBare = match.type.empty() && match.id.empty() && match.data.empty();
+  return isBare && match.known != KnownElement::kOther ? bare(match.known) : copy(match);
+}
+
+MarkerParts::Pointer MarkerParts::copy(const MarkerMatch& match) {
+  const std::size_t textBytes = extentOf(match).size() * sizeof(char16_t);
+  return Pointer(new (::operator new(sizeof(MarkerParts) + textBytes)) MarkerParts(match), false);
+}
+
+// Writes the match anew, with the id for the quoted one.
+MarkerParts::Pointer MarkerParts::unquote(const MarkerMatch& match) {
+  foundation::json::Reader reader(match.id);
+  reader.next();
+  const fl::i18n::ustring id = reader.text();
+
+  fl::i18n::ustring text(match.element);
+  text.append(match.type).append(id).append(match.data);
+  std::u16string_view rest = text;
+  const auto take = [&rest](std::size_t length) {
+    const std::u16string_view part = rest.substr(0, length);
+    rest.remove_prefix(length);
+    return part;
+  };
+  MarkerMatch unquoted;
+  unquoted.known = match.known;
+  unquoted.element = take(match.element.size());
+  unquoted.type = take(match.type.size());
+  unquoted.id = take(id.size());
+  unquoted.data = rest;
+  const bool isBare = text.size() == match.element.size();
+  return isBare && match.known != KnownElement::kOther ? bare(match.known) : copy(unquoted);
+}
+
+const MarkerParts::Pointer& MarkerParts::bare(KnownElement element) {
+  const auto makeBare = [](std::u16string_view name) {
+    MarkerMatch match;
+    match.known = findKnownElement(name);
+    match.element = name;
+    return copy(match);
+  };
+  // In the order of the enumeration.
+  static const std::array<Pointer, 4> kBare{makeBare(u"control"), makeBare(u"output"),
+                                            makeBare(u"task"), makeBare(u"text")};
+  return kBare[static_cast<std::size_t>(element)];
+}
+
+const MarkerParts::Data& MarkerParts::data() const {
+  if (const Data* data = readData.load(std::memory_order_acquire)) return *data;
+  static const Data kNone;
+  if (dataText().empty()) return kNone;
+  auto read = std::make_unique<const Data>(
+      std::move(foundation::json::readEmbeddedObject(dataText(), 0)->object));
+  const Data* first = nullptr;
+  // Another thread may have been faster: what it read is as good, and is in use.
+  if (!readData.compare_exchange_strong(first, read.get(), std::memory_order_acq_rel))
+    return *first;
+  return *read.release();
+}
+
+void MarkerParts::end() const noexcept {
+  auto* parts = const_cast<MarkerParts*>(this);
+  parts->~MarkerParts();
+  ::operator delete(parts);
 }
 
 }  // namespace quenlith::syntax

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "quenlith/syntax/MarkerFinder.hpp"
-#include "quenlith/syntax/MarkerParts.hpp"
 #include "quenlith/syntax/openingSearch.hpp"
 
 namespace quenlith::syntax {
@@ -13,11 +12,8 @@ namespace {
 
 using fl::i18n::ustring;
 
-constexpr std::array<std::u16string_view, 4> kKnownElements{u"control", u"output", u"task",
-                                                            u"text"};
-
 core::MarkerInfo makeInfo(const MarkerFinder::Candidate& found) {
-  return {MarkerParts::makeMarker(found.match), found.position, found.match.end - found.position,
+  return {Marker(MarkerParts::make(found.match)), found.position, found.match.end - found.position,
           found.match.range};
 }
 
@@ -60,15 +56,15 @@ bool mayHoldMarker(std::u16string_view text) noexcept {
 }
 
 bool isKnownElement(std::u16string_view element) noexcept {
-  return std::ranges::find(kKnownElements, element) != kKnownElements.end();
+  return findKnownElement(element) != KnownElement::kOther;
 }
 
-const ustring& bareMarkerText(std::u16string_view element) {
-  const auto textOf = [](std::size_t i) { return Marker(ustring(kKnownElements[i])).toString(); };
-  static const std::array<ustring, kKnownElements.size() + 1> kTexts{
-      textOf(0), textOf(1), textOf(2), textOf(3), Marker().toString()};
-  const auto place = std::ranges::find(kKnownElements, element);
-  return kTexts[static_cast<std::size_t>(place - kKnownElements.begin())];
+const ustring& bareMarkerText(KnownElement element) {
+  // In the order of the enumeration.
+  static const std::array<ustring, 5> kTexts{
+      Marker(u"control").toString(), Marker(u"output").toString(), Marker(u"task").toString(),
+      Marker(u"text").toString(), Marker().toString()};
+  return kTexts[static_cast<std::size_t>(element)];
 }
 
 bool isAppendixLine(std::u16string_view line) noexcept {
@@ -84,7 +80,7 @@ std::vector<DamagedMarker> findDamagedMarkers(std::u16string_view text) {
   std::vector<DamagedMarker> damaged;
   MarkerFinder finder(text, Elements::kKnown);
   while (const auto candidate = finder.nextCandidate()) {
-    if (candidate->match.problem != nullptr && isKnownElement(candidate->match.element)) {
+    if (candidate->match.problem != nullptr && candidate->match.known != KnownElement::kOther) {
       damaged.push_back({candidate->position, candidate->match.end, candidate->match.problem});
     }
   }

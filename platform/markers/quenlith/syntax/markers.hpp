@@ -42,10 +42,10 @@ QUENLITH_MARKERS_EXPORT bool mayHoldMarker(std::u16string_view text) noexcept;
 /// Returns whether `element` is "control", "output", "task" or "text".
 QUENLITH_MARKERS_EXPORT bool isKnownElement(std::u16string_view element) noexcept;
 
-/// Returns the canonical text of the marker that `Marker` makes of the bare element name, which for
-/// an unknown element is that of the marker whose parts are all empty. Made once: borrowed until
+/// Returns the canonical text of the marker that `Marker` makes of the bare element name; for
+/// kOther that of the marker whose parts are all empty. Made once: borrowed until
 /// the process ends. May be called on several threads.
-QUENLITH_MARKERS_EXPORT const fl::i18n::ustring& bareMarkerText(std::u16string_view element);
+QUENLITH_MARKERS_EXPORT const fl::i18n::ustring& bareMarkerText(KnownElement element);
 
 /// Returns whether `line`, without its line ending, holds nothing but a leader, optional blanks,
 /// "<@appendix>" and trailing blanks: the line that parts the code of a file from its appendix.

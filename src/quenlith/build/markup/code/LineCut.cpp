@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <numeric>
 #include <queue>
-#include <range/v3/range/conversion.hpp>
 #include <range/v3/view/chunk_by.hpp>
 #include <range/v3/view/filter.hpp>
 #include <range/v3/view/transform.hpp>
+#include <span>
+#include <vector>
 
 namespace quenlith::build::markup::code {
 
@@ -28,7 +29,7 @@ void LineCut::add(const Run& stretch) {
 /// Goes through a line from left to right and tells at each place which stretch counts.
 class LineCut::Sweep {
  public:
-  Sweep(const std::vector<Run>& allStretches, std::size_t length)
+  Sweep(std::span<const Run> allStretches, std::size_t length)
       : stretches(allStretches), lineLength(length), byBegin(allStretches.size()) {
     std::iota(byBegin.begin(), byBegin.end(), std::size_t{0});
     std::sort(byBegin.begin(), byBegin.end(), [this](std::size_t a, std::size_t b) {
@@ -60,7 +61,7 @@ class LineCut::Sweep {
     while (!open.empty() && stretches[open.top()].end <= position) open.pop();
   }
 
-  const std::vector<Run>& stretches;
+  std::span<const Run> stretches;
   std::size_t lineLength;
   std::vector<std::size_t> byBegin;
   std::size_t opened = 0;
@@ -69,19 +70,19 @@ class LineCut::Sweep {
   std::priority_queue<std::size_t> open;
 };
 
-std::vector<LineCut::Run> LineCut::runs(std::size_t lineLength) const {
-  std::vector<Run> found;
+LineCut::Runs LineCut::runs(std::size_t lineLength) const {
+  Runs found;
   found.reserve(2 * stretches.size() + 1);
   if (ascending) {
     fillGaps(lineLength, found);
   } else {
-    Sweep sweep(stretches, lineLength);
+    Sweep sweep({stretches.data(), stretches.size()}, lineLength);
     while (!sweep.atEnd()) found.push_back(sweep.next());
   }
   return found;
 }
 
-void LineCut::fillGaps(std::size_t lineLength, std::vector<Run>& found) const {
+void LineCut::fillGaps(std::size_t lineLength, Runs& found) const {
   std::size_t position = 0;
   for (const Run& stretch : stretches) {
     if (position < stretch.begin) found.push_back({position, stretch.begin, nullptr, false});
@@ -91,18 +92,36 @@ void LineCut::fillGaps(std::size_t lineLength, std::vector<Run>& found) const {
   if (position < lineLength) found.push_back({position, lineLength, nullptr, false});
 }
 
-std::vector<LinePiece> LineCut::cut(std::u16string_view line) const {
+LineCut::Pieces LineCut::cut(std::u16string_view line) {
   namespace views = ranges::views;
-  const std::vector<Run> all = runs(line.size());
+  const Runs all = runs(line.size());
   const auto isText = [](const Run& run) { return !run.isMarkerText; };
   const auto sameOwner = [](const Run& a, const Run& b) { return a.owner == b.owner; };
-  const auto join = [line](auto&& group) {
-    LinePiece piece{{}, ranges::begin(group)->owner};
-    for (const Run& run : group) piece.text.append(line, run.begin, run.end - run.begin);
-    return piece;
-  };
-  return all | views::filter(isText) | views::chunk_by(sameOwner) | views::transform(join) |
-         ranges::to<std::vector>();
+  const auto join = [this, line](auto&& group) { return joinRuns(line, group); };
+
+  Pieces pieces;
+  joined.clear();
+  for (const LinePiece& piece :
+       all | views::filter(isText) | views::chunk_by(sameOwner) | views::transform(join)) {
+    pieces.push_back(piece);
+  }
+  return pieces;
+}
+
+template <class Group>
+LinePiece LineCut::joinRuns(std::u16string_view line, Group& group) {
+  auto run = ranges::begin(group);
+  const auto* const owner = (*run).owner;
+  std::u16string_view text = line.substr((*run).begin, (*run).end - (*run).begin);
+  if (++run == ranges::end(group)) return {text, owner};
+
+  // All joined texts together are no longer than the line: what is there does not move.
+  joined.reserve(line.size());
+  const std::size_t start = joined.size();
+  joined.append(text);
+  for (; run != ranges::end(group); ++run)
+    joined.append(line, (*run).begin, (*run).end - (*run).begin);
+  return {std::u16string_view(joined).substr(start), owner};
 }
 
 }  // namespace quenlith::build::markup::code

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <boost/container/small_vector.hpp>
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
 #include "fl/i18n/ustring.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
@@ -11,7 +11,8 @@ namespace quenlith::build::markup::code {
 
 /// A piece of a line: neighbouring text of one owner.
 struct LinePiece {
-  fl::i18n::ustring text;
+  /// A part of the line, or of the cut's own memory where it had to be joined.
+  std::u16string_view text;
   /// Null for text that no marker owns.
   const core::MarkerInfo* owner;
 };
@@ -28,10 +29,13 @@ class LineCut {
   /// Leaves the own text of `marker` out of all pieces.
   void leaveOut(const core::MarkerInfo& marker);
 
-  /// Returns the pieces of `line` in order, none of them empty. Text on both sides of what is
-  /// left out is one piece when it has the same owner. O(n + m log m) for n code units and m
-  /// stretches.
-  std::vector<LinePiece> cut(std::u16string_view line) const;
+  // Lists that most lines need no memory for.
+  using Pieces = boost::container::small_vector<LinePiece, 4>;
+
+  /// Returns the pieces of `line` in order, none of them empty, valid until the next cut and as
+  /// long as both the cut and the line are. Text on both sides of what is left out is one piece
+  /// when it has the same owner. O(n + m log m) for n code units and m stretches.
+  Pieces cut(std::u16string_view line);
 
  private:
   struct Run {
@@ -41,15 +45,20 @@ class LineCut {
     bool isMarkerText;
   };
   class Sweep;
+  using Runs = boost::container::small_vector<Run, 8>;
 
   void add(const Run& stretch);
-  std::vector<Run> runs(std::size_t lineLength) const;
-  void fillGaps(std::size_t lineLength, std::vector<Run>& found) const;
+  template <class Group>
+  LinePiece joinRuns(std::u16string_view line, Group& group);
+  Runs runs(std::size_t lineLength) const;
+  void fillGaps(std::size_t lineLength, Runs& found) const;
 
   // In the order given: a later stretch wins over an earlier one where they overlap.
-  std::vector<Run> stretches;
+  boost::container::small_vector<Run, 4> stretches;
   /// Each stretch begins behind the one before, as nearly always: none overlaps another.
   bool ascending = true;
+  // The texts of the pieces that are several runs, one behind the other.
+  fl::i18n::ustring joined;
 };
 
 }  // namespace quenlith::build::markup::code

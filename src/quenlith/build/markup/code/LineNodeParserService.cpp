@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "document/kdzero/LineNode.hpp"
+#include "quenlith/build/markup/code/LineContent.hpp"
 #include "quenlith/build/markup/code/LineParse.hpp"
 #include "quenlith/build/markup/code/LineParsers.hpp"
-#include "quenlith/build/markup/code/isPlainLine.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 
 namespace quenlith::build::markup::code {
@@ -29,12 +29,13 @@ ParseResult LineNodeParserService::parseLine(std::shared_ptr<TesseraDocument> do
   const LineParsers parsers(*parserServicesProvider);
 
   // Most lines are plain, and what becomes of such a line is known.
-  if (parsers.makesPlainTextNodes() && isPlainLine(snippet.text)) {
+  const LineContent content = lookInto(snippet.text);
+  if (content.isPlain() && parsers.makesPlainTextNodes()) {
     document->addChild(builder.createLineNode(boost::uuids::uuid{}, snippet.text));
     return result;
   }
   LineNode lineNode = builder.createLineNode(boost::uuids::uuid{});
-  LineParse(model, lineNode, parsers, result).parse(snippet.text);
+  LineParse(model, lineNode, parsers, result).parse(snippet.text, content);
   document->addChild(std::move(lineNode));
   return result;
 }

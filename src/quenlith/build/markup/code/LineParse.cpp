@@ -1,14 +1,15 @@
 #include "quenlith/build/markup/code/LineParse.hpp"
 
+#include <algorithm>
 #include <boost/uuid/uuid.hpp>
 #include <string_view>
 #include <utility>
 
 #include "contributors/kdzero/NodeContributorData.hpp"
 #include "quenlith/build/markup/code/CodeElement.hpp"
-#include "quenlith/build/markup/code/EscapedLeader.hpp"
 #include "quenlith/build/markup/code/MarkerKind.hpp"
 #include "quenlith/build/markup/code/PositionCheck.hpp"
+#include "quenlith/build/markup/code/withoutEscapes.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 #include "quenlith/syntax/markers.hpp"
 
@@ -20,8 +21,8 @@ using fl::i18n::ustring;
 using quenlith::shared::logging::trace;
 using syntax::Marker;
 
-void LineParse::parse(const ustring& line) {
-  if (hasEscapedLeader(line)) {
+void LineParse::parse(const ustring& line, LineContent content) {
+  if (content.escape) {
     parseNormalised(withoutEscapes(line));
   } else {
     parseNormalised(line);
@@ -34,7 +35,8 @@ void LineParse::parseNormalised(const ustring& line) {
     appendPlainText(line);
     return;
   }
-  hasTask = syntax::has_feature(markers, u"task");
+  hasTask = std::any_of(markers.begin(), markers.end(),
+                        [](const MarkerInfo& info) { return isTask(info.marker); });
   lineLength = line.size();
   for (const MarkerInfo& marker : markers) takeMarker(marker);
   appendPieces(cut.cut(line));
@@ -83,13 +85,13 @@ void LineParse::addContributorData(const Marker& marker) {
   }
 }
 
-void LineParse::appendPieces(std::vector<LinePiece> pieces) {
+void LineParse::appendPieces(const LineCut::Pieces& pieces) {
   if (pieces.empty()) appendPlainText({});
-  for (LinePiece& piece : pieces) {
+  for (const LinePiece& piece : pieces) {
     if (piece.owner == nullptr) {
       appendPlainText(piece.text);
     } else {
-      appendOwned(std::move(piece));
+      appendOwned(piece);
     }
   }
 }
@@ -98,10 +100,10 @@ void LineParse::appendPlainText(std::u16string_view text) {
   lineNode->getChildrenMutable().add(parsers.parsePlainText(model, text));
 }
 
-void LineParse::appendOwned(LinePiece piece) {
-  const CodeElement element{std::move(piece.text), piece.owner->marker, piece.owner->range};
-  CodeElementParser* accepting = parsers.findAccepting(*element.marker);
+void LineParse::appendOwned(const LinePiece& piece) {
+  CodeElementParser* accepting = parsers.findAccepting(piece.owner->marker);
   if (accepting == nullptr) return;
+  const CodeElement element{ustring(piece.text), piece.owner->marker, piece.owner->range};
   lineNode->getChildrenMutable().add(accepting->parse(model, element));
 }
 

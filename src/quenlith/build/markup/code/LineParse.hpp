@@ -8,6 +8,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "kd/zero/Model.hpp"
 #include "quenlith/build/markup/ParseResult.hpp"
+#include "quenlith/build/markup/code/LineContent.hpp"
 #include "quenlith/build/markup/code/LineCut.hpp"
 #include "quenlith/build/markup/code/LineParsers.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
@@ -21,9 +22,9 @@ class LineParse {
             const LineParsers& lineParsers, ParseResult& lineResult)
       : model(lineModel), lineNode(std::move(node)), parsers(lineParsers), result(lineResult) {}
 
-  /// Gives the line node the children, anchor, contributor data and failures of `line`, and the
-  /// result the marker kinds.
-  void parse(const fl::i18n::ustring& line);
+  /// Gives the line node the children, anchor, contributor data and failures of `line`, in which
+  /// stands `content`, and the result the marker kinds.
+  void parse(const fl::i18n::ustring& line, LineContent content);
 
  private:
   void parseNormalised(const fl::i18n::ustring& line);
@@ -32,9 +33,9 @@ class LineParse {
   void takeRange(const core::MarkerInfo& marker);
   void setAnchor(const syntax::Marker& marker);
   void addContributorData(const syntax::Marker& marker);
-  void appendPieces(std::vector<LinePiece> pieces);
+  void appendPieces(const LineCut::Pieces& pieces);
   void appendPlainText(std::u16string_view text);
-  void appendOwned(LinePiece piece);
+  void appendOwned(const LinePiece& piece);
 
   const kd::zero::Model& model;
   document::kdzero::Node lineNode;

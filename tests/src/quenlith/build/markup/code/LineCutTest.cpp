@@ -23,11 +23,11 @@ MarkerInfo markerAt(std::uint64_t position, std::uint64_t length) {
 class LineCut : public testing::Test {
  protected:
   /// The pieces as text, with the owner's name before each: "-", "A" or "B".
-  std::vector<std::u16string> pieces(std::u16string_view line = u"0123456789") const {
+  std::vector<std::u16string> pieces(std::u16string_view line = u"0123456789") {
     std::vector<std::u16string> found;
     for (const LinePiece& piece : cut.cut(line)) {
       const char16_t* owner = piece.owner == nullptr ? u"-" : piece.owner == &a ? u"A" : u"B";
-      found.push_back(owner + piece.text);
+      found.push_back(std::u16string(owner).append(piece.text));
     }
     return found;
   }
@@ -159,7 +159,7 @@ TEST(LineCutOfManyStretches, AgreesWithTheOwnersPlaceByPlace) {
     std::vector<std::u16string> found;
     for (const LinePiece& piece : cut.cut(line)) {
       const auto owner = piece.owner == nullptr ? -1 : piece.owner - owners.data();
-      found.push_back(static_cast<char16_t>(u'B' + owner) + piece.text);
+      found.push_back(std::u16string(1, static_cast<char16_t>(u'B' + owner)).append(piece.text));
     }
     ASSERT_EQ(found, slowPieces(line, slots)) << "round " << round;
   }

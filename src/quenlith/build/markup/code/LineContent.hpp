@@ -51,31 +51,47 @@ inline bool holdsSecondHalf(std::u16string_view line) noexcept {
   return false;
 }
 
-/// Tells whether "<@" or "%\\" stands in `line`.
-inline bool holdsPair(std::u16string_view line) noexcept {
+}  // namespace detail
+
+/// What stands in a line that makes it more than plain text.
+struct LineContent {
+  /// "<@", without which there is no marker.
+  bool opening = false;
+  /// "%\\", without which there is no escaped leader.
+  bool escape = false;
+
+  bool isPlain() const noexcept { return !opening && !escape; }
+};
+
+namespace detail {
+
+inline LineContent findPairs(std::u16string_view line) noexcept {
+  LineContent found;
 #ifdef __SSE2__
   if (line.size() > 8) {
-    return anyBlock(line.size() - 1, [line](std::size_t place) {
+    __m128i openings = _mm_setzero_si128();
+    found.escape = anyBlock(line.size() - 1, [line, &openings](std::size_t place) {
       const __m128i first = unitsAt(line, place);
       const __m128i second = unitsAt(line, place + 1);
-      return _mm_or_si128(_mm_and_si128(are(first, u'<'), are(second, u'@')),
-                          _mm_and_si128(are(first, u'%'), are(second, u'\\')));
+      openings = _mm_or_si128(openings, _mm_and_si128(are(first, u'<'), are(second, u'@')));
+      return _mm_and_si128(are(first, u'%'), are(second, u'\\'));
     });
+    found.opening = _mm_movemask_epi8(openings) != 0;
+    return found;
   }
 #endif
   for (std::size_t at = 0; at + 1 < line.size(); ++at) {
-    if (line[at] == u'<' && line[at + 1] == u'@') return true;
-    if (line[at] == u'%' && line[at + 1] == u'\\') return true;
+    found.opening = found.opening || (line[at] == u'<' && line[at + 1] == u'@');
+    found.escape = found.escape || (line[at] == u'%' && line[at + 1] == u'\\');
   }
-  return false;
+  return found;
 }
 
 }  // namespace detail
 
-/// Tells whether `line` is plain text as it stands: holds neither "<@", without which there is no
-/// marker, nor "%\\", without which there is no escaped leader. Most lines are.
-inline bool isPlainLine(std::u16string_view line) noexcept {
-  return !detail::holdsSecondHalf(line) || !detail::holdsPair(line);
+/// Looks for both in `line`. Most lines have neither.
+inline LineContent lookInto(std::u16string_view line) noexcept {
+  return detail::holdsSecondHalf(line) ? detail::findPairs(line) : LineContent{};
 }
 
 }  // namespace quenlith::build::markup::code

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace quenlith::syntax {
+
+/// The elements that have a meaning, and every other one.
+enum class KnownElement : std::uint8_t { kControl, kOutput, kTask, kText, kOther };
+
+/// Returns which element `name` is the exact name of.
+inline KnownElement findKnownElement(std::u16string_view name) noexcept {
+  const auto is = [name](std::u16string_view known) {
+    return std::memcmp(name.data(), known.data(), known.size() * sizeof(char16_t)) == 0;
+  };
+  switch (name.size()) {
+    case 4:
+      return is(u"text")   ? KnownElement::kText
+             : is(u"task") ? KnownElement::kTask
+                           : KnownElement::kOther;
+    case 6:
+      return is(u"output") ? KnownElement::kOutput : KnownElement::kOther;
+    case 7:
+      return is(u"control") ? KnownElement::kControl : KnownElement::kOther;
+    default:
+      return KnownElement::kOther;
+  }
+}
+
+}  // namespace quenlith::syntax
