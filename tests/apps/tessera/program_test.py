@@ -257,6 +257,17 @@ class Check(ProgramTest):
             self.assertRegex(line.removeprefix(name), r"^:\d+:\d+: warning: .")
 
 
+    def test_data_nested_a_hundred_thousand_deep_is_damaged(self):
+        for begin, end, levels in (('{"a":', "}", 1), ('{"a":[', "]}", 2)):
+            marker = f"# <@task#a {begin * 100000}1{end * 100000}>"
+            name = self.write("f", f"{marker}\n# <@appendix>\n{marker}\n".encode())
+            # Where the 65th level begins.
+            column = len("# <@task#a " + begin * (64 // levels)) + 1
+            done = tessera("check", name)
+            self.assertEqual(done.stdout.decode(), f"{name}:3:{column}: warning: damaged marker in the appendix: "
+                             "the nesting is too deep\n")
+            self.assertEqual((done.returncode, done.stderr), (1, b""))
+
     def test_a_hundred_thousand_failures_on_a_line_are_placed_in_time(self):
         count = 100000
         name = self.write("f", b" ".join(b"# <@output#\xc3\xa9%d [9,1]>" % i for i in range(count)))
@@ -334,6 +345,14 @@ class Replay(ProgramTest):
                 done = tessera("replay", "-", stdin=b'{"op":"document"}\n' + line + b'\n{"op":"document"}\n')
                 self.assertEqual((done.stdout, done.returncode), (b"{}\n", 2))
                 self.assertTrue(done.stderr.decode().startswith("-" + message), done.stderr)
+
+    def test_commands_nested_a_hundred_thousand_deep_are_bad_lines(self):
+        deep = b"[" * 100000
+        for line, column in ((b'{"op":' + deep, 7), (b'{"op":"appendix","entries":' + deep, 29), (deep, 1),
+                             (b'{"op":"nodes","extra":' + deep, 15)):
+            done = tessera("replay", "-", stdin=line)
+            self.assertEqual((done.returncode, done.stdout), (2, b""))
+            self.assertTrue(done.stderr.decode().startswith(f"-:1:{column}: error: "), done.stderr)
 
     def test_each_answer_comes_before_the_next_line_is_awaited(self):
         with subprocess.Popen([PROGRAM, "replay", "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as run:
