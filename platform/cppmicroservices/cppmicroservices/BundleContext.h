@@ -97,6 +97,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
     const std::string& interfaceId = us_service_interface_iid<S>();
     detail::requireInterfaceId(interfaceId);
     const std::vector<ServiceReferenceU> found = GetServiceReferences(interfaceId, filter);
+    if (found.empty()) return {};
     return std::vector<ServiceReference<S>>(found.begin(), found.end());
   }
 

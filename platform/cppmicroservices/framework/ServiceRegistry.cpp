@@ -99,9 +99,12 @@ const ServiceRegistry::Records* ServiceRegistry::recordsOf(const std::string& in
 std::size_t ServiceRegistry::slotOf(const std::string& interfaceId) {
   std::uint64_t head = 0;
   std::uint64_t tail = 0;
-  const std::size_t sampled = std::min(interfaceId.size(), sizeof head);
-  std::memcpy(&head, interfaceId.data() + interfaceId.size() / 2 - sampled / 2, sampled);
-  std::memcpy(&tail, interfaceId.data() + interfaceId.size() - sampled, sampled);
+  if (interfaceId.size() >= sizeof head) {
+    std::memcpy(&head, interfaceId.data() + (interfaceId.size() - sizeof head) / 2, sizeof head);
+    std::memcpy(&tail, interfaceId.data() + interfaceId.size() - sizeof tail, sizeof tail);
+  } else {
+    std::memcpy(&head, interfaceId.data(), interfaceId.size());
+  }
   const std::uint64_t mixed =
       (head + tail * 3 + interfaceId.size()) * std::uint64_t{0x9E3779B97F4A7C15};  // 2^64 / phi
   return static_cast<std::size_t>(mixed >> 54);

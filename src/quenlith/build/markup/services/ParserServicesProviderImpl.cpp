@@ -63,7 +63,10 @@ ParserServicesProviderImpl::~ParserServicesProviderImpl() = default;
 std::vector<std::shared_ptr<LineContributorDataParser>>
 ParserServicesProviderImpl::getLineContributorDataParsers() {
   if (lineContributorDataParsers.empty()) {
-    lineContributorDataParsers = findServices<LineContributorDataParser>(LDAPFilter());
+    auto found = findServices<LineContributorDataParser>(LDAPFilter());
+    // Mostly there is none, and the next line looks again.
+    if (found.empty()) return found;
+    lineContributorDataParsers = std::move(found);
   }
   return lineContributorDataParsers;
 }
