@@ -87,7 +87,7 @@ TEST(PositionRules, TheBoundsOfAMarkersTextAreClosedAtItsEndForABeginOnly) {
                                         {14, 20, false}, {3, 15, false},  {9, 10, true},
                                         {9, 11, false},  {10, 15, false}, {0, 30, false}};
   for (const RangeCase& test : cases) {
-    EXPECT_EQ(isUsableRange(test.begin, test.end, 30, {marker}), test.usable)
+    EXPECT_EQ(isUsableRange(test.begin, test.end, 30, {&marker, 1}), test.usable)
         << test.begin << ' ' << test.end;
   }
 }

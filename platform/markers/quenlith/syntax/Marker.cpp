@@ -19,7 +19,8 @@ std::optional<MarkerMatch> matchWhole(std::u16string_view text) {
   if (!opening || text.substr(*opening, 2) != u"<@") {
     return std::nullopt;
   }
-  const MarkerMatch match = matchMarker(text, *opening, Elements::kAny);
+  MarkerMatch match;
+  matchMarker(text, *opening, Elements::kAny, match);
   if (match.problem != nullptr || match.end != text.size()) {
     return std::nullopt;
   }

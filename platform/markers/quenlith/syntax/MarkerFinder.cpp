@@ -4,30 +4,28 @@
 
 namespace quenlith::syntax {
 
-std::optional<MarkerFinder::Candidate> MarkerFinder::nextMarker() noexcept {
-  auto candidate = nextCandidate();
-  while (candidate && candidate->match.problem != nullptr) {
-    candidate = nextCandidate();
+bool MarkerFinder::nextMarker(Candidate& found) noexcept {
+  while (nextCandidate(found)) {
+    if (found.match.problem == nullptr) return true;
   }
-  return candidate;
+  return false;
 }
 
 // A leader ends the search backwards at the previous "<@" at the latest, and at the ">" of a
 // marker before it: neither holds a character of a leader.
-std::optional<MarkerFinder::Candidate> MarkerFinder::nextCandidate() noexcept {
+bool MarkerFinder::nextCandidate(Candidate& found) noexcept {
   std::size_t opening = findOpening(text, at);
   while (opening != std::u16string_view::npos) {
     at = opening + 2;
     if (const auto leader = findLeader(text, opening)) {
-      const MarkerMatch match = matchMarker(text, opening, elements);
-      if (match.problem == nullptr) {
-        at = match.end;
-      }
-      return Candidate{*leader, match};
+      found.position = *leader;
+      matchMarker(text, opening, elements, found.match);
+      if (found.match.problem == nullptr) at = found.match.end;
+      return true;
     }
     opening = findOpening(text, at);
   }
-  return std::nullopt;
+  return false;
 }
 
 }  // namespace quenlith::syntax

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
 
 #include "quenlith/syntax/MarkerMatch.hpp"
@@ -27,11 +26,14 @@ class MarkerFinder {
 
   MarkerFinder(std::u16string_view source, Elements taken) : text(source), elements(taken) {}
 
-  /// Returns the next marker, or nothing at the end of the text.
-  std::optional<Candidate> nextMarker() noexcept;
+  // What is found goes where the caller wants it: a candidate is large, and to copy it at once
+  // after it was written stalls the processor.
 
-  /// Like `nextMarker`, but also returns what is no marker.
-  std::optional<Candidate> nextCandidate() noexcept;
+  /// Finds the next marker; returns false at the end of the text.
+  bool nextMarker(Candidate& found) noexcept;
+
+  /// Like `nextMarker`, but also finds what is no marker.
+  bool nextCandidate(Candidate& found) noexcept;
 
  private:
   std::u16string_view text;

@@ -51,14 +51,14 @@ std::size_t leaderMinimum(char16_t unit) {
 // in the match and returns false.
 class Matcher {
  public:
-  Matcher(std::u16string_view source, std::size_t start) : text(source), at(start) {}
+  Matcher(std::u16string_view source, std::size_t start, MarkerMatch& result)
+      : text(source), at(start), match(result) {}
 
-  MarkerMatch run(Elements elements) {
+  void run(Elements elements) {
     if (takeElement(elements) && takeType() && takeId() && takeRange() && takeData()) {
       takeEnd();
     }
     match.end = at;
-    return match;
   }
 
  private:
@@ -193,14 +193,16 @@ class Matcher {
 
   std::u16string_view text;
   std::size_t at;
-  MarkerMatch match;
+  MarkerMatch& match;
   bool isApart = false;
 };
 
 }  // namespace
 
-MarkerMatch matchMarker(std::u16string_view text, std::size_t opening, Elements elements) noexcept {
-  return Matcher(text, opening + kOpening.size()).run(elements);
+void matchMarker(std::u16string_view text, std::size_t opening, Elements elements,
+                 MarkerMatch& match) noexcept {
+  match = MarkerMatch();
+  Matcher(text, opening + kOpening.size(), match).run(elements);
 }
 
 std::optional<std::size_t> findLeader(std::u16string_view text, std::size_t opening) noexcept {

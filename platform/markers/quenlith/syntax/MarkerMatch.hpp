@@ -35,9 +35,10 @@ struct MarkerMatch {
   const char* problem = nullptr;
 };
 
-/// Matches the marker whose "<@" stands at `opening`, which must be so; its leader is not looked
-/// at. Never throws and does not allocate.
-MarkerMatch matchMarker(std::u16string_view text, std::size_t opening, Elements elements) noexcept;
+/// Matches the marker whose "<@" stands at `opening`, which must be so, into `match`; its leader is
+/// not looked at. Never throws and does not allocate.
+void matchMarker(std::u16string_view text, std::size_t opening, Elements elements,
+                 MarkerMatch& match) noexcept;
 
 /// Returns the start of the leader that stands, blanks apart, before the "<@" at `opening`.
 std::optional<std::size_t> findLeader(std::u16string_view text, std::size_t opening) noexcept;

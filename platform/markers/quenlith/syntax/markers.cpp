@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "quenlith/syntax/MarkerFinder.hpp"
 #include "quenlith/syntax/openingSearch.hpp"
@@ -12,20 +13,30 @@ namespace {
 
 using fl::i18n::ustring;
 
-core::MarkerInfo makeInfo(const MarkerFinder::Candidate& found) {
-  return {Marker(MarkerParts::make(found.match)), found.position, found.match.end - found.position,
-          found.match.range};
+template <class List>
+void append(std::u16string_view text, bool anyElement, List& markers) {
+  MarkerFinder finder(text, anyElement ? Elements::kAny : Elements::kKnown);
+  MarkerFinder::Candidate found;
+  while (finder.nextMarker(found)) {
+    Marker marker(MarkerParts::make(found.match));
+    core::MarkerInfo& info = markers.emplace_back();
+    info.marker = std::move(marker);
+    info.position = found.position;
+    info.length = found.match.end - found.position;
+    info.range = found.match.range;
+  }
 }
 
 }  // namespace
 
 std::vector<core::MarkerInfo> get_markers_from_snippet(const ustring& text, bool anyElement) {
   std::vector<core::MarkerInfo> markers;
-  MarkerFinder finder(text, anyElement ? Elements::kAny : Elements::kKnown);
-  while (const auto found = finder.nextMarker()) {
-    markers.push_back(makeInfo(*found));
-  }
+  append(text, anyElement, markers);
   return markers;
+}
+
+void appendMarkers(std::u16string_view text, bool anyElement, MarkerList& markers) {
+  append(text, anyElement, markers);
 }
 
 std::optional<core::MarkerInfo> get_marker(const std::vector<core::MarkerInfo>& markers,
@@ -43,8 +54,9 @@ bool has_feature(const std::vector<core::MarkerInfo>& markers, const ustring& el
 
 bool has_feature(const ustring& text, const ustring& element) {
   MarkerFinder finder(text, Elements::kKnown);
-  while (const auto found = finder.nextMarker()) {
-    if (found->match.element == element) {
+  MarkerFinder::Candidate found;
+  while (finder.nextMarker(found)) {
+    if (found.match.element == element) {
       return true;
     }
   }
@@ -79,9 +91,10 @@ bool isAppendixLine(std::u16string_view line) noexcept {
 std::vector<DamagedMarker> findDamagedMarkers(std::u16string_view text) {
   std::vector<DamagedMarker> damaged;
   MarkerFinder finder(text, Elements::kKnown);
-  while (const auto candidate = finder.nextCandidate()) {
-    if (candidate->match.problem != nullptr && candidate->match.known != KnownElement::kOther) {
-      damaged.push_back({candidate->position, candidate->match.end, candidate->match.problem});
+  MarkerFinder::Candidate found;
+  while (finder.nextCandidate(found)) {
+    if (found.match.problem != nullptr && found.match.known != KnownElement::kOther) {
+      damaged.push_back({found.position, found.match.end, found.match.problem});
     }
   }
   return damaged;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/container/small_vector.hpp>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -21,6 +22,13 @@ namespace core = build::markup::core;
 /// without a marker. Linear in the text, whatever it holds.
 QUENLITH_MARKERS_EXPORT std::vector<core::MarkerInfo> get_markers_from_snippet(
     const fl::i18n::ustring& text, bool anyElement);
+
+/// A list of markers that needs no memory for the few that most lines have.
+using MarkerList = boost::container::small_vector<core::MarkerInfo, 2>;
+
+/// Like `get_markers_from_snippet`, but appends the markers to `markers`.
+QUENLITH_MARKERS_EXPORT void appendMarkers(std::u16string_view text, bool anyElement,
+                                           MarkerList& markers);
 
 /// Returns the first marker of the list with the element and, unless `type` is empty, the type.
 QUENLITH_MARKERS_EXPORT std::optional<core::MarkerInfo> get_marker(

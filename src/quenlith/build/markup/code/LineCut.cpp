@@ -5,7 +5,6 @@
 #include <queue>
 #include <range/v3/view/chunk_by.hpp>
 #include <range/v3/view/filter.hpp>
-#include <range/v3/view/transform.hpp>
 #include <span>
 #include <vector>
 
@@ -14,16 +13,16 @@ namespace quenlith::build::markup::code {
 using core::MarkerInfo;
 
 void LineCut::own(std::size_t begin, std::size_t end, const MarkerInfo& owner) {
-  add({begin, end, &owner, false});
+  add(begin, end, owner, false);
 }
 
 void LineCut::leaveOut(const MarkerInfo& marker) {
-  add({marker.position, marker.position + marker.length, &marker, true});
+  add(marker.position, marker.position + marker.length, marker, true);
 }
 
-void LineCut::add(const Run& stretch) {
-  if (!stretches.empty() && stretch.begin < stretches.back().end) ascending = false;
-  stretches.push_back(stretch);
+void LineCut::add(std::size_t begin, std::size_t end, const MarkerInfo& marker, bool isMarkerText) {
+  if (!stretches.empty() && begin < stretches.back().end) ascending = false;
+  stretches.emplace_back(begin, end, &marker, isMarkerText);
 }
 
 /// Goes through a line from left to right and tells at each place which stretch counts.
@@ -85,11 +84,11 @@ LineCut::Runs LineCut::runs(std::size_t lineLength) const {
 void LineCut::fillGaps(std::size_t lineLength, Runs& found) const {
   std::size_t position = 0;
   for (const Run& stretch : stretches) {
-    if (position < stretch.begin) found.push_back({position, stretch.begin, nullptr, false});
+    if (position < stretch.begin) found.emplace_back(position, stretch.begin, nullptr, false);
     found.push_back(stretch);
     position = stretch.end;
   }
-  if (position < lineLength) found.push_back({position, lineLength, nullptr, false});
+  if (position < lineLength) found.emplace_back(position, lineLength, nullptr, false);
 }
 
 LineCut::Pieces LineCut::cut(std::u16string_view line) {
@@ -97,31 +96,31 @@ LineCut::Pieces LineCut::cut(std::u16string_view line) {
   const Runs all = runs(line.size());
   const auto isText = [](const Run& run) { return !run.isMarkerText; };
   const auto sameOwner = [](const Run& a, const Run& b) { return a.owner == b.owner; };
-  const auto join = [this, line](auto&& group) { return joinRuns(line, group); };
 
   Pieces pieces;
   joined.clear();
-  for (const LinePiece& piece :
-       all | views::filter(isText) | views::chunk_by(sameOwner) | views::transform(join)) {
-    pieces.push_back(piece);
+  for (auto&& group : all | views::filter(isText) | views::chunk_by(sameOwner)) {
+    join(line, group, pieces.emplace_back());
   }
   return pieces;
 }
 
 template <class Group>
-LinePiece LineCut::joinRuns(std::u16string_view line, Group& group) {
+void LineCut::join(std::u16string_view line, Group& group, LinePiece& piece) {
+  const auto textOf = [line](const Run& run) {
+    return line.substr(run.begin, run.end - run.begin);
+  };
   auto run = ranges::begin(group);
-  const auto* const owner = (*run).owner;
-  std::u16string_view text = line.substr((*run).begin, (*run).end - (*run).begin);
-  if (++run == ranges::end(group)) return {text, owner};
+  piece.owner = (*run).owner;
+  piece.text = textOf(*run);
+  if (++run == ranges::end(group)) return;
 
   // All joined texts together are no longer than the line: what is there does not move.
   joined.reserve(line.size());
   const std::size_t start = joined.size();
-  joined.append(text);
-  for (; run != ranges::end(group); ++run)
-    joined.append(line, (*run).begin, (*run).end - (*run).begin);
-  return {std::u16string_view(joined).substr(start), owner};
+  joined.append(piece.text);
+  for (; run != ranges::end(group); ++run) joined.append(textOf(*run));
+  piece.text = std::u16string_view(joined).substr(start);
 }
 
 }  // namespace quenlith::build::markup::code

@@ -14,7 +14,7 @@ struct LinePiece {
   /// A part of the line, or of the cut's own memory where it had to be joined.
   std::u16string_view text;
   /// Null for text that no marker owns.
-  const core::MarkerInfo* owner;
+  const core::MarkerInfo* owner = nullptr;
 };
 
 /// Says which markers own which stretches of a line, and cuts the line accordingly.
@@ -39,6 +39,10 @@ class LineCut {
 
  private:
   struct Run {
+    Run(std::size_t runBegin, std::size_t runEnd, const core::MarkerInfo* runOwner,
+        bool runIsMarkerText) noexcept
+        : begin(runBegin), end(runEnd), owner(runOwner), isMarkerText(runIsMarkerText) {}
+
     std::size_t begin;
     std::size_t end;
     const core::MarkerInfo* owner;
@@ -47,9 +51,9 @@ class LineCut {
   class Sweep;
   using Runs = boost::container::small_vector<Run, 8>;
 
-  void add(const Run& stretch);
+  void add(std::size_t begin, std::size_t end, const core::MarkerInfo& marker, bool isMarkerText);
   template <class Group>
-  LinePiece joinRuns(std::u16string_view line, Group& group);
+  void join(std::u16string_view line, Group& group, LinePiece& piece);
   Runs runs(std::size_t lineLength) const;
   void fillGaps(std::size_t lineLength, Runs& found) const;
 

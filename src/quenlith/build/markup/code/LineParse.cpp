@@ -11,7 +11,6 @@
 #include "quenlith/build/markup/code/PositionCheck.hpp"
 #include "quenlith/build/markup/code/withoutEscapes.hpp"
 #include "quenlith/shared/logging/trace.hpp"
-#include "quenlith/syntax/markers.hpp"
 
 namespace quenlith::build::markup::code {
 
@@ -30,7 +29,7 @@ void LineParse::parse(const ustring& line, LineContent content) {
 }
 
 void LineParse::parseNormalised(const ustring& line) {
-  markers = syntax::get_markers_from_snippet(line, false);
+  syntax::appendMarkers(line, false, markers);
   if (markers.empty()) {
     appendPlainText(line);
     return;
@@ -59,7 +58,7 @@ bool LineParse::isHandled(const Marker& marker) const {
 void LineParse::takeRange(const MarkerInfo& marker) {
   if (!marker.range) return;
   const auto [begin, end] = *marker.range;
-  if (isUsableRange(begin, end, lineLength, markers)) {
+  if (isUsableRange(begin, end, lineLength, {markers.data(), markers.size()})) {
     cut.own(begin, end, marker);
   } else {
     addPositionFailure(lineNode, marker);

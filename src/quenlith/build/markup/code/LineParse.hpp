@@ -2,7 +2,6 @@
 
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "document/kdzero/Node.hpp"
 #include "fl/i18n/ustring.hpp"
@@ -12,6 +11,7 @@
 #include "quenlith/build/markup/code/LineCut.hpp"
 #include "quenlith/build/markup/code/LineParsers.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
+#include "quenlith/syntax/markers.hpp"
 
 namespace quenlith::build::markup::code {
 
@@ -43,7 +43,7 @@ class LineParse {
   ParseResult& result;
 
   std::size_t lineLength = 0;
-  std::vector<core::MarkerInfo> markers;
+  syntax::MarkerList markers;
   bool hasTask = false;
   LineCut cut;
 };

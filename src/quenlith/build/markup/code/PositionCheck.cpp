@@ -24,7 +24,7 @@ std::uint64_t endOf(const MarkerInfo& marker) noexcept {
 // when any of them is touched, the last one that begins before the range ends is, and it is touched
 // when the range begins at or before its end.
 bool touchesMarker(std::uint64_t begin, std::uint64_t end,
-                   const std::vector<MarkerInfo>& markers) noexcept {
+                   std::span<const MarkerInfo> markers) noexcept {
   const auto beyond = std::partition_point(markers.begin(), markers.end(),
                                            [end](const MarkerInfo& m) { return m.position < end; });
   return beyond != markers.begin() && begin <= endOf(*(beyond - 1));
@@ -33,7 +33,7 @@ bool touchesMarker(std::uint64_t begin, std::uint64_t end,
 }  // namespace
 
 bool isUsableRange(std::uint64_t begin, std::uint64_t end, std::uint64_t lineLength,
-                   const std::vector<MarkerInfo>& markers) noexcept {
+                   std::span<const MarkerInfo> markers) noexcept {
   return begin < end && end <= lineLength && !touchesMarker(begin, end, markers);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
+#include <span>
 
 #include "document/kdzero/Node.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
@@ -14,7 +14,7 @@ namespace quenlith::build::markup::code {
 /// It can when it is not empty, ends within the line and touches no marker's own text. It may
 /// end where a marker's text begins but not begin where one ends. O(log m) for m markers.
 bool isUsableRange(std::uint64_t begin, std::uint64_t end, std::uint64_t lineLength,
-                   const std::vector<core::MarkerInfo>& markers) noexcept;
+                   std::span<const core::MarkerInfo> markers) noexcept;
 
 /// Adds an "invalid_position_data" failure for `marker`, which has a range, to `lineNode`. The
 /// range stands in the failure as it is, both numbers as doubles.
