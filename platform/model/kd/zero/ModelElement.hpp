@@ -108,7 +108,9 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   void giveBackBlock() noexcept;
 
   std::uint32_t references = 1;
-  std::uint16_t containerProperty = 0;
+  std::uint16_t containerProperty : 15 = 0;
+  // False only for an element that never contained another.
+  std::uint16_t containsOthers : 1 = 0;
   std::uint8_t classIndex;
   bool proxy : 1 = false;
   bool hasParts : 1;

@@ -105,7 +105,8 @@ inline bool ReferenceCollection::appendDetached(ModelElement& element) noexcept 
   ++count;
   ++storage.operations;
   added->container = holder;
-  added->containerProperty = propertyIndex;
+  added->containerProperty = propertyIndex & 0x7FFF;
+  holder->containsOthers = 1;
   return true;
 }
 
@@ -116,7 +117,8 @@ inline void ReferenceCollection::appendFirst(ModelElement element) noexcept {
   ++ModelStorage::of(holder).operations;
   holder->hasParts = true;
   one->container = holder;
-  one->containerProperty = propertyIndex;
+  one->containerProperty = propertyIndex & 0x7FFF;
+  holder->containsOthers = 1;
 }
 
 }  // namespace kd::zero
