@@ -18,7 +18,9 @@ WANTED = {"lines": 100.0, "branches": 95.0}
 
 def instrumented(build):
     """Returns the programs and libraries of `build` that carry a coverage map."""
-    for path in sorted((build / "bin").rglob("*")) + sorted((build / "lib").rglob("*")):
+    folders = sorted((build / "bin").rglob("*")) + sorted((build / "lib").rglob("*"))
+    # The bundles that tests load stand beside the tests.
+    for path in folders + sorted((build / "tests").rglob("*.so")):
         if path.is_file() and not path.is_symlink():
             content = path.read_bytes()
             if content.startswith(b"\x7fELF") and b"__llvm_covmap" in content:

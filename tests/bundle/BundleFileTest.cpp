@@ -49,9 +49,10 @@ std::vector<std::string> symbols(const std::string& options) {
 // is first used. The framework's headers keep the identifier of each interface in one.
 bool makesAnObject(const std::string& name) {
   const bool ofFramework = name.find("us_service_interface_iid") != std::string::npos;
-  // The address sanitizer registers constants with a function of this kind.
-  const bool ofSanitizer = name.starts_with("_GLOBAL__sub_I_00099_");
-  return (name.starts_with("_GLOBAL__") && !ofSanitizer) ||
+  // Those of the address sanitizer and of the coverage's runtime.
+  const bool ofCompiler = name.starts_with("_GLOBAL__sub_I_00099_") ||
+                          name == "_GLOBAL__sub_I_InstrProfilingRuntime.cpp";
+  return (name.starts_with("_GLOBAL__") && !ofCompiler) ||
          (name.starts_with("_ZGV") && !ofFramework);
 }
 
