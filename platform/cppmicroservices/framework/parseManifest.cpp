@@ -18,33 +18,35 @@ using Json = nlohmann::json;
 constexpr std::size_t kMaximumDepth = 100;
 
 // Builds a manifest as the parser comes upon its parts; stops at the first problem.
-class ManifestBuilder : public nlohmann::json_sax<Json> {
+class ManifestBuilder {
  public:
-  bool null() override { return put(Any()); }
-  bool boolean(bool value) override { return put(value); }
-  bool number_integer(std::int64_t value) override { return putInteger(value); }
-  bool number_unsigned(std::uint64_t value) override { return putInteger(value); }
-  bool number_float(double value, const std::string& /*text*/) override { return put(value); }
-  bool string(std::string& value) override { return put(std::move(value)); }
-  bool binary(Json::binary_t& /*value*/) override { return false; }
+  bool null() { return put(Any()); }
+  bool boolean(bool value) { return put(value); }
+  bool number_integer(std::int64_t value) { return putInteger(value); }
+  bool number_unsigned(std::uint64_t value) { return putInteger(value); }
+  bool number_float(double value, const std::string& /*text*/) { return put(value); }
+  bool string(std::string& value) { return put(std::move(value)); }
 
-  bool start_object(std::size_t /*size*/) override { return open(true); }
-  bool start_array(std::size_t /*size*/) override { return open(false); }
-  bool end_object() override { return close(); }
-  bool end_array() override { return close(); }
+  bool start_object(std::size_t /*size*/) { return open(true); }
+  bool start_array(std::size_t /*size*/) { return open(false); }
+  bool end_object() { return close(); }
+  bool end_array() { return close(); }
 
-  bool key(std::string& name) override {
+  bool key(std::string& name) {
     if (containers.back().map.count(name) > 0) return fail("the key \"" + name + "\" occurs twice");
     containers.back().key = std::move(name);
     return true;
   }
 
   bool parse_error(std::size_t /*place*/, const std::string& /*token*/,
-                   const Json::exception& error) override {
+                   const Json::exception& error) {
     // What is before "at line 1, column 2: ..." is the parser's own code for the problem.
     const std::string text = error.what();
     return fail("it is no JSON " + text.substr(text.find("at line")));
   }
+
+  // The library asks every builder for it, and has no use for it: text holds no binary values.
+  bool (*binary)(Json::binary_t& value) = nullptr;
 
   AnyMap manifest;
   std::string problem;
