@@ -197,6 +197,11 @@ TEST(LdapFilter, CaseOfKeysCountsForMatchCaseOnly) {
   EXPECT_FALSE(LDAPFilter("(key=1)").MatchCase(ignoring));
 }
 
+TEST(LdapFilter, EmptyFilterMatchesNothing) {
+  EXPECT_FALSE(LDAPFilter().Match(AnyMap()));
+  EXPECT_FALSE(LDAPFilter().MatchCase(AnyMap()));
+}
+
 TEST(LdapFilter, KeysThatDifferInCaseOnlyAreRefused) {
   const AnyMap properties(AnyMap::UNORDERED_MAP, {{"a", Any(1)}, {"A", Any(2)}});
   EXPECT_THROW(LDAPFilter("(a=1)").Match(properties), std::runtime_error);

@@ -1,4 +1,5 @@
 #include <cppmicroservices/Constants.h>
+#include <cppmicroservices/LDAPFilter.h>
 #include <cppmicroservices/ServiceEvent.h>
 #include <cppmicroservices/ServiceObjects.h>
 
@@ -157,6 +158,41 @@ TEST_F(Services, RegistrationEndsOnce) {
   EXPECT_FALSE(copy);
   EXPECT_TRUE(copy < registration);
   EXPECT_THROW(ServiceRegistrationU().Unregister(), std::logic_error);
+}
+
+TEST_F(Services, RegistrationThatIsEndingIsNotEndedAgain) {
+  auto registration = add("a");
+  int told = 0;
+  context.AddServiceListener([&](const ServiceEvent& event) {
+    EXPECT_EQ(event.GetType(), ServiceEvent::SERVICE_UNREGISTERING);
+    EXPECT_THROW(registration.Unregister(), std::logic_error);
+    ++told;
+  });
+  registration.Unregister();
+  EXPECT_EQ(told, 1);
+}
+
+TEST_F(Services, FiltersMatchReferencesAndBundles) {
+  auto registration = add("a", {{"kind", Any("x"s)}});
+  EXPECT_TRUE(LDAPFilter("(kind=x)").Match(registration.GetReference()));
+  EXPECT_FALSE(LDAPFilter("(kind=y)").Match(registration.GetReference()));
+  EXPECT_FALSE(LDAPFilter("(!(kind=x))").Match(ServiceReferenceU()));
+  const std::string name = framework.GetSymbolicName();
+  EXPECT_TRUE(LDAPFilter("(bundle.symbolic_name=" + name + ")").Match(framework));
+  EXPECT_FALSE(LDAPFilter("(!(bundle.symbolic_name=" + name + "))").Match(framework));
+}
+
+TEST_F(Services, VoidIsNoInterface) {
+  EXPECT_EQ(us_service_interface_iid<void>(), "");
+}
+
+TEST_F(Services, ReferenceThatNamesNothingHasNothing) {
+  const ServiceReferenceU none;
+  EXPECT_TRUE(none.GetProperty("a").Empty());
+  EXPECT_TRUE(none.GetPropertyKeys().empty());
+  EXPECT_TRUE(none.GetUsingBundles().empty());
+  EXPECT_FALSE(none.GetBundle());
+  EXPECT_FALSE(none.IsConvertibleTo("embedded_framework::Greeter"));
 }
 
 TEST_F(Services, ReferenceThatNamesNothingIsRefused) {

@@ -137,6 +137,9 @@ TEST_F(NodeOfADocument, MovesToItsNewParent) {
   EXPECT_TRUE(second->getChildren().empty());
   EXPECT_FALSE(text->getParent());
   EXPECT_TRUE(text->getContainer());
+  first->getChildrenMutable().add(text);
+  EXPECT_EQ(document.getNumberOfChildren(), 0u);
+  EXPECT_EQ(text->getParent(), first);
 }
 
 TEST_F(NodeOfADocument, IsNoChildOfItself) {
