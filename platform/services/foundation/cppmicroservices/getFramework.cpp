@@ -3,14 +3,28 @@
 #include <atomic>
 #include <mutex>
 #include <thread>
+#if __has_include(<sys/single_threaded.h>)
+#include <sys/single_threaded.h>
+#endif
 
 namespace foundation::cppmicroservices {
 namespace {
 
-/// Held for a few instructions at a time, and on every line that is parsed.
+/// Tells whether the process has had one thread only so far, as a shared pointer asks too.
+bool isOnlyThread() noexcept {
+#if __has_include(<sys/single_threaded.h>)
+  return __libc_single_threaded != 0;
+#else
+  return false;
+#endif
+}
+
+/// Held for a few instructions at a time, and on every line that is parsed: an atomic exchange
+/// waits for all that was written before it, which costs more than the rest of the lookup.
 class SpinLock {
  public:
   void lock() noexcept {
+    if (isOnlyThread()) return;
     while (held.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
   }
   void unlock() noexcept { held.clear(std::memory_order_release); }
