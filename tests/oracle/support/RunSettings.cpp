@@ -23,6 +23,8 @@ std::uint64_t randomSeed() {
 
 }  // namespace
 
+const bool RunSettings::takesShare = ORACLE_SHARE > 1;
+
 RunSettings RunSettings::fromEnvironment(std::size_t defaultCases) {
   RunSettings settings;
   const auto seed = numberFrom("ORACLE_SEED");

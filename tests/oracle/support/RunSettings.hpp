@@ -12,6 +12,8 @@ namespace quenlith::oracle {
 struct RunSettings {
   std::uint64_t seed = 0;
   std::size_t cases = 0;
+  /// Whether the program takes only a share of the cases, as sanitized ones do.
+  static const bool takesShare;
   /// The only case to run, when set.
   std::optional<std::size_t> only;
 
