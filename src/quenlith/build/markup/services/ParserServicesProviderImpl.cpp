@@ -32,12 +32,15 @@ std::shared_ptr<Service> getService(BundleContext& context,
 }
 
 template <class Service>
-std::vector<std::shared_ptr<Service>> findServices(const LDAPFilter& filter) {
+std::vector<ServiceReference<Service>> findReferences(BundleContext& context,
+                                                      const LDAPFilter& filter) {
+  return context.GetServiceReferences<Service>(filter.ToString());
+}
+
+template <class Service>
+std::vector<std::shared_ptr<Service>> getServices(
+    BundleContext& context, const std::vector<ServiceReference<Service>>& references) {
   std::vector<std::shared_ptr<Service>> found;
-  const auto framework = foundation::cppmicroservices::getFramework();
-  if (framework == nullptr) return found;
-  BundleContext context = framework->GetBundleContext();
-  const auto references = context.GetServiceReferences<Service>(filter.ToString());
   found.reserve(references.size());
   for (const ServiceReference<Service>& reference : references) {
     if (auto service = getService(context, reference)) found.push_back(std::move(service));
@@ -46,11 +49,19 @@ std::vector<std::shared_ptr<Service>> findServices(const LDAPFilter& filter) {
 }
 
 template <class Service>
+std::vector<std::shared_ptr<Service>> findServices(const LDAPFilter& filter) {
+  const auto framework = foundation::cppmicroservices::getFramework();
+  if (framework == nullptr) return {};
+  BundleContext context = framework->GetBundleContext();
+  return getServices(context, findReferences<Service>(context, filter));
+}
+
+template <class Service>
 std::shared_ptr<Service> findService(const LDAPFilter& filter) {
   const auto framework = foundation::cppmicroservices::getFramework();
   if (framework == nullptr) return nullptr;
   BundleContext context = framework->GetBundleContext();
-  const auto references = context.GetServiceReferences<Service>(filter.ToString());
+  const auto references = findReferences<Service>(context, filter);
   if (references.empty()) return nullptr;
   return getService(context, references.front());
 }
@@ -62,13 +73,23 @@ ParserServicesProviderImpl::~ParserServicesProviderImpl() = default;
 
 std::vector<std::shared_ptr<LineContributorDataParser>>
 ParserServicesProviderImpl::getLineContributorDataParsers() {
-  if (lineContributorDataParsers.empty()) {
-    auto found = findServices<LineContributorDataParser>(LDAPFilter());
-    // Mostly there is none, and the next line looks again.
-    if (found.empty()) return found;
-    lineContributorDataParsers = std::move(found);
-  }
+  if (lineContributorDataParsers.empty()) lookForContributors();
   return lineContributorDataParsers;
+}
+
+void ParserServicesProviderImpl::lookForContributors() {
+  const auto framework = foundation::cppmicroservices::getFramework();
+  if (framework == nullptr || noContributors.isConfirmed(framework)) return;
+  noContributors.begin(framework, us_service_interface_iid<LineContributorDataParser>());
+  BundleContext context = framework->GetBundleContext();
+  const auto references = findReferences<LineContributorDataParser>(context, LDAPFilter());
+  if (references.empty()) {
+    noContributors.confirm();
+    return;
+  }
+  lineContributorDataParsers = getServices(context, references);
+  // One that could not be made may be made next time, and nobody would tell.
+  if (!lineContributorDataParsers.empty()) noContributors.end();
 }
 
 std::vector<std::shared_ptr<CodeElementParser>>

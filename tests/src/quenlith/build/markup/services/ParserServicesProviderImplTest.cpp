@@ -14,6 +14,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -236,7 +237,113 @@ TEST_F(ParserServicesProvider, SkipsAContributorThatCannotBeMade) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(a));
 }
 
+TEST_F(ParserServicesProvider, AsksAgainForAContributorThatCouldNotBeMade) {
+  std::shared_ptr<LineContributorDataParser> made;
+  addFactory<LineContributorDataParser>([&made]() -> cppmicroservices::InterfaceMapConstPtr {
+    if (made == nullptr) return nullptr;
+    return cppmicroservices::MakeInterfaceMap<LineContributorDataParser>(made);
+  });
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  // Nothing is registered or unregistered in between.
+  made = makeContributor();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(made));
+}
+
+TEST_F(ParserServicesProvider, SeesNoContributorThatIsGoneAgain) {
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  context().RegisterService<LineContributorDataParser>(makeContributor()).Unregister();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  const auto c = addContributor();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
+}
+
+TEST_F(ParserServicesProvider, SeesAContributorOfAnotherThread) {
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  std::thread([this] { addContributor(); }).join();
+  EXPECT_EQ(provider.getLineContributorDataParsers().size(), 1u);
+}
+
+TEST_F(ParserServicesProvider, SeesAContributorAmongOtherServices) {
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+    addElementParser();
+  }
+  const auto c = addContributor();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
+}
+
 // The framework.
+
+TEST_F(ParserServicesProvider, LooksAgainInAFrameworkThatStartedAgain) {
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  stop();
+  EXPECT_THROW(provider.getLineContributorDataParsers(), std::runtime_error);
+  EXPECT_THROW(provider.getLineContributorDataParsers(), std::runtime_error);
+  framework->Start();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  const auto c = addContributor();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
+}
+
+TEST_F(ParserServicesProvider, LooksAgainWhenTheFrameworkStartedAgainUnseen) {
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  stop();
+  framework->Start();
+  const auto c = addContributor();
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
+}
+
+TEST_F(ParserServicesProvider, LooksInTheFrameworkThatRunsNow) {
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  const auto other =
+      std::make_shared<Framework>(cppmicroservices::FrameworkFactory().NewFramework());
+  other->Start();
+  const auto c = makeContributor();
+  (void)other->GetBundleContext().RegisterService<LineContributorDataParser>(c);
+  setFramework(nullptr);
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  setFramework(framework);
+  EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
+  setFramework(other);
+  EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
+  setFramework(framework);
+  other->Stop();
+  other->WaitForStop(std::chrono::milliseconds::zero());
+}
+
+TEST_F(ParserServicesProvider, MayEndBeforeAContributorComes) {
+  ParserServicesProviderImpl().getLineContributorDataParsers();
+  addContributor();
+  EXPECT_EQ(ParserServicesProviderImpl().getLineContributorDataParsers().size(), 1u);
+}
+
+TEST_F(ParserServicesProvider, MayEndAfterTheFrameworkHasStoppedOrIsGone) {
+  auto first = std::make_unique<ParserServicesProviderImpl>();
+  auto second = std::make_unique<ParserServicesProviderImpl>();
+  first->getLineContributorDataParsers();
+  second->getLineContributorDataParsers();
+  stop();
+  first.reset();
+  setFramework(nullptr);
+  framework = std::make_shared<Framework>(cppmicroservices::FrameworkFactory().NewFramework());
+  framework->Start();
+  setFramework(framework);
+  EXPECT_THAT(second->getLineContributorDataParsers(), IsEmpty());
+  addContributor();
+  EXPECT_EQ(second->getLineContributorDataParsers().size(), 1u);
+}
+
+TEST_F(ParserServicesProvider, DoesNotKeepTheFramework) {
+  const std::weak_ptr<Framework> watched = framework;
+  provider.getLineContributorDataParsers();
+  setFramework(nullptr);
+  stop();
+  framework = std::make_shared<Framework>(cppmicroservices::FrameworkFactory().NewFramework());
+  framework->Start();
+  EXPECT_TRUE(watched.expired());
+}
 
 TEST_F(ParserServicesProvider, WithoutAFrameworkFindsNothing) {
   addElementParser();
