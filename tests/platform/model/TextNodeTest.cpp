@@ -99,6 +99,21 @@ TEST_F(TextNode, IsMadeWithTextsOfEveryLength) {
   }
 }
 
+TEST_F(TextNode, MadeWithAnEmptyTextHasNoRoomToGiveBack) {
+  const auto make = [this](std::u16string_view text) {
+    return PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, text);
+  };
+  const PlainTextNode empty = make(u"");
+  PlainTextNode behind = make(u"behind");
+  const void* place = behind.get();
+  empty->setText(u"a text that needs a block of its own");
+  EXPECT_EQ(behind->getText(), u"behind");
+  // The one behind still ends with its last handle.
+  behind = PlainTextNode();
+  behind = make(u"again!");
+  EXPECT_EQ(static_cast<const void*>(behind.get()), place);
+}
+
 TEST_F(TextNode, MadeWithItsTextTakesAnotherOneIntoItsRoom) {
   const PlainTextNode made =
       PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"twelve units");

@@ -33,7 +33,7 @@ class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
 
   /// Like `setText`, for a node without a text that was made with room for this one.
   void setFirstText(std::u16string_view firstText) {
-    if (firstText.size() * sizeof(char16_t) > ownRoomBytes()) {
+    if (firstText.empty() || firstText.size() * sizeof(char16_t) > ownRoomBytes()) {
       setText(firstText);
       return;
     }
