@@ -23,7 +23,7 @@ std::uint64_t randomSeed() {
 
 }  // namespace
 
-const bool RunSettings::takesShare = ORACLE_SHARE > 1;
+const bool RunSettings::kTakesShare = ORACLE_SHARE > 1;
 
 RunSettings RunSettings::fromEnvironment(std::size_t defaultCases) {
   RunSettings settings;

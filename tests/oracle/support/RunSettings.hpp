@@ -13,7 +13,7 @@ struct RunSettings {
   std::uint64_t seed = 0;
   std::size_t cases = 0;
   /// Whether the program takes only a share of the cases, as sanitized ones do.
-  static const bool takesShare;
+  static const bool kTakesShare;
   /// The only case to run, when set.
   std::optional<std::size_t> only;
 

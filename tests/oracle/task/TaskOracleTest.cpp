@@ -31,7 +31,7 @@ bool runLongCases(Tally& tally) {
     TaskCase taskCase;
     taskCase.steps = longTaskSteps(static_cast<LongEnd>(end));
     for (const bool logging : {false, true}) {
-      if (logging && RunSettings::takesShare) continue;
+      if (logging && RunSettings::kTakesShare) continue;
       taskCase.plan.logging = logging;
       if (!runCase(taskCase, "a task of 65,536 lines", tally)) return false;
     }

@@ -78,7 +78,8 @@ TEST(ScannerMemory, AMarkerIsOneBlockUntilItsDataIsAskedFor) {
   const std::size_t before = allocationCount();
   const Marker marker(text);
   EXPECT_EQ(allocationCount(), before + 1);
-  const Marker copy = marker;
+  Marker copy;
+  copy = marker;
   EXPECT_EQ(copy.dataView().size(), 1U);
   const std::size_t asked = allocationCount();
   EXPECT_GT(asked, before + 1);
