@@ -1,11 +1,13 @@
 #include "platform/model/Box.hpp"
 
+#include "kd/zero/Containment.hpp"
 #include "kd/zero/Value.hpp"
 #include "kd/zero/meta/Class.hpp"
 #include "kd/zero/meta/Property.hpp"
 
 namespace quenlith::test {
 
+using kd::zero::Containment;
 using kd::zero::ElementMaker;
 using kd::zero::ModelElement;
 using kd::zero::ReferenceCollection;
@@ -28,7 +30,11 @@ void assignHolder(ModelElement::Impl& element, ModelElement::Impl& owner, const 
 }
 
 void addAdmirer(ModelElement::Impl& element, ModelElement::Impl& owner, const Property&) {
-  static_cast<Box::Impl&>(element).admirers.push_back(&owner);
+  auto& admired = static_cast<Box::Impl&>(element);
+  if (admired.refusesAdmirers) throw Refused();
+  admired.admirers.push_back(&owner);
+  const Box::Impl::Boxes& all = static_cast<const Box::Impl&>(owner).admired;
+  admired.admiredWhenTold = static_cast<std::uint32_t>(all.size());
 }
 
 Value readNumber(const ModelElement::Impl&) {
@@ -46,6 +52,14 @@ Value readNothing(const ModelElement::Impl&) {
 
 const Property& holderProperty() {
   static const Property property({.name = u"holder", .read = &readHolder, .assign = &assignHolder});
+  return property;
+}
+
+const Property& containerLink() {
+  static const Property property({.name = u"container",
+                                  .container = true,
+                                  .read = &Containment::read,
+                                  .assign = &Containment::assign});
   return property;
 }
 
@@ -112,6 +126,7 @@ Box::Impl::Impl(Loaded loaded)
       held(*this, collection<&Impl::held>(Unique::kYes, Composite::kNo, &holderProperty())),
       heldParts(*this,
                 collection<&Impl::heldParts>(Unique::kYes, Composite::kYes, &holderProperty())),
+      linked(*this, collection<&Impl::linked>(Unique::kYes, Composite::kNo, &containerLink())),
       admired(*this, collection<&Impl::admired>(Unique::kYes, Composite::kNo, &admirersProperty())),
       misread(*this, collection<&Impl::misread>(Unique::kYes, Composite::kNo, &weightProperty())),
       refused(*this, collection<&Impl::refused>(Unique::kYes, Composite::kNo, &refuserProperty())),
@@ -127,8 +142,8 @@ Box::Impl::~Impl() {
 }
 
 void Box::Impl::releaseAll(ModelElement::Releases& releases) noexcept {
-  for (Boxes* each : {&anything, &distinct, &parts, &repeatableParts, &held, &heldParts, &admired,
-                      &misread, &refused}) {
+  for (Boxes* each : {&anything, &distinct, &parts, &repeatableParts, &held, &heldParts, &linked,
+                      &admired, &misread, &refused}) {
     each->releaseAll(releases);
   }
 }

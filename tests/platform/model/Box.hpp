@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,8 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
   Boxes held;
   /// Unique and composite, with the single-valued opposite `holder`.
   Boxes heldParts;
+  /// Unique, with the link to the container as its opposite.
+  Boxes linked;
   /// Unique, with the many-valued opposite `admirers`.
   Boxes admired;
   /// Unique, with an opposite that holds a number.
@@ -53,6 +56,10 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
 
   kd::zero::ModelElement::Impl* holder = nullptr;
   std::vector<const kd::zero::ModelElement::Impl*> admirers;
+  /// How many boxes its latest admirer had in `admired` when this one was told of it.
+  std::uint32_t admiredWhenTold = 0;
+  /// It throws when it is told of an admirer.
+  bool refusesAdmirers = false;
 
  private:
   friend struct kd::zero::ElementMaker;
@@ -70,7 +77,7 @@ int liveBoxes();
 /// How many times the opposite `holder` of a box was read so far.
 int holderReads();
 
-/// What the opposite of `refused` throws.
+/// What the opposite of `refused` throws, and a box that refuses admirers.
 struct Refused {};
 
 }  // namespace quenlith::test

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <limits>
 #include <stdexcept>
 #include <vector>
@@ -247,6 +248,15 @@ TEST_F(ElementSequence, WithAnOppositeSetsIt) {
             (std::vector<const kd::zero::ModelElement::Impl*>{owner.get(), other.get()}));
 }
 
+TEST_F(ElementSequence, HoldsTheElementWhenItsOppositeIsSet) {
+  const Box first = makeBox(model);
+  const Box second = makeBox(model);
+  owner->admired.add(first);
+  owner->admired.add(second);
+  EXPECT_EQ(first->admiredWhenTold, 1u);
+  EXPECT_EQ(second->admiredWhenTold, 2u);
+}
+
 TEST_F(ElementSequence, ThatIsCompositeAndHasAnOppositeSetsTheOppositeOnly) {
   const Box box = makeBox(model);
   owner->heldParts.add(box);
@@ -269,6 +279,32 @@ TEST_F(ElementSequence, ALargeOneForgetsAnElementWhoseOppositeCannotBeSet) {
   EXPECT_THROW(owner->refused.add(makeBox(model)), quenlith::test::Refused);
   EXPECT_EQ(owner->refused.size(), 20u);
   EXPECT_EQ(liveBoxes(), 22);
+}
+
+TEST_F(ElementSequence, ALargeOneTakesAnElementLaterThatItCouldNotTakeAtFirst) {
+  constexpr std::size_t kMany = 20;
+  for (std::size_t i = 0; i < kMany; ++i) owner->admired.add(makeBox(model));
+  const Box box = makeBox(model);
+  box->refusesAdmirers = true;
+  EXPECT_THROW(owner->admired.add(box), quenlith::test::Refused);
+  EXPECT_EQ(owner->admired.size(), kMany);
+  box->refusesAdmirers = false;
+  owner->admired.add(box);
+  EXPECT_EQ(owner->admired.size(), kMany + 1);
+}
+
+TEST_F(ElementSequence, ALargeOneTakesAnElementAgainThatWasRolledBack) {
+  constexpr std::size_t kMany = 20;
+  for (std::size_t i = 0; i < kMany; ++i) owner->distinct.add(makeBox(model));
+  const Box box = makeBox(model);
+  {
+    const AbstractOwnedCollection::Operation undone(owner->distinct);
+    owner->distinct.add(box);
+    EXPECT_EQ(owner->distinct.size(), kMany + 1);
+  }
+  EXPECT_EQ(owner->distinct.size(), kMany);
+  owner->distinct.add(box);
+  EXPECT_EQ(owner->distinct.size(), kMany + 1);
 }
 
 // From one owner to another.
@@ -361,6 +397,16 @@ TEST_F(ElementSequence, RefusesToContainWhatItsOwnerIsWithin) {
     EXPECT_EQ(refusal.getKey(), "ElementWithinItself");
   }
   EXPECT_TRUE(leaf->parts.empty());
+  EXPECT_FALSE(owner->getContainer());
+}
+
+TEST_F(ElementSequence, ThatLinksTheContainerRefusesWhatItsOwnerIsWithin) {
+  EXPECT_FALSE(owner->linked.isComposite());
+  owner->linked.add(other);
+  EXPECT_EQ(other->getContainer(), owner);
+  EXPECT_THROW(other->linked.add(owner), WithinItself);
+  EXPECT_THROW(other->linked.add(other), WithinItself);
+  EXPECT_TRUE(other->linked.empty());
   EXPECT_FALSE(owner->getContainer());
 }
 
