@@ -99,9 +99,9 @@ const MarkerParts::Data& MarkerParts::data() const {
       std::move(foundation::json::readEmbeddedObject(dataText(), 0)->object));
   const Data* first = nullptr;
   // Another thread may have been faster: what it read is as good, and is in use.
-  if (!readData.compare_exchange_strong(first, read.get(), std::memory_order_acq_rel))
-    return *first;
-  return *read.release();
+  const bool isFirst =
+      readData.compare_exchange_strong(first, read.get(), std::memory_order_acq_rel);
+  return isFirst ? *read.release() : *first;
 }
 
 void MarkerParts::end() const noexcept {
