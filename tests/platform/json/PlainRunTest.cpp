@@ -29,6 +29,30 @@ TEST(PlainRun, EveryUnitAtEveryPlaceIsSeen) {
   }
 }
 
+TEST(PlainRun, PlainAsciiIsCopiedUpToTheFirstOtherUnit) {
+  for (std::size_t size = 1; size <= 35; ++size) {
+    for (std::size_t at = 0; at < size; ++at) {
+      for (unsigned code = 0; code <= 0xFFFF; code += code < 0x200 ? 1 : 0x7F) {
+        const auto unit = static_cast<char16_t>(code);
+        std::u16string text(size, u'x');
+        std::string expected(size, 'x');
+        text[at] = unit;
+        if (unit >= 0x7F || endsWriting(unit)) {
+          expected.resize(at);
+        } else {
+          expected[at] = static_cast<char>(unit);
+        }
+        // One byte more tells what is written behind the room.
+        std::string output(size + 1, '-');
+        const std::size_t length = copyPlainAscii(text, output.data());
+        ASSERT_EQ(output.substr(0, length), expected) << code;
+        ASSERT_EQ(output.back(), '-') << code;
+      }
+    }
+  }
+  EXPECT_EQ(copyPlainAscii({}, nullptr), 0U);
+}
+
 TEST(PlainRun, StartsWhereItIsTold) {
   const std::u16string_view text = u"\"abc\"de";
   EXPECT_EQ(plainRunEnd(text, 1), 4U);

@@ -44,7 +44,36 @@ std::size_t skipBlocks(std::u16string_view text, std::size_t at) {
   }
   return at;
 }
+
+// Copies sixteen units as bytes and returns the bits of those that end the run, one a unit.
+unsigned copySixteen(const char16_t* units, char* output) {
+  const auto* blocks = reinterpret_cast<const __m128i*>(units);
+  // A unit above U+00FF becomes 00 or FF, and all bytes from 80 are negative.
+  const __m128i bytes = _mm_packus_epi16(_mm_loadu_si128(blocks), _mm_loadu_si128(blocks + 1));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(output), bytes);
+  __m128i found = _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20));
+  found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(0x7F)));
+  found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')));
+  found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\')));
+  return static_cast<unsigned>(_mm_movemask_epi8(found));
+}
+
+// Copies up to the end of a run or until fewer than sixteen units are left.
+std::size_t copyBlocks(std::u16string_view text, char* output) {
+  std::size_t at = 0;
+  for (; text.size() - at >= 16; at += 16) {
+    const unsigned mask = copySixteen(text.data() + at, output + at);
+    if (mask != 0) {
+      return at + static_cast<unsigned>(__builtin_ctz(mask));
+    }
+  }
+  return at;
+}
 #else
+std::size_t copyBlocks(std::u16string_view, char*) {
+  return 0;
+}
+
 template <Stops stops>
 std::size_t skipBlocks(std::u16string_view, std::size_t at) {
   return at;
@@ -84,6 +113,14 @@ std::size_t writableRunEnd(std::string_view text, std::size_t from) noexcept {
     ++from;
   }
   return from;
+}
+
+std::size_t copyPlainAscii(std::u16string_view text, char* output) noexcept {
+  std::size_t at = copyBlocks(text, output);
+  for (; at < text.size() && text[at] < 0x7F && isPlain<Stops::kWriting>(text[at]); ++at) {
+    output[at] = static_cast<char>(text[at]);
+  }
+  return at;
 }
 
 }  // namespace foundation::json

@@ -18,4 +18,9 @@ QUENLITH_JSON_EXPORT std::size_t writableRunEnd(std::u16string_view text,
 /// Like `writableRunEnd`, but of UTF-8: an escaped character may begin with the byte C2.
 QUENLITH_JSON_EXPORT std::size_t writableRunEnd(std::string_view text, std::size_t from) noexcept;
 
+/// Copies the units of `text` to `output` as bytes up to the first one that ends a run for writing
+/// or is above U+007E, and returns how many. All of the room of `text.size()` bytes may be written
+/// to.
+QUENLITH_JSON_EXPORT std::size_t copyPlainAscii(std::u16string_view text, char* output) noexcept;
+
 }  // namespace foundation::json

@@ -153,8 +153,15 @@ void appendCanonicalNumber(std::string& output, double number) {
 }
 
 void appendQuoted(std::string& output, std::u16string_view text) {
-  output.append(1, '"');
-  for (std::size_t at = 0; at < text.size();) {
+  const std::size_t begin = output.size() + 1;
+  // Plain ASCII, as most texts are, fills the room that is made for it and its quotes.
+  output.resize(begin + text.size() + 1, '"');
+  const std::size_t plain = copyPlainAscii(text, output.data() + begin);
+  if (plain == text.size()) {
+    return;
+  }
+  output.resize(begin + plain);
+  for (std::size_t at = plain; at < text.size();) {
     const std::size_t end = writableRunEnd(text, at);
     fl::i18n::appendUtf8(output, text.substr(at, end - at));
     at = end;
