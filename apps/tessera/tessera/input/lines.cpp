@@ -1,27 +1,35 @@
 #include "tessera/input/lines.hpp"
 
-#include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace tessera::input {
 namespace {
 
-constexpr std::uint64_t kOnes = 0x0001000100010001;
-constexpr std::uint64_t kTops = 0x8000800080008000;
-
-/// Tells whether one of the four units at `units` equals the one that `wanted` repeats: the
-/// usual trick with a borrow, which reaches the top bit of a unit only from a zero.
-bool hasUnit(const char16_t* units, std::uint64_t wanted) noexcept {
-  std::uint64_t four;
-  std::memcpy(&four, units, sizeof four);
-  four ^= wanted;
-  return ((four - kOnes) & ~four & kTops) != 0;
+#ifdef __SSE2__
+/// Returns the place of the first `unit` in the whole blocks of eight, or where they end.
+std::size_t findInBlocks(std::u16string_view text, char16_t unit) noexcept {
+  const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
+  std::size_t at = 0;
+  for (; text.size() - at >= 8; at += 8) {
+    const auto* block = reinterpret_cast<const __m128i*>(text.data() + at);
+    const __m128i equal = _mm_cmpeq_epi16(_mm_loadu_si128(block), wanted);
+    const auto bits = static_cast<unsigned>(_mm_movemask_epi8(equal));
+    if (bits != 0) return at + static_cast<unsigned>(__builtin_ctz(bits)) / 2;
+  }
+  return at;
 }
+#else
+std::size_t findInBlocks(std::u16string_view, char16_t) noexcept {
+  return 0;
+}
+#endif
 
 }  // namespace
 
 std::size_t findUnit(std::u16string_view text, char16_t unit) noexcept {
-  std::size_t at = 0;
-  while (at + 4 <= text.size() && !hasUnit(text.data() + at, kOnes * unit)) at += 4;
+  std::size_t at = findInBlocks(text, unit);
   while (at < text.size() && text[at] != unit) ++at;
   return at;
 }
