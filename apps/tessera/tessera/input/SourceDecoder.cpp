@@ -1,5 +1,7 @@
 #include "tessera/input/SourceDecoder.hpp"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -28,6 +30,15 @@ std::size_t unfinishedTail(std::string_view bytes) {
   return 0;
 }
 
+/// Asks for large pages from `begin` on where there are any. To touch each small page of a large
+/// text for the first time takes longer than to fill it.
+void useLargePages(void* begin, std::size_t sizeBytes) {
+  constexpr std::size_t kLargePage = std::size_t{2} << 20;
+  if (std::align(kLargePage, kLargePage, begin, sizeBytes) != nullptr) {
+    ::madvise(begin, sizeBytes, MADV_HUGEPAGE);
+  }
+}
+
 std::string hexOf(unsigned char byte) {
   constexpr std::string_view kHex = "0123456789ABCDEF";
   return {'0', 'x', kHex[byte >> 4], kHex[byte & 0xF]};
@@ -39,6 +50,7 @@ SourceDecoder::SourceDecoder(std::string fileName, std::size_t expectedBytes)
     : file(std::move(fileName)), units(std::make_unique_for_overwrite<char16_t[]>(kChunkBytes)) {
   // A text never has more units than bytes; room that is not used is never touched.
   text.reserve(expectedBytes);
+  useLargePages(text.data(), expectedBytes * sizeof(char16_t));
 }
 
 std::size_t SourceDecoder::append(std::string_view bytes) {
