@@ -1,7 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "foundation/json/Writer.hpp"
 #include "tessera/output/DocumentWriter.hpp"
@@ -23,25 +24,33 @@ class LineJson {
  private:
   using Line = session::LineTable::Line;
 
-  /// A line's JSON, cut at its number and at the index of its one node.
+  /// A number in the text of the pattern.
+  struct Number {
+    std::uint64_t value = 0;
+    std::size_t end = 0;
+  };
+
+  /// The JSON of a line that added one node, as it stands behind that of another line. What lines
+  /// alike differ in are these numbers only; they count on in their places.
   struct Pattern {
     const session::LineOutcome* outcome = nullptr;
-    std::string beforeNumber;
-    std::string beforeNode;
-    std::string behindNode;
+    std::string text;
+    Number line;
+    Number node;
   };
 
   void writeLine(const Line& line, const FileResult& result);
-  void writeWhole(foundation::json::Writer& target, const Line& line,
-                  const FileResult& result) const;
-  void writePattern(const Line& line);
-  Pattern makePattern(const Line& line, const FileResult& result) const;
+  bool fitPattern(const Line& line);
+  bool countTo(Number& number, std::uint64_t value);
+  void makePattern(const Line& line, const FileResult& result);
+  void writeThroughNodes(foundation::json::Writer& target, const Line& line,
+                         const FileResult& result) const;
+  void writeRest(foundation::json::Writer& target, const Line& line) const;
 
   OutputFile& output;
   foundation::json::Writer& json;
   foundation::json::Form form;
   Records records;
-  // Of the outcome that more than one line shares; lines alike differ in these numbers only.
   Pattern pattern;
   const session::LineOutcome* previous = nullptr;
 };

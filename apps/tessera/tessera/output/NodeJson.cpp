@@ -18,7 +18,8 @@ namespace {
 
 constexpr std::string_view kKey = "nodes";
 
-/// Returns the JSON of a plain line whose text is `text`, as it stands in the member.
+/// Returns the JSON of a plain line whose text is `text`, as it stands behind that of another node
+/// in the member.
 std::string renderPlainLine(foundation::json::Form form, std::u16string_view text) {
   const kd::zero::Model model = kd::zero::Model::create();
   LineNode line = LineNode::Builder(model).createLineNode(boost::uuids::uuid());
@@ -30,8 +31,11 @@ std::string renderPlainLine(foundation::json::Form form, std::u16string_view tex
   writer.beginObject();
   writer.key(kKey);
   writer.beginArray();
+  // In place of the node before.
+  writer.null();
+  const std::size_t begin = rendered.size();
   NodeWriter(writer).write(line);
-  return rendered.substr(rendered.find('{', 1));
+  return rendered.substr(begin);
 }
 
 }  // namespace
@@ -50,16 +54,19 @@ void NodeJson::writeMember(const kd::zero::ElementSequence<Node>& nodes) {
   json.key(kKey);
   json.beginArray();
   for (const Node& node : nodes) {
-    writeNode(node);
+    if (&node != nodes.begin() && isPlainLine(node)) {
+      writePlainLine(textOf(node->getChildren()[0]));
+    } else {
+      NodeWriter(json).write(node);
+    }
     output.flushIfLarge();
   }
   json.endArray();
 }
 
-void NodeJson::writeNode(const Node& node) {
-  if (!isPlainLine(node)) return NodeWriter(json).write(node);
-  json.raw(beforeText);
-  foundation::json::appendQuoted(output.text(), textOf(node->getChildren()[0]));
+void NodeJson::writePlainLine(std::u16string_view text) {
+  output.text() += beforeText;
+  foundation::json::appendQuoted(output.text(), text);
   output.text() += behindText;
 }
 

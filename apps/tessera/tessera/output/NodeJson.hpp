@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "document/kdzero/Node.hpp"
 #include "foundation/json/Writer.hpp"
@@ -18,12 +19,12 @@ class NodeJson {
   void writeMember(const kd::zero::ElementSequence<document::kdzero::Node>& nodes);
 
  private:
-  void writeNode(const document::kdzero::Node& node);
+  void writePlainLine(std::u16string_view text);
 
   OutputFile& output;
   foundation::json::Writer& json;
-  // What stands around the text of a plain line. Most lines are plain, and to put these together
-  // anew for each would take ten times as long as to copy them.
+  // What stands around the text of a plain line that is not the first. Most lines are plain, and to
+  // put these together anew for each would take ten times as long as to copy them.
   std::string beforeText;
   std::string behindText;
 };

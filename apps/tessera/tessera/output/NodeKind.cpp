@@ -18,9 +18,11 @@ bool hasNoExtras(const Node& node) noexcept {
 }  // namespace
 
 NodeKind kindOf(const Node& node) noexcept {
-  if (node->isKindOf(PlainTextNode::Impl::classOf())) return NodeKind::kPlainText;
-  if (node->isKindOf(LiveAppLineNode::Impl::classOf())) return NodeKind::kTaskLine;
-  if (node->isKindOf(LiveAppIntegratedInlineNode::Impl::classOf())) return NodeKind::kTask;
+  // No class is derived from these.
+  const auto* const nodeClass = &node->getMetaClass();
+  if (nodeClass == &PlainTextNode::Impl::classOf()) return NodeKind::kPlainText;
+  if (nodeClass == &LiveAppLineNode::Impl::classOf()) return NodeKind::kTaskLine;
+  if (nodeClass == &LiveAppIntegratedInlineNode::Impl::classOf()) return NodeKind::kTask;
   return NodeKind::kLine;
 }
 

@@ -9,8 +9,7 @@ namespace tessera::output {
 /// The kinds of node that a document is made of.
 enum class NodeKind { kLine, kPlainText, kTaskLine, kTask };
 
-/// Returns the kind of `node`. One of a class of another bundle counts as the kind that its
-/// class is derived from, a line when there is none.
+/// Returns the kind of `node`. One of a class of another bundle counts as a line.
 NodeKind kindOf(const document::kdzero::Node& node) noexcept;
 
 /// Returns the name of the kind's class.

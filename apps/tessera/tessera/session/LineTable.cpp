@@ -3,17 +3,14 @@
 #include <utility>
 
 namespace tessera::session {
-namespace {
 
-bool areAlike(const LineOutcome& a, const LineOutcome& b) {
+bool areAlike(const LineOutcome& a, const LineOutcome& b) noexcept {
   return a.parser == b.parser && a.nodeCount == b.nodeCount && a.result.type == b.result.type &&
          a.result.flag == b.result.flag && a.result.markerTypes == b.result.markerTypes &&
          a.log == b.log;
 }
 
-}  // namespace
-
-void LineTable::add(LineOutcome outcome) {
+void LineTable::add(LineOutcome&& outcome) {
   if (!runs.empty()) {
     Run& last = runs.back();
     const std::uint64_t behind = last.first.firstNode + last.lines * last.first.nodeCount;

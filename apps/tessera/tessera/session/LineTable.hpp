@@ -21,11 +21,15 @@ struct LineOutcome {
   std::vector<std::string> log;
 };
 
+/// Tells whether two outcomes differ in nothing but the index of their first node.
+bool areAlike(const LineOutcome& a, const LineOutcome& b) noexcept;
+
 /// The outcomes of a file's lines, in order. Lines alike that follow one another take the room
 /// of one, so that plain code costs nothing here.
 class LineTable {
  public:
-  void add(LineOutcome outcome);
+  /// By reference: of lines alike, only the first is kept.
+  void add(LineOutcome&& outcome);
 
   /// A line as it is read back; borrowed from the table.
   struct Line {

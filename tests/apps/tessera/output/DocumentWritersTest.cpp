@@ -183,14 +183,61 @@ TEST_F(DocumentWriters, ALineShowsItsResultAndTheRecordsOnlyWhenAsked) {
   EXPECT_EQ(tree(Records::kShown), rows + "          log: one\n          log: \\u001b\n");
 }
 
+TEST_F(DocumentWriters, PlainLinesAreWrittenLikeAnyOther) {
+  std::string nodes = "\"nodes\":[";
+  for (int number = 1; number <= 1111; ++number) {
+    auto line = nodes::makeLine(model());
+    const std::string text = std::to_string(number);
+    line->getChildrenMutable().add(
+        nodes::makeText(model(), std::u16string(text.begin(), text.end())));
+    // Not plain, in between.
+    if (number % 100 == 0) line->setAnchorId(u"here");
+    addLine(line);
+    nodes += std::string(number == 1 ? "" : ",") + "{\"kind\":\"LineNode\",\"anchorId\":\"" +
+             (number % 100 == 0 ? "here" : "") +
+             "\",\"children\":[{\"kind\":\"PlainTextNode\",\"text\":\"" + text +
+             "\",\"anchorId\":\"\",\"children\":[],\"contributorData\":[],"
+             "\"parserFailures\":[]}],\"contributorData\":[],\"parserFailures\":[]}";
+  }
+  const std::string end = json();
+  const std::string written = folder.read("out") + end;
+  EXPECT_EQ(written.substr(written.find("\"nodes\""), nodes.size() + 1), nodes + "]");
+}
+
+TEST_F(DocumentWriters, LinesAlikeHaveNumbersThatCountOn) {
+  parsers[0].name = "nodes 7";
+  tessera::session::LineOutcome outcome;
+  outcome.log = {"nodes", "\"nodes\":[8]"};
+  std::string lines = "\"lines\":[";
+  int nodeCount = 0;
+  for (int number = 1; number <= 1111; ++number) {
+    // Lines of another kind stand in between, once where the next number has a digit more.
+    outcome.parser = number == 500 || number == 999 ? 1 : 0;
+    const bool hasNode = number < 600 || number > 602;
+    if (hasNode) {
+      addLine(nodes::makeLine(model()), outcome);
+    } else {
+      parsed.lines.add(tessera::session::LineOutcome(outcome));
+    }
+    lines += std::string(number == 1 ? "" : ",") + "{\"line\":" + std::to_string(number) +
+             ",\"parser\":\"" + parsers[outcome.parser].name +
+             "\",\"type\":{\"group\":0,\"kind\":0},\"flag\":false,\"markerTypes\":[],\"nodes\":[" +
+             (hasNode ? std::to_string(nodeCount++) : "") +
+             "],\"log\":[\"nodes\",\"\\\"nodes\\\":[8]\"]}";
+  }
+  const std::string end = json(Form::kCompact, Records::kShown);
+  const std::string written = folder.read("out") + end;
+  EXPECT_EQ(written.substr(written.find("\"lines\"")), lines + "]}\n");
+}
+
 TEST_F(DocumentWriters, ALineMayAddNoNodeOrSeveral) {
   tessera::session::LineOutcome none;
-  parsed.lines.add(none);
+  parsed.lines.add(std::move(none));
   tessera::session::LineOutcome two;
   two.nodeCount = 2;
   parsed.document->addChild(nodes::makeLine(model()));
   parsed.document->addChild(nodes::makeText(model(), u"top"));
-  parsed.lines.add(two);
+  parsed.lines.add(std::move(two));
   const std::string written = json();
   EXPECT_NE(written.find("\"line\":1,"), written.npos);
   EXPECT_NE(written.find("\"nodes\":[]}"), written.npos);

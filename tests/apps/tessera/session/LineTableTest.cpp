@@ -70,7 +70,7 @@ TEST(LineTable, LinesThatDifferInOnePartAreKeptApart) {
   outcomes[4].result.markerTypes = {u"%<@task>"};
   outcomes[5].log = {"a record"};
   LineTable table;
-  for (const LineOutcome& each : outcomes) table.add(each);
+  for (const LineOutcome& each : outcomes) table.add(LineOutcome(each));
   LineTable::Cursor cursor(table);
   for (const LineOutcome& each : outcomes) {
     ASSERT_TRUE(cursor.advance());
