@@ -27,11 +27,13 @@ bool isSetByFramework(const std::string& key) {
 
 // Makes an exception with the one that is being handled nested in it.
 std::exception_ptr nestedFactoryException(const std::string& text) {
+  std::exception_ptr nested;
   try {
     std::throw_with_nested(ServiceException(text, ServiceException::FACTORY_EXCEPTION));
   } catch (...) {
-    return std::current_exception();
+    nested = std::current_exception();
   }
+  return nested;
 }
 
 }  // namespace
