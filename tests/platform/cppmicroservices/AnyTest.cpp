@@ -68,6 +68,11 @@ TEST(Any, ValuesThatCannotBeComparedAreNotEqual) {
   EXPECT_FALSE(Any(Opaque{1}) == Any(Opaque{1}));
 }
 
+TEST(Any, EmptyOnesAreEqual) {
+  EXPECT_TRUE(Any() == Any());
+  EXPECT_FALSE(Any() == Any(0));
+}
+
 TEST(Any, GivesItsValueAsText) {
   EXPECT_EQ(Any("x"s).ToString(), "x");
   EXPECT_EQ(Any(true).ToString(), "1");
@@ -136,6 +141,7 @@ TEST(AnyMap, DottedKeyLeadsInside) {
   EXPECT_THROW(map.AtCompoundKey("list.2"), std::out_of_range);
   EXPECT_THROW(map.AtCompoundKey("list.99999999999999999999"), std::out_of_range);
   EXPECT_THROW(map.AtCompoundKey("list.x"), std::invalid_argument);
+  EXPECT_THROW(map.AtCompoundKey("list.1x"), std::invalid_argument);
   EXPECT_THROW(map.AtCompoundKey("one.x"), std::invalid_argument);
   EXPECT_EQ(any_cast<int>(map.AtCompoundKey("list.0", Any(5))), 3);
   EXPECT_EQ(any_cast<int>(map.AtCompoundKey("list.7", Any(5))), 5);

@@ -33,6 +33,7 @@ TEST(LdapFilter, TextIsWithoutBlanksThatDoNotMatter) {
       {"( & (a=b) (c=d) )", "(&(a=b)(c=d))"},
       {"(|(a=b)(!(c=d)))", "(|(a=b)(!(c=d)))"},
       {"(&(a=b))", "(&(a=b))"},
+      {"\t(\n&\v(a\f=b)\r)", "(&(a=b))"},
       // Blanks in a value matter, those inside an attribute name do, too.
       {"(a= b)", "(a= b)"},
       {"(a b=c)", "(a b=c)"},
@@ -85,7 +86,7 @@ TEST(LdapFilter, TextsAreCompared) {
       {"(k=a\\*b)", "axb"s, false}, {"(other=a)", "a"s, false}, {"(k>=b)", "c"s, true},
       {"(k>=b)", "b"s, true},       {"(k>=b)", "a"s, false},    {"(k<=b)", "a"s, true},
       {"(k<=b)", "b"s, true},       {"(k<=b)", "c"s, false},    {"(k~=a b)", "AB"s, true},
-      {"(k~=AB)", "a\tb"s, true},   {"(k~=ab)", "abc"s, false},
+      {"(k~=AB)", "a\tb"s, true},   {"(k~=ab)", "abc"s, false}, {"(k~=a\x01)", "A"s, false},
   });
 }
 
@@ -220,12 +221,41 @@ TEST(LdapFilter, FiltersOfTheSameTextAreEqual) {
   EXPECT_EQ(out.str(), "(a=c)");
 }
 
-TEST(LdapFilter, DeepFiltersWork) {
+// Returns a condition that is negated `times` times.
+std::string negated(int times) {
   std::string filter;
-  for (int depth = 0; depth < 900; ++depth) filter += "(!";
-  filter += "(a=b)" + std::string(900, ')');
+  for (int i = 0; i < times; ++i) filter += "(!";
+  return filter + "(a=b)" + std::string(static_cast<std::size_t>(times), ')');
+}
+
+TEST(LdapFilter, DeepFiltersWork) {
+  const std::string filter = negated(998);
   EXPECT_EQ(LDAPFilter(filter).ToString(), filter);
   EXPECT_TRUE(LDAPFilter(filter).Match(AnyMap{{"a", Any("b"s)}}));
+  EXPECT_FALSE(LDAPFilter(negated(999)).Match(AnyMap{{"a", Any("b"s)}}));
+}
+
+std::string refusalOf(const std::string& filter) {
+  try {
+    return LDAPFilter(filter).ToString();
+  } catch (const std::invalid_argument& exception) {
+    return exception.what();
+  }
+}
+
+TEST(LdapFilter, OneThatIsDeeperStillIsRefused) {
+  for (const int times : {1000, 1000000}) {
+    EXPECT_NE(refusalOf(negated(times)).find("filters nested too deeply at character 2001"),
+              std::string::npos)
+        << times;
+  }
+}
+
+TEST(LdapFilter, RefusalShowsTheFilterOrItsBeginning) {
+  EXPECT_EQ(refusalOf("(a=b"), "the filter \"(a=b\" cannot be parsed: no ) at character 5");
+  const std::string longOne = "(a=" + std::string(1000000, 'x');
+  EXPECT_EQ(refusalOf(longOne), "the filter \"" + longOne.substr(0, 200) +
+                                    "...\" cannot be parsed: no ) at character 1000004");
 }
 
 }  // namespace

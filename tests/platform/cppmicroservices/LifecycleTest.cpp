@@ -74,6 +74,30 @@ TEST_F(Lifecycle, BundleCannotChangeItsOwnState) {
   EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
 }
 
+TEST_F(Lifecycle, BundleWhoseActivatorCannotBeMadeDoesNotStart) {
+  script->make = [] { throw std::runtime_error("not today"); };
+  EXPECT_EQ(
+      textOf([&] { bundle.Start(); }),
+      bundle.GetLocation() + ": the activator of the bundle scripted failed to start: not today");
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
+  script->make = [] {};
+  bundle.Start();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_ACTIVE);
+}
+
+TEST_F(Lifecycle, LibraryHasAContextWhileItsBundleRuns) {
+  script->start = [this](const BundleContext& given) {
+    EXPECT_TRUE(script->contextOfBundle() == given);
+  };
+  script->stop = [this](const BundleContext& given) {
+    EXPECT_TRUE(script->contextOfBundle() == given);
+  };
+  bundle.Start();
+  EXPECT_EQ(script->contextOfBundle().GetBundle(), bundle);
+  bundle.Stop();
+  EXPECT_FALSE(script->contextOfBundle());
+}
+
 TEST_F(Lifecycle, StopWaitsForAStartInAnotherThread) {
   std::promise<void> entered;
   std::promise<void> leave;
@@ -188,10 +212,11 @@ TEST_F(Lifecycle, BundleOfAStoppedFrameworkDoesNotStart) {
       ": the framework of the bundle scripted was stopped; start a framework and install the "
       "bundle again";
   EXPECT_EQ(textOf([&] { bundle.Start(); }), text);
-  const Bundle old = bundle;
+  Bundle old = bundle;
   start();
   EXPECT_EQ(context.GetBundles().size(), 1U);
   prepare();
+  EXPECT_EQ(textOf([&] { old.Start(); }), text);
   bundle.Start();
   EXPECT_FALSE(bundle == old);
   EXPECT_TRUE(old < bundle);
@@ -199,15 +224,17 @@ TEST_F(Lifecycle, BundleOfAStoppedFrameworkDoesNotStart) {
 
 TEST_F(Lifecycle, BundleDoesNotStartWhileItsFrameworkStops) {
   Bundle second = context.InstallBundles(bare()).at(0);
-  std::string text;
+  std::vector<std::string> texts;
   context.AddBundleListener([&](const BundleEvent& event) {
-    if (event.GetType() == BundleEvent::BUNDLE_STOPPING && event.GetBundle() == bundle) {
-      text = textOf([&] { second.Start(); });
-    }
+    if (event.GetType() != BundleEvent::BUNDLE_STOPPING) return;
+    texts.push_back(textOf([&] { (event.GetBundle() == bundle ? second : bundle).Start(); }));
   });
   bundle.Start();
   stop();
-  EXPECT_NE(text.find("was stopped"), std::string::npos) << text;
+  // Once when the framework begins to stop, and once when the bundle stops with it.
+  ASSERT_EQ(texts.size(), 2U);
+  EXPECT_NE(texts[0].find("of the bundle scripted was stopped"), std::string::npos) << texts[0];
+  EXPECT_NE(texts[1].find("of the bundle bare was stopped"), std::string::npos) << texts[1];
 }
 
 TEST_F(Lifecycle, NoBundleIsAddedWhileTheFrameworkStops) {

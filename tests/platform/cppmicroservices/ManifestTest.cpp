@@ -73,7 +73,7 @@ TEST_F(Manifests, VersionsAreOneToThreeNumbersAndAQualifier) {
     EXPECT_EQ(refusalOf(R"(,"bundle.version":")"s + version + "\""), "") << version;
   }
   for (const char* version :
-       {"", "x", "1.", "1.x", ".1", "1.2.", "1.2.3.", "1.2.3.4.5", "1.2.3.a b"}) {
+       {"", "x", "1.", "1x2", "1.x", ".1", "1.2.", "1.2.3.", "1.2.3.4.5", "1.2.3.a b"}) {
     EXPECT_EQ(refusalOf(R"(,"bundle.version":")"s + version + "\""),
               path +
                   ": made/manifest.json cannot be used: \"bundle.version\" is not a text such as "
@@ -81,6 +81,28 @@ TEST_F(Manifests, VersionsAreOneToThreeNumbersAndAQualifier) {
         << version;
   }
   EXPECT_NE(refusalOf(R"(,"bundle.version":1.2)"), "");
+}
+
+TEST_F(Manifests, NamesAreIdentifiers) {
+  const auto install = [this](const std::string& name) {
+    write({{"made/manifest.json", R"({"bundle.symbolic_name":")" + name + "\"}"}});
+    return context.InstallBundles(path).at(0);
+  };
+  for (const char* name : {"a", "Z_9", "_", "a0z"}) {
+    Bundle bundle = install(name);
+    EXPECT_EQ(bundle.GetSymbolicName(), name);
+    bundle.Uninstall();
+  }
+  for (const char* name : {"", "9a", "a-b", "a.b", "a b", "a{", "a@", "a[", "a`", "a/", "a:"}) {
+    EXPECT_THROW(install(name), std::runtime_error) << name;
+  }
+}
+
+TEST_F(Manifests, FileThatIsNoLibraryDoesNotStart) {
+  write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
+  Bundle bundle = context.InstallBundles(path).at(0);
+  EXPECT_THROW(bundle.Start(), std::runtime_error);
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
 }
 
 TEST_F(Manifests, KeysThatDifferInCaseOnlyAreRefused) {

@@ -8,8 +8,12 @@ namespace embedded_framework {
 
 /// What the activator of the bundle `scripted` does: a service that a test registers.
 struct Script {
+  std::function<void()> make = [] {};
   std::function<void(cppmicroservices::BundleContext)> start = [](const auto&) {};
   std::function<void(cppmicroservices::BundleContext)> stop = [](const auto&) {};
+
+  /// What the bundle asks its library for its context with: the activator sets it when it is made.
+  cppmicroservices::BundleContext (*contextOfBundle)() = nullptr;
 };
 
 }  // namespace embedded_framework

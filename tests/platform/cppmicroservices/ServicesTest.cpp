@@ -48,6 +48,7 @@ TEST_F(Services, RankingOfAnotherTypeIsNone) {
 TEST_F(Services, FrameworkSetsItsProperties) {
   auto registration = add("a", {{"Key", Any("v"s)},
                                 {Constants::OBJECTCLASS, Any(std::vector<std::string>{"x"})},
+                                {Constants::SERVICE_ID, Any(-1L)},
                                 {Constants::SERVICE_SCOPE, Any("x"s)}});
   const auto reference = registration.GetReference();
   EXPECT_EQ(any_cast<std::string>(reference.GetProperty("kEY")), "v");
@@ -170,6 +171,30 @@ TEST_F(Services, RegistrationThatIsEndingIsNotEndedAgain) {
   });
   registration.Unregister();
   EXPECT_EQ(told, 1);
+}
+
+TEST_F(Services, RegistrationThatIsEndingIsNotFoundAgain) {
+  auto registration = add("a");
+  context.AddServiceListener([&](const ServiceEvent& event) {
+    if (event.GetType() != ServiceEvent::SERVICE_UNREGISTERING) return;
+    registration.SetProperties({{Constants::SERVICE_RANKING, Any(5)}});
+    EXPECT_EQ(found(), "");
+  });
+  registration.Unregister();
+  EXPECT_EQ(found(), "");
+}
+
+TEST_F(Services, ListenerHearsOfAChangeThatItsFilterMatchedBeforeOrMatchesAfter) {
+  std::vector<ServiceEvent::Type> heard;
+  context.AddServiceListener([&](const ServiceEvent& event) { heard.push_back(event.GetType()); },
+                             "(p=1)");
+  auto registration = add("a");
+  registration.SetProperties({{"p", Any(2)}});
+  EXPECT_TRUE(heard.empty());
+  registration.SetProperties({{"p", Any(1)}});
+  registration.SetProperties({{"p", Any(2)}});
+  EXPECT_EQ(heard,
+            (std::vector{ServiceEvent::SERVICE_MODIFIED, ServiceEvent::SERVICE_MODIFIED_ENDMATCH}));
 }
 
 TEST_F(Services, FiltersMatchReferencesAndBundles) {

@@ -1,4 +1,5 @@
 #include <cppmicroservices/BundleActivator.h>
+#include <cppmicroservices/GetBundleContext.h>
 
 #include "platform/cppmicroservices/Script.hpp"
 
@@ -6,6 +7,11 @@ namespace embedded_framework {
 
 class ScriptedActivator : public cppmicroservices::BundleActivator {
  public:
+  ScriptedActivator() {
+    const auto given = script(cppmicroservices::GetBundleContext());
+    given->contextOfBundle = [] { return cppmicroservices::GetBundleContext(); };
+    given->make();
+  }
   void Start(cppmicroservices::BundleContext context) override { script(context)->start(context); }
   void Stop(cppmicroservices::BundleContext context) override { script(context)->stop(context); }
 
