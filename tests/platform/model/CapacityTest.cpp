@@ -26,7 +26,7 @@ TEST(Class, MoreThanAProcessHoldsAreRefused) {
   } while (classes.back()->getIndex() + 1U < Class::kCapacity);
   EXPECT_THROW(add(), std::length_error);
   EXPECT_THROW(add(), std::length_error);
-  EXPECT_EQ(&Class::at(255), classes.back().get());
+  EXPECT_EQ(&Class::at(127), classes.back().get());
 }
 
 TEST(Property, MoreThanAProcessHoldsAreRefused) {

@@ -22,10 +22,10 @@ struct QUENLITH_MODEL_EXPORT Containment {
   static void assign(ModelElement::Impl& element, ModelElement::Impl& owner,
                      const meta::Property& collection) {
     owner.hasParts = true;
-    owner.containsOthers = 1;
+    owner.containsOthers = true;
     if (element.container != nullptr) leaveFormer(element, owner, collection);
     element.container = &owner;
-    element.containerProperty = collection.getIndex() & 0x7FFF;
+    element.containerProperty = collection.getIndex();
   }
 
   /// Undoes `assign` for an element that leaves `collection` of `owner`.
@@ -38,7 +38,7 @@ struct QUENLITH_MODEL_EXPORT Containment {
 
   /// False only for an element that never contained another.
   static bool mayContainOthers(const ModelElement::Impl& element) noexcept {
-    return element.containsOthers != 0;
+    return element.containsOthers;
   }
   /// Tells whether `element` is `root` or contained in it, however deep.
   static bool isWithin(const ModelElement::Impl& element, const ModelElement::Impl& root) noexcept;

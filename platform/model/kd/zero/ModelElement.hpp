@@ -108,10 +108,11 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   void giveBackBlock() noexcept;
 
   std::uint32_t references = 1;
-  std::uint16_t containerProperty : 15 = 0;
-  // False only for an element that never contained another.
-  std::uint16_t containsOthers : 1 = 0;
-  std::uint8_t classIndex;
+  std::uint16_t containerProperty = 0;
+  std::uint8_t classIndex : 7;
+  // False only for an element that never contained another. Not in the property's word: that is
+  // read soon after this is set, and a word that is written in part is slow to read.
+  bool containsOthers : 1 = false;
   bool proxy : 1 = false;
   bool hasParts : 1;
   std::uint8_t roomGranules : 6 = 0;

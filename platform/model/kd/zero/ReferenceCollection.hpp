@@ -105,8 +105,8 @@ inline bool ReferenceCollection::appendDetached(ModelElement& element) noexcept 
   ++count;
   ++storage.operations;
   added->container = holder;
-  added->containerProperty = propertyIndex & 0x7FFF;
-  holder->containsOthers = 1;
+  added->containerProperty = propertyIndex;
+  holder->containsOthers = true;
   return true;
 }
 
@@ -117,8 +117,8 @@ inline void ReferenceCollection::appendFirst(ModelElement element) noexcept {
   ++ModelStorage::of(holder).operations;
   holder->hasParts = true;
   one->container = holder;
-  one->containerProperty = propertyIndex & 0x7FFF;
-  holder->containsOthers = 1;
+  one->containerProperty = propertyIndex;
+  holder->containsOthers = true;
 }
 
 }  // namespace kd::zero

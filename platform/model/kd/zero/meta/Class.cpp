@@ -31,7 +31,7 @@ Class::Class(std::u16string_view qualifiedName, const Type::Impl* base, std::siz
     : Type::Impl(qualifiedName, base), size(sizeBytes), dismantleElement(dismantle) {
   static std::size_t used = kFixedPlaces;
   key.index = static_cast<std::uint8_t>(
-      enter(registered, used, this, "a process holds at most 256 classes of model elements"));
+      enter(registered, used, this, "a process holds at most 128 classes of model elements"));
 }
 
 Class::Class(ClassKey place, std::u16string_view qualifiedName, const Type::Impl* base,

@@ -35,7 +35,7 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
   /// The type that every class of elements conforms to.
   static const Type::Impl& modelElement() noexcept;
 
-  static constexpr std::size_t kCapacity = 256;
+  static constexpr std::size_t kCapacity = 128;
   static constexpr std::size_t kFixedPlaces = 4;
   static const Class& at(std::uint8_t index) noexcept { return *registered[index]; }
 
@@ -58,6 +58,6 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
 namespace kd::zero {
 
 inline ModelElement::Impl::Impl(meta::ClassKey metaClass, Parts parts) noexcept
-    : classIndex(metaClass.index), hasParts(parts == Parts::kSome) {}
+    : classIndex(metaClass.index & (meta::Class::kCapacity - 1)), hasParts(parts == Parts::kSome) {}
 
 }  // namespace kd::zero
