@@ -25,18 +25,15 @@ ParseResult LineNodeParserService::parseLine(std::shared_ptr<TesseraDocument> do
                                              const Snippet& snippet, ParseResult result) {
   trace("In LineNodeParserService");
   const kd::zero::Model model = document->getModel();
-  const LineNode::Builder builder(model);
   const LineParsers parsers(*parserServicesProvider);
 
   // Most lines are plain, and what becomes of such a line is known.
-  const LineContent content = lookInto(snippet.text);
-  if (content.isPlain() && parsers.makesPlainTextNodes()) {
+  if (isSurelyPlain(snippet.text) && parsers.makesPlainTextNodes()) {
+    const LineNode::Builder builder(model);
     document->addChild(builder.createLineNode(boost::uuids::uuid{}, snippet.text));
-    return result;
+  } else {
+    document->addChild(parseLineNode(model, parsers, snippet.text, result));
   }
-  LineNode lineNode = builder.createLineNode(boost::uuids::uuid{});
-  LineParse(model, lineNode, parsers, result).parse(snippet.text, content);
-  document->addChild(std::move(lineNode));
   return result;
 }
 

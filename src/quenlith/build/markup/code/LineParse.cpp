@@ -2,23 +2,63 @@
 
 #include <algorithm>
 #include <boost/uuid/uuid.hpp>
+#include <cstddef>
 #include <string_view>
 #include <utility>
 
 #include "contributors/kdzero/NodeContributorData.hpp"
+#include "document/kdzero/Node.hpp"
 #include "quenlith/build/markup/code/CodeElement.hpp"
+#include "quenlith/build/markup/code/LineContent.hpp"
+#include "quenlith/build/markup/code/LineCut.hpp"
 #include "quenlith/build/markup/code/MarkerKind.hpp"
 #include "quenlith/build/markup/code/PositionCheck.hpp"
 #include "quenlith/build/markup/code/withoutEscapes.hpp"
+#include "quenlith/build/markup/core/MarkerInfo.hpp"
 #include "quenlith/shared/logging/trace.hpp"
+#include "quenlith/syntax/markers.hpp"
 
 namespace quenlith::build::markup::code {
 
 using contributors::kdzero::NodeContributorData;
 using core::MarkerInfo;
+using document::kdzero::LineNode;
 using fl::i18n::ustring;
 using quenlith::shared::logging::trace;
 using syntax::Marker;
+
+namespace {
+
+/// The parse of one line that may hold markers into its node. Borrows all that it is given.
+class LineParse {
+ public:
+  LineParse(const kd::zero::Model& lineModel, document::kdzero::Node node,
+            const LineParsers& lineParsers, ParseResult& lineResult)
+      : model(lineModel), lineNode(std::move(node)), parsers(lineParsers), result(lineResult) {}
+
+  void parse(const ustring& line, LineContent content);
+
+ private:
+  void parseNormalised(const ustring& line);
+  void takeMarker(const MarkerInfo& marker);
+  bool isHandled(const Marker& marker) const;
+  void takeRange(const MarkerInfo& marker);
+  void setAnchor(const Marker& marker);
+  void addContributorData(const Marker& marker);
+  void appendPieces(const LineCut::Pieces& pieces);
+  void appendPlainText(std::u16string_view text);
+  void appendOwned(const LinePiece& piece);
+
+  const kd::zero::Model& model;
+  document::kdzero::Node lineNode;
+  const LineParsers& parsers;
+  ParseResult& result;
+
+  std::size_t lineLength = 0;
+  syntax::MarkerList markers;
+  bool hasTask = false;
+  LineCut cut;
+};
 
 void LineParse::parse(const ustring& line, LineContent content) {
   if (content.escape) {
@@ -104,6 +144,20 @@ void LineParse::appendOwned(const LinePiece& piece) {
   if (accepting == nullptr) return;
   const CodeElement element{ustring(piece.text), piece.owner->marker, piece.owner->range};
   lineNode->getChildrenMutable().add(accepting->parse(model, element));
+}
+
+}  // namespace
+
+LineNode parseLineNode(const kd::zero::Model& model, const LineParsers& parsers,
+                       const ustring& line, ParseResult& result) {
+  const LineNode::Builder builder(model);
+  const LineContent content = lookInto(line);
+  if (content.isPlain() && parsers.makesPlainTextNodes()) {
+    return builder.createLineNode(boost::uuids::uuid{}, line);
+  }
+  LineNode node = builder.createLineNode(boost::uuids::uuid{});
+  LineParse(model, node, parsers, result).parse(line, content);
+  return node;
 }
 
 }  // namespace quenlith::build::markup::code

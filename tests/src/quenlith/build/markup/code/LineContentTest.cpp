@@ -6,6 +6,7 @@
 
 namespace {
 
+using quenlith::build::markup::code::isSurelyPlain;
 using quenlith::build::markup::code::lookInto;
 
 TEST(LineContent, HasAPairAtAnyPlace) {
@@ -54,7 +55,28 @@ TEST(LineContent, IsPlainWithHalvesThatAreNoPair) {
 }
 
 TEST(LineContent, LooksAtWholeUnitsOnly) {
-  EXPECT_TRUE(lookInto(u"\u3C3C\u4040\u253C\u5C25\u003C\u0140\u0125\u015C").isPlain());
+  std::u16string line = u"\u3C3C\u4040\u253C\u5C25\u003C\u0140\u0125\u015C";
+  for (int doubled = 0; doubled < 4; ++doubled) {
+    ASSERT_TRUE(lookInto(line).isPlain()) << line.size();
+    line += line;
+  }
+}
+
+TEST(LineContent, IsSurelyPlainWithNeitherSecondHalf) {
+  for (std::size_t length = 0; length < 70; ++length) {
+    ASSERT_TRUE(isSurelyPlain(std::u16string(length, u'<')));
+    for (std::size_t at = 0; at < length; ++at) {
+      std::u16string line(length, u'%');
+      line[at] = u'@';
+      ASSERT_FALSE(isSurelyPlain(line)) << length << ' ' << at;
+      line[at] = u'\\';
+      ASSERT_FALSE(isSurelyPlain(line)) << length << ' ' << at;
+      for (const char16_t unit : {u'\u0140', u'\u4000', u'\u5C5D', u'\uFF5C', u'[', u'?'}) {
+        line[at] = unit;
+        ASSERT_TRUE(isSurelyPlain(line)) << length << ' ' << at;
+      }
+    }
+  }
 }
 
 }  // namespace
