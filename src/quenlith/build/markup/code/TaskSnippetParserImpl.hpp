@@ -61,7 +61,6 @@ class TaskSnippetParserImpl : public SnippetParser {
 
   void decide(Line& line, const Snippet& snippet);
   Next takeTaskLine(Line& line);
-  void countOpenTask(const Line& line);
   Next beginTask(Line& line);
   void addHeader(Line& line);
   void anchorHeader(Line& line, document::kdzero::Node header);
