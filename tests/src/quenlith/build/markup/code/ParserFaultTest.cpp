@@ -178,6 +178,45 @@ TEST_F(ParserFault, ATaskIsParsedAgainAfterAReset) {
   EXPECT_EQ(document->getChildAt(4)->getParserFailures().size(), 1u);
 }
 
+TEST_F(ParserFault, AHeaderStandsInTheDocumentBeforeItGetsItsAnchor) {
+  TaskSnippetParserImpl parser(appendix, provider);
+  const ustring opening = u"# <@task#t> # <@text:anchor#an-anchor-with-a-long-name>";
+  const Snippet snippet{opening, {}, opening + u"\n# <@task#t>"};
+  bool stoodWithoutAnchor = false;
+  failEachAllocation([&] { parser.parse(document, snippet); },
+                     [&] {
+                       if (document->getNumberOfChildren() == 1 &&
+                           document->getChildAt(0)->getAnchorId().empty()) {
+                         stoodWithoutAnchor = true;
+                       }
+                       parser.reset();
+                       document = std::make_shared<TesseraDocument>();
+                     });
+  EXPECT_TRUE(stoodWithoutAnchor);
+  EXPECT_EQ(document->getChildAt(0)->getAnchorId(), u"an-anchor-with-a-long-name");
+}
+
+TEST_F(ParserFault, AResetReleasesTheBlocksSeen) {
+  TaskSnippetParserImpl parser(appendix, provider);
+  provider->calls.reserve(100);
+  provider->contributors.clear();
+  provider->elementParsers.erase(provider->elementParsers.begin());
+  const auto parseManyBlocks = [&] {
+    const auto another = std::make_shared<TesseraDocument>();
+    for (char16_t unit = u'a'; unit <= u'z'; ++unit) {
+      parser.parse(another, {u"# <@task#t>", {}, ustring(100, unit)});
+    }
+  };
+  // The tables that are made once stay.
+  parseManyBlocks();
+  parser.reset();
+  const std::ptrdiff_t before = liveAllocations();
+  parseManyBlocks();
+  EXPECT_GE(liveAllocations(), before + 26);
+  parser.reset();
+  EXPECT_EQ(liveAllocations(), before);
+}
+
 TEST_F(ParserFault, TasksThatFailLeakNothing) {
   const auto parseOne = [this] {
     provider->calls.clear();

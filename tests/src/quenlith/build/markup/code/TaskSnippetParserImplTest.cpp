@@ -655,6 +655,18 @@ TEST_F(TaskSnippetParser, ForgetsTheOpenTaskOnReset) {
   EXPECT_THAT(failures(3), ElementsAre(u"overlapping_task_marker"));
 }
 
+TEST_F(TaskSnippetParser, RemembersTheHeaderThatItClosedUntilReset) {
+  parseSnippet({u"# <@task#a>", u"# <@task#a>"});
+  parseSnippet({u"# <@task#b>", u"# <@task#b>"});
+  ASSERT_TRUE(isHeader(3));
+  parse(u"x # <@task#c> # <@task#c>", 3, u"");
+  EXPECT_EQ(codeLines(0), 2);
+  EXPECT_EQ(codeLines(3), 1);
+  parser->reset();
+  parse(u"x # <@task#c> # <@task#c>", 3, u"");
+  EXPECT_EQ(codeLines(0), 1);
+}
+
 TEST_F(TaskSnippetParser, SharesItsServicesForItsLife) {
   EXPECT_EQ(provider.use_count(), 2);
   EXPECT_EQ(appendix.use_count(), 2);
