@@ -35,23 +35,39 @@ TEST(GetFramework, GivesTheOneThatWasSetAndSharesIt) {
   EXPECT_EQ(framework.use_count(), 1);
 }
 
+/// Tells whether both halves of `found`, the pointer and its owner, are those of `wanted`.
+bool isWhole(const std::shared_ptr<cppmicroservices::Framework>& found,
+             const std::shared_ptr<cppmicroservices::Framework>& wanted) {
+  return found == wanted && !found.owner_before(wanted) && !wanted.owner_before(found);
+}
+
 TEST(GetFramework, MayBeSetWhileOtherThreadsAsk) {
-  const auto framework = makeFramework();
+  const auto one = makeFramework();
+  const auto other = makeFramework();
+  setFramework(one);
+  constexpr int kThreads = 4;
+  std::atomic<int> running = 0;
   std::atomic<int> strangers = 0;
+  std::atomic<bool> done = false;
   std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
+  for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&] {
-      for (int call = 0; call < 1000; ++call) {
+      ++running;
+      while (!done) {
         const auto found = getFramework();
-        if (found != nullptr && found != framework) ++strangers;
+        if (!isWhole(found, one) && !isWhole(found, other)) ++strangers;
       }
     });
   }
-  for (int i = 0; i < 1000; ++i) setFramework(i % 2 == 0 ? framework : nullptr);
+  // So that they meet.
+  while (running < kThreads) std::this_thread::yield();
+  for (int i = 0; i < 100000; ++i) setFramework(i % 2 == 0 ? other : one);
+  done = true;
   for (std::thread& thread : threads) thread.join();
   setFramework(nullptr);
   EXPECT_EQ(strangers, 0);
-  EXPECT_EQ(framework.use_count(), 1);
+  EXPECT_EQ(one.use_count(), 1);
+  EXPECT_EQ(other.use_count(), 1);
 }
 
 }  // namespace
