@@ -201,11 +201,10 @@ InterfaceMapConstPtr ServiceRecord::hold(const UsePointer& use) {
 }
 
 void ServiceRecord::release(const UsePointer& use) {
-  {
-    const std::lock_guard lock(mutex);
-    if (--use->count > 0 || !isCurrent(use)) return;
-    uses.erase(use->user.get());
-  }
+  std::unique_lock lock(mutex);
+  if (--use->count > 0 || !isCurrent(use)) return;
+  uses.erase(use->user.get());
+  lock.unlock();
   giveBack(*use);
 }
 
@@ -232,11 +231,10 @@ void ServiceRecord::releaseFrom(const BundlePrivate& user) {
 }
 
 bool ServiceRecord::unregister() {
-  {
-    const std::lock_guard lock(mutex);
-    if (state != State::kRegistered) return false;
-    state = State::kUnregistering;
-  }
+  std::unique_lock lock(mutex);
+  if (state != State::kRegistered) return false;
+  state = State::kUnregistering;
+  lock.unlock();
   bundle->core->services.remove(*this);
   bundle->core->listeners.send(ServiceEvent(ServiceEvent::SERVICE_UNREGISTERING, reference()));
   dropObjects();
