@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -10,6 +11,7 @@
 
 namespace {
 
+using foundation::cppmicroservices::frameworkChanges;
 using foundation::cppmicroservices::getFramework;
 using foundation::cppmicroservices::setFramework;
 
@@ -33,6 +35,20 @@ TEST(GetFramework, GivesTheOneThatWasSetAndSharesIt) {
   setFramework(nullptr);
   EXPECT_EQ(getFramework(), nullptr);
   EXPECT_EQ(framework.use_count(), 1);
+}
+
+TEST(GetFramework, EachChangeCounts) {
+  const auto framework = makeFramework();
+  const std::uint64_t before = frameworkChanges();
+  EXPECT_EQ(frameworkChanges(), before);
+  setFramework(framework);
+  EXPECT_EQ(frameworkChanges(), before + 1);
+  getFramework();
+  EXPECT_EQ(frameworkChanges(), before + 1);
+  setFramework(framework);
+  EXPECT_EQ(frameworkChanges(), before + 2);
+  setFramework(nullptr);
+  EXPECT_EQ(frameworkChanges(), before + 3);
 }
 
 /// Tells whether both halves of `found`, the pointer and its owner, are those of `wanted`.

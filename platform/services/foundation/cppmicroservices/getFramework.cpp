@@ -37,6 +37,8 @@ class SpinLock {
 // sanitizer does not know that one.
 constinit SpinLock frameworkLock;
 
+constinit std::atomic<std::uint64_t> changes = 0;
+
 std::shared_ptr<::cppmicroservices::Framework>& runningFramework() {
   // Never destroyed: components may ask while the process ends, and a framework left running
   // is not stopped from a destructor of static data.
@@ -56,6 +58,11 @@ void setFramework(std::shared_ptr<::cppmicroservices::Framework> framework) noex
   // running one.
   const std::lock_guard guard(frameworkLock);
   runningFramework().swap(framework);
+  changes.fetch_add(1, std::memory_order_release);
+}
+
+std::uint64_t frameworkChanges() noexcept {
+  return changes.load(std::memory_order_acquire);
 }
 
 }  // namespace foundation::cppmicroservices

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "cppmicroservices/Framework.h"
@@ -14,5 +15,9 @@ QUENLITH_SERVICES_EXPORT std::shared_ptr<::cppmicroservices::Framework> getFrame
 /// null before its stop. Any thread; who holds the one before keeps it.
 QUENLITH_SERVICES_EXPORT void setFramework(
     std::shared_ptr<::cppmicroservices::Framework> framework) noexcept;
+
+/// Returns how many times a framework or null was made the running one. Any thread; who reads it
+/// before `getFramework` and finds it the same later knows that the running one is the same.
+QUENLITH_SERVICES_EXPORT std::uint64_t frameworkChanges() noexcept;
 
 }  // namespace foundation::cppmicroservices

@@ -16,10 +16,11 @@ AbsenceWatch::~AbsenceWatch() {
   end();
 }
 
-void AbsenceWatch::begin(const std::shared_ptr<Framework>& framework,
-                         const std::string& interfaceId) {
-  if (isListening(framework)) return;
+std::shared_ptr<Framework> AbsenceWatch::begin(const std::string& interfaceId) {
   end();
+  changesSeen = foundation::cppmicroservices::frameworkChanges();
+  auto framework = foundation::cppmicroservices::getFramework();
+  if (framework == nullptr) return nullptr;
   const auto told = std::make_shared<News>(false);
   const auto tell = [told](News*) noexcept { told->store(true, std::memory_order_release); };
   // When the framework lets go of the listener, that is news too.
@@ -31,6 +32,7 @@ void AbsenceWatch::begin(const std::shared_ptr<Framework>& framework,
       listener, "(" + cppmicroservices::Constants::OBJECTCLASS + "=" + interfaceId + ")");
   watched = framework;
   news = told;
+  return framework;
 }
 
 void AbsenceWatch::end() noexcept {

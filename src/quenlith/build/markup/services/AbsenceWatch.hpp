@@ -4,13 +4,16 @@
 #include <cppmicroservices/ListenerToken.h>
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
 
+#include "foundation/cppmicroservices/getFramework.hpp"
+
 namespace quenlith::build::markup::services {
 
-/// Knows that a framework still has no service of one interface, where a lookup found none: the
-/// framework tells it of every change, so that nobody need look again on every line.
+/// Knows that the running framework still has no service of one interface, where a lookup found
+/// none: the framework tells it of every change, so that nobody need look again on every line.
 ///
 /// Owns nothing of the framework. What the framework tells comes on any thread; the rest is not
 /// thread-safe.
@@ -23,17 +26,17 @@ class AbsenceWatch {
 
   /// Tells whether there was no service at the last `confirm` and nothing has changed since: it is
   /// the same framework, which has not stopped, and no service of the interface came.
-  bool isConfirmed(const std::shared_ptr<cppmicroservices::Framework>& framework) const noexcept {
-    return confirmed && isListening(framework);
+  bool isConfirmed() const noexcept {
+    return confirmed && !news->load(std::memory_order_acquire) &&
+           changesSeen == foundation::cppmicroservices::frameworkChanges();
   }
 
-  /// Listens for services of the interface from now on, if it does not yet; to be called before a
-  /// lookup, so that nothing comes unseen between them. Throws what the framework throws; it then
-  /// does not listen.
-  void begin(const std::shared_ptr<cppmicroservices::Framework>& framework,
-             const std::string& interfaceId);
+  /// Listens for services of the interface anew; to be called before a lookup, so that nothing
+  /// comes unseen between them. Returns the framework to look in, null when none runs. Throws what
+  /// the framework throws; it then does not listen.
+  std::shared_ptr<cppmicroservices::Framework> begin(const std::string& interfaceId);
 
-  /// Says that a lookup since the last `begin` found no service.
+  /// Says that the lookup since the last `begin`, which gave a framework, found no service.
   void confirm() noexcept { confirmed = true; }
 
   /// Stops listening.
@@ -44,12 +47,9 @@ class AbsenceWatch {
   /// stops.
   using News = std::atomic<bool>;
 
-  bool isListening(const std::shared_ptr<cppmicroservices::Framework>& framework) const noexcept {
-    return news != nullptr && !news->load(std::memory_order_acquire) &&
-           !watched.owner_before(framework) && !framework.owner_before(watched);
-  }
-
   std::weak_ptr<cppmicroservices::Framework> watched;
+  /// The changes of the running framework before the last lookup.
+  std::uint64_t changesSeen = 0;
   /// Null while it does not listen.
   std::shared_ptr<News> news;
   cppmicroservices::ListenerToken token;

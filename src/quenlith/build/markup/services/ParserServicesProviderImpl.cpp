@@ -78,9 +78,10 @@ ParserServicesProviderImpl::getLineContributorDataParsers() {
 }
 
 void ParserServicesProviderImpl::lookForContributors() {
-  const auto framework = foundation::cppmicroservices::getFramework();
-  if (framework == nullptr || noContributors.isConfirmed(framework)) return;
-  noContributors.begin(framework, us_service_interface_iid<LineContributorDataParser>());
+  if (noContributors.isConfirmed()) return;
+  const auto framework =
+      noContributors.begin(us_service_interface_iid<LineContributorDataParser>());
+  if (framework == nullptr) return;
   BundleContext context = framework->GetBundleContext();
   const auto references = findReferences<LineContributorDataParser>(context, LDAPFilter());
   if (references.empty()) {
