@@ -280,7 +280,7 @@ class Check(ProgramTest):
                              "the nesting is too deep\n")
             self.assertEqual((done.returncode, done.stderr), (1, b""))
 
-    def test_a_hundred_thousand_failures_on_a_line_are_placed_in_time(self):
+    def test_each_of_a_hundred_thousand_failures_on_a_line_has_its_place(self):
         count = 100000
         name = self.write("f", b" ".join(b"# <@output#\xc3\xa9%d [9,1]>" % i for i in range(count)))
         lines = tessera("check", name).stdout.decode().split("\n")[:-1]
