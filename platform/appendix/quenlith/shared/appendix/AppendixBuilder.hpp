@@ -2,7 +2,7 @@
 
 #include "cppmicroservices/ServiceInterface.h"
 #include "fl/i18n/ustring.hpp"
-#include "quenlith/export/services.hpp"
+#include "quenlith/export/appendix.hpp"
 #include "quenlith/shared/appendix/AppendixEntry.hpp"
 #include "quenlith/syntax/Marker.hpp"
 
@@ -12,7 +12,7 @@ namespace quenlith::shared::appendix {
 ///
 /// An entry is a marker with its data; it belongs to the marker of the code that has the same
 /// element and id. Lines of a snippet are parsed while its appendix stands unchanged.
-class QUENLITH_SERVICES_EXPORT AppendixBuilder {
+class QUENLITH_APPENDIX_EXPORT AppendixBuilder {
  public:
   virtual ~AppendixBuilder();
 
