@@ -6,6 +6,7 @@
 #include <cppmicroservices/ServiceObjects.h>
 #include <cppmicroservices/ServiceReference.h>
 
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <utility>
@@ -19,16 +20,35 @@ using code::CodeElementParser;
 using contributordata::LineContributorDataParser;
 using cppmicroservices::BundleContext;
 using cppmicroservices::LDAPFilter;
+using cppmicroservices::ServiceObjects;
 using cppmicroservices::ServiceReference;
 using quenlith::shared::logging::traceWith;
 
 namespace {
 
+void requireValid(const BundleContext& context) {
+  if (!context) throw std::runtime_error("The bundle context is no longer valid");
+}
+
+/// Returns nothing when the service was unregistered after `reference` was found.
+template <class Service>
+std::optional<ServiceObjects<Service>> getServiceObjects(
+    BundleContext& context, const ServiceReference<Service>& reference) {
+  try {
+    return context.GetServiceObjects(reference);
+  } catch (const std::invalid_argument&) {
+    // A framework that stops unregisters its services, too.
+    requireValid(context);
+    return std::nullopt;
+  }
+}
+
 template <class Service>
 std::shared_ptr<Service> getService(BundleContext& context,
                                     const ServiceReference<Service>& reference) {
-  if (!context) throw std::runtime_error("The bundle context is no longer valid");
-  return context.GetServiceObjects(reference).GetService();
+  requireValid(context);
+  const auto objects = getServiceObjects(context, reference);
+  return objects ? objects->GetService() : nullptr;
 }
 
 template <class Service>
@@ -38,22 +58,17 @@ std::vector<ServiceReference<Service>> findReferences(BundleContext& context,
 }
 
 template <class Service>
-std::vector<std::shared_ptr<Service>> getServices(
-    BundleContext& context, const std::vector<ServiceReference<Service>>& references) {
+std::vector<std::shared_ptr<Service>> findServices(const LDAPFilter& filter) {
+  const auto framework = foundation::cppmicroservices::getFramework();
+  if (framework == nullptr) return {};
+  BundleContext context = framework->GetBundleContext();
+  const auto references = findReferences<Service>(context, filter);
   std::vector<std::shared_ptr<Service>> found;
   found.reserve(references.size());
   for (const ServiceReference<Service>& reference : references) {
     if (auto service = getService(context, reference)) found.push_back(std::move(service));
   }
   return found;
-}
-
-template <class Service>
-std::vector<std::shared_ptr<Service>> findServices(const LDAPFilter& filter) {
-  const auto framework = foundation::cppmicroservices::getFramework();
-  if (framework == nullptr) return {};
-  BundleContext context = framework->GetBundleContext();
-  return getServices(context, findReferences<Service>(context, filter));
 }
 
 template <class Service>
@@ -73,24 +88,11 @@ ParserServicesProviderImpl::~ParserServicesProviderImpl() = default;
 
 std::vector<std::shared_ptr<LineContributorDataParser>>
 ParserServicesProviderImpl::getLineContributorDataParsers() {
-  if (lineContributorDataParsers.empty()) lookForContributors();
-  return lineContributorDataParsers;
-}
-
-void ParserServicesProviderImpl::lookForContributors() {
-  if (noContributors.isConfirmed()) return;
-  const auto framework =
-      noContributors.begin(us_service_interface_iid<LineContributorDataParser>());
-  if (framework == nullptr) return;
-  BundleContext context = framework->GetBundleContext();
-  const auto references = findReferences<LineContributorDataParser>(context, LDAPFilter());
-  if (references.empty()) {
-    noContributors.confirm();
-    return;
+  // An empty list is not remembered: each call looks again until there is a parser.
+  if (lineContributorDataParsers.empty()) {
+    lineContributorDataParsers = findServices<LineContributorDataParser>(LDAPFilter());
   }
-  lineContributorDataParsers = getServices(context, references);
-  // One that could not be made may be made next time, and nobody would tell.
-  if (!lineContributorDataParsers.empty()) noContributors.end();
+  return lineContributorDataParsers;
 }
 
 std::vector<std::shared_ptr<CodeElementParser>>
@@ -100,8 +102,8 @@ ParserServicesProviderImpl::getCodeElementParsers() {
     traceWith([&found](std::ostream& message) {
       message << "Found " << found.size() << " non default code element parsers";
     });
-    // Without a default parser the list ends in a null: it is never empty, and so is looked up
-    // once.
+    // The list ends in null when no default parser is registered. So it is never empty, and there
+    // is only one lookup.
     found.push_back(findService<CodeElementParser>(LDAPFilter("(priority=default)")));
     codeElementParsers = std::move(found);
   }

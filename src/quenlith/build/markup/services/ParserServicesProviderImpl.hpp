@@ -3,39 +3,33 @@
 #include <memory>
 #include <vector>
 
-#include "quenlith/build/markup/services/AbsenceWatch.hpp"
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
 
 namespace quenlith::build::markup::services {
 
-/// Finds the parsers in the registry of the running framework and keeps what it found.
+/// Finds the parsers in the service registry of the running framework and caches them.
 ///
-/// A list that was found is kept for the life of the provider; while no contributor data parser
-/// is registered, each call looks again, unless the framework, which tells of every change, told
-/// of none. Without a running framework nothing is found, which is
-/// no error. A lookup that throws leaves the lists as they were. Not thread-safe.
+/// A list is cached once it has an entry, for the life of the provider. While no contributor data
+/// parser is registered, each call looks one up again. No running framework is not an error: no
+/// parser is found then. A lookup that throws leaves the caches unchanged. Not thread-safe.
 class ParserServicesProviderImpl : public ParserServicesProvider {
  public:
   ParserServicesProviderImpl();
   ~ParserServicesProviderImpl() override;
 
-  /// Throws std::runtime_error "The bundle context is no longer valid" when the framework stops
-  /// meanwhile.
+  /// Throws std::runtime_error "The bundle context is no longer valid" when the framework has
+  /// stopped or stops during the lookup.
   std::vector<std::shared_ptr<contributordata::LineContributorDataParser>>
   getLineContributorDataParsers() override;
 
-  /// Throws std::runtime_error "The bundle context is no longer valid" when the framework stops
-  /// meanwhile.
+  /// Throws std::runtime_error "The bundle context is no longer valid" when the framework has
+  /// stopped or stops during the lookup.
   std::vector<std::shared_ptr<code::CodeElementParser>> getCodeElementParsers() override;
 
  private:
-  void lookForContributors();
-
   std::vector<std::shared_ptr<contributordata::LineContributorDataParser>>
       lineContributorDataParsers;
   std::vector<std::shared_ptr<code::CodeElementParser>> codeElementParsers;
-  /// Of the contributor data parsers while there is none.
-  AbsenceWatch noContributors;
 };
 
 }  // namespace quenlith::build::markup::services

@@ -1,16 +1,11 @@
-#include "quenlith/build/markup/services/ParserServicesProviderImpl.hpp"
-
-#include <cppmicroservices/Bundle.h>
 #include <cppmicroservices/BundleContext.h>
 #include <cppmicroservices/Framework.h>
 #include <cppmicroservices/FrameworkEvent.h>
 #include <cppmicroservices/FrameworkFactory.h>
-#include <cppmicroservices/ServiceFactory.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -21,99 +16,20 @@
 #include "document/kdzero/TesseraDocument.hpp"
 #include "fakes/LogRecords.hpp"
 #include "fakes/ParserFakes.hpp"
-#include "foundation/cppmicroservices/getFramework.hpp"
 #include "quenlith/build/markup/code/LineNodeParserService.hpp"
 #include "quenlith/build/markup/code/PlainTextNodeParserImpl.hpp"
+#include "quenlith/build/markup/services/ParserServicesProviderImpl.hpp"
+#include "quenlith/build/markup/services/ProviderFixture.hpp"
 
+namespace quenlith::test {
 namespace {
 
-using cppmicroservices::BundleContext;
-using cppmicroservices::Framework;
-using cppmicroservices::ServiceProperties;
-using foundation::cppmicroservices::setFramework;
-using quenlith::build::markup::code::CodeElementParser;
-using quenlith::build::markup::contributordata::LineContributorDataParser;
-using quenlith::build::markup::services::ParserServicesProviderImpl;
-using quenlith::test::FakeContributor;
-using quenlith::test::FakeElementParser;
-using quenlith::test::LogRecords;
+using build::markup::services::ParserServicesProviderImpl;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using ElementParsers = std::vector<std::shared_ptr<CodeElementParser>>;
-using Contributors = std::vector<std::shared_ptr<LineContributorDataParser>>;
 
-/// Makes its services by a function, which may give null.
-class Factory final : public cppmicroservices::ServiceFactory {
- public:
-  using Make = std::function<cppmicroservices::InterfaceMapConstPtr()>;
-  explicit Factory(Make makeService) : make(std::move(makeService)) {}
-  cppmicroservices::InterfaceMapConstPtr GetService(
-      const cppmicroservices::Bundle&, const cppmicroservices::ServiceRegistrationBase&) override {
-    return make();
-  }
-  void UngetService(const cppmicroservices::Bundle&,
-                    const cppmicroservices::ServiceRegistrationBase&,
-                    const cppmicroservices::InterfaceMapConstPtr&) override {}
-
- private:
-  Make make;
-};
-
-std::shared_ptr<CodeElementParser> makeElementParser() {
-  return std::make_shared<FakeElementParser>(u"", u"");
-}
-
-std::shared_ptr<LineContributorDataParser> makeContributor() {
-  return std::make_shared<FakeContributor>(u"", u"");
-}
-
-ServiceProperties ranked(int ranking) {
-  return {{std::string("service.ranking"), ranking}};
-}
-
-ServiceProperties prioritised(const std::string& priority) {
-  return {{std::string("priority"), priority}};
-}
-
-/// Tests with a framework that runs.
-class ParserServicesProvider : public testing::Test {
- protected:
-  ParserServicesProvider() {
-    framework->Start();
-    setFramework(framework);
-  }
-  ~ParserServicesProvider() override {
-    setFramework(nullptr);
-    stop();
-  }
-
-  void stop() {
-    framework->Stop();
-    framework->WaitForStop(std::chrono::milliseconds::zero());
-  }
-  BundleContext context() { return framework->GetBundleContext(); }
-
-  std::shared_ptr<CodeElementParser> addElementParser(const ServiceProperties& properties = {}) {
-    auto parser = makeElementParser();
-    (void)context().RegisterService<CodeElementParser>(parser, properties);
-    return parser;
-  }
-  std::shared_ptr<LineContributorDataParser> addContributor(
-      const ServiceProperties& properties = {}) {
-    auto parser = makeContributor();
-    (void)context().RegisterService<LineContributorDataParser>(parser, properties);
-    return parser;
-  }
-  template <class Service>
-  void addFactory(Factory::Make make, const ServiceProperties& properties = {}) {
-    (void)context().RegisterService<Service>(
-        cppmicroservices::ToFactory(std::make_shared<Factory>(std::move(make))), properties);
-  }
-
-  std::shared_ptr<Framework> framework =
-      std::make_shared<Framework>(cppmicroservices::FrameworkFactory().NewFramework());
-  ParserServicesProviderImpl provider;
-};
+class ParserServicesProvider : public ProviderFixture {};
 
 // Code element parsers.
 
@@ -408,13 +324,12 @@ TEST_F(ParserServicesProvider, HoldsItsServicesForItsLife) {
 
 TEST_F(ParserServicesProvider, ServesTheLineParser) {
   (void)context().RegisterService<CodeElementParser>(
-      std::make_shared<quenlith::build::markup::code::PlainTextNodeParserImpl>(),
-      prioritised("default"));
+      std::make_shared<build::markup::code::PlainTextNodeParserImpl>(), prioritised("default"));
   const auto shared = std::make_shared<ParserServicesProviderImpl>();
   const auto document = std::make_shared<document::kdzero::TesseraDocument>();
-  quenlith::build::markup::code::LineNodeParserService(shared).parseLine(document, {u"x", {}, {}},
-                                                                         {});
-  EXPECT_THAT(quenlith::test::childTexts(document->getChildAt(0)), ElementsAre(u"x"));
+  build::markup::code::LineNodeParserService(shared).parseLine(document, {u"x", {}, {}}, {});
+  EXPECT_THAT(childTexts(document->getChildAt(0)), ElementsAre(u"x"));
 }
 
 }  // namespace
+}  // namespace quenlith::test
