@@ -23,6 +23,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+# A separate search path for the build tree would be padded with colons, to leave space for the
+# installed one, and the loader takes an empty element for the current folder.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
 # Debian's own Python is the one that finds the modules of Debian's packages.
 if(NOT Python3_EXECUTABLE AND EXISTS /usr/bin/python3)

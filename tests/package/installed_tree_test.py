@@ -1,17 +1,20 @@
 """installed_tree_test.py CMAKE BUILD SOURCE COMPILER [FRAMEWORK]: installs BUILD and uses it.
 
 FRAMEWORK is the folder of the libraries of an installed framework, if BUILD was made with one. The
-prefix has a blank and a letter outside ASCII in it; later the tree is moved to another one.
+prefix contains a space and a letter outside ASCII; one test moves the tree to another prefix.
 """
 
 import json
 import os
 import pathlib
+import shlex
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
+
+import search_paths
 
 CMAKE, BUILD, SOURCE, COMPILER = sys.argv[1:5]
 FRAMEWORK = sys.argv[5:]
@@ -51,7 +54,7 @@ class InstalledTree(unittest.TestCase):
         return json.loads(self.tessera(program, *arguments).stdout)["nodes"]
 
     def tessera(self, program, *arguments):
-        # From a folder where nothing lies that the program could find by chance.
+        # From a folder that contains nothing that the program could find by chance.
         return run(program, "parse", "--format", "json", *arguments, SAMPLE,
                    cwd="/", env=bare_environment())
 
@@ -106,18 +109,22 @@ class InstalledTree(unittest.TestCase):
                 self.assertNotIn(folder, path.read_text(), path)
 
     def test_libraries_are_looked_for_beside_the_file_that_needs_them(self):
-        for path in [*self.prefix.glob("bin/*"), *self.prefix.glob("lib/*.so")]:
-            entries = run("readelf", "--dynamic", path).stdout
-            for line in entries.splitlines():
-                if "RUNPATH" in line or "RPATH" in line:
-                    folders = line.partition("[")[2].rstrip("]").split(":")
-                    others = [f for f in folders if not f.startswith("$ORIGIN")]
-                    self.assertLessEqual(set(others), set(FRAMEWORK), path)
+        files = search_paths.linked_files(self.prefix)
+        self.assertGreater(len(files), 5)
+        self.assertEqual(search_paths.faults(files), [])
+        for path in files:
+            others = {e for e in search_paths.search_paths(path) if not e.startswith("$ORIGIN")}
+            self.assertLessEqual(others, set(FRAMEWORK), path)
+
+    def test_bundles_of_others_do_not_search_the_current_folder(self):
+        files = search_paths.linked_files(self.bundles)
+        self.assertGreater(len(files), 2)
+        self.assertEqual(search_paths.faults(files), [])
 
     def test_pkg_config_names_what_a_program_needs(self):
         flags = run("pkg-config", "--cflags", "--libs", "quenlith",
                     env={**os.environ, "PKG_CONFIG_PATH": f"{self.prefix}/lib/pkgconfig"},
-                    # It escapes each byte of the letter apart.
+                    # pkg-config escapes each byte of the letter by itself.
                     errors="surrogateescape").stdout
         source, program = self.work / "marker.cpp", self.work / "marker"
         source.write_text(
@@ -125,8 +132,9 @@ class InstalledTree(unittest.TestCase):
             'int main() { std::puts(quenlith::syntax::Marker(u"<@output#a>").getId() == u"a" ?'
             ' "found" : "missed"); }\n'
         )
-        # The flags are written for a shell.
-        run("sh", "-c", f"{COMPILER} {source} -o {program} {flags.strip()}")
+        # The flags are quoted for a shell.
+        command = shlex.join([COMPILER, str(source), "-o", str(program)])
+        run("sh", "-c", f"{command} {flags.strip()}")
         shown = run(program, env={**os.environ, "LD_LIBRARY_PATH": f"{self.prefix}/lib"})
         self.assertEqual(shown.stdout, "found\n")
 
