@@ -60,6 +60,10 @@ endfunction()
 # Sets `result` to the headers that are installed, as they are included.
 function(quenlith_public_header_files result)
   get_property(names GLOBAL PROPERTY QUENLITH_COMPONENTS)
+  if(QUENLITH_FRAMEWORK STREQUAL "system")
+    # The installed framework installs its own headers.
+    list(REMOVE_ITEM names cppmicroservices)
+  endif()
   set(found)
   foreach(name IN LISTS names)
     get_target_property(headers quenlith_${name} HEADER_SET)
