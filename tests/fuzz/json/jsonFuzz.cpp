@@ -4,10 +4,10 @@
 #include <string_view>
 
 #include "fl/i18n/ustring.hpp"
-#include "foundation/json/Reader.hpp"
+#include "foundation/json/Lexer.hpp"
 #include "foundation/json/Writer.hpp"
-#include "foundation/json/read.hpp"
-#include "foundation/json/write.hpp"
+#include "foundation/json/format.hpp"
+#include "foundation/json/parse.hpp"
 #include "fuzz/require.hpp"
 
 namespace {
@@ -24,31 +24,31 @@ std::string written(const Value& value, foundation::json::Form form) {
 
 // A value that was read is written in each form as JSON; the canonical one gives it back.
 void checkText(const ustring& text) {
-  const auto read = foundation::json::readText(text);
+  const auto read = foundation::json::parse(text);
   if (!read.value) {
     require(read.failure.position <= text.size(), "a failure lies within the text");
     return;
   }
   const std::string canonical = written(*read.value, foundation::json::Form::kCanonical);
-  const auto again = foundation::json::readText(fl::i18n::utf8_to_ustring(canonical));
+  const auto again = foundation::json::parse(fl::i18n::utf8_to_ustring(canonical));
   require(again.value && *again.value == *read.value, "canonical text gives the value back");
   require(written(*again.value, foundation::json::Form::kCanonical) == canonical,
           "canonical text is stable");
   require(again.value->hash() == read.value->hash(), "equal values have equal hashes");
   for (const auto form : {foundation::json::Form::kCompact, foundation::json::Form::kIndented}) {
     const std::string output = written(*read.value, form);
-    require(foundation::json::readText(fl::i18n::utf8_to_ustring(output)).value.has_value(),
+    require(foundation::json::parse(fl::i18n::utf8_to_ustring(output)).value.has_value(),
             "every form is JSON");
   }
 }
 
 void checkTokens(const ustring& text) {
-  foundation::json::Reader reader(text);
+  foundation::json::Lexer lexer(text);
   std::size_t before = 0;
   while (true) {
-    const auto token = reader.next();
-    require(reader.begin() >= before && reader.end() <= text.size(), "tokens ascend");
-    before = reader.begin();
+    const auto token = lexer.next();
+    require(lexer.begin() >= before && lexer.end() <= text.size(), "tokens ascend");
+    before = lexer.begin();
     if (token == foundation::json::Token::kError || token == foundation::json::Token::kEnd) {
       return;
     }
@@ -60,7 +60,7 @@ void checkEmbedded(const ustring& text) {
   if (from == ustring::npos) {
     return;
   }
-  const auto read = foundation::json::readEmbeddedObject(text, from);
+  const auto read = foundation::json::parseEmbeddedObject(text, from);
   const auto measured = foundation::json::measureEmbeddedObject(text, from);
   require(read.has_value() == measured.end.has_value(), "reading and measuring agree");
   if (read) {

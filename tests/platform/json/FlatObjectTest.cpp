@@ -5,22 +5,22 @@
 #include <random>
 #include <string>
 
-#include "foundation/json/Reader.hpp"
-#include "foundation/json/read.hpp"
+#include "foundation/json/Lexer.hpp"
+#include "foundation/json/parse.hpp"
 
 namespace {
 
 using foundation::json::flatObjectEnd;
-using foundation::json::Reader;
+using foundation::json::Lexer;
 using foundation::json::Token;
 
-// The end of the object by the reader of tokens; 0 where there is none.
+// The end of the object by the lexer of tokens; 0 where there is none.
 std::size_t endByTokens(const std::u16string& text) {
-  Reader reader(text, 0, foundation::json::Space::kBlanks, foundation::json::kEmbeddedDepth);
+  Lexer lexer(text, 0, foundation::json::Space::kBlanks, foundation::json::kEmbeddedDepth);
   do {
-    if (reader.next() == Token::kError) return 0;
-  } while (reader.depth() != 0);
-  return reader.end();
+    if (lexer.next() == Token::kError) return 0;
+  } while (lexer.depth() != 0);
+  return lexer.end();
 }
 
 TEST(FlatObject, EndsBehindItsBrace) {

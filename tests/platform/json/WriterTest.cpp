@@ -32,6 +32,12 @@ void writeSample(Writer& writer) {
   writer.endObject();
 }
 
+std::string written(const Value& value, Form form) {
+  std::string output;
+  Writer(output, form).value(value);
+  return output;
+}
+
 std::string sample(Form form) {
   std::string output;
   Writer writer(output, form);
@@ -106,6 +112,34 @@ TEST(Writer, TheCallerMayEmptyTheStringBetweenPieces) {
   writer.null();
   writer.endArray();
   EXPECT_EQ(output, ",null]");
+}
+
+TEST(Writer, CanonicalObjectHasNoBlanksAndAscendingKeys) {
+  const Value object(Object{{"b", Value(1.0)},
+                            {"a", Value("\x7F")},
+                            {"B", Value(Array{Value(1), Value(2U), Value(true), Value(Null())})},
+                            {"\xC3\xA9", Value(Object())}});
+  EXPECT_EQ(written(object, Form::kCanonical),
+            "{\"B\":[1,2,true,null],\"a\":\"\x7F\",\"b\":1.0,\"\xC3\xA9\":{}}");
+}
+
+TEST(Writer, WritesEveryKind) {
+  const Value value(Array{Value(), Value(Null()), Value(false), Value(1.0), Value("\x7F"),
+                          Value(Array()), Value(Object{{"k\n", Value(0.5F)}}), Value(-1),
+                          Value(1U)});
+  EXPECT_EQ(written(value, Form::kCompact),
+            "[null,null,false,1,\"\\u007f\",[],{\"k\\n\":0.5},-1,1]");
+}
+
+TEST(Writer, DeepValuesAreWrittenWithoutRecursion) {
+  Value value;
+  for (int level = 0; level < 100'000; ++level) {
+    Array array;
+    array.push_back(std::move(value));
+    value = Value(std::move(array));
+  }
+  EXPECT_EQ(written(value, Form::kCompact),
+            std::string(100'000, '[') + "null" + std::string(100'000, ']'));
 }
 
 }  // namespace

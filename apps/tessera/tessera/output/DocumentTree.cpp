@@ -5,7 +5,7 @@
 
 #include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
 #include "fl/i18n/utf16.hpp"
-#include "foundation/json/write.hpp"
+#include "foundation/json/Writer.hpp"
 #include "tessera/output/NodeKind.hpp"
 #include "tessera/output/terminalText.hpp"
 
@@ -21,7 +21,7 @@ constexpr std::size_t kDeepestIndent = 32;
 
 std::string compactJson(const foundation::json::Object& members) {
   std::string text;
-  foundation::json::appendValue(text, foundation::json::Value(members));
+  foundation::json::Writer(text, foundation::json::Form::kCompact).object(members);
   return terminalText(text);
 }
 

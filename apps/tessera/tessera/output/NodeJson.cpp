@@ -6,7 +6,7 @@
 #include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
-#include "foundation/json/write.hpp"
+#include "foundation/json/format.hpp"
 #include "tessera/output/NodeKind.hpp"
 #include "tessera/output/NodeWriter.hpp"
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/json/Reader.hpp"
+#include "foundation/json/Lexer.hpp"
 #include "tessera/replay/Command.hpp"
 
 namespace tessera::replay {
@@ -47,7 +47,7 @@ class CommandReader {
   [[noreturn]] void fail(std::size_t position, std::string what) const;
 
   std::u16string_view text;
-  foundation::json::Reader json;
+  foundation::json::Lexer json;
 };
 
 }  // namespace tessera::replay

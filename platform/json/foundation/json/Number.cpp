@@ -143,7 +143,7 @@ std::optional<Number> readWhole(std::u16string_view literal) {
 
 }  // namespace
 
-std::optional<Number> readNumber(std::u16string_view literal) {
+std::optional<Number> parseNumber(std::u16string_view literal) {
   if (literal.find_first_of(u".eE") == std::u16string_view::npos) {
     if (const auto whole = readWhole(literal)) {
       return whole;

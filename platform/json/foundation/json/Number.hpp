@@ -15,6 +15,6 @@ using Number = std::variant<std::int64_t, std::uint64_t, double>;
 ///
 /// `literal` must be one well-formed JSON number. A double is the nearest one; what is too small
 /// for any is a zero of its sign. Does not allocate, whatever the count of digits.
-std::optional<Number> readNumber(std::u16string_view literal);
+std::optional<Number> parseNumber(std::u16string_view literal);
 
 }  // namespace foundation::json

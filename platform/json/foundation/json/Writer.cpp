@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "foundation/json/write.hpp"
+#include "foundation/json/format.hpp"
 
 namespace foundation::json {
 

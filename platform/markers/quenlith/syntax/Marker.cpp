@@ -3,7 +3,7 @@
 #include <array>
 #include <optional>
 
-#include "foundation/json/write.hpp"
+#include "foundation/json/Writer.hpp"
 #include "quenlith/syntax/MarkerMatch.hpp"
 #include "quenlith/syntax/markers.hpp"
 
@@ -112,7 +112,7 @@ ustring Marker::toString() const {
   }
   if (!dataView().empty()) {
     std::string json;
-    foundation::json::appendCanonical(json, dataView());
+    foundation::json::Writer(json, foundation::json::Form::kCanonical).object(dataView());
     result.append(1, u' ').append(fl::i18n::utf8_to_ustring(json));
   }
   return result.append(1, u'>');

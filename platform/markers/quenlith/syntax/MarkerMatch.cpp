@@ -3,8 +3,8 @@
 #include <array>
 #include <limits>
 
-#include "foundation/json/Reader.hpp"
-#include "foundation/json/read.hpp"
+#include "foundation/json/Lexer.hpp"
+#include "foundation/json/parse.hpp"
 
 namespace quenlith::syntax {
 
@@ -120,13 +120,13 @@ class Matcher {
   }
 
   bool takeQuotedId() {
-    foundation::json::Reader reader(text, at);
-    if (reader.next() == foundation::json::Token::kError) {
-      at = reader.begin();
-      return fail(reader.error());
+    foundation::json::Lexer lexer(text, at);
+    if (lexer.next() == foundation::json::Token::kError) {
+      at = lexer.begin();
+      return fail(lexer.error());
     }
-    match.id = text.substr(at, reader.end() - at);
-    at = reader.end();
+    match.id = text.substr(at, lexer.end() - at);
+    at = lexer.end();
     return true;
   }
 

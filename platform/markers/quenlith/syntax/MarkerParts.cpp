@@ -6,8 +6,8 @@
 #include <new>
 
 #include "fl/i18n/ustring.hpp"
-#include "foundation/json/Reader.hpp"
-#include "foundation/json/read.hpp"
+#include "foundation/json/Lexer.hpp"
+#include "foundation/json/parse.hpp"
 #include "quenlith/syntax/MarkerMatch.hpp"
 
 namespace quenlith::syntax {
@@ -56,9 +56,9 @@ MarkerParts::Pointer MarkerParts::copy(const MarkerMatch& match) {
 
 // Writes the match anew, with the id for the quoted one.
 MarkerParts::Pointer MarkerParts::unquote(const MarkerMatch& match) {
-  foundation::json::Reader reader(match.id);
-  reader.next();
-  const fl::i18n::ustring id = reader.text();
+  foundation::json::Lexer lexer(match.id);
+  lexer.next();
+  const fl::i18n::ustring id = lexer.text();
 
   fl::i18n::ustring text(match.element);
   text.append(match.type).append(id).append(match.data);
@@ -96,7 +96,7 @@ const MarkerParts::Data& MarkerParts::data() const {
   static const Data kNone;
   if (dataText().empty()) return kNone;
   auto read = std::make_unique<const Data>(
-      std::move(foundation::json::readEmbeddedObject(dataText(), 0)->object));
+      std::move(foundation::json::parseEmbeddedObject(dataText(), 0)->object));
   const Data* first = nullptr;
   // Another thread may have been faster: what it read is as good, and is in use.
   const bool isFirst =

@@ -1,4 +1,4 @@
-#include "foundation/json/Reader.hpp"
+#include "foundation/json/Lexer.hpp"
 
 #include <array>
 #include <optional>
@@ -83,10 +83,10 @@ std::u16string unescape(std::u16string_view content) {
 
 }  // namespace
 
-Reader::Reader(std::u16string_view text, std::size_t from, Space allowed, std::size_t limit)
+Lexer::Lexer(std::u16string_view text, std::size_t from, Space allowed, std::size_t limit)
     : text16(text), at(from), tokenBegin(from), tokenEnd(from), depthLimit(limit), space(allowed) {}
 
-Token Reader::next() {
+Token Lexer::next() {
   skipSpace();
   tokenBegin = at;
   switch (state) {
@@ -105,19 +105,19 @@ Token Reader::next() {
   }
 }
 
-std::u16string Reader::text() const {
+std::u16string Lexer::text() const {
   const auto content = text16.substr(tokenBegin + 1, tokenEnd - tokenBegin - 2);
   return hasEscapes ? unescape(content) : std::u16string(content);
 }
 
-std::string Reader::utf8() const {
+std::string Lexer::utf8() const {
   if (hasEscapes) {
     return fl::i18n::ustring_to_utf8(text());
   }
   return fl::i18n::ustring_to_utf8(text16.substr(tokenBegin + 1, tokenEnd - tokenBegin - 2));
 }
 
-bool Reader::consumeIf(char16_t unit) {
+bool Lexer::consumeIf(char16_t unit) {
   if (!peekIs(unit)) {
     return false;
   }
@@ -125,7 +125,7 @@ bool Reader::consumeIf(char16_t unit) {
   return true;
 }
 
-bool Reader::consumeDigits() {
+bool Lexer::consumeDigits() {
   const std::size_t start = at;
   while (!atEnd() && isDigit(text16[at])) {
     ++at;
@@ -133,7 +133,7 @@ bool Reader::consumeDigits() {
   return at != start;
 }
 
-void Reader::skipSpace() {
+void Lexer::skipSpace() {
   while (!atEnd()) {
     const char16_t unit = text16[at];
     const bool lineBreak = unit == u'\n' || unit == u'\r';
@@ -144,19 +144,19 @@ void Reader::skipSpace() {
   }
 }
 
-Token Reader::token(Token kind, State following) {
+Token Lexer::token(Token kind, State following) {
   tokenEnd = at;
   state = following;
   return kind;
 }
 
-Token Reader::fail(const char* why) {
+Token Lexer::fail(const char* why) {
   message = atEnd() ? "the text ends too early" : why;
   tokenBegin = at;
   return token(Token::kError, State::kFailed);
 }
 
-Token Reader::open(Token kind, State inside) {
+Token Lexer::open(Token kind, State inside) {
   if (openCount == depthLimit) {
     return fail("the nesting is too deep");
   }
@@ -165,12 +165,12 @@ Token Reader::open(Token kind, State inside) {
   return token(kind, inside);
 }
 
-Token Reader::close(Token kind) {
+Token Lexer::close(Token kind) {
   --openCount;
   return token(kind, afterValue());
 }
 
-Token Reader::readKey() {
+Token Lexer::readKey() {
   if (!peekIs(u'"')) {
     return fail("a key in quotes is missing");
   }
@@ -181,7 +181,7 @@ Token Reader::readKey() {
   return consumeIf(u':') ? Token::kKey : fail("a ':' is missing");
 }
 
-Token Reader::readValue() {
+Token Lexer::readValue() {
   switch (atEnd() ? u'\0' : text16[at]) {
     case u'{':
       return open(Token::kBeginObject, State::kFirstKey);
@@ -200,7 +200,7 @@ Token Reader::readValue() {
   }
 }
 
-Token Reader::readAfterValue() {
+Token Lexer::readAfterValue() {
   const bool inObject = isObject[openCount - 1];
   if (consumeIf(u',')) {
     skipSpace();
@@ -213,11 +213,11 @@ Token Reader::readAfterValue() {
   return consumeIf(u']') ? close(Token::kEndArray) : fail("a ',' or ']' is missing");
 }
 
-Token Reader::readEnd() {
+Token Lexer::readEnd() {
   return atEnd() ? token(Token::kEnd, State::kDone) : fail("there is text behind the value");
 }
 
-Token Reader::readString(Token kind, State following) {
+Token Lexer::readString(Token kind, State following) {
   ++at;
   hasEscapes = false;
   while (true) {
@@ -236,7 +236,7 @@ Token Reader::readString(Token kind, State following) {
 }
 
 // Stays at the backslash when there is no such escape.
-bool Reader::readEscape() {
+bool Lexer::readEscape() {
   const std::u16string_view rest = text16.substr(at + 1);
   const char16_t letter = rest.empty() ? u'\0' : rest.front();
   if (letter == u'u' && readHex(rest.substr(1))) {
@@ -250,7 +250,7 @@ bool Reader::readEscape() {
   return false;
 }
 
-Token Reader::readNumberToken() {
+Token Lexer::readNumberToken() {
   consumeIf(u'-');
   if (!consumeIf(u'0') && !consumeDigits()) {
     return fail("a value is missing");
@@ -266,7 +266,7 @@ Token Reader::readNumberToken() {
       return fail("a digit is missing");
     }
   }
-  const auto number = readNumber(text16.substr(tokenBegin, at - tokenBegin));
+  const auto number = parseNumber(text16.substr(tokenBegin, at - tokenBegin));
   if (!number) {
     at = tokenBegin;
     return fail("the number is beyond the largest double");
@@ -275,7 +275,7 @@ Token Reader::readNumberToken() {
   return token(Token::kNumber, afterValue());
 }
 
-Token Reader::readWord(std::u16string_view word, Token kind) {
+Token Lexer::readWord(std::u16string_view word, Token kind) {
   if (text16.substr(at, word.size()) != word) {
     return fail("a value is missing");
   }

@@ -1,11 +1,11 @@
-#include "foundation/json/read.hpp"
+#include "foundation/json/parse.hpp"
 
 #include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "foundation/json/Reader.hpp"
+#include "foundation/json/Lexer.hpp"
 #include "foundation/json/flatObject.hpp"
 
 namespace foundation::json {
@@ -16,10 +16,10 @@ namespace {
 // none that it holds is open.
 class Builder {
  public:
-  void take(const Reader& reader, Token token) {
+  void take(const Lexer& lexer, Token token) {
     switch (token) {
       case Token::kKey:
-        key = reader.utf8();
+        key = lexer.utf8();
         return;
       case Token::kBeginObject:
         open.push_back(&place(Object()));
@@ -32,19 +32,19 @@ class Builder {
         open.pop_back();
         return;
       default:
-        place(leaf(reader, token));
+        place(leaf(lexer, token));
     }
   }
 
   Value finish() { return std::move(root); }
 
  private:
-  static Value leaf(const Reader& reader, Token token) {
+  static Value leaf(const Lexer& lexer, Token token) {
     switch (token) {
       case Token::kString:
-        return reader.utf8();
+        return lexer.utf8();
       case Token::kNumber:
-        return std::visit([](auto number) { return Value(number); }, reader.number());
+        return std::visit([](auto number) { return Value(number); }, lexer.number());
       case Token::kNull:
         return Null();
       default:
@@ -69,48 +69,48 @@ class Builder {
   std::string key;
 };
 
-Reader embeddedReader(std::u16string_view text, std::size_t from) {
-  return Reader(text, from, Space::kBlanks, kEmbeddedDepth);
+Lexer embeddedLexer(std::u16string_view text, std::size_t from) {
+  return Lexer(text, from, Space::kBlanks, kEmbeddedDepth);
 }
 
 }  // namespace
 
-std::optional<EmbeddedObject> readEmbeddedObject(std::u16string_view text, std::size_t from) {
-  Reader reader = embeddedReader(text, from);
+std::optional<EmbeddedObject> parseEmbeddedObject(std::u16string_view text, std::size_t from) {
+  Lexer lexer = embeddedLexer(text, from);
   Builder builder;
   do {
-    const Token token = reader.next();
+    const Token token = lexer.next();
     if (token == Token::kError) {
       return std::nullopt;
     }
-    builder.take(reader, token);
-  } while (reader.depth() != 0);
-  return EmbeddedObject{std::move(builder.finish().get<Object>()), reader.end()};
+    builder.take(lexer, token);
+  } while (lexer.depth() != 0);
+  return EmbeddedObject{std::move(builder.finish().get<Object>()), lexer.end()};
 }
 
 ObjectExtent measureEmbeddedObject(std::u16string_view text, std::size_t from) noexcept {
   if (const std::size_t end = flatObjectEnd(text, from); end != from) return {end, {}};
-  Reader reader = embeddedReader(text, from);
+  Lexer lexer = embeddedLexer(text, from);
   do {
-    if (reader.next() == Token::kError) {
-      return {std::nullopt, {reader.begin(), reader.error()}};
+    if (lexer.next() == Token::kError) {
+      return {std::nullopt, {lexer.begin(), lexer.error()}};
     }
-  } while (reader.depth() != 0);
-  return {reader.end(), {}};
+  } while (lexer.depth() != 0);
+  return {lexer.end(), {}};
 }
 
-ReadResult readText(std::u16string_view text) {
-  Reader reader(text);
+ParseResult parse(std::u16string_view text) {
+  Lexer lexer(text);
   Builder builder;
   while (true) {
-    const Token token = reader.next();
+    const Token token = lexer.next();
     if (token == Token::kError) {
-      return {std::nullopt, {reader.begin(), reader.error()}};
+      return {std::nullopt, {lexer.begin(), lexer.error()}};
     }
     if (token == Token::kEnd) {
       return {builder.finish(), {}};
     }
-    builder.take(reader, token);
+    builder.take(lexer, token);
   }
 }
 

@@ -38,15 +38,15 @@ enum class Space : std::uint8_t { kAll, kBlanks };
 /// as 16-bit text, an escaped unpaired surrogate as that unit, or as UTF-8, in which surrogates
 /// are paired however they were spelt and unpaired ones are U+FFFD. A number beyond the largest
 /// double is an error. Never throws but for memory, and needs none but for strings with escapes.
-class QUENLITH_JSON_EXPORT Reader {
+class QUENLITH_JSON_EXPORT Lexer {
  public:
-  /// The greatest depth that a reader can be told to allow; a value that holds no other is at 0.
+  /// The greatest depth that a lexer can be told to allow; a value that holds no other is at 0.
   static constexpr std::size_t kMaxDepth = 512;
 
   /// Starts at `from`. `depthLimit`, at most `kMaxDepth`, is how deep containers may nest; the
   /// outermost one is at depth 1.
-  explicit Reader(std::u16string_view text, std::size_t from = 0, Space space = Space::kAll,
-                  std::size_t depthLimit = kMaxDepth);
+  explicit Lexer(std::u16string_view text, std::size_t from = 0, Space space = Space::kAll,
+                 std::size_t depthLimit = kMaxDepth);
 
   Token next();
 

@@ -1,4 +1,4 @@
-#include "foundation/json/Reader.hpp"
+#include "foundation/json/Lexer.hpp"
 
 #include <gtest/gtest.h>
 
@@ -17,43 +17,43 @@ struct Step {
   friend bool operator==(const Step&, const Step&) = default;
 };
 
-std::vector<Step> stepsOf(Reader reader) {
+std::vector<Step> stepsOf(Lexer lexer) {
   std::vector<Step> steps;
   do {
-    const Token token = reader.next();
-    steps.push_back({token, reader.begin(), reader.end()});
+    const Token token = lexer.next();
+    steps.push_back({token, lexer.begin(), lexer.end()});
   } while (steps.back().token != kEnd && steps.back().token != kError);
   return steps;
 }
 
-TEST(Reader, TellsTokensAndTheirPlaces) {
+TEST(Lexer, TellsTokensAndTheirPlaces) {
   const std::vector<Step> expected{{kBeginObject, 1, 2}, {kKey, 3, 6},      {kBeginArray, 9, 10},
                                    {kNumber, 10, 13},    {kTrue, 15, 19},   {kFalse, 20, 25},
                                    {kNull, 26, 30},      {kString, 31, 35}, {kEndArray, 36, 37},
                                    {kEndObject, 38, 39}, {kEnd, 40, 40}};
-  EXPECT_EQ(stepsOf(Reader(u" { \"a\" : [1.5, true,false,null,\"\\n\" ] }\n")), expected);
+  EXPECT_EQ(stepsOf(Lexer(u" { \"a\" : [1.5, true,false,null,\"\\n\" ] }\n")), expected);
 }
 
-TEST(Reader, StringsKeepUnpairedSurrogatesAsUnits) {
-  Reader reader(u"[\"a\\ud83d\", \"\\ud83d\\uDE00\\/\\b\\f\\n\\r\\t\\\"\\\\\", \"raw\"]");
-  reader.next();
-  reader.next();
-  EXPECT_EQ(reader.text(), (std::u16string{u'a', 0xD83D}));
-  EXPECT_EQ(reader.utf8(), "a\xEF\xBF\xBD");
-  reader.next();
-  EXPECT_EQ(reader.text(), u"\U0001F600/\b\f\n\r\t\"\\");
-  EXPECT_EQ(reader.utf8(), "\xF0\x9F\x98\x80/\b\f\n\r\t\"\\");
-  reader.next();
-  EXPECT_EQ(reader.text(), u"raw");
+TEST(Lexer, StringsKeepUnpairedSurrogatesAsUnits) {
+  Lexer lexer(u"[\"a\\ud83d\", \"\\ud83d\\uDE00\\/\\b\\f\\n\\r\\t\\\"\\\\\", \"raw\"]");
+  lexer.next();
+  lexer.next();
+  EXPECT_EQ(lexer.text(), (std::u16string{u'a', 0xD83D}));
+  EXPECT_EQ(lexer.utf8(), "a\xEF\xBF\xBD");
+  lexer.next();
+  EXPECT_EQ(lexer.text(), u"\U0001F600/\b\f\n\r\t\"\\");
+  EXPECT_EQ(lexer.utf8(), "\xF0\x9F\x98\x80/\b\f\n\r\t\"\\");
+  lexer.next();
+  EXPECT_EQ(lexer.text(), u"raw");
 }
 
 // However the halves of a pair are spelt.
-TEST(Reader, EscapedAndRawHalvesMakeAPair) {
+TEST(Lexer, EscapedAndRawHalvesMakeAPair) {
   for (const std::u16string half :
        {u"\"\\ud83d\xDE00\"", u"\"\xD83D\\ude00\"", u"\"\xD83D\xDE00\""}) {
-    Reader reader(half);
-    reader.next();
-    EXPECT_EQ(reader.utf8(), "\xF0\x9F\x98\x80");
+    Lexer lexer(half);
+    lexer.next();
+    EXPECT_EQ(lexer.utf8(), "\xF0\x9F\x98\x80");
   }
 }
 
@@ -111,47 +111,47 @@ const std::vector<Failure> kFailures{
     {u"\uFEFF1", 0, "a value is missing"},
 };
 
-TEST(Reader, SaysWhereAndWhyATextIsNoJson) {
+TEST(Lexer, SaysWhereAndWhyATextIsNoJson) {
   for (const auto& [text, position, reason] : kFailures) {
-    Reader reader(text);
-    Token token = reader.next();
+    Lexer lexer(text);
+    Token token = lexer.next();
     while (token != kError && token != kEnd) {
-      token = reader.next();
+      token = lexer.next();
     }
     ASSERT_EQ(token, kError) << testing::PrintToString(text);
-    EXPECT_EQ(reader.begin(), position) << testing::PrintToString(text);
-    EXPECT_EQ(reader.error(), reason) << testing::PrintToString(text);
-    EXPECT_EQ(reader.next(), kError);
+    EXPECT_EQ(lexer.begin(), position) << testing::PrintToString(text);
+    EXPECT_EQ(lexer.error(), reason) << testing::PrintToString(text);
+    EXPECT_EQ(lexer.next(), kError);
   }
 }
 
-TEST(Reader, HexDigitsMayBeOfEitherCase) {
-  Reader reader(u"\"\\u00e9\\u00E9\\uABCD\\uabcd\"");
-  reader.next();
-  EXPECT_EQ(reader.text(), u"\u00E9\u00E9\uABCD\uABCD");
+TEST(Lexer, HexDigitsMayBeOfEitherCase) {
+  Lexer lexer(u"\"\\u00e9\\u00E9\\uABCD\\uabcd\"");
+  lexer.next();
+  EXPECT_EQ(lexer.text(), u"\u00E9\u00E9\uABCD\uABCD");
 }
 
-TEST(Reader, BlanksOnlyTakesNoLineBreak) {
-  EXPECT_EQ(stepsOf(Reader(u"[ \t1 \t]", 0, Space::kBlanks)).back().token, kEnd);
-  EXPECT_EQ(stepsOf(Reader(u"[\n1]", 0, Space::kBlanks)).back(), (Step{kError, 1, 1}));
-  EXPECT_EQ(stepsOf(Reader(u"[\r1]", 0, Space::kBlanks)).back().token, kError);
-  EXPECT_EQ(stepsOf(Reader(u"[\r\n1]")).back().token, kEnd);
+TEST(Lexer, BlanksOnlyTakesNoLineBreak) {
+  EXPECT_EQ(stepsOf(Lexer(u"[ \t1 \t]", 0, Space::kBlanks)).back().token, kEnd);
+  EXPECT_EQ(stepsOf(Lexer(u"[\n1]", 0, Space::kBlanks)).back(), (Step{kError, 1, 1}));
+  EXPECT_EQ(stepsOf(Lexer(u"[\r1]", 0, Space::kBlanks)).back().token, kError);
+  EXPECT_EQ(stepsOf(Lexer(u"[\r\n1]")).back().token, kEnd);
 }
 
-TEST(Reader, NestingHasALimit) {
-  for (const std::size_t limit : {std::size_t{1}, std::size_t{64}, Reader::kMaxDepth}) {
+TEST(Lexer, NestingHasALimit) {
+  for (const std::size_t limit : {std::size_t{1}, std::size_t{64}, Lexer::kMaxDepth}) {
     const std::u16string fits = std::u16string(limit, u'[') + std::u16string(limit, u']');
-    EXPECT_EQ(stepsOf(Reader(fits, 0, Space::kAll, limit)).back().token, kEnd) << limit;
+    EXPECT_EQ(stepsOf(Lexer(fits, 0, Space::kAll, limit)).back().token, kEnd) << limit;
     const std::u16string deeper = u"[" + fits + u"]";
-    EXPECT_EQ(stepsOf(Reader(deeper, 0, Space::kAll, limit)).back(), (Step{kError, limit, limit}));
+    EXPECT_EQ(stepsOf(Lexer(deeper, 0, Space::kAll, limit)).back(), (Step{kError, limit, limit}));
   }
 }
 
-TEST(Reader, TellsHowManyContainersAreOpen) {
-  Reader reader(u"{\"a\":[1]}");
+TEST(Lexer, TellsHowManyContainersAreOpen) {
+  Lexer lexer(u"{\"a\":[1]}");
   std::vector<std::size_t> depths;
-  while (reader.next() != kEnd) {
-    depths.push_back(reader.depth());
+  while (lexer.next() != kEnd) {
+    depths.push_back(lexer.depth());
   }
   EXPECT_EQ(depths, (std::vector<std::size_t>{1, 1, 2, 2, 1, 0}));
 }

@@ -25,11 +25,11 @@ inline constexpr std::size_t kEmbeddedDepth = 64;
 /// exponent is a double. Of equal keys the last one counts. Nothing comes of an object that is no
 /// JSON, nests deeper than `kEmbeddedDepth` or has a number beyond the largest double. Unpaired
 /// surrogates become U+FFFD. What follows the object is not looked at.
-QUENLITH_JSON_EXPORT std::optional<EmbeddedObject> readEmbeddedObject(std::u16string_view text,
-                                                                      std::size_t from);
+QUENLITH_JSON_EXPORT std::optional<EmbeddedObject> parseEmbeddedObject(std::u16string_view text,
+                                                                       std::size_t from);
 
 /// Where a text stops being JSON, in 16-bit code units from its start, and why.
-struct ReadFailure {
+struct ParseError {
   std::size_t position = 0;
   const char* reason = "";
 };
@@ -37,21 +37,21 @@ struct ReadFailure {
 /// The place behind an object, or the reason why there is none.
 struct ObjectExtent {
   std::optional<std::size_t> end;
-  ReadFailure failure;
+  ParseError failure;
 };
 
-/// Like `readEmbeddedObject`, but only says where the object ends. Does not allocate.
+/// Like `parseEmbeddedObject`, but only says where the object ends. Does not allocate.
 QUENLITH_JSON_EXPORT ObjectExtent measureEmbeddedObject(std::u16string_view text,
                                                         std::size_t from) noexcept;
 
 /// A value, or the reason why there is none.
-struct ReadResult {
+struct ParseResult {
   std::optional<Value> value;
-  ReadFailure failure;
+  ParseError failure;
 };
 
 /// Reads a whole JSON text: one value of any kind, with all of JSON's white space around and
-/// inside it. Otherwise like `readEmbeddedObject`, with a depth of up to `Reader::kMaxDepth`.
-QUENLITH_JSON_EXPORT ReadResult readText(std::u16string_view text);
+/// inside it. Otherwise like `parseEmbeddedObject`, with a depth of up to `Lexer::kMaxDepth`.
+QUENLITH_JSON_EXPORT ParseResult parse(std::u16string_view text);
 
 }  // namespace foundation::json

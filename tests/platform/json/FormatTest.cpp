@@ -1,4 +1,4 @@
-#include "foundation/json/write.hpp"
+#include "foundation/json/format.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "fl/i18n/ustring.hpp"
-#include "foundation/json/read.hpp"
+#include "foundation/json/parse.hpp"
 
 namespace foundation::json {
 namespace {
@@ -116,7 +116,7 @@ TEST(WriteNumber, CanonicalDoublesReadBack) {
       continue;
     }
     const std::string text = canonical(value);
-    const auto read = readText(fl::i18n::utf8_to_ustring(text));
+    const auto read = parse(fl::i18n::utf8_to_ustring(text));
     ASSERT_TRUE(read.value && read.value->is<double>()) << text;
     ASSERT_EQ(std::bit_cast<std::uint64_t>(read.value->get<double>()), bits) << text;
     ASSERT_EQ(std::strtod(number(value).c_str(), nullptr), value) << text;
@@ -181,33 +181,6 @@ TEST(WriteText, CanonicalTextsEscapeNoMoreThanJsonMust) {
   EXPECT_EQ(written(appendCanonicalQuoted,
                     std::string_view("\"\\\b\f\n\r\t\x01\x1F\x7F\xC2\x80/\xC3\xA9")),
             "\"\\\"\\\\\\b\\f\\n\\r\\t\\u0001\\u001f\x7F\xC2\x80/\xC3\xA9\"");
-}
-
-TEST(WriteCanonical, HasNoBlanksAndAscendingKeys) {
-  const Object object{{"b", Value(1.0)},
-                      {"a", Value("\x7F")},
-                      {"B", Value(Array{Value(1), Value(2U), Value(true), Value(Null())})},
-                      {"\xC3\xA9", Value(Object())}};
-  EXPECT_EQ(written(appendCanonical, object),
-            "{\"B\":[1,2,true,null],\"a\":\"\x7F\",\"b\":1.0,\"\xC3\xA9\":{}}");
-}
-
-TEST(WriteValue, WritesEveryKind) {
-  const Value value(Array{Value(), Value(Null()), Value(false), Value(1.0), Value("\x7F"),
-                          Value(Array()), Value(Object{{"k\n", Value(0.5F)}}), Value(-1),
-                          Value(1U)});
-  EXPECT_EQ(written(appendValue, value), "[null,null,false,1,\"\\u007f\",[],{\"k\\n\":0.5},-1,1]");
-}
-
-TEST(WriteValue, DeepValuesAreWrittenWithoutRecursion) {
-  Value value;
-  for (int level = 0; level < 100'000; ++level) {
-    Array array;
-    array.push_back(std::move(value));
-    value = Value(std::move(array));
-  }
-  EXPECT_EQ(written([](std::string& out, const Value* held) { appendValue(out, *held); }, &value),
-            std::string(100'000, '[') + "null" + std::string(100'000, ']'));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "foundation/json/read.hpp"
+#include "foundation/json/parse.hpp"
 
 #include <gtest/gtest.h>
 
@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "foundation/json/Reader.hpp"
+#include "foundation/json/Lexer.hpp"
 #include "support/FailingAllocations.hpp"
 
 namespace foundation::json {
 namespace {
 
 Object objectOf(std::u16string_view text) {
-  const auto read = readEmbeddedObject(text, 0);
+  const auto read = parseEmbeddedObject(text, 0);
   EXPECT_TRUE(read) << testing::PrintToString(text);
   return read ? read->object : Object();
 }
@@ -89,14 +89,14 @@ TEST(ReadNumber, BeyondTheLargestDoubleIsNoJson) {
            u"1.7976931348623159e308", u"-1.7976931348623159e308", u"1e309",
            u"1e99999999999999999999", u"1" + std::u16string(309, u'0'),
            u"-1" + std::u16string(5000, u'0'), u"0." + std::u16string(1000, u'0') + u"1e1400"}) {
-    EXPECT_FALSE(readEmbeddedObject(u"{\"n\":" + number + u"}", 0)) << number.size();
+    EXPECT_FALSE(parseEmbeddedObject(u"{\"n\":" + number + u"}", 0)) << number.size();
     EXPECT_FALSE(measureEmbeddedObject(u"{\"n\":" + number + u"}", 0).end) << number.size();
   }
 }
 
 TEST(EmbeddedObject, EndsBehindItsClosingBrace) {
   const std::u16string_view text = u"x {\"a\": {\"b\": [1, {}]}} > {";
-  const auto read = readEmbeddedObject(text, 2);
+  const auto read = parseEmbeddedObject(text, 2);
   ASSERT_TRUE(read);
   EXPECT_EQ(read->end, 23U);
   EXPECT_EQ(measureEmbeddedObject(text, 2).end, 23U);
@@ -129,8 +129,8 @@ TEST(EmbeddedObject, NestsSixtyFourLevelsDeep) {
   const auto nested = [](std::size_t depth) {
     return u"{\"a\":" + std::u16string(depth - 1, u'[') + std::u16string(depth - 1, u']') + u"}";
   };
-  EXPECT_TRUE(readEmbeddedObject(nested(64), 0));
-  EXPECT_FALSE(readEmbeddedObject(nested(65), 0));
+  EXPECT_TRUE(parseEmbeddedObject(nested(64), 0));
+  EXPECT_FALSE(parseEmbeddedObject(nested(65), 0));
   EXPECT_EQ(measureEmbeddedObject(nested(64), 0).end, nested(64).size());
   EXPECT_FALSE(measureEmbeddedObject(nested(65), 0).end);
 }
@@ -153,23 +153,23 @@ TEST(EmbeddedObject, MeasuringDoesNotAllocate) {
 TEST(EmbeddedObject, FailingAllocationsOnlyThrowBadAlloc) {
   const std::u16string text =
       u"{\"a long key of an object\":[1.5,\"\\u0041 long enough text\",{}]}";
-  EXPECT_GT(quenlith::test::failEachAllocation([&] { readEmbeddedObject(text, 0); }, [] {}), 5U);
+  EXPECT_GT(quenlith::test::failEachAllocation([&] { parseEmbeddedObject(text, 0); }, [] {}), 5U);
 }
 
 TEST(ReadText, TakesAnyValueWithAnyWhiteSpace) {
-  EXPECT_EQ(readText(u"\r\n[ 1 ,\n\t\"x\" ]\n").value, Value(Array{Value(1), Value("x")}));
-  EXPECT_EQ(readText(u"null").value, Value(Null()));
-  EXPECT_EQ(readText(u"\"x\"").value, Value("x"));
-  EXPECT_EQ(readText(u"-1").value, Value(-1));
+  EXPECT_EQ(parse(u"\r\n[ 1 ,\n\t\"x\" ]\n").value, Value(Array{Value(1), Value("x")}));
+  EXPECT_EQ(parse(u"null").value, Value(Null()));
+  EXPECT_EQ(parse(u"\"x\"").value, Value("x"));
+  EXPECT_EQ(parse(u"-1").value, Value(-1));
 }
 
 TEST(ReadText, SaysWhereATextIsNoJson) {
-  const ReadResult result = readText(u"[1,\n oops]");
+  const ParseResult result = parse(u"[1,\n oops]");
   EXPECT_FALSE(result.value);
   EXPECT_EQ(result.failure.position, 5U);
   EXPECT_STREQ(result.failure.reason, "a value is missing");
-  EXPECT_FALSE(readText(u"{} {}").value);
-  EXPECT_FALSE(readText(std::u16string(Reader::kMaxDepth + 1, u'[')).value);
+  EXPECT_FALSE(parse(u"{} {}").value);
+  EXPECT_FALSE(parse(std::u16string(Lexer::kMaxDepth + 1, u'[')).value);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "foundation/json/write.hpp"
+#include "foundation/json/format.hpp"
 
 #include <array>
 #include <charconv>
@@ -9,7 +9,6 @@
 #include "fl/i18n/ustring.hpp"
 #include "fl/i18n/utf16.hpp"
 #include "fl/i18n/utf8.hpp"
-#include "foundation/json/Writer.hpp"
 #include "foundation/json/plainRun.hpp"
 
 namespace foundation::json {
@@ -193,14 +192,6 @@ void appendCanonicalQuoted(std::string& output, std::string_view utf8) {
     }
   }
   output.append(1, '"');
-}
-
-void appendValue(std::string& output, const Value& value) {
-  Writer(output, Form::kCompact).value(value);
-}
-
-void appendCanonical(std::string& output, const Object& object) {
-  Writer(output, Form::kCanonical).object(object);
 }
 
 }  // namespace foundation::json

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/json/Value.hpp"
 #include "quenlith/export/json.hpp"
 
 namespace foundation::json {
@@ -34,12 +33,5 @@ QUENLITH_JSON_EXPORT void appendQuoted(std::string& output, std::string_view utf
 
 /// Like `appendQuoted`, but U+007F to U+009F stand as they are, and bytes are copied unchecked.
 QUENLITH_JSON_EXPORT void appendCanonicalQuoted(std::string& output, std::string_view utf8);
-
-/// Appends a value without blanks; the undefined kind is written as null. Writing is a loop: the
-/// depth is bounded by memory only.
-QUENLITH_JSON_EXPORT void appendValue(std::string& output, const Value& value);
-
-/// Appends an object in canonical form: like `appendValue`, but with canonical numbers and texts.
-QUENLITH_JSON_EXPORT void appendCanonical(std::string& output, const Object& object);
 
 }  // namespace foundation::json
