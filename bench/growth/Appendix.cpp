@@ -4,14 +4,14 @@
 
 #include "fl/i18n/ustring.hpp"
 #include "growth/subjects.hpp"
-#include "tessera/appendix/FileAppendix.hpp"
+#include "tessera/source/FileAppendix.hpp"
 
 namespace bench::growth {
 
 namespace {
 
 using quenlith::syntax::Marker;
-using tessera::appendix::FileAppendix;
+using tessera::source::FileAppendix;
 
 class Appendix : public Subject {
  public:

@@ -4,7 +4,7 @@
 #include "growth/subjects.hpp"
 #include "parsers/CachedLists.hpp"
 #include "quenlith/build/markup/code/TaskSnippetParserImpl.hpp"
-#include "tessera/appendix/FileAppendix.hpp"
+#include "tessera/source/FileAppendix.hpp"
 
 namespace bench::growth {
 
@@ -14,7 +14,7 @@ using document::kdzero::TesseraDocument;
 using quenlith::build::markup::ParseResult;
 using quenlith::build::markup::Snippet;
 using quenlith::build::markup::code::TaskSnippetParserImpl;
-using tessera::appendix::FileAppendix;
+using tessera::source::FileAppendix;
 
 std::string taskLine(std::size_t number) {
   return "fit(x)  # <@task#t" + std::to_string(number) + ">";

@@ -1,7 +1,7 @@
 #include <stdexcept>
 
 #include "parsers/parsers.hpp"
-#include "tessera/services/ServiceHost.hpp"
+#include "tessera/host/ServiceHost.hpp"
 
 namespace bench::parsers {
 
@@ -29,7 +29,7 @@ class ServiceParser : public Subject {
  private:
   const Corpus& corpus;
   Contents wanted;
-  tessera::services::ServiceHost host{{}};
+  tessera::host::ServiceHost host{{}};
   std::shared_ptr<quenlith::build::markup::SnippetParser> parser;
   std::shared_ptr<TesseraDocument> document;
 };

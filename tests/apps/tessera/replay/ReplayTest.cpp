@@ -40,8 +40,8 @@ class Replay : public testing::Test {
 
   TemporaryFolder folder;
   std::shared_ptr<FakeParser> parser = std::make_shared<FakeParser>();
-  tessera::appendix::FileAppendix appendix;
-  tessera::output::OutputFile output{folder.path("answers")};
+  tessera::source::FileAppendix appendix;
+  tessera::files::OutputFile output{folder.path("answers")};
   tessera::replay::Replay replay{{{"P", parser}}, appendix, output};
 };
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "apps/tessera/support/TemporaryFolder.hpp"
-#include "tessera/Problem.hpp"
+#include "tessera/diagnostics/Problem.hpp"
 
 namespace {
 
@@ -54,9 +54,9 @@ TEST(Recording, WritesTheAuxiliaryTextOnlyWhenItChanges) {
 }
 
 TEST(Recording, AFileThatCannotBeWrittenIsAnError) {
-  EXPECT_THROW(Recording("/"), tessera::OutputError);
+  EXPECT_THROW(Recording("/"), tessera::diagnostics::OutputError);
   Recording full("/dev/full");
-  EXPECT_THROW(full.reset("P"), tessera::OutputError);
+  EXPECT_THROW(full.reset("P"), tessera::diagnostics::OutputError);
 }
 
 }  // namespace

@@ -1,0 +1,168 @@
+#include "tessera/commands/commandLine.hpp"
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tessera/commands/check.hpp"
+#include "tessera/commands/parse.hpp"
+#include "tessera/commands/replay.hpp"
+#include "tessera/commands/status.hpp"
+#include "tessera/diagnostics/Problem.hpp"
+#include "tessera/diagnostics/report.hpp"
+#include "tessera/files/standardStreams.hpp"
+
+namespace tessera::commands {
+namespace {
+
+ParseFormat readFormat(const std::string& name) {
+  if (name == "tree") return ParseFormat::kTree;
+  if (name == "json") return ParseFormat::kJson;
+  if (name == "ndjson") return ParseFormat::kNdjson;
+  throw CLI::ValidationError("\"" + name + "\" is no format: use tree, json or ndjson");
+}
+
+std::string readRecordFile(const std::string& name) {
+  if (!name.empty() && name != "-") return name;
+  throw CLI::ValidationError("\"" + name + "\" is no file to record to: name a file");
+}
+
+void addBundles(CLI::App& command, std::vector<std::string>& bundles) {
+  command.add_option("--bundle", bundles, "Start a bundle with more parsers; may be repeated.")
+      ->type_name("FILE")
+      ->allow_extra_args(false)
+      ->check([](const std::string& name) {
+        return std::string(name.empty() ? "\"\" is no bundle: name its library" : "");
+      });
+}
+
+void addFiles(CLI::App& command, std::vector<std::string>& files, const std::string& description) {
+  command.add_option("FILE", files, description)->type_name("")->required();
+}
+
+/// The options of all commands, and the way from arguments to them.
+struct CommandLine {
+  CommandLine();
+
+  int run() const;
+
+  CLI::App app{"Turns lines of source with comment markers into a structured document."};
+  CLI::App* parseCommand = nullptr;
+  CLI::App* checkCommand = nullptr;
+  CLI::App* replayCommand = nullptr;
+  ParseOptions parseOptions;
+  CheckOptions checkOptions;
+  ReplayOptions replayOptions;
+
+ private:
+  void addParse();
+  void addCheck();
+  void addReplay();
+};
+
+CommandLine::CommandLine() {
+  app.name("tessera");
+  app.set_version_flag("--version", std::string("tessera ") + TESSERA_VERSION);
+  app.require_subcommand(1);
+  addParse();
+  addCheck();
+  addReplay();
+}
+
+void CommandLine::addParse() {
+  parseCommand = app.add_subcommand("parse", "Parse files and write their documents.");
+  parseCommand
+      ->add_option_function<std::string>(
+          "--format", [this](const std::string& name) { parseOptions.format = readFormat(name); },
+          "How documents are written: tree (the default), json or ndjson.")
+      ->type_name("FORMAT");
+  parseCommand->add_flag("--trace", parseOptions.trace, "Show the records that the parsers emit.");
+  parseCommand
+      ->add_option_function<std::string>(
+          "--record",
+          [this](const std::string& name) { parseOptions.recordFile = readRecordFile(name); },
+          "Write the calls of the parsers for tessera replay.")
+      ->type_name("FILE");
+  addBundles(*parseCommand, parseOptions.bundles);
+  addFiles(*parseCommand, parseOptions.files, "The files to parse; - is standard input.");
+}
+
+void CommandLine::addCheck() {
+  checkCommand = app.add_subcommand("check", "Say what is wrong with the markers of files.");
+  addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
+}
+
+void CommandLine::addReplay() {
+  replayCommand = app.add_subcommand("replay", "Call the parsers as a file says, call by call.");
+  addBundles(*replayCommand, replayOptions.bundles);
+  replayCommand
+      ->add_option("FILE", replayOptions.file, "The file with the calls; - is standard input.")
+      ->type_name("")
+      ->required();
+}
+
+int CommandLine::run() const {
+  if (parseCommand->parsed()) return parse(parseOptions);
+  if (checkCommand->parsed()) return check(checkOptions);
+  return replay(replayOptions);
+}
+
+/// Says what is wrong with the arguments: the first one that nothing takes, else what is missing.
+std::string describeUsage(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> unknown = app.remaining(true);
+  if (unknown.empty()) return error.what();
+  const std::string kind = unknown.front().starts_with('-') ? "option" : "command";
+  return "unknown " + kind + " \"" + unknown.front() + "\"";
+}
+
+/// Tells what cannot be used of the command line, and where to read what can.
+int reportUsage(const CommandLine& line, const CLI::ParseError& error) {
+  std::string help = "tessera";
+  for (const CLI::App* command : line.app.get_subcommands()) help += " " + command->get_name();
+  diagnostics::report(
+      diagnostics::describe({.file = "tessera",
+                             .place = {},
+                             .what = describeUsage(line.app, error),
+                             .remedy = "\"" + help + " --help\" tells what there is"}));
+  return kUnusable;
+}
+
+/// Writes the help or the version that was asked for.
+int showHelp(const CommandLine& line, const CLI::ParseError& request) {
+  line.app.exit(request);
+  if (std::cout.flush()) return kFine;
+  diagnostics::report(
+      diagnostics::describe({.file = "standard output",
+                             .place = {},
+                             .what = "cannot be written",
+                             .remedy = "make room, or name a file that can be written"}));
+  return kUnusable;
+}
+
+}  // namespace
+
+int runCommandLine(int argumentCount, char** arguments) {
+  files::reserveStandardStreams();
+  CommandLine line;
+  try {
+    line.app.parse(argumentCount, arguments);
+    return line.run();
+  } catch (const CLI::ParseError& error) {
+    // Help and version are of this type too.
+    if (error.get_exit_code() == 0) return showHelp(line, error);
+    return reportUsage(line, error);
+  } catch (const diagnostics::ProblemError& error) {
+    diagnostics::report(error.what());
+  } catch (const std::exception& error) {
+    diagnostics::report(
+        diagnostics::describe({.file = "tessera",
+                               .place = {},
+                               .what = error.what(),
+                               .remedy = "report it, or try again with fewer or smaller files"}));
+  }
+  return kUnusable;
+}
+
+}  // namespace tessera::commands

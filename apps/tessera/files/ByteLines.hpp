@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tessera/files/FileReader.hpp"
+
+namespace tessera::files {
+
+/// Reads a file line by line, as soon as lines come.
+class ByteLines {
+ public:
+  /// Opens the file `name`, "-" for standard input. Throws ProblemError.
+  explicit ByteLines(const std::string& name) : reader(name) {}
+
+  /// Returns the next line without its LF, valid until the next call; nothing at the end. An LF
+  /// at the end begins no further line. A byte order mark at the start is dropped. Throws
+  /// ProblemError when the file cannot be read.
+  std::optional<std::string_view> next();
+
+  /// Tells whether the next line is here already, so that asking for it will not wait.
+  bool isNextHere() const noexcept { return held.find('\n', begin) != held.npos; }
+
+ private:
+  bool readMore();
+
+  FileReader reader;
+  std::string held;
+  // What lies before has been returned.
+  std::size_t begin = 0;
+  bool atStart = true;
+};
+
+}  // namespace tessera::files

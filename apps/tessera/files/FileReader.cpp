@@ -1,0 +1,71 @@
+#include "tessera/files/FileReader.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "tessera/diagnostics/Problem.hpp"
+
+namespace tessera::files {
+namespace {
+
+const char* remedyFor(int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return "check the name";
+    case EACCES:
+    case EPERM:
+      return "ask for the right to read it, or name another file";
+    case EISDIR:
+      return "name the files in it";
+    default:
+      return "name a file that can be read";
+  }
+}
+
+}  // namespace
+
+FileReader::FileReader(const std::string& fileName) : name(fileName) {
+  if (name == "-") return;
+  descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) fail("cannot be opened", errno);
+  try {
+    examine();
+  } catch (...) {
+    ::close(descriptor);
+    throw;
+  }
+}
+
+FileReader::~FileReader() {
+  if (descriptor != 0) ::close(descriptor);
+}
+
+void FileReader::examine() {
+  struct stat status;
+  if (::fstat(descriptor, &status) != 0) fail("cannot be read", errno);
+  if (S_ISDIR(status.st_mode)) fail("cannot be read", EISDIR);
+  if (S_ISREG(status.st_mode)) sizeBytes = static_cast<std::size_t>(status.st_size);
+}
+
+std::size_t FileReader::read(char* target, std::size_t size) {
+  while (true) {
+    const ssize_t count = ::read(descriptor, target, size);
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) fail("cannot be read", errno);
+  }
+}
+
+void FileReader::fail(const char* deed, int error) const {
+  throw diagnostics::ProblemError(
+      {.file = name,
+       .place = {},
+       .what = std::string(deed) + ": " + std::generic_category().message(error),
+       .remedy = remedyFor(error)});
+}
+
+}  // namespace tessera::files

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "foundation/json/Writer.hpp"
+#include "tessera/formats/DocumentWriter.hpp"
+#include "tessera/formats/LineJson.hpp"
+#include "tessera/formats/NodeJson.hpp"
+
+namespace tessera::formats {
+
+/// Writes parsed files as JSON objects, one behind the other.
+class DocumentJson final : public DocumentWriter {
+ public:
+  /// Borrows `file`.
+  DocumentJson(files::OutputFile& file, foundation::json::Form form, Records showRecords);
+
+  void write(const FileResult& result) override;
+
+ private:
+  files::OutputFile& output;
+  foundation::json::Writer json;
+  NodeJson nodes;
+  LineJson lines;
+};
+
+}  // namespace tessera::formats

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "document/kdzero/Node.hpp"
+#include "tessera/files/OutputFile.hpp"
+#include "tessera/formats/DocumentWriter.hpp"
+
+namespace tessera::formats {
+
+/// Writes parsed files for people to read: a row a node, indented below its line's number.
+///
+/// Control characters of a file's text are escaped, so that a terminal shows them.
+class DocumentTree final : public DocumentWriter {
+ public:
+  /// Borrows `file`.
+  DocumentTree(files::OutputFile& file, Records showRecords) : output(file), records(showRecords) {}
+
+  void write(const FileResult& result) override;
+
+ private:
+  void writeLine(const session::LineTable::Line& line, const FileResult& result);
+  void writeOutcome(const session::LineOutcome& outcome, std::string_view parser);
+  void writeTree(const document::kdzero::Node& top);
+  const document::kdzero::Node* writeNode(const document::kdzero::Node& node, std::size_t depth);
+  void writeTask(const document::kdzero::Node& node, std::size_t depth);
+  void writeDetails(const document::kdzero::Node& node, std::size_t depth);
+  void beginRow(std::size_t depth);
+  void row(std::size_t depth, std::string_view text);
+
+  files::OutputFile& output;
+  Records records;
+  // The number of the line whose first row is still to come; 0 behind that.
+  std::uint64_t lineNumber = 0;
+};
+
+}  // namespace tessera::formats

@@ -1,0 +1,73 @@
+#include "tessera/formats/NodeJson.hpp"
+
+#include <boost/uuid/uuid.hpp>
+#include <string_view>
+
+#include "document/kdzero/LineNode.hpp"
+#include "document/kdzero/PlainTextNode.hpp"
+#include "document/kdzero/TesseraDocument.hpp"
+#include "foundation/json/format.hpp"
+#include "tessera/formats/NodeKind.hpp"
+#include "tessera/formats/NodeWriter.hpp"
+
+namespace tessera::formats {
+
+using namespace document::kdzero;
+
+namespace {
+
+constexpr std::string_view kKey = "nodes";
+
+/// Returns the JSON of a plain line whose text is `text`, as it stands behind that of another node
+/// in the member.
+std::string renderPlainLine(foundation::json::Form form, std::u16string_view text) {
+  const kd::zero::Model model = kd::zero::Model::create();
+  LineNode line = LineNode::Builder(model).createLineNode(boost::uuids::uuid());
+  PlainTextNode child = PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid());
+  child->setText(text);
+  line->getChildrenMutable().add(child);
+  std::string rendered;
+  foundation::json::Writer writer(rendered, form);
+  writer.beginObject();
+  writer.key(kKey);
+  writer.beginArray();
+  // In place of the node before.
+  writer.null();
+  const std::size_t begin = rendered.size();
+  NodeWriter(writer).write(line);
+  return rendered.substr(begin);
+}
+
+}  // namespace
+
+NodeJson::NodeJson(files::OutputFile& file, foundation::json::Writer& writer,
+                   foundation::json::Form spelling)
+    : output(file), json(writer) {
+  constexpr std::string_view kSample = "\"the text\"";
+  const std::string line = renderPlainLine(spelling, u"the text");
+  const std::size_t place = line.find(kSample);
+  beforeText = line.substr(0, place);
+  behindText = line.substr(place + kSample.size());
+}
+
+void NodeJson::writeMember(const kd::zero::ElementSequence<Node>& nodes) {
+  json.key(kKey);
+  json.beginArray();
+  for (const Node& node : nodes) {
+    if (&node != nodes.begin() && isPlainLine(node)) {
+      writePlainLine(textOf(node->getChildren()[0]));
+    } else {
+      NodeWriter(json).write(node);
+    }
+    output.flushIfLarge();
+  }
+  json.endArray();
+}
+
+void NodeJson::writePlainLine(std::u16string_view text) {
+  output.text() += beforeText;
+  foundation::json::appendQuoted(output.text(), text);
+  output.text() += behindText;
+}
+
+}  // namespace tessera::formats

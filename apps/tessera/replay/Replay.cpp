@@ -1,0 +1,161 @@
+#include "tessera/replay/Replay.hpp"
+
+#include <boost/uuid/uuid.hpp>
+#include <utility>
+
+#include "document/kdzero/LineNode.hpp"
+#include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
+#include "document/kdzero/LiveAppLineNode.hpp"
+#include "document/kdzero/PlainTextNode.hpp"
+#include "tessera/diagnostics/describeException.hpp"
+#include "tessera/diagnostics/terminalText.hpp"
+#include "tessera/session/ResultJson.hpp"
+
+namespace tessera::replay {
+
+using namespace document::kdzero;
+using quenlith::build::markup::ParseResult;
+using quenlith::build::markup::SnippetParser;
+
+Replay::Replay(std::vector<session::NamedParser> named, source::FileAppendix& appendixService,
+               files::OutputFile& answers)
+    : parsers(std::move(named)),
+      appendix(appendixService),
+      output(answers),
+      json(answers.text(), foundation::json::Form::kCompact),
+      nodes(answers, json, foundation::json::Form::kCompact),
+      document(std::make_shared<TesseraDocument>()) {}
+
+void Replay::run(const Command& command) {
+  runOperation(command);
+  output.text() += '\n';
+  output.flushIfLarge();
+}
+
+void Replay::runOperation(const Command& command) {
+  switch (command.operation) {
+    case Operation::kCanParse:
+      return canParse(command);
+    case Operation::kParse:
+      return parse(command);
+    case Operation::kReset:
+      return reset(command);
+    case Operation::kNodes:
+      return writeNodes();
+    case Operation::kDocument:
+      document = std::make_shared<TesseraDocument>();
+      break;
+    case Operation::kAppendix:
+      appendix.replace(command.entries);
+      break;
+    case Operation::kAddLine:
+      addLine(command);
+      break;
+    case Operation::kSetView:
+      setView(command);
+      break;
+  }
+  json.beginObject();
+  json.endObject();
+}
+
+void Replay::canParse(const Command& command) {
+  SnippetParser& parser = findParser(command);
+  const auto& taken = takeSnippet(command.snippet);
+  answerCall([&] {
+    const bool answer = parser.canParse(taken);
+    json.beginObject();
+    json.key("canParse");
+    json.boolean(answer);
+  });
+}
+
+void Replay::parse(const Command& command) {
+  SnippetParser& parser = findParser(command);
+  const auto& taken = takeSnippet(command.snippet);
+  answerCall([&] {
+    const ParseResult result = parser.parse(document, taken);
+    json.beginObject();
+    json.key("result");
+    json.beginObject();
+    session::writeResultMembers(json, result);
+    json.endObject();
+  });
+}
+
+void Replay::reset(const Command& command) {
+  SnippetParser& parser = findParser(command);
+  answerCall([&] {
+    parser.reset();
+    json.beginObject();
+  });
+}
+
+/// Makes the call, which opens the answer's object once it has gone well, and closes the answer
+/// with the records. A call that throws has not opened it.
+template <typename Call>
+void Replay::answerCall(const Call& call) {
+  try {
+    call();
+  } catch (...) {
+    const std::string reason = diagnostics::describeException();
+    json.beginObject();
+    json.key("error");
+    json.text(std::string_view(reason));
+  }
+  session::writeLog(json, log.take());
+  json.endObject();
+}
+
+void Replay::writeNodes() {
+  json.beginObject();
+  nodes.writeMember(document->getChildren());
+  json.endObject();
+}
+
+void Replay::addLine(const Command& command) {
+  const kd::zero::Model model = document->getModel();
+  LineNode line = LineNode::Builder(model).createLineNode(boost::uuids::uuid());
+  PlainTextNode text = PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid());
+  text->setText(command.text);
+  line->getChildrenMutable().add(text);
+  document->addChild(line);
+}
+
+void Replay::setView(const Command& command) {
+  const auto& top = document->getChildren();
+  LiveAppIntegratedInlineNode task;
+  if (command.node < top.size() && LiveAppLineNode::castFrom(top[command.node]) &&
+      top[command.node]->getChildren().size() != 0) {
+    task = LiveAppIntegratedInlineNode::castFrom(top[command.node]->getChildren()[0]);
+  }
+  if (!task) {
+    throw CommandError{
+        .column = command.subjectColumn,
+        .what = "the node " + std::to_string(command.node) + " is no header of a task",
+        .remedy = "count the top-level nodes from 0, as \"nodes\" shows them"};
+  }
+  auto data = task->getLiveTaskData();
+  task->setLiveTaskData(data.setView(command.view));
+}
+
+SnippetParser& Replay::findParser(const Command& command) const {
+  const std::string wanted = fl::i18n::ustring_to_utf8(command.parser);
+  std::string known;
+  for (const session::NamedParser& entry : parsers) {
+    if (entry.name == wanted) return *entry.parser;
+    known += diagnostics::quotedText(fl::i18n::utf8_to_ustring(entry.name)) + " or ";
+  }
+  throw CommandError{.column = command.subjectColumn,
+                     .what = "there is no parser " + diagnostics::quotedText(command.parser),
+                     .remedy = "name " + known + "start the bundle that has it with --bundle"};
+}
+
+const quenlith::build::markup::Snippet& Replay::takeSnippet(const CommandSnippet& given) {
+  snippet.text = given.text;
+  snippet.type = given.type;
+  if (given.auxiliaryText) snippet.auxiliaryText = *given.auxiliaryText;
+  return snippet;
+}
+
+}  // namespace tessera::replay

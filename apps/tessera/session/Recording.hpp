@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "foundation/json/Writer.hpp"
+#include "quenlith/build/markup/Snippet.hpp"
+#include "tessera/files/OutputFile.hpp"
+
+namespace tessera::session {
+
+/// Writes the calls of a session as the commands of `tessera replay`, each before it is made:
+/// the record of a call that ends the program is whole.
+class Recording {
+ public:
+  /// Creates the file `name` or empties it. Throws OutputError, as all operations do.
+  explicit Recording(const std::string& name);
+
+  /// Begins a file with a new document and the entries of its appendix; `code` is the
+  /// auxiliary text of all its snippets.
+  void begin(const std::vector<fl::i18n::ustring>& appendixEntries, std::u16string_view code);
+  void reset(std::string_view parser);
+  void canParse(std::string_view parser, const quenlith::build::markup::Snippet& snippet);
+  void parse(std::string_view parser, const quenlith::build::markup::Snippet& snippet);
+  /// Ends a file by asking for its document.
+  void end();
+
+ private:
+  void beginCommand(std::string_view operation);
+  void endCommand();
+  void call(std::string_view operation, std::string_view parser,
+            const quenlith::build::markup::Snippet& snippet);
+
+  files::OutputFile file;
+  foundation::json::Writer json;
+  // What a reader of the recording takes for the auxiliary text of a snippet that names none.
+  fl::i18n::ustring auxiliaryText;
+  bool auxiliaryTextIsNew = false;
+};
+
+}  // namespace tessera::session

@@ -1,0 +1,78 @@
+#include "tessera/session/SnippetSession.hpp"
+
+#include <stdexcept>
+#include <utility>
+
+#include "tessera/diagnostics/Problem.hpp"
+#include "tessera/diagnostics/describeException.hpp"
+#include "tessera/session/Recording.hpp"
+
+namespace tessera::session {
+
+using document::kdzero::TesseraDocument;
+using quenlith::build::markup::Snippet;
+
+ParserError::ParserError(std::uint64_t lineNumber, std::string reason)
+    : number(lineNumber), text(std::move(reason)) {}
+
+SnippetSession::SnippetSession(std::vector<NamedParser> ordered, LogCollector* logCollector,
+                               Recording* callRecording)
+    : parsersInOrder(std::move(ordered)), log(logCollector), recording(callRecording) {}
+
+ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
+  ParsedSnippet parsed;
+  parsed.document = std::make_shared<TesseraDocument>();
+  parsed.code.any = code.any;
+  Snippet snippet;
+  snippet.auxiliaryText = std::move(code.text);
+  std::uint64_t number = 0;
+  try {
+    resetParsers();
+    source::LineCursor cursor(snippet.auxiliaryText, code.any);
+    while (const auto line = cursor.next()) {
+      ++number;
+      snippet.text.assign(*line);
+      LineOutcome outcome = parseLine(parsed.document, snippet);
+      snippet.type = outcome.result.type;
+      parsed.lines.add(std::move(outcome));
+    }
+  } catch (const diagnostics::ProblemError&) {
+    throw;
+  } catch (...) {
+    throw ParserError(number, diagnostics::describeException());
+  }
+  parsed.code.text = std::move(snippet.auxiliaryText);
+  return parsed;
+}
+
+void SnippetSession::resetParsers() {
+  for (const NamedParser& entry : parsersInOrder) {
+    if (recording != nullptr) recording->reset(entry.name);
+    entry.parser->reset();
+  }
+  // What a reset says belongs to no line.
+  if (log != nullptr) log->take();
+}
+
+std::size_t SnippetSession::choose(const Snippet& snippet) {
+  for (std::size_t i = 0; i < parsersInOrder.size(); ++i) {
+    if (recording != nullptr) recording->canParse(parsersInOrder[i].name, snippet);
+    if (parsersInOrder[i].parser->canParse(snippet)) return i;
+  }
+  throw std::runtime_error("no snippet parser takes the line");
+}
+
+LineOutcome SnippetSession::parseLine(const std::shared_ptr<TesseraDocument>& document,
+                                      const Snippet& snippet) {
+  LineOutcome outcome;
+  outcome.parser = choose(snippet);
+  const NamedParser& chosen = parsersInOrder[outcome.parser];
+  if (recording != nullptr) recording->parse(chosen.name, snippet);
+  outcome.firstNode = document->getNumberOfChildren();
+  outcome.result = chosen.parser->parse(document, snippet);
+  outcome.nodeCount = document->getNumberOfChildren() - outcome.firstNode;
+  if (log != nullptr) outcome.log = log->take();
+  return outcome;
+}
+
+}  // namespace tessera::session

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "document/kdzero/TesseraDocument.hpp"
+#include "quenlith/build/markup/SnippetParser.hpp"
+#include "tessera/session/LineTable.hpp"
+#include "tessera/session/LogCollector.hpp"
+#include "tessera/source/lines.hpp"
+
+namespace tessera::session {
+
+class Recording;
+
+/// A snippet parser of the host's framework.
+struct NamedParser {
+  /// The service's test_id, "" without one. UTF-8.
+  std::string name;
+  std::shared_ptr<quenlith::build::markup::SnippetParser> parser;
+};
+
+/// One file, parsed.
+struct ParsedSnippet {
+  /// The text that was parsed.
+  source::JoinedLines code;
+  std::shared_ptr<document::kdzero::TesseraDocument> document;
+  LineTable lines;
+};
+
+/// Thrown when a parser throws, and when none takes a line.
+class ParserError : public std::exception {
+ public:
+  ParserError(std::uint64_t lineNumber, std::string reason);
+
+  /// 1-based; 0 when it happened before the first line.
+  std::uint64_t line() const noexcept { return number; }
+  const char* what() const noexcept override { return text.c_str(); }
+
+ private:
+  std::uint64_t number;
+  std::string text;
+};
+
+/// Hands the lines of one snippet after the other to the snippet parsers.
+class SnippetSession {
+ public:
+  /// `ordered` is the order in which parsers are asked, the default one last. `logCollector` and
+  /// `callRecording` are borrowed and may be null: then no records are kept, no calls recorded.
+  SnippetSession(std::vector<NamedParser> ordered, LogCollector* logCollector,
+                 Recording* callRecording);
+
+  const std::vector<NamedParser>& parsers() const noexcept { return parsersInOrder; }
+
+  /// Resets the parsers and parses `code` into a new document.
+  ///
+  /// Throws ParserError, and OutputError when the calls cannot be recorded; the parsers are
+  /// reset again by the next call.
+  ParsedSnippet parse(source::JoinedLines code);
+
+ private:
+  void resetParsers();
+  std::size_t choose(const quenlith::build::markup::Snippet& snippet);
+  LineOutcome parseLine(const std::shared_ptr<document::kdzero::TesseraDocument>& document,
+                        const quenlith::build::markup::Snippet& snippet);
+
+  std::vector<NamedParser> parsersInOrder;
+  LogCollector* log;
+  Recording* recording;
+};
+
+}  // namespace tessera::session

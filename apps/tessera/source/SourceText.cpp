@@ -1,0 +1,71 @@
+#include "tessera/source/SourceText.hpp"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "quenlith/syntax/markers.hpp"
+#include "quenlith/syntax/openingSearch.hpp"
+#include "tessera/files/FileReader.hpp"
+#include "tessera/source/SourceDecoder.hpp"
+
+namespace tessera::source {
+namespace {
+
+/// A line of a text: its offset and its length without the ending.
+struct LineSpan {
+  std::size_t begin = 0;
+  std::size_t length = 0;
+};
+
+LineSpan lineAround(std::u16string_view text, std::size_t at) {
+  const std::size_t before = text.substr(0, at).rfind(u'\n');
+  const std::size_t begin = before == text.npos ? 0 : before + 1;
+  return {begin, findUnit(text.substr(begin), u'\n')};
+}
+
+/// Returns the first line that starts an appendix.
+std::optional<LineSpan> findAppendixLine(std::u16string_view text) {
+  std::size_t at = quenlith::syntax::findOpening(text, 0);
+  while (at != text.npos) {
+    const LineSpan line = lineAround(text, at);
+    if (quenlith::syntax::isAppendixLine(text.substr(line.begin, line.length))) return line;
+    at = quenlith::syntax::findOpening(text, line.begin + line.length);
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+SourceText splitSource(std::u16string text) {
+  SourceText source;
+  source.code.any = !text.empty();
+  if (text.ends_with(u'\n')) text.pop_back();
+  if (const auto line = findAppendixLine(text)) {
+    const std::size_t behind = line->begin + line->length;
+    source.appendix.any = behind < text.size();
+    if (source.appendix.any) source.appendix.text = text.substr(behind + 1);
+    source.appendixLine = endOf({text.data(), line->begin}).line;
+    source.code.any = line->begin != 0;
+    text.resize(line->begin == 0 ? 0 : line->begin - 1);
+  }
+  source.code.text = std::move(text);
+  return source;
+}
+
+SourceText readSource(const std::string& name) {
+  files::FileReader reader(name);
+  SourceDecoder decoder(name, reader.expectedSizeBytes());
+  const auto buffer = std::make_unique_for_overwrite<char[]>(SourceDecoder::kChunkBytes);
+  std::size_t held = 0;
+  while (const std::size_t count =
+             reader.read(buffer.get() + held, SourceDecoder::kChunkBytes - held)) {
+    held += count;
+    const std::size_t used = decoder.append({buffer.get(), held});
+    std::copy(buffer.get() + used, buffer.get() + held, buffer.get());
+    held -= used;
+  }
+  return splitSource(decoder.finish({buffer.get(), held}));
+}
+
+}  // namespace tessera::source

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tessera/source/lines.hpp"
+
+namespace tessera::source {
+
+/// One file as the host sees it: code, and behind it perhaps an appendix.
+struct SourceText {
+  JoinedLines code;
+  /// The lines behind the one that starts the appendix.
+  JoinedLines appendix;
+  /// The 1-based number of the line that starts the appendix; 0 when none does.
+  std::uint64_t appendixLine = 0;
+};
+
+/// Reads the file `name`, "-" for standard input, and cuts it at its appendix. Throws
+/// ProblemError.
+SourceText readSource(const std::string& name);
+
+/// Cuts `text`, whose lines end in LF, at the first line that starts an appendix. An LF at the
+/// end begins no further line.
+SourceText splitSource(std::u16string text);
+
+}  // namespace tessera::source

@@ -1,0 +1,49 @@
+#include "tessera/diagnostics/terminalText.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using tessera::diagnostics::isControl;
+using tessera::diagnostics::quotedText;
+using tessera::diagnostics::terminalText;
+
+TEST(TerminalText, EveryControlCharacterIsEscaped) {
+  EXPECT_EQ(terminalText(std::string("a\0b", 3)), "a\\u0000b");
+  EXPECT_EQ(terminalText("\x1B[31mred\x07"), "\\u001b[31mred\\u0007");
+  EXPECT_EQ(terminalText("\t\r\n\b\f\v"), "\\t\\r\\n\\b\\f\\u000b");
+  EXPECT_EQ(terminalText("\x7F\xC2\x80\xC2\x9B\xC2\x9F\xC2\xA0"),
+            "\\u007f\\u0080\\u009b\\u009f\xC2\xA0");
+}
+
+TEST(TerminalText, CharactersThatTurnTextAroundAreEscaped) {
+  EXPECT_EQ(terminalText("a\xE2\x80\xAE"
+                         "b\xE2\x81\xA6"),
+            "a\\u202eb\\u2066");
+  EXPECT_EQ(terminalText("\xD8\x9C\xE2\x80\x8E\xE2\x80\xA8"), "\\u061c\\u200e\\u2028");
+}
+
+TEST(TerminalText, OtherTextStandsAsItIs) {
+  EXPECT_EQ(terminalText("x = \"ä\\\" 你 🏆"), "x = \"ä\\\" 你 🏆");
+  EXPECT_FALSE(isControl(u' '));
+  EXPECT_FALSE(isControl(u'~'));
+  EXPECT_FALSE(isControl(u'\u2010'));
+  EXPECT_FALSE(isControl(u'\u202F'));
+}
+
+TEST(TerminalText, WhatIsNoUtf8BecomesAReplacementCharacter) {
+  EXPECT_EQ(terminalText("a\xFF"
+                         "b"),
+            "a\xEF\xBF\xBD"
+            "b");
+}
+
+TEST(TerminalText, QuotedTextShowsWhereItEnds) {
+  EXPECT_EQ(quotedText(u""), "\"\"");
+  EXPECT_EQ(quotedText(u"a\"b\\c\n"), "\"a\\\"b\\\\c\\n\"");
+  EXPECT_EQ(quotedText(std::u16string(1, 0xD800)), "\"\xEF\xBF\xBD\"");
+}
+
+}  // namespace

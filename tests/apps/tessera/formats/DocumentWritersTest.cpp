@@ -1,0 +1,281 @@
+#include <gtest/gtest.h>
+
+#include <boost/uuid/uuid.hpp>
+#include <limits>
+#include <string>
+
+#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "apps/tessera/support/nodes.hpp"
+#include "tessera/formats/DocumentJson.hpp"
+#include "tessera/formats/DocumentTree.hpp"
+
+namespace {
+
+using document::kdzero::Node;
+using foundation::json::Form;
+using foundation::json::Value;
+using tessera::formats::DocumentJson;
+using tessera::formats::DocumentTree;
+using tessera::formats::Records;
+
+/// A document that is filled line by line and then written.
+class DocumentWriters : public testing::Test {
+ protected:
+  DocumentWriters() { parsed.document = std::make_shared<document::kdzero::TesseraDocument>(); }
+
+  kd::zero::Model model() const { return parsed.document->getModel(); }
+
+  /// Makes `node` the only one of the next line.
+  void addLine(const Node& node, tessera::session::LineOutcome outcome = {}) {
+    outcome.firstNode = parsed.document->getNumberOfChildren();
+    outcome.nodeCount = 1;
+    parsed.document->addChild(node);
+    parsed.lines.add(std::move(outcome));
+  }
+
+  std::string json(Form form = Form::kCompact, Records records = Records::kHidden) {
+    DocumentJson(output, form, records).write({file, parsed, parsers});
+    return std::exchange(output.text(), {});
+  }
+
+  std::string tree(Records records = Records::kHidden) {
+    DocumentTree(output, records).write({file, parsed, parsers});
+    return std::exchange(output.text(), {});
+  }
+
+  TemporaryFolder folder;
+  tessera::files::OutputFile output{folder.path("out")};
+  std::string file = "a.py";
+  tessera::session::ParsedSnippet parsed;
+  std::vector<tessera::session::NamedParser> parsers{{"P", nullptr}, {"", nullptr}};
+};
+
+TEST_F(DocumentWriters, AnEmptyDocumentHasEmptyLists) {
+  EXPECT_EQ(json(), "{\"schemaVersion\":1,\"file\":\"a.py\",\"nodes\":[],\"lines\":[]}\n");
+  EXPECT_EQ(
+      json(Form::kIndented),
+      "{\n  \"schemaVersion\": 1,\n  \"file\": \"a.py\",\n  \"nodes\": [],\n  \"lines\": []\n}\n");
+  EXPECT_EQ(tree(), "a.py\n");
+}
+
+TEST_F(DocumentWriters, FilesFollowOneAnother) {
+  const std::string one = json(Form::kIndented);
+  DocumentJson writer(output, Form::kIndented, Records::kHidden);
+  writer.write({file, parsed, parsers});
+  writer.write({file, parsed, parsers});
+  EXPECT_EQ(output.text(), one + one);
+}
+
+TEST_F(DocumentWriters, EveryKeyOfEveryNodeStandsInItsPlace) {
+  auto line = nodes::makeLine(model());
+  line->setAnchorId(u"anchor");
+  line->getChildrenMutable().add(nodes::makeText(model(), u"x"));
+  addLine(line);
+  auto header = nodes::makeTaskLine(model());
+  auto task = nodes::makeTask(model());
+  task->setId(u"i");
+  tessera::contentmodel::kdzero::LiveTaskData data;
+  task->setLiveTaskData(data.setTaskId(u"1")
+                            .setText(u"2")
+                            .setAppIdentifier(u"3")
+                            .setAppState(u"4")
+                            .setAppVariables(u"5")
+                            .setAppVariablesUserMap(u"6")
+                            .setView(u"7")
+                            .setExecutionModel(u"8")
+                            .setAutoRun(u"9")
+                            .setCollapsed(u"10")
+                            .setNumCodeLines(65535));
+  header->getChildrenMutable().add(task);
+  addLine(header);
+  const std::string rest = "\"contributorData\":[],\"parserFailures\":[]}";
+  const std::string line1 =
+      "{\"line\":1,\"parser\":\"P\",\"type\":{\"group\":0,\"kind\":0},\"flag\":false,"
+      "\"markerTypes\":[],\"nodes\":[0]}";
+  const std::string line2 =
+      "{\"line\":2,\"parser\":\"P\",\"type\":{\"group\":0,\"kind\":0},\"flag\":false,"
+      "\"markerTypes\":[],\"nodes\":[1]}";
+  EXPECT_EQ(
+      json(),
+      "{\"schemaVersion\":1,\"file\":\"a.py\",\"nodes\":["
+      "{\"kind\":\"LineNode\",\"anchorId\":\"anchor\",\"children\":["
+      "{\"kind\":\"PlainTextNode\",\"text\":\"x\",\"anchorId\":\"\",\"children\":[]," +
+          rest + "]," + rest +
+          ",{\"kind\":\"LiveAppLineNode\",\"anchorId\":\"\",\"children\":["
+          "{\"kind\":\"LiveAppIntegratedInlineNode\",\"id\":\"i\",\"liveTaskData\":{\"taskId\":"
+          "\"1\","
+          "\"text\":\"2\",\"appIdentifier\":\"3\",\"appState\":\"4\",\"appVariables\":\"5\","
+          "\"appVariablesUserMap\":\"6\",\"view\":\"7\",\"executionModel\":\"8\",\"autoRun\":\"9\","
+          "\"collapsed\":\"10\",\"numCodeLines\":65535},\"anchorId\":\"\",\"children\":[]," +
+          rest + "]," + rest + "],\"lines\":[" + line1 + "," + line2 + "]}\n");
+}
+
+TEST_F(DocumentWriters, FailuresAndContributorDataAreWrittenWithAllTheirParts) {
+  auto line = nodes::makeLine(model());
+  failures::kdzero::MarkerInfo info;
+  info.setMarkerId(u"m").setFeatureId(u"f").setSubFeatureId(u"s");
+  failures::kdzero::ParserFailure failure;
+  failure.setFailureId(u"rule").setMarkerInfo(info).setFailureData(
+      {{"position", foundation::json::Array{Value(0.0), Value(18446744073709551615.0)}}});
+  line->getParserFailuresMutable().add(failure);
+  using namespace contributors::kdzero;
+  auto contribution = NodeContributorData::Builder(model()).createNodeContributorData({});
+  contribution->setContributingFeature(u"feature");
+  auto lineData = LineData::Builder(model()).createLineData({});
+  lineData->setData({{"b", Value()}, {"a", Value(std::numeric_limits<double>::infinity())}});
+  contribution->getLineDataListMutable().add(lineData);
+  line->getContributorDataMutable().add(contribution);
+  addLine(line);
+  const std::string text = json();
+  EXPECT_NE(
+      text.find(
+          "\"contributorData\":[{\"contributingFeature\":\"feature\",\"lineData\":[{\"a\":null,"
+          "\"b\":null}]}],\"parserFailures\":[{\"failureId\":\"rule\",\"markerInfo\":{"
+          "\"markerId\":\"m\",\"featureId\":\"f\",\"subFeatureId\":\"s\"},\"failureData\":{"
+          "\"position\":[0,18446744073709552000]}}]"),
+      text.npos)
+      << text;
+  EXPECT_EQ(tree(),
+            "a.py\n     1  LineNode\n"
+            "          failure rule feature \"f\" sub-feature \"s\" marker \"m\" "
+            "{\"position\":[0,18446744073709552000]}\n"
+            "          data of \"feature\" {\"a\":null,\"b\":null}\n");
+}
+
+TEST_F(DocumentWriters, TextIsEscapedAsDocumented) {
+  auto line = nodes::makeLine(model());
+  std::u16string text = u"\"\\/\b\f\n\r\t\u0001\u001F\u007F\u0080\u009F\u00A0 ä你🏆\u2028<&>";
+  text += char16_t{0xD800};
+  line->getChildrenMutable().add(nodes::makeText(model(), text));
+  addLine(line);
+  file = "a\xFF\n.py";
+  const std::string written = json();
+  EXPECT_NE(
+      written.find(
+          "\"text\":\"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001f\\u007f\\u0080\\u009f\xC2\xA0 ä你🏆"
+          "\xE2\x80\xA8<&>\xEF\xBF\xBD\""),
+      written.npos)
+      << written;
+  EXPECT_NE(written.find("\"file\":\"a\xEF\xBF\xBD\\n.py\""), written.npos) << written;
+  EXPECT_EQ(
+      tree(),
+      "a\xEF\xBF\xBD\\n.py\n     1  LineNode \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001f\\u007f\\u0080"
+      "\\u009f\xC2\xA0 ä你🏆\\u2028<&>\xEF\xBF\xBD\"\n");
+}
+
+TEST_F(DocumentWriters, ALineShowsItsResultAndTheRecordsOnlyWhenAsked) {
+  tessera::session::LineOutcome outcome;
+  outcome.parser = 1;
+  outcome.result.type = {2, 3};
+  outcome.result.flag = true;
+  outcome.result.markerTypes = {u"%<@task>", u"%<@output>"};
+  outcome.log = {"one", "\x1B"};
+  addLine(nodes::makeLine(model()), outcome);
+  const std::string line =
+      "{\"line\":1,\"parser\":\"\",\"type\":{\"group\":2,\"kind\":3},\"flag\":true,"
+      "\"markerTypes\":[\"%<@output>\",\"%<@task>\"],\"nodes\":[0]";
+  EXPECT_NE(json().find(line + "}]}"), std::string::npos);
+  EXPECT_NE(json(Form::kCompact, Records::kShown).find(line + ",\"log\":[\"one\",\"\\u001b\"]}]}"),
+            std::string::npos);
+  const std::string rows =
+      "a.py\n     1  LineNode\n          by , type 2/3, flag %<@output> %<@task>\n";
+  EXPECT_EQ(tree(), rows);
+  EXPECT_EQ(tree(Records::kShown), rows + "          log: one\n          log: \\u001b\n");
+}
+
+TEST_F(DocumentWriters, PlainLinesAreWrittenLikeAnyOther) {
+  std::string nodes = "\"nodes\":[";
+  for (int number = 1; number <= 1111; ++number) {
+    auto line = nodes::makeLine(model());
+    const std::string text = std::to_string(number);
+    line->getChildrenMutable().add(
+        nodes::makeText(model(), std::u16string(text.begin(), text.end())));
+    // Not plain, in between.
+    if (number % 100 == 0) line->setAnchorId(u"here");
+    addLine(line);
+    nodes += std::string(number == 1 ? "" : ",") + "{\"kind\":\"LineNode\",\"anchorId\":\"" +
+             (number % 100 == 0 ? "here" : "") +
+             "\",\"children\":[{\"kind\":\"PlainTextNode\",\"text\":\"" + text +
+             "\",\"anchorId\":\"\",\"children\":[],\"contributorData\":[],"
+             "\"parserFailures\":[]}],\"contributorData\":[],\"parserFailures\":[]}";
+  }
+  const std::string end = json();
+  const std::string written = folder.read("out") + end;
+  EXPECT_EQ(written.substr(written.find("\"nodes\""), nodes.size() + 1), nodes + "]");
+}
+
+TEST_F(DocumentWriters, LinesAlikeHaveNumbersThatCountOn) {
+  parsers[0].name = "nodes 7";
+  tessera::session::LineOutcome outcome;
+  outcome.log = {"nodes", "\"nodes\":[8]"};
+  std::string lines = "\"lines\":[";
+  int nodeCount = 0;
+  for (int number = 1; number <= 1111; ++number) {
+    // Lines of another kind stand in between, once where the next number has a digit more.
+    outcome.parser = number == 500 || number == 999 ? 1 : 0;
+    const bool hasNode = number < 600 || number > 602;
+    if (hasNode) {
+      addLine(nodes::makeLine(model()), outcome);
+    } else {
+      parsed.lines.add(tessera::session::LineOutcome(outcome));
+    }
+    lines += std::string(number == 1 ? "" : ",") + "{\"line\":" + std::to_string(number) +
+             ",\"parser\":\"" + parsers[outcome.parser].name +
+             "\",\"type\":{\"group\":0,\"kind\":0},\"flag\":false,\"markerTypes\":[],\"nodes\":[" +
+             (hasNode ? std::to_string(nodeCount++) : "") +
+             "],\"log\":[\"nodes\",\"\\\"nodes\\\":[8]\"]}";
+  }
+  const std::string end = json(Form::kCompact, Records::kShown);
+  const std::string written = folder.read("out") + end;
+  EXPECT_EQ(written.substr(written.find("\"lines\"")), lines + "]}\n");
+}
+
+TEST_F(DocumentWriters, ALineMayAddNoNodeOrSeveral) {
+  tessera::session::LineOutcome none;
+  parsed.lines.add(std::move(none));
+  tessera::session::LineOutcome two;
+  two.nodeCount = 2;
+  parsed.document->addChild(nodes::makeLine(model()));
+  parsed.document->addChild(nodes::makeText(model(), u"top"));
+  parsed.lines.add(std::move(two));
+  const std::string written = json();
+  EXPECT_NE(written.find("\"line\":1,"), written.npos);
+  EXPECT_NE(written.find("\"nodes\":[]}"), written.npos);
+  EXPECT_NE(written.find("\"nodes\":[0,1]}"), written.npos);
+  EXPECT_EQ(tree(), "a.py\n     1  (no node)\n     2  LineNode\n        PlainTextNode \"top\"\n");
+}
+
+TEST_F(DocumentWriters, NodesMayNestVeryDeep) {
+  constexpr int kDepth = 100000;
+  auto top = nodes::makeLine(model());
+  Node innermost = top;
+  for (int i = 0; i < kDepth; ++i) {
+    const Node child = nodes::makeLine(model());
+    innermost->getChildrenMutable().add(child);
+    innermost = child;
+  }
+  addLine(top);
+  std::size_t count = 0;
+  // Most of it went out while it was written.
+  const std::string end = json();
+  const std::string written = folder.read("out") + end;
+  for (auto at = written.find("LineNode"); at != written.npos;
+       at = written.find("LineNode", at + 1)) {
+    ++count;
+  }
+  EXPECT_EQ(count, kDepth + 1u);
+  // Rows stop moving to the right, so that the text does not grow with the square of the depth.
+  const std::string tail = tree();
+  EXPECT_LT(folder.read("out").size() - (written.size() - end.size()) + tail.size(), kDepth * 100u);
+}
+
+TEST_F(DocumentWriters, TheTextOfALineShowsOnItsOwnRowWhenItHasMore) {
+  auto line = nodes::makeLine(model());
+  auto text = nodes::makeText(model(), u"x");
+  text->setAnchorId(u"here");
+  line->getChildrenMutable().add(text);
+  addLine(line);
+  EXPECT_EQ(tree(), "a.py\n     1  LineNode\n          PlainTextNode \"x\" anchor \"here\"\n");
+}
+
+}  // namespace
