@@ -12,7 +12,7 @@
 
 #include "Configuration.hpp"
 #include "FactoryFunctions.hpp"
-#include "servicecomponent/ComponentDescription.hpp"
+#include "components/ComponentDescription.hpp"
 
 namespace cppmicroservices::declarativeservices {
 

@@ -13,7 +13,7 @@
 
 #include "FactoryFunctions.hpp"
 #include "Instance.hpp"
-#include "servicecomponent/ComponentDescription.hpp"
+#include "components/ComponentDescription.hpp"
 
 namespace cppmicroservices::declarativeservices {
 

@@ -7,9 +7,9 @@
 #include <cppmicroservices/FrameworkEvent.h>
 #include <cppmicroservices/servicecomponent/ComponentException.hpp>
 
+#include "components/ComponentDescription.hpp"
 #include "describeCircle.hpp"
-#include "framework/sendFrameworkEvent.hpp"
-#include "servicecomponent/ComponentDescription.hpp"
+#include "lifecycle/sendFrameworkEvent.hpp"
 
 namespace cppmicroservices::declarativeservices {
 

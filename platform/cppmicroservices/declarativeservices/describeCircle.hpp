@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "servicecomponent/ComponentDescription.hpp"
+#include "components/ComponentDescription.hpp"
 
 namespace cppmicroservices::declarativeservices {
 

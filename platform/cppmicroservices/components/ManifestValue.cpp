@@ -1,4 +1,4 @@
-#include "servicecomponent/ManifestValue.hpp"
+#include "components/ManifestValue.hpp"
 
 #include <algorithm>
 #include <cstddef>

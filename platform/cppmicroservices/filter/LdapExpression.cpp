@@ -1,4 +1,4 @@
-#include "framework/LdapExpression.hpp"
+#include "filter/LdapExpression.hpp"
 
 #include <algorithm>
 #include <string_view>

@@ -1,11 +1,11 @@
-#include "framework/ServiceRegistry.hpp"
+#include "registry/ServiceRegistry.hpp"
 
 #include <algorithm>
 #include <cstring>
 #include <mutex>
 
 #include "cppmicroservices/LDAPFilter.h"
-#include "framework/BundlePrivate.hpp"
+#include "lifecycle/BundlePrivate.hpp"
 
 namespace cppmicroservices::detail {
 

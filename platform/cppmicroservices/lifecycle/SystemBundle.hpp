@@ -3,7 +3,7 @@
 #include <chrono>
 #include <memory>
 
-#include "framework/BundlePrivate.hpp"
+#include "lifecycle/BundlePrivate.hpp"
 
 namespace cppmicroservices::detail {
 

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "framework/FrameworkCore.hpp"
-#include "framework/sendFrameworkEvent.hpp"
+#include "lifecycle/FrameworkCore.hpp"
+#include "lifecycle/sendFrameworkEvent.hpp"
 
 namespace cppmicroservices {
 

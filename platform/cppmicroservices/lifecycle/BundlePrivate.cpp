@@ -1,11 +1,11 @@
-#include "framework/BundlePrivate.hpp"
+#include "lifecycle/BundlePrivate.hpp"
 
 #include <chrono>
 #include <stdexcept>
 
 #include "cppmicroservices/Constants.h"
 #include "cppmicroservices/IllegalStateException.h"
-#include "framework/FrameworkCore.hpp"
+#include "lifecycle/FrameworkCore.hpp"
 
 namespace cppmicroservices::detail {
 

@@ -1,13 +1,13 @@
-#include "framework/FrameworkListeners.hpp"
+#include "registry/FrameworkListeners.hpp"
 
 #include <algorithm>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 
-#include "framework/BundlePrivate.hpp"
-#include "framework/ServiceRecord.hpp"
-#include "framework/text.hpp"
+#include "lifecycle/BundlePrivate.hpp"
+#include "properties/text.hpp"
+#include "registry/ServiceRecord.hpp"
 
 namespace cppmicroservices::detail {
 

@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "framework/bundleManifests.hpp"
+#include "manifest/bundleManifests.hpp"
 
 namespace cppmicroservices::detail {
 

@@ -1,4 +1,4 @@
-#include "servicecomponent/ComponentDescription.hpp"
+#include "components/ComponentDescription.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "components/ManifestValue.hpp"
 #include "cppmicroservices/servicecomponent/ComponentConstants.hpp"
-#include "servicecomponent/ManifestValue.hpp"
 
 namespace cppmicroservices::detail {
 

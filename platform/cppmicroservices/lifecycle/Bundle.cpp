@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "framework/FrameworkCore.hpp"
+#include "lifecycle/FrameworkCore.hpp"
 
 namespace cppmicroservices {
 

@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "framework/ServiceRecord.hpp"
+#include "registry/ServiceRecord.hpp"
 
 namespace cppmicroservices::detail {
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "framework/LdapExpression.hpp"
+#include "filter/LdapExpression.hpp"
 
 namespace cppmicroservices::detail {
 

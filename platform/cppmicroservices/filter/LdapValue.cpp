@@ -4,8 +4,8 @@
 #include <string_view>
 #include <type_traits>
 
-#include "framework/LdapExpression.hpp"
-#include "framework/text.hpp"
+#include "filter/LdapExpression.hpp"
+#include "properties/text.hpp"
 
 namespace cppmicroservices::detail {
 

@@ -1,12 +1,12 @@
-#include "framework/FrameworkCore.hpp"
+#include "lifecycle/FrameworkCore.hpp"
 
 #include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 
+#include "components/ComponentDescription.hpp"
 #include "cppmicroservices/Constants.h"
-#include "framework/bundleManifests.hpp"
-#include "servicecomponent/ComponentDescription.hpp"
+#include "manifest/bundleManifests.hpp"
 
 namespace cppmicroservices::detail {
 

@@ -3,8 +3,8 @@
 #include <ostream>
 
 #include "cppmicroservices/Bundle.h"
-#include "framework/LdapExpression.hpp"
-#include "framework/ServiceRecord.hpp"
+#include "filter/LdapExpression.hpp"
+#include "registry/ServiceRecord.hpp"
 
 namespace cppmicroservices {
 

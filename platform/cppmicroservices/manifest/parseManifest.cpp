@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "cppmicroservices/Constants.h"
-#include "framework/bundleManifests.hpp"
-#include "framework/text.hpp"
+#include "manifest/bundleManifests.hpp"
+#include "properties/text.hpp"
 
 namespace cppmicroservices::detail {
 

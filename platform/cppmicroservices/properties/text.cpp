@@ -1,4 +1,4 @@
-#include "framework/text.hpp"
+#include "properties/text.hpp"
 
 #include <exception>
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "framework/text.hpp"
+#include "properties/text.hpp"
 
 namespace cppmicroservices {
 

@@ -3,7 +3,7 @@
 #include <exception>
 #include <string>
 
-#include "framework/BundlePrivate.hpp"
+#include "lifecycle/BundlePrivate.hpp"
 
 namespace cppmicroservices {
 struct BundleActivator;

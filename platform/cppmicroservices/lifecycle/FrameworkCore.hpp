@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "framework/FrameworkListeners.hpp"
-#include "framework/LibraryBundle.hpp"
-#include "framework/ServiceRegistry.hpp"
-#include "framework/SystemBundle.hpp"
+#include "lifecycle/LibraryBundle.hpp"
+#include "lifecycle/SystemBundle.hpp"
+#include "registry/FrameworkListeners.hpp"
+#include "registry/ServiceRegistry.hpp"
 
 namespace cppmicroservices::detail {
 

@@ -1,9 +1,9 @@
-#include "framework/SystemBundle.hpp"
+#include "lifecycle/SystemBundle.hpp"
 
 #include <stdexcept>
 
 #include "cppmicroservices/Constants.h"
-#include "framework/FrameworkCore.hpp"
+#include "lifecycle/FrameworkCore.hpp"
 
 namespace cppmicroservices::detail {
 

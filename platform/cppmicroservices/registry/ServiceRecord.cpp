@@ -1,11 +1,11 @@
-#include "framework/ServiceRecord.hpp"
+#include "registry/ServiceRecord.hpp"
 
 #include <algorithm>
 #include <stdexcept>
 
 #include "cppmicroservices/Constants.h"
-#include "framework/FrameworkCore.hpp"
-#include "framework/text.hpp"
+#include "lifecycle/FrameworkCore.hpp"
+#include "properties/text.hpp"
 
 namespace cppmicroservices::detail {
 

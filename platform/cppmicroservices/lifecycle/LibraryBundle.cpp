@@ -1,4 +1,4 @@
-#include "framework/LibraryBundle.hpp"
+#include "lifecycle/LibraryBundle.hpp"
 
 #include <dlfcn.h>
 
@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "cppmicroservices/Constants.h"
-#include "framework/FrameworkCore.hpp"
-#include "framework/bundleManifests.hpp"
-#include "framework/text.hpp"
+#include "lifecycle/FrameworkCore.hpp"
+#include "manifest/bundleManifests.hpp"
+#include "properties/text.hpp"
 
 // The header of activators is for bundles: it wants a bundle's name, which plays no part here.
 #define US_BUNDLE_NAME framework

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "cppmicroservices/ServiceRegistrationBase.h"
-#include "framework/FrameworkCore.hpp"
+#include "lifecycle/FrameworkCore.hpp"
 
 namespace cppmicroservices {
 

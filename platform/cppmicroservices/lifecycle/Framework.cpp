@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "cppmicroservices/FrameworkFactory.h"
-#include "framework/FrameworkCore.hpp"
+#include "lifecycle/FrameworkCore.hpp"
 
 namespace cppmicroservices {
 
