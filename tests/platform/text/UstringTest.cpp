@@ -97,7 +97,9 @@ TEST(Ustring, CharactersAcrossTheCutOfALongTextStayWhole) {
 
 TEST(Ustring, IllFormedPartsAcrossTheCutStayTheSame) {
   for (const std::string damage :
-       {"\x80\x80\x80\x80\x80", "\xF0\x9F\x98\x41", "\xE2\x82\xE2\x82\xAC"}) {
+       {"\x80\x80\x80\x80\x80", "\xF0\x9F\x98\x41", "\xE2\x82\xE2\x82\xAC",
+        // Valid sequences that stray continuation bytes follow.
+        "\xF4\x89\x89\x89\x89\x89", "\xE2\x82\xAC\x80\x80\x80\x80", "\xC3\xA9\x80\x80\x80"}) {
     for (std::size_t before = 1015; before < 1030; ++before) {
       const std::string bytes = std::string(before, 'a') + damage + std::string(1100, 'b');
       ASSERT_EQ(utf8_to_ustring(bytes), twin::decodeUtf8(bytes).text) << before;

@@ -5,7 +5,7 @@
 #include <cstddef>
 
 #include "fl/i18n/utf16.hpp"
-#include "fl/i18n/utf8.hpp"
+#include "fl/i18n/utf8Part.hpp"
 
 namespace fl::i18n {
 
@@ -13,35 +13,19 @@ namespace {
 
 // A string cannot grow without its new part being written twice, so the text goes through a
 // buffer on the stack: the copy out of the first-level cache is the cheaper one.
-constexpr std::size_t kBufferUnits = 1024;
-
-bool isContinuation(char byte) {
-  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
-// Length of the longest part of `text` that fits the buffer and divides no sequence. Where three
-// continuation bytes stand before the cut, the next byte begins a sequence of its own anyway.
-std::size_t chunkLength(std::string_view text) {
-  if (text.size() <= kBufferUnits) {
-    return text.size();
-  }
-  std::size_t length = kBufferUnits;
-  while (length > kBufferUnits - 3 && isContinuation(text[length])) {
-    --length;
-  }
-  return length;
-}
+constexpr std::size_t kPartBytes = 1024;
 
 }  // namespace
 
 ustring utf8_to_ustring(std::string_view text) {
   ustring result;
   result.reserve(text.size());
-  std::array<char16_t, kBufferUnits> buffer;
+  std::array<char16_t, kPartBytes + kMaxUtf8Trail> buffer;
   while (!text.empty()) {
-    const std::size_t length = chunkLength(text);
-    result.append(buffer.data(), convertUtf8(text.substr(0, length), buffer.data()).length);
-    text.remove_prefix(length);
+    const std::size_t stop = std::min(text.size(), kPartBytes);
+    const Utf8Part part = convertUtf8Part(text, stop, buffer.data());
+    result.append(buffer.data(), part.unitsWritten);
+    text.remove_prefix(part.bytesRead);
   }
   return result;
 }

@@ -6,6 +6,8 @@
 #include <emmintrin.h>
 #endif
 
+#include "fl/i18n/utf8Part.hpp"
+
 namespace fl::i18n {
 
 namespace {
@@ -126,15 +128,16 @@ const Byte* bytesOf(std::string_view text) {
 
 }  // namespace
 
-Utf8Conversion convertUtf8(std::string_view text, char16_t* output) noexcept {
+Utf8Part convertUtf8Part(std::string_view text, std::size_t stop, char16_t* output) noexcept {
   const Byte* const begin = bytesOf(text);
   const Byte* const end = begin + text.size();
-  Utf8Conversion result;
+  const Byte* const stopByte = begin + stop;
+  Utf8Part result;
   Ascii at{begin, output};
-  while (at.in != end) {
+  while (at.in < stopByte) {
     if (*at.in < 0x80) {
       *at.out++ = *at.in++;
-      at = widenAscii(at.in, end, at.out);
+      at = widenAscii(at.in, stopByte, at.out);
       continue;
     }
     const Sequence sequence = decode(at.in, end);
@@ -144,8 +147,14 @@ Utf8Conversion convertUtf8(std::string_view text, char16_t* output) noexcept {
     at.out = write(at.out, sequence.code);
     at.in += sequence.length;
   }
-  result.length = static_cast<std::size_t>(at.out - output);
+  result.bytesRead = static_cast<std::size_t>(at.in - begin);
+  result.unitsWritten = static_cast<std::size_t>(at.out - output);
   return result;
+}
+
+Utf8Conversion convertUtf8(std::string_view text, char16_t* output) noexcept {
+  const Utf8Part whole = convertUtf8Part(text, text.size(), output);
+  return {whole.unitsWritten, whole.firstInvalid};
 }
 
 std::optional<std::size_t> findInvalidUtf8(std::string_view text) noexcept {
