@@ -3,12 +3,14 @@
 #include <array>
 #include <optional>
 
+#include "fl/i18n/search.hpp"
 #include "fl/i18n/ustring.hpp"
-#include "foundation/json/plainRun.hpp"
 
 namespace foundation::json {
 
 namespace {
+
+using fl::i18n::UnitRange;
 
 constexpr std::size_t kHexDigits = 4;
 
@@ -221,7 +223,7 @@ Token Lexer::readString(Token kind, State following) {
   ++at;
   hasEscapes = false;
   while (true) {
-    at = plainRunEnd(text16, at);
+    at = fl::i18n::findAny<UnitRange(0, 0x1F), u'"', u'\\'>(text16, at);
     if (consumeIf(u'"')) {
       return token(kind, following);
     }

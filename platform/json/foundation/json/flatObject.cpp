@@ -1,6 +1,6 @@
 #include "foundation/json/flatObject.hpp"
 
-#include "foundation/json/plainRun.hpp"
+#include "fl/i18n/search.hpp"
 
 namespace foundation::json {
 
@@ -48,7 +48,8 @@ class FlatObject {
 
   bool skipString() noexcept {
     if (!skipIf(u'"')) return false;
-    at = text.data() + plainRunEnd(text, static_cast<std::size_t>(at - text.data()));
+    at = text.data() + fl::i18n::findAny<fl::i18n::UnitRange(0, 0x1F), u'"', u'\\'>(
+                           text, static_cast<std::size_t>(at - text.data()));
     return skipIf(u'"');
   }
 

@@ -6,14 +6,16 @@
 #include <cstddef>
 #include <system_error>
 
+#include "fl/i18n/search.hpp"
 #include "fl/i18n/ustring.hpp"
 #include "fl/i18n/utf16.hpp"
 #include "fl/i18n/utf8.hpp"
-#include "foundation/json/plainRun.hpp"
 
 namespace foundation::json {
 
 namespace {
+
+using fl::i18n::UnitRange;
 
 template <typename Integer>
 void appendDigits(std::string& output, Integer number) {
@@ -110,10 +112,26 @@ void appendEscape(std::string& output, char16_t unit) {
   output.append("\\u00").append(1, kHex[unit >> 4U]).append(1, kHex[unit & 0xFU]);
 }
 
+// Whether the character at a byte of UTF-8 is written as an escape.
+bool isEscaped(std::string_view text, std::size_t at) {
+  const auto byte = static_cast<unsigned char>(text[at]);
+  if (byte != 0xC2) return byte < 0x20 || byte == '"' || byte == '\\' || byte == 0x7F;
+  return at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
+}
+
+std::size_t findEscaped(std::string_view text, std::size_t from) {
+  while (from < text.size() && !isEscaped(text, from)) ++from;
+  return from;
+}
+
+std::size_t findEscaped(std::u16string_view text, std::size_t from) {
+  return fl::i18n::findAny<UnitRange(0, 0x1F), u'"', u'\\', UnitRange(0x7F, 0x9F)>(text, from);
+}
+
 // Valid UTF-8. Of an escaped character of two bytes the second one is its code point.
 void appendValid(std::string& output, std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = writableRunEnd(text, at);
+    const std::size_t end = findEscaped(text, at);
     output.append(text.substr(at, end - at));
     at = end;
     if (at < text.size()) {
@@ -152,21 +170,12 @@ void appendCanonicalNumber(std::string& output, double number) {
 }
 
 void appendQuoted(std::string& output, std::u16string_view text) {
-  const std::size_t begin = output.size() + 1;
-  // Plain ASCII, as most texts are, fills the room that is made for it and its quotes.
-  output.resize(begin + text.size() + 1, '"');
-  const std::size_t plain = copyPlainAscii(text, output.data() + begin);
-  if (plain == text.size()) {
-    return;
-  }
-  output.resize(begin + plain);
-  for (std::size_t at = plain; at < text.size();) {
-    const std::size_t end = writableRunEnd(text, at);
+  output.append(1, '"');
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = findEscaped(text, at);
     fl::i18n::appendUtf8(output, text.substr(at, end - at));
     at = end;
-    if (at < text.size()) {
-      appendEscape(output, text[at++]);
-    }
+    if (at < text.size()) appendEscape(output, text[at++]);
   }
   output.append(1, '"');
 }

@@ -1,7 +1,5 @@
 #include "quenlith/syntax/MarkerFinder.hpp"
 
-#include "quenlith/syntax/openingSearch.hpp"
-
 namespace quenlith::syntax {
 
 bool MarkerFinder::nextMarker(Candidate& found) noexcept {
@@ -15,7 +13,7 @@ bool MarkerFinder::nextMarker(Candidate& found) noexcept {
 // marker before it: neither holds a character of a leader.
 bool MarkerFinder::nextCandidate(Candidate& found) noexcept {
   std::size_t opening = findOpening(text, at);
-  while (opening != std::u16string_view::npos) {
+  while (opening != text.size()) {
     at = opening + 2;
     if (const auto leader = findLeader(text, opening)) {
       found.position = *leader;

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "fl/i18n/search.hpp"
 #include "quenlith/syntax/KnownElement.hpp"
 
 namespace quenlith::syntax {
@@ -34,6 +35,11 @@ struct MarkerMatch {
   /// Null when there is a marker.
   const char* problem = nullptr;
 };
+
+/// Returns the first position at or after `from` that has "<@"; the size of the text without one.
+inline std::size_t findOpening(std::u16string_view text, std::size_t from) noexcept {
+  return fl::i18n::findPair<u'<', u'@'>(text, from);
+}
 
 /// Matches the marker whose "<@" stands at `opening`, which must be so, into `match`; its leader is
 /// not looked at. Never throws and does not allocate.

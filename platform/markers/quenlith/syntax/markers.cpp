@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "quenlith/syntax/MarkerFinder.hpp"
-#include "quenlith/syntax/openingSearch.hpp"
 
 namespace quenlith::syntax {
 
@@ -64,7 +63,7 @@ bool has_feature(const ustring& text, const ustring& element) {
 }
 
 bool mayHoldMarker(std::u16string_view text) noexcept {
-  return findOpening(text, 0) != std::u16string_view::npos;
+  return findOpening(text, 0) != text.size();
 }
 
 bool isKnownElement(std::u16string_view element) noexcept {

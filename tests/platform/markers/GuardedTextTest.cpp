@@ -1,0 +1,36 @@
+// Texts that lie between pages that may not be read.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "quenlith/syntax/markers.hpp"
+#include "support/GuardedMemory.hpp"
+
+namespace quenlith::syntax {
+namespace {
+
+using test::GuardedMemory;
+
+constexpr std::u16string_view kText =
+    u"x = 1  ## <@task#\"an id\" [1, 22] {\"a\": \"\\n plain text\", \"b\": [1.5, true]}> "
+    u"// <@appendix> -- <@text:anchor#here> %<";
+
+// Every cut of the text, at both ends, meets the guard in each part of a marker.
+TEST(GuardedText, IsScannedWithoutReadingOutsideOfIt) {
+  const GuardedMemory memory(kText.size() * sizeof(char16_t));
+  for (std::size_t size = 0; size <= kText.size(); ++size) {
+    for (const auto cut : {kText.substr(0, size), kText.substr(kText.size() - size)}) {
+      const std::u16string copy(cut);
+      const std::size_t damaged = findDamagedMarkers(copy).size();
+      for (const auto& text : {memory.copyToBegin(cut), memory.copyToEnd(cut)}) {
+        ASSERT_EQ(mayHoldMarker(text), copy.find(u"<@") != copy.npos) << size;
+        ASSERT_EQ(findDamagedMarkers(text).size(), damaged) << size;
+        ASSERT_EQ(isAppendixLine(text), isAppendixLine(copy)) << size;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quenlith::syntax

@@ -1,0 +1,113 @@
+#include "fl/i18n/search.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "support/GuardedMemory.hpp"
+
+namespace fl::i18n {
+namespace {
+
+using quenlith::test::GuardedMemory;
+
+// Longer than two turns of the widest loop, and every remainder.
+constexpr std::size_t kMostUnits = 70;
+
+bool isWanted(char16_t unit) {
+  return unit <= 0x1F || unit == u'"' || (unit >= 0x7F && unit <= 0x9F) || unit == 0xFFFF;
+}
+
+std::size_t find(std::u16string_view text, std::size_t from = 0) {
+  return findAny<UnitRange(0, 0x1F), u'"', UnitRange(0x7F, 0x9F), u'\xFFFF'>(text, from);
+}
+
+bool contains(std::u16string_view text) {
+  return containsAny<UnitRange(0, 0x1F), u'"', UnitRange(0x7F, 0x9F), u'\xFFFF'>(text);
+}
+
+TEST(FindAny, EveryUnitIsJudged) {
+  for (const std::size_t size : {1, 8, 15, 16, 40}) {
+    std::u16string text(size, u'x');
+    for (unsigned code = 0; code <= 0xFFFF; ++code) {
+      text.back() = static_cast<char16_t>(code);
+      ASSERT_EQ(find(text), isWanted(text.back()) ? size - 1 : size) << code;
+      ASSERT_EQ(contains(text), isWanted(text.back())) << code;
+    }
+  }
+}
+
+TEST(FindAny, FindsTheFirstMatchAtEveryPositionFromEveryStart) {
+  for (std::size_t size = 0; size < kMostUnits; ++size) {
+    const std::u16string plain(size, u'x');
+    ASSERT_EQ(find(plain), size);
+    ASSERT_FALSE(contains(plain));
+    for (std::size_t at = 0; at < size; ++at) {
+      std::u16string text = plain;
+      text[at] = u'"';
+      text.back() = u'"';
+      ASSERT_TRUE(contains(text)) << size << " " << at;
+      for (std::size_t from = 0; from <= size; ++from) {
+        ASSERT_EQ(find(text, from), from <= at    ? at
+                                    : from < size ? size - 1
+                                                  : size)
+            << size << " " << at << " " << from;
+      }
+    }
+  }
+}
+
+TEST(FindPair, FindsThePairAtEveryPosition) {
+  for (const std::u16string filler : {u"x", u"<", u"@", u"@<"}) {
+    for (std::size_t size = 0; size < kMostUnits; ++size) {
+      std::u16string text;
+      while (text.size() < size) text += filler;
+      text.resize(size);
+      ASSERT_EQ((findPair<u'<', u'@'>(text)), std::min(text.find(u"<@"), size));
+      for (std::size_t at = 0; at + 1 < size; ++at) {
+        std::u16string marked = text;
+        marked.replace(at, 2, u"<@");
+        ASSERT_EQ((findPair<u'<', u'@'>(marked)), marked.find(u"<@")) << size << " " << at;
+      }
+    }
+  }
+}
+
+TEST(FindPair, AgreesWithTheStandardLibraryOnRandomTexts) {
+  const std::uint64_t seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937_64 random(seed);
+  constexpr std::u16string_view kUnits = u"<@<@xxxxxx\u3C40\u403C\uFF3C";
+  for (int round = 0; round < 20'000; ++round) {
+    std::u16string text;
+    for (std::size_t left = random() % 150; left > 0; --left) {
+      text += random() % 8 == 0 ? kUnits[random() % kUnits.size()] : u'x';
+    }
+    const std::size_t from = random() % (text.size() + 1);
+    ASSERT_EQ((findPair<u'<', u'@'>(text, from)), std::min(text.find(u"<@", from), text.size()));
+  }
+}
+
+void searchAll(std::u16string_view text) {
+  for (std::size_t from = 0; from <= text.size(); ++from) {
+    ASSERT_EQ(find(text, from), text.size());
+    ASSERT_EQ((findPair<u'<', u'@'>(text, from)), text.size());
+  }
+  ASSERT_FALSE(contains(text));
+}
+
+TEST(Search, ReadsNothingOutsideOfTheText) {
+  const GuardedMemory memory(kMostUnits * sizeof(char16_t));
+  for (std::size_t size = 0; size < kMostUnits; ++size) {
+    // Each position is a candidate for the pair, so its neighbour is read too.
+    for (const char16_t filler : {u'x', u'@', u'<'}) {
+      const std::u16string text(size, filler);
+      searchAll(memory.copyToEnd<char16_t>(text));
+      searchAll(memory.copyToBegin<char16_t>(text));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace fl::i18n
