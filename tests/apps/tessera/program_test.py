@@ -7,7 +7,6 @@ import json
 import os
 import pathlib
 import resource
-import shutil
 import subprocess
 import sys
 import tempfile
@@ -237,15 +236,6 @@ class Parse(ProgramTest):
         link = self.folder / "elsewhere"
         link.symlink_to(PROGRAM)
         self.assertEqual(subprocess.run([link, "parse", FILES[0]], capture_output=True).returncode, 0)
-
-    def test_without_its_libraries_the_program_shows_its_version_and_says_what_is_missing(self):
-        alone = shutil.copy(PROGRAM, self.folder)
-        version = subprocess.run([alone, "--version"], capture_output=True, timeout=60)
-        self.assertEqual((version.stdout, version.returncode), (tessera("--version").stdout, 0))
-        for arguments in ([], ["--help"], ["--version", "more"], ["parse", FILES[0]]):
-            self.assertRefused(subprocess.run([alone, *arguments], capture_output=True, timeout=60),
-                               "tessera: error: libtessera_host.so: cannot open shared object file: "
-                               "No such file or directory; install the program again")
 
 
 class Check(ProgramTest):
