@@ -4,14 +4,14 @@
 
 #include "fl/i18n/ustring.hpp"
 #include "growth/subjects.hpp"
-#include "tessera/source/FileAppendix.hpp"
+#include "quenlith/shared/appendix/MarkerAppendix.hpp"
 
 namespace bench::growth {
 
 namespace {
 
+using quenlith::shared::appendix::MarkerAppendix;
 using quenlith::syntax::Marker;
-using tessera::source::FileAppendix;
 
 class Appendix : public Subject {
  public:
@@ -36,7 +36,7 @@ class Appendix : public Subject {
 
  private:
   std::vector<fl::i18n::ustring> texts;
-  std::optional<FileAppendix> appendix;
+  std::optional<MarkerAppendix> appendix;
   std::size_t found = 0;
 };
 

@@ -4,7 +4,7 @@
 #include "growth/subjects.hpp"
 #include "parsers/CachedLists.hpp"
 #include "quenlith/build/markup/code/TaskSnippetParserImpl.hpp"
-#include "tessera/source/FileAppendix.hpp"
+#include "quenlith/shared/appendix/MarkerAppendix.hpp"
 
 namespace bench::growth {
 
@@ -14,7 +14,7 @@ using document::kdzero::TesseraDocument;
 using quenlith::build::markup::ParseResult;
 using quenlith::build::markup::Snippet;
 using quenlith::build::markup::code::TaskSnippetParserImpl;
-using tessera::source::FileAppendix;
+using quenlith::shared::appendix::MarkerAppendix;
 
 std::string taskLine(std::size_t number) {
   return "fit(x)  # <@task#t" + std::to_string(number) + ">";
@@ -38,7 +38,7 @@ class Tasks : public Subject {
 
   void build() override {
     document = std::make_shared<TesseraDocument>();
-    parser = std::make_unique<TaskSnippetParserImpl>(std::make_shared<FileAppendix>(),
+    parser = std::make_unique<TaskSnippetParserImpl>(std::make_shared<MarkerAppendix>(),
                                                      std::make_shared<parsers::CachedLists>());
     for (std::size_t task = 0; task < tasks; ++task) {
       snippet.text = lines[task % ids];

@@ -5,7 +5,7 @@
 #include "parsers/parsers.hpp"
 #include "quenlith/build/markup/code/CodeSnippetParserImpl.hpp"
 #include "quenlith/build/markup/code/TaskSnippetParserImpl.hpp"
-#include "tessera/source/FileAppendix.hpp"
+#include "quenlith/shared/appendix/MarkerAppendix.hpp"
 
 namespace bench::parsers {
 
@@ -74,7 +74,8 @@ class TaskParser : public Subject {
   std::vector<ustring> texts;
   std::vector<ustring> blocks;
   std::shared_ptr<CachedLists> provider = std::make_shared<CachedLists>();
-  TaskSnippetParserImpl tasks{std::make_shared<tessera::source::FileAppendix>(), provider};
+  TaskSnippetParserImpl tasks{std::make_shared<quenlith::shared::appendix::MarkerAppendix>(),
+                              provider};
   CodeSnippetParserImpl defaultParser{provider};
   Snippet snippet;
   std::shared_ptr<TesseraDocument> document;

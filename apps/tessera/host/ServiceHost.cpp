@@ -24,6 +24,7 @@ using cppmicroservices::ServiceReference;
 using foundation::cppmicroservices::setFramework;
 using quenlith::build::markup::SnippetParser;
 using quenlith::shared::appendix::AppendixBuilder;
+using quenlith::shared::appendix::MarkerAppendix;
 
 using ParserReference = ServiceReference<SnippetParser>;
 
@@ -61,7 +62,7 @@ struct ServiceHost::Running {
   std::shared_ptr<cppmicroservices::Framework> framework =
       std::make_shared<cppmicroservices::Framework>(
           cppmicroservices::FrameworkFactory().NewFramework());
-  std::shared_ptr<source::FileAppendix> appendix = std::make_shared<source::FileAppendix>();
+  std::shared_ptr<MarkerAppendix> appendix = std::make_shared<MarkerAppendix>();
   cppmicroservices::ServiceRegistration<AppendixBuilder> registration;
   std::vector<cppmicroservices::Bundle> bundles;
 };
@@ -73,7 +74,7 @@ ServiceHost::ServiceHost(const std::vector<std::string>& extensionBundles)
 
 ServiceHost::~ServiceHost() = default;
 
-source::FileAppendix& ServiceHost::appendix() noexcept {
+MarkerAppendix& ServiceHost::appendix() noexcept {
   return *running->appendix;
 }
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "quenlith/shared/appendix/MarkerAppendix.hpp"
 #include "tessera/session/SnippetSession.hpp"
-#include "tessera/source/FileAppendix.hpp"
 
 namespace tessera::host {
 
@@ -27,7 +27,7 @@ class ServiceHost {
   std::vector<session::NamedParser> snippetParsers() const;
 
   /// The appendix that the parsers ask.
-  source::FileAppendix& appendix() noexcept;
+  quenlith::shared::appendix::MarkerAppendix& appendix() noexcept;
 
  private:
   struct Running;

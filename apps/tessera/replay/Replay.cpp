@@ -17,7 +17,7 @@ using namespace document::kdzero;
 using quenlith::build::markup::ParseResult;
 using quenlith::build::markup::SnippetParser;
 
-Replay::Replay(std::vector<session::NamedParser> named, source::FileAppendix& appendixService,
+Replay::Replay(std::vector<session::NamedParser> named, Appendix& appendixService,
                files::OutputFile& answers)
     : parsers(std::move(named)),
       appendix(appendixService),

@@ -6,20 +6,22 @@
 
 #include "document/kdzero/TesseraDocument.hpp"
 #include "foundation/json/Writer.hpp"
+#include "quenlith/shared/appendix/MarkerAppendix.hpp"
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/formats/NodeJson.hpp"
 #include "tessera/replay/Command.hpp"
 #include "tessera/session/LogCollector.hpp"
 #include "tessera/session/SnippetSession.hpp"
-#include "tessera/source/FileAppendix.hpp"
 
 namespace tessera::replay {
 
 /// Carries out commands on one document and writes an answer to each.
 class Replay {
  public:
+  using Appendix = quenlith::shared::appendix::MarkerAppendix;
+
   /// Borrows `appendixService` and `answers`.
-  Replay(std::vector<session::NamedParser> parsers, source::FileAppendix& appendixService,
+  Replay(std::vector<session::NamedParser> parsers, Appendix& appendixService,
          files::OutputFile& answers);
 
   /// Carries out `command` and writes the answer, one line. What a parser throws is an answer
@@ -41,7 +43,7 @@ class Replay {
   const quenlith::build::markup::Snippet& takeSnippet(const CommandSnippet& given);
 
   std::vector<session::NamedParser> parsers;
-  source::FileAppendix& appendix;
+  Appendix& appendix;
   files::OutputFile& output;
   foundation::json::Writer json;
   formats::NodeJson nodes;

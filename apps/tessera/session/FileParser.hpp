@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "quenlith/shared/appendix/MarkerAppendix.hpp"
 #include "tessera/session/Recording.hpp"
 #include "tessera/session/SnippetSession.hpp"
-#include "tessera/source/FileAppendix.hpp"
 #include "tessera/source/readAppendix.hpp"
 
 namespace tessera::session {
@@ -18,9 +18,10 @@ struct ParsedFile {
 /// Reads files and hands their code to a session, with their appendix in place.
 class FileParser {
  public:
+  using Appendix = quenlith::shared::appendix::MarkerAppendix;
+
   /// Borrows all; `callRecording` may be null and is the session's.
-  FileParser(SnippetSession& lineSession, source::FileAppendix& appendixService,
-             Recording* callRecording)
+  FileParser(SnippetSession& lineSession, Appendix& appendixService, Recording* callRecording)
       : session(lineSession), service(appendixService), recording(callRecording) {}
 
   /// Parses the file `name`, "-" for standard input. Throws ProblemError when it cannot be
@@ -29,7 +30,7 @@ class FileParser {
 
  private:
   SnippetSession& session;
-  source::FileAppendix& service;
+  Appendix& service;
   Recording* recording;
 };
 

@@ -40,7 +40,7 @@ class Replay : public testing::Test {
 
   TemporaryFolder folder;
   std::shared_ptr<FakeParser> parser = std::make_shared<FakeParser>();
-  tessera::source::FileAppendix appendix;
+  quenlith::shared::appendix::MarkerAppendix appendix;
   tessera::files::OutputFile output{folder.path("answers")};
   tessera::replay::Replay replay{{{"P", parser}}, appendix, output};
 };

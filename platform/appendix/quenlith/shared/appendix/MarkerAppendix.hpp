@@ -1,0 +1,48 @@
+#pragma once
+
+#include <list>
+#include <map>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "quenlith/shared/appendix/AppendixBuilder.hpp"
+
+namespace quenlith::shared::appendix {
+
+/// An appendix in memory: an implementation of AppendixBuilder that any host can register.
+///
+/// The host replaces the entries before it parses the next snippet. Not thread-safe: the entries
+/// must not change while a parser looks one up.
+class QUENLITH_APPENDIX_EXPORT MarkerAppendix final : public AppendixBuilder {
+ public:
+  MarkerAppendix() = default;
+  MarkerAppendix(const MarkerAppendix&) = delete;
+  MarkerAppendix& operator=(const MarkerAppendix&) = delete;
+
+  /// Like the interface's; O(log n) for n entries. When it throws, the appendix is unchanged.
+  void addEntry(const quenlith::syntax::Marker& entry) override;
+
+  /// Returns the appendix in canonical form: the line that starts it, then one line per entry in
+  /// the order in which they were added, each ending in LF. Empty when there is no entry.
+  fl::i18n::ustring build() const override;
+
+  /// Like the interface's; O(log n) for n entries. The text is the canonical one; the marker is a
+  /// copy of the one added and shares its data.
+  AppendixEntry findEntry(const quenlith::syntax::Marker& marker) const override;
+
+  /// Makes `markers` the entries of the appendix. When it throws, the appendix is unchanged.
+  void replace(const std::vector<quenlith::syntax::Marker>& markers);
+
+ private:
+  /// Element and id, borrowed from the marker of an entry.
+  using Key = std::pair<std::u16string_view, std::u16string_view>;
+
+  static Key keyOf(const quenlith::syntax::Marker& marker) noexcept;
+
+  std::list<AppendixEntry> entries;
+  // Ordered, because ids come from files and a file can be written so that hashes collide.
+  std::map<Key, const AppendixEntry*> entriesByKey;
+};
+
+}  // namespace quenlith::shared::appendix
