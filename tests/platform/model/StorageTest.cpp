@@ -77,11 +77,13 @@ TEST(ModelStorage, AnElementStandsWhereOneEndedBefore) {
 
 TEST(ModelStorage, TextsUseTheRoomOfTextsBefore) {
   const Model model = Model::create();
-  PlainTextNode node = PlainTextNode::Builder(model).createPlainTextNode(kNil);
+  const PlainTextNode node = PlainTextNode::Builder(model).createPlainTextNode(kNil);
+  const PlainTextNode other = PlainTextNode::Builder(model).createPlainTextNode(kNil);
+  const PlainTextNode last = PlainTextNode::Builder(model).createPlainTextNode(kNil);
+  // Only the text of the node made last is stored in the node's own block.
   node->setText(u"twelve units");
   const void* place = node->getText().data();
   node->setText(u"a text that needs more room");
-  PlainTextNode other = PlainTextNode::Builder(model).createPlainTextNode(kNil);
   other->setText(u"twelve too..");
   EXPECT_EQ(other->getText().data(), place);
   EXPECT_EQ(node->getText(), u"a text that needs more room");

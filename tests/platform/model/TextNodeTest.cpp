@@ -16,6 +16,12 @@ class TextNode : public testing::Test {
  protected:
   kd::zero::Model model = kd::zero::Model::create();
   PlainTextNode node = PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{});
+
+  PlainTextNode makeWith(const std::u16string& text) const {
+    PlainTextNode made = PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{});
+    made->setText(text);
+    return made;
+  }
 };
 
 TEST_F(TextNode, IsEmptyAtFirst) {
@@ -81,68 +87,76 @@ TEST_F(TextNode, RefusesATextThatIsTooLongAndKeepsTheOld) {
   EXPECT_EQ(node->getText(), u"old");
 }
 
-TEST_F(TextNode, IsMadeWithTextsOfEveryLength) {
+// A text that is set directly after its node was made is stored in the node's block.
+
+TEST_F(TextNode, FirstTextOfEveryLengthLeavesTheNextNodeAlone) {
   for (std::size_t length = 0; length < 600; ++length) {
     std::u16string text(length, u'a');
     for (std::size_t at = 0; at < length; ++at) text[at] = static_cast<char16_t>(u'A' + at);
-    const PlainTextNode made =
-        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, text);
-    const PlainTextNode next =
-        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"next");
-    ASSERT_EQ(made->getText(), text);
+    const PlainTextNode first = makeWith(text);
+    const PlainTextNode next = makeWith(u"next");
+    ASSERT_EQ(first->getText(), text);
     ASSERT_EQ(next->getText(), u"next");
-    made->setText(text + u"longer by more than a granule");
-    ASSERT_EQ(made->getText(), text + u"longer by more than a granule");
-    made->setText(u"b");
-    ASSERT_EQ(made->getText(), u"b");
+    first->setText(text + u"longer by more than a granule");
+    ASSERT_EQ(first->getText(), text + u"longer by more than a granule");
+    first->setText(u"b");
+    ASSERT_EQ(first->getText(), u"b");
     ASSERT_EQ(next->getText(), u"next");
   }
 }
 
-TEST_F(TextNode, MadeWithAnEmptyTextHasNoRoomToGiveBack) {
-  const auto make = [this](std::u16string_view text) {
-    return PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, text);
-  };
-  const PlainTextNode empty = make(u"");
-  PlainTextNode behind = make(u"behind");
-  const void* place = behind.get();
-  empty->setText(u"a text that needs a block of its own");
-  EXPECT_EQ(behind->getText(), u"behind");
-  // The one behind still ends with its last handle.
-  behind = PlainTextNode();
-  behind = make(u"again!");
-  EXPECT_EQ(static_cast<const void*>(behind.get()), place);
+TEST_F(TextNode, FirstTextIsStoredDirectlyAfterTheNode) {
+  const PlainTextNode made = makeWith(u"twelve units");
+  EXPECT_EQ(static_cast<const void*>(made->getText().data()),
+            static_cast<const void*>(made.get() + 1));
 }
 
-TEST_F(TextNode, MadeWithItsTextTakesAnotherOneIntoItsRoom) {
-  const PlainTextNode made =
-      PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"twelve units");
+TEST_F(TextNode, FirstTextIsStoredApartWhenAnotherElementWasMadeBetween) {
+  const PlainTextNode made = PlainTextNode::Builder(model).createPlainTextNode({});
+  PlainTextNode next = makeWith(u"next");
+  made->setText(u"a text that needs a block of its own");
+  EXPECT_EQ(made->getText(), u"a text that needs a block of its own");
+  EXPECT_EQ(next->getText(), u"next");
+  next = PlainTextNode();
+  EXPECT_EQ(made->getText(), u"a text that needs a block of its own");
+}
+
+TEST_F(TextNode, FirstTextThatIsEmptyDoesNotEnlargeTheBlock) {
+  const PlainTextNode empty = makeWith(u"");
+  PlainTextNode next = makeWith(u"");
+  const void* place = next.get();
+  EXPECT_EQ(place, static_cast<const void*>(empty.get() + 1));
+  empty->setText(u"a text that needs a block of its own");
+  // The next node is still destroyed with its last handle, and its block used again.
+  next = PlainTextNode();
+  next = makeWith(u"again!");
+  EXPECT_EQ(static_cast<const void*>(next.get()), place);
+  EXPECT_EQ(empty->getText(), u"a text that needs a block of its own");
+}
+
+TEST_F(TextNode, SecondTextUsesTheSpaceOfTheFirst) {
+  const PlainTextNode made = makeWith(u"twelve units");
   const void* place = made->getText().data();
   made->setText(u"eleven unit");
   EXPECT_EQ(made->getText().data(), place);
   EXPECT_EQ(made->getText(), u"eleven unit");
 }
 
-TEST_F(TextNode, MadeWithItsTextGivesBackItsWholeBlock) {
+TEST_F(TextNode, ReturnsItsWholeBlockWithTheTextInIt) {
   const void* place = nullptr;
+  std::size_t sizeBytes = 0;
   {
-    const PlainTextNode made =
-        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"twelve units");
+    const PlainTextNode made = makeWith(u"twelve units");
     place = made.get();
+    sizeBytes = sizeof(PlainTextNode::Impl) + made->getText().size() * sizeof(char16_t);
   }
-  const PlainTextNode shorter =
-      PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"a");
-  EXPECT_NE(static_cast<const void*>(shorter.get()), place);
-  const PlainTextNode same =
-      PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"twelve again");
-  EXPECT_EQ(static_cast<const void*>(same.get()), place);
+  EXPECT_EQ(model.storage().allocate(sizeBytes), place);
 }
 
-TEST_F(TextNode, GivesBackALongTextThatItTookLater) {
+TEST_F(TextNode, ReturnsALongTextThatItTookLater) {
   const void* place = nullptr;
   {
-    const PlainTextNode made =
-        PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{}, u"short");
+    const PlainTextNode made = makeWith(u"short");
     made->setText(std::u16string(100, u'a'));
     place = made->getText().data();
   }

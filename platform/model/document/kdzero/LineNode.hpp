@@ -38,8 +38,9 @@ class LineNode::Impl::BuilderBase : public kd::zero::ElementBuilder {
   /// Like it, with one child: a plain-text node with `text` and the nil identifier.
   LineNode createLineNode(const boost::uuids::uuid& uuid, std::u16string_view text) const {
     LineNode line = make<LineNode>(uuid);
-    auto child = PlainTextNode::Impl::make(storage, boost::uuids::uuid{}, text);
-    kd::zero::ElementMaker::appendFirst(line->getChildrenMutable(), std::move(child));
+    PlainTextNode child = make<PlainTextNode>(boost::uuids::uuid{});
+    child->setText(text);
+    line->getChildrenMutable().add(std::move(child));
     return line;
   }
 };

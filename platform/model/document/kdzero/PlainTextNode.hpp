@@ -19,15 +19,6 @@ class QUENLITH_MODEL_EXPORT PlainTextNode::Impl final : public TextNode::Impl {
 
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
-  /// Makes a node with room for its text in the same block; for builders.
-  static PlainTextNode make(kd::zero::ModelStorage& storage, const boost::uuids::uuid& uuid,
-                            std::u16string_view text) {
-    auto node = kd::zero::ElementMaker::makeWithRoom<PlainTextNode>(
-        storage, text.size() * sizeof(char16_t), uuid);
-    node->setFirstText(text);
-    return node;
-  }
-
  private:
   friend struct kd::zero::ElementMaker;
 
@@ -47,10 +38,12 @@ class PlainTextNode::Impl::BuilderBase : public kd::zero::ElementBuilder {
   PlainTextNode createPlainTextNode(const boost::uuids::uuid& uuid) const {
     return make<PlainTextNode>(uuid);
   }
-  /// Like it, with a copy of `text`; cheaper than setting the text afterwards.
+  /// Like it, with a copy of `text`.
   PlainTextNode createPlainTextNode(const boost::uuids::uuid& uuid,
                                     std::u16string_view text) const {
-    return PlainTextNode::Impl::make(storage, uuid, text);
+    PlainTextNode node = make<PlainTextNode>(uuid);
+    node->setText(text);
+    return node;
   }
 };
 

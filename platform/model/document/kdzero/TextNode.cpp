@@ -10,21 +10,21 @@ namespace document::kdzero {
 
 using kd::zero::ModelStorage;
 
-// No element is of this class itself, so none ever ends as one.
+// An abstract class: no element of it is ever destroyed.
 const kd::zero::meta::Class TextNode::Impl::kMetaClass(u"document::kdzero::TextNode",
                                                        &Node::Impl::classOf(), 0, nullptr);
 
-void TextNode::Impl::setText(std::u16string_view newText) {
+void TextNode::Impl::replaceText(std::u16string_view newText) {
   if (newText.size() > capacity) {
     if (newText.size() > std::numeric_limits<std::uint32_t>::max()) {
       throw std::length_error("the text of a node holds at most 2^32 - 1 code units");
     }
-    void* room = ModelStorage::of(this).allocate(newText.size() * sizeof(char16_t));
-    std::u16string_view::traits_type::copy(static_cast<char16_t*>(room), newText.data(),
+    void* block = ModelStorage::of(this).allocate(newText.size() * sizeof(char16_t));
+    std::u16string_view::traits_type::copy(static_cast<char16_t*>(block), newText.data(),
                                            newText.size());
     freeText();
     setHasParts();
-    text = static_cast<char16_t*>(room);
+    text = static_cast<char16_t*>(block);
     capacity = static_cast<std::uint32_t>(newText.size());
   } else {
     std::u16string_view::traits_type::move(text, newText.data(), newText.size());
@@ -33,9 +33,9 @@ void TextNode::Impl::setText(std::u16string_view newText) {
 }
 
 void TextNode::Impl::freeText() noexcept {
-  // A text in a block of its own may stand where own room would begin.
-  const bool inOwnRoom = text == ownRoom() && ownRoomBytes() != 0;
-  if (text == nullptr || inOwnRoom) return;
+  // The address alone does not tell: a separate block may begin directly after the node.
+  const bool inOwnBlock = text == afterNode() && extraBytes() != 0;
+  if (text == nullptr || inOwnBlock) return;
   ModelStorage::of(this).deallocate(text, capacity * sizeof(char16_t));
 }
 

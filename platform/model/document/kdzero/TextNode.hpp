@@ -1,10 +1,13 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <string_view>
 
 #include "document/kdzero/Node.hpp"
 #include "document/kdzero/copyUnits.hpp"
+#include "fl/i18n/ustring.hpp"
+#include "kd/zero/ModelStorage.hpp"
 
 namespace document::kdzero {
 
@@ -14,45 +17,64 @@ class TextNode : public kd::zero::Handle<TextNode, Node> {
   class Impl;
 };
 
-/// A text stands in the node's own block where the node was made with it, else in a block of its
-/// own.
+/// The text is stored in the node's own block when it is set directly after the node was made,
+/// otherwise in a separate block.
 class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
  public:
+  using ustring = fl::i18n::ustring;
+
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
-  /// The text in UTF-16; valid until it is set again or the node ends.
+  /// The text in UTF-16; valid until it is set again or the node is destroyed.
   std::u16string_view getText() const noexcept { return {text, length}; }
-  /// Stores a copy of `newText`, which may be a part of the node's own text. Throws
-  /// std::bad_alloc, and std::length_error from 2^32 code units on; the text is then as it was.
-  void setText(std::u16string_view newText);
+  /// Stores a copy of `newText`. Throws std::bad_alloc, and std::length_error for 2^32 code units
+  /// or more; the text is unchanged in that case.
+  void setText(const ustring& newText) { assignText(newText); }
+  /// Like it, but `newText` may be a part of the node's own text. A template, so that an argument
+  /// that converts to both types, such as a literal, is not ambiguous.
+  template <std::same_as<std::u16string_view> View>
+  void setText(View newText) {
+    assignText(newText);
+  }
 
  protected:
   Impl(kd::zero::meta::ClassKey nodeClass, const boost::uuids::uuid& uuid, Parts parts)
       : Node::Impl(nodeClass, uuid, parts) {}
   ~Impl() { freeText(); }
 
-  /// Like `setText`, for a node without a text that was made with room for this one.
-  void setFirstText(std::u16string_view firstText) {
-    if (firstText.empty() || firstText.size() * sizeof(char16_t) > ownRoomBytes()) {
-      setText(firstText);
-      return;
-    }
-    text = ownRoom();
-    capacity = static_cast<std::uint32_t>(ownRoomBytes() / sizeof(char16_t));
-    copyUnits(text, firstText.data(), firstText.size());
-    length = static_cast<std::uint32_t>(firstText.size());
-  }
-
  private:
   static const kd::zero::meta::Class kMetaClass;
 
-  // A class that is derived from this one adds nothing to it.
-  char16_t* ownRoom() noexcept { return reinterpret_cast<char16_t*>(this + 1); }
+  void assignText(std::u16string_view newText) {
+    if (!placeAfterNode(newText)) replaceText(newText);
+  }
+  /// Stores the first text in the node's own block, when that block is the last one of its chunk
+  /// and the chunk has space left; otherwise does nothing and returns false.
+  ///
+  /// A parser sets the text of a node before it makes anything else, so nearly every text is
+  /// stored this way: without a block of its own, and in the cache lines after its node. A node of
+  /// a derived class with members of its own does not end where this object ends, so its text
+  /// never qualifies.
+  bool placeAfterNode(std::u16string_view newText) noexcept;
+  void replaceText(std::u16string_view newText);
   void freeText() noexcept;
+  char16_t* afterNode() noexcept { return reinterpret_cast<char16_t*>(this + 1); }
 
   char16_t* text = nullptr;
   std::uint32_t length = 0;
   std::uint32_t capacity = 0;
 };
+
+inline bool TextNode::Impl::placeAfterNode(std::u16string_view newText) noexcept {
+  constexpr std::size_t kLargest =
+      (kd::zero::ModelStorage::kLargestBlock - sizeof(Impl)) / sizeof(char16_t);
+  if (text != nullptr || newText.empty() || newText.size() > kLargest) return false;
+  if (!extendBlock(afterNode(), newText.size() * sizeof(char16_t))) return false;
+  text = afterNode();
+  length = static_cast<std::uint32_t>(newText.size());
+  capacity = static_cast<std::uint32_t>(extraBytes() / sizeof(char16_t));
+  copyUnits(text, newText.data(), newText.size());
+  return true;
+}
 
 }  // namespace document::kdzero

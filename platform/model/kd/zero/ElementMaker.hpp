@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "kd/zero/ModelStorage.hpp"
-#include "kd/zero/ReferenceCollection.hpp"
 #include "kd/zero/Releases.hpp"
 #include "kd/zero/meta/Class.hpp"
 
@@ -17,36 +16,15 @@ struct ElementMaker {
   /// std::bad_alloc or what the constructor throws; the model is then as it was.
   template <class K, class... Arguments>
   static K make(ModelStorage& storage, Arguments&&... arguments) {
-    return makeWithRoom<K>(storage, 0, std::forward<Arguments>(arguments)...);
-  }
-
-  /// Like `make`, with `roomBytes` more bytes behind the object in the same block, or with none
-  /// when the block would be too large.
-  template <class K, class... Arguments>
-  static K makeWithRoom(ModelStorage& storage, std::size_t roomBytes, Arguments&&... arguments) {
     using Impl = typename K::Impl;
     static_assert(sizeof(Impl) <= ModelStorage::kLargestBlock && alignof(Impl) <= 8);
-    constexpr std::size_t kGranule = ModelElement::Impl::kRoomGranule;
-    constexpr std::size_t kLargestRoom = ModelStorage::kLargestBlock - sizeof(Impl);
-    const std::size_t granules =
-        roomBytes > kLargestRoom ? 0 : (roomBytes + kGranule - 1) / kGranule;
-    const std::size_t sizeBytes = sizeof(Impl) + granules * kGranule;
-
-    void* room = storage.allocateElement(sizeBytes);
+    void* block = storage.allocateElement(sizeof(Impl));
     try {
-      auto* made = new (room) Impl(std::forward<Arguments>(arguments)...);
-      static_cast<ModelElement::Impl*>(made)->roomGranules = granules & 0x3F;
-      return K::adopt(made);
+      return K::adopt(new (block) Impl(std::forward<Arguments>(arguments)...));
     } catch (...) {
-      storage.deallocateElement(room, sizeBytes);
+      storage.deallocateElement(block, sizeof(Impl));
       throw;
     }
-  }
-
-  /// Appends `element` to `collection`, where both are new: the collection is the empty one of an
-  /// element that was just made, stands in it, and has the link to the container as its opposite.
-  static void appendFirst(ReferenceCollection& collection, ModelElement element) noexcept {
-    collection.appendFirst(std::move(element));
   }
 
   /// Ends an element of class `Impl`.

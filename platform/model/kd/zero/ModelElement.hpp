@@ -91,8 +91,12 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   ~Impl() = default;
   void setProxy() noexcept { proxy = true; }
   void setHasParts() noexcept { hasParts = true; }
-  /// Size of the room that the element was made with, behind its object in the same block.
-  std::size_t ownRoomBytes() const noexcept { return roomGranules * kRoomGranule; }
+  /// Enlarges the element's block by `sizeBytes`, rounded up, directly after its object, which ends
+  /// at `objectEnd`. Returns false and changes nothing unless the block is the last one of its
+  /// chunk and the chunk has the space. `sizeBytes` is at most 504.
+  bool extendBlock(const void* objectEnd, std::size_t sizeBytes) noexcept;
+  /// How far the block was enlarged.
+  std::size_t extraBytes() const noexcept { return extraGranules * kExtraGranule; }
 
  private:
   friend class ModelElement;
@@ -101,7 +105,8 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   friend struct Containment;
   friend struct ElementMaker;
 
-  static constexpr std::size_t kRoomGranule = 8;
+  static constexpr std::size_t kExtraGranule = 8;
+  static constexpr std::size_t kLargestExtraGranules = 0x3F;
 
   static void destroy(Impl* element) noexcept;
   void end(Releases& releases) noexcept;
@@ -115,7 +120,7 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   bool containsOthers : 1 = false;
   bool proxy : 1 = false;
   bool hasParts : 1;
-  std::uint8_t roomGranules : 6 = 0;
+  std::uint8_t extraGranules : 6 = 0;
   Impl* container = nullptr;
 };
 

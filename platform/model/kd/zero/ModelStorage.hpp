@@ -57,6 +57,15 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
     ++users;
     return element;
   }
+  /// Enlarges the block that ends at `blockEnd` by `sizeBytes`, a multiple of eight. Returns false
+  /// and changes nothing unless that block was the last one taken from the current chunk, which
+  /// has the space.
+  bool extendLastBlock(const void* blockEnd, std::size_t sizeBytes) noexcept {
+    if (blockEnd != free || static_cast<std::size_t>(end - free) < sizeBytes) return false;
+    unpoison(free, sizeBytes);
+    free += sizeBytes;
+    return true;
+  }
   void deallocateElement(void* element, std::size_t sizeBytes) noexcept {
     deallocateBlock(element, sizeBytes);
     if (--users == 0) destroy();
@@ -128,6 +137,13 @@ inline void ModelStorage::deallocateBlock(void* room, std::size_t sizeBytes) noe
   block->next = freeBlocks[size / kGranule];
   freeBlocks[size / kGranule] = block;
   poison(block, size);
+}
+
+inline bool ModelElement::Impl::extendBlock(const void* objectEnd, std::size_t sizeBytes) noexcept {
+  const std::size_t granules = (sizeBytes + kExtraGranule - 1) / kExtraGranule;
+  if (!ModelStorage::of(this).extendLastBlock(objectEnd, granules * kExtraGranule)) return false;
+  extraGranules = granules & kLargestExtraGranules;
+  return true;
 }
 
 }  // namespace kd::zero

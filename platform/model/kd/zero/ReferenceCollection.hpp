@@ -59,9 +59,6 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
   /// rules ask is then known from the element itself.
   bool appendDetached(ModelElement& element) noexcept;
   void appendByRules(ModelElement element);
-  /// Does what `append` comes to when this is the empty collection of a new element that it stands
-  /// in, its opposite is the link to the container, and `element` is new too.
-  void appendFirst(ModelElement element) noexcept;
   void checkCompatibleModel(const ModelElement::Impl& element) const;
   void checkNoCycle(const ModelElement::Impl& element) const;
   bool contains(ModelElement::Impl& element);
@@ -108,17 +105,6 @@ inline bool ReferenceCollection::appendDetached(ModelElement& element) noexcept 
   added->containerProperty = propertyIndex;
   holder->containsOthers = true;
   return true;
-}
-
-inline void ReferenceCollection::appendFirst(ModelElement element) noexcept {
-  ModelElement::Impl* holder = ownerAround();
-  one = element.detach();
-  count = 1;
-  ++ModelStorage::of(holder).operations;
-  holder->hasParts = true;
-  one->container = holder;
-  one->containerProperty = propertyIndex;
-  holder->containsOthers = true;
 }
 
 }  // namespace kd::zero

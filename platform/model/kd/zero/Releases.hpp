@@ -48,7 +48,7 @@ inline void ModelElement::Impl::end(Releases& releases) noexcept {
 }
 
 inline void ModelElement::Impl::giveBackBlock() noexcept {
-  const std::size_t sizeBytes = meta::Class::at(classIndex).getSizeBytes() + ownRoomBytes();
+  const std::size_t sizeBytes = meta::Class::at(classIndex).getSizeBytes() + extraBytes();
   ModelStorage::of(this).deallocateElement(this, sizeBytes);
 }
 
