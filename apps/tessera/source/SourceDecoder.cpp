@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "fl/i18n/search.hpp"
 #include "fl/i18n/utf8.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/source/lines.hpp"
@@ -79,7 +80,7 @@ void SourceDecoder::appendUnits(std::size_t count) {
   if (count != 0) atStart = false;
   const std::size_t before = text.size();
   text.append(converted);
-  if (findUnit(converted, u'\r') != converted.size() || lastWasReturn) joinLineEndings(before);
+  if (fl::i18n::containsAny<u'\r'>(converted) || lastWasReturn) joinLineEndings(before);
   lastWasReturn = text.ends_with(u'\r');
 }
 

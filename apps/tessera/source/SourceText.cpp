@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include "fl/i18n/search.hpp"
 #include "quenlith/syntax/markers.hpp"
-#include "quenlith/syntax/openingSearch.hpp"
 #include "tessera/files/FileReader.hpp"
 #include "tessera/source/SourceDecoder.hpp"
 
@@ -21,16 +21,17 @@ struct LineSpan {
 LineSpan lineAround(std::u16string_view text, std::size_t at) {
   const std::size_t before = text.substr(0, at).rfind(u'\n');
   const std::size_t begin = before == text.npos ? 0 : before + 1;
-  return {begin, findUnit(text.substr(begin), u'\n')};
+  return {begin, fl::i18n::findAny<u'\n'>(text.substr(begin))};
 }
 
 /// Returns the first line that starts an appendix.
 std::optional<LineSpan> findAppendixLine(std::u16string_view text) {
-  std::size_t at = quenlith::syntax::findOpening(text, 0);
-  while (at != text.npos) {
+  using fl::i18n::findPair;
+  std::size_t at = findPair<u'<', u'@'>(text);
+  while (at != text.size()) {
     const LineSpan line = lineAround(text, at);
     if (quenlith::syntax::isAppendixLine(text.substr(line.begin, line.length))) return line;
-    at = quenlith::syntax::findOpening(text, line.begin + line.length);
+    at = findPair<u'<', u'@'>(text, line.begin + line.length);
   }
   return std::nullopt;
 }

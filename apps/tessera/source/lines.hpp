@@ -9,9 +9,6 @@
 
 namespace tessera::source {
 
-/// Returns the offset of the first `unit` in `text`, its size when there is none.
-std::size_t findUnit(std::u16string_view text, char16_t unit) noexcept;
-
 /// Returns how many characters `text` has; a surrogate pair is one.
 std::uint64_t countCharacters(std::u16string_view text) noexcept;
 
