@@ -20,7 +20,7 @@ class ParserContest {
   void run(int rounds) { contest.run(rounds); }
   /// Like `Contest::count`.
   void count() { contest.count(); }
-  /// Writes what everything took and how that stands to the aims.
+  /// Writes what was measured, and which aims it meets.
   void write(std::ostream& out) const;
 
  private:

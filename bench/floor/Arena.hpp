@@ -5,7 +5,7 @@
 
 namespace bench::floor {
 
-/// Hands out room from chunks, one block behind the other, and gives all of it back at once.
+/// Allocates blocks from chunks, one after the other, and frees all of them at once.
 class Arena {
  public:
   Arena() = default;
@@ -13,7 +13,7 @@ class Arena {
   Arena& operator=(const Arena&) = delete;
   ~Arena() { clear(); }
 
-  /// Returns room for `sizeBytes` bytes, aligned to eight.
+  /// Returns `sizeBytes` bytes of memory, aligned to eight.
   void* allocate(std::size_t sizeBytes) {
     const std::size_t size = (sizeBytes + 7) & ~std::size_t{7};
     if (size > static_cast<std::size_t>(end - free)) addChunk(size);

@@ -12,7 +12,7 @@ namespace {
 
 using parsers::Contents;
 
-/// Parses lines of its own, line by line.
+/// Parses the lines that a function makes, one by one.
 class OwnLines : public Subject {
  public:
   OwnLines(Corpus ownLines, const Contents& wanted)

@@ -20,7 +20,7 @@ std::string taskLine(std::size_t number) {
   return "fit(x)  # <@task#t" + std::to_string(number) + ">";
 }
 
-/// Opens and closes tasks whose markers all stand in one block: two lines a task.
+/// Opens and closes tasks whose markers are all in one block: two lines per task.
 class Tasks : public Subject {
  public:
   /// Opens and closes `taskCount` tasks, of which `taskIds` differ, in a block of at least

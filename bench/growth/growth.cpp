@@ -21,7 +21,7 @@ constexpr std::size_t kSmallest = 1000;
 // Each task compares the block: callgrind would take an hour for a million of them.
 constexpr Dimension kDimensions[] = {
     {"lines", makeLines},
-    {"markers a line", makeMarkers},
+    {"markers per line", makeMarkers},
     {"ranges", makeRanges},
     {"failures", makeFailures},
     {"tasks", makeTasks, 100'000},

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 
-// The entry points of the C library behind malloc and its like.
+// The C library's own functions that malloc and the others call.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -72,7 +72,7 @@ void keepMemory() noexcept {
 
 }  // namespace bench
 
-// These stand before the C library's own for the program and all libraries that it loads.
+// The program and all libraries that it loads call these instead of the C library's own.
 extern "C" {
 
 // While nothing is counted, as when a time is taken, these two add a test and a jump.

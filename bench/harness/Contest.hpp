@@ -25,15 +25,15 @@ class Contest {
   /// Borrows `corpus`. `name` is unique.
   void add(const std::string& name, const Corpus& corpus, const Make& make);
 
-  /// Measures all subjects, whose results are checked in every round. Throws std::runtime_error
-  /// when one is wrong, or when the end of what was built leaves memory behind.
+  /// Measures all subjects and checks their results in every round. Throws std::runtime_error if
+  /// one is wrong, or if memory is leaked after what was built is destroyed.
   void run(int roundCount);
   /// Lets callgrind count the instructions of all subjects, see `countInstructions`.
   void count();
 
   /// Tells whether a subject of that name takes part if it is added.
   bool takes(const std::string& name) const noexcept { return only.empty() || name == only; }
-  /// Throws std::out_of_range when there is no subject of that name.
+  /// Throws std::out_of_range if no subject has that name.
   const Measurement& of(const std::string& name) const;
   /// Calls `take` with the measurement of each subject, in the order in which they were added.
   void forEach(const std::function<void(const Measurement&)>& take) const;

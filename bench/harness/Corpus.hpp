@@ -26,16 +26,16 @@ class Corpus {
   std::size_t byteCount() const noexcept { return bytes; }
   /// 16-bit code units, without line endings.
   std::size_t unitCount() const noexcept { return units; }
-  /// Lines in which "<@" stands.
+  /// Lines that contain "<@".
   std::size_t linesWithMarker() const noexcept { return markedLines; }
 
   const std::vector<std::string>& utf8Lines() const noexcept { return lines; }
   const std::vector<quenlith::build::markup::Snippet>& snippets() const noexcept {
     return snippetsOfLines;
   }
-  /// All lines, LF behind each.
+  /// All lines, each followed by LF.
   std::string text() const;
-  /// An XML document whose root has one element a line with the line as its text.
+  /// An XML document whose root has one element per line with the line as its text.
   std::string xml() const;
 
  private:

@@ -10,7 +10,7 @@ namespace bench {
 /// What one run took.
 struct RunTimes {
   double seconds = std::numeric_limits<double>::infinity();
-  /// Of ending what was built, which is no part of `seconds`.
+  /// Of destroying what was built, which is not part of `seconds`.
   double endSeconds = std::numeric_limits<double>::infinity();
 };
 
@@ -22,7 +22,7 @@ class Rounds {
   /// `name` is unique. What `run` throws leaves `run` of the rounds.
   void add(const std::string& name, Run run);
   void run(int rounds);
-  /// Throws std::out_of_range when there is no competitor of that name.
+  /// Throws std::out_of_range if no competitor has that name.
   const RunTimes& best(const std::string& name) const;
 
  private:

@@ -38,8 +38,8 @@ bool floorCounts(const Contest& contest) {
 }
 
 void writeMeasurements(std::ostream& out, const Contest& contest) {
-  MarkdownTable table({"what", "ns a line", "x floor", "MB/s", "end, ns a line",
-                       "live bytes a line", "peak bytes a line", "allocations a line"});
+  MarkdownTable table({"what", "ns per line", "x floor", "MB/s", "end, ns per line",
+                       "live bytes per line", "peak bytes per line", "allocations per line"});
   contest.forEach([&](const Measurement& measured) { table.add(rowOf(contest, measured)); });
   table.write(out);
   if (!hasFloor(contest) || floorCounts(contest)) return;

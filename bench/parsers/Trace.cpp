@@ -6,7 +6,7 @@ namespace bench::parsers {
 
 namespace {
 
-/// One progress record a line, with logging off.
+/// One progress record per line, with logging off.
 class Trace : public Subject {
  public:
   explicit Trace(const Corpus& lines) : corpus(lines) {}

@@ -6,7 +6,7 @@
 
 namespace bench::parsers {
 
-/// What a document has to hold.
+/// What a document must contain.
 struct Contents {
   std::size_t lines = 0;
   /// 16-bit code units in all text nodes.
@@ -15,8 +15,8 @@ struct Contents {
   std::size_t failures = 0;
 };
 
-/// Throws std::runtime_error when `document` holds anything else, or a line node has not exactly
-/// one child.
+/// Throws std::runtime_error if `document` contains anything else, or if a line node does not have
+/// exactly one child.
 void expectDocument(const document::kdzero::TesseraDocument& document, const Contents& wanted);
 
 }  // namespace bench::parsers

@@ -30,7 +30,7 @@ class Libxml2 : public Subject {
     const xmlNode* const root = xmlDocGetRootElement(document.get());
     for (const xmlNode* line = root->children; line != nullptr; line = line->next) {
       ++lines;
-      // The references to characters may stand between several texts of one line.
+      // Character references may split the text of a line into several nodes.
       for (const xmlNode* text = line->children; text != nullptr; text = text->next) {
         bytes += std::strlen(reinterpret_cast<const char*>(text->content));
       }

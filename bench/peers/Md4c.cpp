@@ -48,7 +48,7 @@ class Md4c : public Subject {
   explicit Md4c(const Corpus& lines) : text(lines.text()) {
     wanted.countsLetters = true;
     parse(wanted);
-    // What is no text is the address of a link or the definition of one.
+    // What is not text is the address of a link or the definition of one.
     if (wanted.letters < countLetters(text) / 100 * 95) {
       throw std::runtime_error("md4c lost text of the lines");
     }

@@ -5,7 +5,7 @@
 
 namespace bench::peers {
 
-/// Builds a tree of one element a line with its text out of XML, by pugixml.
+/// Builds a tree of one element per line with its text out of XML, by pugixml.
 std::unique_ptr<Subject> makePugixml(const Corpus& corpus);
 
 /// Like `makePugixml`, by libxml2.

@@ -125,7 +125,7 @@ void ProgramContest::writeAims(std::ostream& out) const {
   AimTable table;
   table.atLeast("speed of tessera parse --format json, in times of reading, parsing and writing",
                 parts / seconds(kFileToFile), 0.5);
-  table.atMost("tessera parse of ten lines, ms more than that program",
+  table.atMost("tessera parse of ten lines, ms more than a program that prints one line",
                (seconds(kTenLines) - seconds(kOneLine)) * 1e3, 8);
   table.write(out);
 }

@@ -6,8 +6,8 @@
 
 namespace bench::programs {
 
-/// Does `work` and prints how many seconds of a processor it took: what the program does
-/// before and behind does not count.
+/// Does `work` and prints how many seconds of processor time it took, without what the program does
+/// before and after it.
 template <class Work>
 void printOwnTime(const Work& work) {
   const double begin = processorSeconds();

@@ -1,7 +1,7 @@
 """coverage.py BUILD: prints the line and branch coverage of src/ and platform/.
 
 Reads the counters that the programs and libraries of BUILD left in BUILD/profiles. Prints one row
-a file, then each line and each outcome of a condition that no test reached. The status is not 0
+per file, then each line and each outcome of a condition that no test reached. The status is not 0
 when less than every line or 95 of 100 branches are covered, or when there is nothing to cover.
 """
 
@@ -19,8 +19,8 @@ WANTED = {"lines": 100.0, "branches": 95.0}
 def instrumented(build):
     """Returns the programs and libraries of `build` that carry a coverage map."""
     folders = sorted((build / "bin").rglob("*")) + sorted((build / "lib").rglob("*"))
-    # The bundles that tests load stand beside the tests. What a test itself made is a copy of one
-    # of them, and may be broken on purpose.
+    # The bundles that tests load are in the tests' folders. Those in "made" are copies that a test
+    # made, some of them broken on purpose.
     bundles = [path for path in (build / "tests").rglob("*.so") if path.parent.name != "made"]
     for path in folders + sorted(bundles):
         if path.is_file() and not path.is_symlink():
@@ -48,7 +48,7 @@ def export(build, profile):
 
 def relative(filename):
     """Returns the name of a measured file within the tree, or None for any other file."""
-    # A compiler cache may have made the name relative to the build.
+    # ccache may have made the name relative to the build folder.
     path = pathlib.Path(os.path.normpath(filename))
     name = str(path.relative_to(ROOT)) if path.is_relative_to(ROOT) else ""
     return name if name.startswith(MEASURED) else None
@@ -63,7 +63,7 @@ def unreached(name, file):
 
 
 def unreached_outcomes(name, branches):
-    # A condition in a template stands here once an instantiation, and counts as its best one.
+    # A condition in a template is listed once per instantiation; the best one counts.
     outcomes = {}
     for line, column, _, _, true_count, false_count, *_ in branches:
         outcomes.setdefault((line, column), set()).add((true_count > 0, false_count > 0))

@@ -1,7 +1,7 @@
 """instructions.py PROGRAM CORPUS: counts instructions by callgrind and prints them as Markdown.
 
-One table holds the instructions a line of everything that is compared, on the first lines of the
-corpus; the other one how the instructions of the parsers grow with their input.
+The first table has the instructions per line of everything that is compared, on the first lines of the
+corpus; the second shows how the instructions of the parsers grow with their input.
 """
 
 import math
@@ -16,7 +16,7 @@ LARGEST = 1_000_000
 MOST_GROWTH = 1.05
 GROWING = (
     "lines",
-    "markers a line",
+    "markers per line",
     "ranges",
     "failures",
     "tasks",
@@ -69,7 +69,7 @@ def compared_table(compared):
         for size, (build, end) in sizes.items():
             ratio = build / size / (floor_build / floor_size)
             rows.append([what, f"{build / size:.0f}", f"{ratio:.2f}", f"{end / size:.0f}"])
-    return table(["what", "instructions a line", "x floor", "end, instructions a line"], rows)
+    return table(["what", "instructions per line", "x floor", "end, instructions per line"], rows)
 
 
 def exponents(sizes):

@@ -1,5 +1,5 @@
 """performance.py PROGRAMS CORPUS: measures everything, prints the tables as they come, and writes
-them with the machine's data into docs/performance.md, between the two comments that hold the place.
+them with the machine's data into docs/performance.md, between the two marking comments.
 """
 
 import datetime
@@ -50,7 +50,7 @@ def lines_of(corpus):
 
 
 def source_of(corpus, lines):
-    """Writes the first lines of the corpus to a file of its own, for programs that read files."""
+    """Writes the first lines of the corpus to a separate file, for programs that read files."""
     source = corpus.with_name("source.txt")
     with corpus.open(encoding="utf-8") as text, source.open("w", encoding="utf-8") as target:
         for _, line in zip(range(lines), text):
@@ -59,7 +59,7 @@ def source_of(corpus, lines):
 
 
 def sections(programs, corpus):
-    """Yields title and text of each section, measured one after the other."""
+    """Yields the title and text of each section, measured one after the other."""
     yield "The machine and the lines", machine(programs) + "\n" + lines_of(corpus)
     yield "The parsers", output_of(programs / "quenlith_bench", corpus)
     source = source_of(corpus, SOURCE_LINES)
