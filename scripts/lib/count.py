@@ -1,7 +1,7 @@
-"""count.py BUILD...: says how many tests ran, from the reports that CTest and GoogleTest left.
+"""count.py BUILD...: prints how many tests ran, from the reports that CTest and GoogleTest wrote.
 
-A GoogleTest program is one test of CTest and counts as its cases; every other test of CTest counts
-as one. The status is not 0 when a test failed or none passed.
+A GoogleTest program is one CTest test and counts as its cases; every other CTest test counts as one.
+The last line is the total. The status is not 0 if a test failed or none passed.
 """
 
 import collections
@@ -14,7 +14,7 @@ def outcome_for_ctest(case):
     """Returns the outcome of one test as CTest saw it."""
     if case.get("status") == "run":
         return "passed"
-    # A test that asked to be skipped, or that is disabled; anything else did not run for a fault.
+    # A test that asked to be skipped, or is disabled. Any other test without a run is a failure.
     reason = case.find("skipped")
     asked = reason is not None and reason.get("message", "").startswith(("SKIP_", "Disabled"))
     return "skipped" if asked or case.get("status") == "disabled" else "failed"
@@ -33,7 +33,7 @@ def count_program(report, outcome):
     counts = collections.Counter(
         outcome_for_case(case) for case in xml.etree.ElementTree.parse(report).iter("testcase")
     )
-    # A crash, a leak or a time limit is a failure that no case shows.
+    # A crash, a leak or a timeout is a failure that no case reports.
     if outcome == "failed" and not counts["failed"]:
         counts["failed"] += 1
     return counts
@@ -48,16 +48,13 @@ def count_build(build):
         try:
             counts += count_program(report, outcome)
         except (FileNotFoundError, xml.etree.ElementTree.ParseError):
-            # No GoogleTest program, or one that ended before its report was whole.
+            # Not a GoogleTest program, or one that ended before its report was complete.
             counts[outcome] += 1
     return counts
 
 
 def line(counts):
-    shown = [f"{counts['passed']} passed", f"{counts['failed']} failed"]
-    if counts["skipped"]:
-        shown.append(f"{counts['skipped']} skipped")
-    return ", ".join(shown)
+    return ", ".join(f"{counts[outcome]} {outcome}" for outcome in ("passed", "failed", "skipped"))
 
 
 def main(builds):

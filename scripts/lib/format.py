@@ -1,4 +1,4 @@
-"""format.py [--check]: puts every C++ file into the house format, or names those that are not."""
+"""format.py [--check]: formats every C++ file, or with --check names those that need it."""
 
 import subprocess
 import sys

@@ -1,21 +1,26 @@
-"""lint.py BUILD: runs clang-tidy over the files that BUILD compiles and that did not pass yet.
+"""lint.py BUILD: runs clang-tidy on the files that BUILD compiles, except those that passed before.
 
-A verdict holds for the content of the file, of every header of the tree that it includes (as the
-build recorded them), of the .clang-tidy files and for the command that compiles it.
+A verdict depends on the content of the file, of every header of the tree that it includes (as the
+build recorded them), of the .clang-tidy files, and on the command that compiles it.
 """
 
 import concurrent.futures
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 
 from passed import ROOT, SOURCE_FOLDERS, Hasher, Passed
 
 TOOL = "clang-tidy-14"
-# The commands are those of g++, some of whose warning options clang does not know.
+# The commands are g++'s; clang does not know some of its warning options.
 ARGUMENTS = ["--quiet", "--warnings-as-errors=*", "--extra-arg=-Wno-unknown-warning-option"]
+
+
+# g++'s precompiled headers: clang cannot read them, and a source has to compile without them.
+PRECOMPILED = re.compile(r" -fpch-preprocess| -Winvalid-pch| -include \S*/cmake_pch\.hxx")
 
 
 def of_the_tree(path):
@@ -24,7 +29,7 @@ def of_the_tree(path):
 
 
 def recorded_includes(build):
-    """Returns the files of the tree that each object was made of, as Ninja recorded them."""
+    """Returns the files of the tree that each object depends on, as Ninja recorded them."""
     text = subprocess.run(
         ["ninja", "-C", build, "-t", "deps"], capture_output=True, text=True, check=True
     ).stdout
@@ -40,16 +45,27 @@ def recorded_includes(build):
 
 
 def configs_above(path):
-    """Returns the .clang-tidy files that hold for `path`."""
+    """Returns the .clang-tidy files that apply to `path`."""
     return [
         folder / ".clang-tidy" for folder in path.parents if (folder / ".clang-tidy").exists()
     ]
 
 
-def jobs(build):
-    """Returns each file to check with the key of its verdict."""
+def write_commands(build):
+    """Writes the commands of `build` without precompiled headers to build/lint; returns that folder."""
+    commands = json.loads((build / "compile_commands.json").read_text())
+    for entry in commands:
+        entry["command"] = PRECOMPILED.sub("", entry["command"])
+    folder = build / "lint"
+    folder.mkdir(exist_ok=True)
+    (folder / "compile_commands.json").write_text(json.dumps(commands))
+    return folder
+
+
+def jobs(build, commands):
+    """Yields each file to check with the key of its verdict."""
     hasher, includes = Hasher(), recorded_includes(build)
-    for entry in json.loads((build / "compile_commands.json").read_text()):
+    for entry in json.loads((commands / "compile_commands.json").read_text()):
         path = pathlib.Path(entry["file"])
         if not of_the_tree(path):
             continue
@@ -58,25 +74,25 @@ def jobs(build):
         yield path, hasher.key([TOOL, *ARGUMENTS, entry["command"]], files)
 
 
-def check(build, path):
+def check(commands, path):
     done = subprocess.run(
-        [TOOL, "-p", build, *ARGUMENTS, path], capture_output=True, text=True
+        [TOOL, "-p", commands, *ARGUMENTS, path], capture_output=True, text=True
     )
-    # Standard error counts the warnings of other people's headers; it matters when clang-tidy
-    # itself gave up and found nothing to report.
+    # Standard error only counts the warnings in headers of packages, unless clang-tidy itself failed
+    # and printed nothing else.
     return done.returncode == 0, done.stdout or done.stderr
 
 
 def main(build):
-    passed, keys = Passed("lint"), {}
-    for path, key in jobs(build):
+    passed, keys, commands = Passed("lint"), {}, write_commands(build)
+    for path, key in jobs(build, commands):
         keys.setdefault(path, key)
     todo = [path for path, key in keys.items() if key not in passed]
     if todo:
         print(f"clang-tidy: {len(todo)} of {len(keys)} files", file=sys.stderr, flush=True)
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        running = {pool.submit(check, build, path): path for path in todo}
+        running = {pool.submit(check, commands, path): path for path in todo}
         for future in concurrent.futures.as_completed(running):
             good, output = future.result()
             if good:

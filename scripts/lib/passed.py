@@ -1,7 +1,7 @@
-"""What has passed a gate, remembered by content.
+"""Remembers what has passed a check, by content.
 
 A key is a hash of everything that the verdict depends on, so that nothing is checked twice and
-nothing that changed goes unchecked.
+everything that changed is checked again.
 """
 
 import hashlib
@@ -41,7 +41,7 @@ class Hasher:
 
 
 class Passed:
-    """The keys that passed the gate `name`: one empty file each, so that runs may overlap."""
+    """The keys that passed the check `name`: one empty file each, so that concurrent runs do not clash."""
 
     def __init__(self, name):
         self._folder = ROOT / "build" / "passed" / name

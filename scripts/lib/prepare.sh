@@ -1,9 +1,9 @@
-# Sourced by the commands beside this folder: installs the Debian packages that a command needs and
-# builds. All of it is told on standard error; standard output belongs to the command.
+# Sourced by the commands in scripts/: installs the Debian packages that a command needs, and builds.
+# Every message goes to standard error; standard output belongs to the command.
 
 root=$(dirname "$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")")
 
-# libboost1.81-dev cannot stand beside libboost-dev (1.74), so nothing here may pull in the latter.
+# libboost1.81-dev conflicts with libboost-dev (1.74): no package here may depend on the latter.
 buildPackages=(
   g++ cmake ninja-build pkg-config zip
   libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libzip-dev nlohmann-json3-dev
@@ -17,16 +17,19 @@ clangPackages=(clang-14 libclang-rt-14-dev llvm-14)
 
 say() { printf '%s: %s\n' "${0##*/}" "$*" >&2; }
 
+# The exit status if something cannot be installed or built.
+failStatus=1
+
 fail() {
   say "$*"
-  exit 3
+  exit "$failStatus"
 }
 
 # Installs those of the packages named that are missing.
 needPackages() {
   local missing=() name
   if ! command -v dpkg-query >/dev/null; then
-    say "not a Debian system: taking for granted that these are there under other names: $*"
+    say "not a Debian system: assuming that these are installed under other names: $*"
     return
   fi
   local there
@@ -44,15 +47,15 @@ installPackages() {
     asRoot=(sudo)
   fi
   say "installing $*"
-  # --no-remove: somebody's own packages are never thrown out, a libboost-dev for example.
+  # --no-remove: never removes a package that somebody installed, for example libboost-dev.
   "${asRoot[@]}" apt-get update -q >&2 &&
     "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-remove \
       --no-install-recommends -o DPkg::Lock::Timeout=600 "$@" >&2 ||
-    fail "could not install: $* (libboost-dev and its like have to go first: they conflict)"
+    fail "could not install: $* (they conflict with libboost-dev: remove that first if it is installed)"
 }
 
-# build FOLDER PRESET TARGETS [CMAKE OPTION]...: configures build/FOLDER once, and again when the
-# presets change, and builds the targets. Two at a time in one folder take turns.
+# build FOLDER PRESET TARGETS [CMAKE OPTION]...: configures build/FOLDER, unless that was done since the
+# presets last changed, and builds the targets. Locks the folder, so that concurrent runs take turns.
 build() {
   local folder=$root/build/$1 preset=$2 targets=$3
   shift 3
