@@ -1,5 +1,8 @@
 #include "tessera/formats/LineJson.hpp"
 
+#include <charconv>
+#include <iterator>
+#include <limits>
 #include <string_view>
 
 #include "tessera/session/ResultJson.hpp"
@@ -15,19 +18,19 @@ void writeNumber(foundation::json::Writer& target, std::uint64_t number) {
   target.number(number);
 }
 
-/// Adds one to the number that ends at `end` and has something before it. False when it would
-/// need a digit more; its digits are then those of no number.
-bool countOn(std::string& text, std::size_t end) {
-  while (text[--end] == '9') text[end] = '0';
-  const bool isDigit = text[end] >= '0' && text[end] < '9';
-  if (isDigit) ++text[end];
-  return isDigit;
+std::size_t digitCount(std::uint64_t number) {
+  return std::to_string(number).size();
+}
+
+void appendDigits(std::string& text, std::uint64_t number) {
+  char digits[std::numeric_limits<std::uint64_t>::digits10 + 1];
+  text.append(digits, std::to_chars(std::begin(digits), std::end(digits), number).ptr);
 }
 
 }  // namespace
 
 void LineJson::writeMember(const FileResult& result) {
-  // Outcomes of another document may stand at the same places.
+  // The addresses of outcomes of an earlier document may be in use again.
   pattern.outcome = nullptr;
   previous = nullptr;
   json.key(kKey);
@@ -43,7 +46,7 @@ void LineJson::writeMember(const FileResult& result) {
 void LineJson::writeLine(const Line& line, const FileResult& result) {
   const bool isRepeated = previous == &line.outcome && line.outcome.nodeCount == 1;
   previous = &line.outcome;
-  if (!fitPattern(line)) {
+  if (!matchesPattern(line)) {
     if (!isRepeated) {
       writeNumber(json, line.number);
       writeThroughNodes(json, line, result);
@@ -51,47 +54,45 @@ void LineJson::writeLine(const Line& line, const FileResult& result) {
     }
     makePattern(line, result);
   }
-  output.text() += pattern.text;
+  appendPattern(line);
 }
 
-/// Gives the pattern the numbers of `line` if it is one like `line`.
-bool LineJson::fitPattern(const Line& line) {
+bool LineJson::matchesPattern(const Line& line) {
   if (pattern.outcome == nullptr) return false;
-  if (pattern.outcome != &line.outcome) {
-    // Others may have come between two runs of lines alike.
-    if (!areAlike(*pattern.outcome, line.outcome)) return false;
-    pattern.outcome = &line.outcome;
-  }
-  const bool fits = countTo(pattern.line, line.number) && countTo(pattern.node, line.firstNode);
-  if (!fits) pattern.outcome = nullptr;
-  return fits;
-}
-
-bool LineJson::countTo(Number& number, std::uint64_t value) {
-  while (number.value < value) {
-    if (!countOn(pattern.text, number.end)) return false;
-    ++number.value;
-  }
-  return number.value == value;
+  if (pattern.outcome == &line.outcome) return true;
+  // Two runs of lines that are alike may have other lines between them.
+  if (!areAlike(*pattern.outcome, line.outcome)) return false;
+  pattern.outcome = &line.outcome;
+  return true;
 }
 
 void LineJson::makePattern(const Line& line, const FileResult& result) {
-  std::string& text = pattern.text;
-  text.clear();
+  std::string text;
   foundation::json::Writer writer(text, form);
   writer.beginObject();
   writer.key(kKey);
   writer.beginArray();
-  // In place of the line before.
+  // An element before this one, so that the writer puts a comma between them.
   writer.null();
   const std::size_t begin = text.size();
   writeNumber(writer, line.number);
-  pattern.line = {line.number, text.size() - begin};
+  const std::size_t lineEnd = text.size();
   writeThroughNodes(writer, line, result);
-  pattern.node = {line.firstNode, text.size() - begin};
+  const std::size_t nodeEnd = text.size();
   writeRest(writer, line);
-  text.erase(0, begin);
-  pattern.outcome = &line.outcome;
+  const std::size_t lineBegin = lineEnd - digitCount(line.number);
+  const std::size_t nodeBegin = nodeEnd - digitCount(line.firstNode);
+  pattern = {&line.outcome, text.substr(begin, lineBegin - begin),
+             text.substr(lineEnd, nodeBegin - lineEnd), text.substr(nodeEnd)};
+}
+
+void LineJson::appendPattern(const Line& line) {
+  std::string& text = output.text();
+  text += pattern.beforeLine;
+  appendDigits(text, line.number);
+  text += pattern.beforeNode;
+  appendDigits(text, line.firstNode);
+  text += pattern.afterNode;
 }
 
 void LineJson::writeThroughNodes(foundation::json::Writer& target, const Line& line,

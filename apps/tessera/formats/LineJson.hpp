@@ -24,25 +24,20 @@ class LineJson {
  private:
   using Line = session::LineTable::Line;
 
-  /// A number in the text of the pattern.
-  struct Number {
-    std::uint64_t value = 0;
-    std::size_t end = 0;
-  };
-
-  /// The JSON of a line that added one node, as it stands behind that of another line. What lines
-  /// alike differ in are these numbers only; they count on in their places.
+  /// The JSON of a line that added one node, with a comma before it and without its two numbers:
+  /// lines that are alike differ only in these.
   struct Pattern {
+    /// Null when there is no pattern.
     const session::LineOutcome* outcome = nullptr;
-    std::string text;
-    Number line;
-    Number node;
+    std::string beforeLine;
+    std::string beforeNode;
+    std::string afterNode;
   };
 
   void writeLine(const Line& line, const FileResult& result);
-  bool fitPattern(const Line& line);
-  bool countTo(Number& number, std::uint64_t value);
+  bool matchesPattern(const Line& line);
   void makePattern(const Line& line, const FileResult& result);
+  void appendPattern(const Line& line);
   void writeThroughNodes(foundation::json::Writer& target, const Line& line,
                          const FileResult& result) const;
   void writeRest(foundation::json::Writer& target, const Line& line) const;
@@ -52,6 +47,7 @@ class LineJson {
   foundation::json::Form form;
   Records records;
   Pattern pattern;
+  // The outcome of the line written last.
   const session::LineOutcome* previous = nullptr;
 };
 

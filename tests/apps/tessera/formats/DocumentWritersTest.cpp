@@ -230,6 +230,39 @@ TEST_F(DocumentWriters, LinesAlikeHaveNumbersThatCountOn) {
   EXPECT_EQ(written.substr(written.find("\"lines\"")), lines + "]}\n");
 }
 
+TEST_F(DocumentWriters, LinesAlikeThatAddTwoNodesEachHaveTheirOwnIndices) {
+  std::string lines = "\"lines\":[";
+  for (int number = 1; number <= 12; ++number) {
+    tessera::session::LineOutcome outcome;
+    outcome.firstNode = parsed.document->getNumberOfChildren();
+    outcome.nodeCount = 2;
+    lines += std::string(number == 1 ? "" : ",") + "{\"line\":" + std::to_string(number) +
+             ",\"parser\":\"P\",\"type\":{\"group\":0,\"kind\":0},\"flag\":false,"
+             "\"markerTypes\":[],\"nodes\":[" +
+             std::to_string(outcome.firstNode) + "," + std::to_string(outcome.firstNode + 1) + "]}";
+    parsed.document->addChild(nodes::makeLine(model()));
+    parsed.document->addChild(nodes::makeLine(model()));
+    parsed.lines.add(std::move(outcome));
+  }
+  const std::string written = json();
+  EXPECT_EQ(written.substr(written.find("\"lines\"")), lines + "]}\n");
+}
+
+TEST_F(DocumentWriters, IndentedLinesAlikeAreWrittenLikeAnyOther) {
+  std::string lines = "  \"lines\": [\n";
+  for (int number = 1; number <= 101; ++number) {
+    addLine(nodes::makeLine(model()));
+    lines += std::string(number == 1 ? "" : ",\n") +
+             "    {\n      \"line\": " + std::to_string(number) +
+             ",\n      \"parser\": \"P\",\n      \"type\": {\n        \"group\": 0,\n        "
+             "\"kind\": 0\n      },\n      \"flag\": false,\n      \"markerTypes\": [],\n      "
+             "\"nodes\": [\n        " +
+             std::to_string(number - 1) + "\n      ]\n    }";
+  }
+  const std::string written = json(Form::kIndented);
+  EXPECT_EQ(written.substr(written.find("  \"lines\"")), lines + "\n  ]\n}\n");
+}
+
 TEST_F(DocumentWriters, ALineMayAddNoNodeOrSeveral) {
   tessera::session::LineOutcome none;
   parsed.lines.add(std::move(none));
