@@ -1,7 +1,10 @@
 #include "tessera/host/ServiceHost.hpp"
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <exception>
+#include <iterator>
 #include <string_view>
 #include <thread>
 
@@ -9,6 +12,7 @@
 #include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/BundleContext.h"
 #include "cppmicroservices/Framework.h"
+#include "cppmicroservices/FrameworkEvent.h"
 #include "cppmicroservices/FrameworkFactory.h"
 #include "cppmicroservices/ServiceReference.h"
 #include "cppmicroservices/ServiceRegistration.h"
@@ -20,6 +24,7 @@
 namespace tessera::host {
 namespace {
 
+using cppmicroservices::FrameworkEvent;
 using cppmicroservices::ServiceReference;
 using foundation::cppmicroservices::setFramework;
 using quenlith::build::markup::SnippetParser;
@@ -30,9 +35,12 @@ using ParserReference = ServiceReference<SnippetParser>;
 
 constexpr const char* kDefaultFilter = "(priority=default)";
 constexpr const char* kOtherFilter = "(!(priority=default))";
-constexpr const char* kTaskFilter = "(test_id=TaskSnippetParserImpl)";
 
-// A runtime may make its components on threads of its own. One that takes longer does not work.
+// The snippet parsers of the parsers' bundle, by their test_id. Without one of them the program
+// would write wrong documents.
+constexpr std::string_view kRequiredParsers[] = {"CodeSnippetParserImpl", "TaskSnippetParserImpl"};
+
+// A runtime may register the services of a bundle on its own threads, after the bundle has started.
 constexpr std::chrono::seconds kPatience{10};
 constexpr std::chrono::milliseconds kPause{1};
 
@@ -42,8 +50,21 @@ std::string testIdOf(const ParserReference& reference) {
   return text == nullptr ? std::string() : *text;
 }
 
-bool hasParser(cppmicroservices::BundleContext context, const char* filter) {
-  return !context.GetServiceReferences<SnippetParser>(filter).empty();
+/// Returns the name of the first required parser that is not registered; empty when all are.
+std::string findMissingParser(cppmicroservices::BundleContext context) {
+  for (const std::string_view name : kRequiredParsers) {
+    const std::string filter = "(test_id=" + std::string(name) + ")";
+    if (context.GetServiceReferences<SnippetParser>(filter).empty()) return std::string(name);
+  }
+  return {};
+}
+
+[[noreturn]] void throwUnusableParser(const std::string& name, const std::string& bundleFile,
+                                      const char* what) {
+  throw diagnostics::ProblemError({.file = bundleFile,
+                                   .place = {},
+                                   .what = "the snippet parser " + name + " " + what,
+                                   .remedy = "install the program again"});
 }
 
 }  // namespace
@@ -55,6 +76,7 @@ struct ServiceHost::Running {
   Running& operator=(const Running&) = delete;
 
   void start(const std::vector<std::string>& extensionBundles);
+  void listen();
   void startBundle(const std::string& file);
   void awaitParsers() const;
   void stop() noexcept;
@@ -65,6 +87,9 @@ struct ServiceHost::Running {
   std::shared_ptr<MarkerAppendix> appendix = std::make_shared<MarkerAppendix>();
   cppmicroservices::ServiceRegistration<AppendixBuilder> registration;
   std::vector<cppmicroservices::Bundle> bundles;
+  const BundleFiles files = findBundles();
+  // Whether the framework has reported an error of the parsers' bundle.
+  std::shared_ptr<std::atomic<bool>> hasFailed = std::make_shared<std::atomic<bool>>(false);
 };
 
 ServiceHost::ServiceHost(const std::vector<std::string>& extensionBundles)
@@ -81,14 +106,23 @@ MarkerAppendix& ServiceHost::appendix() noexcept {
 void ServiceHost::Running::start(const std::vector<std::string>& extensionBundles) {
   framework->Start();
   setFramework(framework);
-  framework->GetBundleContext().AddFrameworkListener(reportEvent);
-  const BundleFiles files = findBundles();
+  listen();
   startBundle(files.declarativeServices);
   registration = framework->GetBundleContext().RegisterService<AppendixBuilder>(
       std::shared_ptr<AppendixBuilder>(appendix));
   startBundle(files.parsers);
   for (const std::string& file : extensionBundles) startBundle(file);
   awaitParsers();
+}
+
+void ServiceHost::Running::listen() {
+  // Shared, because the framework may outlive this object.
+  const auto listener = [failed = hasFailed, parsers = files.parsers](const FrameworkEvent& event) {
+    reportEvent(event);
+    const bool isError = event.GetType() == FrameworkEvent::FRAMEWORK_ERROR;
+    if (isError && event.GetBundle() && event.GetBundle().GetLocation() == parsers) *failed = true;
+  };
+  framework->GetBundleContext().AddFrameworkListener(listener);
 }
 
 void ServiceHost::Running::startBundle(const std::string& file) {
@@ -109,12 +143,13 @@ void ServiceHost::Running::startBundle(const std::string& file) {
 void ServiceHost::Running::awaitParsers() const {
   const auto context = framework->GetBundleContext();
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
-  while (!hasParser(context, kDefaultFilter) || !hasParser(context, kTaskFilter)) {
+  while (true) {
+    const std::string missing = findMissingParser(context);
+    if (missing.empty()) return;
+    if (*hasFailed) throwUnusableParser(missing, files.parsers, "cannot be started");
     if (std::chrono::steady_clock::now() > deadline) {
-      throw diagnostics::ProblemError({.file = "tessera",
-                                       .place = {},
-                                       .what = "the snippet parsers do not appear as services",
-                                       .remedy = "install the program again"});
+      throwUnusableParser(missing, files.parsers,
+                          "is not registered, a service it needs is missing");
     }
     std::this_thread::sleep_for(kPause);
   }
@@ -125,10 +160,13 @@ std::vector<session::NamedParser> ServiceHost::snippetParsers() const {
   std::vector<session::NamedParser> parsers;
   for (const char* filter : {kOtherFilter, kDefaultFilter}) {
     for (const ParserReference& reference : context.GetServiceReferences<SnippetParser>(filter)) {
-      // A service that cannot be made is told by the runtime; the others are used.
+      const std::string name = testIdOf(reference);
       if (auto parser = context.GetService(reference)) {
-        parsers.push_back({testIdOf(reference), std::move(parser)});
+        parsers.push_back({name, std::move(parser)});
+      } else if (std::ranges::find(kRequiredParsers, name) != std::end(kRequiredParsers)) {
+        throwUnusableParser(name, running->files.parsers, "cannot be created");
       }
+      // The runtime has reported the others; they are left out.
     }
   }
   return parsers;

@@ -9,24 +9,26 @@
 
 namespace tessera::host {
 
-/// Runs the framework with the parsers' bundle in it.
+/// Runs the framework and the parsers' bundle in it.
 class ServiceHost {
  public:
   /// Starts the framework, the Declarative Services runtime, the parsers' bundle and, in this
-  /// order, `extensionBundles`, and offers an appendix as a service. Throws ProblemError, with
-  /// everything stopped again, when a bundle cannot be used or a parser does not appear.
+  /// order, `extensionBundles`, and registers an appendix as a service. Throws ProblemError, with
+  /// everything stopped again, when a bundle cannot be used or a snippet parser of the parsers'
+  /// bundle is not registered.
   explicit ServiceHost(const std::vector<std::string>& extensionBundles);
 
-  /// Stops everything in the opposite order. Parsers that are still held may be let go of
-  /// later, but not used.
+  /// Stops everything in the opposite order. Parsers that are still held may be released later,
+  /// but not used.
   ~ServiceHost();
   ServiceHost(const ServiceHost&) = delete;
   ServiceHost& operator=(const ServiceHost&) = delete;
 
-  /// Returns the snippet parsers as they are to be asked: in service order, the default one last.
+  /// Returns the snippet parsers in the order in which to ask them: service order, the default one
+  /// last. Throws ProblemError when a snippet parser of the parsers' bundle cannot be created.
   std::vector<session::NamedParser> snippetParsers() const;
 
-  /// The appendix that the parsers ask.
+  /// The appendix that the parsers look entries up in.
   quenlith::shared::appendix::MarkerAppendix& appendix() noexcept;
 
  private:

@@ -4,13 +4,14 @@
 
 namespace tessera::host {
 
-/// Where the bundles are that every run of the program needs.
+/// The files of the bundles that every run of the program needs.
 struct BundleFiles {
   std::string declarativeServices;
   std::string parsers;
 };
 
-/// Returns the files of the bundles, found from the program's own place. They are not looked at.
+/// Returns the files of the bundles, relative to the program's own file. Does not check that they
+/// exist.
 BundleFiles findBundles();
 
 }  // namespace tessera::host

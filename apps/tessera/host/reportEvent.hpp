@@ -4,8 +4,8 @@
 
 namespace tessera::host {
 
-/// Writes an error or a warning that the framework has to tell to standard error, where a user
-/// sees why a bundle takes no part; other events are passed over.
+/// Writes an error or a warning of the framework to standard error, so that a user sees why a
+/// bundle has no effect. Ignores other events.
 void reportEvent(const cppmicroservices::FrameworkEvent& event);
 
 }  // namespace tessera::host
