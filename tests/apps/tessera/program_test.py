@@ -7,14 +7,18 @@ import json
 import os
 import pathlib
 import resource
+import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
+import zipfile
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 EXAMPLES = pathlib.Path(__file__).resolve().parents[3] / "examples"
 FILES = sorted(str(path) for path in EXAMPLES.iterdir() if path.is_file())
+LINKED = subprocess.run(["ldd", PROGRAM], capture_output=True).stdout.decode()
+SYSTEM_FRAMEWORK = "libquenlith_cppmicroservices" not in LINKED
 
 
 def tessera(*arguments, stdin=b"", **options):
@@ -120,6 +124,7 @@ class Parse(ProgramTest):
         name = self.write("\x1b[2J.py", b"\x1b]0;x\x07\x7f\xc2\x9b\n")
         for arguments in (["parse"], ["parse", "--trace"], ["check"]):
             done = tessera(*arguments, name, str(self.folder / "\x1bnone"))
+            self.assertIn(b"\\u001b[2J.py" if arguments[0] == "parse" else b"\\u001bnone", done.stdout + done.stderr)
             for character in (done.stdout + done.stderr).decode().replace("\n", ""):
                 self.assertFalse(ord(character) < 32 or 127 <= ord(character) < 160)
 
@@ -137,6 +142,15 @@ class Parse(ProgramTest):
                 done = tessera("parse", "--format", "ndjson", name, good)
                 self.assertRefused(done, name + message, expected)
                 self.assertEqual(tessera("parse", "--format", "ndjson", good, name).stdout, expected)
+
+    def test_a_message_follows_the_output_of_the_files_before_it(self):
+        good, bad = self.write("good", b"x\n"), str(self.folder / "none")
+        done = subprocess.run([PROGRAM, "parse", good, bad, good], stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, timeout=60)
+        tree = tessera("parse", good).stdout
+        message = tessera("parse", bad).stderr
+        self.assertEqual(message.count(b"\n"), 1)
+        self.assertEqual(done.stdout, tree + message + tree)
 
     def test_a_file_without_the_right_to_read_it_is_an_error(self):
         name = self.write("closed", b"x")
@@ -238,6 +252,59 @@ class Parse(ProgramTest):
         self.assertEqual(subprocess.run([link, "parse", FILES[0]], capture_output=True).returncode, 0)
 
 
+class Bundles(ProgramTest):
+    """Runs a copy of the program whose parsers' bundle has another manifest."""
+
+    PARSERS = "libzqquenlith_build_markup_code.so"
+
+    def install(self, change):
+        """Copies the program and applies `change` to the components of the manifest."""
+        (self.folder / "bin").mkdir()
+        (self.folder / "lib").mkdir()
+        program = shutil.copy(PROGRAM, self.folder / "bin")
+        libraries = PROGRAM.parent.parent / "lib"
+        for library in libraries.glob("*.so*"):
+            if library.name != self.PARSERS:
+                (self.folder / "lib" / library.name).symlink_to(library)
+        with zipfile.ZipFile(libraries / self.PARSERS) as archive:
+            begin = min(entry.header_offset for entry in archive.infolist())
+            name, = (name for name in archive.namelist() if name.endswith("manifest.json"))
+            manifest = json.loads(archive.read(name))
+        change(manifest["scr"]["components"])
+        bundle = self.folder / "lib" / self.PARSERS
+        bundle.write_bytes((libraries / self.PARSERS).read_bytes()[:begin])
+        with zipfile.ZipFile(bundle, "a") as archive:
+            archive.writestr(name, json.dumps(manifest))
+        return program
+
+    def assertTaskParserIsMissed(self, change, reason):
+        program = self.install(change)
+        done = subprocess.run([program, "parse", "-"], input=b"x", capture_output=True, timeout=60)
+        self.assertEqual((done.stdout, done.returncode), (b"", 2))
+        messages = done.stderr.decode().splitlines()
+        self.assertTrue(messages[0].startswith("tessera: error: "), messages)
+        self.assertEqual(messages[-1], f"{self.folder}/bin/../lib/{self.PARSERS}: error: the snippet parser "
+                         f"TaskSnippetParserImpl {reason}; install the program again")
+
+    def test_the_changed_copy_runs(self):
+        program = self.install(lambda components: None)
+        self.assertEqual(subprocess.run([program, "check", "-"], input=b"x", timeout=60).returncode, 0)
+
+    @unittest.skipIf(SYSTEM_FRAMEWORK, "an installed framework words and times its errors in its own way")
+    def test_without_the_task_parser_nothing_is_parsed(self):
+        self.assertTaskParserIsMissed(
+            lambda components: components[3].update({"implementation-class": "quenlith::Nowhere"}),
+            "cannot be started")
+
+    @unittest.skipIf(SYSTEM_FRAMEWORK, "an installed framework words and times its errors in its own way")
+    def test_when_the_task_parser_cannot_be_created_nothing_is_parsed(self):
+        def swap_class(components):
+            other, task = components.pop(2), components[2]
+            task["implementation-class"] = other["implementation-class"]
+            del task["references"], task["inject-references"]
+        self.assertTaskParserIsMissed(swap_class, "cannot be created")
+
+
 class Check(ProgramTest):
     def test_the_status_says_whether_anything_was_found(self):
         fine = self.write("fine", b"x\n# <@task#a>\n# <@task#a>\n")
@@ -245,9 +312,11 @@ class Check(ProgramTest):
         self.assertEqual(tessera("check", fine).returncode, 0)
         self.assertEqual(tessera("check", fine).stdout, b"")
         self.assertEqual(tessera("check", wrong, fine).returncode, 1)
-        both = tessera("check", wrong, str(self.folder / "none"))
-        self.assertEqual(both.returncode, 2)
-        self.assertIn(b"wrong:1:1: warning: ", both.stdout)
+        # A file that cannot be read counts for more than a warning, in either order.
+        for names in ([wrong, str(self.folder / "none")], [str(self.folder / "none"), wrong]):
+            both = tessera("check", *names)
+            self.assertEqual(both.returncode, 2)
+            self.assertIn(b"wrong:1:1: warning: ", both.stdout)
 
     def test_damaged_lines_of_the_appendix_are_reported_with_their_place(self):
         name = self.write("f", b"# <@task#a>\n# <@task#a>\n# <@appendix>\nnothing\n# <@task#a {]}>\n"
@@ -365,8 +434,6 @@ class Replay(ProgramTest):
             run.stdin.close()
             self.assertEqual(run.wait(timeout=60), 0)
 
-
-LINKED = subprocess.run(["ldd", PROGRAM], capture_output=True).stdout.decode()
 
 if __name__ == "__main__":
     unittest.main()

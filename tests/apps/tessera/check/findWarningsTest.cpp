@@ -102,10 +102,11 @@ TEST_F(FindWarnings, WarningsOfTheAppendixComeInOrderWithTheOthers) {
   file.appendix.warnings = {{{4, 1}, "damaged"}};
   file.appendix.entries = {{quenlith::syntax::Marker(u"# <@task#z>"), {3, 1}},
                            {quenlith::syntax::Marker(u"# <@task#a>"), {5, 1}}};
-  const auto texts = describe();
-  ASSERT_EQ(texts.size(), 3u);
-  EXPECT_EQ(texts[1], "3:1 no marker of the code has this entry: task with id \"z\"");
-  EXPECT_EQ(texts[2], "4:1 damaged");
+  EXPECT_THAT(
+      describe(),
+      ElementsAre(
+          "1:1 the task marker \"a\" has no partner: its id must stand in exactly two task markers",
+          "3:1 no marker of the code has this entry: task with id \"z\"", "4:1 damaged"));
 }
 
 }  // namespace

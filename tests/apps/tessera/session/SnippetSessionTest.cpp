@@ -176,9 +176,11 @@ TEST_F(SnippetSessionTest, RecordsOfALineAreThoseOfItsCallsInOrder) {
   LogCollector log;
   const ParsedSnippet parsed = makeSession(&log).parse({u"a\nb", true});
   LineTable::Cursor cursor(parsed.lines);
-  while (cursor.advance()) {
+  for (int line = 1; line <= 2; ++line) {
+    ASSERT_TRUE(cursor.advance()) << line;
     EXPECT_THAT(cursor.line().outcome.log, ElementsAre("first asked", "last asked", "parsed"));
   }
+  EXPECT_FALSE(cursor.advance());
 }
 
 TEST(LogCollector, SwitchesTheSeverityOnForItsLife) {
