@@ -8,7 +8,9 @@ buildPackages=(
   g++ cmake ninja-build pkg-config zip
   libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libzip-dev nlohmann-json3-dev
 )
-testPackages=(libgtest-dev libgmock-dev python3 python3-jsonschema)
+testPackages=(
+  libgtest-dev libgmock-dev libicu-dev rapidjson-dev python3 python3-jsonschema
+)
 gatePackages=(clang-format-14 clang-tidy-14 python3)
 benchPackages=(
   libbenchmark-dev libpugixml-dev libmd4c-dev libcmark-dev libxml2-dev valgrind python3

@@ -1,121 +1,50 @@
 #include "TextTwin.hpp"
 
+#include <unicode/ustring.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+
 #include <array>
-#include <cstdint>
+#include <stdexcept>
+
+// The macros of ICU narrow implicitly and use casts of C.
+#pragma GCC diagnostic ignored "-Wconversion"
+#pragma GCC diagnostic ignored "-Wold-style-cast"
 
 namespace fl::i18n::twin {
 
 namespace {
 
-void appendUnits(std::u16string& text, char32_t code) {
-  if (code >= 0x10000) {
-    text += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
-    text += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
-  } else {
-    text += static_cast<char16_t>(code);
-  }
-}
+constexpr UChar32 kReplacement = 0xFFFD;
 
-// The "UTF-8 decoder" of the standard with its four variables.
-class Decoder {
- public:
-  Decoded run(std::string_view bytes) {
-    for (std::size_t at = 0; at < bytes.size();) {
-      at += take(static_cast<unsigned char>(bytes[at]), at) ? 1 : 0;
-    }
-    if (needed != 0) {
-      error();
-    }
-    return result;
-  }
-
- private:
-  // Returns false when the byte is to be looked at again.
-  bool take(unsigned byte, std::size_t at) {
-    if (needed == 0) {
-      start = at;
-      lead(byte);
-      return true;
-    }
-    if (byte < lower || byte > upper) {
-      error();
-      return false;
-    }
-    lower = 0x80;
-    upper = 0xBF;
-    code = (code << 6) | (byte & 0x3F);
-    if (++seen == needed) {
-      appendUnits(result.text, code);
-      reset();
-    }
-    return true;
-  }
-
-  void lead(unsigned byte) {
-    if (byte <= 0x7F) {
-      result.text += static_cast<char16_t>(byte);
-    } else if (byte >= 0xC2 && byte <= 0xDF) {
-      expect(1, byte & 0x1F);
-    } else if (byte >= 0xE0 && byte <= 0xEF) {
-      lower = byte == 0xE0 ? 0xA0 : 0x80;
-      upper = byte == 0xED ? 0x9F : 0xBF;
-      expect(2, byte & 0xF);
-    } else if (byte >= 0xF0 && byte <= 0xF4) {
-      lower = byte == 0xF0 ? 0x90 : 0x80;
-      upper = byte == 0xF4 ? 0x8F : 0xBF;
-      expect(3, byte & 0x7);
-    } else {
-      error();
-    }
-  }
-
-  void expect(int count, unsigned bits) {
-    needed = count;
-    code = bits;
-  }
-
-  void error() {
-    result.text += u'\uFFFD';
-    if (!result.firstInvalid) {
-      result.firstInvalid = start;
-    }
-    reset();
-  }
-
-  void reset() {
-    code = 0;
-    needed = 0;
-    seen = 0;
-    lower = 0x80;
-    upper = 0xBF;
-  }
-
-  Decoded result;
-  std::size_t start = 0;
-  char32_t code = 0;
-  int needed = 0;
-  int seen = 0;
-  unsigned lower = 0x80;
-  unsigned upper = 0xBF;
-};
-
-void appendBits(std::string& bytes, unsigned mark, char32_t code, int shift) {
-  bytes += static_cast<char>(static_cast<unsigned char>(mark | (code >> shift)));
-  for (shift -= 6; shift >= 0; shift -= 6) {
-    bytes += static_cast<char>(static_cast<unsigned char>(0x80 | ((code >> shift) & 0x3F)));
-  }
+void requireSuccess(UErrorCode status) {
+  if (U_FAILURE(status)) throw std::runtime_error(u_errorName(status));
 }
 
 void appendCode(std::string& bytes, char32_t code) {
-  if (code < 0x80) {
-    bytes += static_cast<char>(code);
-  } else if (code < 0x800) {
-    appendBits(bytes, 0xC0, code, 6);
-  } else if (code < 0x10000) {
-    appendBits(bytes, 0xE0, code, 12);
-  } else {
-    appendBits(bytes, 0xF0, code, 18);
+  std::array<char, U8_MAX_LENGTH> buffer{};
+  std::int32_t length = 0;
+  U8_APPEND_UNSAFE(buffer, length, static_cast<UChar32>(code));
+  bytes.append(buffer.data(), static_cast<std::size_t>(length));
+}
+
+void appendUnits(std::u16string& text, char32_t code) {
+  std::array<char16_t, U16_MAX_LENGTH> buffer{};
+  std::int32_t length = 0;
+  U16_APPEND_UNSAFE(buffer, length, static_cast<UChar32>(code));
+  text.append(buffer.data(), static_cast<std::size_t>(length));
+}
+
+// U8_NEXT gives a negative code point for an ill-formed sequence.
+std::optional<std::size_t> findIllFormed(std::string_view bytes) {
+  const auto size = static_cast<std::int32_t>(bytes.size());
+  for (std::int32_t at = 0; at < size;) {
+    const auto begin = static_cast<std::size_t>(at);
+    UChar32 code = 0;
+    U8_NEXT(bytes.data(), at, size, code);
+    if (code < 0) return begin;
   }
+  return std::nullopt;
 }
 
 std::size_t below(std::mt19937_64& random, std::size_t limit) {
@@ -134,23 +63,26 @@ constexpr std::array<unsigned char, 20> kBytes{0x00, 0x7F, 0x80, 0x8F, 0x90, 0x9
 }  // namespace
 
 Decoded decodeUtf8(std::string_view bytes) {
-  return Decoder().run(bytes);
+  // There are never more units than bytes.
+  std::u16string text(bytes.size(), u'\0');
+  std::int32_t length = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  u_strFromUTF8WithSub(text.data(), static_cast<std::int32_t>(text.size()), &length, bytes.data(),
+                       static_cast<std::int32_t>(bytes.size()), kReplacement, nullptr, &status);
+  requireSuccess(status);
+  text.resize(static_cast<std::size_t>(length));
+  return {text, findIllFormed(bytes)};
 }
 
 std::string encodeUtf8(std::u16string_view text) {
-  std::string bytes;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const char32_t unit = text[at];
-    const char32_t next = at + 1 < text.size() ? text[at + 1] : 0;
-    const bool high = unit >= 0xD800 && unit <= 0xDBFF;
-    const bool low = unit >= 0xDC00 && unit <= 0xDFFF;
-    if (high && next >= 0xDC00 && next <= 0xDFFF) {
-      appendCode(bytes, 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
-      ++at;
-    } else {
-      appendCode(bytes, high || low ? 0xFFFD : unit);
-    }
-  }
+  constexpr std::size_t kMostBytesPerUnit = 3;
+  std::string bytes(text.size() * kMostBytesPerUnit, '\0');
+  std::int32_t length = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  u_strToUTF8WithSub(bytes.data(), static_cast<std::int32_t>(bytes.size()), &length, text.data(),
+                     static_cast<std::int32_t>(text.size()), kReplacement, nullptr, &status);
+  requireSuccess(status);
+  bytes.resize(static_cast<std::size_t>(length));
   return bytes;
 }
 

@@ -8,14 +8,15 @@
 
 namespace fl::i18n::twin {
 
-/// What a decoder gives that follows the WHATWG encoding standard step by step, byte by byte.
+/// What ICU makes of UTF-8: each maximal subpart of an ill-formed sequence is one U+FFFD.
 struct Decoded {
   std::u16string text;
+  /// Offset in bytes of the first ill-formed sequence.
   std::optional<std::size_t> firstInvalid;
 };
 Decoded decodeUtf8(std::string_view bytes);
 
-/// UTF-8 of 16-bit text, unit by unit.
+/// Returns UTF-8 as ICU writes it: each unpaired surrogate is one U+FFFD.
 std::string encodeUtf8(std::u16string_view text);
 
 /// Random bytes and texts: whole characters of every length between damaged ones and runs of

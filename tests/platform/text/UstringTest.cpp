@@ -107,7 +107,7 @@ TEST(Ustring, IllFormedPartsAcrossTheCutStayTheSame) {
   }
 }
 
-TEST(Ustring, EveryTextConvertsAsStepByStep) {
+TEST(Ustring, RandomTextsConvertAsByIcu) {
   const std::uint64_t seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937_64 random(seed);

@@ -10,7 +10,7 @@
 namespace fl::i18n {
 namespace {
 
-TEST(ConvertUtf16, AgreesUnitByUnitAndStaysInItsRoom) {
+TEST(ConvertUtf16, AgreesWithIcuAndStaysInItsBuffer) {
   const std::uint64_t seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937_64 random(seed);

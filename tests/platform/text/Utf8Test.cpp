@@ -20,7 +20,7 @@ struct Converted {
   bool isGuardIntact;
 };
 
-// Converts into a buffer that has exactly the room promised, with a guard behind it.
+// Converts into a buffer of exactly the required size, with a guard unit after it.
 Converted convert(std::string_view bytes) {
   std::u16string buffer(bytes.size() + 1, kGuard);
   const Utf8Conversion conversion = convertUtf8(bytes, buffer.data());
@@ -34,7 +34,7 @@ TEST(ConvertUtf8, TellsTheFirstIllFormedSequence) {
   EXPECT_EQ(convert("ab\xE2\x82\xAC\xE2\x82 \xFF").conversion.firstInvalid, 5U);
 }
 
-TEST(ConvertUtf8, AgreesWithTheStandardStepByStep) {
+TEST(ConvertUtf8, AgreesWithIcu) {
   const std::uint64_t seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937_64 random(seed);
