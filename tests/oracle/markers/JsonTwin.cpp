@@ -1,10 +1,18 @@
 #include "JsonTwin.hpp"
 
-#include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "TextTwin.hpp"
+
+// Unpaired surrogates reach the encoder, which would assert that there are none.
+#define RAPIDJSON_ASSERT(condition) static_cast<void>(0)
+#include <rapidjson/reader.h>
 
 namespace quenlith::oracle {
 
@@ -12,256 +20,180 @@ using foundation::json::Array;
 using foundation::json::Null;
 using foundation::json::Object;
 using foundation::json::Value;
-using Place = std::optional<std::size_t>;
 
 namespace {
 
-constexpr int kDeepest = 64;
+using Utf16 = rapidjson::UTF16<char16_t>;
 
-struct Word {
-  std::u16string_view spelling;
-  bool isNull;
-  bool isTrue;
+constexpr std::size_t kEscapeUnits = 6;
+
+bool isHexDigit(char16_t unit) {
+  return (unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'f') ||
+         (unit >= u'A' && unit <= u'F');
+}
+
+// The unit that an escape of six units writes; nothing where none begins.
+std::optional<char16_t> escapedUnit(std::u16string_view text, std::size_t at) {
+  const std::u16string_view escape = text.substr(at, kEscapeUnits);
+  if (escape.size() < kEscapeUnits || !escape.starts_with(u"\\u")) return std::nullopt;
+  std::string digits;
+  for (const char16_t unit : escape.substr(2)) {
+    if (!isHexDigit(unit)) return std::nullopt;
+    digits += static_cast<char>(unit);
+  }
+  return static_cast<char16_t>(std::strtoul(digits.c_str(), nullptr, 16));
+}
+
+// A text in which escaped surrogates are replaced by the units that they write, which RapidJSON
+// copies unchecked. Keeps the positions in the text before.
+class Stream {
+ public:
+  using Ch = char16_t;
+
+  Stream(std::u16string_view text, std::size_t from) {
+    while (from < text.size()) {
+      const auto unit = escapedUnit(text, from);
+      if (unit && (*unit & 0xF800) == 0xD800) {
+        add(*unit, from);
+        from += kEscapeUnits;
+      } else {
+        // The unit after a backslash begins no escape.
+        const bool isEscape = text[from] == u'\\' && from + 1 < text.size();
+        add(text[from], from);
+        if (isEscape) add(text[from + 1], from + 1);
+        from += isEscape ? 2 : 1;
+      }
+    }
+    positions.push_back(from);
+  }
+
+  // A U+0000 is not part of any JSON text, so it can end one.
+  Ch Peek() const { return at < units.size() ? units[at] : u'\0'; }
+  Ch Take() {
+    const Ch unit = Peek();
+    at += at < units.size() ? 1 : 0;
+    return unit;
+  }
+  std::size_t Tell() const { return at; }
+  std::size_t position() const { return positions[at]; }
+
+  bool hasLineBreak() const {
+    return units.substr(0, at).find_first_of(u"\n\r") != std::u16string::npos;
+  }
+
+  // The literal of the number that was read last.
+  std::string numberBefore() const {
+    const std::u16string read = units.substr(0, at);
+    const std::size_t before = read.find_last_not_of(u"0123456789+-.eE");
+    const auto begin = read.begin() + static_cast<std::ptrdiff_t>(before + 1);
+    return std::string(begin, read.end());
+  }
+
+  // The writing half of the interface is for parsing in place.
+  static Ch* PutBegin() { return nullptr; }
+  static void Put(Ch) {}
+  static std::size_t PutEnd(Ch*) { return 0; }
+
+ private:
+  void add(char16_t unit, std::size_t position) {
+    units += unit;
+    positions.push_back(position);
+  }
+
+  std::u16string units;
+  std::vector<std::size_t> positions;
+  std::size_t at = 0;
 };
-constexpr std::array<Word, 3> kWords{
-    {{u"true", false, true}, {u"false", false, false}, {u"null", true, false}}};
 
-void appendCode(std::string& bytes, char32_t code) {
-  const auto add = [&](char32_t byte) {
-    bytes += static_cast<char>(static_cast<unsigned char>(byte));
+// Receives the events of RapidJSON; an operation that returns false ends the parse.
+class Handler {
+ public:
+  using Ch = char16_t;
+
+  Handler(const Stream& stream, std::size_t depthLimit) : stream(stream), depthLimit(depthLimit) {}
+
+  bool Null() { return place(foundation::json::Null()); }
+  bool Bool(bool value) { return place(value); }
+  bool Int(int value) { return place(value); }
+  bool Uint(unsigned value) { return place(std::int64_t{value}); }
+  bool Int64(std::int64_t value) { return place(value); }
+  bool Uint64(std::uint64_t value) {
+    const bool isSigned = value <= std::uint64_t{std::numeric_limits<std::int64_t>::max()};
+    return place(isSigned ? Value(static_cast<std::int64_t>(value)) : Value(value));
+  }
+  bool Double(double) {
+    const double value = std::strtod(stream.numberBefore().c_str(), nullptr);
+    return std::isfinite(value) && place(value);
+  }
+  bool String(const Ch* units, rapidjson::SizeType length, bool) {
+    lastString.assign(units, length);
+    return place(fl::i18n::twin::encodeUtf8(lastString));
+  }
+  bool Key(const Ch* units, rapidjson::SizeType length, bool) {
+    open.back().key = fl::i18n::twin::encodeUtf8({units, length});
+    return true;
+  }
+  bool StartObject() { return start(Object()); }
+  bool EndObject(rapidjson::SizeType) { return end(); }
+  bool StartArray() { return start(Array()); }
+  bool EndArray(rapidjson::SizeType) { return end(); }
+
+  // For a flag that is not set: with 16-bit text RapidJSON 1.1 cuts such a number short.
+  static bool RawNumber(const Ch*, rapidjson::SizeType, bool) { return false; }
+
+  Value takeRoot() { return std::move(root); }
+  const std::u16string& string() const { return lastString; }
+
+ private:
+  struct Container {
+    Value value;
+    std::string key;
   };
-  if (code < 0x80) {
-    add(code);
-  } else if (code < 0x800) {
-    add(0xC0 + code / 0x40);
-    add(0x80 + code % 0x40);
-  } else if (code < 0x10000) {
-    add(0xE0 + code / 0x1000);
-    add(0x80 + code / 0x40 % 0x40);
-    add(0x80 + code % 0x40);
-  } else {
-    add(0xF0 + code / 0x40000);
-    add(0x80 + code / 0x1000 % 0x40);
-    add(0x80 + code / 0x40 % 0x40);
-    add(0x80 + code % 0x40);
-  }
-}
 
-// The number that a literal writes, by strtoll, strtoull and strtod in turn.
-std::optional<Value> numberOf(const std::string& literal) {
-  if (literal.find_first_of(".eE") == std::string::npos) {
-    errno = 0;
-    const long long whole = std::strtoll(literal.c_str(), nullptr, 10);
-    if (errno == 0) {
-      return Value(static_cast<std::int64_t>(whole));
-    }
-    errno = 0;
-    const unsigned long long positive = std::strtoull(literal.c_str(), nullptr, 10);
-    if (errno == 0 && literal[0] != '-') {
-      return Value(static_cast<std::uint64_t>(positive));
-    }
+  bool start(Value container) {
+    open.push_back({std::move(container), {}});
+    return open.size() <= depthLimit;
   }
-  const double number = std::strtod(literal.c_str(), nullptr);
-  if (std::isinf(number)) {
-    return std::nullopt;
+
+  bool end() {
+    Value finished = std::move(open.back().value);
+    open.pop_back();
+    return place(std::move(finished));
   }
-  return Value(number);
-}
+
+  bool place(Value value) {
+    if (open.empty()) {
+      root = std::move(value);
+    } else if (Array* const array = open.back().value.getIf<Array>()) {
+      array->push_back(std::move(value));
+    } else {
+      open.back().value.get<Object>()[open.back().key] = std::move(value);
+    }
+    return true;
+  }
+
+  const Stream& stream;
+  std::size_t depthLimit;
+  std::vector<Container> open;
+  Value root;
+  std::u16string lastString;
+};
 
 }  // namespace
 
-std::string twinUtf8(std::u16string_view text) {
-  std::string bytes;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const char32_t unit = text[at];
-    const char32_t next = at + 1 < text.size() ? text[at + 1] : 0;
-    if (unit >= 0xD800 && unit < 0xDC00 && next >= 0xDC00 && next < 0xE000) {
-      appendCode(bytes, 0x10000 + (unit - 0xD800) * 0x400 + (next - 0xDC00));
-      ++at;
-    } else {
-      appendCode(bytes, unit >= 0xD800 && unit < 0xE000 ? 0xFFFD : unit);
-    }
-  }
-  return bytes;
-}
-
-std::size_t JsonTwin::blanks(std::size_t at) const {
-  while (unitAt(at) == u' ' || unitAt(at) == u'\t') {
-    ++at;
-  }
-  return at;
-}
-
-Place JsonTwin::object(std::size_t at, int depth, Value& value) const {
-  if (unitAt(at) != u'{' || depth > kDeepest) {
-    return {};
-  }
-  Object members;
-  at = blanks(at + 1);
-  if (unitAt(at) != u'}') {
-    while (true) {
-      const Place behind = member(blanks(at), depth, members);
-      if (!behind) {
-        return {};
-      }
-      at = blanks(*behind);
-      if (unitAt(at) != u',') {
-        break;
-      }
-      ++at;
-    }
-  }
-  if (unitAt(at) != u'}') {
-    return {};
-  }
-  value = Value(members);
-  return at + 1;
-}
-
-Place JsonTwin::member(std::size_t at, int depth, Object& members) const {
-  std::u16string key;
-  const Place behindKey = string(at, key);
-  if (!behindKey) {
-    return {};
-  }
-  const std::size_t colon = blanks(*behindKey);
-  if (unitAt(colon) != u':') {
-    return {};
-  }
-  Value held;
-  const Place behind = value(blanks(colon + 1), depth, held);
-  if (behind) {
-    members[twinUtf8(key)] = held;
-  }
-  return behind;
-}
-
-Place JsonTwin::array(std::size_t at, int depth, Value& value) const {
-  if (unitAt(at) != u'[' || depth > kDeepest) {
-    return {};
-  }
-  Array elements;
-  at = blanks(at + 1);
-  if (unitAt(at) != u']') {
-    while (true) {
-      Value element;
-      const Place behind = this->value(blanks(at), depth, element);
-      if (!behind) {
-        return {};
-      }
-      elements.push_back(element);
-      at = blanks(*behind);
-      if (unitAt(at) != u',') {
-        break;
-      }
-      ++at;
-    }
-  }
-  if (unitAt(at) != u']') {
-    return {};
-  }
-  value = Value(elements);
-  return at + 1;
-}
-
-Place JsonTwin::value(std::size_t at, int depth, Value& value) const {
-  if (unitAt(at) == u'{') {
-    return object(at, depth + 1, value);
-  }
-  if (unitAt(at) == u'[') {
-    return array(at, depth + 1, value);
-  }
-  if (unitAt(at) == u'"') {
-    std::u16string held;
-    const Place behind = string(at, held);
-    value = Value(twinUtf8(held));
-    return behind;
-  }
-  for (const Word& word : kWords) {
-    if (text.substr(at, word.spelling.size()) == word.spelling) {
-      value = word.isNull ? Value(Null()) : Value(word.isTrue);
-      return at + word.spelling.size();
-    }
-  }
-  return number(at, value);
-}
-
-Place JsonTwin::digits(std::size_t at) const {
-  const std::size_t start = at;
-  while (unitAt(at) >= u'0' && unitAt(at) <= u'9') {
-    ++at;
-  }
-  return at == start ? Place() : Place(at);
-}
-
-Place JsonTwin::number(std::size_t at, Value& value) const {
-  const std::size_t start = at;
-  at += unitAt(at) == u'-' ? 1 : 0;
-  Place behind = unitAt(at) == u'0' ? Place(at + 1) : digits(at);
-  if (behind && unitAt(*behind) == u'.') {
-    behind = digits(*behind + 1);
-  }
-  if (behind && (unitAt(*behind) == u'e' || unitAt(*behind) == u'E')) {
-    const char16_t sign = unitAt(*behind + 1);
-    behind = digits(*behind + (sign == u'+' || sign == u'-' ? 2 : 1));
-  }
-  if (!behind) {
-    return {};
-  }
-  std::string literal;
-  for (const char16_t unit : text.substr(start, *behind - start)) {
-    literal += static_cast<char>(unit);
-  }
-  const auto held = numberOf(literal);
-  value = held.value_or(Value());
-  return held ? behind : Place();
-}
-
-Place JsonTwin::string(std::size_t at, std::u16string& value) const {
-  if (unitAt(at) != u'"') {
-    return {};
-  }
-  ++at;
-  while (at < text.size() && text[at] != u'"') {
-    if (text[at] < 0x20) {
-      return {};
-    }
-    if (text[at] != u'\\') {
-      value += text[at++];
-      continue;
-    }
-    const Place behind = escape(at + 1, value);
-    if (!behind) {
-      return {};
-    }
-    at = *behind;
-  }
-  return at < text.size() ? Place(at + 1) : Place();
-}
-
-// The part behind the backslash.
-Place JsonTwin::escape(std::size_t at, std::u16string& value) const {
-  constexpr std::u16string_view kLetters = u"\"\\/bfnrt";
-  constexpr std::u16string_view kMeanings = u"\"\\/\b\f\n\r\t";
-  const std::size_t which = kLetters.find(unitAt(at));
-  if (at < text.size() && which != std::u16string_view::npos) {
-    value += kMeanings[which];
-    return at + 1;
-  }
-  if (unitAt(at) != u'u' || at + 4 >= text.size()) {
-    return {};
-  }
-  unsigned unit = 0;
-  for (const char16_t digit : text.substr(at + 1, 4)) {
-    const std::size_t lower = std::u16string_view(u"0123456789abcdef").find(digit);
-    const std::size_t upper = std::u16string_view(u"0123456789ABCDEF").find(digit);
-    if (lower == std::u16string_view::npos && upper == std::u16string_view::npos) {
-      return {};
-    }
-    unit = unit * 16 + static_cast<unsigned>(std::min(lower, upper));
-  }
-  value += static_cast<char16_t>(unit);
-  return at + 5;
+std::optional<TwinValue> parseByRapidJson(std::u16string_view text, std::size_t from,
+                                          TwinSpace space, std::size_t depthLimit) {
+  constexpr unsigned kFlags = rapidjson::kParseStopWhenDoneFlag |
+                              rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag;
+  Stream stream(text, from);
+  Handler handler(stream, depthLimit);
+  rapidjson::GenericReader<Utf16, Utf16> reader;
+  if (reader.Parse<kFlags>(stream, handler).IsError()) return std::nullopt;
+  // A line break inside of a string is an error for RapidJSON too.
+  if (space == TwinSpace::kBlanks && stream.hasLineBreak()) return std::nullopt;
+  TwinValue result{handler.takeRoot(), {}, stream.position()};
+  if (result.value.is<std::string>()) result.units = handler.string();
+  return result;
 }
 
 }  // namespace quenlith::oracle

@@ -9,31 +9,28 @@
 
 namespace quenlith::oracle {
 
-/// The marker's rules of JSON, word by word: recursive descent over the grammar of RFC 8259,
-/// numbers by the C library. Each operation returns the place behind what it read, or nothing.
-class JsonTwin {
- public:
-  explicit JsonTwin(std::u16string_view source) : text(source) {}
-
-  std::optional<std::size_t> object(std::size_t at, int depth,
-                                    foundation::json::Value& value) const;
-  std::optional<std::size_t> string(std::size_t at, std::u16string& value) const;
-  std::size_t blanks(std::size_t at) const;
-
- private:
-  char16_t unitAt(std::size_t at) const { return at < text.size() ? text[at] : u'\0'; }
-  std::optional<std::size_t> value(std::size_t at, int depth, foundation::json::Value& value) const;
-  std::optional<std::size_t> array(std::size_t at, int depth, foundation::json::Value& value) const;
-  std::optional<std::size_t> member(std::size_t at, int depth,
-                                    foundation::json::Object& members) const;
-  std::optional<std::size_t> number(std::size_t at, foundation::json::Value& value) const;
-  std::optional<std::size_t> digits(std::size_t at) const;
-  std::optional<std::size_t> escape(std::size_t at, std::u16string& value) const;
-
-  std::u16string_view text;
+/// A value read by RapidJSON out of 16-bit text, and the position after it.
+struct TwinValue {
+  foundation::json::Value value;
+  /// The units of a string, unpaired surrogates included; empty for other kinds.
+  std::u16string units;
+  std::size_t end = 0;
 };
 
-/// UTF-8 of 16-bit text, unpaired surrogates as U+FFFD.
-std::string twinUtf8(std::u16string_view text);
+/// White space that may be between tokens: all of JSON, or spaces and tabs only.
+enum class TwinSpace { kAll, kBlanks };
+
+/// Reads the JSON value that begins at `from`, where white space may precede it; what follows it is
+/// not read.
+///
+/// RapidJSON decides what is JSON, the C library what a double is: RapidJSON 1.1 takes
+/// 17976931348623158e308 for a finite number. Where our parser has another rule, the twin adds it:
+/// - an escaped surrogate without its other half is that unit, RapidJSON rejects a high one;
+/// - line breaks are white space only where `space` says so, for RapidJSON they always are;
+/// - containers nest at most `depthLimit` deep, in RapidJSON without limit;
+/// - zeros with a large exponent, which RapidJSON rejects, are not compared;
+/// - of equal keys the last one counts, RapidJSON reports them all.
+std::optional<TwinValue> parseByRapidJson(std::u16string_view text, std::size_t from,
+                                          TwinSpace space, std::size_t depthLimit);
 
 }  // namespace quenlith::oracle

@@ -8,6 +8,8 @@ namespace quenlith::oracle {
 
 namespace {
 
+constexpr std::size_t kDeepest = 64;
+
 // One try: `at` moves over what has been read, and each rule of the grammar is a function that
 // says whether it was followed.
 class Attempt {
@@ -115,9 +117,11 @@ class Attempt {
       marker.id = name();
       return !marker.id.empty();
     }
-    const auto behind = JsonTwin(text).string(at, marker.id);
-    at = behind.value_or(at);
-    return behind.has_value();
+    const auto string = parseByRapidJson(text, at, TwinSpace::kBlanks, kDeepest);
+    if (!string) return false;
+    marker.id = string->units;
+    at = string->end;
+    return true;
   }
 
   bool range() {
@@ -148,13 +152,10 @@ class Attempt {
   }
 
   bool data() {
-    foundation::json::Value object;
-    const auto behind = JsonTwin(text).object(at, 1, object);
-    if (!behind) {
-      return false;
-    }
-    marker.data = object.get<foundation::json::Object>();
-    at = *behind;
+    const auto object = parseByRapidJson(text, at, TwinSpace::kBlanks, kDeepest);
+    if (!object) return false;
+    marker.data = object->value.get<foundation::json::Object>();
+    at = object->end;
     return true;
   }
 
