@@ -3,11 +3,11 @@
 # Makes the target NAME, a bundle for the framework: a loadable library with the manifest in its
 # resources. The manifest decides: its "bundle.symbolic_name" becomes the define US_BUNDLE_NAME and the
 # initialization code, its components become the list of exported functions; nothing else is exported.
-# After each link it is checked that the library defines just the functions that the manifest calls for.
-# Each component takes one line of a file in SOURCES, see quenlith/bundle/component.hpp.
+# After each link, a check fails unless the library defines exactly the functions that the manifest needs.
+# Each component takes one line in a file of SOURCES, see quenlith/bundle/component.hpp.
 #
-# Install a bundle with quenlith_install_bundle: install(TARGETS) may strip it, and stripping cuts the
-# manifest off.
+# Install a bundle with quenlith_install_bundle: install(TARGETS) may strip it, and stripping removes the
+# manifest.
 #
 # quenlith_install_bundle(NAME [DESTINATION folder])
 #
@@ -90,7 +90,7 @@ function(quenlith_read_manifest manifest symbolicNameVariable exportsVariable)
   set(${exportsVariable} ${exports} ${factories} PARENT_SCOPE)
 endfunction()
 
-# Sets the list of factory functions that the components of a manifest call for. They are named after the
+# Sets the list of factory functions that the components of a manifest need. They are named after the
 # component, which is named after its class unless it has a "name".
 function(quenlith_read_components manifest text factoriesVariable)
   set(factories)
@@ -113,7 +113,7 @@ function(quenlith_read_components manifest text factoriesVariable)
   set(${factoriesVariable} "${factories}" PARENT_SCOPE)
 endfunction()
 
-# On ELF the resources are a zip archive behind the library, and a version script keeps the rest inside.
+# On ELF the resources are a zip archive appended to the library; a version script hides all other symbols.
 function(quenlith_append_manifest name manifest symbolicName work exports)
   find_program(QUENLITH_ZIP_PROGRAM zip REQUIRED DOC "Info-ZIP's zip, which sets the offsets of an appended archive")
   set(script "${work}/exports.map")

@@ -2,7 +2,7 @@
 #
 # In: TESSERA_FRAMEWORK, CMAKE_PREFIX_PATH. Out: QUENLITH_FRAMEWORK, "system" or "embedded", and with
 # "system" the target platform::cppmicroservices over the installed one and QUENLITH_SCR_BUNDLE, the
-# library of its Declarative Services runtime. The folder platform/cppmicroservices makes both otherwise.
+# library of its Declarative Services runtime. Otherwise platform/cppmicroservices defines both.
 set(TESSERA_FRAMEWORK auto CACHE STRING "auto, system or embedded")
 set_property(CACHE TESSERA_FRAMEWORK PROPERTY STRINGS auto system embedded)
 set(QUENLITH_FRAMEWORK_MINIMUM 3.8)
@@ -11,7 +11,7 @@ if(NOT TESSERA_FRAMEWORK MATCHES "^(auto|system|embedded)$")
   message(FATAL_ERROR "TESSERA_FRAMEWORK is '${TESSERA_FRAMEWORK}': use auto, system or embedded")
 endif()
 
-# Looks for an installed framework that is new enough; sets `found` and, for one that was passed over, `why`.
+# Looks for an installed framework that is new enough; sets `found`, and `why` if there is none.
 function(quenlith_find_framework found why)
   find_package(CppMicroServices ${QUENLITH_FRAMEWORK_MINIMUM} QUIET GLOBAL)
   set(${found} ${CppMicroServices_FOUND} PARENT_SCOPE)
@@ -26,7 +26,7 @@ function(quenlith_find_framework found why)
   endif()
 endfunction()
 
-# The package of the runtime names targets of two further packages without asking for them.
+# The package of the runtime uses targets of two further packages without finding these.
 function(quenlith_use_installed_framework)
   foreach(package IN ITEMS usServiceComponent ususAsyncWorkService usDeclarativeServices)
     find_package(${package} REQUIRED GLOBAL HINTS "${CppMicroServices_DIR}" NO_DEFAULT_PATH)
@@ -34,8 +34,8 @@ function(quenlith_use_installed_framework)
   add_library(quenlith_cppmicroservices INTERFACE)
   add_library(platform::cppmicroservices ALIAS quenlith_cppmicroservices)
   target_link_libraries(quenlith_cppmicroservices INTERFACE CppMicroServices usServiceComponent)
-  # The installed runtime is found by its path but names no place for its own libraries: the program's
-  # search path serves them too, if it is of the older kind.
+  # The installed runtime is found by its path but has no search path for its own libraries: the loader uses
+  # the program's, if that is an RPATH and not a RUNPATH.
   target_link_options(quenlith_cppmicroservices INTERFACE
     $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:--disable-new-dtags>)
   set(QUENLITH_SCR_BUNDLE "$<TARGET_FILE:DeclarativeServices>" PARENT_SCOPE)

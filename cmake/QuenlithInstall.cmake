@@ -1,7 +1,7 @@
 # What `cmake --install` puts where: the libraries with their headers under include/quenlith, the
 # package for find_package(Quenlith), the function for bundles, and a pkg-config file. Programs and
-# bundles are installed where they are made. Everything finds everything else from its own place,
-# so that the installed tree can be moved.
+# bundles are installed by the folders that define them. All paths are relative, so that the installed
+# tree can be moved.
 include(CMakePackageConfigHelpers)
 
 set(QUENLITH_PACKAGE_FOLDER "${CMAKE_INSTALL_LIBDIR}/cmake/Quenlith")
@@ -24,7 +24,7 @@ function(quenlith_install_library target name)
     ${generated})
 endfunction()
 
-# Installs the package, when every library is known.
+# Installs the package; called after every library is defined.
 function(quenlith_install_package)
   if(QUENLITH_FRAMEWORK STREQUAL "system")
     set_target_properties(quenlith_cppmicroservices PROPERTIES EXPORT_NAME cppmicroservices)
@@ -50,14 +50,14 @@ function(quenlith_install_pkgconfig file)
   get_property(names GLOBAL PROPERTY QUENLITH_LINKED)
   list(TRANSFORM names PREPEND "-lquenlith_")
   list(JOIN names " " QUENLITH_LINKED)
-  # From the folder of the file to the prefix, however deep the library folder lies.
+  # From the folder of the file to the prefix: the library folder may have several levels.
   file(RELATIVE_PATH QUENLITH_UPWARDS "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
   string(REGEX REPLACE "/$" "" QUENLITH_UPWARDS "${QUENLITH_UPWARDS}")
   configure_file("${PROJECT_SOURCE_DIR}/cmake/quenlith.pc.in" "${file}" @ONLY)
   install(FILES "${file}" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 endfunction()
 
-# Sets `result` to the headers that are installed, as they are included.
+# Sets `result` to the installed headers, by the names under which they are included.
 function(quenlith_public_header_files result)
   get_property(names GLOBAL PROPERTY QUENLITH_COMPONENTS)
   if(QUENLITH_FRAMEWORK STREQUAL "system")

@@ -22,7 +22,7 @@ SAMPLE = pathlib.Path(__file__).parent / "sample.py"
 
 
 def run(*command, status=0, **options):
-    """Runs a command, holds it to its exit status and returns what it printed."""
+    """Runs a command, checks its exit status and returns what it printed."""
     options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "text": True, **options}
     done = subprocess.run([str(part) for part in command], **options)
     if done.returncode != status:
@@ -41,7 +41,7 @@ class InstalledTree(unittest.TestCase):
         cls.work = pathlib.Path(tempfile.mkdtemp(prefix="quenlith_package_"))
         cls.addClassCleanup(shutil.rmtree, cls.work)
         cls.prefix = cls.work / "odd prefix ü"
-        # Stripped, for that is what distributions do, and it must not cut the manifests off.
+        # Stripped, as distributions do: the manifests must survive.
         run(CMAKE, "--install", BUILD, "--strip", "--prefix", cls.prefix)
         cls.bundles = cls.work / "bundles"
         run(CMAKE, "-S", f"{SOURCE}/examples/bundles", "-B", cls.bundles, "-G", "Ninja",
@@ -87,7 +87,7 @@ class InstalledTree(unittest.TestCase):
     def test_a_broken_bundle_leaves_the_rest_running(self):
         broken = self.tessera(self.prefix / "bin" / "tessera", *self.bundle("broken"))
         self.assertEqual(json.loads(broken.stdout)["nodes"], self.parse())
-        # What an installed framework says is its own.
+        # An installed framework has other messages.
         said = "ServiceFactory" if FRAMEWORK else "the dictionary of BrokenParser is missing"
         self.assertIn(said, broken.stderr)
 
