@@ -15,9 +15,10 @@
 #include <string>
 #include <utility>
 
+#include "foundation/log/RecordSource.hpp"
 #include "foundation/log/addSink.hpp"
 
-// All of Boost.Log is in this one file: its headers take half a minute of every lint run.
+// Only this source includes Boost.Log: its headers take half a minute of every lint run.
 
 namespace foundation::log {
 namespace {
@@ -126,21 +127,24 @@ blog::attribute_set makeAttributes() {
 }  // namespace
 
 struct basic_diagnostic_logger<char>::Backend {
-  blog::core_ptr core = blog::core::get();
-  blog::attribute_set attributes = makeAttributes();
+  RecordSource source{blog::core::get(), makeAttributes()};
   boost::shared_ptr<DeliveringSink> refusingSink = makeRefusingSink();
 };
 
 basic_diagnostic_logger<char>::basic_diagnostic_logger() : backend(std::make_unique<Backend>()) {
-  backend->core->add_sink(backend->refusingSink);
+  backend->source.core->add_sink(backend->refusingSink);
   // The first record makes the core's state of this thread and its shared tables: doing it
   // here keeps that out of the reach of threads that start later.
   blog::sources::aux::get_severity_level() = 0;
-  backend->core->open_record(backend->attributes);
+  backend->source.core->open_record(backend->source.attributes);
 }
 
 basic_diagnostic_logger<char>::~basic_diagnostic_logger() {
-  backend->core->remove_sink(backend->refusingSink);
+  backend->source.core->remove_sink(backend->refusingSink);
+}
+
+const RecordSource& basic_diagnostic_logger<char>::source() const noexcept {
+  return backend->source;
 }
 
 void basic_diagnostic_logger<char>::emit(std::uint32_t severity, std::string_view message) {
@@ -149,13 +153,13 @@ void basic_diagnostic_logger<char>::emit(std::uint32_t severity, std::string_vie
 }
 
 void basic_diagnostic_logger<char>::emit(std::uint32_t severity, MessageWriter writer) {
-  blog::core& core = *backend->core;
+  blog::core& core = *backend->source.core;
   if (!core.get_logging_enabled()) return;
   blog::record record;
   {
     const LockHolder holder(openingLock);
     blog::sources::aux::get_severity_level() = severity;
-    record = core.open_record(backend->attributes);
+    record = core.open_record(backend->source.attributes);
   }
   if (!record) return;
   RecordStream stream(core, record);

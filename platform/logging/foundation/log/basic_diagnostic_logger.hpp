@@ -14,6 +14,8 @@ namespace foundation::log {
 /// The bits of a severity mask that count.
 inline constexpr std::uint32_t kSignificantSeverities = 0x7FFF;
 
+struct RecordSource;
+
 template <typename Char>
 class basic_diagnostic_logger;
 
@@ -55,6 +57,10 @@ class QUENLITH_LOGGING_EXPORT basic_diagnostic_logger<char> {
 
   /// Returns the lock that covers the opening of a record.
   SRWLOCK& lock() noexcept { return openingLock; }
+
+  /// Returns what a caller needs to open and push records itself. The type is complete in
+  /// `foundation/log/RecordSource.hpp`; including that requires Boost.Log.
+  const RecordSource& source() const noexcept;
 
  private:
   struct Backend;
