@@ -4,7 +4,8 @@
 #include <utility>
 
 #include "fl/i18n/ustring.hpp"
-#include "foundation/core/except/IException.hpp"
+#include "foundation/core/except/IMsgIDException.hpp"
+#include "foundation/core/except/IUserException.hpp"
 
 namespace foundation::core::except {
 

@@ -15,18 +15,4 @@ class QUENLITH_MODEL_EXPORT IException {
   virtual fl::i18n::ustring GetUnicodeMessageTxt() const = 0;
 };
 
-/// An exception whose message is meant for the user of a program.
-class QUENLITH_MODEL_EXPORT IUserException : public virtual IException {
- public:
-  ~IUserException() override;
-};
-
-/// An exception whose message stands in a catalog under a key.
-class QUENLITH_MODEL_EXPORT IMsgIDException : public virtual IException {
- public:
-  ~IMsgIDException() override;
-  virtual std::string getCatalog() const = 0;
-  virtual std::string getKey() const = 0;
-};
-
 }  // namespace foundation::core::except
