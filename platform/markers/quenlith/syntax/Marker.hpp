@@ -28,7 +28,8 @@ class QUENLITH_MARKERS_EXPORT Marker {
   /// Makes the marker that `text` writes: one of the bare element names "control", "output",
   /// "task" and "text", or one marker in any spelling, with any leader or none, with or without a
   /// range, of a known element or not. Any other text gives the marker whose parts are all empty.
-  explicit Marker(const fl::i18n::ustring& text);
+  // NOLINTNEXTLINE(google-explicit-constructor): a text may be passed wherever a marker is taken.
+  Marker(const fl::i18n::ustring& text);
 
   /// Makes the marker with these parts; for the scanner.
   explicit Marker(MarkerParts::Pointer parsed) noexcept : parts(std::move(parsed)) {}
