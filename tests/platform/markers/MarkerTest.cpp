@@ -6,6 +6,7 @@
 #include <atomic>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -76,6 +77,12 @@ const std::vector<CanonicalCase> kCanonicalCases{
     {u"# <@task {\"a\":\"\\ud83d\xDE00\\ud83d\"}>",
      "%<@task {\"a\":\"\xF0\x9F\x98\x80\xEF\xBF\xBD\"}>"},
 };
+
+// A text is accepted where a marker is expected; the parts of the scanner are not.
+static_assert(std::is_convertible_v<const ustring&, Marker>);
+static_assert(std::is_convertible_v<ustring, Marker>);
+static_assert(std::is_constructible_v<Marker, const char16_t*>);
+static_assert(!std::is_convertible_v<MarkerParts::Pointer, Marker>);
 
 TEST(MarkerText, HasOneCanonicalForm) {
   for (const auto& [text, expected] : kCanonicalCases) {

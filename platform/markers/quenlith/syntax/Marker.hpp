@@ -16,8 +16,8 @@ namespace quenlith::syntax {
 /// One parsed marker: the element that it belongs to, its type within that element, its
 /// identifier and its data, each possibly empty.
 ///
-/// A value that never changes but by assignment. Copies share the parsed parts, so a copy costs a
-/// reference count; copies may be read and destroyed on several threads.
+/// An immutable value, assignment apart. Copies share the parsed parts, so copying only increments
+/// a reference count; copies may be read and destroyed on several threads.
 class QUENLITH_MARKERS_EXPORT Marker {
  public:
   using Data = MarkerParts::Data;
@@ -25,21 +25,21 @@ class QUENLITH_MARKERS_EXPORT Marker {
   /// Makes the marker whose parts are all empty.
   Marker() noexcept = default;
 
-  /// Makes the marker that `text` writes: one of the bare element names "control", "output",
-  /// "task" and "text", or one marker in any spelling, with any leader or none, with or without a
-  /// range, of a known element or not. Any other text gives the marker whose parts are all empty.
-  // NOLINTNEXTLINE(google-explicit-constructor): a text may be passed wherever a marker is taken.
+  /// Makes a marker from `text`: one of the bare element names "control", "output", "task" and
+  /// "text", or one marker in any spelling, with any leader or none, with or without a range, of a
+  /// known element or not. Any other text gives the marker whose parts are all empty.
+  // NOLINTNEXTLINE(google-explicit-constructor): a text is accepted where a marker is expected.
   Marker(const fl::i18n::ustring& text);
 
-  /// Makes the marker with these parts; for the scanner.
-  explicit Marker(MarkerParts::Pointer parsed) noexcept : parts(std::move(parsed)) {}
+  /// Makes the marker with these parts; for the scanner. Null is the marker without any part.
+  explicit Marker(MarkerParts::Pointer parts) noexcept : parts(std::move(parts)) {}
 
   fl::i18n::ustring getId() const;
   fl::i18n::ustring getElement() const;
   fl::i18n::ustring getType() const;
   Data getData() const;
 
-  /// Like the readers by value, but borrowed until the last copy of this marker ends.
+  /// Like the readers by value, but borrowed until the last copy of this marker is destroyed.
   std::u16string_view idView() const noexcept {
     return parts ? parts->id() : std::u16string_view();
   }
