@@ -13,6 +13,7 @@
 #include "cppmicroservices/ServiceObjects.h"
 #include "cppmicroservices/ServiceProperties.h"
 #include "cppmicroservices/ServiceRegistration.h"
+#include "cppmicroservices/detail/ServiceCount.h"
 
 namespace cppmicroservices {
 
@@ -94,10 +95,14 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
   /// Like the general form. Throws `ServiceException` when `S` has no identifier.
   template <class S>
   std::vector<ServiceReference<S>> GetServiceReferences(const std::string& filter = std::string()) {
-    const std::string& interfaceId = us_service_interface_iid<S>();
-    detail::requireInterfaceId(interfaceId);
-    const std::vector<ServiceReferenceU> found = GetServiceReferences(interfaceId, filter);
-    if (found.empty()) return {};
+    static const detail::ServiceCount& count = detail::serviceCount(us_service_interface_iid<S>());
+    // A lookup of an interface that nobody provides is done for every parsed line: it is this read.
+    // The context is checked after it, since a context that is valid then was valid at the read.
+    if (count.load(std::memory_order_acquire) == 0) {
+      valid();
+      return {};
+    }
+    const auto found = GetServiceReferences(us_service_interface_iid<S>(), filter);
     return std::vector<ServiceReference<S>>(found.begin(), found.end());
   }
 
@@ -148,7 +153,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
  private:
   friend class detail::BundlePrivate;
 
-  BundleContext(std::shared_ptr<detail::BundlePrivate> bundle, std::uint64_t generationOfBundle);
+  BundleContext(const std::shared_ptr<detail::BundlePrivate>& bundle, std::uint64_t generation)
+      : d(bundle), generation(generation) {}
   detail::BundlePrivate& valid() const;
 
   std::shared_ptr<detail::BundlePrivate> d;

@@ -12,7 +12,9 @@
 
 namespace cppmicroservices {
 
+class AnyMap;
 class Bundle;
+class LDAPFilter;
 namespace detail {
 class ServiceRecord;
 }
@@ -54,6 +56,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
   template <class S>
   friend class ServiceReference;
   friend class ServiceRegistrationBase;
+  friend class LDAPFilter;
   friend class detail::ServiceRecord;
   friend struct std::hash<ServiceReferenceBase>;
 
@@ -64,6 +67,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
 
   // Sees the service under `interfaceId`; names no service where it has no such interface.
   void bindTo(const std::string& interfaceId);
+
+  // Returns the current properties, null when the reference refers to no service.
+  std::shared_ptr<const AnyMap> properties() const;
 
   std::shared_ptr<detail::ServiceRecord> record;
   // Points into the record's list of interfaces; null for none in particular.

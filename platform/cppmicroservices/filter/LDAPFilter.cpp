@@ -3,8 +3,9 @@
 #include <ostream>
 
 #include "cppmicroservices/Bundle.h"
+#include "cppmicroservices/ServiceReferenceBase.h"
 #include "filter/LdapExpression.hpp"
-#include "registry/ServiceRecord.hpp"
+#include "properties/text.hpp"
 
 namespace cppmicroservices {
 
@@ -26,8 +27,8 @@ LDAPFilter::LDAPFilter(const std::string& filter)
     : expression(std::make_shared<detail::LdapExpression>(detail::parseLdapExpression(filter))) {}
 
 bool LDAPFilter::Match(const ServiceReferenceBase& reference) const {
-  const auto& record = detail::ServiceRecord::of(reference);
-  return record != nullptr && Match(*record->properties());
+  const auto properties = reference.properties();
+  return properties != nullptr && Match(*properties);
 }
 
 bool LDAPFilter::Match(const Bundle& bundle) const {

@@ -37,10 +37,6 @@ void requireObjects(const InterfaceMapConstPtr& service) {
 
 }  // namespace
 
-BundleContext::BundleContext(std::shared_ptr<detail::BundlePrivate> bundle,
-                             std::uint64_t generationOfBundle)
-    : d(std::move(bundle)), generation(generationOfBundle) {}
-
 BundleContext::operator bool() const {
   return d && d->isCurrent(generation);
 }
@@ -80,16 +76,15 @@ ServiceRegistrationU BundleContext::RegisterService(const InterfaceMapConstPtr& 
                                                     const ServiceProperties& properties) {
   detail::FrameworkCore& core = *valid().core;
   requireObjects(service);
-  const auto record =
-      std::make_shared<ServiceRecord>(d, service, properties, core.services.nextId());
-  core.services.add(record);
-  core.listeners.send(ServiceEvent(ServiceEvent::SERVICE_REGISTERED, record->reference()));
-  return record->registration();
+  return core.services.registerService(d, service, properties)->registration();
 }
 
 std::vector<ServiceReferenceU> BundleContext::GetServiceReferences(const std::string& interfaceId,
                                                                    const std::string& filter) {
-  return valid().core->services.find(interfaceId, filter);
+  auto found = valid().core->services.find(interfaceId, filter);
+  // Checked again: in a framework that has stopped meanwhile there was nothing to find.
+  valid();
+  return found;
 }
 
 ServiceReferenceU BundleContext::GetServiceReference(const std::string& interfaceId) {
@@ -111,15 +106,15 @@ InterfaceMapConstPtr BundleContext::GetService(const ServiceReferenceU& referenc
 
 ListenerToken BundleContext::AddServiceListener(const ServiceListener& listener,
                                                 const std::string& filter) {
-  return valid().core->listeners.add(*d, listener, filter);
+  return valid().core->listeners.add(d, listener, filter);
 }
 
 ListenerToken BundleContext::AddBundleListener(const BundleListener& listener) {
-  return valid().core->listeners.add(*d, listener);
+  return valid().core->listeners.add(d, listener);
 }
 
 ListenerToken BundleContext::AddFrameworkListener(const FrameworkListener& listener) {
-  return valid().core->listeners.add(*d, listener);
+  return valid().core->listeners.add(d, listener);
 }
 
 void BundleContext::RemoveListener(ListenerToken token) {

@@ -11,8 +11,9 @@ namespace cppmicroservices::detail {
 
 namespace {
 
-// How long a start or stop waits for one that another thread is at.
-constexpr std::chrono::seconds kPatience{5};
+// How long a start or stop waits for one in another thread: two bundles that start each other in
+// two threads would wait for ever.
+constexpr std::chrono::seconds kTransitionTimeout{5};
 
 }  // namespace
 
@@ -20,23 +21,18 @@ void throwInvalidContext() {
   throw IllegalStateException("The bundle context is no longer valid");
 }
 
-BundlePrivate::BundlePrivate(std::shared_ptr<FrameworkCore> framework, long number,
-                             std::string file, AnyMap manifest)
-    : core(std::move(framework)),
-      id(number),
-      location(std::move(file)),
-      headers(std::move(manifest)),
-      symbolicName(ref_any_cast<std::string>(headers.at(Constants::BUNDLE_SYMBOLICNAME))) {}
+BundlePrivate::BundlePrivate(std::shared_ptr<FrameworkCore> core, long id, std::string location,
+                             AnyMap headers)
+    : core(std::move(core)),
+      id(id),
+      location(std::move(location)),
+      headers(std::move(headers)),
+      symbolicName(ref_any_cast<std::string>(this->headers.at(Constants::BUNDLE_SYMBOLICNAME))) {}
 
 BundlePrivate::~BundlePrivate() = default;
 
 Bundle BundlePrivate::bundle() {
   return Bundle(shared_from_this(), core->owner.lock());
-}
-
-BundleContext BundlePrivate::context(const std::shared_ptr<BundlePrivate>& self) const {
-  const std::uint64_t now = generation.load(std::memory_order_acquire);
-  return (now & 1) != 0 ? BundleContext(self, now) : BundleContext();
 }
 
 void BundlePrivate::requireInstalled() const {
@@ -49,15 +45,15 @@ void BundlePrivate::requireOpen() const {
   if (closing) throwInvalidContext();
 }
 
-BundlePrivate::Transition::Transition(BundlePrivate& ofBundle) : target(ofBundle) {
+BundlePrivate::Transition::Transition(BundlePrivate& target) : target(target) {
   const std::thread::id self = std::this_thread::get_id();
   std::unique_lock lock(target.mutex);
   if (target.transitionThread == self) {
     throw std::logic_error("the bundle " + target.symbolicName +
                            " is starting or stopping in this thread: it cannot change its state");
   }
-  const auto isFree = [this] { return target.transitionThread == std::thread::id(); };
-  if (!target.changed.wait_for(lock, kPatience, isFree)) {
+  const auto isFree = [&target] { return target.transitionThread == std::thread::id(); };
+  if (!target.changed.wait_for(lock, kTransitionTimeout, isFree)) {
     throw std::runtime_error("the bundle " + target.symbolicName +
                              " is still starting or stopping in another thread");
   }

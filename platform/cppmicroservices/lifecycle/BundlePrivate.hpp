@@ -12,13 +12,14 @@
 #include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/BundleContext.h"
 #include "cppmicroservices/BundleEvent.h"
+#include "registry/ServiceClient.hpp"
 
 namespace cppmicroservices {
 
-/// The handle that the library of a bundle keeps.
+/// The context of a bundle as the bundle's library stores it.
 class BundleContextPrivate {
  public:
-  explicit BundleContextPrivate(detail::BundlePrivate& ofBundle) : bundle(ofBundle) {}
+  explicit BundleContextPrivate(detail::BundlePrivate& bundle) : bundle(bundle) {}
   detail::BundlePrivate& bundle;
 };
 
@@ -26,16 +27,15 @@ namespace detail {
 
 class FrameworkCore;
 
-/// Throws the exception that tells that a context is no longer valid.
+/// Throws the exception for a context that is no longer valid.
 [[noreturn]] void throwInvalidContext();
 
-/// What a bundle is: a number, a name, a manifest, a state. How it starts and stops is up to the
-/// derived classes.
-class BundlePrivate : public std::enable_shared_from_this<BundlePrivate> {
+/// The id, manifest, state and context of a bundle. The derived classes define how it starts and
+/// stops.
+class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<BundlePrivate> {
  public:
-  BundlePrivate(std::shared_ptr<FrameworkCore> framework, long number, std::string file,
-                AnyMap manifest);
-  virtual ~BundlePrivate();
+  BundlePrivate(std::shared_ptr<FrameworkCore> core, long id, std::string location, AnyMap headers);
+  ~BundlePrivate() override;
 
   virtual void start() = 0;
   virtual void stop() = 0;
@@ -43,25 +43,27 @@ class BundlePrivate : public std::enable_shared_from_this<BundlePrivate> {
 
   static BundlePrivate& of(const BundleContext& context) { return context.valid(); }
 
-  Bundle bundle();
+  Bundle bundle() override;
 
-  /// Returns the context of the present start, an invalid one when there is none. `self` is this
-  /// bundle: a copy costs less than `shared_from_this`.
-  BundleContext context(const std::shared_ptr<BundlePrivate>& self) const;
+  /// Returns the context of the current start, an invalid one when there is none. `self` is this
+  /// bundle: copying it costs less than `shared_from_this`.
+  BundleContext context(const std::shared_ptr<BundlePrivate>& self) const {
+    const std::uint64_t current = generation.load(std::memory_order_acquire);
+    return (current & 1) != 0 ? BundleContext(self, current) : BundleContext();
+  }
 
-  /// Says whether the context that was made in `ofContext` is valid.
-  bool isCurrent(std::uint64_t ofContext) const {
-    return (ofContext & 1) != 0 && generation.load(std::memory_order_acquire) == ofContext;
+  /// Says whether a context that was made in the generation `contextGeneration` is valid.
+  bool isCurrent(std::uint64_t contextGeneration) const {
+    return (contextGeneration & 1) != 0 &&
+           generation.load(std::memory_order_acquire) == contextGeneration;
   }
 
   /// Throws `std::logic_error` when the bundle was uninstalled.
   void requireInstalled() const;
 
-  /// Throws `IllegalStateException` when the bundle is at the end of its stop, where it must not
-  /// get anything more.
-  void requireOpen() const;
+  void requireOpen() const override;
 
-  // The cycle with the framework is cut when the last outside object of the framework goes.
+  // A reference cycle: `FrameworkOwner` breaks it when the last handle of the framework is gone.
   const std::shared_ptr<FrameworkCore> core;
   const long id;
   const std::string location;
@@ -73,9 +75,9 @@ class BundlePrivate : public std::enable_shared_from_this<BundlePrivate> {
   /// Lets one thread at a time start, stop or uninstall the bundle.
   class Transition {
    public:
-    /// Waits for another thread. Throws `std::logic_error` when this thread has one already,
-    /// `std::runtime_error` after `kPatience`.
-    explicit Transition(BundlePrivate& ofBundle);
+    /// Waits for another thread. Throws `std::logic_error` when this thread is in a transition of
+    /// the bundle already, `std::runtime_error` after 5 seconds.
+    explicit Transition(BundlePrivate& target);
     ~Transition();
     Transition(const Transition&) = delete;
     Transition& operator=(const Transition&) = delete;
@@ -90,7 +92,8 @@ class BundlePrivate : public std::enable_shared_from_this<BundlePrivate> {
   /// Makes the context valid.
   void openContext();
 
-  /// Takes back what the bundle registered, holds and listens to, and makes its context invalid.
+  /// Unregisters the bundle's services, releases those that it uses, removes its listeners, and
+  /// makes its context invalid.
   void closeContext();
 
   BundleContextPrivate handle{*this};
@@ -100,7 +103,8 @@ class BundlePrivate : public std::enable_shared_from_this<BundlePrivate> {
  private:
   std::thread::id transitionThread;
   std::atomic<bool> closing = false;
-  // Odd while the context is valid; a context is valid in the generation it was made in.
+  // Odd while the bundle has a valid context, which is valid for that one generation: a context
+  // from before a restart stays invalid.
   std::atomic<std::uint64_t> generation = 0;
 };
 

@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 
-#include "cppmicroservices/FrameworkFactory.h"
 #include "lifecycle/FrameworkCore.hpp"
 
 namespace cppmicroservices {
@@ -14,12 +13,6 @@ detail::SystemBundle& systemBundle(detail::BundlePrivate& bundle) {
 }
 
 }  // namespace
-
-Framework FrameworkFactory::NewFramework() {
-  auto owner = detail::FrameworkCore::make();
-  auto bundle = owner->core->find(0);
-  return Framework(std::move(bundle), std::move(owner));
-}
 
 Framework::Framework(Bundle bundle) : Bundle(std::move(bundle)) {
   if (valid().id != 0) throw std::logic_error("the bundle " + d->symbolicName + " is no framework");

@@ -4,14 +4,12 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "components/ComponentDescription.hpp"
 #include "cppmicroservices/Constants.h"
-#include "manifest/bundleManifests.hpp"
 
 namespace cppmicroservices::detail {
 
-std::shared_ptr<FrameworkOwner> FrameworkCore::make() {
-  const auto core = std::make_shared<FrameworkCore>();
+std::shared_ptr<FrameworkOwner> FrameworkCore::make(ManifestCheck check) {
+  const auto core = std::make_shared<FrameworkCore>(check);
   core->system = std::make_shared<SystemBundle>(core);
   auto owner = std::make_shared<FrameworkOwner>(core);
   core->owner = owner;
@@ -30,13 +28,13 @@ std::vector<Bundle> FrameworkCore::install(BundlePrivate& installer, const std::
   std::vector<AnyMap> manifests;
   for (const ManifestText& text : readManifestTexts(path)) {
     manifests.push_back(parseManifest(path, text));
-    checkComponents(manifests.back(), path);
+    checkManifest(manifests.back(), path);
   }
   for (const auto& bundle : add(path, manifests)) {
     bundles.push_back(bundle->bundle());
     listeners.send(BundleEvent(BundleEvent::BUNDLE_INSTALLED, bundles.back(), installer.bundle()));
   }
-  // None was added when another thread was faster.
+  // None was added when another thread has installed the library meanwhile.
   return bundles.empty() ? bundlesAt(path) : bundles;
 }
 
@@ -105,11 +103,6 @@ std::vector<Bundle> FrameworkCore::bundlesAt(const std::string& location) const 
     if (bundle->location == location) result.push_back(bundle->bundle());
   }
   return result;
-}
-
-void FrameworkCore::reportError(BundlePrivate& source, const std::string& message,
-                                std::exception_ptr cause) {
-  listeners.send(FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, source.bundle(), message, cause));
 }
 
 }  // namespace cppmicroservices::detail

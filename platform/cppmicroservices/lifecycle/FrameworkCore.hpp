@@ -1,6 +1,5 @@
 #pragma once
 
-#include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -9,6 +8,7 @@
 
 #include "lifecycle/LibraryBundle.hpp"
 #include "lifecycle/SystemBundle.hpp"
+#include "manifest/bundleManifests.hpp"
 #include "registry/FrameworkListeners.hpp"
 #include "registry/ServiceRegistry.hpp"
 
@@ -16,20 +16,23 @@ namespace cppmicroservices::detail {
 
 class FrameworkOwner;
 
-/// What the bundles of one framework share: the services, the listeners, the list of them all.
+/// What the bundles of one framework share: the services, the listeners, the list of bundles.
 class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
  public:
-  /// Returns a framework that was not started.
-  static std::shared_ptr<FrameworkOwner> make();
+  /// Returns a framework that was not started. `check` is called for the manifest of each bundle
+  /// that is installed.
+  static std::shared_ptr<FrameworkOwner> make(ManifestCheck check);
+
+  explicit FrameworkCore(ManifestCheck checkManifest) : checkManifest(checkManifest) {}
 
   using LibraryBundles = std::vector<std::shared_ptr<LibraryBundle>>;
 
-  /// Installs the bundles of the library at `location`, all or none, and returns them; those that
-  /// are there already if so. Throws `std::runtime_error` when the file cannot be used,
-  /// `std::logic_error` when the framework stops.
+  /// Installs the bundles of the library at `location`, all or none, and returns them. A library
+  /// that is installed already is not installed again. Throws `std::runtime_error` when the file
+  /// cannot be used, `std::logic_error` when the framework stops.
   std::vector<Bundle> install(BundlePrivate& installer, const std::string& location);
 
-  /// Takes `bundle` off the list, if it is there.
+  /// Removes `bundle` from the list, if it is there.
   void forget(const BundlePrivate& bundle);
 
   /// Returns the bundle with that id, null when there is none.
@@ -40,13 +43,10 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   std::vector<Bundle> bundlesAt(const std::string& location) const;
   LibraryBundles libraryBundles() const;
 
-  /// Sends the framework listeners an error of `source`.
-  void reportError(BundlePrivate& source, const std::string& message, std::exception_ptr cause);
-
   SystemBundle& systemBundle() const { return *system; }
 
-  ServiceRegistry services;
   FrameworkListeners listeners;
+  ServiceRegistry services{listeners};
   std::weak_ptr<FrameworkOwner> owner;
 
  private:
@@ -58,18 +58,19 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   bool isInstalled(const std::string& location) const;
   static void requireFreeName(const BundleTable& table, const BundlePrivate& added);
 
+  const ManifestCheck checkManifest;
   mutable std::mutex mutex;
   long lastId = 0;
   std::shared_ptr<SystemBundle> system;
   BundleTable installed;
 };
 
-/// Keeps a framework running: every outside object that stands for a bundle shares it.
+/// Keeps a framework running: all `Bundle` objects of the framework share it.
 class FrameworkOwner {
  public:
-  explicit FrameworkOwner(std::shared_ptr<FrameworkCore> framework) : core(std::move(framework)) {}
+  explicit FrameworkOwner(std::shared_ptr<FrameworkCore> core) : core(std::move(core)) {}
 
-  /// Stops the framework and cuts the cycle between it and its bundles.
+  /// Stops the framework and breaks the reference cycle between it and its bundles.
   ~FrameworkOwner();
   FrameworkOwner(const FrameworkOwner&) = delete;
   FrameworkOwner& operator=(const FrameworkOwner&) = delete;

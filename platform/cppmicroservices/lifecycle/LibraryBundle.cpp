@@ -53,8 +53,8 @@ void LibraryBundle::uninstall() {
   const Transition transition(*this);
   requireInstalled();
   if (const std::exception_ptr thrown = deactivate()) {
-    core->reportError(*this, location + ": the stop of the bundle " + symbolicName + " failed",
-                      thrown);
+    core->listeners.reportError(
+        *this, location + ": the stop of the bundle " + symbolicName + " failed", thrown);
   }
   core->forget(*this);
   enter(Bundle::STATE_INSTALLED, BundleEvent::BUNDLE_UNRESOLVED);

@@ -59,10 +59,10 @@ void SystemBundle::stopBundles() {
     try {
       (*bundle)->abandon();
     } catch (...) {
-      core->reportError(**bundle,
-                        (*bundle)->location + ": the bundle " + (*bundle)->symbolicName +
-                            " failed to stop with its framework",
-                        std::current_exception());
+      core->listeners.reportError(**bundle,
+                                  (*bundle)->location + ": the bundle " + (*bundle)->symbolicName +
+                                      " failed to stop with its framework",
+                                  std::current_exception());
     }
     core->forget(**bundle);
   }

@@ -13,6 +13,10 @@ struct ManifestText {
   std::string text;
 };
 
+/// A check of the headers of a bundle, whose library is the file `location`. Throws
+/// `std::runtime_error` when the bundle must not be installed.
+using ManifestCheck = void (*)(const AnyMap& headers, const std::string& location);
+
 /// Throws a `std::runtime_error` that names the file, what is wrong with it and the remedy.
 [[noreturn]] void refuseBundle(const std::string& location, const std::string& problem,
                                const std::string& remedy);

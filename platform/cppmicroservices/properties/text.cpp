@@ -1,6 +1,7 @@
 #include "properties/text.hpp"
 
 #include <exception>
+#include <stdexcept>
 
 namespace cppmicroservices::detail {
 
@@ -12,6 +13,10 @@ std::string currentExceptionText() {
   } catch (...) {
     return "an exception that is no std::exception";
   }
+}
+
+void throwCaseVariants(const std::string& key) {
+  throw std::runtime_error("keys of the properties differ from \"" + key + "\" in case only");
 }
 
 }  // namespace cppmicroservices::detail

@@ -1,26 +1,41 @@
 #include "registry/FrameworkListeners.hpp"
 
 #include <algorithm>
+#include <new>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 
-#include "lifecycle/BundlePrivate.hpp"
 #include "properties/text.hpp"
+#include "registry/ServiceClient.hpp"
 #include "registry/ServiceRecord.hpp"
 
 namespace cppmicroservices::detail {
 
+namespace {
+
+// Says whether a listener with `filter` is told. Without the memory to find out it is: it can look
+// for itself, but never learns of an event that it was not sent.
+bool matches(const LDAPFilter& filter, const AnyMap& properties) noexcept {
+  try {
+    return !filter || filter.Match(properties);
+  } catch (const std::bad_alloc&) {
+    return true;
+  }
+}
+
+}  // namespace
+
 template <class Function>
-ListenerToken FrameworkListeners::addTo(SharedList<Function>& list, BundlePrivate& owner,
+ListenerToken FrameworkListeners::addTo(SharedList<Function>& list, const Owner& owner,
                                         const Function& function, const LDAPFilter& filter) {
   const std::lock_guard lock(mutex);
   // Under the lock, so that a bundle that stops finds every listener it has added.
-  owner.requireOpen();
+  owner->requireOpen();
   auto longer = std::make_shared<List<Function>>(*list);
   auto listener = std::make_shared<Listener<Function>>();
   listener->id = ++lastId;
-  listener->owner = owner.shared_from_this();
+  listener->owner = owner;
   listener->function = function;
   listener->filter = filter;
   longer->push_back(std::move(listener));
@@ -44,7 +59,7 @@ void FrameworkListeners::removeFrom(SharedList<Function>& list, const Condition&
 
 template <class Condition>
 void FrameworkListeners::removeIf(const Condition& condition) {
-  // The functions go after the lock: their destructors may call anything.
+  // Keeps the functions until the lock is released: their destructors may call anything.
   const auto before =
       std::tuple(current(serviceListeners), current(bundleListeners), current(frameworkListeners));
   const std::lock_guard lock(mutex);
@@ -61,7 +76,7 @@ FrameworkListeners::SharedList<Function> FrameworkListeners::current(
 }
 
 template <class Function, class Event>
-void FrameworkListeners::call(const Listener<Function>& listener, const Event& event) {
+void FrameworkListeners::call(const Listener<Function>& listener, const Event& event) noexcept {
   if (listener.removed) return;
   try {
     listener.function(event);
@@ -70,17 +85,17 @@ void FrameworkListeners::call(const Listener<Function>& listener, const Event& e
   }
 }
 
-ListenerToken FrameworkListeners::add(BundlePrivate& owner, const ServiceListener& listener,
+ListenerToken FrameworkListeners::add(const Owner& owner, const ServiceListener& listener,
                                       const std::string& filter) {
   return addTo(serviceListeners, owner, listener,
                filter.empty() ? LDAPFilter() : LDAPFilter(filter));
 }
 
-ListenerToken FrameworkListeners::add(BundlePrivate& owner, const BundleListener& listener) {
+ListenerToken FrameworkListeners::add(const Owner& owner, const BundleListener& listener) {
   return addTo(bundleListeners, owner, listener, LDAPFilter());
 }
 
-ListenerToken FrameworkListeners::add(BundlePrivate& owner, const FrameworkListener& listener) {
+ListenerToken FrameworkListeners::add(const Owner& owner, const FrameworkListener& listener) {
   return addTo(frameworkListeners, owner, listener, LDAPFilter());
 }
 
@@ -88,39 +103,52 @@ void FrameworkListeners::remove(const ListenerToken& token) {
   removeIf([&token](const auto& listener) { return listener->id == token.id; });
 }
 
-void FrameworkListeners::removeAllOf(const BundlePrivate& owner) {
+void FrameworkListeners::removeAllOf(const ServiceClient& owner) {
   removeIf([&owner](const auto& listener) { return listener->owner.get() == &owner; });
 }
 
-void FrameworkListeners::send(const BundleEvent& event) {
+void FrameworkListeners::send(const BundleEvent& event) noexcept {
   const auto listeners = current(bundleListeners);
   for (const auto& listener : *listeners) call(*listener, event);
 }
 
-void FrameworkListeners::send(const FrameworkEvent& event) {
+void FrameworkListeners::send(const FrameworkEvent& event) noexcept {
   const auto listeners = current(frameworkListeners);
   for (const auto& listener : *listeners) call(*listener, event);
 }
 
-void FrameworkListeners::send(const ServiceEvent& event, const AnyMap* before) {
+void FrameworkListeners::send(const ServiceEvent& event, const AnyMap* before) noexcept {
   const auto listeners = current(serviceListeners);
   if (listeners->empty()) return;
   const auto properties = ServiceRecord::of(event.GetServiceReference())->properties();
   const ServiceEvent endMatch(ServiceEvent::SERVICE_MODIFIED_ENDMATCH, event.GetServiceReference());
   for (const auto& listener : *listeners) {
-    if (!listener->filter || listener->filter.Match(*properties)) {
+    if (matches(listener->filter, *properties)) {
       call(*listener, event);
-    } else if (before != nullptr && listener->filter.Match(*before)) {
+    } else if (before != nullptr && matches(listener->filter, *before)) {
       call(*listener, endMatch);
     }
   }
 }
 
-void FrameworkListeners::reportThrown(BundlePrivate& owner) {
-  const std::exception_ptr cause = std::current_exception();
-  const std::string message =
-      "a listener of " + owner.symbolicName + " threw an exception: " + currentExceptionText();
-  send(FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, owner.bundle(), message, cause));
+void FrameworkListeners::reportError(ServiceClient& source, std::string_view message,
+                                     const std::exception_ptr& cause) noexcept {
+  try {
+    send(FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, source.bundle(), std::string(message),
+                        cause));
+  } catch (const std::bad_alloc&) {
+    // There is no memory for the event.
+  }
+}
+
+void FrameworkListeners::reportThrown(ServiceClient& owner) noexcept {
+  try {
+    const std::string message = "a listener of " + owner.bundle().GetSymbolicName() +
+                                " threw an exception: " + currentExceptionText();
+    reportError(owner, message, std::current_exception());
+  } catch (const std::bad_alloc&) {
+    // There is no memory for the message.
+  }
 }
 
 }  // namespace cppmicroservices::detail

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <atomic>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cppmicroservices/BundleEvent.h"
@@ -15,35 +17,41 @@
 
 namespace cppmicroservices::detail {
 
-class BundlePrivate;
+class ServiceClient;
 
-/// The listeners of a framework. They are called in the sending thread with no lock held; one
-/// that was removed is not called any more, save by a thread that is already in it. What a
-/// listener throws becomes an error that the framework listeners get; what those throw is lost.
+/// The listeners of a framework. They are called in the sending thread with no lock held, and not
+/// after they were removed. An exception of a listener becomes an error event for the framework
+/// listeners; exceptions of framework listeners are dropped.
 class FrameworkListeners {
  public:
-  /// Adds a listener for `owner`. Throws `IllegalStateException` when that bundle stops, and
+  using Owner = std::shared_ptr<ServiceClient>;
+
+  /// Adds a listener of `owner`. Throws `IllegalStateException` when that bundle stops, and
   /// `std::invalid_argument` when `filter` cannot be parsed.
-  ListenerToken add(BundlePrivate& owner, const ServiceListener& listener,
-                    const std::string& filter);
-  ListenerToken add(BundlePrivate& owner, const BundleListener& listener);
-  ListenerToken add(BundlePrivate& owner, const FrameworkListener& listener);
+  ListenerToken add(const Owner& owner, const ServiceListener& listener, const std::string& filter);
+  ListenerToken add(const Owner& owner, const BundleListener& listener);
+  ListenerToken add(const Owner& owner, const FrameworkListener& listener);
 
   void remove(const ListenerToken& token);
-  void removeAllOf(const BundlePrivate& owner);
+  void removeAllOf(const ServiceClient& owner);
 
-  void send(const BundleEvent& event);
-  void send(const FrameworkEvent& event);
+  void send(const BundleEvent& event) noexcept;
+  void send(const FrameworkEvent& event) noexcept;
 
   /// Sends to the listeners whose filter matches the properties of the service. After a change
-  /// of properties, `before` are those it had.
-  void send(const ServiceEvent& event, const AnyMap* before = nullptr);
+  /// of properties, `before` are the previous ones.
+  void send(const ServiceEvent& event, const AnyMap* before = nullptr) noexcept;
+
+  /// Sends an error of `source` to the framework listeners. The report is lost when memory runs
+  /// out.
+  void reportError(ServiceClient& source, std::string_view message,
+                   const std::exception_ptr& cause) noexcept;
 
  private:
   template <class Function>
   struct Listener {
     ListenerTokenId id;
-    std::shared_ptr<BundlePrivate> owner;
+    Owner owner;
     Function function;
     LDAPFilter filter;
     mutable std::atomic<bool> removed = false;
@@ -52,12 +60,12 @@ class FrameworkListeners {
   template <class Function>
   using List = std::vector<std::shared_ptr<const Listener<Function>>>;
 
-  // Replaced as a whole at each change, so that a sender walks over a list that stays as it is.
+  // Replaced as a whole at each change, so that a sender iterates over an unchanging list.
   template <class Function>
   using SharedList = std::shared_ptr<const List<Function>>;
 
   template <class Function>
-  ListenerToken addTo(SharedList<Function>& list, BundlePrivate& owner, const Function& function,
+  ListenerToken addTo(SharedList<Function>& list, const Owner& owner, const Function& function,
                       const LDAPFilter& filter);
   template <class Function, class Condition>
   void removeFrom(SharedList<Function>& list, const Condition& condition);
@@ -66,8 +74,8 @@ class FrameworkListeners {
   template <class Function>
   SharedList<Function> current(const SharedList<Function>& list) const;
   template <class Function, class Event>
-  void call(const Listener<Function>& listener, const Event& event);
-  void reportThrown(BundlePrivate& owner);
+  void call(const Listener<Function>& listener, const Event& event) noexcept;
+  void reportThrown(ServiceClient& owner) noexcept;
 
   mutable std::mutex mutex;
   ListenerTokenId lastId = 0;

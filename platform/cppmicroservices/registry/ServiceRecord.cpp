@@ -1,11 +1,11 @@
 #include "registry/ServiceRecord.hpp"
 
 #include <algorithm>
-#include <stdexcept>
+#include <utility>
 
 #include "cppmicroservices/Constants.h"
-#include "lifecycle/FrameworkCore.hpp"
 #include "properties/text.hpp"
+#include "registry/ServiceRegistry.hpp"
 
 namespace cppmicroservices::detail {
 
@@ -25,7 +25,7 @@ bool isSetByFramework(const std::string& key) {
          key == Constants::SERVICE_SCOPE;
 }
 
-// Makes an exception with the one that is being handled nested in it.
+// Returns an exception that nests the one being handled.
 std::exception_ptr nestedFactoryException(const std::string& text) {
   std::exception_ptr nested;
   try {
@@ -36,40 +36,44 @@ std::exception_ptr nestedFactoryException(const std::string& text) {
   return nested;
 }
 
-}  // namespace
-
-void throwCaseVariants(const std::string& key) {
-  throw std::runtime_error("keys of the properties differ from \"" + key + "\" in case only");
+std::vector<ServiceCount*> countsOf(const std::vector<std::string>& interfaces) {
+  std::vector<ServiceCount*> counts;
+  for (const std::string& name : interfaces) counts.push_back(&mutableServiceCount(name));
+  return counts;
 }
 
-// Keeps one use: its end is that of the last pointer that `hold` returned.
-class ServiceRecord::Hold {
- public:
-  Hold(std::shared_ptr<ServiceRecord> ofRecord, UsePointer ofUse)
-      : record(std::move(ofRecord)), use(std::move(ofUse)) {}
-  ~Hold() { record->release(use); }
+}  // namespace
+
+// Keeps one use alive. Does nothing until it has been given its use, so that it can be allocated
+// before anything is changed.
+struct ServiceRecord::Hold {
+  explicit Hold(std::shared_ptr<ServiceRecord> record) : record(std::move(record)) {}
+  ~Hold() {
+    if (use) record->release(use);
+  }
   Hold(const Hold&) = delete;
   Hold& operator=(const Hold&) = delete;
 
- private:
   const std::shared_ptr<ServiceRecord> record;
-  const UsePointer use;
+  UsePointer use;
 };
 
-ServiceRecord::ServiceRecord(std::shared_ptr<BundlePrivate> registeredBy,
-                             InterfaceMapConstPtr service, const ServiceProperties& properties,
-                             long number)
-    : bundle(std::move(registeredBy)),
-      id(number),
-      interfaces(interfacesOf(*service)),
-      objects(std::move(service)),
+ServiceRecord::ServiceRecord(ServiceRegistry& registry, std::shared_ptr<ServiceClient> bundle,
+                             InterfaceMapConstPtr objects, const ServiceProperties& properties,
+                             long id)
+    : bundle(std::move(bundle)),
+      id(id),
+      interfaces(interfacesOf(*objects)),
+      counts(countsOf(interfaces)),
+      registry(registry),
+      objects(std::move(objects)),
       factory(std::static_pointer_cast<ServiceFactory>(
-          interfaces.size() < objects->size() ? objects->at(kFactoryKey) : nullptr)) {
+          interfaces.size() < this->objects->size() ? this->objects->at(kFactoryKey) : nullptr)) {
   publish(withFrameworkProperties(properties));
 }
 
-ServiceReferenceU ServiceRecord::reference(const std::string* seenAs) {
-  return ServiceReferenceBase(shared_from_this(), seenAs);
+ServiceReferenceU ServiceRecord::reference(const std::string* interfaceId) {
+  return ServiceReferenceBase(shared_from_this(), interfaceId);
 }
 
 ServiceRegistrationBase ServiceRecord::registration() {
@@ -81,7 +85,8 @@ const std::string* ServiceRecord::findInterface(const std::string& name) const {
   return place == interfaces.end() ? nullptr : &*place;
 }
 
-AnyMap ServiceRecord::withFrameworkProperties(const ServiceProperties& given) const {
+std::shared_ptr<const AnyMap> ServiceRecord::withFrameworkProperties(
+    const ServiceProperties& given) const {
   const std::string& scope = factory ? Constants::SCOPE_BUNDLE : Constants::SCOPE_SINGLETON;
   AnyMap all{{Constants::OBJECTCLASS, interfaces},
              {Constants::SERVICE_ID, id},
@@ -90,16 +95,15 @@ AnyMap ServiceRecord::withFrameworkProperties(const ServiceProperties& given) co
     if (isSetByFramework(entry.first)) continue;
     if (!all.insert(entry).second) throwCaseVariants(entry.first);
   }
-  return all;
+  return std::make_shared<const AnyMap>(std::move(all));
 }
 
-void ServiceRecord::publish(AnyMap newProperties) {
-  const auto entry = newProperties.find(Constants::SERVICE_RANKING);
-  const int* value = entry == newProperties.end() ? nullptr : any_cast<int>(&entry->second);
+void ServiceRecord::publish(std::shared_ptr<const AnyMap> newProperties) noexcept {
+  const auto entry = newProperties->find(Constants::SERVICE_RANKING);
+  const int* value = entry == newProperties->end() ? nullptr : any_cast<int>(&entry->second);
   ranking = value == nullptr ? 0 : *value;
-  auto shared = std::make_shared<const AnyMap>(std::move(newProperties));
   const std::lock_guard lock(mutex);
-  currentProperties = std::move(shared);
+  currentProperties.swap(newProperties);
 }
 
 std::shared_ptr<const AnyMap> ServiceRecord::properties() const {
@@ -108,107 +112,122 @@ std::shared_ptr<const AnyMap> ServiceRecord::properties() const {
 }
 
 void ServiceRecord::setProperties(const ServiceProperties& given) {
-  AnyMap all = withFrameworkProperties(given);
+  auto all = withFrameworkProperties(given);
   const auto before = properties();
-  bundle->core->services.reorder(shared_from_this(), [&] { publish(std::move(all)); });
-  bundle->core->listeners.send(ServiceEvent(ServiceEvent::SERVICE_MODIFIED, reference()),
-                               before.get());
+  registry.update(shared_from_this(), std::move(all));
+  registry.listeners.send(ServiceEvent(ServiceEvent::SERVICE_MODIFIED, reference()), before.get());
 }
 
-InterfaceMapConstPtr ServiceRecord::acquire(const std::shared_ptr<BundlePrivate>& user) {
+InterfaceMapConstPtr ServiceRecord::acquire(const std::shared_ptr<ServiceClient>& user) {
   std::unique_lock lock(mutex);
-  // Under the lock, so that a bundle that stops finds every service it holds.
-  user->requireOpen();
   made.wait(lock, [&] { return !isMadeElsewhere(*user); });
+  // Under the lock, so that a bundle that stops finds every service it uses.
+  user->requireOpen();
   if (state == State::kUnregistered) return nullptr;
-  UsePointer& entry = uses[user.get()];
-  if (!entry) {
-    entry = std::make_shared<Use>(Use{user, factory ? nullptr : objects, factory, 0, {}});
-    if (!factory) return hold(entry);
-    const UsePointer use = entry;
-    use->maker = std::this_thread::get_id();
-    lock.unlock();
-    return make(use);
-  }
-  if (entry->maker == std::thread::id()) return hold(entry);
+  const auto entry = uses.find(user.get());
+  if (entry == uses.end()) return startUse(user, lock);
+  if (entry->second->maker == std::thread::id()) return hold(entry->second);
   lock.unlock();
-  report(ServiceException("a service factory asked for the service that it was making",
-                          ServiceException::FACTORY_RECURSION));
+  report("a service factory asked for the service that it was making",
+         ServiceException::FACTORY_RECURSION);
   return nullptr;
 }
 
-bool ServiceRecord::isMadeElsewhere(const BundlePrivate& user) const {
+bool ServiceRecord::isMadeElsewhere(const ServiceClient& user) const {
   const auto entry = uses.find(&user);
   return entry != uses.end() && entry->second->maker != std::thread::id() &&
          entry->second->maker != std::this_thread::get_id();
 }
 
-bool ServiceRecord::isCurrent(const UsePointer& use) const {
-  const auto entry = uses.find(use->user.get());
-  return entry != uses.end() && entry->second == use;
+bool ServiceRecord::isCurrent(const Use& use) const {
+  const auto entry = uses.find(use.user.get());
+  return entry != uses.end() && entry->second.get() == &use;
 }
 
-InterfaceMapConstPtr ServiceRecord::make(const UsePointer& use) {
-  InterfaceMapConstPtr service = callFactory(*use);
-  std::unique_lock lock(mutex);
-  use->maker = std::thread::id();
-  made.notify_all();
-  use->service = service;
-  // The service may have been unregistered, or its user stopped, in the meantime.
-  if (isCurrent(use)) {
-    if (service) return hold(use);
-    uses.erase(use->user.get());
-    return nullptr;
-  }
+InterfaceMapConstPtr ServiceRecord::startUse(const std::shared_ptr<ServiceClient>& user,
+                                             std::unique_lock<std::mutex>& lock) {
+  auto holder = std::make_shared<Hold>(shared_from_this());
+  const auto use = std::make_shared<Use>(Use{user, factory ? nullptr : objects, factory, 1, {}});
+  uses.emplace(user.get(), use);
+  // From here on nothing can fail but the factory.
+  holder->use = use;
+  if (!use->factory) return InterfaceMapConstPtr(std::move(holder), use->service.get());
+  use->maker = std::this_thread::get_id();
   lock.unlock();
-  giveBack(*use);
-  return nullptr;
+  return make(std::move(holder));
 }
 
-InterfaceMapConstPtr ServiceRecord::callFactory(const Use& use) {
+InterfaceMapConstPtr ServiceRecord::make(std::shared_ptr<Hold> holder) {
+  Use& use = *holder->use;
+  InterfaceMapConstPtr service = callFactory(use);
+  std::unique_lock lock(mutex);
+  use.maker = std::thread::id();
+  made.notify_all();
+  use.service = service;
+  const bool isWanted = isCurrent(use);
+  if (isWanted && !service) uses.erase(use.user.get());
+  lock.unlock();
+  // The service may have been unregistered, or its user stopped, in the meantime.
+  if (!isWanted) returnToFactory(use);
+  if (!isWanted || !service) return nullptr;
+  return InterfaceMapConstPtr(std::move(holder), service.get());
+}
+
+InterfaceMapConstPtr ServiceRecord::callFactory(const Use& use) noexcept {
   InterfaceMapConstPtr service;
   try {
     service = use.factory->GetService(use.user->bundle(), registration());
+    if (isComplete(service)) return service;
   } catch (...) {
     reportThrown("a service factory threw an exception");
     return nullptr;
   }
-  if (isWhole(service)) return service;
-  report(ServiceException("a service factory made no object for an interface of its service",
-                          ServiceException::FACTORY_ERROR));
+  report("a service factory made no object for an interface of its service",
+         ServiceException::FACTORY_ERROR);
   return nullptr;
 }
 
-bool ServiceRecord::isWhole(const InterfaceMapConstPtr& service) const {
+bool ServiceRecord::isComplete(const InterfaceMapConstPtr& service) const {
   return service && std::all_of(interfaces.begin(), interfaces.end(), [&](const auto& interfaceId) {
            return ExtractInterface(service, interfaceId) != nullptr;
          });
 }
 
-void ServiceRecord::report(const ServiceException& exception) {
-  bundle->core->reportError(*bundle, exception.what(), std::make_exception_ptr(exception));
+void ServiceRecord::report(const char* problem, ServiceException::Type type) noexcept {
+  try {
+    const ServiceException exception(problem, type);
+    registry.listeners.reportError(*bundle, problem, std::make_exception_ptr(exception));
+  } catch (const std::bad_alloc&) {
+    // There is no memory for the report.
+  }
 }
 
-void ServiceRecord::reportThrown(const std::string& problem) {
-  const std::string text = problem + ": " + currentExceptionText();
-  bundle->core->reportError(*bundle, text, nestedFactoryException(text));
+void ServiceRecord::reportThrown(const char* problem) noexcept {
+  try {
+    const std::string text = std::string(problem) + ": " + currentExceptionText();
+    registry.listeners.reportError(*bundle, text, nestedFactoryException(text));
+  } catch (const std::bad_alloc&) {
+    // There is no memory for the report.
+  }
 }
 
 InterfaceMapConstPtr ServiceRecord::hold(const UsePointer& use) {
-  auto holder = std::make_shared<Hold>(shared_from_this(), use);
-  ++use->count;
+  auto holder = std::make_shared<Hold>(shared_from_this());
+  holder->use = use;
+  ++use->holdCount;
   return InterfaceMapConstPtr(std::move(holder), use->service.get());
 }
 
-void ServiceRecord::release(const UsePointer& use) {
-  std::unique_lock lock(mutex);
-  if (--use->count > 0 || !isCurrent(use)) return;
-  uses.erase(use->user.get());
-  lock.unlock();
-  giveBack(*use);
+void ServiceRecord::release(const UsePointer& use) noexcept {
+  {
+    const std::lock_guard lock(mutex);
+    if (--use->holdCount > 0 || !isCurrent(*use)) return;
+    uses.erase(use->user.get());
+  }
+  returnToFactory(*use);
 }
 
-void ServiceRecord::giveBack(const Use& use) {
+void ServiceRecord::returnToFactory(const Use& use) noexcept {
   if (!use.factory || !use.service) return;
   try {
     use.factory->UngetService(use.user->bundle(), registration(), use.service);
@@ -217,44 +236,52 @@ void ServiceRecord::giveBack(const Use& use) {
   }
 }
 
-void ServiceRecord::releaseFrom(const BundlePrivate& user) {
+void ServiceRecord::releaseFrom(const ServiceClient& user) noexcept {
   UsePointer use;
   {
     const std::lock_guard lock(mutex);
     const auto entry = uses.find(&user);
     if (entry == uses.end()) return;
-    // The thread that makes the objects gives them back itself.
+    // The thread that makes the objects returns them itself.
     if (entry->second->maker == std::thread::id()) use = entry->second;
     uses.erase(entry);
   }
-  if (use) giveBack(*use);
+  if (use) returnToFactory(*use);
 }
 
-bool ServiceRecord::unregister() {
-  std::unique_lock lock(mutex);
-  if (state != State::kRegistered) return false;
-  state = State::kUnregistering;
-  lock.unlock();
-  bundle->core->services.remove(*this);
-  bundle->core->listeners.send(ServiceEvent(ServiceEvent::SERVICE_UNREGISTERING, reference()));
+bool ServiceRecord::unregister() noexcept {
+  {
+    const std::lock_guard lock(mutex);
+    if (state != State::kRegistered) return false;
+    state = State::kUnregistering;
+  }
+  registry.remove(*this);
+  registry.listeners.send(ServiceEvent(ServiceEvent::SERVICE_UNREGISTERING, reference()));
   dropObjects();
-  for (const auto& user : users()) releaseFrom(*user);
   return true;
 }
 
-void ServiceRecord::dropObjects() {
+void ServiceRecord::dropObjects() noexcept {
+  // Destroyed without the lock: the destructors may call anything.
   InterfaceMapConstPtr droppedObjects;
   std::shared_ptr<ServiceFactory> droppedFactory;
-  const std::lock_guard lock(mutex);
-  state = State::kUnregistered;
-  // They go after the lock: their destructors may call anything.
-  droppedObjects.swap(objects);
-  droppedFactory.swap(factory);
+  Uses ended;
+  {
+    const std::lock_guard lock(mutex);
+    state = State::kUnregistered;
+    droppedObjects.swap(objects);
+    droppedFactory.swap(factory);
+    ended.swap(uses);
+    // A thread that makes objects returns them itself.
+    std::erase_if(ended,
+                  [](const auto& entry) { return entry.second->maker != std::thread::id(); });
+  }
+  for (const auto& [user, use] : ended) returnToFactory(*use);
 }
 
-std::vector<std::shared_ptr<BundlePrivate>> ServiceRecord::users() const {
+std::vector<std::shared_ptr<ServiceClient>> ServiceRecord::users() const {
   const std::lock_guard lock(mutex);
-  std::vector<std::shared_ptr<BundlePrivate>> result;
+  std::vector<std::shared_ptr<ServiceClient>> result;
   for (const auto& [user, use] : uses) result.push_back(use->user);
   return result;
 }

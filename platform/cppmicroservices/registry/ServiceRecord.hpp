@@ -9,99 +9,108 @@
 #include <thread>
 #include <vector>
 
+#include "cppmicroservices/AnyMap.h"
 #include "cppmicroservices/ServiceEvent.h"
+#include "cppmicroservices/ServiceException.h"
 #include "cppmicroservices/ServiceFactory.h"
 #include "cppmicroservices/ServiceProperties.h"
+#include "registry/ServiceClient.hpp"
+#include "registry/serviceCounts.hpp"
 
 namespace cppmicroservices::detail {
 
-class BundlePrivate;
+class ServiceRegistry;
 
-/// Throws the exception that tells that keys differ from `key` in case only.
-[[noreturn]] void throwCaseVariants(const std::string& key);
-
-/// One registered service: its interfaces, properties and objects, and the bundles that hold it.
+/// One service: its interfaces, properties and objects, and the bundles that use it.
 ///
-/// Factories and listeners are called with no lock held. The record lives on while a reference,
-/// a registration or a holder of the service is left, after it was unregistered too.
+/// Calls factories and listeners with no lock held. A record lives as long as a reference, a
+/// registration or a user of the service does, also after the service was unregistered.
 class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
  public:
-  /// Shares `service`, which must not be empty. Throws `std::runtime_error` when two keys of
-  /// `properties` differ in case only.
-  ServiceRecord(std::shared_ptr<BundlePrivate> registeredBy, InterfaceMapConstPtr service,
-                const ServiceProperties& properties, long number);
+  /// Makes a record that is in no registry yet. Shares `objects`, which must not be empty, and
+  /// keeps a reference to `registry`, which must live as long as `bundle`. Throws
+  /// `std::runtime_error` when two keys of `properties` differ in case only.
+  ServiceRecord(ServiceRegistry& registry, std::shared_ptr<ServiceClient> bundle,
+                InterfaceMapConstPtr objects, const ServiceProperties& properties, long id);
 
-  /// Returns the record behind `reference`, null when it names no service.
+  /// Returns the record of `reference`, null when it refers to no service.
   static const std::shared_ptr<ServiceRecord>& of(const ServiceReferenceBase& reference) {
     return reference.record;
   }
 
-  ServiceReferenceU reference(const std::string* seenAs = nullptr);
+  ServiceReferenceU reference(const std::string* interfaceId = nullptr);
   ServiceRegistrationBase registration();
 
   /// Returns the interface equal to `name`, null when there is none. Borrowed from the record.
   const std::string* findInterface(const std::string& name) const;
 
-  /// Returns the properties as they are now.
+  /// Returns the current properties.
   std::shared_ptr<const AnyMap> properties() const;
 
   /// Replaces the properties that are not the framework's and tells the listeners. Throws like
-  /// the constructor.
+  /// the constructor; the properties are unchanged then.
   void setProperties(const ServiceProperties& given);
 
-  /// Returns the objects of the service for `user`, which holds it until the last copy of the
-  /// pointer goes; null when it was unregistered or its factory failed.
-  InterfaceMapConstPtr acquire(const std::shared_ptr<BundlePrivate>& user);
+  /// Returns the objects of the service for `user`, which uses it until the last copy of the
+  /// pointer is destroyed; null when it was unregistered or its factory failed.
+  InterfaceMapConstPtr acquire(const std::shared_ptr<ServiceClient>& user);
 
-  /// Takes the service away from `user`, if it holds it.
-  void releaseFrom(const BundlePrivate& user);
+  /// Takes the service away from `user`, if it uses it.
+  void releaseFrom(const ServiceClient& user) noexcept;
 
-  /// Ends the registration, and says whether somebody else had not ended it before.
-  bool unregister();
+  /// Unregisters the service. Returns false when it was unregistered, or is being so, already.
+  bool unregister() noexcept;
 
   bool isRegistered() const { return state != State::kUnregistered; }
 
-  /// Returns the bundles that hold the service.
-  std::vector<std::shared_ptr<BundlePrivate>> users() const;
+  /// Returns the bundles that use the service.
+  std::vector<std::shared_ptr<ServiceClient>> users() const;
 
-  const std::shared_ptr<BundlePrivate> bundle;
+  const std::shared_ptr<ServiceClient> bundle;
   const long id;
   const std::vector<std::string> interfaces;
+  // One for each interface.
+  const std::vector<ServiceCount*> counts;
 
-  // Changed under the lock of the registry only, whose order it settles.
+  // Changed under the lock of the registry only, whose order depends on it.
   std::atomic<int> ranking = 0;
 
  private:
-  enum class State { kRegistered, kUnregistering, kUnregistered };
-  class Hold;
+  friend class ServiceRegistry;
 
-  // What one bundle got. Counts while it stands in `uses`; a holder that is left after that
-  // keeps the objects alive and no more.
+  enum class State { kRegistered, kUnregistering, kUnregistered };
+  struct Hold;
+
+  // What one bundle got. A hold that remains after the use left `uses` only keeps the objects
+  // alive.
   struct Use {
-    std::shared_ptr<BundlePrivate> user;
+    std::shared_ptr<ServiceClient> user;
     InterfaceMapConstPtr service;
     std::shared_ptr<ServiceFactory> factory;
-    int count = 0;
+    int holdCount = 0;
     std::thread::id maker;  // the thread in which the factory makes the objects
   };
   using UsePointer = std::shared_ptr<Use>;
-  using Uses = std::map<const BundlePrivate*, UsePointer>;
+  using Uses = std::map<const ServiceClient*, UsePointer>;
 
-  AnyMap withFrameworkProperties(const ServiceProperties& given) const;
-  void publish(AnyMap newProperties);
+  std::shared_ptr<const AnyMap> withFrameworkProperties(const ServiceProperties& given) const;
+  void publish(std::shared_ptr<const AnyMap> newProperties) noexcept;
 
-  bool isMadeElsewhere(const BundlePrivate& user) const;
-  bool isCurrent(const UsePointer& use) const;
-  InterfaceMapConstPtr make(const UsePointer& use);
-  InterfaceMapConstPtr callFactory(const Use& use);
-  bool isWhole(const InterfaceMapConstPtr& service) const;
+  bool isMadeElsewhere(const ServiceClient& user) const;
+  bool isCurrent(const Use& use) const;
+  InterfaceMapConstPtr startUse(const std::shared_ptr<ServiceClient>& user,
+                                std::unique_lock<std::mutex>& lock);
+  InterfaceMapConstPtr make(std::shared_ptr<Hold> holder);
+  InterfaceMapConstPtr callFactory(const Use& use) noexcept;
+  bool isComplete(const InterfaceMapConstPtr& service) const;
   InterfaceMapConstPtr hold(const UsePointer& use);
-  void release(const UsePointer& use);
-  void giveBack(const Use& use);
-  void dropObjects();
-  void report(const ServiceException& exception);
-  void reportThrown(const std::string& problem);
+  void release(const UsePointer& use) noexcept;
+  void returnToFactory(const Use& use) noexcept;
+  void dropObjects() noexcept;
+  void report(const char* problem, ServiceException::Type type) noexcept;
+  void reportThrown(const char* problem) noexcept;
 
+  ServiceRegistry& registry;
   mutable std::mutex mutex;
   std::condition_variable made;
   std::atomic<State> state = State::kRegistered;

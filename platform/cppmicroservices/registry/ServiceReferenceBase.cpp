@@ -3,12 +3,16 @@
 #include <stdexcept>
 
 #include "cppmicroservices/ServiceRegistrationBase.h"
-#include "lifecycle/FrameworkCore.hpp"
+#include "registry/ServiceRecord.hpp"
 
 namespace cppmicroservices {
 
 ServiceReferenceBase::operator bool() const {
   return record && record->isRegistered();
+}
+
+std::shared_ptr<const AnyMap> ServiceReferenceBase::properties() const {
+  return record ? record->properties() : nullptr;
 }
 
 Any ServiceReferenceBase::GetProperty(const std::string& key) const {

@@ -1,118 +1,119 @@
 #include "registry/ServiceRegistry.hpp"
 
 #include <algorithm>
-#include <cstring>
-#include <mutex>
+#include <utility>
 
 #include "cppmicroservices/LDAPFilter.h"
-#include "lifecycle/BundlePrivate.hpp"
 
 namespace cppmicroservices::detail {
 
 namespace {
 
-bool isPreferred(const std::shared_ptr<ServiceRecord>& left,
-                 const std::shared_ptr<ServiceRecord>& right) {
-  if (left->ranking != right->ranking) return left->ranking > right->ranking;
-  return left->id < right->id;
+using Records = std::vector<std::shared_ptr<ServiceRecord>>;
+
+bool precedes(const std::shared_ptr<ServiceRecord>& left, const ServiceRecord& right) {
+  if (left->ranking != right.ranking) return left->ranking > right.ranking;
+  return left->id < right.id;
 }
 
-void insertSorted(std::vector<std::shared_ptr<ServiceRecord>>& records,
-                  const std::shared_ptr<ServiceRecord>& record) {
-  records.insert(std::lower_bound(records.begin(), records.end(), record, isPreferred), record);
+// Does not allocate when `records` has had one more entry before.
+void insertInto(Records& records, const std::shared_ptr<ServiceRecord>& record) {
+  records.insert(std::lower_bound(records.begin(), records.end(), *record, precedes), record);
 }
 
-std::size_t eraseFrom(std::vector<std::shared_ptr<ServiceRecord>>& records,
-                      const ServiceRecord& record) {
-  return std::erase_if(records, [&record](const auto& entry) { return entry.get() == &record; });
+// Says whether `record` was there.
+bool eraseFrom(Records& records, const ServiceRecord& record) noexcept {
+  const auto place = std::lower_bound(records.begin(), records.end(), record, precedes);
+  if (place == records.end() || place->get() != &record) return false;
+  records.erase(place);
+  return true;
 }
 
 }  // namespace
 
+ServiceRegistry::ServiceRegistry(FrameworkListeners& listeners) : listeners(listeners) {}
+
+std::shared_ptr<ServiceRecord> ServiceRegistry::registerService(
+    const std::shared_ptr<ServiceClient>& bundle, const InterfaceMapConstPtr& service,
+    const ServiceProperties& properties) {
+  auto record = std::make_shared<ServiceRecord>(*this, bundle, service, properties, ++lastId);
+  add(record);
+  listeners.send(ServiceEvent(ServiceEvent::SERVICE_REGISTERED, record->reference()));
+  return record;
+}
+
 void ServiceRegistry::add(const std::shared_ptr<ServiceRecord>& record) {
-  const std::unique_lock lock(mutex);
+  const std::lock_guard lock(mutex);
   // Under the lock, so that a bundle that stops finds every service it has registered.
   record->bundle->requireOpen();
-  insert(record);
-}
-
-void ServiceRegistry::remove(const ServiceRecord& record) {
-  const std::unique_lock lock(mutex);
-  erase(record);
-}
-
-void ServiceRegistry::reorder(const std::shared_ptr<ServiceRecord>& record,
-                              const std::function<void()>& change) {
-  const std::unique_lock lock(mutex);
-  const bool wasThere = erase(*record);
-  change();
-  if (wasThere) insert(record);
-}
-
-void ServiceRegistry::insert(const std::shared_ptr<ServiceRecord>& record) {
-  insertSorted(records, record);
-  for (const std::string& interfaceId : record->interfaces) {
-    insertSorted(recordsByInterface[interfaceId], record);
-    ++interfacesInSlot[slotOf(interfaceId)];
+  try {
+    insertInto(records, record);
+    for (const std::string& interfaceId : record->interfaces) {
+      insertInto(recordsByInterface[interfaceId], record);
+    }
+  } catch (...) {
+    eraseFromLists(*record);
+    throw;
   }
+  // Last, and before any listener is told: who reads a count of 0 may rely on it.
+  for (ServiceCount* const count : record->counts) ++*count;
 }
 
-bool ServiceRegistry::erase(const ServiceRecord& record) {
-  if (eraseFrom(records, record) == 0) return false;
+void ServiceRegistry::remove(const ServiceRecord& record) noexcept {
+  const std::lock_guard lock(mutex);
+  if (!eraseFromLists(record)) return;
+  for (ServiceCount* const count : record.counts) --*count;
+}
+
+// Also for a record that is in some of its lists only. Says whether it was in the list of all.
+bool ServiceRegistry::eraseFromLists(const ServiceRecord& record) noexcept {
+  const bool wasThere = eraseFrom(records, record);
   for (const std::string& interfaceId : record.interfaces) {
-    --interfacesInSlot[slotOf(interfaceId)];
     const auto entry = recordsByInterface.find(interfaceId);
+    if (entry == recordsByInterface.end()) continue;
     eraseFrom(entry->second, record);
     if (entry->second.empty()) recordsByInterface.erase(entry);
   }
-  return true;
+  return wasThere;
+}
+
+void ServiceRegistry::update(const std::shared_ptr<ServiceRecord>& record,
+                             std::shared_ptr<const AnyMap> properties) noexcept {
+  const std::lock_guard lock(mutex);
+  // The old ranking finds the record, the new one its place. A list that has just lost an entry
+  // has the capacity for it, so that nothing here can fail.
+  const bool isRegistered = eraseFrom(records, *record);
+  if (isRegistered) {
+    for (const auto& name : record->interfaces) eraseFrom(recordsByInterface.at(name), *record);
+  }
+  record->publish(std::move(properties));
+  if (!isRegistered) return;
+  insertInto(records, record);
+  for (const auto& name : record->interfaces) insertInto(recordsByInterface.at(name), record);
 }
 
 std::vector<ServiceReferenceU> ServiceRegistry::find(const std::string& interfaceId,
                                                      const std::string& filter) const {
   std::vector<ServiceReferenceU> references;
-  if (isCertainlyAbsent(interfaceId)) return references;
-  const std::shared_lock lock(mutex);
-  const Records* candidates = recordsOf(interfaceId);
-  if (candidates == nullptr) return references;
+  const Records candidates = recordsOf(interfaceId);
+  if (candidates.empty()) return references;
   const LDAPFilter condition = filter.empty() ? LDAPFilter() : LDAPFilter(filter);
-  for (const auto& record : *candidates) {
+  for (const auto& record : candidates) {
     if (condition && !condition.Match(*record->properties())) continue;
     references.push_back(record->reference(record->findInterface(interfaceId)));
   }
   return references;
 }
 
-ServiceRegistry::Records ServiceRegistry::all() const {
-  const std::shared_lock lock(mutex);
-  return records;
+std::vector<std::shared_ptr<ServiceRecord>> ServiceRegistry::all() const {
+  return recordsOf("");
 }
 
-const ServiceRegistry::Records* ServiceRegistry::recordsOf(const std::string& interfaceId) const {
-  if (interfaceId.empty()) return &records;
+ServiceRegistry::Records ServiceRegistry::recordsOf(const std::string& interfaceId) const {
+  const std::lock_guard lock(mutex);
+  if (interfaceId.empty()) return records;
   const auto entry = recordsByInterface.find(interfaceId);
-  return entry == recordsByInterface.end() ? nullptr : &entry->second;
-}
-
-// Samples the identifier, since hashing all of it would cost as much as the rest of a lookup.
-// Identifiers of one family differ in length or near their ends.
-std::size_t ServiceRegistry::slotOf(const std::string& interfaceId) {
-  std::uint64_t head = 0;
-  std::uint64_t tail = 0;
-  if (interfaceId.size() >= sizeof head) {
-    std::memcpy(&head, interfaceId.data() + (interfaceId.size() - sizeof head) / 2, sizeof head);
-    std::memcpy(&tail, interfaceId.data() + interfaceId.size() - sizeof tail, sizeof tail);
-  } else {
-    std::memcpy(&head, interfaceId.data(), interfaceId.size());
-  }
-  const std::uint64_t mixed =
-      (head + tail * 3 + interfaceId.size()) * std::uint64_t{0x9E3779B97F4A7C15};  // 2^64 / phi
-  return static_cast<std::size_t>(mixed >> 54);
-}
-
-bool ServiceRegistry::isCertainlyAbsent(const std::string& interfaceId) const {
-  return !interfaceId.empty() &&
-         interfacesInSlot[slotOf(interfaceId)].load(std::memory_order_acquire) == 0;
+  return entry == recordsByInterface.end() ? Records() : entry->second;
 }
 
 }  // namespace cppmicroservices::detail

@@ -1,61 +1,62 @@
 #pragma once
 
-#include <array>
 #include <atomic>
-#include <cstdint>
-#include <functional>
 #include <memory>
-#include <shared_mutex>
+#include <mutex>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "registry/FrameworkListeners.hpp"
 #include "registry/ServiceRecord.hpp"
 
 namespace cppmicroservices::detail {
 
 /// The services that are registered, found by interface and filter in the order of preference:
-/// highest ranking first, then lowest id. Calls nobody.
+/// highest ranking first, then lowest id. May be used from several threads; calls factories and
+/// listeners with no lock held.
 class ServiceRegistry {
  public:
-  /// Returns a service id that was not given before; ids ascend.
-  long nextId() { return ++lastId; }
+  /// Keeps a reference to `listeners`, which it tells of every change.
+  explicit ServiceRegistry(FrameworkListeners& listeners);
 
-  /// Adds `record`. Throws `IllegalStateException` when its bundle stops.
-  void add(const std::shared_ptr<ServiceRecord>& record);
+  /// Registers a service of `bundle` and tells the listeners. Lookups find it before the first
+  /// listener is told. Throws `IllegalStateException` when the bundle stops, and like the
+  /// constructor of `ServiceRecord`; nothing is registered then.
+  std::shared_ptr<ServiceRecord> registerService(const std::shared_ptr<ServiceClient>& bundle,
+                                                 const InterfaceMapConstPtr& service,
+                                                 const ServiceProperties& properties);
 
-  /// Removes `record`, if it is there.
-  void remove(const ServiceRecord& record);
+  /// Removes `record`, if it is there. Tells nobody.
+  void remove(const ServiceRecord& record) noexcept;
 
-  /// Makes `change`, which may change the ranking of `record`, and puts the record in its place.
-  void reorder(const std::shared_ptr<ServiceRecord>& record, const std::function<void()>& change);
+  /// Gives `record` new properties and moves it to its place in the order. Tells nobody.
+  void update(const std::shared_ptr<ServiceRecord>& record,
+              std::shared_ptr<const AnyMap> properties) noexcept;
 
   /// Returns references to the services under `interfaceId`, all when it is empty, that `filter`
-  /// matches. Throws `std::invalid_argument` when `filter` cannot be parsed.
+  /// matches. Throws `std::invalid_argument` when there are such services and `filter`, which may
+  /// be empty, cannot be parsed.
   std::vector<ServiceReferenceU> find(const std::string& interfaceId,
                                       const std::string& filter) const;
 
   /// Returns all services in the order of preference.
   std::vector<std::shared_ptr<ServiceRecord>> all() const;
 
+  FrameworkListeners& listeners;
+
  private:
   using Records = std::vector<std::shared_ptr<ServiceRecord>>;
 
-  void insert(const std::shared_ptr<ServiceRecord>& record);
-  bool erase(const ServiceRecord& record);
-  const Records* recordsOf(const std::string& interfaceId) const;
-  static std::size_t slotOf(const std::string& interfaceId);
-  bool isCertainlyAbsent(const std::string& interfaceId) const;
+  void add(const std::shared_ptr<ServiceRecord>& record);
+  bool eraseFromLists(const ServiceRecord& record) noexcept;
+  Records recordsOf(const std::string& interfaceId) const;
 
-  mutable std::shared_mutex mutex;
+  mutable std::mutex mutex;
   std::atomic<long> lastId = 0;
   Records records;
+  // Has no empty lists.
   std::unordered_map<std::string, Records> recordsByInterface;
-
-  // The number of registered interfaces in each slot. An empty slot answers the most frequent
-  // lookup, of an interface that nobody registered, without a lock.
-  static constexpr std::size_t kSlots = 1024;
-  std::array<std::atomic<std::uint32_t>, kSlots> interfacesInSlot{};
 };
 
 }  // namespace cppmicroservices::detail
