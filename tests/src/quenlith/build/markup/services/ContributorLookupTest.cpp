@@ -3,8 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <future>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -108,30 +107,6 @@ TEST_F(ContributorLookup, ThrowsWhenTheFrameworkStopsBetweenTwoContributors) {
       ranked(1));
   addContributor();
   EXPECT_EQ(failureOfLookup(), "The bundle context is no longer valid");
-}
-
-TEST_F(ContributorLookup, NeverFailsWhileAContributorComesAndGoes) {
-  constexpr int kThreads = 4;
-  constexpr int kLookups = 500;
-  std::atomic<int> running = kThreads;
-  std::vector<std::future<void>> lookups;
-  for (int thread = 0; thread < kThreads; ++thread) {
-    lookups.push_back(std::async(std::launch::async, [&running] {
-      try {
-        for (int lookup = 0; lookup < kLookups; ++lookup) {
-          build::markup::services::ParserServicesProviderImpl().getLineContributorDataParsers();
-        }
-      } catch (...) {
-        --running;
-        throw;
-      }
-      --running;
-    }));
-  }
-  while (running > 0) {
-    context().RegisterService<LineContributorDataParser>(makeContributor()).Unregister();
-  }
-  for (auto& lookup : lookups) EXPECT_NO_THROW(lookup.get());
 }
 
 }  // namespace
