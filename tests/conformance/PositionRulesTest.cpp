@@ -3,12 +3,12 @@
 #include <limits>
 
 #include "conformance/ParserHost.hpp"
-#include "quenlith/build/markup/code/PositionCheck.hpp"
+#include "quenlith/build/markup/code/line/PositionCheck.hpp"
 
 namespace quenlith::conformance {
 namespace {
 
-using build::markup::code::isUsableRange;
+using build::markup::code::line::isUsableRange;
 using foundation::json::Value;
 
 ustring rangeText(std::size_t begin, std::size_t end) {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "quenlith/build/markup/code/PositionCheck.hpp"
+#include "quenlith/build/markup/code/line/PositionCheck.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
 
 namespace quenlith::oracle {
@@ -54,7 +54,7 @@ TEST(PositionOracle, EveryRangeIsJudgedByEveryMarkerInEveryLayout) {
   for (const Markers& markers : layouts) {
     for (std::uint64_t begin = 0; begin <= kLineLength + 1; ++begin) {
       for (std::uint64_t end = 0; end <= kLineLength + 1; ++end) {
-        ASSERT_EQ(build::markup::code::isUsableRange(begin, end, kLineLength, markers),
+        ASSERT_EQ(build::markup::code::line::isUsableRange(begin, end, kLineLength, markers),
                   isUsable(markers, begin, end))
             << begin << ' ' << end << " with " << markers.size() << " markers";
       }

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "document/kdzero/LineNode.hpp"
-#include "quenlith/build/markup/code/LineContent.hpp"
-#include "quenlith/build/markup/code/LineParse.hpp"
-#include "quenlith/build/markup/code/LineParsers.hpp"
+#include "quenlith/build/markup/code/line/LineContent.hpp"
+#include "quenlith/build/markup/code/line/ParserLists.hpp"
+#include "quenlith/build/markup/code/line/parseLineNode.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 
 namespace quenlith::build::markup::code {
@@ -25,14 +25,14 @@ ParseResult LineNodeParserService::parseLine(std::shared_ptr<TesseraDocument> do
                                              const Snippet& snippet, ParseResult result) {
   trace("In LineNodeParserService");
   const kd::zero::Model model = document->getModel();
-  const LineParsers parsers(*parserServicesProvider);
+  const line::ParserLists parsers(*parserServicesProvider);
 
   // Most lines are plain, and what becomes of such a line is known.
-  if (isSurelyPlain(snippet.text) && parsers.makesPlainTextNodes()) {
+  if (line::isSurelyPlain(snippet.text) && parsers.makesPlainTextNodes()) {
     const LineNode::Builder builder(model);
     document->addChild(builder.createLineNode(boost::uuids::uuid{}, snippet.text));
   } else {
-    document->addChild(parseLineNode(model, parsers, snippet.text, result));
+    document->addChild(line::parseLineNode(model, parsers, snippet.text, result));
   }
   return result;
 }

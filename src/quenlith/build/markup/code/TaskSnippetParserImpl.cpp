@@ -11,8 +11,8 @@
 #include "failures/kdzero/MarkerInfo.hpp"
 #include "failures/kdzero/ParserFailure.hpp"
 #include "quenlith/build/markup/code/LineNodeParserService.hpp"
-#include "quenlith/build/markup/code/MarkerKind.hpp"
 #include "quenlith/build/markup/code/getStringValue.hpp"
+#include "quenlith/build/markup/code/line/MarkerKind.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 #include "quenlith/syntax/markers.hpp"
@@ -49,7 +49,7 @@ namespace {
 
 /// Tells whether there are two task markers or more and all of them are equal.
 bool isOneTaskMarkerRepeated(const std::vector<MarkerInfo>& markers) {
-  const auto isTaskMarker = [](const MarkerInfo& found) { return isTask(found.marker); };
+  const auto isTaskMarker = [](const MarkerInfo& found) { return line::isTask(found.marker); };
   const auto first = std::ranges::find_if(markers, isTaskMarker);
   const auto isAnother = [&](const MarkerInfo& found) {
     return isTaskMarker(found) && !(found.marker == first->marker);

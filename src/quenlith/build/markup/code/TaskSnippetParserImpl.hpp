@@ -11,7 +11,7 @@
 #include "document/kdzero/TesseraDocument.hpp"
 #include "foundation/json/Value.hpp"
 #include "quenlith/build/markup/SnippetParser.hpp"
-#include "quenlith/build/markup/code/TaskIdCounts.hpp"
+#include "quenlith/build/markup/code/task/TaskIdCounts.hpp"
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
 #include "quenlith/shared/appendix/AppendixBuilder.hpp"
 #include "quenlith/syntax/Marker.hpp"
@@ -88,7 +88,7 @@ class TaskSnippetParserImpl : public SnippetParser {
   fl::i18n::ustring currentTaskId;
   /// Ids of task markers met inside another task; they open no task until `reset`.
   std::unordered_set<fl::i18n::ustring> overlappingTaskIds;
-  TaskIdCounts taskIdCounts;
+  task::TaskIdCounts taskIdCounts;
 };
 
 }  // namespace quenlith::build::markup::code

@@ -12,8 +12,8 @@
 #include "quenlith/build/markup/code/CodeSnippetParserImpl.hpp"
 #include "quenlith/build/markup/code/LineNodeParserService.hpp"
 #include "quenlith/build/markup/code/PlainTextNodeParserImpl.hpp"
-#include "quenlith/build/markup/code/TaskIdCounts.hpp"
 #include "quenlith/build/markup/code/TaskSnippetParserImpl.hpp"
+#include "quenlith/build/markup/code/task/TaskIdCounts.hpp"
 #include "support/FailingAllocations.hpp"
 
 namespace {
@@ -28,8 +28,8 @@ using quenlith::build::markup::Snippet;
 using quenlith::build::markup::code::CodeSnippetParserImpl;
 using quenlith::build::markup::code::LineNodeParserService;
 using quenlith::build::markup::code::PlainTextNodeParserImpl;
-using quenlith::build::markup::code::TaskIdCounts;
 using quenlith::build::markup::code::TaskSnippetParserImpl;
+using quenlith::build::markup::code::task::TaskIdCounts;
 using quenlith::syntax::Marker;
 using quenlith::test::childTexts;
 using quenlith::test::failEachAllocation;

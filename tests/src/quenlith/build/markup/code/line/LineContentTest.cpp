@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/LineContent.hpp"
+#include "quenlith/build/markup/code/line/LineContent.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 
 namespace {
 
-using quenlith::build::markup::code::isSurelyPlain;
-using quenlith::build::markup::code::lookInto;
+using quenlith::build::markup::code::line::isSurelyPlain;
+using quenlith::build::markup::code::line::lookInto;
 
 TEST(LineContent, HasAPairAtAnyPlace) {
   for (std::size_t length = 2; length < 70; ++length) {

@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/PositionCheck.hpp"
+#include "quenlith/build/markup/code/line/PositionCheck.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +13,8 @@ namespace {
 
 using document::kdzero::LineNode;
 using foundation::json::Value;
-using quenlith::build::markup::code::addPositionFailure;
-using quenlith::build::markup::code::isUsableRange;
+using quenlith::build::markup::code::line::addPositionFailure;
+using quenlith::build::markup::code::line::isUsableRange;
 using quenlith::build::markup::core::MarkerInfo;
 using quenlith::syntax::Marker;
 

@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/withoutEscapes.hpp"
+#include "quenlith/build/markup/code/line/normaliseLine.hpp"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using quenlith::build::markup::code::withoutEscapes;
+using quenlith::build::markup::code::line::normaliseLine;
 
 TEST(EscapedLeader, LosesItsBackslash) {
   struct Case {
@@ -25,14 +25,14 @@ TEST(EscapedLeader, LosesItsBackslash) {
       {u"%%\\ <@task>", u"%% <@task>"},
   };
   for (const Case& each : cases) {
-    EXPECT_EQ(withoutEscapes(each.line), each.normalised);
+    EXPECT_EQ(normaliseLine(each.line), each.normalised);
   }
 }
 
 TEST(EscapedLeader, IsThreeUnitsTogether) {
   for (const char16_t* line :
        {u"", u"%", u"%%", u"\\", u"%\\", u"\\%%", u"% %\\", u"%%/", u"%%%"}) {
-    EXPECT_EQ(withoutEscapes(line), line);
+    EXPECT_EQ(normaliseLine(line), line);
   }
 }
 
@@ -43,9 +43,9 @@ TEST(EscapedLeader, IsFoundAtEveryPlaceOfALineOfEveryLength) {
       line.replace(place, 3, u"%%\\");
       std::u16string expected = line;
       expected.erase(place + 2, 1);
-      ASSERT_EQ(withoutEscapes(line), expected) << place << " of " << length;
+      ASSERT_EQ(normaliseLine(line), expected) << place << " of " << length;
       line[place + 1] = u'x';
-      ASSERT_EQ(withoutEscapes(line), line) << place << " of " << length;
+      ASSERT_EQ(normaliseLine(line), line) << place << " of " << length;
     }
   }
 }

@@ -6,7 +6,7 @@
 #include "document/kdzero/Node.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 /// Tells whether the half-open range [`begin`, `end`) can be used to cut a line of `lineLength`
 /// 16-bit code units in which `markers`, ascending and apart from one another, stand.
@@ -20,4 +20,4 @@ bool isUsableRange(std::uint64_t begin, std::uint64_t end, std::uint64_t lineLen
 /// range stands in the failure as it is, both numbers as doubles.
 void addPositionFailure(document::kdzero::Node lineNode, const core::MarkerInfo& marker);
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

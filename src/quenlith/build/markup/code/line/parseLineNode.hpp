@@ -4,14 +4,14 @@
 #include "fl/i18n/ustring.hpp"
 #include "kd/zero/Model.hpp"
 #include "quenlith/build/markup/ParseResult.hpp"
-#include "quenlith/build/markup/code/LineParsers.hpp"
+#include "quenlith/build/markup/code/line/ParserLists.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 /// Returns a new node of `model` with the children, anchor, contributor data and failures of
 /// `line`, and gives `result` the line's marker kinds. What a parser throws passes through; the
 /// result may then have some of the kinds.
-document::kdzero::LineNode parseLineNode(const kd::zero::Model& model, const LineParsers& parsers,
+document::kdzero::LineNode parseLineNode(const kd::zero::Model& model, const ParserLists& parsers,
                                          const fl::i18n::ustring& line, ParseResult& result);
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

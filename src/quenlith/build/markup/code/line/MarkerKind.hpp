@@ -3,7 +3,7 @@
 #include "quenlith/build/markup/ParseResult.hpp"
 #include "quenlith/syntax/Marker.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 // What a marker is told by: its element, and for an anchor its type, compared exactly.
 bool isControl(const syntax::Marker& marker) noexcept;
@@ -15,4 +15,4 @@ bool isTextAnchor(const syntax::Marker& marker) noexcept;
 /// the bare element name, also for an anchor. A text marker that is no anchor adds nothing.
 void recordMarkerKind(const syntax::Marker& marker, ParseResult& result);
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/PositionCheck.hpp"
+#include "quenlith/build/markup/code/line/PositionCheck.hpp"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@
 #include "foundation/json/Value.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 using core::MarkerInfo;
 using failures::kdzero::ParserFailure;
@@ -52,4 +52,4 @@ void addPositionFailure(document::kdzero::Node lineNode, const MarkerInfo& marke
   parserFailures.add(failure);
 }
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

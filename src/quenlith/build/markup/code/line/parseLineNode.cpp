@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/LineParse.hpp"
+#include "quenlith/build/markup/code/line/parseLineNode.hpp"
 
 #include <algorithm>
 #include <boost/uuid/uuid.hpp>
@@ -9,16 +9,16 @@
 #include "contributors/kdzero/NodeContributorData.hpp"
 #include "document/kdzero/Node.hpp"
 #include "quenlith/build/markup/code/CodeElement.hpp"
-#include "quenlith/build/markup/code/LineContent.hpp"
-#include "quenlith/build/markup/code/LineCut.hpp"
-#include "quenlith/build/markup/code/MarkerKind.hpp"
-#include "quenlith/build/markup/code/PositionCheck.hpp"
-#include "quenlith/build/markup/code/withoutEscapes.hpp"
+#include "quenlith/build/markup/code/line/LineContent.hpp"
+#include "quenlith/build/markup/code/line/LineSegmenter.hpp"
+#include "quenlith/build/markup/code/line/MarkerKind.hpp"
+#include "quenlith/build/markup/code/line/PositionCheck.hpp"
+#include "quenlith/build/markup/code/line/normaliseLine.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 #include "quenlith/syntax/markers.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 using contributors::kdzero::NodeContributorData;
 using core::MarkerInfo;
@@ -30,11 +30,11 @@ using syntax::Marker;
 namespace {
 
 /// The parse of one line that may hold markers into its node. Borrows all that it is given.
-class LineParse {
+class LineParser {
  public:
-  LineParse(const kd::zero::Model& lineModel, document::kdzero::Node node,
-            const LineParsers& lineParsers, ParseResult& lineResult)
-      : model(lineModel), lineNode(std::move(node)), parsers(lineParsers), result(lineResult) {}
+  LineParser(const kd::zero::Model& lineModel, document::kdzero::Node node,
+             const ParserLists& parserLists, ParseResult& lineResult)
+      : model(lineModel), lineNode(std::move(node)), parsers(parserLists), result(lineResult) {}
 
   void parse(const ustring& line, LineContent content);
 
@@ -45,30 +45,30 @@ class LineParse {
   void takeRange(const MarkerInfo& marker);
   void setAnchor(const Marker& marker);
   void addContributorData(const Marker& marker);
-  void appendPieces(const LineCut::Pieces& pieces);
+  void appendSegments(const LineSegmenter::Segments& segments);
   void appendPlainText(std::u16string_view text);
-  void appendOwned(const LinePiece& piece);
+  void appendOwned(const LineSegment& segment);
 
   const kd::zero::Model& model;
   document::kdzero::Node lineNode;
-  const LineParsers& parsers;
+  const ParserLists& parsers;
   ParseResult& result;
 
   std::size_t lineLength = 0;
   syntax::MarkerList markers;
   bool hasTask = false;
-  LineCut cut;
+  LineSegmenter segmenter;
 };
 
-void LineParse::parse(const ustring& line, LineContent content) {
+void LineParser::parse(const ustring& line, LineContent content) {
   if (content.escape) {
-    parseNormalised(withoutEscapes(line));
+    parseNormalised(normaliseLine(line));
   } else {
     parseNormalised(line);
   }
 }
 
-void LineParse::parseNormalised(const ustring& line) {
+void LineParser::parseNormalised(const ustring& line) {
   syntax::appendMarkers(line, false, markers);
   if (markers.empty()) {
     appendPlainText(line);
@@ -78,40 +78,40 @@ void LineParse::parseNormalised(const ustring& line) {
                         [](const MarkerInfo& info) { return isTask(info.marker); });
   lineLength = line.size();
   for (const MarkerInfo& marker : markers) takeMarker(marker);
-  appendPieces(cut.cut(line));
+  appendSegments(segmenter.split(line));
 }
 
-void LineParse::takeMarker(const MarkerInfo& marker) {
+void LineParser::takeMarker(const MarkerInfo& marker) {
   recordMarkerKind(marker.marker, result);
   if (!isHandled(marker.marker)) return;
   takeRange(marker);
-  cut.leaveOut(marker);
+  segmenter.exclude(marker);
   setAnchor(marker.marker);
   addContributorData(marker.marker);
 }
 
-bool LineParse::isHandled(const Marker& marker) const {
+bool LineParser::isHandled(const Marker& marker) const {
   return parsers.findAccepting(marker) != nullptr || isOutput(marker) || isTask(marker) ||
          isTextAnchor(marker);
 }
 
-void LineParse::takeRange(const MarkerInfo& marker) {
+void LineParser::takeRange(const MarkerInfo& marker) {
   if (!marker.range) return;
   const auto [begin, end] = *marker.range;
   if (isUsableRange(begin, end, lineLength, {markers.data(), markers.size()})) {
-    cut.own(begin, end, marker);
+    segmenter.assign(begin, end, marker);
   } else {
     addPositionFailure(lineNode, marker);
   }
 }
 
-void LineParse::setAnchor(const Marker& marker) {
+void LineParser::setAnchor(const Marker& marker) {
   if (!isTextAnchor(marker) || marker.idView().empty() || hasTask) return;
   trace("Setting anchor id on the line node");
   lineNode->setAnchorId(marker.idView());
 }
 
-void LineParse::addContributorData(const Marker& marker) {
+void LineParser::addContributorData(const Marker& marker) {
   for (const auto& parser : parsers.contributorDataParsers()) {
     if (!parser->isApplicable(marker)) continue;
     trace("Found an applicable line contributor data parser");
@@ -124,31 +124,31 @@ void LineParse::addContributorData(const Marker& marker) {
   }
 }
 
-void LineParse::appendPieces(const LineCut::Pieces& pieces) {
-  if (pieces.empty()) appendPlainText({});
-  for (const LinePiece& piece : pieces) {
-    if (piece.owner == nullptr) {
-      appendPlainText(piece.text);
+void LineParser::appendSegments(const LineSegmenter::Segments& segments) {
+  if (segments.empty()) appendPlainText({});
+  for (const LineSegment& segment : segments) {
+    if (segment.owner == nullptr) {
+      appendPlainText(segment.text);
     } else {
-      appendOwned(piece);
+      appendOwned(segment);
     }
   }
 }
 
-void LineParse::appendPlainText(std::u16string_view text) {
+void LineParser::appendPlainText(std::u16string_view text) {
   lineNode->getChildrenMutable().add(parsers.parsePlainText(model, text));
 }
 
-void LineParse::appendOwned(const LinePiece& piece) {
-  CodeElementParser* accepting = parsers.findAccepting(piece.owner->marker);
+void LineParser::appendOwned(const LineSegment& segment) {
+  CodeElementParser* accepting = parsers.findAccepting(segment.owner->marker);
   if (accepting == nullptr) return;
-  const CodeElement element{ustring(piece.text), piece.owner->marker, piece.owner->range};
+  const CodeElement element{ustring(segment.text), segment.owner->marker, segment.owner->range};
   lineNode->getChildrenMutable().add(accepting->parse(model, element));
 }
 
 }  // namespace
 
-LineNode parseLineNode(const kd::zero::Model& model, const LineParsers& parsers,
+LineNode parseLineNode(const kd::zero::Model& model, const ParserLists& parsers,
                        const ustring& line, ParseResult& result) {
   const LineNode::Builder builder(model);
   const LineContent content = lookInto(line);
@@ -156,8 +156,8 @@ LineNode parseLineNode(const kd::zero::Model& model, const LineParsers& parsers,
     return builder.createLineNode(boost::uuids::uuid{}, line);
   }
   LineNode node = builder.createLineNode(boost::uuids::uuid{});
-  LineParse(model, node, parsers, result).parse(line, content);
+  LineParser(model, node, parsers, result).parse(line, content);
   return node;
 }
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

@@ -5,7 +5,7 @@
 
 #include "fl/i18n/ustring.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::task {
 
 /// Counts the task markers of each id in blocks of text. Each block is scanned once, as long as
 /// it is not forgotten; blocks are told apart by their content.
@@ -30,4 +30,4 @@ class TaskIdCounts {
   const Blocks::value_type* latest = nullptr;
 };
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::task

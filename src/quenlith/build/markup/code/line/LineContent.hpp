@@ -7,7 +7,7 @@
 #include <emmintrin.h>
 #endif
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 /// What stands in a line that makes it more than plain text.
 struct LineContent {
@@ -45,4 +45,4 @@ inline bool isSurelyPlain(std::u16string_view line) noexcept {
   return true;
 }
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

@@ -1,11 +1,11 @@
-#include "quenlith/build/markup/code/MarkerKind.hpp"
+#include "quenlith/build/markup/code/line/MarkerKind.hpp"
 
 #include <cstring>
 #include <string_view>
 
 #include "quenlith/syntax/markers.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 using syntax::KnownElement;
 using syntax::Marker;
@@ -36,4 +36,4 @@ void recordMarkerKind(const Marker& marker, ParseResult& result) {
   if (isKind) result.markerTypes.insert(syntax::bareMarkerText(element));
 }
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

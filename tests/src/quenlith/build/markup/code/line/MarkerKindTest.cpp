@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/MarkerKind.hpp"
+#include "quenlith/build/markup/code/line/MarkerKind.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +8,11 @@
 
 namespace {
 
+using quenlith::build::markup::code::line::isControl;
+using quenlith::build::markup::code::line::isOutput;
+using quenlith::build::markup::code::line::isTask;
+using quenlith::build::markup::code::line::isTextAnchor;
+using quenlith::build::markup::code::line::recordMarkerKind;
 using namespace quenlith::build::markup::code;
 using quenlith::build::markup::ParseResult;
 using quenlith::syntax::Marker;

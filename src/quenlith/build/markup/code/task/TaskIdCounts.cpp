@@ -1,11 +1,11 @@
-#include "quenlith/build/markup/code/TaskIdCounts.hpp"
+#include "quenlith/build/markup/code/task/TaskIdCounts.hpp"
 
 #include <cstring>
 
-#include "quenlith/build/markup/code/MarkerKind.hpp"
+#include "quenlith/build/markup/code/line/MarkerKind.hpp"
 #include "quenlith/syntax/markers.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::task {
 
 using fl::i18n::ustring;
 
@@ -31,7 +31,7 @@ std::size_t TaskIdCounts::count(const ustring& block, const ustring& id) {
 TaskIdCounts::Counts TaskIdCounts::countIn(const ustring& block) {
   Counts counts;
   for (const core::MarkerInfo& found : syntax::get_markers_from_snippet(block, false)) {
-    if (isTask(found.marker)) ++counts[found.marker.getId()];
+    if (line::isTask(found.marker)) ++counts[found.marker.getId()];
   }
   return counts;
 }
@@ -41,4 +41,4 @@ void TaskIdCounts::clear() noexcept {
   blocks.clear();
 }
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::task

@@ -15,13 +15,13 @@
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
 #include "quenlith/syntax/Marker.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 /// The parsers that one line is parsed with, as the provider gave them at its start.
-class LineParsers {
+class ParserLists {
  public:
   /// Asks `provider` for the contributor data parsers, then for the code element parsers.
-  explicit LineParsers(services::ParserServicesProvider& provider)
+  explicit ParserLists(services::ParserServicesProvider& provider)
       : contributors(provider.getLineContributorDataParsers()),
         elementParsers(provider.getCodeElementParsers()) {}
 
@@ -57,4 +57,4 @@ class LineParsers {
   std::vector<std::shared_ptr<CodeElementParser>> elementParsers;
 };
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/TaskIdCounts.hpp"
+#include "quenlith/build/markup/code/task/TaskIdCounts.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-using Counts = quenlith::build::markup::code::TaskIdCounts;
+using Counts = quenlith::build::markup::code::task::TaskIdCounts;
 
 TEST(TaskIdCounts, CountsTheTaskMarkersOfAnId) {
   Counts counts;

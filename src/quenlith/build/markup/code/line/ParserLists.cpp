@@ -1,18 +1,18 @@
-#include "quenlith/build/markup/code/LineParsers.hpp"
+#include "quenlith/build/markup/code/line/ParserLists.hpp"
 
 #include <optional>
 #include <stdexcept>
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
-CodeElementParser* LineParsers::findAccepting(const syntax::Marker& marker) const {
+CodeElementParser* ParserLists::findAccepting(const syntax::Marker& marker) const {
   for (std::size_t place = 0; place + 1 < elementParsers.size(); ++place) {
     if (elementParsers[place]->canParse(marker)) return elementParsers[place].get();
   }
   return nullptr;
 }
 
-document::kdzero::Node LineParsers::parseWithDefault(const kd::zero::Model& model,
+document::kdzero::Node ParserLists::parseWithDefault(const kd::zero::Model& model,
                                                      std::u16string_view text) const {
   CodeElementParser* parser = elementParsers.back().get();
   if (parser == nullptr) {
@@ -23,4 +23,4 @@ document::kdzero::Node LineParsers::parseWithDefault(const kd::zero::Model& mode
   return parser->parse(model, CodeElement{fl::i18n::ustring(text), std::nullopt, std::nullopt});
 }
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line

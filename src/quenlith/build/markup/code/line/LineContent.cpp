@@ -1,6 +1,6 @@
-#include "quenlith/build/markup/code/LineContent.hpp"
+#include "quenlith/build/markup/code/line/LineContent.hpp"
 
-namespace quenlith::build::markup::code {
+namespace quenlith::build::markup::code::line {
 
 namespace {
 
@@ -46,4 +46,4 @@ LineContent lookInto(std::u16string_view line) noexcept {
   return {line.find(u"<@") != line.npos, line.find(u"%\\") != line.npos};
 }
 
-}  // namespace quenlith::build::markup::code
+}  // namespace quenlith::build::markup::code::line
