@@ -7,12 +7,12 @@
 
 namespace quenlith::build::markup {
 
-/// What a snippet parser says of one line beside the nodes that it adds to the document.
+/// What a snippet parser returns for one line, besides the nodes that it adds to the document.
 struct ParseResult {
-  /// What the host hands back with the next line.
+  /// What the host passes with the next line.
   SnippetType type;
-  /// The kinds of marker met on the line, each as the canonical text of a marker built
-  /// from the kind's element name; ascending by code units.
+  /// The kinds of marker on the line, each as the canonical text of a marker built from the kind's
+  /// element name. Ascending by code units.
   std::set<fl::i18n::ustring> markerTypes;
   /// Passed through unchanged; the parsers of this bundle never set it.
   bool flag = false;

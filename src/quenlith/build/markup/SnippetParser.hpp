@@ -9,27 +9,27 @@
 
 namespace quenlith::build::markup {
 
-/// Service interface: turns lines of source, one a call, into nodes of a document.
+/// Service interface: turns lines of source, one per call, into nodes of a document.
 ///
-/// `canParse` is asked before `parse` for the same snippet. A parser may carry state from
-/// line to line, so the lines of two snippets must not be interleaved on one instance, nor
-/// may two threads use one at once.
+/// The host calls `canParse` before `parse` for the same snippet. A parser may keep state between
+/// lines, so the lines of two snippets must not be interleaved on one instance, and two threads
+/// must not use one instance at once.
 class SnippetParser {
  public:
   virtual ~SnippetParser() = default;
 
-  /// Tells whether this parser takes `snippet`.
+  /// Returns whether this parser accepts `snippet`.
   virtual bool canParse(const Snippet& snippet) = 0;
 
   /// Adds the nodes of `snippet` to `document` and returns the summary of the line.
   ///
-  /// `document` must not be null; the reference is let go of on return. An author's text
-  /// never makes this throw; exceptions of the services used and of the model pass through,
-  /// and what was added to `document` before one stays in it.
+  /// `document` must not be null. The reference is released on return. An author's text never makes
+  /// this throw. Exceptions of services and of the model are propagated, and nodes that were added
+  /// to `document` before the exception stay in it.
   virtual ParseResult parse(std::shared_ptr<document::kdzero::TesseraDocument> document,
                             const Snippet& snippet) = 0;
 
-  /// Ends a run of lines: forgets what was carried from line to line. Does nothing here.
+  /// Ends a run of lines: discards the state kept between lines. Does nothing here.
   virtual void reset() {}
 };
 

@@ -4,13 +4,13 @@
 
 namespace quenlith::build::markup {
 
-/// What a parse decided of a line, handed back by the host with the next one.
+/// The type of a line, which the host passes with the next line.
 ///
 /// The two bytes are copied and compared as one unit.
 struct SnippetType {
-  /// Written as 0 by the parsers of this bundle; passed on as it is otherwise.
+  /// The parsers of this bundle set it to 0.
   std::uint8_t group = 0;
-  /// 0: plain code, no task open. 3: a task is open. On input every value above 1 says
+  /// 0: plain code, no task is open. 3: a task is open. In a snippet, every value above 1 means
   /// that a task is open on the host's side.
   std::uint8_t kind = 0;
 

@@ -9,11 +9,11 @@
 
 namespace quenlith::build::markup::code {
 
-/// One piece of a line, on its way to a code element parser.
+/// One segment of a line, the input of a code element parser.
 struct CodeElement {
-  /// The characters of the piece, markers' own text removed. May be empty.
+  /// The text of the segment without the markers' own text. May be empty.
   fl::i18n::ustring text;
-  /// The marker that owns the piece; absent for plain text.
+  /// The marker that owns the segment; absent for plain text.
   std::optional<quenlith::syntax::Marker> marker;
   /// The owning marker's range [begin, end) in 16-bit code units of the whole line;
   /// absent for plain text.

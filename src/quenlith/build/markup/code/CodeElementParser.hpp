@@ -8,16 +8,16 @@
 
 namespace quenlith::build::markup::code {
 
-/// Service interface: turns one piece of a line into one inline node.
+/// Service interface: turns one segment of a line into one inline node.
 ///
-/// A service with the property "priority" = "default" makes the nodes of plain text; every
-/// other one is asked in service order whether it takes the pieces of a marker, and the
-/// first that does is used.
+/// The service with the property "priority" = "default" parses plain text. The others are asked in
+/// service order whether they accept a marker; the first one that does parses the segments that the
+/// marker owns.
 class CodeElementParser {
  public:
   virtual ~CodeElementParser() = default;
 
-  /// Tells whether this parser takes pieces that `marker` owns.
+  /// Returns whether this parser accepts segments that `marker` owns.
   virtual bool canParse(const quenlith::syntax::Marker& marker) = 0;
 
   /// Returns a new, detached node for `element` that belongs to `model`.

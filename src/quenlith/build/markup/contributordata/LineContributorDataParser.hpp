@@ -10,16 +10,16 @@
 
 namespace quenlith::build::markup::contributordata {
 
-/// Service interface: gives the data that a marker contributes to its line.
+/// Service interface: provides the data that a marker contributes to its line.
 class LineContributorDataParser {
  public:
   virtual ~LineContributorDataParser() = default;
 
-  /// Tells whether this parser has data for `marker`.
+  /// Returns whether this parser has data for `marker`.
   virtual bool isApplicable(const quenlith::syntax::Marker& marker) = 0;
 
   /// Returns the contributing feature and its data, a new element of `model`. The data may be
-  /// the empty handle: the line is then told the feature without data.
+  /// the empty handle: the line then gets the feature without data.
   virtual std::pair<fl::i18n::ustring, contributors::kdzero::LineData> parse(
       const kd::zero::Model& model, const quenlith::syntax::Marker& marker) = 0;
 };

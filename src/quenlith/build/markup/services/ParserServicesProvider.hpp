@@ -9,10 +9,9 @@
 
 namespace quenlith::build::markup::services {
 
-/// Service interface: hands out the parsers that a line is parsed with.
+/// Service interface: provides the parsers for a line.
 ///
-/// Not thread-safe while its lists are being filled: parses that share a provider are
-/// serialised by the host.
+/// Not thread-safe: the host serialises parses that share a provider.
 class ParserServicesProvider {
  public:
   virtual ~ParserServicesProvider() = default;
