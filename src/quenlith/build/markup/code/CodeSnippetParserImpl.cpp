@@ -10,8 +10,8 @@ namespace quenlith::build::markup::code {
 using quenlith::shared::logging::trace;
 
 CodeSnippetParserImpl::CodeSnippetParserImpl(
-    const std::shared_ptr<services::ParserServicesProvider>& provider)
-    : parserServicesProvider(provider) {}
+    const std::shared_ptr<services::ParserServicesProvider>& parserServicesProvider)
+    : parserServicesProvider(parserServicesProvider) {}
 
 CodeSnippetParserImpl::~CodeSnippetParserImpl() = default;
 
@@ -25,7 +25,7 @@ ParseResult CodeSnippetParserImpl::parse(
   trace("Parsing using the default parser");
   LineNodeParserService service(parserServicesProvider);
   ParseResult result = service.parseLine(std::move(document), snippet, ParseResult());
-  // Whatever came back: a line of plain code leaves no task open.
+  // Whatever type came back, a line of plain code leaves no task open.
   result.type = SnippetType{};
   return result;
 }

@@ -7,19 +7,20 @@
 
 namespace quenlith::build::markup::code {
 
-/// The default snippet parser: takes every line and puts it into the document as plain code.
-/// Keeps nothing from line to line.
+/// The default snippet parser: accepts every line and adds it to the document as plain code. Keeps
+/// no state between lines.
 class CodeSnippetParserImpl : public SnippetParser {
  public:
-  /// Shares `provider`, which must not be null, for the life of the parser.
-  explicit CodeSnippetParserImpl(const std::shared_ptr<services::ParserServicesProvider>& provider);
+  /// Shares `parserServicesProvider`, which must not be null, for the life of the parser.
+  explicit CodeSnippetParserImpl(
+      const std::shared_ptr<services::ParserServicesProvider>& parserServicesProvider);
   ~CodeSnippetParserImpl() override;
 
-  /// Returns true; the snippet is not looked at.
+  /// Returns true. Does not read the snippet.
   bool canParse(const Snippet& snippet) override;
 
-  /// Appends the line node of `snippet` and returns the type {0, 0}, which says that no task is
-  /// open, with the marker kinds of the line.
+  /// Appends the line node of `snippet`. Returns the marker kinds of the line, and the type {0, 0}:
+  /// no task is open.
   ParseResult parse(std::shared_ptr<document::kdzero::TesseraDocument> document,
                     const Snippet& snippet) override;
 

@@ -9,25 +9,26 @@
 
 namespace quenlith::build::markup::code {
 
-/// Cuts one line of text into pieces and makes a node of each.
+/// Splits one line of text into segments and creates a node for each.
 ///
-/// Text is UTF-16: positions and lengths count 16-bit code units from the start of the line,
-/// ranges are half-open, a line comes without its line ending. Keeps nothing from line to line.
+/// Text is UTF-16: positions and lengths count 16-bit code units from the start of the line, ranges
+/// are half-open, and a line is passed without its line ending. Keeps no state between lines.
 class LineNodeParserService {
  public:
-  /// Shares `provider` for the life of the service. Must not be null.
-  explicit LineNodeParserService(const std::shared_ptr<services::ParserServicesProvider>& provider);
+  /// Shares `parserServicesProvider`, which must not be null, for the life of the service.
+  explicit LineNodeParserService(
+      const std::shared_ptr<services::ParserServicesProvider>& parserServicesProvider);
   LineNodeParserService(const LineNodeParserService&) = delete;
   LineNodeParserService& operator=(const LineNodeParserService&) = delete;
   virtual ~LineNodeParserService();
 
-  /// Appends one line node for `snippet.text` to `document`, as its last step.
+  /// Appends one line node for `snippet.text` to `document`. This is the last step.
   ///
-  /// Returns `result` with the marker kinds of the line added to `markerTypes`; its other
-  /// fields come back as they were. A marker whose position data cannot be used becomes a
-  /// failure on the node. Throws std::runtime_error when plain text is met and no default code
-  /// element parser is registered, and what a parser service or the model throws; `document`
-  /// is then as it was. O(n + m log m) for n code units and m markers.
+  /// Returns `result` with the marker kinds of the line added to `markerTypes`; the other fields
+  /// are unchanged. A marker with unusable position data becomes a failure on the node. Throws
+  /// std::runtime_error when the line has plain text and no default code element parser is
+  /// registered. Propagates exceptions from parser services and the model. `document` is unchanged
+  /// when it throws. O(n + m log m) for n code units and m markers.
   ParseResult parseLine(std::shared_ptr<document::kdzero::TesseraDocument> document,
                         const Snippet& snippet, ParseResult result);
 

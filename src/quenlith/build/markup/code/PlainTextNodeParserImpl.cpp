@@ -1,5 +1,7 @@
 #include "quenlith/build/markup/code/PlainTextNodeParserImpl.hpp"
 
+#include "quenlith/build/markup/code/line/makePlainTextNode.hpp"
+
 namespace quenlith::build::markup::code {
 
 PlainTextNodeParserImpl::PlainTextNodeParserImpl() = default;
@@ -11,7 +13,7 @@ bool PlainTextNodeParserImpl::canParse(const syntax::Marker& /*marker*/) {
 
 document::kdzero::Node PlainTextNodeParserImpl::parse(const kd::zero::Model& model,
                                                       const CodeElement& element) {
-  return makeNode(model, element.text);
+  return line::makePlainTextNode(model, element.text);
 }
 
 }  // namespace quenlith::build::markup::code

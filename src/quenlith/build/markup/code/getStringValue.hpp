@@ -8,8 +8,8 @@
 
 namespace quenlith::build::markup::code {
 
-/// Returns the text under the UTF-8 `key` in UTF-16; empty when there is none or when the value
-/// is no string.
+/// Returns the string value of the UTF-8 `key` in UTF-16, empty when there is none or when the
+/// value is not a string.
 fl::i18n::ustring getStringValue(const std::map<std::string, foundation::json::Value>& data,
                                  const std::string& key);
 

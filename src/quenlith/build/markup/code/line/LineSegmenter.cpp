@@ -26,19 +26,19 @@ void LineSegmenter::add(std::size_t begin, std::size_t end, const MarkerInfo& ma
   spans.emplace_back(begin, end, &marker, isMarkerText);
 }
 
-/// Goes through a line from left to right and tells at each place which span counts.
+/// Sweeps a line from left to right and yields runs, in each of which one span counts.
 class LineSegmenter::Sweep {
  public:
-  Sweep(std::span<const Run> allSpans, std::size_t length)
-      : spans(allSpans), lineLength(length), byBegin(allSpans.size()) {
+  Sweep(std::span<const Run> spans, std::size_t lineLength)
+      : spans(spans), lineLength(lineLength), byBegin(spans.size()) {
     std::iota(byBegin.begin(), byBegin.end(), std::size_t{0});
     std::sort(byBegin.begin(), byBegin.end(),
-              [this](std::size_t a, std::size_t b) { return spans[a].begin < spans[b].begin; });
+              [spans](std::size_t a, std::size_t b) { return spans[a].begin < spans[b].begin; });
   }
 
   bool atEnd() const noexcept { return position == lineLength; }
 
-  /// Returns the run that begins here and moves behind it.
+  /// Returns the run that begins at the current position and moves to its end.
   Run next() {
     openAndClose();
     const std::size_t nextBegin =
@@ -65,7 +65,7 @@ class LineSegmenter::Sweep {
   std::vector<std::size_t> byBegin;
   std::size_t opened = 0;
   std::size_t position = 0;
-  // The span given last is on top. One that ended below it is dropped when it comes up.
+  // The span given last is on top. A span that ended below it is removed once it is on top.
   std::priority_queue<std::size_t> open;
 };
 
@@ -115,7 +115,7 @@ void LineSegmenter::join(std::u16string_view line, Group& group, LineSegment& se
   segment.text = textOf(*run);
   if (++run == ranges::end(group)) return;
 
-  // All joined texts together are no longer than the line: what is there does not move.
+  // All joined texts together are not longer than the line, so they never move.
   joined.reserve(line.size());
   const std::size_t start = joined.size();
   joined.append(segment.text);

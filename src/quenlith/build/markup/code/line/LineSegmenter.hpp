@@ -9,39 +9,39 @@
 
 namespace quenlith::build::markup::code::line {
 
-/// A segment of a line: neighbouring text of one owner.
+/// A segment of a line: consecutive text with the same owner.
 struct LineSegment {
-  /// A part of the line, or of the cut's own memory where it had to be joined.
+  /// Refers to the line, or to memory of the segmenter where it had to be joined.
   std::u16string_view text;
   /// Null for text that no marker owns.
   const core::MarkerInfo* owner = nullptr;
 };
 
-/// Says which markers own which spans of a line, and cuts the line accordingly.
+/// Collects which markers own which spans of a line, and splits the line into segments by owner.
 ///
 /// Positions count 16-bit code units from the start of the line. Markers are borrowed; two
 /// markers are two owners even when they are equal.
 class LineSegmenter {
  public:
-  /// Gives the text [`begin`, `end`) to `owner`; takes it from an earlier owner.
+  /// Assigns the text [`begin`, `end`) to `owner`, which replaces an earlier owner.
   void assign(std::size_t begin, std::size_t end, const core::MarkerInfo& owner);
 
-  /// Leaves the own text of `marker` out of all segments.
+  /// Excludes the own text of `marker` from all segments.
   void exclude(const core::MarkerInfo& marker);
 
-  // Lists that most lines need no memory for.
+  // With inline capacity, so that most lines do not allocate.
   using Segments = boost::container::small_vector<LineSegment, 4>;
 
-  /// Returns the segments of `line` in order, none of them empty, valid until the next cut and as
-  /// long as both the cut and the line are. Text on both sides of what is left out is one segment
-  /// when it has the same owner. O(n + m log m) for n code units and m spans.
+  /// Returns the segments of `line` in order, none of them empty. They are valid until the next
+  /// `split` and for the life of the segmenter and the line. Text before and after excluded text is
+  /// one segment when it has the same owner. O(n + m log m) for n code units and m spans.
   Segments split(std::u16string_view line);
 
  private:
   struct Run {
-    Run(std::size_t runBegin, std::size_t runEnd, const core::MarkerInfo* runOwner,
-        bool runIsMarkerText) noexcept
-        : begin(runBegin), end(runEnd), owner(runOwner), isMarkerText(runIsMarkerText) {}
+    Run(std::size_t begin, std::size_t end, const core::MarkerInfo* owner,
+        bool isMarkerText) noexcept
+        : begin(begin), end(end), owner(owner), isMarkerText(isMarkerText) {}
 
     std::size_t begin;
     std::size_t end;
@@ -57,11 +57,11 @@ class LineSegmenter {
   Runs runs(std::size_t lineLength) const;
   void fillGaps(std::size_t lineLength, Runs& found) const;
 
-  // In the order given: a later span wins over an earlier one where they overlap.
+  // In the order of the calls: where two spans overlap, the later one counts.
   boost::container::small_vector<Run, 4> spans;
-  /// Each span begins behind the one before, as nearly always: none overlaps another.
+  // Each span begins at or after the end of the one before, as on nearly all lines: none overlap.
   bool ascending = true;
-  // The texts of the segments that are several runs, one behind the other.
+  // The texts of the segments that consist of several runs, one after another.
   fl::i18n::ustring joined;
 };
 

@@ -1,39 +1,31 @@
 #include "quenlith/build/markup/code/line/MarkerKind.hpp"
 
-#include <cstring>
+#include <array>
+#include <cstddef>
 #include <string_view>
-
-#include "quenlith/syntax/markers.hpp"
 
 namespace quenlith::build::markup::code::line {
 
-using syntax::KnownElement;
+using fl::i18n::ustring;
 using syntax::Marker;
+using namespace std::string_view_literals;
 
-bool isControl(const Marker& marker) noexcept {
-  return marker.knownElement() == KnownElement::kControl;
+MarkerKind kindOf(const Marker& marker) {
+  const ustring element = marker.getElement();
+  if (element == u"output"sv) return MarkerKind::kOutput;
+  if (element == u"task"sv) return MarkerKind::kTask;
+  if (element == u"control"sv) return MarkerKind::kControl;
+  if (element == u"text"sv && marker.getType() == u"anchor"sv) return MarkerKind::kTextAnchor;
+  return MarkerKind::kOther;
 }
 
-bool isOutput(const Marker& marker) noexcept {
-  return marker.knownElement() == KnownElement::kOutput;
-}
-
-bool isTask(const Marker& marker) noexcept {
-  return marker.knownElement() == KnownElement::kTask;
-}
-
-bool isTextAnchor(const Marker& marker) noexcept {
-  constexpr std::u16string_view kAnchor = u"anchor";
-  const std::u16string_view type = marker.typeView();
-  return marker.knownElement() == KnownElement::kText && type.size() == kAnchor.size() &&
-         std::memcmp(type.data(), kAnchor.data(), kAnchor.size() * sizeof(char16_t)) == 0;
-}
-
-void recordMarkerKind(const Marker& marker, ParseResult& result) {
-  const KnownElement element = marker.knownElement();
-  const bool isKind =
-      element == KnownElement::kText ? isTextAnchor(marker) : element != KnownElement::kOther;
-  if (isKind) result.markerTypes.insert(syntax::bareMarkerText(element));
+void recordMarkerKind(MarkerKind kind, ParseResult& result) {
+  if (kind == MarkerKind::kOther) return;
+  // In the order of the enumeration. An anchor is recorded as "text".
+  static const std::array<ustring, 4> kTexts{
+      Marker(u"control").toString(), Marker(u"output").toString(), Marker(u"task").toString(),
+      Marker(u"text").toString()};
+  result.markerTypes.insert(kTexts[static_cast<std::size_t>(kind)]);
 }
 
 }  // namespace quenlith::build::markup::code::line

@@ -1,18 +1,20 @@
 #pragma once
 
+#include <cstdint>
+
 #include "quenlith/build/markup/ParseResult.hpp"
 #include "quenlith/syntax/Marker.hpp"
 
 namespace quenlith::build::markup::code::line {
 
-// What a marker is told by: its element, and for an anchor its type, compared exactly.
-bool isControl(const syntax::Marker& marker) noexcept;
-bool isOutput(const syntax::Marker& marker) noexcept;
-bool isTask(const syntax::Marker& marker) noexcept;
-bool isTextAnchor(const syntax::Marker& marker) noexcept;
+/// What the parsers distinguish markers by: the element, and for an anchor the type too.
+enum class MarkerKind : std::uint8_t { kControl, kOutput, kTask, kTextAnchor, kOther };
 
-/// Adds the kind of `marker` to `result.markerTypes`: the canonical text of a marker made from
-/// the bare element name, also for an anchor. A text marker that is no anchor adds nothing.
-void recordMarkerKind(const syntax::Marker& marker, ParseResult& result);
+/// Returns the kind of `marker`. Element and type are compared exactly.
+MarkerKind kindOf(const syntax::Marker& marker);
+
+/// Adds the canonical text of a marker made from the bare element name of `kind` to
+/// `result.markerTypes`. Adds nothing for `kOther`.
+void recordMarkerKind(MarkerKind kind, ParseResult& result);
 
 }  // namespace quenlith::build::markup::code::line

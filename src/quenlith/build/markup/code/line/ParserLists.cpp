@@ -1,5 +1,6 @@
 #include "quenlith/build/markup/code/line/ParserLists.hpp"
 
+#include <cstddef>
 #include <optional>
 #include <stdexcept>
 

@@ -5,12 +5,14 @@
 #include "failures/kdzero/MarkerInfo.hpp"
 #include "failures/kdzero/ParserFailure.hpp"
 #include "foundation/json/Value.hpp"
+#include "quenlith/build/markup/code/failure/failureIds.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 
 namespace quenlith::build::markup::code::line {
 
 using core::MarkerInfo;
 using failures::kdzero::ParserFailure;
+using fl::i18n::ustring;
 using foundation::json::Value;
 
 namespace {
@@ -19,10 +21,10 @@ std::uint64_t endOf(const MarkerInfo& marker) noexcept {
   return marker.position + marker.length;
 }
 
-// A marker is touched when the range begins within its closed bounds, ends behind its first
-// position and not behind its end, or encloses it. Markers stand apart in ascending order, so
-// when any of them is touched, the last one that begins before the range ends is, and it is touched
-// when the range begins at or before its end.
+// A range touches a marker when it begins within the marker's closed bounds, ends after the
+// marker's position and not after its end, or encloses the marker. Markers are in ascending order
+// and do not overlap. So if the range touches any marker, it touches the last one that begins
+// before the end of the range, and it does so when it begins at or before the end of that marker.
 bool touchesMarker(std::uint64_t begin, std::uint64_t end,
                    std::span<const MarkerInfo> markers) noexcept {
   const auto beyond = std::partition_point(markers.begin(), markers.end(),
@@ -40,16 +42,16 @@ bool isUsableRange(std::uint64_t begin, std::uint64_t end, std::uint64_t lineLen
 void addPositionFailure(document::kdzero::Node lineNode, const MarkerInfo& marker) {
   quenlith::shared::logging::trace("Building a bad position parser failure");
   auto& parserFailures = lineNode->getParserFailuresMutable();
-  ParserFailure failure;
-  failure.setFailureId(u"invalid_position_data");
-  failure.setMarkerInfo(failures::kdzero::MarkerInfo()
-                            .setFeatureId(marker.marker.getElement())
-                            .setSubFeatureId(marker.marker.getType())
-                            .setMarkerId(marker.marker.getId()));
+  ParserFailure parserFailure;
+  parserFailure.setFailureId(ustring(failure::kInvalidPositionData));
+  parserFailure.setMarkerInfo(failures::kdzero::MarkerInfo()
+                                  .setFeatureId(marker.marker.getElement())
+                                  .setSubFeatureId(marker.marker.getType())
+                                  .setMarkerId(marker.marker.getId()));
   const auto [begin, end] = *marker.range;
-  failure.setFailureData({{"position", std::vector<Value>{Value(static_cast<double>(begin)),
-                                                          Value(static_cast<double>(end))}}});
-  parserFailures.add(failure);
+  parserFailure.setFailureData({{"position", std::vector<Value>{Value(static_cast<double>(begin)),
+                                                                Value(static_cast<double>(end))}}});
+  parserFailures.add(parserFailure);
 }
 
 }  // namespace quenlith::build::markup::code::line

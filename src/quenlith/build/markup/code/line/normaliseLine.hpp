@@ -4,8 +4,8 @@
 
 namespace quenlith::build::markup::code::line {
 
-/// Returns `line` with the backslash of each "%%\\" left out, from left to right; what comes of
-/// that is not looked at again.
+/// Returns `line` with every "%%\\" replaced by "%%", from left to right. The replacements are not
+/// searched again.
 fl::i18n::ustring normaliseLine(const fl::i18n::ustring& line);
 
 }  // namespace quenlith::build::markup::code::line

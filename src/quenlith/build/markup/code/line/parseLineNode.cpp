@@ -1,15 +1,14 @@
 #include "quenlith/build/markup/code/line/parseLineNode.hpp"
 
-#include <algorithm>
 #include <boost/uuid/uuid.hpp>
 #include <cstddef>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "contributors/kdzero/NodeContributorData.hpp"
-#include "document/kdzero/Node.hpp"
+#include "fl/i18n/search.hpp"
 #include "quenlith/build/markup/code/CodeElement.hpp"
-#include "quenlith/build/markup/code/line/LineContent.hpp"
 #include "quenlith/build/markup/code/line/LineSegmenter.hpp"
 #include "quenlith/build/markup/code/line/MarkerKind.hpp"
 #include "quenlith/build/markup/code/line/PositionCheck.hpp"
@@ -29,20 +28,31 @@ using syntax::Marker;
 
 namespace {
 
-/// The parse of one line that may hold markers into its node. Borrows all that it is given.
+/// Returns whether `line` contains neither "@" nor "\\", and so neither a marker nor an escaped
+/// leader. Most lines do not.
+bool containsOnlyText(const ustring& line) noexcept {
+  return fl::i18n::findAny<u'@', u'\\'>(line) == line.size();
+}
+
+/// Returns whether `line` may contain a "%%\\".
+bool mayContainEscapedLeader(const ustring& line) noexcept {
+  return fl::i18n::findPair<u'%', u'\\'>(line) < line.size();
+}
+
+/// Parses one line that may contain markers into its node. Borrows its arguments.
 class LineParser {
  public:
-  LineParser(const kd::zero::Model& lineModel, document::kdzero::Node node,
-             const ParserLists& parserLists, ParseResult& lineResult)
-      : model(lineModel), lineNode(std::move(node)), parsers(parserLists), result(lineResult) {}
+  LineParser(const kd::zero::Model& model, const LineNode& lineNode, const ParserLists& parsers,
+             ParseResult& result)
+      : model(model), lineNode(lineNode), parsers(parsers), result(result) {}
 
-  void parse(const ustring& line, LineContent content);
+  /// `line` is normalised.
+  void parse(const ustring& line);
 
  private:
-  void parseNormalised(const ustring& line);
-  void takeMarker(const MarkerInfo& marker);
-  bool isHandled(const Marker& marker) const;
-  void takeRange(const MarkerInfo& marker);
+  void parseMarker(const MarkerInfo& info);
+  bool isHandled(MarkerKind kind, const Marker& marker) const;
+  void assignRange(const MarkerInfo& info);
   void setAnchor(const Marker& marker);
   void addContributorData(const Marker& marker);
   void appendSegments(const LineSegmenter::Segments& segments);
@@ -50,65 +60,58 @@ class LineParser {
   void appendOwned(const LineSegment& segment);
 
   const kd::zero::Model& model;
-  document::kdzero::Node lineNode;
+  const LineNode& lineNode;
   const ParserLists& parsers;
   ParseResult& result;
 
   std::size_t lineLength = 0;
-  syntax::MarkerList markers;
+  std::vector<MarkerInfo> markers;
   bool hasTask = false;
   LineSegmenter segmenter;
 };
 
-void LineParser::parse(const ustring& line, LineContent content) {
-  if (content.escape) {
-    parseNormalised(normaliseLine(line));
-  } else {
-    parseNormalised(line);
-  }
-}
-
-void LineParser::parseNormalised(const ustring& line) {
-  syntax::appendMarkers(line, false, markers);
+void LineParser::parse(const ustring& line) {
+  markers = syntax::get_markers_from_snippet(line, false);
   if (markers.empty()) {
     appendPlainText(line);
     return;
   }
-  hasTask = std::any_of(markers.begin(), markers.end(),
-                        [](const MarkerInfo& info) { return isTask(info.marker); });
+  hasTask = syntax::has_feature(markers, u"task");
   lineLength = line.size();
-  for (const MarkerInfo& marker : markers) takeMarker(marker);
+  for (const MarkerInfo& info : markers) parseMarker(info);
   appendSegments(segmenter.split(line));
 }
 
-void LineParser::takeMarker(const MarkerInfo& marker) {
-  recordMarkerKind(marker.marker, result);
-  if (!isHandled(marker.marker)) return;
-  takeRange(marker);
-  segmenter.exclude(marker);
-  setAnchor(marker.marker);
-  addContributorData(marker.marker);
+void LineParser::parseMarker(const MarkerInfo& info) {
+  const MarkerKind kind = kindOf(info.marker);
+  recordMarkerKind(kind, result);
+  if (!isHandled(kind, info.marker)) return;
+  assignRange(info);
+  segmenter.exclude(info);
+  if (kind == MarkerKind::kTextAnchor && !hasTask) setAnchor(info.marker);
+  addContributorData(info.marker);
 }
 
-bool LineParser::isHandled(const Marker& marker) const {
-  return parsers.findAccepting(marker) != nullptr || isOutput(marker) || isTask(marker) ||
-         isTextAnchor(marker);
+bool LineParser::isHandled(MarkerKind kind, const Marker& marker) const {
+  return parsers.findAccepting(marker) != nullptr || kind == MarkerKind::kOutput ||
+         kind == MarkerKind::kTask || kind == MarkerKind::kTextAnchor;
 }
 
-void LineParser::takeRange(const MarkerInfo& marker) {
-  if (!marker.range) return;
-  const auto [begin, end] = *marker.range;
-  if (isUsableRange(begin, end, lineLength, {markers.data(), markers.size()})) {
-    segmenter.assign(begin, end, marker);
+void LineParser::assignRange(const MarkerInfo& info) {
+  if (!info.range) return;
+  const auto [begin, end] = *info.range;
+  if (isUsableRange(begin, end, lineLength, markers)) {
+    segmenter.assign(begin, end, info);
   } else {
-    addPositionFailure(lineNode, marker);
+    addPositionFailure(lineNode, info);
   }
 }
 
 void LineParser::setAnchor(const Marker& marker) {
-  if (!isTextAnchor(marker) || marker.idView().empty() || hasTask) return;
+  const ustring id = marker.getId();
+  if (id.empty()) return;
   trace("Setting anchor id on the line node");
-  lineNode->setAnchorId(marker.idView());
+  lineNode->setAnchorId(id);
 }
 
 void LineParser::addContributorData(const Marker& marker) {
@@ -150,14 +153,15 @@ void LineParser::appendOwned(const LineSegment& segment) {
 
 LineNode parseLineNode(const kd::zero::Model& model, const ParserLists& parsers,
                        const ustring& line, ParseResult& result) {
-  const LineNode::Builder builder(model);
-  const LineContent content = lookInto(line);
-  if (content.isPlain() && parsers.makesPlainTextNodes()) {
-    return builder.createLineNode(boost::uuids::uuid{}, line);
+  LineNode lineNode = LineNode::Builder(model).createLineNode(boost::uuids::uuid{});
+  if (containsOnlyText(line)) {
+    lineNode->getChildrenMutable().add(parsers.parsePlainText(model, line));
+  } else if (mayContainEscapedLeader(line)) {
+    LineParser(model, lineNode, parsers, result).parse(normaliseLine(line));
+  } else {
+    LineParser(model, lineNode, parsers, result).parse(line);
   }
-  LineNode node = builder.createLineNode(boost::uuids::uuid{});
-  LineParser(model, node, parsers, result).parse(line, content);
-  return node;
+  return lineNode;
 }
 
 }  // namespace quenlith::build::markup::code::line

@@ -8,9 +8,10 @@
 
 namespace quenlith::build::markup::code::line {
 
-/// Returns a new node of `model` with the children, anchor, contributor data and failures of
-/// `line`, and gives `result` the line's marker kinds. What a parser throws passes through; the
-/// result may then have some of the kinds.
+/// Returns a new, detached node of `model` with the children, anchor id, contributor data and
+/// failures of `line`. Adds the line's marker kinds to `result`.
+///
+/// Propagates what a parser throws; `result` may then contain some of the kinds.
 document::kdzero::LineNode parseLineNode(const kd::zero::Model& model, const ParserLists& parsers,
                                          const fl::i18n::ustring& line, ParseResult& result);
 

@@ -1,6 +1,7 @@
 #include "quenlith/build/markup/code/task/TaskIdCounts.hpp"
 
 #include <cstring>
+#include <utility>
 
 #include "quenlith/build/markup/code/line/MarkerKind.hpp"
 #include "quenlith/syntax/markers.hpp"
@@ -8,6 +9,7 @@
 namespace quenlith::build::markup::code::task {
 
 using fl::i18n::ustring;
+using line::MarkerKind;
 
 namespace {
 
@@ -18,27 +20,30 @@ bool isSame(const ustring& a, const ustring& b) noexcept {
 
 }  // namespace
 
-std::size_t TaskIdCounts::count(const ustring& block, const ustring& id) {
-  if (latest == nullptr || !isSame(latest->first, block)) {
-    auto seen = blocks.find(block);
-    if (seen == blocks.end()) seen = blocks.emplace(block, countIn(block)).first;
-    latest = &*seen;
+std::size_t TaskIdCounts::count(const ustring& block, std::uint64_t version, const ustring& id) {
+  if (version == 0 || version != scannedVersion) {
+    if (!isSame(scannedBlock, block)) scan(block);
+    scannedVersion = version;
   }
-  const auto counted = latest->second.find(id);
-  return counted == latest->second.end() ? 0 : counted->second;
+  const auto counted = counts.find(id);
+  return counted == counts.end() ? 0 : counted->second;
 }
 
-TaskIdCounts::Counts TaskIdCounts::countIn(const ustring& block) {
-  Counts counts;
-  for (const core::MarkerInfo& found : syntax::get_markers_from_snippet(block, false)) {
-    if (line::isTask(found.marker)) ++counts[found.marker.getId()];
+void TaskIdCounts::scan(const ustring& block) {
+  Counts found;
+  for (const core::MarkerInfo& info : syntax::get_markers_from_snippet(block, false)) {
+    if (line::kindOf(info.marker) == MarkerKind::kTask) ++found[info.marker.getId()];
   }
-  return counts;
+  ustring copy = block;
+  scannedBlock.swap(copy);
+  counts.swap(found);
 }
 
 void TaskIdCounts::clear() noexcept {
-  latest = nullptr;
-  blocks.clear();
+  // Not only emptied: a block may be large, and its memory is released.
+  ustring().swap(scannedBlock);
+  scannedVersion = 0;
+  counts.clear();
 }
 
 }  // namespace quenlith::build::markup::code::task

@@ -1,33 +1,36 @@
 #pragma once
 
 #include <cstddef>
-#include <unordered_map>
+#include <cstdint>
+#include <map>
 
 #include "fl/i18n/ustring.hpp"
 
 namespace quenlith::build::markup::code::task {
 
-/// Counts the task markers of each id in blocks of text. Each block is scanned once, as long as
-/// it is not forgotten; blocks are told apart by their content.
+/// Counts the task markers of each id in a block of text. Caches the counts of the last block.
 class TaskIdCounts {
  public:
-  /// Returns the number of task markers with `id` in `block`. One comparison of the block when
-  /// it is the one of the call before, a hash of it more when it was seen before that, else one
-  /// scan. When memory runs out, it is as if the call had not been made.
-  std::size_t count(const fl::i18n::ustring& block, const fl::i18n::ustring& id);
+  /// Returns the number of task markers in `block` that have `id`.
+  ///
+  /// Scans the block unless it is the cached one. A `version` other than 0 that is equal to the
+  /// version of the call before says that it is, and the text is then not read; otherwise the text
+  /// is compared. When memory runs out, the cache is unchanged.
+  std::size_t count(const fl::i18n::ustring& block, std::uint64_t version,
+                    const fl::i18n::ustring& id);
 
-  /// Forgets all blocks.
+  /// Empties the cache.
   void clear() noexcept;
 
  private:
-  using Counts = std::unordered_map<fl::i18n::ustring, std::size_t>;
-  using Blocks = std::unordered_map<fl::i18n::ustring, Counts>;
+  // Ordered: authors choose the ids, and chosen collisions would make a hash table quadratic.
+  using Counts = std::map<fl::i18n::ustring, std::size_t>;
 
-  static Counts countIn(const fl::i18n::ustring& block);
+  void scan(const fl::i18n::ustring& block);
 
-  Blocks blocks;
-  // The block of the call before; null when there was none.
-  const Blocks::value_type* latest = nullptr;
+  fl::i18n::ustring scannedBlock;
+  std::uint64_t scannedVersion = 0;
+  Counts counts;
 };
 
 }  // namespace quenlith::build::markup::code::task

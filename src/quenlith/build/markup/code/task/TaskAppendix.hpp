@@ -1,0 +1,23 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "foundation/json/Value.hpp"
+#include "quenlith/shared/appendix/AppendixBuilder.hpp"
+#include "quenlith/syntax/Marker.hpp"
+#include "tessera/contentmodel/kdzero/LiveTaskData.hpp"
+
+namespace quenlith::build::markup::code::task {
+
+/// Returns the data of the appendix entry of `taskMarker`, empty when there is none. Throws what
+/// `appendixBuilder` throws.
+std::map<std::string, foundation::json::Value> findAppendixEntry(
+    const shared::appendix::AppendixBuilder& appendixBuilder, const syntax::Marker& taskMarker);
+
+/// Returns the settings of the task out of its appendix entry: those that are missing or not text
+/// are empty. The number of lines is 0.
+tessera::contentmodel::kdzero::LiveTaskData buildLiveTaskData(
+    const shared::appendix::AppendixBuilder& appendixBuilder, const syntax::Marker& taskMarker);
+
+}  // namespace quenlith::build::markup::code::task
