@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "MarkupBundleFixture.hpp"
+#include "document/kdzero/PlainTextNode.hpp"
+#include "document/kdzero/TesseraDocument.hpp"
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
 #include "quenlith/build/markup/contributordata/LineContributorDataParser.hpp"
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
@@ -63,6 +65,14 @@ TEST_F(MarkupBundle, BothParsersParse) {
   const auto registration = registerAppendix();
   EXPECT_EQ(parseLine(*parser(kDefault), u"x = 1"), 1U);
   EXPECT_EQ(parseLine(*parser(kTask), u"x = 1"), 1U);
+}
+
+TEST_F(MarkupBundle, CallsADefaultParserOfTheSameNameInAnotherLibrary) {
+  install(SAME_NAME).Start();
+  const auto document = std::make_shared<document::kdzero::TesseraDocument>();
+  parser(kDefault)->parse(document, {u"x = 1", {}, {}});
+  const auto child = document->getChildAt(0)->getChildren().at(0);
+  EXPECT_EQ(document::kdzero::PlainTextNode::castFrom(child)->getText(), u"other(x = 1)");
 }
 
 TEST_F(MarkupBundle, TaskParserEndsWithTheAppendix) {

@@ -243,7 +243,7 @@ TEST_F(ParserFault, ABlockIsCountedWhollyOrNotAtAll) {
   TaskIdCounts counts;
   std::size_t counted = 0;
   const std::size_t failed =
-      failEachAllocation([&] { counted = counts.count(block, u"t"); }, [] {});
+      failEachAllocation([&] { counted = counts.count(block, 0, u"t"); }, [] {});
   EXPECT_GT(failed, 5u);
   EXPECT_EQ(counted, 2u);
 }
