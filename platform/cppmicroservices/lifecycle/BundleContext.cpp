@@ -142,13 +142,15 @@ detail::ServiceObjectsBase& detail::ServiceObjectsBase::operator=(ServiceObjects
 detail::ServiceObjectsBase::~ServiceObjectsBase() = default;
 
 std::shared_ptr<void> detail::ServiceObjectsBase::object() const {
-  BundlePrivate::of(*context);
-  return reference ? context->GetService(reference) : nullptr;
+  const InterfaceMapConstPtr service = interfaceMap();
+  void* const object = ExtractInterface(service, reference.GetInterfaceId()).get();
+  return object == nullptr ? nullptr : std::shared_ptr<void>(service, object);
 }
 
 InterfaceMapConstPtr detail::ServiceObjectsBase::interfaceMap() const {
-  BundlePrivate::of(*context);
-  return reference ? context->GetService(ServiceReferenceU(reference)) : nullptr;
+  BundlePrivate& user = BundlePrivate::of(*context);
+  // Not BundleContext::GetService, which throws when the service is unregistered after this test.
+  return reference ? ServiceRecord::of(reference)->acquire(user.shared_from_this()) : nullptr;
 }
 
 }  // namespace cppmicroservices

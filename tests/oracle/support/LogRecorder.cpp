@@ -1,25 +1,19 @@
 #include "oracle/support/LogRecorder.hpp"
 
+#include <cstdint>
 #include <string>
-
-#include "quenlith/shared/logging/getLogger.hpp"
-#include "quenlith/shared/logging/trace.hpp"
+#include <string_view>
 
 namespace quenlith::oracle {
 
-using shared::logging::getLogger;
+using shared::logging::kTraceSeverity;
 
-LogRecorder::LogRecorder(World& world) : earlierMask(getLogger().enabledSeverities()) {
-  const bool logging = world.getPlan().logging;
-  getLogger().setEnabledSeverities(logging ? shared::logging::kTraceSeverity : 0U);
-  registration = foundation::log::addSink([&world](std::uint32_t severity, std::string_view text) {
-    const bool expected = severity == shared::logging::kTraceSeverity;
-    world.log((expected ? "" : "severity " + std::to_string(severity) + ' ') + std::string(text));
-  });
-}
-
-LogRecorder::~LogRecorder() {
-  getLogger().setEnabledSeverities(earlierMask);
-}
+LogRecorder::LogRecorder(World& world)
+    : collector(world.getPlan().logging ? kTraceSeverity : 0U,
+                [&world](std::uint32_t severity, std::string_view message) {
+                  const bool isExpected = severity == kTraceSeverity;
+                  world.log((isExpected ? "" : "severity " + std::to_string(severity) + ' ') +
+                            std::string(message));
+                }) {}
 
 }  // namespace quenlith::oracle

@@ -8,8 +8,8 @@
 #include <memory>
 #include <string>
 
-#include "fakes/LogRecords.hpp"
 #include "fakes/ParserFakes.hpp"
+#include "support/LogCollector.hpp"
 
 namespace {
 

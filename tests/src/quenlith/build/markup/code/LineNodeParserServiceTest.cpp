@@ -13,10 +13,10 @@
 
 #include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
-#include "fakes/LogRecords.hpp"
 #include "fakes/ParserFakes.hpp"
 #include "foundation/core/except/IException.hpp"
 #include "quenlith/build/markup/code/PlainTextNodeParserImpl.hpp"
+#include "support/LogCollector.hpp"
 
 namespace {
 

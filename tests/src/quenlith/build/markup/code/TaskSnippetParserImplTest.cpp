@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "document/kdzero/LineNode.hpp"
-#include "fakes/LogRecords.hpp"
 #include "quenlith/build/markup/code/TaskSnippetParserFixture.hpp"
+#include "support/LogCollector.hpp"
 
 namespace quenlith::test {
 namespace {

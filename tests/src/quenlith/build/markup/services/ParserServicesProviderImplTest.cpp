@@ -14,12 +14,12 @@
 #include <vector>
 
 #include "document/kdzero/TesseraDocument.hpp"
-#include "fakes/LogRecords.hpp"
 #include "fakes/ParserFakes.hpp"
 #include "quenlith/build/markup/code/LineNodeParserService.hpp"
 #include "quenlith/build/markup/code/PlainTextNodeParserImpl.hpp"
 #include "quenlith/build/markup/services/ParserServicesProviderImpl.hpp"
 #include "quenlith/build/markup/services/ProviderFixture.hpp"
+#include "support/LogCollector.hpp"
 
 namespace quenlith::test {
 namespace {

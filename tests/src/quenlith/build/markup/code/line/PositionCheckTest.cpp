@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "document/kdzero/LineNode.hpp"
-#include "fakes/LogRecords.hpp"
+#include "support/LogCollector.hpp"
 
 namespace {
 

@@ -7,8 +7,8 @@
 
 #include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
-#include "fakes/LogRecords.hpp"
 #include "quenlith/build/markup/code/TaskSnippetParserFixture.hpp"
+#include "support/LogCollector.hpp"
 
 namespace quenlith::test {
 namespace {

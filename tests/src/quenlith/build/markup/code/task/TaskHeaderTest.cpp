@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "fakes/LogRecords.hpp"
 #include "quenlith/build/markup/code/TaskSnippetParserFixture.hpp"
+#include "support/LogCollector.hpp"
 
 namespace quenlith::test {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "fakes/LogRecords.hpp"
 #include "quenlith/build/markup/code/TaskSnippetParserFixture.hpp"
+#include "support/LogCollector.hpp"
 
 namespace quenlith::test {
 namespace {
