@@ -1,9 +1,10 @@
-"""include_rules.py TREE: reads the #includes of a tree and names those that break its layers.
+"""include_rules.py TREE: reads the #includes of a tree and reports those that break its layers.
 
-A unit is what one target is built of: a folder of platform/, the reference host, the benchmarks,
-the tests, and in src/ the interfaces for other bundles apart from the rest. Faults are a step from
-a unit to one that it may not see, an include that stands for no file, and a circle, of units or of
-files. The status is not 0 when there is one.
+A unit is what one target is built from: a folder of platform/, the reference host, its bundle, the
+benchmarks, the tests, and in src/ the interfaces for other bundles separately from the rest. A room is
+a folder of one unit. Faults are an include of a unit that may not be seen, an include of a file that
+does not exist, a cycle of units, rooms or files, and two rooms of one name. The status is not 0 if
+there is one.
 """
 
 import os
@@ -31,11 +32,26 @@ MAY_SEE = {
     "src:interfaces": {PLATFORM},
     "src:code": {PLATFORM, "src:interfaces"},
     "apps/": {PLATFORM, "src:interfaces"},
+    "bundles/": {PLATFORM, "src:interfaces"},
     "examples/bundles": {PLATFORM, "src:interfaces"},
     "bench": {PLATFORM, "src:interfaces", "src:code", "apps/"},
     "tests": {PLATFORM, "src:interfaces", "src:code", "apps/"},
 }
-FOLDERS = ("apps", "bench", "examples/bundles", "platform", "src", "tests")
+# Rooms that count as one with the folder named: an interface fixes the namespaces, and so the folders, of
+# classes that need each other.
+JOINED_ROOMS = {
+    # The details of the framework's public headers are included through these only.
+    "platform/cppmicroservices/cppmicroservices/detail": "platform/cppmicroservices/cppmicroservices",
+    # A found marker's record contains the marker, and the scanner returns such records.
+    "platform/markers/quenlith/build/markup/core": "platform/markers/quenlith/syntax",
+    # A class description creates elements, and an element has a class description.
+    "platform/model/kd/zero/meta": "platform/model/kd/zero",
+}
+# Folders named after a namespace that an interface fixes: the folder above says what the room is for.
+NAMESPACE_FOLDERS = {"cppmicroservices", "detail", "kdzero"}
+# The units whose rooms are checked; the tests mirror the tree.
+UNITS_WITH_ROOMS = ("apps/", "bench", "bundles/", "platform/", "src:")
+FOLDERS = ("apps", "bench", "bundles", "examples/bundles", "platform", "src", "tests")
 SUFFIXES = (".cpp", ".h", ".hpp", ".in", ".tpp")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"]+)[>"]', re.MULTILINE)
 GENERATED = re.compile(r"quenlith/export/(\w+)\.hpp")
@@ -46,9 +62,17 @@ def unit_of(name):
     parts = name.split("/")
     if parts[0] == "src":
         return "src:interfaces" if name in INTERFACES else "src:code"
-    if parts[0] in ("platform", "apps", "examples"):
+    if parts[0] in ("platform", "apps", "bundles", "examples"):
         return "/".join(parts[:2])
     return parts[0]
+
+
+def room_of(name):
+    """Returns the room that the file `name` is in, or None if rooms are not checked there."""
+    if not unit_of(name).startswith(UNITS_WITH_ROOMS):
+        return None
+    folder = os.path.dirname(name)
+    return JOINED_ROOMS.get(folder, folder)
 
 
 def may_see(unit):
@@ -84,8 +108,8 @@ class Tree:
                 self.endings.setdefault("/".join(parts[start:]), []).append(name)
 
     def includes(self, name):
-        """Yields each include of a file: its line, its text, whether the text stands in quotes,
-        the file meant (None when it is generated or not of the tree) and that file's unit."""
+        """Yields each include of a file: its line, its text, whether the text is in quotes, the file
+        meant (None if it is generated or not part of the tree) and that file's unit."""
         content = (self.root / name).read_text(encoding="utf-8", errors="replace")
         for match in INCLUDE.finditer(content):
             line = content.count("\n", 0, match.start()) + 1
@@ -104,14 +128,14 @@ class Tree:
 
 
 def steps(tree):
-    """Yields a message for each include that goes where it may not, or nowhere."""
+    """Yields a message for each include of a unit that may not be seen, or of no file."""
     for name in tree.files:
         unit = unit_of(name)
         for line, text, quoted, _, other in tree.includes(name):
             if other and not allowed(unit, other):
                 yield f"{name}:{line}: {unit} may not include {text}, which is part of {other}"
             elif quoted and not other:
-                yield f"{name}:{line}: {text} stands for no file of the tree"
+                yield f"{name}:{line}: {text} is not a file of the tree"
 
 
 def units(tree):
@@ -128,8 +152,31 @@ def files(tree):
     return {name: {file for *_, file, _ in tree.includes(name)} - {None} for name in tree.files}
 
 
-def circles(edges):
-    """Yields a circle from each group of nodes that reach each other."""
+def rooms(tree):
+    """Returns the rooms of the same unit that each room includes."""
+    edges = {}
+    for name in tree.files:
+        room, unit = room_of(name), unit_of(name)
+        for *_, file, other in tree.includes(name):
+            if room and file and other == unit and room_of(file) != room:
+                edges.setdefault((unit, room), set()).add((unit, room_of(file)))
+    return edges
+
+
+def rooms_of_one_name(tree):
+    """Yields a message for each name that several rooms have."""
+    places = {}
+    for name in tree.files:
+        room = room_of(name)
+        if room and unit_of(name) != "bench":
+            places.setdefault(os.path.basename(room), set()).add(room)
+    for name, folders in sorted(places.items()):
+        if len(folders) > 1 and name not in NAMESPACE_FOLDERS:
+            yield f"one name for several rooms: {', '.join(sorted(folders))}"
+
+
+def cycles(edges):
+    """Yields a cycle from each group of nodes that reach each other."""
     done = set()
     for start in sorted(edges):
         if start not in done:
@@ -163,14 +210,16 @@ def faults(root):
     if not tree.files:
         return [f"{root}: no sources"]
     found = list(steps(tree))
-    for edges in (units(tree), files(tree)):
-        found += [f"circle: {' -> '.join(path)}" for path in circles(edges)]
-    return found
+    for what, edges in (("units", units(tree)), ("rooms", rooms(tree)), ("files", files(tree))):
+        for path in cycles(edges):
+            names = [node[1] if isinstance(node, tuple) else node for node in path]
+            found.append(f"cycle of {what}: {' -> '.join(names)}")
+    return found + list(rooms_of_one_name(tree))
 
 
 def main(root):
     found = faults(root)
-    print("\n".join(found or ["every include keeps to its layer"]))
+    print("\n".join(found or ["every include keeps to its layer and its room"]))
     return 1 if found else 0
 
 
