@@ -1,6 +1,6 @@
 #include "quenlith/build/markup/code/task/TaskAppendix.hpp"
 
-#include "quenlith/build/markup/code/getStringValue.hpp"
+#include "quenlith/build/markup/code/task/getStringValue.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 
 namespace quenlith::build::markup::code::task {

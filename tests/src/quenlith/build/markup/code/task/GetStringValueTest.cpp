@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/getStringValue.hpp"
+#include "quenlith/build/markup/code/task/getStringValue.hpp"
 
 #include <gtest/gtest.h>
 
