@@ -1,9 +1,11 @@
 #include "JsonTwin.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,20 +46,36 @@ std::optional<char16_t> escapedUnit(std::u16string_view text, std::size_t at) {
   return static_cast<char16_t>(std::strtoul(digits.c_str(), nullptr, 16));
 }
 
-// A text in which escaped surrogates are replaced by the units that they write, which RapidJSON
-// copies unchecked. Keeps the positions in the text before.
+// The length of the zero with an exponent that begins `text`; 0 when none does.
+std::size_t scaledZeroLength(std::u16string_view text) {
+  const std::size_t end = std::min(text.find_first_not_of(u"0.eE+-123456789"), text.size());
+  if (end == 0 || text.front() != u'0') return 0;
+  static const std::regex kScaledZero("0(\\.0+)?[eE][-+]?[0-9]+");
+  const std::string literal(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end));
+  return std::regex_match(literal, kScaledZero) ? end : 0;
+}
+
+// A text in which each zero with an exponent is 0e0, because RapidJSON rejects the large ones, and
+// in which escaped surrogates are replaced by the units that they write, which it copies unchecked.
+// Keeps the positions in the text before.
 class Stream {
  public:
   using Ch = char16_t;
 
   Stream(std::u16string_view text, std::size_t from) {
+    bool isInString = false;
     while (from < text.size()) {
       const auto unit = escapedUnit(text, from);
+      const std::size_t zero = isInString ? 0 : scaledZeroLength(text.substr(from));
       if (unit && (*unit & 0xF800) == 0xD800) {
         add(*unit, from);
         from += kEscapeUnits;
+      } else if (zero != 0) {
+        for (const char16_t each : {u'0', u'e', u'0'}) add(each, from);
+        from += zero;
       } else {
-        // The unit after a backslash begins no escape.
+        isInString = isInString != (text[from] == u'"');
+        // The unit after a backslash begins no escape and ends no string.
         const bool isEscape = text[from] == u'\\' && from + 1 < text.size();
         add(text[from], from);
         if (isEscape) add(text[from + 1], from + 1);

@@ -28,7 +28,7 @@ enum class TwinSpace { kAll, kBlanks };
 /// - an escaped surrogate without its other half is that unit, RapidJSON rejects a high one;
 /// - line breaks are white space only where `space` says so, for RapidJSON they always are;
 /// - containers nest at most `depthLimit` deep, in RapidJSON without limit;
-/// - zeros with a large exponent, which RapidJSON rejects, are not compared;
+/// - a zero may have any exponent, RapidJSON rejects large ones;
 /// - of equal keys the last one counts, RapidJSON reports them all.
 std::optional<TwinValue> parseByRapidJson(std::u16string_view text, std::size_t from,
                                           TwinSpace space, std::size_t depthLimit);
