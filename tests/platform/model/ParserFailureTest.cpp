@@ -6,15 +6,18 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "document/kdzero/LineNode.hpp"
+#include "failures/kdzero/KeyedHash.hpp"
 #include "kd/zero/ChangeListener.hpp"
 
 namespace {
 
 using document::kdzero::LineNode;
+using failures::kdzero::KeyedHash;
 using failures::kdzero::MarkerInfo;
 using failures::kdzero::ParserFailure;
 using foundation::json::Value;
@@ -90,6 +93,40 @@ TEST(ParserFailure, ZerosThatAreEqualHaveOneHash) {
   const ParserFailure minus = filled().setFailureData({{"a", Value(-0.0)}});
   EXPECT_EQ(plus, minus);
   EXPECT_EQ(hashOf(plus), hashOf(minus));
+}
+
+TEST(ParserFailure, SharesEqualDataWithTheRecordBefore) {
+  const ParserFailure::Data data{{"key", std::vector<Value>{Value(1.0), Value("text")}}};
+  const ParserFailure first = ParserFailure().setFailureData(data);
+  const ParserFailure second = ParserFailure().setFailureId(u"other").setFailureData(data);
+  const ParserFailure copy(second);  // NOLINT(performance-unnecessary-copy-initialization): meant
+  EXPECT_EQ(&first.getFailureData(), &second.getFailureData());
+  EXPECT_EQ(&copy.getFailureData(), &second.getFailureData());
+
+  ParserFailure changed(first);
+  changed.setFailureData({{"key", Value(2.0)}});
+  EXPECT_EQ(first.getFailureData(), data);
+  EXPECT_NE(changed, first);
+}
+
+TEST(KeyedHash, IsThePublishedFunction) {
+  // The first of the test vectors that are published with SipHash-1-3: of the empty text.
+  KeyedHash hash({0x0706050403020100, 0x0f0e0d0c0b0a0908});
+  EXPECT_EQ(hash.finish(), 0xabac0158050fc4dcu);
+}
+
+TEST(KeyedHash, DependsOnTheKeyAndOnWhereATextEnds) {
+  const auto hashWith = [](KeyedHash::Key key, std::string_view first, std::string_view second) {
+    KeyedHash hash(key);
+    hash.add(first);
+    hash.add(second);
+    return hash.finish();
+  };
+  EXPECT_EQ(hashWith({1, 2}, "ab", "c"), hashWith({1, 2}, "ab", "c"));
+  EXPECT_NE(hashWith({1, 2}, "ab", "c"), hashWith({1, 2}, "a", "bc"));
+  EXPECT_NE(hashWith({1, 2}, "ab", "c"), hashWith({1, 3}, "ab", "c"));
+  EXPECT_NE(hashWith({1, 2}, "ab", "c"), hashWith({2, 2}, "ab", "c"));
+  EXPECT_NE(hashWith({1, 2}, "ab", std::string_view("c\0", 2)), hashWith({1, 2}, "ab", "c"));
 }
 
 TEST(ParserFailure, DiffersWhenOneFieldDoes) {

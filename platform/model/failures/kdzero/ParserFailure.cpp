@@ -1,19 +1,99 @@
 #include "failures/kdzero/ParserFailure.hpp"
 
-#include <boost/container_hash/hash.hpp>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
 
-using failures::kdzero::ParserFailure;
+#include "failures/kdzero/KeyedHash.hpp"
 
-std::size_t std::hash<ParserFailure>::operator()(const ParserFailure& failure) const {
-  const failures::kdzero::MarkerInfo& marker = failure.getMarkerInfo();
-  std::size_t seed = 0;
-  boost::hash_combine(seed, failure.getFailureId());
-  boost::hash_combine(seed, marker.getMarkerId());
-  boost::hash_combine(seed, marker.getFeatureId());
-  boost::hash_combine(seed, marker.getSubFeatureId());
-  for (const auto& [key, value] : failure.getFailureData()) {
-    boost::hash_combine(seed, key);
-    boost::hash_combine(seed, value.hash());
+namespace failures::kdzero {
+
+using foundation::json::Array;
+using foundation::json::Object;
+using foundation::json::Value;
+
+const ParserFailure::Data ParserFailure::kNoData;
+
+std::shared_ptr<const ParserFailure::Data> ParserFailure::share(Data data) {
+  thread_local std::weak_ptr<const Data> latest;
+  if (auto known = latest.lock(); known != nullptr && *known == data) return known;
+  auto shared = std::make_shared<const Data>(std::move(data));
+  latest = shared;
+  return shared;
+}
+
+namespace {
+
+KeyedHash::Key drawKey() {
+  std::random_device source;
+  const auto word = [&source] { return std::uint64_t{source()} << 32 | source(); };
+  const std::uint64_t first = word();
+  return {first, word()};
+}
+
+/// All zeros are equal, and all NaNs.
+void addNumber(KeyedHash& hash, double number) noexcept {
+  if (number == 0) number = 0;
+  if (std::isnan(number)) number = std::numeric_limits<double>::quiet_NaN();
+  hash.add(std::bit_cast<std::uint64_t>(number));
+}
+
+/// Adds what `value` holds apart from the values in it, which it appends to `inner`.
+void addShallow(KeyedHash& hash, const Value& value, std::vector<const Value*>& inner) {
+  hash.add(static_cast<std::uint64_t>(value.kind()));
+  if (const auto* flag = value.getIf<bool>()) hash.add(std::uint64_t{*flag});
+  if (const auto* number = value.getIf<double>()) addNumber(hash, *number);
+  if (const auto* number = value.getIf<float>()) addNumber(hash, double{*number});
+  if (const auto* number = value.getIf<std::uint64_t>()) hash.add(*number);
+  if (const auto* number = value.getIf<std::int64_t>()) {
+    hash.add(static_cast<std::uint64_t>(*number));
   }
-  return seed;
+  if (const auto* text = value.getIf<std::string>()) hash.add(std::string_view(*text));
+  if (const auto* array = value.getIf<Array>()) {
+    hash.add(std::uint64_t{array->size()});
+    for (const Value& element : *array) inner.push_back(&element);
+  }
+  if (const auto* object = value.getIf<Object>()) {
+    hash.add(std::uint64_t{object->size()});
+    for (const auto& [key, member] : *object) {
+      hash.add(std::string_view(key));
+      inner.push_back(&member);
+    }
+  }
+}
+
+void addData(KeyedHash& hash, const ParserFailure::Data& data) {
+  std::vector<const Value*> pending;
+  hash.add(std::uint64_t{data.size()});
+  for (const auto& [key, value] : data) {
+    hash.add(std::string_view(key));
+    pending.push_back(&value);
+  }
+  while (!pending.empty()) {
+    const Value& value = *pending.back();
+    pending.pop_back();
+    addShallow(hash, value, pending);
+  }
+}
+
+}  // namespace
+}  // namespace failures::kdzero
+
+std::size_t std::hash<failures::kdzero::ParserFailure>::operator()(
+    const failures::kdzero::ParserFailure& failure) const {
+  using namespace failures::kdzero;
+  static const KeyedHash::Key key = drawKey();
+  const MarkerInfo& marker = failure.getMarkerInfo();
+  KeyedHash hash(key);
+  for (const ParserFailure::ustring* text : {&failure.getFailureId(), &marker.getMarkerId(),
+                                             &marker.getFeatureId(), &marker.getSubFeatureId()}) {
+    hash.add(std::u16string_view(*text));
+  }
+  addData(hash, failure.getFailureData());
+  return static_cast<std::size_t>(hash.finish());
 }

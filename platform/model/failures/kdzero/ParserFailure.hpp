@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -25,7 +26,9 @@ class ParserFailure {
   /// Which rule was broken.
   const ustring& getFailureId() const noexcept { return failureId; }
   const MarkerInfo& getMarkerInfo() const noexcept { return markerInfo; }
-  const Data& getFailureData() const noexcept { return failureData; }
+  const Data& getFailureData() const noexcept {
+    return failureData == nullptr ? kNoData : *failureData;
+  }
 
   ParserFailure& setFailureId(ustring id) noexcept {
     failureId = std::move(id);
@@ -35,22 +38,33 @@ class ParserFailure {
     markerInfo = std::move(info);
     return *this;
   }
-  ParserFailure& setFailureData(Data data) noexcept {
-    failureData = std::move(data);
+  ParserFailure& setFailureData(Data data) {
+    failureData = data.empty() ? nullptr : share(std::move(data));
     return *this;
   }
 
-  friend bool operator==(const ParserFailure&, const ParserFailure&) = default;
+  friend bool operator==(const ParserFailure& left, const ParserFailure& right) {
+    return left.failureId == right.failureId && left.markerInfo == right.markerInfo &&
+           (left.failureData == right.failureData ||
+            left.getFailureData() == right.getFailureData());
+  }
 
  private:
   ustring failureId;
   MarkerInfo markerInfo;
-  Data failureData;
+  QUENLITH_MODEL_EXPORT static const Data kNoData;
+  QUENLITH_MODEL_EXPORT static std::shared_ptr<const Data> share(Data data);
+
+  // Never changed; null when there is none. Shared by the copies of a record, and by records with
+  // equal data that are made one after the other on one thread: every marker of a task that has no
+  // partner carries the data of the same appendix entry, which may be most of the source's size.
+  std::shared_ptr<const Data> failureData;
 };
 
 }  // namespace failures::kdzero
 
-/// Agrees with the equality of records.
+/// Agrees with the equality of records. Keyed with random numbers that are drawn once per process,
+/// so that nobody can write a text whose failures all have one hash.
 template <>
 struct QUENLITH_MODEL_EXPORT std::hash<failures::kdzero::ParserFailure> {
   std::size_t operator()(const failures::kdzero::ParserFailure& failure) const;

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "quenlith/export/model.hpp"
+
+namespace failures::kdzero {
+
+/// Computes SipHash-1-3 (J.-P. Aumasson and D. J. Bernstein, "SipHash: a fast short-input PRF",
+/// 2012) of a sequence of 64-bit words.
+class QUENLITH_MODEL_EXPORT KeyedHash {
+ public:
+  using Key = std::array<std::uint64_t, 2>;
+
+  explicit KeyedHash(const Key& key) noexcept;
+
+  void add(std::uint64_t word) noexcept;
+  /// Adds the length and the bytes of `bytes`, filled up with zeros.
+  void add(std::string_view bytes) noexcept;
+  /// Adds the length and the code units of `units`, filled up with zeros.
+  void add(std::u16string_view units) noexcept;
+
+  /// Returns the hash of what was added. The last step.
+  std::uint64_t finish() noexcept;
+
+ private:
+  void addBytes(const void* begin, std::size_t sizeBytes) noexcept;
+  void round() noexcept;
+
+  std::array<std::uint64_t, 4> state;
+  std::uint64_t words = 0;
+};
+
+}  // namespace failures::kdzero
