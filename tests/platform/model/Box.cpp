@@ -148,6 +148,16 @@ void Box::Impl::releaseAll(ModelElement::Releases& releases) noexcept {
   }
 }
 
+void Box::Impl::verifyParts(kd::zero::Verification& verification) const {
+  for (const Boxes* each : {&anything, &distinct, &parts, &repeatableParts, &held, &heldParts,
+                            &linked, &admired, &misread, &refused}) {
+    each->verify(*this, verification);
+  }
+  numbers.verify(*this, verification);
+  unhashedNumbers.verify(*this, verification);
+  words.verify(*this, verification);
+}
+
 Box makeBox(const kd::zero::Model& model, Loaded loaded) {
   return ElementMaker::make<Box>(model.storage(), loaded);
 }

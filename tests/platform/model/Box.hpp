@@ -67,6 +67,7 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
   explicit Impl(Loaded loaded);
   ~Impl();
   void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept;
+  void verifyParts(kd::zero::Verification& verification) const;
 };
 
 Box makeBox(const kd::zero::Model& model, Loaded loaded = Loaded::kYes);

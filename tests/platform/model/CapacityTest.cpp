@@ -1,45 +1,145 @@
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <cstdint>
+#include <deque>
 #include <stdexcept>
 #include <vector>
 
-#include "kd/zero/meta/Class.hpp"
-#include "kd/zero/meta/Property.hpp"
+#include "kd/zero/ElementMaker.hpp"
+#include "kd/zero/ElementSequence.hpp"
+#include "kd/zero/Model.hpp"
 
 namespace {
 
+using kd::zero::ElementMaker;
+using kd::zero::Model;
+using kd::zero::ModelElement;
+using kd::zero::ReferenceCollection;
 using kd::zero::meta::Class;
+using kd::zero::meta::ClassKey;
 using kd::zero::meta::Property;
+using kd::zero::meta::PropertyKey;
 
-// Descriptions live as long as the process, so this is a program of its own.
+// Descriptions exist as long as the process, so this is a program of its own.
 
-TEST(Class, MoreThanAProcessHoldsAreRefused) {
-  static std::vector<std::unique_ptr<Class>> classes;
-  const auto add = [] {
-    classes.push_back(std::make_unique<Class>(u"test::Class", &Class::modelElement(), 8, nullptr));
-  };
-  // The classes of the model library are there already.
-  do {
-    ASSERT_NO_THROW(add());
-    ASSERT_EQ(&Class::at(classes.back()->getIndex()), classes.back().get());
-  } while (classes.back()->getIndex() + 1U < Class::kCapacity);
-  EXPECT_THROW(add(), std::length_error);
-  EXPECT_THROW(add(), std::length_error);
-  EXPECT_EQ(&Class::at(127), classes.back().get());
+/// Handle to an element of a class that was described after very many others.
+class LateElement : public kd::zero::Handle<LateElement, ModelElement> {
+ public:
+  class Impl;
+};
+
+const Property& lateParts();
+
+class LateElement::Impl final : public ModelElement::Impl {
+ public:
+  static const Class& classOf() {
+    static const Class metaClass =
+        ElementMaker::describe<Impl>(u"test::LateElement", Class::modelElement());
+    return metaClass;
+  }
+
+  kd::zero::ElementSequence<LateElement> parts;
+  std::uint64_t value = 7;
+
+ private:
+  friend struct ElementMaker;
+
+  Impl() : ModelElement::Impl(classOf()), parts(*this, lateParts()) {}
+  ~Impl() = default;
+  void releaseAll(ModelElement::Releases& releases) noexcept { parts.releaseAll(releases); }
+  void verifyParts(kd::zero::Verification& verification) const {
+    parts.verify(*this, verification);
+  }
+};
+
+ReferenceCollection* latePartsOf(ModelElement::Impl& owner) noexcept {
+  return &static_cast<LateElement::Impl&>(owner).parts;
 }
 
-TEST(Property, MoreThanAProcessHoldsAreRefused) {
-  static std::vector<std::unique_ptr<Property>> properties;
-  const auto add = [] {
-    properties.push_back(std::make_unique<Property>(Property::Traits{.name = u"property"}));
-  };
-  do {
-    ASSERT_NO_THROW(add());
-    ASSERT_EQ(&Property::at(properties.back()->getIndex()), properties.back().get());
-  } while (properties.back()->getIndex() + 1U < Property::kCapacity);
-  EXPECT_THROW(add(), std::length_error);
-  EXPECT_EQ(&Property::at(1023), properties.back().get());
+const Property& lateParts() {
+  static const Property property({.name = u"parts",
+                                  .many = true,
+                                  .unique = true,
+                                  .composite = true,
+                                  .collectionOf = &latePartsOf});
+  return property;
+}
+
+LateElement makeLate(const Model& model) {
+  return ElementMaker::make<LateElement>(model.storage());
+}
+
+constexpr std::size_t kManyClasses = 70000;
+
+/// Describes many classes, once.
+void describeManyClasses() {
+  static std::deque<Class> classes;
+  while (classes.size() < kManyClasses) {
+    classes.emplace_back(u"test::Class", &Class::modelElement());
+  }
+}
+
+TEST(Class, HasElementsHoweverManyClassesThereAre) {
+  describeManyClasses();
+  const Model model = Model::create();
+  std::vector<LateElement> elements;
+  for (int i = 0; i < 3000; ++i) elements.push_back(makeLate(model));
+  const ClassKey key = elements[0]->getMetaClass();
+  EXPECT_EQ(key.index, ClassKey::kNotInTable);
+  for (const LateElement& element : elements) {
+    ASSERT_EQ(&element->getMetaClass(), &LateElement::Impl::classOf());
+    ASSERT_EQ(element->value, 7u);
+    ASSERT_TRUE(LateElement::castFrom(element));
+    if (element != elements[0]) elements[0]->parts.add(element);
+  }
+  EXPECT_EQ(elements[0]->getMetaClass().getQualifiedName(), u"test::LateElement");
+  EXPECT_EQ(elements[5]->getContainer(), elements[0]);
+  EXPECT_EQ(model.findBrokenInvariant(elements[0]), nullptr);
+}
+
+TEST(Class, ElementsOutsideTheTableReturnTheirWholeBlocks) {
+  describeManyClasses();
+  const Model model = Model::create();
+  LateElement element = makeLate(model);
+  const auto* place = reinterpret_cast<const std::byte*>(element.get()) - sizeof(const Class*);
+  element = LateElement();
+  EXPECT_EQ(model.findBrokenInvariant(), nullptr);
+  EXPECT_EQ(model.storage().allocate(sizeof(LateElement::Impl) + sizeof(const Class*)), place);
+}
+
+TEST(Property, CollectionsOfOneTooManyAreRefused) {
+  const Property& first = lateParts();
+  static std::deque<Property> properties;
+  const Property::Traits traits{.name = u"property", .many = true};
+  while (properties.size() < Property::kCapacity) properties.emplace_back(traits);
+  EXPECT_EQ(&Property::at(first.getIndex()), &first);
+
+  std::size_t usable = 0;
+  for (const Property& property : properties) {
+    try {
+      const PropertyKey key = property;
+      ASSERT_EQ(&Property::at(key.index), &property);
+      ++usable;
+    } catch (const std::length_error& error) {
+      EXPECT_STREQ(error.what(), "a process has at most 65536 properties of model elements");
+    }
+  }
+  EXPECT_LT(usable, Property::kCapacity);
+  EXPECT_GT(usable, Property::kCapacity - 100);
+  EXPECT_THROW(static_cast<void>(static_cast<PropertyKey>(properties.back())), std::length_error);
+}
+
+/// Gives access to the growth of collections, whose end no test can reach.
+struct Growth : ReferenceCollection {
+  static constexpr std::size_t largest = kLargestSize;
+  static constexpr std::size_t after(std::size_t capacity) { return capacityAfter(capacity); }
+};
+
+TEST(ReferenceCollection, CapacityEndsAtTheLargestSize) {
+  EXPECT_EQ(Growth::largest, 0xFFFFFFFFu);
+  EXPECT_EQ(Growth::after(4), 8u);
+  EXPECT_EQ(Growth::after(std::size_t{1} << 31), Growth::largest);
+  EXPECT_EQ(Growth::after(Growth::largest), Growth::largest);
 }
 
 }  // namespace

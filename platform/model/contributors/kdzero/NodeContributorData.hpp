@@ -35,6 +35,9 @@ class QUENLITH_MODEL_EXPORT NodeContributorData::Impl final : public Contributor
   void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
     lineData.releaseAll(releases);
   }
+  void verifyParts(kd::zero::Verification& verification) const {
+    lineData.verify(*this, verification);
+  }
 
   kd::zero::ElementSequence<LineData> lineData;
 };

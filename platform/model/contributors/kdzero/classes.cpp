@@ -27,9 +27,9 @@ const Property& lineDataList() {
 
 }  // namespace
 
-// No element is of this class itself, so none ever ends as one.
+// An abstract class: no element is of this class itself.
 const kd::zero::meta::Class ContributorData::Impl::kMetaClass(
-    u"contributors::kdzero::ContributorData", &Class::modelElement(), 0, nullptr);
+    u"contributors::kdzero::ContributorData", &Class::modelElement());
 
 const kd::zero::meta::Class NodeContributorData::Impl::kMetaClass = ElementMaker::describe<Impl>(
     u"contributors::kdzero::NodeContributorData", ContributorData::Impl::classOf());

@@ -27,6 +27,9 @@ class QUENLITH_MODEL_EXPORT DocumentRoot::Impl final : public kd::zero::ModelEle
   void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
     children.releaseAll(releases);
   }
+  void verifyParts(kd::zero::Verification& verification) const {
+    children.verify(*this, verification);
+  }
 
   kd::zero::ElementSequence<Node> children;
 };

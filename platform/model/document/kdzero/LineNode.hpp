@@ -17,6 +17,7 @@ class QUENLITH_MODEL_EXPORT LineNode::Impl final : public Node::Impl {
   template <class Builder>
   class BuilderBase;
 
+  static constexpr kd::zero::meta::ClassKey kClassKey = keys::kLineNode;
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
  private:
@@ -24,7 +25,7 @@ class QUENLITH_MODEL_EXPORT LineNode::Impl final : public Node::Impl {
 
   static const kd::zero::meta::Class kMetaClass;
 
-  explicit Impl(const boost::uuids::uuid& uuid) : Node::Impl(keys::kLineNode, uuid, Parts::kNone) {}
+  explicit Impl(const boost::uuids::uuid& uuid) : Node::Impl(kClassKey, uuid, Parts::kNone) {}
   ~Impl() = default;
 };
 

@@ -4,6 +4,7 @@
 
 #include "document/kdzero/Properties.hpp"
 #include "kd/zero/ModelStorage.hpp"
+#include "kd/zero/Verification.hpp"
 
 namespace document::kdzero {
 
@@ -26,10 +27,9 @@ struct Node::Impl::Extras {
   boost::uuids::uuid uuid{};
 };
 
-// No element is of this class itself, so none ever ends as one.
+// An abstract class: no element is of this class itself.
 const kd::zero::meta::Class Node::Impl::kMetaClass(u"document::kdzero::Node",
-                                                   &kd::zero::meta::Class::modelElement(), 0,
-                                                   nullptr);
+                                                   &kd::zero::meta::Class::modelElement());
 
 void Node::Impl::setUuid(const boost::uuids::uuid& uuid) {
   extrasMutable().uuid = uuid;
@@ -42,6 +42,16 @@ void Node::Impl::endExtras() noexcept {
 
 void Node::Impl::releaseExtras(kd::zero::ModelElement::Releases& releases) noexcept {
   extras->contributorData.releaseAll(releases);
+}
+
+void Node::Impl::verifyParts(kd::zero::Verification& verification) const {
+  children.verify(*this, verification);
+  if (extras == nullptr) return;
+  verification.addBlock(extras, sizeof(Extras));
+  verification.expect(extras->owner == this, "the rare parts of a node know the node");
+  if (verification.getBroken() != nullptr) return;
+  extras->failures.verify(*this, verification);
+  extras->contributorData.verify(*this, verification);
 }
 
 Node Node::Impl::getParent() const noexcept {

@@ -68,6 +68,8 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
     children.releaseAll(releases);
     if (extras != nullptr) releaseExtras(releases);
   }
+  /// Reports all that the node has.
+  void verifyParts(kd::zero::Verification& verification) const;
 
  private:
   static const kd::zero::meta::Class kMetaClass;

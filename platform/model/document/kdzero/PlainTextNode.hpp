@@ -17,6 +17,7 @@ class QUENLITH_MODEL_EXPORT PlainTextNode::Impl final : public TextNode::Impl {
   template <class Builder>
   class BuilderBase;
 
+  static constexpr kd::zero::meta::ClassKey kClassKey = keys::kPlainTextNode;
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
  private:
@@ -24,8 +25,7 @@ class QUENLITH_MODEL_EXPORT PlainTextNode::Impl final : public TextNode::Impl {
 
   static const kd::zero::meta::Class kMetaClass;
 
-  explicit Impl(const boost::uuids::uuid& uuid)
-      : TextNode::Impl(keys::kPlainTextNode, uuid, Parts::kNone) {}
+  explicit Impl(const boost::uuids::uuid& uuid) : TextNode::Impl(kClassKey, uuid, Parts::kNone) {}
   ~Impl() = default;
 };
 

@@ -17,6 +17,7 @@ class QUENLITH_MODEL_EXPORT TesseraDocument {
  public:
   /// Makes an empty document with a model of its own.
   TesseraDocument();
+  ~TesseraDocument();
   TesseraDocument(const TesseraDocument&) = delete;
   TesseraDocument& operator=(const TesseraDocument&) = delete;
 

@@ -5,14 +5,15 @@
 #include <string>
 
 #include "kd/zero/ModelStorage.hpp"
+#include "kd/zero/Verification.hpp"
 
 namespace document::kdzero {
 
 using kd::zero::ModelStorage;
 
-// An abstract class: no element of it is ever destroyed.
+// An abstract class: no element is of this class itself.
 const kd::zero::meta::Class TextNode::Impl::kMetaClass(u"document::kdzero::TextNode",
-                                                       &Node::Impl::classOf(), 0, nullptr);
+                                                       &Node::Impl::classOf());
 
 void TextNode::Impl::replaceText(std::u16string_view newText) {
   if (newText.size() > capacity) {
@@ -33,10 +34,17 @@ void TextNode::Impl::replaceText(std::u16string_view newText) {
 }
 
 void TextNode::Impl::freeText() noexcept {
-  // The address alone does not tell: a separate block may begin directly after the node.
-  const bool inOwnBlock = text == afterNode() && extraBytes() != 0;
-  if (text == nullptr || inOwnBlock) return;
+  if (text == nullptr || isInOwnBlock()) return;
   ModelStorage::of(this).deallocate(text, capacity * sizeof(char16_t));
+}
+
+void TextNode::Impl::verifyParts(kd::zero::Verification& verification) const {
+  Node::Impl::verifyParts(verification);
+  verification.expect(length <= capacity, "a text is not longer than its space");
+  verification.expect((text == nullptr) == (capacity == 0), "a text has space");
+  if (text == nullptr || isInOwnBlock()) return;
+  verification.expect(mayHaveParts(), "a node with a separate text has parts");
+  verification.addBlock(text, capacity * sizeof(char16_t));
 }
 
 }  // namespace document::kdzero

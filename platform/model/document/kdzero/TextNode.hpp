@@ -42,6 +42,8 @@ class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
       : Node::Impl(nodeClass, uuid, parts) {}
   ~Impl() { freeText(); }
 
+  void verifyParts(kd::zero::Verification& verification) const;
+
  private:
   static const kd::zero::meta::Class kMetaClass;
 
@@ -59,6 +61,10 @@ class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
   void replaceText(std::u16string_view newText);
   void freeText() noexcept;
   char16_t* afterNode() noexcept { return reinterpret_cast<char16_t*>(this + 1); }
+  bool isInOwnBlock() const noexcept {
+    // The address alone does not tell: a separate block may begin directly after the node.
+    return text == reinterpret_cast<const char16_t*>(this + 1) && extraBytes() != 0;
+  }
 
   char16_t* text = nullptr;
   std::uint32_t length = 0;

@@ -13,8 +13,8 @@ using kd::zero::meta::Class;
 const kd::zero::meta::Class DocumentRoot::Impl::kMetaClass =
     ElementMaker::describe<Impl>(u"document::kdzero::TesseraDocument", Class::modelElement());
 
-const kd::zero::meta::Class LineNode::Impl::kMetaClass = ElementMaker::describe<Impl>(
-    keys::kLineNode, u"document::kdzero::LineNode", Node::Impl::classOf());
+const kd::zero::meta::Class LineNode::Impl::kMetaClass =
+    ElementMaker::describe<Impl>(kClassKey, u"document::kdzero::LineNode", Node::Impl::classOf());
 
 const kd::zero::meta::Class LiveAppLineNode::Impl::kMetaClass =
     ElementMaker::describe<Impl>(u"document::kdzero::LiveAppLineNode", Node::Impl::classOf());
@@ -24,7 +24,7 @@ const kd::zero::meta::Class LiveAppIntegratedInlineNode::Impl::kMetaClass =
                                  Node::Impl::classOf());
 
 const kd::zero::meta::Class PlainTextNode::Impl::kMetaClass = ElementMaker::describe<Impl>(
-    keys::kPlainTextNode, u"document::kdzero::PlainTextNode", TextNode::Impl::classOf());
+    kClassKey, u"document::kdzero::PlainTextNode", TextNode::Impl::classOf());
 
 DocumentRoot::Impl::Impl()
     : kd::zero::ModelElement::Impl(classOf()), children(*this, properties::kTopLevelNodes) {}

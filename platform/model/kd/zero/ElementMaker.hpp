@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 #include <utility>
 
@@ -9,25 +10,58 @@
 
 namespace kd::zero {
 
-/// Makes and ends elements. A class of elements names it as a friend and has `classOf`, a
-/// constructor, and `releaseAll`, which lets go of the elements that it holds.
+/// Creates and destroys elements.
+///
+/// The implementation class of a kind of elements names it as a friend and has a constructor, a
+/// static `classOf` that returns what `describe` made for it, and `releaseAll`, which calls
+/// `releaseAll` of each of its collections. Where it has collections, it also has `verifyParts`,
+/// which reports each of them. docs/model.md has an example.
 struct ElementMaker {
   /// Returns a new, detached element of kind `K` that belongs to the model of `storage`. Throws
-  /// std::bad_alloc or what the constructor throws; the model is then as it was.
+  /// std::bad_alloc or what the constructor throws; the model is unchanged in that case.
   template <class K, class... Arguments>
   static K make(ModelStorage& storage, Arguments&&... arguments) {
     using Impl = typename K::Impl;
-    static_assert(sizeof(Impl) <= ModelStorage::kLargestBlock && alignof(Impl) <= 8);
-    void* block = storage.allocateElement(sizeof(Impl));
+    static_assert(sizeof(Impl) + sizeof(const meta::Class*) <= ModelStorage::kLargestBlock &&
+                  alignof(Impl) <= 8);
+    const std::size_t prefixBytes = prefixBytesOf<Impl>();
+    const std::size_t sizeBytes = prefixBytes + sizeof(Impl);
+    auto* block = static_cast<std::byte*>(storage.allocateElement(sizeBytes));
     try {
-      return K::adopt(new (block) Impl(std::forward<Arguments>(arguments)...));
+      if (prefixBytes != 0) *reinterpret_cast<const meta::Class**>(block) = &Impl::classOf();
+      return K::adopt(new (block + prefixBytes) Impl(std::forward<Arguments>(arguments)...));
     } catch (...) {
-      storage.deallocateElement(block, sizeof(Impl));
+      storage.deallocateElement(block, sizeBytes);
       throw;
     }
   }
 
-  /// Ends an element of class `Impl`.
+  /// Returns the description of the class `Impl`, which is derived from `base`. `qualifiedName` is
+  /// borrowed for the life of the process.
+  template <class Impl>
+  static meta::Class describe(std::u16string_view qualifiedName,
+                              const meta::Type::Impl& base) noexcept {
+    return meta::Class(qualifiedName, &base, sizeof(Impl), &dismantle<Impl>, &verify<Impl>);
+  }
+  /// Like it, with a fixed key, which `Impl::kClassKey` has to be.
+  template <class Impl>
+  static meta::Class describe(meta::ClassKey fixedKey, std::u16string_view qualifiedName,
+                              const meta::Type::Impl& base) noexcept {
+    return meta::Class(fixedKey, qualifiedName, &base, sizeof(Impl), &dismantle<Impl>,
+                       &verify<Impl>);
+  }
+
+ private:
+  template <class Impl>
+  static std::size_t prefixBytesOf() noexcept {
+    // A constant for the classes of every line, so that nothing is loaded for them.
+    if constexpr (requires { Impl::kClassKey; }) {
+      return meta::Class::prefixBytes(Impl::kClassKey);
+    } else {
+      return Impl::classOf().getPrefixBytes();
+    }
+  }
+
   template <class Impl>
   static void dismantle(ModelElement::Impl& element, ModelElement::Releases& releases) noexcept {
     auto& ended = static_cast<Impl&>(element);
@@ -35,16 +69,9 @@ struct ElementMaker {
     ended.~Impl();
   }
 
-  /// Returns the description of the class `Impl`, which is derived from `base`.
   template <class Impl>
-  static meta::Class describe(std::u16string_view qualifiedName, const meta::Type::Impl& base) {
-    return meta::Class(qualifiedName, &base, sizeof(Impl), &dismantle<Impl>);
-  }
-  /// Like it, at a fixed place.
-  template <class Impl>
-  static meta::Class describe(meta::ClassKey place, std::u16string_view qualifiedName,
-                              const meta::Type::Impl& base) {
-    return meta::Class(place, qualifiedName, &base, sizeof(Impl), &dismantle<Impl>);
+  static void verify(const ModelElement::Impl& element, Verification& verification) {
+    static_cast<const Impl&>(element).verifyParts(verification);
   }
 };
 

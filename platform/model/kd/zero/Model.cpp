@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "kd/zero/Verification.hpp"
+
 namespace kd::zero {
 
 Model Model::create() {
@@ -15,6 +17,21 @@ Model Model::share(ModelStorage& storage) noexcept {
   Model model;
   model.storageOfModel = &storage;
   return model;
+}
+
+const char* Model::findBrokenInvariant() const {
+  Verification verification(*storageOfModel);
+  verification.checkStorage();
+  if (storageOfModel->root != nullptr) verification.checkTree(*storageOfModel->root);
+  verification.finish();
+  return verification.getBroken();
+}
+
+const char* Model::findBrokenInvariant(const ModelElement& top) const {
+  Verification verification(*storageOfModel);
+  verification.checkTree(*top.get());
+  verification.finish();
+  return verification.getBroken();
 }
 
 void Model::addListener(ChangeListener& listener) const {

@@ -49,7 +49,18 @@ class QUENLITH_MODEL_EXPORT Model {
   /// an append is skipped or refused, so a host sees whether a call tried to change anything.
   std::uint64_t getNumberOfOperations() const noexcept { return storageOfModel->operations; }
 
-  /// Where the elements live; for classes of elements only.
+  /// Returns a text that names the first invariant of the model found broken, or null when all
+  /// hold; checks the storage, and the document of the model with all its nodes. Linear in the size
+  /// of the model, apart from one sort of its blocks. Throws std::bad_alloc.
+  const char* findBrokenInvariant() const;
+  /// Like it, but checks only `top`, which is not empty, and what can be reached from it: the cheap
+  /// way to check what was just appended to a large document.
+  const char* findBrokenInvariant(const ModelElement& top) const;
+  /// Tells whether `findBrokenInvariant` finds none; for assertions.
+  bool verify() const { return findBrokenInvariant() == nullptr; }
+  bool verify(const ModelElement& top) const { return findBrokenInvariant(top) == nullptr; }
+
+  /// Where the elements are stored; for classes of elements only.
   ModelStorage& storage() const noexcept { return *storageOfModel; }
 
  private:

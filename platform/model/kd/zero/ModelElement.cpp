@@ -10,10 +10,6 @@ Model ModelElement::Impl::getModel() const noexcept {
   return Model::share(ModelStorage::of(this));
 }
 
-const meta::Class& ModelElement::Impl::getMetaClass() const noexcept {
-  return meta::Class::at(classIndex);
-}
-
 bool ModelElement::Impl::isKindOf(const meta::Class& metaClass) const noexcept {
   return getMetaClass().conformsTo(metaClass);
 }

@@ -16,6 +16,7 @@ class Property;
 
 class Model;
 class ModelStorage;
+class Verification;
 
 /// Handle to an element of a model: one pointer wide, counts its references.
 ///
@@ -89,8 +90,11 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   /// A new element has one reference, which its maker adopts.
   explicit Impl(meta::ClassKey metaClass, Parts parts = Parts::kSome) noexcept;
   ~Impl() = default;
+  /// What a class of elements without collections and blocks has to verify: nothing.
+  void verifyParts(Verification& /*verification*/) const noexcept {}
   void setProxy() noexcept { proxy = true; }
   void setHasParts() noexcept { hasParts = true; }
+  bool mayHaveParts() const noexcept { return hasParts; }
   /// Enlarges the element's block by `sizeBytes`, rounded up, directly after its object, which ends
   /// at `objectEnd`. Returns false and changes nothing unless the block is the last one of its
   /// chunk and the chunk has the space. `sizeBytes` is at most 504.
@@ -102,6 +106,7 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   friend class ModelElement;
   friend class ModelElement::Releases;
   friend class ReferenceCollection;
+  friend class Verification;
   friend struct Containment;
   friend struct ElementMaker;
 

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "kd/zero/Poison.hpp"
+#include "kd/zero/Verification.hpp"
 
 #ifdef __linux__
 #include <sys/mman.h>
@@ -62,6 +63,64 @@ void ModelStorage::addSlab() {
   slabs.push_back({begin, sizeBytes});
   chunksSoFar += chunks;
   end = begin;
+}
+
+bool ModelStorage::hasInChunk(const void* begin, std::size_t sizeBytes) const noexcept {
+  const auto address = reinterpret_cast<std::uintptr_t>(begin);
+  if (address % kGranule != 0) return false;
+  const std::uintptr_t chunk = address & ~(kChunkAlignment - 1);
+  // The newest slab first: it has most of what is looked for right after it was made.
+  for (auto slab = slabs.rbegin(); slab != slabs.rend(); ++slab) {
+    const auto slabBegin = reinterpret_cast<std::uintptr_t>(slab->begin);
+    const std::uintptr_t slabEnd = slabBegin + slab->sizeBytes;
+    if (address < slabBegin || address >= slabEnd) continue;
+    const bool current = chunk == (reinterpret_cast<std::uintptr_t>(free) & ~(kChunkAlignment - 1));
+    const std::uintptr_t usedEnd = current ? reinterpret_cast<std::uintptr_t>(end)
+                                           : std::min(chunk + kChunkAlignment, slabEnd);
+    return address >= chunk + sizeof(ModelStorage*) && sizeBytes <= usedEnd - address;
+  }
+  return false;
+}
+
+void ModelStorage::verify(Verification& verification) const {
+  for (const Slab& slab : slabs) {
+    const bool newest = slab.begin == slabs.back().begin;
+    const std::byte* usedEnd = newest ? end : slab.begin + slab.sizeBytes;
+    for (const std::byte* chunk = slab.begin; chunk < usedEnd; chunk += kChunkAlignment) {
+      verification.expect(&of(chunk) == this, "a chunk begins with the address of its storage");
+    }
+  }
+  verification.expect(free <= end, "the unused end of a chunk has a size");
+  if (free < end) verification.addBlock(free, static_cast<std::size_t>(end - free));
+  for (std::size_t granules = 1; granules < freeBlocks.size(); ++granules) {
+    verifyFreeBlocks(granules, verification);
+  }
+}
+
+namespace {
+
+/// Reads the link of a free block, which the address sanitizer takes for a use after the end.
+template <class Block>
+#if defined(__SANITIZE_ADDRESS__) || defined(__clang__)
+__attribute__((no_sanitize("address")))
+#endif
+Block*
+nextOf(const Block* block) noexcept {
+  return block->next;
+}
+
+}  // namespace
+
+void ModelStorage::verifyFreeBlocks(std::size_t granules, Verification& verification) const {
+  const std::size_t sizeBytes = granules * kGranule;
+  // More blocks than there is space for would be a circle.
+  std::size_t left = chunksSoFar * kChunkAlignment / sizeBytes;
+  const FreeBlock* block = freeBlocks[granules];
+  while (block != nullptr && verification.getBroken() == nullptr) {
+    verification.addBlock(block, sizeBytes);
+    verification.expect(left-- > 0, "a list of free blocks ends");
+    if (verification.getBroken() == nullptr) block = nextOf(block);
+  }
 }
 
 }  // namespace kd::zero

@@ -76,6 +76,15 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
   /// Borrowed, in the order in which they were added.
   std::vector<ChangeListener*> listeners;
 
+  /// Reports the chunks, the free blocks and the unused end of the current chunk.
+  void verify(Verification& verification) const;
+  /// Tells whether [`begin`, `begin` + `sizeBytes`) is aligned to eight and within what was taken
+  /// from one chunk of this storage. Linear in the number of slabs.
+  bool hasInChunk(const void* begin, std::size_t sizeBytes) const noexcept;
+
+  /// The element at the top of the document, borrowed; null in a model without a document.
+  const ModelElement::Impl* root = nullptr;
+
   static constexpr std::size_t kLargestBlock = 512;
 
  private:
@@ -101,6 +110,7 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
   }
   void* allocateBlock(std::size_t sizeBytes);
   void deallocateBlock(void* room, std::size_t sizeBytes) noexcept;
+  void verifyFreeBlocks(std::size_t granules, Verification& verification) const;
   void beginNextChunk();
   void addSlab();
   // Not inline: g++ 12 takes a `delete` that it sees in every handle's end for one that is reached.

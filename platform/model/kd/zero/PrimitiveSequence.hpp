@@ -1,12 +1,16 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <limits>
+#include <stdexcept>
 #include <unordered_map>
 #include <vector>
 
 #include "kd/zero/OCDChangeDescriptorOfPrimitiveSequence.hpp"
 #include "kd/zero/PrimitiveCollection.hpp"
+#include "kd/zero/Verification.hpp"
 
 namespace kd::zero {
 
@@ -25,10 +29,14 @@ class PrimitiveSequence final : public PrimitiveCollection {
 
   /// Appends a copy of `value`, unless the sequence is unique and an equal value is in it.
   ///
-  /// The listeners of the model are told once, before the value is stored. When one of them,
-  /// or the copy, throws, the sequence stays as it was.
+  /// The listeners of the model are told once, before the value is stored. When one of them, or
+  /// the copy, throws, the sequence is unchanged; so it is when std::length_error is thrown, for
+  /// the 2^32nd value.
   void add(const T& value) {
     if (isUnique() && contains(value)) return;
+    if (values.size() == std::numeric_limits<std::uint32_t>::max()) {
+      throw std::length_error("a sequence has at most 2^32 - 1 values");
+    }
     Operation operation(*this);
     const OCDChangeDescriptorOfPrimitiveSequence<T> change(
         OCDChange::Operation::kAppend, static_cast<std::int64_t>(values.size()), &value);
@@ -46,6 +54,18 @@ class PrimitiveSequence final : public PrimitiveCollection {
       if (present == value) return true;
     }
     return false;
+  }
+
+  /// Checks the sequence, which is one of `holder`.
+  void verify(const ModelElement::Impl& holder, Verification& verification) const {
+    verification.expect(&owner() == &holder, "a collection finds its owner");
+    verification.expect(holdsValues(), "a collection knows what its places are");
+    verification.expect(count == values.size(), "a sequence of values knows its size");
+    verification.expect(places.empty() || places.size() == values.size(),
+                        "the index of a sequence is empty or has every value");
+    for (const auto& [hash, place] : places) {
+      verification.expect(place < values.size(), "the index of a sequence refers to its values");
+    }
   }
 
   const T& operator[](std::size_t index) const noexcept { return values[index]; }

@@ -1,7 +1,7 @@
 #include "kd/zero/ReferenceCollection.hpp"
 
 #include <algorithm>
-#include <limits>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -10,6 +10,7 @@
 #include "kd/zero/Containment.hpp"
 #include "kd/zero/ModelStorage.hpp"
 #include "kd/zero/Releases.hpp"
+#include "kd/zero/Verification.hpp"
 #include "kd/zero/meta/Class.hpp"
 #include "kd0/messages/ElementOfAnotherModel.hpp"
 #include "kd0/messages/ElementWithinItself.hpp"
@@ -73,7 +74,7 @@ bool ReferenceCollection::containsIdentity(const ModelElement::Impl& element) {
 
 inline void ReferenceCollection::store(ModelElement& element) {
   owner().hasParts = true;
-  if (size() == std::numeric_limits<std::uint32_t>::max()) {
+  if (size() == kLargestSize) {
     throw std::length_error("a sequence holds at most 2^32 - 1 elements");
   }
   if (!inBlock() && empty()) {
@@ -88,8 +89,7 @@ inline void ReferenceCollection::store(ModelElement& element) {
 }
 
 void ReferenceCollection::growBlock() {
-  constexpr std::size_t kFirstCapacity = 4;
-  const std::size_t capacity = inBlock() ? 2 * size() : kFirstCapacity;
+  const std::size_t capacity = inBlock() ? capacityAfter(size()) : kFirstCapacity;
   ModelStorage& storage = ModelStorage::of(&owner());
   auto* head = new (storage.allocate(blockBytes(capacity))) BlockHead{capacity, nullptr};
   auto** block = reinterpret_cast<ModelElement::Impl**>(head + 1);
@@ -156,6 +156,56 @@ void ReferenceCollection::releaseAll(ModelElement::Releases& releases) noexcept 
   if (inBlock()) freeBlock();
   setInBlock(false);
   count = 0;
+}
+
+bool ReferenceCollection::isAmongLast(const ModelElement::Impl& element) const noexcept {
+  const std::reverse_iterator last(places() + size());
+  const std::reverse_iterator first(places());
+  return std::find(last, first, &element) != first;
+}
+
+void ReferenceCollection::verify(const ModelElement::Impl& holder,
+                                 Verification& verification) const {
+  verification.expect(&owner() == &holder, "a collection finds its owner");
+  verification.expect(!holdsValues(), "a collection knows what its places are");
+  verification.expect(meta::Property::isAt(propertyIndex), "a collection has a property");
+  if (verification.getBroken() != nullptr) return;
+  const bool opposesContainer = getOpposite() != nullptr && getOpposite()->isContainer();
+  verification.expect(linksContainer() == (isUnique() && opposesContainer),
+                      "the key of a collection agrees with its property");
+  verification.expect(empty() || holder.hasParts, "the owner of an element has parts");
+  verifyPlaces(verification);
+  if (verification.getBroken() != nullptr) return;
+
+  std::for_each(places(), places() + size(), [&](const ModelElement::Impl* element) {
+    verification.addPlace(element);
+    if (verification.getBroken() == nullptr) verifyContainment(*element, holder, verification);
+  });
+}
+
+void ReferenceCollection::verifyPlaces(Verification& verification) const {
+  if (!inBlock()) {
+    verification.expect(size() <= 1, "a collection without a block has at most one element");
+    return;
+  }
+  const BlockHead& head = blockHead();
+  verification.expect(size() <= head.capacity, "a collection is not larger than its block");
+  verification.addBlock(&head, blockBytes(head.capacity));
+  if (verification.getBroken() != nullptr) return;
+  const Identities distinct(places(), places() + size());
+  verification.expect(!isUnique() || distinct.size() == size(),
+                      "no element is in a unique collection twice");
+  verification.expect(head.identities == nullptr || *head.identities == distinct,
+                      "the set of identities has what the places have");
+}
+
+void ReferenceCollection::verifyContainment(const ModelElement::Impl& element,
+                                            const ModelElement::Impl& holder,
+                                            Verification& verification) const {
+  if (element.proxy || !getCollectionProperty().containsElements()) return;
+  verification.expect(element.container == &holder && element.containerProperty == propertyIndex,
+                      "an element in a containing collection knows its container");
+  verification.expect(holder.containsOthers, "a container counts as one");
 }
 
 }  // namespace kd::zero

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <unordered_set>
 #include <utility>
 
@@ -24,7 +26,12 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
     return getCollectionProperty().getOpposite();
   }
 
-  /// Drops all elements; for the owner's own end.
+  /// Checks the collection, which is one of `holder`, and reports its elements.
+  void verify(const ModelElement::Impl& holder, Verification& verification) const;
+  /// Tells whether `element` is in it. Cheap for an element that was appended lately.
+  bool isAmongLast(const ModelElement::Impl& element) const noexcept;
+
+  /// Drops all elements; for the destruction of the owner.
   void releaseAll(ModelElement::Releases& releases) noexcept;
 
  protected:
@@ -40,6 +47,15 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
     if (!appendDetached(element)) appendByRules(std::move(element));
   }
   ModelElement::Impl* const* places() const noexcept { return inBlock() ? many : &one; }
+
+  static constexpr std::size_t kFirstCapacity = 4;
+  static constexpr std::size_t kLargestSize = std::numeric_limits<std::uint32_t>::max();
+  /// The capacity of the block that replaces a full one. It never exceeds kLargestSize, so that
+  /// `appendDetached`, which looks at the capacity only, does not append to a collection of that
+  /// size either.
+  static constexpr std::size_t capacityAfter(std::size_t capacity) noexcept {
+    return std::min(2 * capacity, kLargestSize);
+  }
 
  private:
   friend class AbstractOwnedCollection::Operation;
@@ -69,6 +85,9 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
   void _setContainedByThis(ModelElement::Impl& collectionOwner, ModelElement::Impl& element,
                            const meta::Property& property) const;
   void growBlock();
+  void verifyPlaces(Verification& verification) const;
+  void verifyContainment(const ModelElement::Impl& element, const ModelElement::Impl& holder,
+                         Verification& verification) const;
   void freeBlock() noexcept;
   void truncate(std::size_t newCount) noexcept;
   void forget(const ModelElement::Impl& element) noexcept;

@@ -43,13 +43,15 @@ class ModelElement::Releases {
 };
 
 inline void ModelElement::Impl::end(Releases& releases) noexcept {
-  meta::Class::at(classIndex).getDismantle()(*this, releases);
+  getMetaClass().getDismantle()(*this, releases);
   giveBackBlock();
 }
 
 inline void ModelElement::Impl::giveBackBlock() noexcept {
-  const std::size_t sizeBytes = meta::Class::at(classIndex).getSizeBytes() + extraBytes();
-  ModelStorage::of(this).deallocateElement(this, sizeBytes);
+  const std::size_t prefixBytes = meta::Class::prefixBytes({classIndex});
+  const std::size_t sizeBytes = prefixBytes + getMetaClass().getSizeBytes() + extraBytes();
+  ModelStorage::of(this).deallocateElement(reinterpret_cast<std::byte*>(this) - prefixBytes,
+                                           sizeBytes);
 }
 
 }  // namespace kd::zero

@@ -7,49 +7,71 @@
 #include "kd/zero/ModelElement.hpp"
 #include "kd/zero/meta/Type.hpp"
 
+namespace kd::zero {
+class Verification;
+}
+
 namespace kd::zero::meta {
 
-/// What an element keeps of its class: the place in the table of classes.
+/// What an element keeps of its class, in seven bits: its place in the table of classes, or
+/// kNotInTable for a class that was described after the table was full.
+///
+/// Seven bits keep the header of an element at 16 bytes. A block of a class outside the table
+/// begins with a pointer to the class, before the element, so the number of classes has no limit
+/// and only elements of the classes after the 127th are larger.
 struct ClassKey {
+  static constexpr std::uint8_t kNotInTable = 127;
+
   std::uint8_t index;
 };
 
-/// Describes one class of model elements. One static object a class; it lives as long as
-/// the process.
+/// Describes one class of model elements. There is one static object per class; it exists as long
+/// as the process. Descriptions may be made on several threads, by bundles that define classes.
 class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
  public:
-  /// Lets go of everything that an element holds and runs its destructor; its storage is
-  /// given back by the caller.
+  /// Releases everything that an element refers to and runs its destructor; the caller returns its
+  /// block.
   using Dismantle = void (*)(ModelElement::Impl& element,
                              ModelElement::Releases& releases) noexcept;
+  /// Checks the invariants of an element and reports its collections; see Verification.
+  using Verify = void (*)(const ModelElement::Impl& element, Verification& verification);
 
-  /// `sizeBytes` is the size of an element's implementation object; `base` may be null.
-  /// Throws std::length_error when kCapacity classes are there already.
-  Class(std::u16string_view qualifiedName, const Type::Impl* base, std::size_t sizeBytes,
-        Dismantle dismantle);
-  /// Like it, at a place below kFixedPlaces that no other class has. Where the place is a constant,
-  /// so is what a new element begins with.
-  Class(ClassKey place, std::u16string_view qualifiedName, const Type::Impl* base,
-        std::size_t sizeBytes, Dismantle dismantle);
+  /// `sizeBytes` is the size of an element's implementation object; `base` may be null. An abstract
+  /// class, one without elements, has no `dismantle` and no `verify`.
+  ///
+  /// Does not throw, so that a library with classes in static storage can always be loaded.
+  Class(std::u16string_view qualifiedName, const Type::Impl* base, std::size_t sizeBytes = 0,
+        Dismantle dismantle = nullptr, Verify verify = nullptr) noexcept;
+  /// Like it, with a fixed key below kFixedKeys that no other class has. A constant key makes the
+  /// header of a new element a constant: one store instead of a load and two.
+  Class(ClassKey fixedKey, std::u16string_view qualifiedName, const Type::Impl* base,
+        std::size_t sizeBytes, Dismantle dismantle, Verify verify) noexcept;
 
   /// The type that every class of elements conforms to.
   static const Type::Impl& modelElement() noexcept;
 
-  static constexpr std::size_t kCapacity = 128;
-  static constexpr std::size_t kFixedPlaces = 4;
-  static const Class& at(std::uint8_t index) noexcept { return *registered[index]; }
+  static constexpr std::size_t kFixedKeys = 4;
+  /// Returns the class at a place of the table, or null; kNotInTable gives null.
+  static const Class* at(std::uint8_t index) noexcept { return table[index]; }
 
-  std::uint8_t getIndex() const noexcept { return key.index; }
   // NOLINTNEXTLINE(google-explicit-constructor): a class is named wherever its key is wanted.
   operator ClassKey() const noexcept { return key; }
   std::size_t getSizeBytes() const noexcept { return size; }
+  /// Size of what precedes an element in its block.
+  std::size_t getPrefixBytes() const noexcept { return prefixBytes(key); }
+  static constexpr std::size_t prefixBytes(ClassKey key) noexcept {
+    return key.index == ClassKey::kNotInTable ? sizeof(const Class*) : 0;
+  }
   Dismantle getDismantle() const noexcept { return dismantleElement; }
+  Verify getVerify() const noexcept { return verifyElement; }
 
  private:
-  static std::array<const Class*, kCapacity> registered;
+  static std::array<const Class*, ClassKey::kNotInTable + 1> table;
+  static ClassKey enter(const Class* entry) noexcept;
 
   std::size_t size;
   Dismantle dismantleElement;
+  Verify verifyElement;
   ClassKey key;
 };
 
@@ -58,6 +80,11 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
 namespace kd::zero {
 
 inline ModelElement::Impl::Impl(meta::ClassKey metaClass, Parts parts) noexcept
-    : classIndex(metaClass.index & (meta::Class::kCapacity - 1)), hasParts(parts == Parts::kSome) {}
+    : classIndex(metaClass.index & meta::ClassKey::kNotInTable), hasParts(parts == Parts::kSome) {}
+
+inline const meta::Class& ModelElement::Impl::getMetaClass() const noexcept {
+  if (classIndex != meta::ClassKey::kNotInTable) return *meta::Class::at(classIndex);
+  return **(reinterpret_cast<const meta::Class* const*>(this) - 1);
+}
 
 }  // namespace kd::zero
