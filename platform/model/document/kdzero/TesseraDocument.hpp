@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cassert>
 #include <cstdint>
+#include <utility>
 
 #include "document/kdzero/DocumentRoot.hpp"
 #include "document/kdzero/Node.hpp"
@@ -25,7 +27,12 @@ class QUENLITH_MODEL_EXPORT TesseraDocument {
 
   /// Appends `node` as the last top-level node. The rules of `ElementSequence::add` hold: an
   /// empty handle and a node that is a top-level node already are ignored.
-  void addChild(Node node) { root->getChildrenMutable().add(std::move(node)); }
+  void addChild(Node node) {
+    // A parser appends a node when it is complete. What was appended before is not checked again,
+    // so that filling a document takes linear time in debug builds, too.
+    assert(!node || node->getModel().verify(node));
+    root->getChildrenMutable().add(std::move(node));
+  }
   std::uint64_t getNumberOfChildren() const noexcept { return root->getChildren().size(); }
   /// Returns the top-level node at the zero-based `index`. Throws std::out_of_range.
   Node getChildAt(std::uint64_t index) const { return root->getChildren().at(index); }
