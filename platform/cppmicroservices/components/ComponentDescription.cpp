@@ -15,7 +15,7 @@ namespace {
 
 using service::component::ComponentConstants::SERVICE_COMPONENT;
 
-// An optional key: only the values listed mean what this framework does.
+// An optional key and the values that this framework supports.
 struct Feature {
   const char* key;
   std::vector<Any> offered;

@@ -26,13 +26,13 @@ struct ComponentDescription {
 
 /// Returns the components that a manifest describes, in order; none without an entry "scr".
 ///
-/// Throws `std::runtime_error` when the entry is not as it should be, or asks for something that
-/// this framework does not have: the text names the file, the place in the manifest and the
-/// remedy, and the component where it has a name already. `location` is the bundle's file.
+/// Throws `std::runtime_error` when the entry is malformed or uses a feature that this framework
+/// does not have: the text names the file, the path in the manifest, the component if it is known,
+/// and the remedy. `location` is the bundle's file.
 QUENLITH_CPPMICROSERVICES_EXPORT std::vector<ComponentDescription> readComponents(
     const AnyMap& headers, const std::string& location);
 
-/// Like `readComponents`, for what it throws.
+/// Throws like `readComponents`.
 void checkComponents(const AnyMap& headers, const std::string& location);
 
 }  // namespace cppmicroservices::detail

@@ -9,36 +9,36 @@
 
 namespace cppmicroservices::detail {
 
-/// Stands for one value of a manifest together with its place, for messages. Borrows the value.
+/// One value of a manifest together with its path, for messages. Borrows the value.
 ///
-/// Where a value is not as asked for, a `std::runtime_error` names the file, the place and the
-/// remedy.
+/// Every operation throws `std::runtime_error` when the value is not as required: its text names
+/// the file, the path and the remedy.
 class ManifestValue {
  public:
   /// Takes the file of the manifest and the keys that lead to the value.
   ManifestValue(const Any& any, std::string file, std::string keys);
 
-  /// Returns the same value, but in messages `name` stands behind its place.
+  /// Returns the same value with `name` after its path in messages.
   ManifestValue called(const std::string& name) const;
 
   /// Returns the value of `key` of an object, which must be there.
   ManifestValue at(const std::string& key) const;
   /// Says whether the object has that key.
   bool has(const std::string& key) const;
-  /// Returns the values of a list that has one at least.
+  /// Returns the values of a list, which must not be empty.
   std::vector<ManifestValue> elements() const;
   /// Returns the entries of an object.
   const AnyMap& object() const;
-  /// Returns a text that is not empty.
+  /// Returns a text, which must not be empty.
   const std::string& text() const;
   bool isTrue() const;
 
   const Any& any() const { return *value; }
-  /// Refuses every key of an object but those.
+  /// Throws when the object has a key that is not in `keys`.
   void allowKeys(std::initializer_list<std::string_view> keys) const;
 
   [[noreturn]] void fail(const std::string& problem) const;
-  /// Fails for something that only the original framework has; `instead` is what to do here.
+  /// Throws for a feature that only an installed framework has; `instead` is the remedy here.
   [[noreturn]] void refuse(const std::string& feature,
                            const std::string& instead = "leave it out") const;
 

@@ -3,7 +3,7 @@
 #include "cppmicroservices/servicecomponent/ComponentException.hpp"
 #include "cppmicroservices/servicecomponent/detail/ComponentInstance.hpp"
 
-// The type information of these classes stands here, once for all bundles.
+// Defines the type information of these classes once for all bundles.
 namespace cppmicroservices::service::component {
 
 namespace ComponentConstants {

@@ -22,7 +22,7 @@ struct QUENLITH_CPPMICROSERVICES_EXPORT KeyLess {
 
 }  // namespace detail
 
-/// Maps text to values of any type. The type given at its making settles how keys compare.
+/// Maps text to values of any type. Its `map_type` determines how keys are compared.
 class QUENLITH_CPPMICROSERVICES_EXPORT any_map {
   using Entries = std::map<std::string, Any, detail::KeyLess>;
 
@@ -67,7 +67,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT any_map {
   /// Returns the value of `key`; adds an empty one when there is none.
   mapped_type& operator[](const key_type& key) { return entries[key]; }
 
-  /// Adds an entry unless its key is there already, and says whether it did.
+  /// Adds an entry unless the map has its key already. Says whether it did.
   std::pair<iterator, bool> insert(const value_type& value) { return entries.insert(value); }
   template <class... Args>
   std::pair<iterator, bool> emplace(Args&&... args) {
@@ -89,7 +89,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT any_map {
   Entries entries;
 };
 
-/// An `any_map` in which a dotted key leads to values inside nested maps and lists.
+/// An `any_map` in which a compound key finds values inside nested maps and lists.
 class QUENLITH_CPPMICROSERVICES_EXPORT AnyMap : public any_map {
  public:
   using any_map::any_map;
@@ -100,9 +100,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT AnyMap : public any_map {
 
   map_type GetType() const { return type; }
 
-  /// Returns the value that `key` leads to: names of entries and 0-based indices of
-  /// `std::vector<Any>`, separated by dots. Throws `std::invalid_argument` when a step leads into
-  /// a value that is neither map nor list, `std::out_of_range` when there is no such entry.
+  /// Returns the value at the path `key`: names of entries and 0-based indices of
+  /// `std::vector<Any>`, separated by dots. Throws `std::invalid_argument` when an inner value is
+  /// neither a map nor a list, `std::out_of_range` when there is no such entry.
   const mapped_type& AtCompoundKey(const key_type& key) const;
 
   /// Like the form with one argument, but returns `defaultValue` where that one throws.

@@ -22,7 +22,7 @@ class BundlePrivate;
 class FrameworkOwner;
 }  // namespace detail
 
-/// Stands for a bundle that was installed in a framework. Copies stand for the same bundle and
+/// A handle of a bundle that was installed in a framework. Copies refer to the same bundle and
 /// keep its framework running. May be used from several threads.
 ///
 /// Every operation but the comparisons throws `std::invalid_argument` on an invalid object.
@@ -54,18 +54,18 @@ class QUENLITH_CPPMICROSERVICES_EXPORT Bundle {
   /// stopping.
   BundleContext GetBundleContext() const;
 
-  /// Returns the number of the bundle, which no other bundle ever has; 0 is the framework.
+  /// Returns the id of the bundle, which is not used again in its framework. The framework has 0.
   long GetBundleId() const;
 
-  /// Returns the path of the bundle's library, as it was installed.
+  /// Returns the absolute path of the bundle's library.
   std::string GetLocation() const;
   std::string GetSymbolicName() const;
 
-  /// Returns the manifest; its keys are compared without regard to case. Borrowed while the
-  /// bundle is installed or an object stands for it.
+  /// Returns the manifest; its keys are compared without regard to case. The reference
+  /// is valid while the bundle is installed or has a handle.
   const AnyMap& GetHeaders() const;
 
-  /// Returns the symbol `name` of the library that `handle` is of, null when it has none. Throws
+  /// Returns the symbol `name` of the library `handle`, null when it has none. Throws
   /// `std::runtime_error` unless the bundle is active, `std::invalid_argument` when `handle` is
   /// null or `name` is empty.
   void* GetSymbol(void* handle, const std::string& name) const;
@@ -74,21 +74,21 @@ class QUENLITH_CPPMICROSERVICES_EXPORT Bundle {
   /// when it was uninstalled.
   std::vector<ServiceReferenceU> GetRegisteredServices() const;
 
-  /// Returns references to the services that the bundle holds. Throws `std::logic_error` when it
+  /// Returns references to the services that the bundle uses. Throws `std::logic_error` when it
   /// was uninstalled.
   std::vector<ServiceReferenceU> GetServicesInUse() const;
 
-  /// Loads the library, hands it its context, calls the activator if there is one. Does nothing
-  /// when the bundle is active. Waits for a start or stop that another thread is at.
+  /// Loads the library, gives it its context and calls the activator if there is one. Does nothing
+  /// when the bundle is active. Waits up to 5 s for a start or stop in another thread.
   ///
   /// Throws `std::runtime_error` when the library cannot be used or the activator throws: the
   /// bundle is then stopped. Throws `std::logic_error` when the bundle was uninstalled, or is
-  /// starting or stopping in this very thread.
+  /// starting or stopping in this thread.
   void Start();
 
-  /// Calls the activator, unregisters the bundle's services, releases those that it holds and
-  /// removes its listeners. Does nothing when the bundle is not active. Waits, and throws, like
-  /// `Start`; what the activator throws comes out when all is done.
+  /// Calls the activator, unregisters the bundle's services, releases those that it uses and
+  /// removes its listeners. Does nothing when the bundle is not active. Waits and throws like
+  /// `Start`; an exception of the activator is passed on after everything else was done.
   void Stop();
 
   /// Stops and removes the bundle. Its library stays loaded. Throws `std::logic_error` when it

@@ -9,12 +9,12 @@
 
 namespace cppmicroservices {
 
-/// Code that a bundle runs at its start and its stop. The framework makes one object at each
-/// start of a bundle whose manifest has "bundle.activator" true, and destroys it after the stop.
+/// Code that a bundle runs when it starts and stops. The framework creates one object per start of
+/// a bundle whose manifest has "bundle.activator" true, and destroys it after the stop.
 struct BundleActivator {
   virtual ~BundleActivator() = default;
 
-  /// Called when the bundle starts. Where it throws, the bundle is stopped again.
+  /// Called when the bundle starts. If it throws, the bundle is stopped again.
   virtual void Start(BundleContext context) = 0;
 
   /// Called when the bundle stops, if `Start` returned.

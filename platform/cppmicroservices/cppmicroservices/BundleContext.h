@@ -25,11 +25,11 @@ class Bundle;
 class BundleContextPrivate;
 class ServiceFactory;
 
-/// What a bundle acts with: it installs bundles, registers services, finds and gets those of
-/// others, listens. Valid from the start of its bundle to the end of its stop.
+/// The access of a bundle to its framework: it installs bundles, registers, finds and gets
+/// services, and adds listeners. Valid from the start of its bundle to the end of its stop.
 ///
 /// Every operation but the comparisons throws `std::runtime_error` with the text "The bundle
-/// context is no longer valid" when it is not. May be used from several threads.
+/// context is no longer valid" when the context is not valid. May be used from several threads.
 class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
  public:
   /// Makes an invalid context.
@@ -53,9 +53,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
   /// Returns all bundles, the framework among them, by ascending id.
   std::vector<Bundle> GetBundles() const;
 
-  /// Installs the bundles of the library at `location`; those that are there already are
-  /// returned as they are. Throws `std::runtime_error` when the file cannot be used: its text
-  /// names the file, what is wrong and the remedy.
+  /// Installs the bundles of the library at `location` and returns them. Bundles that are installed
+  /// already are returned unchanged. Throws `std::runtime_error` when the file cannot be used: its
+  /// text names the file, the problem and the remedy.
   std::vector<Bundle> InstallBundles(const std::string& location);
 
   /// Registers a service under the interfaces of the map and tells the listeners.
@@ -67,7 +67,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
       const InterfaceMapConstPtr& service,
       const ServiceProperties& properties = ServiceProperties());
 
-  /// Like the general form, but under the interfaces named.
+  /// Like the general form, but under the given interfaces.
   template <class I1, class... Interfaces, class Impl>
   ServiceRegistration<I1, Interfaces...> RegisterService(
       const std::shared_ptr<Impl>& impl,
@@ -87,8 +87,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
 
   /// Returns references to the services that were registered under `interfaceId` and that
   /// `filter` matches: highest ranking first, then lowest service id. An empty text matches all.
-  /// Throws `std::invalid_argument` when `filter` cannot be parsed, which is tried only if there
-  /// are services to match.
+  /// Throws `std::invalid_argument` when `filter` cannot be parsed, unless there are no
+  /// services to match.
   std::vector<ServiceReferenceU> GetServiceReferences(const std::string& interfaceId,
                                                       const std::string& filter = std::string());
 
@@ -117,9 +117,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
     return GetServiceReference(interfaceId);
   }
 
-  /// Returns the service object, null when its factory failed. The bundle holds the service until
-  /// the last copy of the pointer goes. Throws `std::invalid_argument` when `reference` names no
-  /// service that is registered.
+  /// Returns the service object, null when its factory failed. The bundle uses the service until
+  /// the last copy of the pointer is destroyed. Throws `std::invalid_argument` when `reference`
+  /// does not refer to a registered service.
   std::shared_ptr<void> GetService(const ServiceReferenceBase& reference);
 
   /// Like the form above, but returns the objects of all interfaces.
@@ -131,7 +131,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
     return std::static_pointer_cast<S>(GetService(base));
   }
 
-  /// Returns what gets the objects of the service. Throws like `GetService`.
+  /// Returns an object that gets the service. Throws like `GetService`.
   template <class S>
   ServiceObjects<S> GetServiceObjects(const ServiceReference<S>& reference) {
     return ServiceObjects<S>(*this, reference);
@@ -144,10 +144,10 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
                                    const std::string& filter = std::string());
   /// Like `AddServiceListener`, but for the changes of bundles.
   ListenerToken AddBundleListener(const BundleListener& listener);
-  /// Like `AddServiceListener`, but for what the framework has to tell.
+  /// Like `AddServiceListener`, but for the events of the framework.
   ListenerToken AddFrameworkListener(const FrameworkListener& listener);
 
-  /// Removes the listener that `token` names; does nothing when there is none.
+  /// Removes the listener of `token`; does nothing when there is none.
   void RemoveListener(ListenerToken token);
 
  private:
@@ -158,12 +158,12 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
   detail::BundlePrivate& valid() const;
 
   std::shared_ptr<detail::BundlePrivate> d;
-  // The start of the bundle that the context belongs to; see BundlePrivate.
+  // Identifies the start of the bundle that the context belongs to; see BundlePrivate.
   std::uint64_t generation = 0;
 };
 
 namespace detail {
-/// Returns the context behind the handle that the framework gave to a bundle's library.
+/// Returns the context for the handle that the framework gave to a bundle's library.
 QUENLITH_CPPMICROSERVICES_EXPORT BundleContext MakeBundleContext(BundleContextPrivate* handle);
 }  // namespace detail
 

@@ -6,7 +6,7 @@
 
 namespace cppmicroservices {
 
-/// Tells of a change of a bundle's state.
+/// A change of a bundle's state.
 class BundleEvent {
  public:
   enum Type : std::uint32_t {
@@ -22,15 +22,15 @@ class BundleEvent {
 
   /// Makes an invalid event.
   BundleEvent() = default;
-  BundleEvent(Type kind, const Bundle& changed) : BundleEvent(kind, changed, changed) {}
-  BundleEvent(Type kind, const Bundle& changed, const Bundle& cause)
-      : type(kind), bundle(changed), origin(cause) {}
+  BundleEvent(Type type, const Bundle& bundle) : BundleEvent(type, bundle, bundle) {}
+  BundleEvent(Type type, const Bundle& bundle, const Bundle& origin)
+      : type(type), bundle(bundle), origin(origin) {}
 
   explicit operator bool() const { return type != Type{}; }
   Type GetType() const { return type; }
   Bundle GetBundle() const { return bundle; }
 
-  /// Returns the bundle that installed the other one; the same bundle for all other changes.
+  /// Returns the bundle that installed `GetBundle()`; for other changes the bundle itself.
   Bundle GetOrigin() const { return origin; }
 
   bool operator==(const BundleEvent&) const = default;

@@ -13,8 +13,8 @@ namespace cppmicroservices {
 class BundleContextPrivate;
 }
 
-/// Makes a library a bundle: to be used once, outside of any namespace, in one source file. The
-/// framework stores the bundle's context there and takes it back when the bundle has stopped.
+/// Gives a library access to its bundle context. Use it once, outside of any namespace, in one
+/// source file. The framework stores the context when the bundle starts and clears it afterwards.
 #define CPPMICROSERVICES_INITIALIZE_BUNDLE                                                         \
   static std::atomic<cppmicroservices::BundleContextPrivate*> US_CTX_INS(US_BUNDLE_NAME){nullptr}; \
   extern "C" cppmicroservices::BundleContextPrivate* US_GET_CTX_FUNC(US_BUNDLE_NAME)();            \

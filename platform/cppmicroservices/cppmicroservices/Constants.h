@@ -25,7 +25,7 @@ QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SERVICE_SCOPE;
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SCOPE_SINGLETON;
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SCOPE_BUNDLE;
 
-// Properties of a service that its maker may set; the ranking is an `int`.
+// Properties of a service that the registering bundle may set; the ranking is an `int`.
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SERVICE_DESCRIPTION;
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SERVICE_PID;
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SERVICE_RANKING;

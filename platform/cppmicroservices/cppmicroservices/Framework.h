@@ -11,7 +11,7 @@ namespace cppmicroservices {
 /// A framework: bundles and the services that they register. It is itself the bundle with the
 /// id 0, whose `Start` and `Stop` start and stop the framework.
 ///
-/// The framework stops when the last object goes that stands for it or for one of its bundles.
+/// The framework stops when the last handle of it or of one of its bundles is destroyed.
 class QUENLITH_CPPMICROSERVICES_EXPORT Framework : public Bundle {
  public:
   /// Takes a bundle that is a framework. Throws `std::logic_error` when it is not.
@@ -21,8 +21,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT Framework : public Bundle {
   /// one.
   void Init();
 
-  /// Waits until the framework has stopped, at most for `timeout`, without end when that is
-  /// zero. Returns at once unless the framework is starting, active or stopping.
+  /// Waits until the framework has stopped, at most for `timeout`; zero waits without a limit.
+  /// Returns at once unless the framework is starting, active or stopping.
   FrameworkEvent WaitForStop(const std::chrono::milliseconds& timeout);
 
  private:

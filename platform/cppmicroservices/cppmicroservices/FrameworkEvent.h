@@ -9,7 +9,7 @@
 
 namespace cppmicroservices {
 
-/// Tells of a change of the framework, or of trouble that has no caller to be thrown at.
+/// A change of the framework, or a problem that cannot be reported to a caller.
 class FrameworkEvent {
  public:
   enum Type : std::uint32_t {
@@ -23,16 +23,16 @@ class FrameworkEvent {
 
   /// Makes an invalid event.
   FrameworkEvent() = default;
-  FrameworkEvent(Type kind, const Bundle& source, const std::string& text,
-                 std::exception_ptr cause = nullptr)
-      : type(kind), bundle(source), message(text), exception(std::move(cause)) {}
+  FrameworkEvent(Type type, const Bundle& bundle, const std::string& message,
+                 std::exception_ptr exception = nullptr)
+      : type(type), bundle(bundle), message(message), exception(std::move(exception)) {}
 
   explicit operator bool() const { return type != Type{}; }
   Type GetType() const { return type; }
   Bundle GetBundle() const { return bundle; }
   std::string GetMessage() const { return message; }
 
-  /// Returns the exception behind the event, null when there is none.
+  /// Returns the exception that caused the event, null when there is none.
   std::exception_ptr GetThrowable() const { return exception; }
 
   bool operator==(const FrameworkEvent&) const = default;

@@ -6,10 +6,10 @@ namespace cppmicroservices {
 
 class Framework;
 
-/// Makes frameworks, which know nothing of each other.
+/// Creates frameworks, which are independent of each other.
 class QUENLITH_CPPMICROSERVICES_EXPORT FrameworkFactory {
  public:
-  /// Returns a new framework that was not started.
+  /// Returns a new framework, not started.
   Framework NewFramework();
 };
 

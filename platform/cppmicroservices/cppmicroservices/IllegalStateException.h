@@ -7,7 +7,7 @@
 
 namespace cppmicroservices {
 
-/// Tells that an object was used that is no longer valid.
+/// The exception for the use of an object that is no longer valid.
 class QUENLITH_CPPMICROSERVICES_EXPORT IllegalStateException final : public std::runtime_error {
  public:
   explicit IllegalStateException(std::string message);

@@ -18,14 +18,14 @@ class LdapExpression;
 /// A condition on properties, written as in RFC 1960: `(&(priority=default)(!(lang=c*)))`.
 ///
 /// Operators are `=` (with `*` for any text, `=*` for presence), `~=` (without regard to case
-/// and blanks), `>=`, `<=`, `&`, `|` and `!`; a backslash takes its special meaning from the
-/// character that follows. Copies share the parsed filter. May be used from several threads.
+/// and blanks), `>=`, `<=`, `&`, `|` and `!`; a backslash escapes the character that follows.
+/// Copies share the parsed filter. May be used from several threads.
 class QUENLITH_CPPMICROSERVICES_EXPORT LDAPFilter {
  public:
   /// Makes the empty filter, which matches nothing and whose text is empty.
   LDAPFilter() = default;
 
-  /// Parses `filter`. Throws `std::invalid_argument` when it cannot: its text names the place.
+  /// Parses `filter`. Throws `std::invalid_argument` when it cannot: its text names the position.
   /// Filters nested deeper than 1000 levels are refused.
   LDAPFilter(const std::string& filter);
 
@@ -41,7 +41,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT LDAPFilter {
   /// Like `Match`, but keys are compared with regard to case.
   bool MatchCase(const AnyMap& dictionary) const;
 
-  /// Returns the filter as text, without the blanks that do not matter.
+  /// Returns the filter as text, without insignificant blanks.
   std::string ToString() const;
 
   /// Says whether both filters have the same text.

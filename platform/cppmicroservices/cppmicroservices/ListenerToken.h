@@ -11,10 +11,10 @@ class FrameworkListeners;
 
 using ListenerTokenId = std::uint64_t;
 
-/// Names one listener that was added, so that it can be removed. Can only be moved.
+/// Identifies one listener that was added, so that it can be removed. Move-only.
 class ListenerToken {
  public:
-  /// Makes a token that names no listener.
+  /// Makes a token without a listener.
   ListenerToken() = default;
   ListenerToken(const ListenerToken&) = delete;
   ListenerToken& operator=(const ListenerToken&) = delete;
@@ -24,12 +24,12 @@ class ListenerToken {
     return *this;
   }
 
-  /// Says whether the token names a listener: not after it was moved from.
+  /// Says whether the token has a listener. A moved-from token has none.
   explicit operator bool() const { return id != 0; }
 
  private:
   friend class detail::FrameworkListeners;
-  explicit ListenerToken(ListenerTokenId token) : id(token) {}
+  explicit ListenerToken(ListenerTokenId id) : id(id) {}
 
   ListenerTokenId id = 0;
 };

@@ -7,19 +7,19 @@
 
 namespace cppmicroservices {
 
-/// Tells of trouble with a service.
+/// The exception for a problem with a service.
 class QUENLITH_CPPMICROSERVICES_EXPORT ServiceException : public std::runtime_error {
  public:
   enum Type {
     UNSPECIFIED = 0,
     UNREGISTERED = 1,
     FACTORY_ERROR = 2,      ///< A service factory made an object that cannot be used.
-    FACTORY_EXCEPTION = 3,  ///< A service factory threw; what it threw is nested.
+    FACTORY_EXCEPTION = 3,  ///< A service factory threw the nested exception.
     REMOTE = 5,
     FACTORY_RECURSION = 6  ///< A service factory asked for the service that it was making.
   };
 
-  ServiceException(const std::string& message, const Type& kind = UNSPECIFIED);
+  ServiceException(const std::string& message, const Type& type = UNSPECIFIED);
   ~ServiceException() override;
 
   Type GetType() const { return type; }

@@ -21,7 +21,7 @@ const std::string& us_service_interface_iid() {
   return identifier;
 }
 
-/// Returns an empty identifier, which stands for no interface.
+/// Returns the empty identifier: void is not an interface.
 template <>
 inline const std::string& us_service_interface_iid<void>() {
   static const std::string identifier;
@@ -51,7 +51,7 @@ namespace detail {
 /// The key under which an interface map holds a service factory.
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string kFactoryKey;
 
-/// Throws the exception that tells that an interface has no identifier, when that is so.
+/// Throws `ServiceException` when `interfaceId` is empty.
 QUENLITH_CPPMICROSERVICES_EXPORT void requireInterfaceId(const std::string& interfaceId);
 
 }  // namespace detail
@@ -90,12 +90,12 @@ std::shared_ptr<Interface> ExtractInterface(const InterfaceMapConstPtr& map) {
   return entry == map->end() ? nullptr : std::static_pointer_cast<Interface>(entry->second);
 }
 
-/// Returns the object of `map` under `interfaceId`, any one when that is empty, null when there
-/// is none. `map` may be null.
+/// Returns the object of `map` under `interfaceId`, an arbitrary one when that is empty, null when
+/// there is none. `map` may be null.
 QUENLITH_CPPMICROSERVICES_EXPORT std::shared_ptr<void> ExtractInterface(
     const InterfaceMapConstPtr& map, const std::string& interfaceId);
 
-/// Returns `factory` as what `BundleContext::RegisterService` takes for a factory.
+/// Converts `factory` to the type that `BundleContext::RegisterService` takes.
 template <class T>
 std::shared_ptr<ServiceFactory> ToFactory(const std::shared_ptr<T>& factory) {
   return std::static_pointer_cast<ServiceFactory>(factory);

@@ -13,7 +13,7 @@ class ServiceObjects;
 
 namespace detail {
 
-/// What every kind of `ServiceObjects` is made of.
+/// The part of `ServiceObjects` that does not depend on the interface.
 class QUENLITH_CPPMICROSERVICES_EXPORT ServiceObjectsBase {
  protected:
   ServiceObjectsBase(const BundleContext& bundleContext, const ServiceReferenceBase& service);
@@ -47,7 +47,7 @@ class ServiceObjects : private detail::ServiceObjectsBase {
   using detail::ServiceObjectsBase::ServiceObjectsBase;
 };
 
-/// Like the general form, but for a service under no interface in particular.
+/// Like the general form, but for all interfaces of a service.
 template <>
 class ServiceObjects<void> : private detail::ServiceObjectsBase {
  public:

@@ -7,7 +7,7 @@
 
 namespace cppmicroservices {
 
-/// The properties of a service. Keys that differ in case only must not stand side by side.
+/// The properties of a service. Keys must not differ in case only.
 using ServiceProperties = std::unordered_map<std::string, Any>;
 
 }  // namespace cppmicroservices

@@ -9,20 +9,19 @@
 
 namespace cppmicroservices {
 
-/// Names a registered service, seen under the interface `S`; under none in particular when that
-/// is void.
+/// Refers to a service under the interface `S`, or under all its interfaces when `S` is void.
 template <class S>
 class ServiceReference : public ServiceReferenceBase {
  public:
   using ServiceType = S;
 
-  /// Makes a reference that names no service.
+  /// Makes an invalid reference.
   ServiceReference() = default;
 
-  /// Makes the reference name no service.
+  /// Makes the reference invalid.
   ServiceReference& operator=(std::nullptr_t) { return *this = ServiceReference(); }
 
-  /// Names the service of `base`, none when it was not registered under `S`.
+  /// Refers to the service of `base`; invalid when that was not registered under `S`.
   ServiceReference(const ServiceReferenceBase& base) : ServiceReferenceBase(base) {
     if constexpr (!std::is_void_v<S>) bindTo(us_service_interface_iid<S>());
   }

@@ -19,37 +19,35 @@ namespace detail {
 class ServiceRecord;
 }
 
-/// Names a registered service, seen under one of its interfaces or under none in particular.
-/// `ServiceReference` is the form to use.
+/// Refers to a service, under one or all of its interfaces. Use `ServiceReference`.
 class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
  public:
-  /// Says whether the reference names a service that is registered.
+  /// Says whether the reference refers to a service that is registered.
   explicit operator bool() const;
 
-  /// Returns the property `key`, compared without regard to case; empty when there is none.
-  /// Answers for a service that was unregistered, too.
+  /// Returns the property `key`, compared without regard to case; empty when there is none. Also
+  /// for a service that was unregistered.
   Any GetProperty(const std::string& key) const;
 
-  /// Returns the keys of all properties. Answers for a service that was unregistered, too.
+  /// Returns the keys of all properties, also for a service that was unregistered.
   std::vector<std::string> GetPropertyKeys() const;
 
   /// Returns the bundle that registered the service, an invalid one after it was unregistered.
   Bundle GetBundle() const;
 
-  /// Returns the bundles that hold the service.
+  /// Returns the bundles that use the service.
   std::vector<Bundle> GetUsingBundles() const;
 
-  /// Returns the interface that the service is seen under; empty when that is left open.
-  std::string GetInterfaceId() const { return seenAs ? *seenAs : ""; }
+  /// Returns the interface of the reference; empty when it is for all of them.
+  std::string GetInterfaceId() const { return interfaceId ? *interfaceId : ""; }
 
   /// Says whether the service was registered under `interfaceId`.
   bool IsConvertibleTo(const std::string& interfaceId) const;
 
-  /// Orders by ranking, then by descending service id: the service preferred to all others is
-  /// the greatest.
+  /// Orders by ranking, then by descending service id: the preferred service is the greatest.
   bool operator<(const ServiceReferenceBase& other) const;
 
-  /// Says whether both name the same registered service, whatever the interface.
+  /// Says whether both refer to the same service, whatever the interface.
   bool operator==(const ServiceReferenceBase& other) const { return record == other.record; }
 
  private:
@@ -61,19 +59,19 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
   friend struct std::hash<ServiceReferenceBase>;
 
   ServiceReferenceBase() = default;
-  ServiceReferenceBase(std::shared_ptr<detail::ServiceRecord> service,
-                       const std::string* asInterface)
-      : record(std::move(service)), seenAs(asInterface) {}
+  ServiceReferenceBase(std::shared_ptr<detail::ServiceRecord> record,
+                       const std::string* interfaceId)
+      : record(std::move(record)), interfaceId(interfaceId) {}
 
-  // Sees the service under `interfaceId`; names no service where it has no such interface.
-  void bindTo(const std::string& interfaceId);
+  // Restricts the reference to the interface `name`; makes it invalid when the service lacks it.
+  void bindTo(const std::string& name);
 
   // Returns the current properties, null when the reference refers to no service.
   std::shared_ptr<const AnyMap> properties() const;
 
   std::shared_ptr<detail::ServiceRecord> record;
-  // Points into the record's list of interfaces; null for none in particular.
-  const std::string* seenAs = nullptr;
+  // Points into the record's list of interfaces; null for all of them.
+  const std::string* interfaceId = nullptr;
 };
 
 }  // namespace cppmicroservices

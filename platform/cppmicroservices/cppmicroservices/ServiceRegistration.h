@@ -10,12 +10,11 @@ namespace cppmicroservices {
 
 class BundleContext;
 
-/// Lets the maker of a service under the interfaces `I1`, `Interfaces...` change and unregister
-/// it.
+/// Lets the registering bundle change and unregister a service under `I1`, `Interfaces...`.
 template <class I1, class... Interfaces>
 class ServiceRegistration : public ServiceRegistrationBase {
  public:
-  /// Makes an object that stands for no registration.
+  /// Makes an invalid object.
   ServiceRegistration() = default;
   using ServiceRegistrationBase::operator=;
 
@@ -37,11 +36,11 @@ class ServiceRegistration : public ServiceRegistrationBase {
   ServiceRegistration(const ServiceRegistrationBase& base) : ServiceRegistrationBase(base) {}
 };
 
-/// Lets the maker of a service change and unregister it, whatever its interfaces.
+/// Lets the registering bundle change and unregister a service, whatever its interfaces.
 template <>
 class ServiceRegistration<void> : public ServiceRegistrationBase {
  public:
-  /// Makes an object that stands for no registration.
+  /// Makes an invalid object.
   ServiceRegistration() = default;
   ServiceRegistration(const ServiceRegistrationBase& base) : ServiceRegistrationBase(base) {}
   using ServiceRegistrationBase::operator=;

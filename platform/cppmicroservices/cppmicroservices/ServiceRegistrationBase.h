@@ -11,30 +11,30 @@
 
 namespace cppmicroservices {
 
-/// Lets the maker of a service change and unregister it. `ServiceRegistration` is the form to
-/// use. Copies stand for the same registration; the last one that goes does not unregister.
+/// Lets the registering bundle change and unregister a service. Use `ServiceRegistration`. Copies
+/// refer to the same registration, which does not end with the last of them.
 class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
  public:
-  /// Makes the object stand for no registration.
+  /// Makes the object invalid.
   ServiceRegistrationBase& operator=(std::nullptr_t) { return *this = ServiceRegistrationBase(); }
 
-  /// Says whether the object stands for a registration.
+  /// Says whether the object is valid; it stays so after the service was unregistered.
   explicit operator bool() const { return record != nullptr; }
 
-  /// Returns a reference to the service under `interfaceId`, under none in particular when that
-  /// is empty. Throws `std::logic_error` when the service is not registered (any more).
+  /// Returns a reference to the service under `interfaceId`, under all interfaces when that is
+  /// empty. Throws `std::logic_error` when the service is not registered.
   ServiceReferenceBase GetReference(const std::string& interfaceId = std::string()) const;
 
   /// Replaces the properties, except those that the framework sets, and tells the listeners.
-  /// Throws `std::logic_error` when the service is not registered (any more),
+  /// Throws `std::logic_error` when the service is not registered,
   /// `std::runtime_error` when two keys differ in case only.
   void SetProperties(const ServiceProperties& properties);
 
   /// Removes the service from the registry, tells the listeners, and takes the service away from
-  /// the bundles that hold it. Throws `std::logic_error` when it is not registered (any more).
+  /// the bundles that use it. Throws `std::logic_error` when it is not registered.
   void Unregister();
 
-  /// Orders as the references do; an object that stands for no registration comes first.
+  /// Orders as the references do; invalid objects come first.
   bool operator<(const ServiceRegistrationBase& other) const;
   bool operator==(const ServiceRegistrationBase& other) const { return record == other.record; }
 
@@ -45,8 +45,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
   friend struct std::hash<ServiceRegistrationBase>;
 
   ServiceRegistrationBase() = default;
-  explicit ServiceRegistrationBase(std::shared_ptr<detail::ServiceRecord> service)
-      : record(std::move(service)) {}
+  explicit ServiceRegistrationBase(std::shared_ptr<detail::ServiceRecord> record)
+      : record(std::move(record)) {}
   detail::ServiceRecord& registered() const;
 
   std::shared_ptr<detail::ServiceRecord> record;

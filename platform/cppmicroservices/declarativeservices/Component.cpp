@@ -17,25 +17,25 @@ namespace {
 
 std::atomic<unsigned long> lastComponentId{0};
 
-// Sets a flag until the end of a block, also where that is left by an exception.
-class Raised {
+// Sets a flag until the end of a scope.
+class FlagGuard {
  public:
-  explicit Raised(bool& target) : flag(target) { flag = true; }
-  Raised(const Raised&) = delete;
-  Raised& operator=(const Raised&) = delete;
-  ~Raised() { flag = false; }
+  explicit FlagGuard(bool& flag) : flag(flag) { flag = true; }
+  FlagGuard(const FlagGuard&) = delete;
+  FlagGuard& operator=(const FlagGuard&) = delete;
+  ~FlagGuard() { flag = false; }
 
  private:
   bool& flag;
 };
 
-// Frees a lock until the end of a block.
-class Unlocked {
+// Releases a lock until the end of a scope.
+class UnlockGuard {
  public:
-  explicit Unlocked(std::unique_lock<std::mutex>& held) : lock(held) { lock.unlock(); }
-  Unlocked(const Unlocked&) = delete;
-  Unlocked& operator=(const Unlocked&) = delete;
-  ~Unlocked() { lock.lock(); }
+  explicit UnlockGuard(std::unique_lock<std::mutex>& lock) : lock(lock) { lock.unlock(); }
+  UnlockGuard(const UnlockGuard&) = delete;
+  UnlockGuard& operator=(const UnlockGuard&) = delete;
+  ~UnlockGuard() { lock.lock(); }
 
  private:
   std::unique_lock<std::mutex>& lock;
@@ -110,12 +110,12 @@ bool Component::isOffered() const {
   return current != nullptr;
 }
 
-// Brings the service in line with what the references have, without the lock while others are
-// called. A thread that finds another one at it leaves: that one looks again before it ends.
+// Registers or unregisters the service as the candidates of the references require. Calls others
+// without the lock. A thread that finds another one here returns: that one checks again.
 void Component::settle() {
   std::unique_lock lock(mutex);
   if (changing) return;
-  const Raised raised(changing);
+  const FlagGuard raised(changing);
   while (step(lock)) {
   }
 }
@@ -123,14 +123,14 @@ void Component::settle() {
 bool Component::step(std::unique_lock<std::mutex>& lock) {
   if (current && (stopped || !isStillBound())) {
     const std::shared_ptr<Configuration> old = std::exchange(current, nullptr);
-    const Unlocked unlocked(lock);
+    const UnlockGuard unlocked(lock);
     withdraw(*old);
     return true;
   }
   if (!current && started && !stopped && hasAllServices()) {
     current = std::make_shared<Configuration>(component, factory, context, bestServices());
     const std::shared_ptr<Configuration> made = current;
-    const Unlocked unlocked(lock);
+    const UnlockGuard unlocked(lock);
     offer(made);
     return true;
   }
@@ -174,7 +174,7 @@ void Component::withdraw(Configuration& old) {
   try {
     registration.Unregister();
   } catch (const std::logic_error&) {
-    // The framework was first: the bundle stopped while the service was being registered.
+    // The framework has unregistered it: the bundle stopped while the service was registered.
   }
   registration = nullptr;
   old.close();

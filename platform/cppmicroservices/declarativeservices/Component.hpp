@@ -20,7 +20,7 @@ namespace cppmicroservices::declarativeservices {
 /// a service to be bound to.
 ///
 /// May be used from several threads. Where two threads change the same component, one of them
-/// does the work of both and the other one goes on.
+/// does the work of both and the other one returns.
 class Component {
  public:
   /// Throws `ComponentException` when the library of `owner` has no factory for it.
@@ -32,7 +32,7 @@ class Component {
   void start();
   void serviceCame(const ServiceReferenceU& service);
   void serviceWent(const ServiceReferenceU& service);
-  /// Takes the service back for good.
+  /// Unregisters the service for good.
   void stop();
 
   bool isOffered() const;
@@ -58,13 +58,13 @@ class Component {
 
   mutable std::mutex mutex;
   std::vector<Reference> references;
-  // Services that went before `start` had asked which there are.
+  // Services that were unregistered before `start` had looked them up.
   std::vector<ServiceReferenceU> wentEarly;
   bool started = false;
   bool stopped = false;
   bool changing = false;
   std::shared_ptr<Configuration> current;
-  // Only of the thread that set `changing`.
+  // Used by the thread that set `changing` only.
   ServiceRegistrationU registration;
 };
 

@@ -63,7 +63,7 @@ InterfaceMapConstPtr Configuration::GetService(const Bundle&, const ServiceRegis
 void Configuration::UngetService(const Bundle&, const ServiceRegistrationBase&,
                                  const InterfaceMapConstPtr&) {}
 
-// Says whether the caller is to make the object: it is not there and nobody else is at it.
+// Says whether the caller has to make the object: it does not exist and no thread is making it.
 bool Configuration::beginMaking() {
   std::unique_lock lock(mutex);
   if (maker == std::this_thread::get_id()) {
@@ -90,9 +90,9 @@ std::unique_ptr<Instance> Configuration::make() {
   }
 }
 
-// Keeps what was made, if anything, and returns the object that is there now.
+// Keeps `made`, if it is not null, and returns the current object.
 InterfaceMapConstPtr Configuration::endMaking(std::unique_ptr<Instance> made) {
-  // Declared before the lock: an object that came too late goes when the lock is free again.
+  // Declared before the lock, so that an object that came too late is destroyed without it.
   std::unique_ptr<Instance> tooLate;
   const std::lock_guard lock(mutex);
   if (made) {
@@ -140,7 +140,7 @@ std::shared_ptr<void> Configuration::locate(const std::string& name,
     fail("its reference " + name + " has no object: the component behind " + interfaceId +
          " could not be made or has just gone");
   }
-  // The map goes along, so that the service counts as used while the component holds it.
+  // Shares the map, so that the service counts as used while the component keeps it.
   return {service, ExtractInterface(service, interfaceId).get()};
 }
 

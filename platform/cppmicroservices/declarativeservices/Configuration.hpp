@@ -17,10 +17,10 @@
 
 namespace cppmicroservices::declarativeservices {
 
-/// What a component is while its references stay bound to the same services: the factory of its
-/// service, with one implementation object that is made when first asked for.
+/// A component while its references stay bound to the same services: the factory of its service,
+/// with one implementation object that is made when it is first asked for.
 ///
-/// May be used from several threads; none waits but for another one that makes the object.
+/// May be used from several threads, which wait only for the one that makes the object.
 class Configuration : public ServiceFactory, public std::enable_shared_from_this<Configuration> {
  public:
   /// `bound` has a service for each reference of `description`, in order.
@@ -37,8 +37,8 @@ class Configuration : public ServiceFactory, public std::enable_shared_from_this
   void UngetService(const Bundle& bundle, const ServiceRegistrationBase& registration,
                     const InterfaceMapConstPtr& service) override;
 
-  /// Lets go of the object, once and for all. An object that another thread is just making goes
-  /// as soon as it is made.
+  /// Releases the object for good. An object that another thread is making is released as soon as
+  /// it is made.
   void close();
 
   /// Returns the service of each reference, in order.

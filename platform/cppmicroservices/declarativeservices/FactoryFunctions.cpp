@@ -27,7 +27,7 @@ struct Close {
 
 FactoryFunctions FactoryFunctions::find(const Bundle& bundle, const std::string& name) {
   const std::string location = bundle.GetLocation();
-  // The framework has loaded the library and keeps it: this only asks for its handle.
+  // The framework has loaded the library and never unloads it: this only returns its handle.
   const std::unique_ptr<void, Close> library(dlopen(location.c_str(), RTLD_LAZY | RTLD_LOCAL));
   const auto symbol = [&](const std::string& prefix) {
     const std::string function = prefix + asSymbol(name);

@@ -16,7 +16,7 @@ class Instance {
   Instance(const FactoryFunctions& factory,
            const std::shared_ptr<service::component::ComponentContext>& context);
 
-  /// Drops the implementation, then the instance.
+  /// Destroys the implementation, then the instance.
   ~Instance();
 
   Instance(const Instance&) = delete;

@@ -81,7 +81,7 @@ Runtime::Components Runtime::makeComponents(const Bundle& bundle) {
   return components;
 }
 
-// Says whether the bundle is taken up by this call.
+// Says whether this call has added the bundle.
 bool Runtime::keep(const Bundle& bundle, const Components& components) {
   const std::lock_guard lock(mutex);
   if (stopped || !bundles.emplace(bundle.GetBundleId(), components).second) return false;

@@ -17,15 +17,15 @@ namespace cppmicroservices::declarativeservices {
 
 /// Makes the components of all bundles that are active.
 ///
-/// Trouble with a component becomes an event for the framework listeners; the other components
-/// are not touched by it.
+/// A problem with a component becomes an event for the framework listeners and does not affect the
+/// other components.
 class Runtime : public std::enable_shared_from_this<Runtime> {
  public:
   explicit Runtime(const BundleContext& ownContext) : context(ownContext) {}
 
-  /// Takes up the bundles that are active, and from then on every one that starts.
+  /// Handles the bundles that are active, and from then on every one that starts.
   void start();
-  /// Takes all components back. The object is of no use afterwards.
+  /// Stops all components. The object cannot be started again.
   void stop();
 
  private:

@@ -25,7 +25,7 @@ const ComponentDescription* neededBy(const ComponentDescription& component,
   return found == others.end() ? nullptr : *found;
 }
 
-// Takes away what waits for none of the others, until each one left waits for another one left.
+// Removes the components that wait for none of the others, until each waits for another one.
 void dropOpenEnds(Components& components) {
   while (std::erase_if(components, [&](const auto* component) {
            return neededBy(*component, components) == nullptr;
@@ -39,7 +39,7 @@ std::string describeCircle(const Components& waiting) {
   Components components = waiting;
   dropOpenEnds(components);
   if (components.empty()) return "";
-  // Each waits for another one: whoever follows them long enough goes round in a circle.
+  // Each waits for another one, so that following them ends in a cycle.
   Components path{components.front()};
   auto repeated = path.begin();
   do {

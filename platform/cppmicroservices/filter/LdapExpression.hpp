@@ -9,7 +9,7 @@ namespace cppmicroservices::detail {
 
 /// A parsed filter: one condition on one property, or conditions joined by `&`, `|` or `!`.
 ///
-/// Nested at most `kMaximumDepth` deep, so that its recursions are bounded.
+/// Nested at most `kMaximumDepth` deep, which bounds the recursion over it.
 class LdapExpression {
  public:
   static constexpr int kMaximumDepth = 1000;
@@ -28,7 +28,7 @@ class LdapExpression {
   std::vector<LdapExpression> operands;
 
   std::string attribute;
-  // The value, cut at every `*`: a value without one is one piece, `*` alone are two empty ones.
+  // The value, split at each `*`: one piece without `*`, two empty pieces for `*` alone.
   std::vector<std::string> pieces;
 
  private:
@@ -36,12 +36,12 @@ class LdapExpression {
   void printValue(std::string& text) const;
 };
 
-/// Parses a filter. Throws `std::invalid_argument`: its text names what is wrong and where, as a
-/// 1-based place in bytes.
+/// Parses a filter. Throws `std::invalid_argument`: its text names the problem and its
+/// 1-based position in bytes.
 LdapExpression parseLdapExpression(const std::string& text);
 
-/// Says whether `value` meets the condition `operation` with `pieces`. A list does when one of
-/// its elements does; a value that is neither text, number, truth value nor list never does.
+/// Says whether `value` meets the condition `operation` with `pieces`. A list does when one of its
+/// elements does; a value that is neither text, number, boolean nor list never does.
 bool ldapValueMatches(const Any& value, LdapExpression::Operator operation,
                       const std::vector<std::string>& pieces);
 

@@ -9,7 +9,7 @@ namespace {
 
 using Operator = LdapExpression::Operator;
 
-// How much of a filter a message repeats.
+// How much of a filter a message quotes.
 constexpr std::size_t kShownBytes = 200;
 
 class LdapParser {

@@ -14,8 +14,7 @@ namespace {
 using Operator = LdapExpression::Operator;
 using Pieces = std::vector<std::string>;
 
-// Finds each piece at the first place that is left: with pieces in a fixed order no later place
-// could match more.
+// Matches each piece at its first occurrence in the rest: a later one could not match more.
 bool matchesPattern(std::string_view value, const Pieces& pieces) {
   if (pieces.size() == 1) return value == pieces.front();
   if (!value.starts_with(pieces.front())) return false;
@@ -45,7 +44,7 @@ bool inOrder(const Value& value, Operator operation, const Value& bound) {
   return operation == Operator::kAtLeast ? value >= bound : value <= bound;
 }
 
-// A * stands for any text after = only; after the other operators it matches no text.
+// A * matches any text after = only; after the other operators it matches nothing.
 bool textMatches(const std::string& value, Operator operation, const Pieces& pieces) {
   if (operation == Operator::kEqual) return matchesPattern(value, pieces);
   if (pieces.size() > 1) return false;
@@ -62,11 +61,11 @@ bool truthMatches(bool value, Operator operation, const Pieces& pieces) {
          matchesApproximately(value ? "true" : "false", pieces.front());
 }
 
-// The number at the start of the filter's value counts, whatever follows it.
+// Compares with the number at the start of the filter's value and ignores what follows it.
 template <class Number>
 bool numberMatches(Number value, Operator operation, const Pieces& pieces) {
   const std::string& text = pieces.front();
-  // Exact for every integer of 64 bits.
+  // Exact for every 64-bit integer.
   long double bound = 0;
   const std::size_t begin = std::min(text.find_first_not_of(" +"), text.size());
   if (std::from_chars(text.data() + begin, text.data() + text.size(), bound).ec != std::errc()) {

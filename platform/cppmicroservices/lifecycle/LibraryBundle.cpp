@@ -10,7 +10,7 @@
 #include "manifest/bundleManifests.hpp"
 #include "properties/text.hpp"
 
-// The header of activators is for bundles: it wants a bundle's name, which plays no part here.
+// The header of activators requires the name of a bundle, which does not matter here.
 #define US_BUNDLE_NAME framework
 #include "cppmicroservices/BundleActivator.h"
 
@@ -115,7 +115,7 @@ void LibraryBundle::loadLibrary() {
 }
 
 void LibraryBundle::setLibraryContext(BundleContextPrivate* context) {
-  // A library that does not ask for its context may go without.
+  // A library does not have to take its context.
   void* const function = library == nullptr ? nullptr : symbol(kSetContext);
   if (function != nullptr) reinterpret_cast<void (*)(BundleContextPrivate*)>(function)(context);
 }

@@ -19,8 +19,8 @@ class LibraryBundle final : public BundlePrivate {
   void stop() override;
   void uninstall() override;
 
-  /// Stops the bundle for good: its framework stops. Throws what the activator throws, at the
-  /// end.
+  /// Stops the bundle for good, since its framework stops. Throws the activator's exception after
+  /// everything else was done.
   void abandon();
 
  private:

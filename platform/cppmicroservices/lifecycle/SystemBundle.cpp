@@ -43,7 +43,7 @@ void SystemBundle::stop() {
   if (!isRunning()) return;
   enter(Bundle::STATE_STOPPING, BundleEvent::BUNDLE_STOPPING);
   stopBundles();
-  // What is left belongs to the host, which does not listen to its own end.
+  // The remaining listeners are the host's, which is not told that its own services go.
   core->listeners.removeAllOf(*this);
   closeContext();
   enter(Bundle::STATE_RESOLVED);

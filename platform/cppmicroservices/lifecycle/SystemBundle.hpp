@@ -7,7 +7,7 @@
 
 namespace cppmicroservices::detail {
 
-/// The framework as a bundle. Its stop ends the life of all other bundles: a framework that is
+/// The framework as a bundle. When it stops, all other bundles are removed: a framework that is
 /// started again has none.
 class SystemBundle final : public BundlePrivate {
  public:
@@ -21,8 +21,7 @@ class SystemBundle final : public BundlePrivate {
   /// Says whether bundles may be started.
   bool acceptsBundles() const;
 
-  /// Waits until the framework does not run, at most for `timeout`, without end when that is
-  /// zero.
+  /// Waits until the framework does not run, at most for `timeout`; zero waits without a limit.
   FrameworkEvent waitForStop(const std::chrono::milliseconds& timeout);
 
  private:

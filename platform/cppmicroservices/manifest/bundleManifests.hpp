@@ -22,14 +22,14 @@ using ManifestCheck = void (*)(const AnyMap& headers, const std::string& locatio
                                const std::string& remedy);
 
 /// Returns the manifests, one at least, in the zip archive at the end of the library at
-/// `location`; its offsets may count from its own start or from that of the file. Refuses the
-/// file when there are none.
+/// `location`; its offsets may be relative to the archive or to the file. Refuses the file when
+/// there are none.
 std::vector<ManifestText> readManifestTexts(const std::string& location);
 
 /// Returns a manifest as headers: integers as `int`, other numbers and those that are too large
 /// as `double`, lists as `std::vector<Any>`, objects as `AnyMap`. Refuses the file when the text
-/// is no JSON object, when keys of one object differ in case at most, or when a header that the
-/// framework reads is not as it must be.
+/// is not a JSON object, when keys of one object are equal or differ in case only, or when a header
+/// that the framework reads is malformed.
 AnyMap parseManifest(const std::string& location, const ManifestText& manifest);
 
 }  // namespace cppmicroservices::detail

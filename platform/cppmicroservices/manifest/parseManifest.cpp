@@ -14,10 +14,10 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Values nest at most so deep, so that the recursions over them are bounded.
+// Bounds the recursion over the values.
 constexpr std::size_t kMaximumDepth = 100;
 
-// Builds a manifest as the parser comes upon its parts; stops at the first problem.
+// Builds a manifest from the events of the JSON parser; stops at the first problem.
 class ManifestBuilder {
  public:
   bool null() { return put(Any()); }
@@ -40,12 +40,12 @@ class ManifestBuilder {
 
   bool parse_error(std::size_t /*place*/, const std::string& /*token*/,
                    const Json::exception& error) {
-    // What is before "at line 1, column 2: ..." is the parser's own code for the problem.
+    // The text before "at line 1, column 2: ..." is the JSON library's code for the problem.
     const std::string text = error.what();
     return fail("it is no JSON " + text.substr(text.find("at line")));
   }
 
-  // The library asks every builder for it, and has no use for it: text holds no binary values.
+  // The JSON library requires this member of every builder; text contains no binary values.
   bool (*binary)(Json::binary_t& value) = nullptr;
 
   AnyMap manifest;
@@ -115,7 +115,7 @@ bool isIdentifier(std::string_view text) {
          });
 }
 
-// Says whether `text` is a version: one to three numbers and perhaps a qualifier.
+// Says whether `text` is a version: one to three numbers and an optional qualifier.
 bool isVersion(std::string_view text) {
   for (int part = 0; part < 3; ++part) {
     const auto digits = std::min(text.find_first_not_of("0123456789"), text.size());
@@ -130,7 +130,7 @@ bool isVersion(std::string_view text) {
   });
 }
 
-// Finds what is wrong with the headers that the framework reads; empty when nothing is.
+// Returns the problem with the headers that the framework reads, "" when there is none.
 std::string problemOf(const AnyMap& headers) {
   const auto name = headers.find(Constants::BUNDLE_SYMBOLICNAME);
   if (name == headers.end()) return "\"" + Constants::BUNDLE_SYMBOLICNAME + "\" is missing";

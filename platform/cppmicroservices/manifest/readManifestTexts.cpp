@@ -30,8 +30,8 @@ constexpr const char* kArchiveRemedy =
     "append a zip archive that holds <symbolic name>/manifest.json to the library, after it was "
     "stripped";
 
-// The zip library turns the times of entries into local time, with data of the C library that all
-// threads share and whose own lock a thread sanitizer does not see.
+// libzip converts the times of entries to local time, with data of the C library that all threads
+// share and whose lock the thread sanitizer does not see.
 std::mutex archives;
 
 using Archive = std::unique_ptr<zip_t, decltype(&zip_discard)>;
@@ -44,8 +44,8 @@ std::uint32_t littleEndian(std::string_view bytes, std::size_t place) {
   return value;
 }
 
-// Returns where in the file its archive starts that offsets count from. `tail` are the last bytes
-// of the file, which is `fileBytes` long.
+// Returns the position in the file that the archive's offsets are relative to. `tail` is the end of
+// the file, which has `fileBytes` bytes.
 std::uint64_t archiveStart(const std::string& location, std::string_view tail,
                            std::uint64_t fileBytes) {
   const std::size_t end = tail.rfind(kEndSignature);

@@ -31,8 +31,8 @@ std::shared_ptr<void> ExtractInterface(const InterfaceMapConstPtr& map,
   return entry == map->end() ? nullptr : entry->second;
 }
 
-ServiceException::ServiceException(const std::string& message, const Type& kind)
-    : std::runtime_error(message), type(kind) {}
+ServiceException::ServiceException(const std::string& message, const Type& type)
+    : std::runtime_error(message), type(type) {}
 ServiceException::~ServiceException() = default;
 
 IllegalStateException::IllegalStateException(std::string message) : std::runtime_error(message) {}

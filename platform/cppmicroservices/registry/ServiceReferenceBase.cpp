@@ -45,10 +45,10 @@ bool ServiceReferenceBase::IsConvertibleTo(const std::string& interfaceId) const
   return record && record->findInterface(interfaceId) != nullptr;
 }
 
-void ServiceReferenceBase::bindTo(const std::string& interfaceId) {
+void ServiceReferenceBase::bindTo(const std::string& name) {
   if (!record) return;
-  seenAs = record->findInterface(interfaceId);
-  if (seenAs == nullptr) record = nullptr;
+  interfaceId = record->findInterface(name);
+  if (interfaceId == nullptr) record = nullptr;
 }
 
 bool ServiceReferenceBase::operator<(const ServiceReferenceBase& other) const {

@@ -24,10 +24,10 @@ namespace quenlith::bundle {
 template <class... Interfaces>
 struct Provides {};
 
-/// Holds the name of a reference as a template argument.
+/// The name of a reference as a template argument.
 template <std::size_t size>
 struct ReferenceName {
-  // Implicit, so that a string literal can stand as the template argument.
+  // Implicit, so that a string literal can be the template argument.
   consteval ReferenceName(const char (&name)[size]) { std::copy_n(name, size, characters); }
 
   char characters[size];
@@ -67,15 +67,16 @@ struct Factory<Implementation, Provides<Interfaces...>, Reference<names, Referen
 
 }  // namespace quenlith::bundle
 
-/// Exports the two functions with which the runtime makes and removes a component.
+/// Exports the two functions with which the runtime creates and destroys a component instance.
 ///
 /// `symbol` is the qualified name of the class with "_" for "::"; then follow the class, the
-/// interfaces and the references in the order of the manifest, which is that of the constructor:
+/// interfaces and the references in the order of the manifest and of the constructor:
 ///
 ///     QUENLITH_COMPONENT(demo_Speaker, demo::Speaker, Provides<demo::Greeter>,
 ///                        Reference<"dictionary", demo::Dictionary>)
 ///
-/// Stands at namespace scope, once a component. `Provides` and `Reference` need no qualification.
+/// Use it outside of any namespace, once per component. `Provides` and `Reference` need no
+/// qualification.
 #define QUENLITH_COMPONENT(symbol, ...)                                                     \
   namespace quenlith::bundle {                                                              \
   extern "C" QUENLITH_BUNDLE_EXPORT                                                         \

@@ -7,7 +7,7 @@
 
 namespace cppmicroservices::service::component {
 
-/// Tells that the Declarative Services runtime cannot make a component.
+/// The exception for a component that the Declarative Services runtime cannot make.
 class QUENLITH_CPPMICROSERVICES_EXPORT ComponentException final : public std::runtime_error {
  public:
   explicit ComponentException(const std::string& message);

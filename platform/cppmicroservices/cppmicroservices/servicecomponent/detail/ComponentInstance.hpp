@@ -13,11 +13,11 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ComponentInstance {
  public:
   virtual ~ComponentInstance() noexcept;
 
-  /// Makes the implementation object out of the services of its references. Throws what the
-  /// context and the constructor throw; there is no object then.
+  /// Makes the implementation object from the services of its references. Throws what the context
+  /// and the constructor throw; no object exists then.
   virtual void CreateInstance(const std::shared_ptr<ComponentContext>& context) = 0;
 
-  /// Lets go of the implementation object.
+  /// Releases the implementation object.
   virtual void Deactivate() = 0;
 
   /// Returns the object under each interface that the component provides. There must be one.

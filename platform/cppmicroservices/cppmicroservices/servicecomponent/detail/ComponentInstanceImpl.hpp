@@ -12,7 +12,7 @@
 
 namespace cppmicroservices::service::component::detail {
 
-/// Names the type in which generated factories list bind methods: none can be made here.
+/// The type in which generated factories list bind methods, which this framework does not have.
 template <class Implementation>
 class Binder;
 
