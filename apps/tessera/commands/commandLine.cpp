@@ -21,12 +21,12 @@ ParseFormat readFormat(const std::string& name) {
   if (name == "tree") return ParseFormat::kTree;
   if (name == "json") return ParseFormat::kJson;
   if (name == "ndjson") return ParseFormat::kNdjson;
-  throw CLI::ValidationError("\"" + name + "\" is no format: use tree, json or ndjson");
+  throw CLI::ValidationError("\"" + name + "\" is not a format: use tree, json or ndjson");
 }
 
 std::string readRecordFile(const std::string& name) {
   if (!name.empty() && name != "-") return name;
-  throw CLI::ValidationError("\"" + name + "\" is no file to record to: name a file");
+  throw CLI::ValidationError("\"" + name + "\" is not a file to record to: name a file");
 }
 
 void addBundles(CLI::App& command, std::vector<std::string>& bundles) {
@@ -34,7 +34,7 @@ void addBundles(CLI::App& command, std::vector<std::string>& bundles) {
       ->type_name("FILE")
       ->allow_extra_args(false)
       ->check([](const std::string& name) {
-        return std::string(name.empty() ? "\"\" is no bundle: name its library" : "");
+        return std::string(name.empty() ? "\"\" is not a bundle: name its library" : "");
       });
 }
 
@@ -42,7 +42,7 @@ void addFiles(CLI::App& command, std::vector<std::string>& files, const std::str
   command.add_option("FILE", files, description)->type_name("")->required();
 }
 
-/// The options of all commands, and the way from arguments to them.
+/// The options of all commands, and how arguments set them.
 struct CommandLine {
   CommandLine();
 
@@ -109,7 +109,7 @@ int CommandLine::run() const {
   return replay(replayOptions);
 }
 
-/// Says what is wrong with the arguments: the first one that nothing takes, else what is missing.
+/// Says what is wrong with the arguments: the first one that is unknown, else what is missing.
 std::string describeUsage(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<std::string> unknown = app.remaining(true);
   if (unknown.empty()) return error.what();
@@ -117,7 +117,7 @@ std::string describeUsage(const CLI::App& app, const CLI::ParseError& error) {
   return "unknown " + kind + " \"" + unknown.front() + "\"";
 }
 
-/// Tells what cannot be used of the command line, and where to read what can.
+/// Reports what is wrong with the command line and returns the exit status.
 int reportUsage(const CommandLine& line, const CLI::ParseError& error) {
   std::string help = "tessera";
   for (const CLI::App* command : line.app.get_subcommands()) help += " " + command->get_name();
@@ -125,7 +125,7 @@ int reportUsage(const CommandLine& line, const CLI::ParseError& error) {
       diagnostics::describe({.file = "tessera",
                              .place = {},
                              .what = describeUsage(line.app, error),
-                             .remedy = "\"" + help + " --help\" tells what there is"}));
+                             .remedy = "\"" + help + " --help\" lists what there is"}));
   return kUnusable;
 }
 

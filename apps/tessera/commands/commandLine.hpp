@@ -2,8 +2,8 @@
 
 namespace tessera::commands {
 
-/// Runs the program with the arguments of `main`. Returns the exit status; every problem has
-/// been told on standard error.
+/// Runs the program with the arguments of `main` and returns the exit status. Problems are reported
+/// on standard error.
 int runCommandLine(int argumentCount, char** arguments);
 
 }  // namespace tessera::commands

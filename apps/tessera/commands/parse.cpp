@@ -41,7 +41,7 @@ bool isInput(const std::string& input, const std::string& recordFile) {
   throw diagnostics::ProblemError({.file = options.recordFile,
                                    .place = {},
                                    .what = "the file to record to is " + what,
-                                   .remedy = "name another file behind --record"});
+                                   .remedy = "name another file after --record"});
 }
 
 /// Throws ProblemError when the recording would overwrite an input or mix with the output.
@@ -54,7 +54,7 @@ void requireSeparateRecording(const ParseOptions& options) {
   }
 }
 
-/// Parses one file after the other; each one's memory is free again before the next.
+/// Parses one file after the other. The memory of a file is free again before the next is read.
 int parseFiles(const ParseOptions& options, session::FileParser& parser,
                const session::SnippetSession& session) {
   files::OutputFile standardOutput(STDOUT_FILENO, "standard output");
@@ -68,7 +68,7 @@ int parseFiles(const ParseOptions& options, session::FileParser& parser,
     } catch (const diagnostics::OutputError&) {
       throw;
     } catch (const diagnostics::ProblemError& error) {
-      // What came before goes out first, so that the message stands where it belongs.
+      // The output of the files before comes before the message.
       standardOutput.flush();
       diagnostics::report(error.what());
       status = kUnusable;

@@ -38,7 +38,8 @@ void replayLines(const std::string& name, replay::Replay& replay, files::OutputF
   files::ByteLines lines(name);
   std::uint64_t number = 0;
   while (true) {
-    // Whoever writes commands as they read answers gets each one before the next is awaited.
+    // A client that waits for each answer before it writes the next command must get the answer
+    // before this program waits for input.
     if (!lines.isNextHere()) answers.flush();
     const std::optional<std::string_view> line = lines.next();
     if (!line) return;

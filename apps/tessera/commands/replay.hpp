@@ -5,7 +5,7 @@
 namespace tessera::commands {
 
 /// Carries out the commands of a file and writes the answers to standard output. Returns the
-/// exit status; throws ProblemError at the first line that is no command.
+/// exit status; throws ProblemError at the first line that is not a command.
 int replay(const ReplayOptions& options);
 
 }  // namespace tessera::commands

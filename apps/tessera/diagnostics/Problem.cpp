@@ -16,6 +16,6 @@ std::string describe(const Problem& problem) {
   return text;
 }
 
-ProblemError::ProblemError(Problem problem) : found(std::move(problem)), text(describe(found)) {}
+ProblemError::ProblemError(Problem found) : found(std::move(found)), text(describe(this->found)) {}
 
 }  // namespace tessera::diagnostics

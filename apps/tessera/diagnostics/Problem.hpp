@@ -27,7 +27,7 @@ struct Problem {
 /// control characters escaped.
 std::string describe(const Problem& problem);
 
-/// Thrown where a problem ends the work on a file or on a command.
+/// Thrown when a problem ends the work on a file or on a command.
 class ProblemError : public std::exception {
  public:
   explicit ProblemError(Problem found);
@@ -41,7 +41,7 @@ class ProblemError : public std::exception {
   std::string text;
 };
 
-/// Thrown when what is made cannot be written: nothing more can come of the run.
+/// Thrown when output cannot be written, which ends the run.
 class OutputError : public ProblemError {
  public:
   using ProblemError::ProblemError;

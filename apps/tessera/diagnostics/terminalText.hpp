@@ -5,8 +5,8 @@
 
 namespace tessera::diagnostics {
 
-/// Tells whether `unit` is a character that does something to a terminal: U+0000 to U+001F,
-/// U+007F to U+009F, and the ones that turn the direction of text around.
+/// Returns whether `unit` is a character that controls a terminal: U+0000 to U+001F, U+007F to
+/// U+009F, the line and paragraph separators, and those that change the direction of text.
 bool isControl(char16_t unit) noexcept;
 
 /// Returns `text` (UTF-8) with each control character as an escape such as \n or \u001b.

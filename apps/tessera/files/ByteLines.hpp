@@ -20,13 +20,13 @@ class ByteLines {
   std::optional<std::string_view> next();
 
   /// Tells whether the next line is here already, so that asking for it will not wait.
-  bool isNextHere() const noexcept { return held.find('\n', begin) != held.npos; }
+  bool isNextHere() const noexcept { return buffered.find('\n', begin) != buffered.npos; }
 
  private:
   bool readMore();
 
   FileReader reader;
-  std::string held;
+  std::string buffered;
   // What lies before has been returned.
   std::size_t begin = 0;
   bool atStart = true;

@@ -29,7 +29,7 @@ const char* remedyFor(int error) {
 
 }  // namespace
 
-FileReader::FileReader(const std::string& fileName) : name(fileName) {
+FileReader::FileReader(const std::string& name) : name(name) {
   if (name == "-") return;
   descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) fail("cannot be opened", errno);
@@ -60,11 +60,11 @@ std::size_t FileReader::read(char* target, std::size_t size) {
   }
 }
 
-void FileReader::fail(const char* deed, int error) const {
+void FileReader::fail(const char* what, int error) const {
   throw diagnostics::ProblemError(
       {.file = name,
        .place = {},
-       .what = std::string(deed) + ": " + std::generic_category().message(error),
+       .what = std::string(what) + ": " + std::generic_category().message(error),
        .remedy = remedyFor(error)});
 }
 

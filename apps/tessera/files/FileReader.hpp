@@ -24,7 +24,7 @@ class FileReader {
 
  private:
   void examine();
-  [[noreturn]] void fail(const char* deed, int error) const;
+  [[noreturn]] void fail(const char* what, int error) const;
 
   std::string name;
   int descriptor = 0;

@@ -30,12 +30,12 @@ const char* remedyFor(int error) {
 
 }  // namespace
 
-OutputFile::OutputFile(int borrowed, std::string fileName)
-    : name(std::move(fileName)), descriptor(borrowed) {}
+OutputFile::OutputFile(int descriptor, std::string name)
+    : name(std::move(name)), descriptor(descriptor) {}
 
-OutputFile::OutputFile(const std::string& fileName)
-    : name(fileName),
-      descriptor(::open(fileName.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)),
+OutputFile::OutputFile(const std::string& name)
+    : name(name),
+      descriptor(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)),
       owned(true) {
   if (descriptor < 0) fail("cannot be created");
 }
@@ -45,27 +45,27 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::flush() {
-  std::string_view rest = held;
+  std::string_view rest = buffered;
   while (!rest.empty()) {
     const ssize_t count = ::write(descriptor, rest.data(), rest.size());
     if (count >= 0) {
       rest.remove_prefix(static_cast<std::size_t>(count));
     } else if (errno != EINTR) {
       const int error = errno;
-      held.clear();
+      buffered.clear();
       errno = error;
       fail("cannot be written");
     }
   }
-  held.clear();
+  buffered.clear();
 }
 
-void OutputFile::fail(const char* deed) const {
+void OutputFile::fail(const char* what) const {
   const int error = errno;
   throw diagnostics::OutputError(
       {.file = name,
        .place = {},
-       .what = std::string(deed) + ": " + std::generic_category().message(error),
+       .what = std::string(what) + ": " + std::generic_category().message(error),
        .remedy = remedyFor(error)});
 }
 

@@ -9,14 +9,14 @@ namespace {
 
 void reserve(int descriptor, int mode) noexcept {
   if (::fcntl(descriptor, F_GETFD) >= 0) return;
-  // The lowest free number is given out, and those below are taken by now.
+  // open() returns the lowest free descriptor, and the lower ones are open by now.
   static_cast<void>(::open("/dev/null", mode));
 }
 
 }  // namespace
 
 void reserveStandardStreams() noexcept {
-  // Opened the wrong way round, so that its use is an error as it is for a closed one.
+  // Opened for the opposite direction, so that using it is an error, as for a closed stream.
   reserve(STDIN_FILENO, O_WRONLY);
   reserve(STDOUT_FILENO, O_RDONLY);
   reserve(STDERR_FILENO, O_RDONLY);

@@ -4,12 +4,11 @@
 
 namespace tessera::formats {
 
-DocumentJson::DocumentJson(files::OutputFile& file, foundation::json::Form form,
-                           Records showRecords)
-    : output(file),
-      json(file.text(), form),
-      nodes(file, json, form),
-      lines(file, json, form, showRecords) {}
+DocumentJson::DocumentJson(files::OutputFile& output, foundation::json::Form form, Records records)
+    : output(output),
+      json(output.text(), form),
+      nodes(output, json, form),
+      lines(output, json, form, records) {}
 
 void DocumentJson::write(const FileResult& result) {
   json.beginObject();

@@ -7,11 +7,11 @@
 
 namespace tessera::formats {
 
-/// Writes parsed files as JSON objects, one behind the other.
+/// Writes parsed files as JSON objects, one after the other.
 class DocumentJson final : public DocumentWriter {
  public:
-  /// Borrows `file`.
-  DocumentJson(files::OutputFile& file, foundation::json::Form form, Records showRecords);
+  /// Borrows `output`.
+  DocumentJson(files::OutputFile& output, foundation::json::Form form, Records records);
 
   void write(const FileResult& result) override;
 

@@ -16,7 +16,7 @@ using document::kdzero::LiveAppIntegratedInlineNode;
 using document::kdzero::Node;
 
 constexpr std::size_t kNumberWidth = 6;
-// Deeper rows stand no further right: a very deep tree would be mostly blanks.
+// Deeper rows are indented no further: the text of a very deep tree would be mostly blanks.
 constexpr std::size_t kDeepestIndent = 32;
 
 std::string compactJson(const foundation::json::Object& members) {

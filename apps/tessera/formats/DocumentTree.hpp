@@ -10,13 +10,13 @@
 
 namespace tessera::formats {
 
-/// Writes parsed files for people to read: a row a node, indented below its line's number.
+/// Writes parsed files for people to read: one row per node, indented after its line's number.
 ///
 /// Control characters of a file's text are escaped, so that a terminal shows them.
 class DocumentTree final : public DocumentWriter {
  public:
-  /// Borrows `file`.
-  DocumentTree(files::OutputFile& file, Records showRecords) : output(file), records(showRecords) {}
+  /// Borrows `output`.
+  DocumentTree(files::OutputFile& output, Records records) : output(output), records(records) {}
 
   void write(const FileResult& result) override;
 
@@ -32,7 +32,7 @@ class DocumentTree final : public DocumentWriter {
 
   files::OutputFile& output;
   Records records;
-  // The number of the line whose first row is still to come; 0 behind that.
+  // The number of the line until its first row is written, then 0.
   std::uint64_t lineNumber = 0;
 };
 

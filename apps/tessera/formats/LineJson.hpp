@@ -13,10 +13,10 @@ namespace tessera::formats {
 /// Writes the lines of a document as JSON.
 class LineJson {
  public:
-  /// Borrows both; `writer` writes to the text of `file` in the form `spelling`.
-  LineJson(files::OutputFile& file, foundation::json::Writer& writer,
-           foundation::json::Form spelling, Records showRecords)
-      : output(file), json(writer), form(spelling), records(showRecords) {}
+  /// Borrows both; `json` writes to the text of `output` in the form `form`.
+  LineJson(files::OutputFile& output, foundation::json::Writer& json, foundation::json::Form form,
+           Records records)
+      : output(output), json(json), form(form), records(records) {}
 
   /// Writes the member "lines" of an outermost object. Throws OutputError.
   void writeMember(const FileResult& result);

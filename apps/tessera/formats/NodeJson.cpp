@@ -40,14 +40,14 @@ std::string renderPlainLine(foundation::json::Form form, std::u16string_view tex
 
 }  // namespace
 
-NodeJson::NodeJson(files::OutputFile& file, foundation::json::Writer& writer,
-                   foundation::json::Form spelling)
-    : output(file), json(writer) {
+NodeJson::NodeJson(files::OutputFile& output, foundation::json::Writer& json,
+                   foundation::json::Form form)
+    : output(output), json(json) {
   constexpr std::string_view kSample = "\"the text\"";
-  const std::string line = renderPlainLine(spelling, u"the text");
+  const std::string line = renderPlainLine(form, u"the text");
   const std::size_t place = line.find(kSample);
   beforeText = line.substr(0, place);
-  behindText = line.substr(place + kSample.size());
+  afterText = line.substr(place + kSample.size());
 }
 
 void NodeJson::writeMember(const kd::zero::ElementSequence<Node>& nodes) {
@@ -67,7 +67,7 @@ void NodeJson::writeMember(const kd::zero::ElementSequence<Node>& nodes) {
 void NodeJson::writePlainLine(std::u16string_view text) {
   output.text() += beforeText;
   foundation::json::appendQuoted(output.text(), text);
-  output.text() += behindText;
+  output.text() += afterText;
 }
 
 }  // namespace tessera::formats

@@ -12,9 +12,8 @@ namespace tessera::formats {
 /// Writes a document's nodes as JSON.
 class NodeJson {
  public:
-  /// Borrows both; `writer` writes to the text of `file` in the form `spelling`.
-  NodeJson(files::OutputFile& file, foundation::json::Writer& writer,
-           foundation::json::Form spelling);
+  /// Borrows both; `json` writes to the text of `output` in the form `form`.
+  NodeJson(files::OutputFile& output, foundation::json::Writer& json, foundation::json::Form form);
 
   /// Writes the member "nodes" of an outermost object. Throws OutputError.
   void writeMember(const kd::zero::ElementSequence<document::kdzero::Node>& nodes);
@@ -24,10 +23,10 @@ class NodeJson {
 
   files::OutputFile& output;
   foundation::json::Writer& json;
-  // What stands around the text of a plain line that is not the first. Most lines are plain, and to
-  // put these together anew for each would take ten times as long as to copy them.
+  // The JSON before and after the text of a plain line that is not the first node. Most lines are
+  // plain, and copying these parts is several times as fast as writing every member anew.
   std::string beforeText;
-  std::string behindText;
+  std::string afterText;
 };
 
 }  // namespace tessera::formats

@@ -7,11 +7,11 @@
 
 namespace tessera::formats {
 
-/// Writes one node with all that it holds as JSON.
+/// Writes a node and everything below it as JSON.
 class NodeWriter {
  public:
-  /// Borrows `writer`.
-  explicit NodeWriter(foundation::json::Writer& writer) : json(writer) {}
+  /// Borrows `json`.
+  explicit NodeWriter(foundation::json::Writer& json) : json(json) {}
 
   /// Writes `top`. A loop: nodes may nest as deep as memory allows.
   void write(const document::kdzero::Node& top);

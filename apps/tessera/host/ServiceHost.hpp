@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "quenlith/shared/appendix/MarkerAppendix.hpp"
-#include "tessera/session/SnippetSession.hpp"
+#include "tessera/session/NamedParser.hpp"
 
 namespace tessera::host {
 

@@ -22,7 +22,7 @@ enum class Operation {
   kSetView
 };
 
-/// The snippet of a command; without `auxiliaryText` the one of the snippet before holds on.
+/// The snippet of a command; without `auxiliaryText` it has that of the snippet before.
 struct CommandSnippet {
   fl::i18n::ustring text;
   quenlith::build::markup::SnippetType type;
@@ -38,11 +38,11 @@ struct Command {
   fl::i18n::ustring text;
   std::uint64_t node = 0;
   fl::i18n::ustring view;
-  /// Where `parser` or `node` stands in the line, 1-based, in characters.
+  /// The column of the value of `parser` or `node`, 1-based, in characters.
   std::uint64_t subjectColumn = 1;
 };
 
-/// Why a line is no command.
+/// Why a line is not a command.
 struct CommandError {
   /// 1-based, in characters.
   std::uint64_t column = 1;

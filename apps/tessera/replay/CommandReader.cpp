@@ -103,7 +103,7 @@ void CommandReader::readType(quenlith::build::markup::SnippetType& type) {
   expect(Token::kBeginObject, "an object");
   std::vector<Key> keys;
   while (nextKey(keys)) {
-    // Of a key that does not belong here the value does not matter: it is refused below.
+    // The value of an unknown key may go to either field: requireKeys rejects the key.
     std::uint8_t& field = keys.back().name == u"group" ? type.group : type.kind;
     field = static_cast<std::uint8_t>(readWhole(kMost));
   }
@@ -115,7 +115,7 @@ void CommandReader::readEntries(std::vector<quenlith::syntax::Marker>& entries) 
   Token token = next();
   for (; token == Token::kString; token = next()) {
     entries.emplace_back(fl::i18n::ustring(json.text()));
-    // A marker can be built from the bare name of an element too, but that is no marker's text.
+    // The constructor also takes the bare name of an element, which is not the text of a marker.
     const std::u16string_view element = entries.back().elementView();
     if (element.empty() || element == json.text()) {
       fail(json.begin(), "the entry " + quoted(json.text()) + " is no marker");

@@ -14,8 +14,8 @@ namespace tessera::replay {
 /// Reads one command from its JSON text.
 class CommandReader {
  public:
-  /// Borrows `line`.
-  explicit CommandReader(std::u16string_view line) : text(line), json(line) {}
+  /// Borrows `text`, one line.
+  explicit CommandReader(std::u16string_view text) : text(text), json(text) {}
 
   /// Returns the command. Throws CommandError.
   Command read();
@@ -23,7 +23,7 @@ class CommandReader {
  private:
   using Token = foundation::json::Token;
 
-  /// A key that was read, and where it stands.
+  /// A key that was read, and its offset.
   struct Key {
     std::u16string name;
     std::size_t position;

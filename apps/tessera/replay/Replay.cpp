@@ -17,13 +17,13 @@ using namespace document::kdzero;
 using quenlith::build::markup::ParseResult;
 using quenlith::build::markup::SnippetParser;
 
-Replay::Replay(std::vector<session::NamedParser> named, Appendix& appendixService,
-               files::OutputFile& answers)
-    : parsers(std::move(named)),
-      appendix(appendixService),
-      output(answers),
-      json(answers.text(), foundation::json::Form::kCompact),
-      nodes(answers, json, foundation::json::Form::kCompact),
+Replay::Replay(std::vector<session::NamedParser> parsers, Appendix& appendix,
+               files::OutputFile& output)
+    : parsers(std::move(parsers)),
+      appendix(appendix),
+      output(output),
+      json(output.text(), foundation::json::Form::kCompact),
+      nodes(output, json, foundation::json::Form::kCompact),
       document(std::make_shared<TesseraDocument>()) {}
 
 void Replay::run(const Command& command) {
@@ -91,8 +91,8 @@ void Replay::reset(const Command& command) {
   });
 }
 
-/// Makes the call, which opens the answer's object once it has gone well, and closes the answer
-/// with the records. A call that throws has not opened it.
+/// Makes the call, then adds the log records to its answer. The call begins the answer's object as
+/// its last step that can fail: one that throws has not begun it.
 template <typename Call>
 void Replay::answerCall(const Call& call) {
   try {

@@ -20,9 +20,8 @@ class Replay {
  public:
   using Appendix = quenlith::shared::appendix::MarkerAppendix;
 
-  /// Borrows `appendixService` and `answers`.
-  Replay(std::vector<session::NamedParser> parsers, Appendix& appendixService,
-         files::OutputFile& answers);
+  /// Borrows `appendix` and `output`.
+  Replay(std::vector<session::NamedParser> parsers, Appendix& appendix, files::OutputFile& output);
 
   /// Carries out `command` and writes the answer, one line. What a parser throws is an answer
   /// too. Throws CommandError when the command names a parser or a node that does not exist,
@@ -49,7 +48,7 @@ class Replay {
   formats::NodeJson nodes;
   session::LogCollector log;
   std::shared_ptr<document::kdzero::TesseraDocument> document;
-  // Keeps the auxiliary text from one snippet to the next.
+  // Keeps the auxiliary text for the next snippet.
   quenlith::build::markup::Snippet snippet;
 };
 

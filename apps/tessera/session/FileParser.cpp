@@ -36,7 +36,7 @@ ParsedFile FileParser::parse(const std::string& name) {
   file.appendix = source::readAppendix(source);
   std::vector<quenlith::syntax::Marker> entries;
   for (const auto& entry : file.appendix.entries) entries.push_back(entry.marker);
-  service.replace(entries);
+  appendix.replace(entries);
   if (recording != nullptr) recording->begin(textsOf(entries), source.code.text);
   try {
     file.snippet = session.parse(std::move(source.code));

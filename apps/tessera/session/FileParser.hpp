@@ -15,14 +15,14 @@ struct ParsedFile {
   source::Appendix appendix;
 };
 
-/// Reads files and hands their code to a session, with their appendix in place.
+/// Reads files and parses their code in a session, after their appendix is set.
 class FileParser {
  public:
   using Appendix = quenlith::shared::appendix::MarkerAppendix;
 
-  /// Borrows all; `callRecording` may be null and is the session's.
-  FileParser(SnippetSession& lineSession, Appendix& appendixService, Recording* callRecording)
-      : session(lineSession), service(appendixService), recording(callRecording) {}
+  /// Borrows all; `recording` may be null and is the session's.
+  FileParser(SnippetSession& session, Appendix& appendix, Recording* recording)
+      : session(session), appendix(appendix), recording(recording) {}
 
   /// Parses the file `name`, "-" for standard input. Throws ProblemError when it cannot be
   /// read or a parser throws, and OutputError when the calls cannot be recorded.
@@ -30,7 +30,7 @@ class FileParser {
 
  private:
   SnippetSession& session;
-  Appendix& service;
+  Appendix& appendix;
   Recording* recording;
 };
 

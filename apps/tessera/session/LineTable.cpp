@@ -13,8 +13,8 @@ bool areAlike(const LineOutcome& a, const LineOutcome& b) noexcept {
 void LineTable::add(LineOutcome&& outcome) {
   if (!runs.empty()) {
     Run& last = runs.back();
-    const std::uint64_t behind = last.first.firstNode + last.lines * last.first.nodeCount;
-    if (outcome.firstNode == behind && areAlike(outcome, last.first)) {
+    const std::uint64_t nextNode = last.first.firstNode + last.lines * last.first.nodeCount;
+    if (outcome.firstNode == nextNode && areAlike(outcome, last.first)) {
       ++last.lines;
       return;
     }
@@ -23,7 +23,7 @@ void LineTable::add(LineOutcome&& outcome) {
 }
 
 bool LineTable::Cursor::advance() noexcept {
-  // Before the first line nothing is left behind.
+  // The first call moves to the first line.
   if (number != 0) ++inRun;
   if (run < table.runs.size() && inRun == table.runs[run].lines) {
     ++run;

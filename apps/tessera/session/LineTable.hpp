@@ -21,17 +21,17 @@ struct LineOutcome {
   std::vector<std::string> log;
 };
 
-/// Tells whether two outcomes differ in nothing but the index of their first node.
+/// Returns whether two outcomes differ in nothing but the index of their first node.
 bool areAlike(const LineOutcome& a, const LineOutcome& b) noexcept;
 
-/// The outcomes of a file's lines, in order. Lines alike that follow one another take the room
-/// of one, so that plain code costs nothing here.
+/// The outcomes of a file's lines, in order. Consecutive lines that are alike take the space of
+/// one, so that plain code takes almost none.
 class LineTable {
  public:
-  /// By reference: of lines alike, only the first is kept.
+  /// Moves from `outcome` if it is stored; a line like the one before it is only counted.
   void add(LineOutcome&& outcome);
 
-  /// A line as it is read back; borrowed from the table.
+  /// A line of the table, borrowed from it.
   struct Line {
     /// 1-based.
     std::uint64_t number;
@@ -42,9 +42,9 @@ class LineTable {
   /// Walks the lines from the first to the last.
   class Cursor {
    public:
-    explicit Cursor(const LineTable& walked) noexcept : table(walked) {}
+    explicit Cursor(const LineTable& table) noexcept : table(table) {}
 
-    /// Tells whether there is a further line; `line` is it.
+    /// Moves to the next line. Returns whether there is one.
     bool advance() noexcept;
     Line line() const noexcept;
 
@@ -56,7 +56,7 @@ class LineTable {
   };
 
  private:
-  /// Lines alike: as the first of them, but with later nodes.
+  /// Consecutive lines that are alike; each has the nodes after those of the line before.
   struct Run {
     LineOutcome first;
     std::uint64_t lines = 1;

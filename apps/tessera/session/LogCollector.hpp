@@ -8,9 +8,9 @@
 
 namespace tessera::session {
 
-/// Switches the parsers' progress records on for its life and collects them.
+/// Enables the parsers' progress records while it lives and collects them.
 ///
-/// Records of one thread at a time: the thread that parses.
+/// Not thread-safe: only the thread that parses may log.
 class LogCollector {
  public:
   LogCollector();
@@ -18,7 +18,7 @@ class LogCollector {
   LogCollector(const LogCollector&) = delete;
   LogCollector& operator=(const LogCollector&) = delete;
 
-  /// Gives away the records since the last call, in order.
+  /// Returns the records since the last call, in order.
   std::vector<std::string> take() { return std::exchange(records, {}); }
 
  private:

@@ -10,11 +10,12 @@
 
 namespace tessera::session {
 
-/// Writes the calls of a session as the commands of `tessera replay`, each before it is made:
-/// the record of a call that ends the program is whole.
+/// Writes the calls of a session as the commands of `tessera replay`, each before it is made: the
+/// record is complete even if the call ends the process.
 class Recording {
  public:
-  /// Creates the file `name` or empties it. Throws OutputError, as all operations do.
+  /// Creates the file `name`, or truncates an existing one. Throws OutputError, as all operations
+  /// do.
   explicit Recording(const std::string& name);
 
   /// Begins a file with a new document and the entries of its appendix; `code` is the
@@ -34,7 +35,7 @@ class Recording {
 
   files::OutputFile file;
   foundation::json::Writer json;
-  // What a reader of the recording takes for the auxiliary text of a snippet that names none.
+  // The auxiliary text that a reader of the recording assumes for a snippet without one.
   fl::i18n::ustring auxiliaryText;
   bool auxiliaryTextIsNew = false;
 };

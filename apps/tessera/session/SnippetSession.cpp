@@ -13,11 +13,11 @@ using document::kdzero::TesseraDocument;
 using quenlith::build::markup::Snippet;
 
 ParserError::ParserError(std::uint64_t lineNumber, std::string reason)
-    : number(lineNumber), text(std::move(reason)) {}
+    : lineNumber(lineNumber), reason(std::move(reason)) {}
 
-SnippetSession::SnippetSession(std::vector<NamedParser> ordered, LogCollector* logCollector,
-                               Recording* callRecording)
-    : parsersInOrder(std::move(ordered)), log(logCollector), recording(callRecording) {}
+SnippetSession::SnippetSession(std::vector<NamedParser> parsersInOrder, LogCollector* log,
+                               Recording* recording)
+    : parsersInOrder(std::move(parsersInOrder)), log(log), recording(recording) {}
 
 ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
   ParsedSnippet parsed;
@@ -50,7 +50,7 @@ void SnippetSession::resetParsers() {
     if (recording != nullptr) recording->reset(entry.name);
     entry.parser->reset();
   }
-  // What a reset says belongs to no line.
+  // Records of a reset do not belong to a line.
   if (log != nullptr) log->take();
 }
 

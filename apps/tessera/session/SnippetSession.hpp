@@ -7,21 +7,14 @@
 #include <vector>
 
 #include "document/kdzero/TesseraDocument.hpp"
-#include "quenlith/build/markup/SnippetParser.hpp"
 #include "tessera/session/LineTable.hpp"
 #include "tessera/session/LogCollector.hpp"
+#include "tessera/session/NamedParser.hpp"
 #include "tessera/source/lines.hpp"
 
 namespace tessera::session {
 
 class Recording;
-
-/// A snippet parser of the host's framework.
-struct NamedParser {
-  /// The service's test_id, "" without one. UTF-8.
-  std::string name;
-  std::shared_ptr<quenlith::build::markup::SnippetParser> parser;
-};
 
 /// One file, parsed.
 struct ParsedSnippet {
@@ -31,27 +24,26 @@ struct ParsedSnippet {
   LineTable lines;
 };
 
-/// Thrown when a parser throws, and when none takes a line.
+/// Thrown when a parser throws, and when no parser accepts a line.
 class ParserError : public std::exception {
  public:
   ParserError(std::uint64_t lineNumber, std::string reason);
 
   /// 1-based; 0 when it happened before the first line.
-  std::uint64_t line() const noexcept { return number; }
-  const char* what() const noexcept override { return text.c_str(); }
+  std::uint64_t line() const noexcept { return lineNumber; }
+  const char* what() const noexcept override { return reason.c_str(); }
 
  private:
-  std::uint64_t number;
-  std::string text;
+  std::uint64_t lineNumber;
+  std::string reason;
 };
 
-/// Hands the lines of one snippet after the other to the snippet parsers.
+/// Passes the lines of snippets to the snippet parsers.
 class SnippetSession {
  public:
-  /// `ordered` is the order in which parsers are asked, the default one last. `logCollector` and
-  /// `callRecording` are borrowed and may be null: then no records are kept, no calls recorded.
-  SnippetSession(std::vector<NamedParser> ordered, LogCollector* logCollector,
-                 Recording* callRecording);
+  /// Parsers are asked in the order of `parsersInOrder`, the default one last. `log` and
+  /// `recording` are borrowed and may be null: then no log records are kept, no calls recorded.
+  SnippetSession(std::vector<NamedParser> parsersInOrder, LogCollector* log, Recording* recording);
 
   const std::vector<NamedParser>& parsers() const noexcept { return parsersInOrder; }
 

@@ -13,14 +13,14 @@
 namespace tessera::source {
 namespace {
 
-/// Returns how many bytes a character takes that starts with `lead`; 1 for what starts none.
+/// Returns the length in bytes of a character that starts with `lead`; 1 if no character does.
 std::size_t lengthFrom(unsigned char lead) {
   if (lead >= 0xF0) return 4;
   if (lead >= 0xE0) return 3;
   return lead >= 0xC0 ? 2 : 1;
 }
 
-/// Returns how many bytes at the end of `bytes` begin a character that may go on behind it.
+/// Returns how many bytes at the end of `bytes` begin a character that may continue after them.
 std::size_t unfinishedTail(std::string_view bytes) {
   const std::size_t furthest = std::min<std::size_t>(3, bytes.size());
   for (std::size_t back = 1; back <= furthest; ++back) {
@@ -31,8 +31,8 @@ std::size_t unfinishedTail(std::string_view bytes) {
   return 0;
 }
 
-/// Asks for large pages from `begin` on where there are any. To touch each small page of a large
-/// text for the first time takes longer than to fill it.
+/// Asks for large pages from `begin` on. Faulting in each small page of a large text takes longer
+/// than filling it.
 void useLargePages(void* begin, std::size_t sizeBytes) {
   constexpr std::size_t kLargePage = std::size_t{2} << 20;
   if (std::align(kLargePage, kLargePage, begin, sizeBytes) != nullptr) {
@@ -47,9 +47,9 @@ std::string hexOf(unsigned char byte) {
 
 }  // namespace
 
-SourceDecoder::SourceDecoder(std::string fileName, std::size_t expectedBytes)
-    : file(std::move(fileName)), units(std::make_unique_for_overwrite<char16_t[]>(kChunkBytes)) {
-  // A text never has more units than bytes; room that is not used is never touched.
+SourceDecoder::SourceDecoder(std::string file, std::size_t expectedBytes)
+    : file(std::move(file)), units(std::make_unique_for_overwrite<char16_t[]>(kChunkBytes)) {
+  // A text never has more units than bytes; unused capacity is never touched.
   text.reserve(expectedBytes);
   useLargePages(text.data(), expectedBytes * sizeof(char16_t));
 }
@@ -68,7 +68,7 @@ std::u16string SourceDecoder::finish(std::string_view bytes) {
 void SourceDecoder::convert(std::string_view bytes) {
   const fl::i18n::Utf8Conversion done = fl::i18n::convertUtf8(bytes, units.get());
   if (!done.firstInvalid) return appendUnits(done.length);
-  // What stands before the ill-formed byte tells its place.
+  // The text before the invalid byte gives its place.
   const std::size_t valid = *done.firstInvalid;
   appendUnits(fl::i18n::convertUtf8(bytes.substr(0, valid), units.get()).length);
   fail(static_cast<unsigned char>(bytes[valid]));

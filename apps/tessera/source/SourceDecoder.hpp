@@ -7,7 +7,7 @@
 
 namespace tessera::source {
 
-/// Turns the bytes of a file, chunk by chunk, into UTF-16 whose lines end in LF.
+/// Converts the bytes of a file, chunk by chunk, to UTF-16 whose lines end in LF.
 ///
 /// A byte order mark at the start is dropped, CRLF becomes LF, a CR without LF stays.
 class SourceDecoder {
@@ -15,15 +15,15 @@ class SourceDecoder {
   /// The most bytes that one call takes.
   static constexpr std::size_t kChunkBytes = 64 * 1024;
 
-  /// `fileName` names the file in errors; `expectedBytes` is its size, 0 if not known.
-  SourceDecoder(std::string fileName, std::size_t expectedBytes);
+  /// `file` names the file in errors; `expectedBytes` is its size, 0 if not known.
+  SourceDecoder(std::string file, std::size_t expectedBytes);
 
   /// Takes the next bytes and returns how many were used: all but the beginning of a character
-  /// that is cut off at the end, which the caller gives again. Throws ProblemError with the
-  /// place of the first byte that is not UTF-8.
+  /// that is cut off at the end, which the caller passes again with the bytes after it. Throws
+  /// ProblemError with the place of the first byte that is not UTF-8.
   std::size_t append(std::string_view bytes);
 
-  /// Takes the last bytes and gives the text away. Throws like `append`.
+  /// Takes the last bytes and returns the text; call it once. Throws like `append`.
   std::u16string finish(std::string_view bytes);
 
  private:
@@ -34,8 +34,8 @@ class SourceDecoder {
 
   std::string file;
   std::u16string text;
-  // Conversion goes through here, where it stays in the cache: growing `text` to take it
-  // directly would write every unit twice as well.
+  // Units are converted into this buffer, which stays in the processor's cache. Converting into
+  // `text` would need resize(), which writes every unit once more.
   std::unique_ptr<char16_t[]> units;
   bool atStart = true;
   bool lastWasReturn = false;

@@ -43,9 +43,9 @@ SourceText splitSource(std::u16string text) {
   source.code.any = !text.empty();
   if (text.ends_with(u'\n')) text.pop_back();
   if (const auto line = findAppendixLine(text)) {
-    const std::size_t behind = line->begin + line->length;
-    source.appendix.any = behind < text.size();
-    if (source.appendix.any) source.appendix.text = text.substr(behind + 1);
+    const std::size_t end = line->begin + line->length;
+    source.appendix.any = end < text.size();
+    if (source.appendix.any) source.appendix.text = text.substr(end + 1);
     source.appendixLine = endOf({text.data(), line->begin}).line;
     source.code.any = line->begin != 0;
     text.resize(line->begin == 0 ? 0 : line->begin - 1);
@@ -58,15 +58,15 @@ SourceText readSource(const std::string& name) {
   files::FileReader reader(name);
   SourceDecoder decoder(name, reader.expectedSizeBytes());
   const auto buffer = std::make_unique_for_overwrite<char[]>(SourceDecoder::kChunkBytes);
-  std::size_t held = 0;
+  std::size_t unused = 0;
   while (const std::size_t count =
-             reader.read(buffer.get() + held, SourceDecoder::kChunkBytes - held)) {
-    held += count;
-    const std::size_t used = decoder.append({buffer.get(), held});
-    std::copy(buffer.get() + used, buffer.get() + held, buffer.get());
-    held -= used;
+             reader.read(buffer.get() + unused, SourceDecoder::kChunkBytes - unused)) {
+    unused += count;
+    const std::size_t used = decoder.append({buffer.get(), unused});
+    std::copy(buffer.get() + used, buffer.get() + unused, buffer.get());
+    unused -= used;
   }
-  return splitSource(decoder.finish({buffer.get(), held}));
+  return splitSource(decoder.finish({buffer.get(), unused}));
 }
 
 }  // namespace tessera::source

@@ -8,10 +8,10 @@
 
 namespace tessera::source {
 
-/// One file as the host sees it: code, and behind it perhaps an appendix.
+/// One source file: code, and after it perhaps an appendix.
 struct SourceText {
   JoinedLines code;
-  /// The lines behind the one that starts the appendix.
+  /// The lines after the one that starts the appendix.
   JoinedLines appendix;
   /// The 1-based number of the line that starts the appendix; 0 when none does.
   std::uint64_t appendixLine = 0;

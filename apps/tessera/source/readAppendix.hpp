@@ -27,7 +27,7 @@ struct Appendix {
   std::vector<AppendixWarning> warnings;
 };
 
-/// Reads the appendix of `source`. A line that cannot be used is passed over with a warning.
+/// Reads the appendix of `source`. A line that cannot be used is skipped with a warning.
 Appendix readAppendix(const SourceText& source);
 
 /// Returns a warning for each entry whose element and id no marker of `code` has.

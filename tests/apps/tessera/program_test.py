@@ -57,21 +57,21 @@ class CommandLine(ProgramTest):
 
     def test_what_cannot_be_used_is_named_with_a_remedy(self):
         cases = {
-            (): 'A subcommand is required; "tessera --help" tells what there is',
-            ("jump",): 'unknown command "jump"; "tessera --help" tells what there is',
-            ("--jump",): 'unknown option "--jump"; "tessera --help" tells what there is',
-            ("parse",): 'FILE is required; "tessera parse --help" tells what there is',
-            ("parse", "--jump", "a"): 'unknown option "--jump"; "tessera parse --help" tells what there is',
+            (): 'A subcommand is required; "tessera --help" lists what there is',
+            ("jump",): 'unknown command "jump"; "tessera --help" lists what there is',
+            ("--jump",): 'unknown option "--jump"; "tessera --help" lists what there is',
+            ("parse",): 'FILE is required; "tessera parse --help" lists what there is',
+            ("parse", "--jump", "a"): 'unknown option "--jump"; "tessera parse --help" lists what there is',
             ("parse", "--\x1b[1m", "a"):
-                'unknown option "--\\u001b[1m"; "tessera parse --help" tells what there is',
+                'unknown option "--\\u001b[1m"; "tessera parse --help" lists what there is',
             ("parse", "--format", "xml", "a"):
-                '"xml" is no format: use tree, json or ndjson; "tessera parse --help" tells what there is',
+                '"xml" is not a format: use tree, json or ndjson; "tessera parse --help" lists what there is',
             ("parse", "--record", "", "a"):
-                '"" is no file to record to: name a file; "tessera parse --help" tells what there is',
+                '"" is not a file to record to: name a file; "tessera parse --help" lists what there is',
             ("parse", "--record", "-", "a"):
-                '"-" is no file to record to: name a file; "tessera parse --help" tells what there is',
+                '"-" is not a file to record to: name a file; "tessera parse --help" lists what there is',
             ("replay", "--bundle", "", "a"):
-                '--bundle: "" is no bundle: name its library; "tessera replay --help" tells what there is',
+                '--bundle: "" is not a bundle: name its library; "tessera replay --help" lists what there is',
         }
         for arguments, message in cases.items():
             with self.subTest(arguments=arguments):
@@ -91,7 +91,6 @@ class Parse(ProgramTest):
         for name, text in zip(FILES, texts):
             indented = tessera("parse", "--format", "json", name).stdout.decode()
             self.assertEqual(json.loads(indented), json.loads(text))
-            # Neither has blanks or breaks of its own; Python writes both just so.
             self.assertEqual(json.loads(text)["file"], name)
             whole = json.loads(text)
             self.assertEqual(list(whole), ["schemaVersion", "file", "nodes", "lines"])
@@ -370,12 +369,12 @@ class Replay(ProgramTest):
         name = self.write("f", b"x")
         self.assertRefused(tessera("parse", "--record", str(self.folder / "." / "f"), name),
                            str(self.folder / "." / "f") + ": error: the file to record to is one of the files "
-                           "to parse; name another file behind --record")
+                           "to parse; name another file after --record")
         self.assertEqual((self.folder / "f").read_bytes(), b"x")
 
     def test_the_recording_must_not_be_a_standard_stream(self):
         name, other = self.write("f", b"x"), self.write("g", b"y")
-        message = ": error: the file to record to is %s; name another file behind --record\n"
+        message = ": error: the file to record to is %s; name another file after --record\n"
         with open(name, "rb") as source:
             done = subprocess.run([PROGRAM, "parse", "--record", name, "-"], stdin=source, capture_output=True)
         self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "one of the files to parse"))

@@ -27,7 +27,7 @@ def tessera(*arguments):
 
 
 def parse(text, kind, block=None):
-    """Returns a call of the task parser; without a block that of the call before holds on."""
+    """Returns a call of the task parser; without a block it has that of the call before."""
     snippet = {"text": text, "type": {"group": 0, "kind": kind}}
     if block is not None:
         snippet["auxiliaryText"] = block
@@ -51,10 +51,10 @@ class LongTask(unittest.TestCase):
 
     PLAIN = parse("plain", 3)
 
-    def replay(self, last, *behind, inside=65534):
-        """Returns the answer to the last line, those behind it and the nodes."""
+    def replay(self, last, *after, inside=65534):
+        """Returns the answer to the last line, those after it, and the nodes."""
         answers = run("replay", "-", stdin=written(parse("x # <@task#a>", 0, pair("a"))) +
-                      inside * written(self.PLAIN) + written(last, *behind, {"op": "nodes"}))
+                      inside * written(self.PLAIN) + written(last, *after, {"op": "nodes"}))
         self.assertEqual(set(answers[1:inside + 1]), {
             b'{"result":{"type":{"group":0,"kind":3},"flag":false,"markerTypes":[]},'
             b'"log":["Parsing using the task parser","In LineNodeParserService"]}'})
@@ -65,12 +65,12 @@ class LongTask(unittest.TestCase):
         return node["children"][0]["liveTaskData"]["numCodeLines"]
 
     def test_without_a_marker_it_wraps_to_idle_and_closes_nothing(self):
-        last, behind, nodes = self.replay(self.PLAIN, self.PLAIN)
+        last, after, nodes = self.replay(self.PLAIN, self.PLAIN)
         self.assertEqual(last["result"]["type"], {"group": 0, "kind": 0})
         self.assertEqual(last["log"], ["Parsing using the task parser", "In LineNodeParserService"])
         self.assertEqual(self.count(nodes[0]), 0)
         # Idle again: a plain line counts as the first of a task without a header.
-        self.assertIn("Task marker found for first time", behind[0]["log"])
+        self.assertIn("Task marker found for first time", after[0]["log"])
         self.assertEqual((len(nodes), nodes[-1]["kind"]), (65538, "LineNode"))
 
     def test_that_closes_writes_the_count_0(self):
@@ -88,11 +88,11 @@ class LongTask(unittest.TestCase):
         self.assertEqual(self.count(nodes[0]), 65535)
 
     def test_with_another_id_wraps_and_overlaps(self):
-        last, behind, nodes = self.replay(parse("y # <@task#b>", 3), parse("y # <@task#b>", 0, pair("b")))
+        last, after, nodes = self.replay(parse("y # <@task#b>", 3), parse("y # <@task#b>", 0, pair("b")))
         self.assertEqual(last["result"]["type"]["kind"], 0)
         self.assertEqual([failure["failureId"] for node in nodes[-2:] for failure in node["parserFailures"]],
                          ["overlapping_task_marker", "missing_task_marker_pair"])
-        self.assertEqual(behind[0]["result"]["type"]["kind"], 0)
+        self.assertEqual(after[0]["result"]["type"]["kind"], 0)
 
     def test_leaves_an_id_that_needs_no_pairing(self):
         header = ["Parsing live task appendix data", "finding Appendix Entry",
@@ -111,9 +111,9 @@ class LongTask(unittest.TestCase):
         for text, (kind, log, kinds) in cases.items():
             with self.subTest(text=text):
                 # In between a marker without a partner, which leaves the id as it is.
-                _, behind, nodes = self.replay(self.PLAIN, parse("# <@task#c>", 1), parse(text, 2, ""))
-                self.assertEqual(behind[1]["result"]["type"]["kind"], kind)
-                self.assertEqual(behind[1]["log"], first + log)
+                _, after, nodes = self.replay(self.PLAIN, parse("# <@task#c>", 1), parse(text, 2, ""))
+                self.assertEqual(after[1]["result"]["type"]["kind"], kind)
+                self.assertEqual(after[1]["log"], first + log)
                 self.assertEqual([node["kind"] for node in nodes[65538:]], kinds)
                 self.assertEqual(self.count(nodes[65538]), int(close in log and "x" in text))
 
@@ -128,9 +128,9 @@ class OverlappingIds(unittest.TestCase):
     def test_fifty_thousand_are_all_remembered_and_in_order(self):
         ids = [f"t{number}" for number in range(50000)]
         inside = [parse(f"# <@task#{task}>", 3) for task in ids]
-        behind = [parse(f"# <@task#{task}>", 0, pair(task)) for task in ids]
+        after = [parse(f"# <@task#{task}>", 0, pair(task)) for task in ids]
         *answers, last = replay(parse("x # <@task#a>", 0, pair("a")), *inside, parse("# <@task#a>", 3),
-                                *behind, {"op": "reset", "parser": TASKS}, parse("# <@task#t7>", 0, pair("t7")),
+                                *after, {"op": "reset", "parser": TASKS}, parse("# <@task#t7>", 0, pair("t7")),
                                 {"op": "nodes"})
         nodes = last["nodes"]
         kinds = [answer["result"]["type"]["kind"] for answer in answers if "result" in answer]
@@ -150,7 +150,7 @@ class Recordings(unittest.TestCase):
         self.folder = pathlib.Path(holder.name)
 
     def documents(self, *names):
-        """Parses files, replays the recording and holds both to one another."""
+        """Parses files, replays the recording and compares the two."""
         record = str(self.folder / "calls.ndjson")
         parsed = tessera("parse", "--format", "ndjson", "--trace", "--record", record, *names)
         answers = tessera("replay", record)

@@ -6,7 +6,7 @@
 
 #include "quenlith/build/markup/SnippetParser.hpp"
 
-/// A snippet parser that a test tells what to do, and that keeps what it was asked.
+/// A snippet parser whose answers a test sets, and that records its calls.
 class FakeParser final : public quenlith::build::markup::SnippetParser {
  public:
   using Document = document::kdzero::TesseraDocument;

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// A folder of its own for a test, removed with all that is in it.
+/// A new folder, removed with its content at the end of its life.
 class TemporaryFolder {
  public:
   TemporaryFolder();

@@ -8,10 +8,10 @@
 
 namespace quenlith::shared::appendix {
 
-/// Service interface: holds the entries of a snippet's appendix.
+/// Service interface: the entries of a snippet's appendix.
 ///
 /// An entry is a marker with its data; it belongs to the marker of the code that has the same
-/// element and id. Lines of a snippet are parsed while its appendix stands unchanged.
+/// element and id. The entries must not change while the lines of the snippet are parsed.
 class QUENLITH_APPENDIX_EXPORT AppendixBuilder {
  public:
   virtual ~AppendixBuilder();
