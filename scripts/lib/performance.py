@@ -2,6 +2,7 @@
 them with the machine's data into docs/performance.md, between the two marking comments.
 """
 
+import csv
 import datetime
 import os
 import pathlib
@@ -58,10 +59,18 @@ def source_of(corpus, lines):
     return source
 
 
+def lookups(program):
+    """Returns a table of the processor time that each lookup in the service registry takes."""
+    measured = csv.DictReader(output_of(program, "--benchmark_format=csv").splitlines())
+    rows = [f"| {row['name']} | {float(row['cpu_time']):.1f} |" for row in measured]
+    return "\n".join(["| Lookup | Processor time, ns |", "| --- | ---: |", *rows])
+
+
 def sections(programs, corpus):
     """Yields the title and text of each section, measured one after the other."""
     yield "The machine and the lines", machine(programs) + "\n" + lines_of(corpus)
     yield "The parsers", output_of(programs / "quenlith_bench", corpus)
+    yield "The service registry", lookups(programs / "quenlith_bench_lookup")
     source = source_of(corpus, SOURCE_LINES)
     yield "The program", output_of(programs / "quenlith_bench_programs", source)
     yield "Instructions", instructions.measure(programs / "quenlith_bench", corpus)
