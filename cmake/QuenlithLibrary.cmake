@@ -3,12 +3,12 @@ include(GenerateExportHeader)
 # quenlith_add_library(NAME [INTERFACE|STATIC|SHARED] [ALIAS ns::name] [SOURCES ...]
 #                      [HEADERS ...] [INTERNAL ...] [LINK ...] [LINK_PRIVATE ...])
 #
-# Makes one library of the calling folder. The folder itself is the include root, so a
+# Defines one library from the calling folder. The folder itself is the include root, so a
 # header is included by its namespace path. A shared library gets the header
 # quenlith/export/NAME.hpp with the macro QUENLITH_<NAME>_EXPORT.
 #
-# A shared or interface library is installed, as Quenlith::NAME, with HEADERS: unless given,
-# every header of the folder but those whose path matches one of the expressions of INTERNAL.
+# A shared or interface library is installed as Quenlith::NAME with HEADERS; by default, every header of
+# the folder except those whose path matches one of the expressions of INTERNAL.
 function(quenlith_add_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "INTERFACE;STATIC;SHARED" "ALIAS"
     "SOURCES;HEADERS;INTERNAL;LINK;LINK_PRIVATE")
@@ -25,6 +25,7 @@ function(quenlith_add_library name)
     endif()
     set(scope PUBLIC)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:quenlith_warnings> ${arg_LINK_PRIVATE})
+    quenlith_precompile(${target} LIBRARY)
   endif()
   target_compile_features(${target} ${scope} cxx_std_20)
   target_include_directories(${target} ${scope} "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>")
@@ -58,21 +59,23 @@ endfunction()
 
 # quenlith_add_test(NAME SOURCES ... [LINK ...])
 #
-# Makes one GoogleTest program and one CTest test of it: discovering each case apart
-# costs more than running them all.
+# Defines one GoogleTest program and one CTest test that runs it: discovering each case separately
+# takes longer than running them all.
 function(quenlith_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE quenlith_warnings ${arg_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_compile_options(${name} PRIVATE ${QUENLITH_TEST_OPTIONS})
+  quenlith_precompile(${name} TEST)
   add_test(NAME ${name} COMMAND ${name} "--gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${name}.xml")
 endfunction()
 
 # quenlith_add_fuzzer(NAME SOURCES ... [LINK ...])
 #
-# Makes one fuzz target: sources that define LLVMFuzzerTestOneInput, and a folder `corpus/NAME`
-# beside them. With QUENLITH_FUZZ libFuzzer drives it and its test is a short run from the corpus;
-# else its test replays every file of the corpus.
+# Defines one fuzz target: sources that define LLVMFuzzerTestOneInput, and a folder `corpus/NAME`
+# next to them. With QUENLITH_FUZZ, libFuzzer drives it and its test is a short run that starts from the
+# corpus; otherwise its test replays every file of the corpus.
 function(quenlith_add_fuzzer name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
   set(corpus "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")

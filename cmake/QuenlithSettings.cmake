@@ -1,4 +1,4 @@
-# What holds for every target: the language, visibility, output folders and warnings.
+# Settings of every target: the language, visibility, output folders and warnings.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -12,13 +12,13 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Kind of build" FORCE)
 endif()
 
-# Nobody replaces a function of ours at load time: calls within a library need no detour and
-# can be inlined.
+# Functions of a shared library are never replaced at load time, so calls within it can be direct and
+# inlined.
 add_compile_options(-fno-semantic-interposition)
 add_link_options(-Wl,-Bsymbolic-functions)
 
-# The build tree has the shape of the installed tree, so that programs find
-# libraries and bundles from their own place in both.
+# The build tree has the layout of the installed tree, so that programs find libraries and bundles
+# relative to themselves in both.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}")
@@ -27,14 +27,15 @@ set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 # installed one, and the loader takes an empty element for the current folder.
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
-# Debian's own Python is the one that finds the modules of Debian's packages.
+# Only Debian's own Python finds the modules of Debian's packages.
 if(NOT Python3_EXECUTABLE AND EXISTS /usr/bin/python3)
   set(Python3_EXECUTABLE /usr/bin/python3 CACHE FILEPATH "Python for the checks")
 endif()
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+  # Without this ccache does not cache sources with precompiled headers.
+  set(CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_SLOPPINESS=pch_defines,time_macros "${CCACHE_PROGRAM}")
 endif()
 
 option(QUENLITH_WERROR "Treat warnings as errors" ON)
@@ -47,6 +48,11 @@ target_compile_options(quenlith_warnings INTERFACE
   $<$<BOOL:${QUENLITH_WERROR}>:-Werror>
   # False reports of g++ 12 on std::string and inlined copies at -O3.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds>)
+
+# A test program runs for seconds: more optimisation takes longer than it saves.
+set(QUENLITH_TEST_OPTIONS $<$<CONFIG:Release,RelWithDebInfo>:-O1>
+  # False reports of g++ 12 on std::string at -O1.
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
 
 # Sanitizers: a list such as "address,undefined" or "thread".
 set(QUENLITH_SANITIZE "" CACHE STRING "Sanitizers to build everything with")
