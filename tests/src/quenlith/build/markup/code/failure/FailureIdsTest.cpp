@@ -37,4 +37,11 @@ TEST(FailureIds, EachHasAGoldenCase) {
   }
 }
 
+TEST(FailureIds, EachHasALineInTheDocumentation) {
+  const std::string page = contentOf(TREE "/docs/json.md");
+  for (const std::u16string_view id : kFailureIds) {
+    EXPECT_THAT(page, HasSubstr("\n| `" + fl::i18n::ustring_to_utf8(id) + "` |"));
+  }
+}
+
 }  // namespace
