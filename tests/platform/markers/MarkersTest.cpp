@@ -1,3 +1,4 @@
+#include "quenlith/syntax/KnownElement.hpp"
 #include "quenlith/syntax/markers.hpp"
 
 #include <gtest/gtest.h>
@@ -333,22 +334,6 @@ TEST(HasFeature, AsksForTheElement) {
   }
 }
 
-TEST(MayHoldMarker, LooksForTheOpening) {
-  EXPECT_TRUE(mayHoldMarker(u"<@"));
-  EXPECT_TRUE(mayHoldMarker(u"a <@ b"));
-  EXPECT_FALSE(mayHoldMarker(u""));
-  EXPECT_FALSE(mayHoldMarker(u"<"));
-  EXPECT_FALSE(mayHoldMarker(u"@< @ < @"));
-}
-
-TEST(BareMarkerText, IsTheCanonicalTextOfTheBareName) {
-  for (const ustring element : {u"control", u"output", u"task", u"text", u"", u"tasks", u"@"}) {
-    EXPECT_EQ(bareMarkerText(findKnownElement(element)), Marker(element).toString());
-  }
-  EXPECT_EQ(bareMarkerText(KnownElement::kTask), u"%<@task>");
-  EXPECT_EQ(&bareMarkerText(KnownElement::kTask), &bareMarkerText(KnownElement::kTask));
-}
-
 TEST(KnownElement, IsToldByTheWholeName) {
   EXPECT_EQ(findKnownElement(u"control"), KnownElement::kControl);
   EXPECT_EQ(findKnownElement(u"output"), KnownElement::kOutput);
@@ -358,11 +343,7 @@ TEST(KnownElement, IsToldByTheWholeName) {
        {u"", u"t", u"Task", u"tasK", u"taskk", u"tas", u"texT", u"outpuT", u"Output", u"outputs",
         u"controls", u"Control", u"contro", u"appendix"}) {
     EXPECT_EQ(findKnownElement(other), KnownElement::kOther) << ustring_to_utf8(other);
-    EXPECT_EQ(Marker(u"<@" + other + u"#x>").knownElement(), KnownElement::kOther);
   }
-  EXPECT_EQ(Marker(u"<@output#x>").knownElement(), KnownElement::kOutput);
-  EXPECT_EQ(Marker(u"task").knownElement(), KnownElement::kTask);
-  EXPECT_EQ(Marker().knownElement(), KnownElement::kOther);
 }
 
 TEST(AppendixLine, HoldsALeaderAndItsMarkOnly) {

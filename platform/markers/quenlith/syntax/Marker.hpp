@@ -8,7 +8,6 @@
 #include "fl/i18n/ustring.hpp"
 #include "foundation/json/Value.hpp"
 #include "quenlith/export/markers.hpp"
-#include "quenlith/syntax/KnownElement.hpp"
 #include "quenlith/syntax/MarkerParts.hpp"
 
 namespace quenlith::syntax {
@@ -51,11 +50,6 @@ class QUENLITH_MARKERS_EXPORT Marker {
   }
   /// Throws std::bad_alloc.
   const Data& dataView() const;
-
-  /// Which element it belongs to, without a comparison of texts.
-  KnownElement knownElement() const noexcept {
-    return parts ? parts->knownElement() : KnownElement::kOther;
-  }
 
   /// Returns the canonical text, from which an equal marker can be made again.
   fl::i18n::ustring toString() const;

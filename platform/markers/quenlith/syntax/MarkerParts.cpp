@@ -25,7 +25,7 @@ std::u16string_view extentOf(const MarkerMatch& match) noexcept {
 
 }  // namespace
 
-MarkerParts::MarkerParts(const MarkerMatch& match) noexcept : known(match.known) {
+MarkerParts::MarkerParts(const MarkerMatch& match) noexcept {
   const std::u16string_view extent = extentOf(match);
   const auto place = [extent](std::u16string_view part) {
     if (part.empty()) return Part();
@@ -69,7 +69,6 @@ MarkerParts::Pointer MarkerParts::unquote(const MarkerMatch& match) {
     return part;
   };
   MarkerMatch unquoted;
-  unquoted.known = match.known;
   unquoted.element = take(match.element.size());
   unquoted.type = take(match.type.size());
   unquoted.id = take(id.size());
@@ -81,7 +80,6 @@ MarkerParts::Pointer MarkerParts::unquote(const MarkerMatch& match) {
 const MarkerParts::Pointer& MarkerParts::bare(KnownElement element) {
   const auto makeBare = [](std::u16string_view name) {
     MarkerMatch match;
-    match.known = findKnownElement(name);
     match.element = name;
     return copy(match);
   };

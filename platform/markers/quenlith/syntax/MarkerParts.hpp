@@ -10,10 +10,10 @@
 
 #include "foundation/json/Value.hpp"
 #include "quenlith/export/markers.hpp"
-#include "quenlith/syntax/KnownElement.hpp"
 
 namespace quenlith::syntax {
 
+enum class KnownElement : std::uint8_t;
 struct MarkerMatch;
 
 /// What the copies of one marker share: its parts and their text, in one block of memory.
@@ -32,7 +32,6 @@ class MarkerParts {
   MarkerParts(const MarkerParts&) = delete;
   MarkerParts& operator=(const MarkerParts&) = delete;
 
-  KnownElement knownElement() const noexcept { return known; }
   std::u16string_view element() const noexcept { return view(elementPart); }
   std::u16string_view type() const noexcept { return view(typePart); }
   std::u16string_view id() const noexcept { return view(idPart); }
@@ -72,7 +71,6 @@ class MarkerParts {
 
   mutable std::atomic<const Data*> readData{nullptr};
   mutable std::atomic<std::uint32_t> references{1};
-  KnownElement known;
   Part elementPart;
   Part typePart;
   Part idPart;

@@ -1,19 +1,16 @@
 #include "quenlith/syntax/markers.hpp"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "quenlith/syntax/MarkerFinder.hpp"
 
 namespace quenlith::syntax {
 
-namespace {
-
 using fl::i18n::ustring;
 
-template <class List>
-void append(std::u16string_view text, bool anyElement, List& markers) {
+std::vector<core::MarkerInfo> get_markers_from_snippet(const ustring& text, bool anyElement) {
+  std::vector<core::MarkerInfo> markers;
   MarkerFinder finder(text, anyElement ? Elements::kAny : Elements::kKnown);
   MarkerFinder::Candidate found;
   while (finder.nextMarker(found)) {
@@ -24,18 +21,7 @@ void append(std::u16string_view text, bool anyElement, List& markers) {
     info.length = found.match.end - found.position;
     info.range = found.match.range;
   }
-}
-
-}  // namespace
-
-std::vector<core::MarkerInfo> get_markers_from_snippet(const ustring& text, bool anyElement) {
-  std::vector<core::MarkerInfo> markers;
-  append(text, anyElement, markers);
   return markers;
-}
-
-void appendMarkers(std::u16string_view text, bool anyElement, MarkerList& markers) {
-  append(text, anyElement, markers);
 }
 
 std::optional<core::MarkerInfo> get_marker(const std::vector<core::MarkerInfo>& markers,
@@ -60,22 +46,6 @@ bool has_feature(const ustring& text, const ustring& element) {
     }
   }
   return false;
-}
-
-bool mayHoldMarker(std::u16string_view text) noexcept {
-  return findOpening(text, 0) != text.size();
-}
-
-bool isKnownElement(std::u16string_view element) noexcept {
-  return findKnownElement(element) != KnownElement::kOther;
-}
-
-const ustring& bareMarkerText(KnownElement element) {
-  // In the order of the enumeration.
-  static const std::array<ustring, 5> kTexts{
-      Marker(u"control").toString(), Marker(u"output").toString(), Marker(u"task").toString(),
-      Marker(u"text").toString(), Marker().toString()};
-  return kTexts[static_cast<std::size_t>(element)];
 }
 
 bool isAppendixLine(std::u16string_view line) noexcept {

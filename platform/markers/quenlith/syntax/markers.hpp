@@ -1,6 +1,5 @@
 #pragma once
 
-#include <boost/container/small_vector.hpp>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -23,13 +22,6 @@ namespace core = build::markup::core;
 QUENLITH_MARKERS_EXPORT std::vector<core::MarkerInfo> get_markers_from_snippet(
     const fl::i18n::ustring& text, bool anyElement);
 
-/// A list of markers that needs no memory for the few that most lines have.
-using MarkerList = boost::container::small_vector<core::MarkerInfo, 2>;
-
-/// Like `get_markers_from_snippet`, but appends the markers to `markers`.
-QUENLITH_MARKERS_EXPORT void appendMarkers(std::u16string_view text, bool anyElement,
-                                           MarkerList& markers);
-
 /// Returns the first marker of the list with the element and, unless `type` is empty, the type.
 QUENLITH_MARKERS_EXPORT std::optional<core::MarkerInfo> get_marker(
     const std::vector<core::MarkerInfo>& markers, const fl::i18n::ustring& element,
@@ -43,17 +35,6 @@ QUENLITH_MARKERS_EXPORT bool has_feature(const std::vector<core::MarkerInfo>& ma
 /// at the first such marker and does not allocate.
 QUENLITH_MARKERS_EXPORT bool has_feature(const fl::i18n::ustring& text,
                                          const fl::i18n::ustring& element);
-
-/// Returns whether `text` holds "<@": without it there is no marker of any kind.
-QUENLITH_MARKERS_EXPORT bool mayHoldMarker(std::u16string_view text) noexcept;
-
-/// Returns whether `element` is "control", "output", "task" or "text".
-QUENLITH_MARKERS_EXPORT bool isKnownElement(std::u16string_view element) noexcept;
-
-/// Returns the canonical text of the marker that `Marker` makes of the bare element name; for
-/// kOther that of the marker whose parts are all empty. Made once: borrowed until
-/// the process ends. May be called on several threads.
-QUENLITH_MARKERS_EXPORT const fl::i18n::ustring& bareMarkerText(KnownElement element);
 
 /// Returns whether `line`, without its line ending, holds nothing but a leader, optional blanks,
 /// "<@appendix>" and trailing blanks: the line that parts the code of a file from its appendix.
