@@ -38,6 +38,7 @@ std::exception_ptr nestedFactoryException(const std::string& text) {
 
 std::vector<ServiceCount*> countsOf(const std::vector<std::string>& interfaces) {
   std::vector<ServiceCount*> counts;
+  counts.reserve(interfaces.size());
   for (const std::string& name : interfaces) counts.push_back(&mutableServiceCount(name));
   return counts;
 }

@@ -25,6 +25,7 @@ constinit std::mutex frameworkMutex;
 // must not be stopped from a destructor of static data.
 union Slot {
   constexpr Slot() : framework() {}
+  // NOLINTNEXTLINE(modernize-use-equals-default): the defaulted destructor is deleted.
   ~Slot() {}
   std::shared_ptr<::cppmicroservices::Framework> framework;
 };
