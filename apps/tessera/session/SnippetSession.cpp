@@ -1,5 +1,6 @@
 #include "tessera/session/SnippetSession.hpp"
 
+#include <atomic>
 #include <stdexcept>
 #include <utility>
 
@@ -11,6 +12,16 @@ namespace tessera::session {
 
 using document::kdzero::TesseraDocument;
 using quenlith::build::markup::Snippet;
+
+namespace {
+
+/// Returns a version that no other block of this process has: sessions may share parsers.
+std::uint64_t nextBlockVersion() noexcept {
+  static std::atomic<std::uint64_t> last = 0;
+  return ++last;
+}
+
+}  // namespace
 
 ParserError::ParserError(std::uint64_t lineNumber, std::string reason)
     : lineNumber(lineNumber), reason(std::move(reason)) {}
@@ -25,6 +36,7 @@ ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
   parsed.code.any = code.any;
   Snippet snippet;
   snippet.auxiliaryText = std::move(code.text);
+  snippet.blockVersion = nextBlockVersion();
   std::uint64_t number = 0;
   try {
     resetParsers();

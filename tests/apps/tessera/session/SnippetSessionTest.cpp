@@ -78,6 +78,21 @@ TEST_F(SnippetSessionTest, EveryLineComesWithTheWholeCode) {
   EXPECT_EQ(parsed.code.text, u"a\n\nb");
 }
 
+TEST_F(SnippetSessionTest, EachBlockHasItsOwnVersion) {
+  SnippetSession session = makeSession();
+  session.parse({u"a\nb", true});
+  session.parse({u"c", true});
+  makeSession().parse({u"d", true});
+  ASSERT_EQ(first->parsed.size(), 4u);
+  const auto versionOf = [&](std::size_t line) { return first->parsed[line].blockVersion; };
+  EXPECT_NE(versionOf(0), 0u);
+  EXPECT_EQ(versionOf(1), versionOf(0));
+  EXPECT_EQ(first->asked[1].blockVersion, versionOf(0));
+  EXPECT_NE(versionOf(2), versionOf(0));
+  EXPECT_NE(versionOf(3), versionOf(2));
+  EXPECT_NE(versionOf(3), versionOf(0));
+}
+
 TEST_F(SnippetSessionTest, AllParsersAreResetBeforeEachSnippet) {
   int parsedBefore = 0;
   last->onReset = [&] { parsedBefore = static_cast<int>(first->parsed.size()); };
