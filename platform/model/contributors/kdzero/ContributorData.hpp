@@ -1,9 +1,9 @@
 #pragma once
 
 #include <boost/uuid/uuid.hpp>
-#include <string>
 #include <string_view>
 
+#include "fl/i18n/ustring.hpp"
 #include "kd/zero/ModelElement.hpp"
 #include "kd/zero/meta/Class.hpp"
 #include "quenlith/export/model.hpp"
@@ -18,11 +18,13 @@ class ContributorData : public kd::zero::Handle<ContributorData, kd::zero::Model
 
 class QUENLITH_MODEL_EXPORT ContributorData::Impl : public kd::zero::ModelElement::Impl {
  public:
+  using ustring = fl::i18n::ustring;
+
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   /// Valid until it is set again or the element ends.
   std::u16string_view getContributingFeature() const noexcept { return contributingFeature; }
-  void setContributingFeature(std::u16string_view feature) { contributingFeature = feature; }
+  void setContributingFeature(const ustring& feature) { contributingFeature = feature; }
 
   /// The identifier that the builder was given. The model never looks at it.
   boost::uuids::uuid getUuid() const noexcept { return uuid; }
@@ -35,7 +37,7 @@ class QUENLITH_MODEL_EXPORT ContributorData::Impl : public kd::zero::ModelElemen
  private:
   static const kd::zero::meta::Class kMetaClass;
 
-  std::u16string contributingFeature;
+  ustring contributingFeature;
   boost::uuids::uuid uuid;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/kdzero/PlainTextNode.hpp"
+#include "document/kdzero/Node.hpp"
 #include "kd/zero/ElementBuilder.hpp"
 
 namespace document::kdzero {
@@ -36,14 +36,6 @@ class LineNode::Impl::BuilderBase : public kd::zero::ElementBuilder {
 
   /// Returns a new, detached node. Any number of nodes may have the same `uuid`.
   LineNode createLineNode(const boost::uuids::uuid& uuid) const { return make<LineNode>(uuid); }
-  /// Like it, with one child: a plain-text node with `text` and the nil identifier.
-  LineNode createLineNode(const boost::uuids::uuid& uuid, std::u16string_view text) const {
-    LineNode line = make<LineNode>(uuid);
-    PlainTextNode child = make<PlainTextNode>(boost::uuids::uuid{});
-    child->setText(text);
-    line->getChildrenMutable().add(std::move(child));
-    return line;
-  }
 };
 
 class LineNode::Builder : public Impl::BuilderBase<Builder> {

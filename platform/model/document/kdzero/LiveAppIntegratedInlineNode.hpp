@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "document/kdzero/Node.hpp"
+#include "fl/i18n/ustring.hpp"
 #include "kd/zero/ElementBuilder.hpp"
 #include "tessera/contentmodel/kdzero/LiveTaskData.hpp"
 
@@ -26,7 +26,7 @@ class QUENLITH_MODEL_EXPORT LiveAppIntegratedInlineNode::Impl final : public Nod
 
   /// Valid until it is set again or the node ends.
   std::u16string_view getId() const noexcept { return id; }
-  void setId(std::u16string_view newId) { id = newId; }
+  void setId(const ustring& newId) { id = newId; }
 
   const LiveTaskData& getLiveTaskData() const noexcept { return liveTaskData; }
   /// Stores a copy of `data`; when copying throws, the old data stays.
@@ -40,7 +40,7 @@ class QUENLITH_MODEL_EXPORT LiveAppIntegratedInlineNode::Impl final : public Nod
   explicit Impl(const boost::uuids::uuid& uuid) : Node::Impl(classOf(), uuid) {}
   ~Impl() = default;
 
-  std::u16string id;
+  ustring id;
   LiveTaskData liveTaskData;
 };
 

@@ -23,7 +23,7 @@ struct Node::Impl::Extras {
   kd::zero::ModelElement::Impl* owner;
   kd::zero::PrimitiveSequence<ParserFailure> failures;
   kd::zero::ElementSequence<NodeContributorData> contributorData;
-  std::u16string anchorId;
+  fl::i18n::ustring anchorId;
   boost::uuids::uuid uuid{};
 };
 
@@ -81,7 +81,7 @@ std::u16string_view Node::Impl::getAnchorId() const noexcept {
   return extras->anchorId;
 }
 
-void Node::Impl::setAnchorId(std::u16string_view anchorId) {
+void Node::Impl::setAnchorId(const ustring& anchorId) {
   extrasMutable().anchorId = anchorId;
 }
 

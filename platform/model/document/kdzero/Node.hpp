@@ -10,6 +10,7 @@
 #include "contributors/kdzero/NodeContributorData.hpp"
 #include "document/kdzero/keys.hpp"
 #include "failures/kdzero/ParserFailure.hpp"
+#include "fl/i18n/ustring.hpp"
 #include "kd/zero/ElementSequence.hpp"
 #include "kd/zero/ModelElement.hpp"
 #include "kd/zero/PrimitiveSequence.hpp"
@@ -31,6 +32,8 @@ class Node : public kd::zero::Handle<Node, kd::zero::ModelElement> {
 /// once it is used.
 class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
  public:
+  using ustring = fl::i18n::ustring;
+
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   const kd::zero::ElementSequence<Node>& getChildren() const noexcept { return children; }
@@ -48,7 +51,8 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
 
   /// The anchor identifier, empty when none was set; valid until it is set again.
   std::u16string_view getAnchorId() const noexcept;
-  void setAnchorId(std::u16string_view anchorId);
+  /// Stores a copy of `anchorId`. Throws std::bad_alloc; the anchor is unchanged in that case.
+  void setAnchorId(const ustring& anchorId);
 
   /// The identifier that the builder was given. The model never looks at it.
   boost::uuids::uuid getUuid() const noexcept;

@@ -38,13 +38,6 @@ class PlainTextNode::Impl::BuilderBase : public kd::zero::ElementBuilder {
   PlainTextNode createPlainTextNode(const boost::uuids::uuid& uuid) const {
     return make<PlainTextNode>(uuid);
   }
-  /// Like it, with a copy of `text`.
-  PlainTextNode createPlainTextNode(const boost::uuids::uuid& uuid,
-                                    std::u16string_view text) const {
-    PlainTextNode node = make<PlainTextNode>(uuid);
-    node->setText(text);
-    return node;
-  }
 };
 
 class PlainTextNode::Builder : public Impl::BuilderBase<Builder> {

@@ -21,8 +21,6 @@ class TextNode : public kd::zero::Handle<TextNode, Node> {
 /// otherwise in a separate block.
 class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
  public:
-  using ustring = fl::i18n::ustring;
-
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
   /// The text in UTF-16; valid until it is set again or the node is destroyed.
