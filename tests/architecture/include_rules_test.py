@@ -63,7 +63,7 @@ class IncludeRules(unittest.TestCase):
             "quenlith/build/markup/code/Cut.hpp, which is part of src:code",
         )
 
-    def test_a_path_upwards_is_seen_through(self):
+    def test_a_path_through_the_parent_folder_is_resolved(self):
         self.check(
             {"apps/tessera/Bad.cpp": '#include "../../src/quenlith/build/markup/code/Cut.hpp"\n'},
             "apps/tessera/Bad.cpp:1: apps/tessera may not include "

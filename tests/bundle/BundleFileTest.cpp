@@ -127,7 +127,7 @@ TEST(BundleFile, RunsNoConstructorWhenLoaded) {
 
 #else
 
-TEST(BundleFile, ContainsNoObjectThatIsMadeAtRunTime) {
+TEST(BundleFile, HasNoDynamicallyInitializedObject) {
   const std::vector<std::string> names = symbols("");
   // The bundle's one object that changes: if it is missing, this is not the whole symbol table.
   EXPECT_EQ(std::count_if(names.begin(), names.end(),
@@ -169,7 +169,7 @@ TEST(BundleFile, ManifestHasItsKeysInOrder) {
       R"("quenlith::build::markup::services::ParserServicesProvider"}]}]}})");
 }
 
-TEST(BundleFile, ArchiveBehindTheLibraryHoldsTheManifest) {
+TEST(BundleFile, ArchiveAfterTheLibraryContainsTheManifest) {
   int error = 0;
   const std::unique_ptr<zip_t, void (*)(zip_t*)> archive(zip_open(BUNDLE, ZIP_RDONLY, &error),
                                                          zip_discard);
@@ -193,7 +193,7 @@ TEST_F(Factories, RemovingNullDoesNothing) {
   for (const std::string component : kComponents) remover(component)(nullptr);
 }
 
-TEST_F(Factories, MakesAnInstanceOfEachComponent) {
+TEST_F(Factories, CreatesAnInstanceOfEachComponent) {
   ASSERT_NE(library, nullptr) << dlerror();
   for (const std::string component : kComponents) {
     ComponentInstance* const instance = creator(component)();
@@ -202,7 +202,7 @@ TEST_F(Factories, MakesAnInstanceOfEachComponent) {
   }
 }
 
-TEST_F(Factories, GivesNullWhenAnyAllocationFails) {
+TEST_F(Factories, ReturnsNullWhenAnyAllocationFails) {
   ASSERT_NE(library, nullptr) << dlerror();
   for (const std::string component : kComponents) {
     const auto create = creator(component);

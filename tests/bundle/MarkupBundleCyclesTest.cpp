@@ -31,7 +31,7 @@ std::size_t liveBytes() {
 
 }  // namespace
 
-TEST_F(MarkupBundle, StartsAndStopsAgainAndAgain) {
+TEST_F(MarkupBundle, StartsAndStopsRepeatedly) {
   const auto registration = registerAppendix();
   std::size_t early = 0;
   for (int cycle = 0; cycle < CYCLES; ++cycle) {

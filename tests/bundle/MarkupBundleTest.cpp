@@ -75,7 +75,7 @@ TEST_F(MarkupBundle, CallsADefaultParserOfTheSameNameInAnotherLibrary) {
   EXPECT_EQ(document::kdzero::PlainTextNode::castFrom(child)->getText(), u"other(x = 1)");
 }
 
-TEST_F(MarkupBundle, TaskParserEndsWithTheAppendix) {
+TEST_F(MarkupBundle, TaskParserReleasesAnUnregisteredAppendix) {
   auto registration = registerAppendix();
   EXPECT_EQ(parseLine(*parser(kTask), u"x"), 1U);
   EXPECT_THAT(registration.GetReference().GetUsingBundles(), testing::ElementsAre(bundle));
@@ -84,7 +84,7 @@ TEST_F(MarkupBundle, TaskParserEndsWithTheAppendix) {
   EXPECT_EQ(appendix.use_count(), 1);
 }
 
-TEST_F(MarkupBundle, WhatTheProviderFoundIsHeldUntilTheBundleStops) {
+TEST_F(MarkupBundle, ProviderKeepsAContributorUntilTheBundleStops) {
   const auto contributor = std::make_shared<SilentContributor>();
   auto registration = context.RegisterService<LineContributorDataParser>(contributor);
   parseLine(*parser(kDefault), u"x");
@@ -95,7 +95,7 @@ TEST_F(MarkupBundle, WhatTheProviderFoundIsHeldUntilTheBundleStops) {
   EXPECT_EQ(contributor.use_count(), 1);
 }
 
-TEST_F(MarkupBundle, HeldParserOutlivesTheBundle) {
+TEST_F(MarkupBundle, ParserInUseOutlivesTheBundle) {
   const auto held = parser(kDefault);
   EXPECT_EQ(parseLine(*held, u"x"), 1U);
   bundle.Stop();

@@ -9,7 +9,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using build::markup::code::CodeSnippetParserImpl;
 
-TEST(DefaultParserRules, NoSnippetIsTurnedAway) {
+TEST(DefaultParserRules, EverySnippetIsAccepted) {
   ParserHost host;
   CodeSnippetParserImpl parser(host.provider);
   EXPECT_TRUE(parser.canParse(snippetOf(u"")));
@@ -57,7 +57,7 @@ TEST(DefaultParserRules, WithLoggingDisabledNoRecordIsMadeAndTheDocumentIsTheSam
   EXPECT_EQ(silent.nodes(), loud.nodes());
 }
 
-TEST(DefaultParserRules, AfterAParseOnlyTheCallerHoldsTheDocument) {
+TEST(DefaultParserRules, AfterAParseOnlyTheCallerOwnsTheDocument) {
   ParserHost host;
   CodeSnippetParserImpl parser(host.provider);
   parser.parse(host.document, snippetOf(u"x # <@output>"));

@@ -147,7 +147,7 @@ TEST(LineRules, APlainTextMarkerRecordsNothing) {
   EXPECT_EQ(childTexts(host.nodes().at(0)), Texts{u"# <@text:note#a>"});
 }
 
-TEST(LineRules, APieceBoundaryLiesWhereverTheOwnerChanges) {
+TEST(LineRules, APieceEndsWhereverTheOwnerChanges) {
   ParserHost host(planWith(takes(u"output")));
   host.onlyLine(u"abcdef # <@output#o [0,6]> # <@output#i [2,4]>");
   std::vector<std::string> pieces;
@@ -169,7 +169,7 @@ TEST(LineRules, AFailingServiceLeavesTheDocumentWithoutTheLine) {
   EXPECT_EQ(host.document.use_count(), 1);
 }
 
-TEST(LineRules, WithoutADefaultParserALineThatNeedsItIsRefusedWhole) {
+TEST(LineRules, WithoutADefaultParserALineThatNeedsItIsNotAdded) {
   WorldPlan plan = planWith(takes(u"output"));
   plan.hasDefaultParser = false;
   ParserHost host(plan);

@@ -78,7 +78,7 @@ TEST(PositionRules, ALineWithoutMarkersMayBeTakenWholeAndNotBeyondItsEnd) {
   }
 }
 
-TEST(PositionRules, TheBoundsOfAMarkersTextAreClosedAtItsEndForABeginOnly) {
+TEST(PositionRules, ARangeMayEndWhereAMarkerBeginsButNotBeginWhereItEnds) {
   build::markup::core::MarkerInfo marker;
   marker.position = 10;
   marker.length = 5;
@@ -99,7 +99,7 @@ TEST(PositionRules, ARangeMayEndAtTheLinesEndAndNotBeyondIt) {
   EXPECT_FALSE(host.onlyLine(u"# <@output [20,23]>xyz").failures.empty());
 }
 
-TEST(PositionRules, ARangeOnALineOfNUnitsMayTakeAllOfThem) {
+TEST(PositionRules, ARangeMayExtendUpToItsMarkerButNotIntoIt) {
   ParserHost host;
   // The line's own marker makes its own text part of the line, so "all" ends before it.
   EXPECT_TRUE(host.onlyLine(u"abcde# <@output [0,5]>").failures.empty());
@@ -127,7 +127,7 @@ TEST(PositionRules, TheFailureCarriesTheRangeAsTwoDoubles) {
   EXPECT_EQ(line.failures, std::vector<FailureRecord>{expected});
 }
 
-TEST(PositionRules, NumbersTooLargeAreAFailureAndNotSilence) {
+TEST(PositionRules, NumbersThatAreTooLargeAreAFailure) {
   ParserHost host;
   const NodeRecord line = host.onlyLine(u"abc # <@output [1,99999999999999999999999]>");
   ASSERT_EQ(line.failures.size(), 1U);
@@ -135,7 +135,7 @@ TEST(PositionRules, NumbersTooLargeAreAFailureAndNotSilence) {
   EXPECT_EQ(line.failures[0].data.at("position"), expected);
 }
 
-TEST(PositionRules, EqualFailuresOfOneLineAreOne) {
+TEST(PositionRules, EqualFailuresOfALineAreRecordedOnce) {
   ParserHost host;
   const NodeRecord line =
       host.onlyLine(u"# <@output#o [5,5]> # <@output#o [5,5]> # <@output#o [6,5]>");
@@ -153,7 +153,7 @@ TEST(ContributionRules, EveryApplicableParserGivesOneContributionWithOneLineData
             (std::vector<ContributionRecord>{{u"f0output", {first}}, {u"f2output", {second}}}));
 }
 
-TEST(ContributionRules, TheMessageComesBeforeTheParserAndNoneStopsTheSearch) {
+TEST(ContributionRules, EveryApplicableParserIsLoggedBeforeItIsCalled) {
   WorldPlan plan;
   plan.contributorParsers = {takes(u"output"), takes(u"task"), takes(u"output")};
   ParserHost host(plan);

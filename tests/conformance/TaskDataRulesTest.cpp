@@ -21,11 +21,11 @@ TEST(TaskDataRules, WithoutAnEntryAllTenTextsAreEmpty) {
   EXPECT_EQ(host.nodes().at(0).children.at(0).id, u"a") << "the node's id is the marker's";
 }
 
-TEST(TaskDataRules, ABooleanIsNoText) {
+TEST(TaskDataRules, ABooleanGivesAnEmptyText) {
   EXPECT_EQ(taskWith(u"{\"autorun\":true}"), TaskRecord());
 }
 
-TEST(TaskDataRules, ValuesThatAreNoStringsGiveEmptyTexts) {
+TEST(TaskDataRules, ValuesThatAreNotStringsGiveEmptyTexts) {
   for (const auto* value :
        {u"1", u"1.5", u"null", u"[\"a\"]", u"{\"a\":\"b\"}", u"false", u"18446744073709551615"}) {
     EXPECT_EQ(taskWith(ustring(u"{\"uniqueId\":") + value + u"}"), TaskRecord());
@@ -36,7 +36,7 @@ TEST(TaskDataRules, AStringIsKeptAsText) {
   EXPECT_EQ(taskWith(u"{\"collapsed\":\"true\"}").collapsed, u"true");
 }
 
-TEST(TaskDataRules, CharactersBeyondAsciiArriveAsTheyAre) {
+TEST(TaskDataRules, NonAsciiCharactersAreUnchanged) {
   EXPECT_EQ(taskWith(u"{\"text\":\"\u00e9\u6f22\U0001F600\"}").text, u"\u00e9\u6f22\U0001F600");
 }
 
@@ -63,7 +63,7 @@ const std::vector<KeyCase> kKeys = {
     {u"view", &TaskRecord::view},
 };
 
-TEST(TaskDataRules, EachKeyFeedsItsOneField) {
+TEST(TaskDataRules, EachKeySetsOneField) {
   for (const KeyCase& test : kKeys) {
     TaskRecord expected;
     expected.*test.field = u"value";
@@ -84,7 +84,7 @@ TEST(TaskDataRules, TheMessagesOfAHeaderComeInOrderAndShowTheIdOfTheAppendix) {
                 "Adding text marker to the list of seen markers", "In LineNodeParserService"}));
 }
 
-TEST(TaskDataRules, ClosingKeepsWhatTheHostChangedSince) {
+TEST(TaskDataRules, ClosingKeepsTheChangesOfTheHost) {
   TaskHost host;
   host.world.setAppendix({Marker(u"%<@task#a {\"uniqueId\":\"u\",\"view\":\"old\"}>")});
   host.parse(u"x # <@task#a>", 0, blockOf({u"a"}));

@@ -17,7 +17,7 @@ FailureRecord failureOf(const ustring& failureId, const ustring& markerId,
   return failure;
 }
 
-TEST(TaskFailureRules, AnOnlyMarkerWithoutPartnerIsOneFailureOnItsLine) {
+TEST(TaskFailureRules, AMarkerWithoutAPartnerIsOneFailureOnItsLine) {
   TaskHost host;
   host.parseLines({u"x # <@task:kind#a>"});
   ASSERT_EQ(host.nodes().size(), 1U);
@@ -25,13 +25,13 @@ TEST(TaskFailureRules, AnOnlyMarkerWithoutPartnerIsOneFailureOnItsLine) {
             std::vector<FailureRecord>{failureOf(u"missing_task_marker_pair", u"a")});
 }
 
-TEST(TaskFailureRules, AThirdMarkerOfAPairsIdMakesEvenTheFirstOneFail) {
+TEST(TaskFailureRules, AThirdMarkerWithTheSameIdMakesAllThreeFail) {
   TaskHost host;
   host.parseLines({u"# <@task#a>", u"# <@task#a>", u"# <@task#a>"});
   EXPECT_EQ(host.summary(), Summary(3, "line missing_task_marker_pair"));
 }
 
-TEST(TaskFailureRules, ThePartnerOfAnOverlappingMarkerIsMissingItsPairLater) {
+TEST(TaskFailureRules, ThePartnerOfAnOverlappingMarkerFailsUntilReset) {
   TaskHost host;
   host.parseLines({u"# <@task#a>", u"# <@task#b>", u"# <@task#a>", u"# <@task#b>"});
   EXPECT_EQ(host.summary(), (Summary{"header a 3", "line", "line overlapping_task_marker", "line",
@@ -58,7 +58,7 @@ TEST(TaskFailureRules, AFailureCarriesTheWholeEntryUnchanged) {
             failureOf(u"overlapping_task_marker", u"a", entry.getData()));
 }
 
-TEST(TaskFailureRules, FailuresAreBuiltBehindTheLineParse) {
+TEST(TaskFailureRules, FailuresAreBuiltAfterTheLineIsParsed) {
   TaskHost host;
   host.parse(u"# <@task#\"a b\">", 0);
   EXPECT_EQ(

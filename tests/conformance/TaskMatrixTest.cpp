@@ -221,7 +221,7 @@ int countAfterOneMoreLine(TaskHost& host) {
   return -1;
 }
 
-TEST(TaskMatrix, EveryCellComesOutAsTheRulesSay) {
+TEST(TaskMatrix, EveryCellFollowsTheRules) {
   const ustring block = blockOf({u"a", u"b"});
   for (const MatrixCase& cell : kCells) {
     SCOPED_TRACE(cell.name);
@@ -237,7 +237,7 @@ TEST(TaskMatrix, EveryCellComesOutAsTheRulesSay) {
   }
 }
 
-TEST(TaskMatrix, AnOverlappingIdIsRememberedInEveryCellThatSaysSo) {
+TEST(TaskMatrix, AnOverlappingIdHasNoPartnerLater) {
   for (const ustring& line : {kA, kUnequal, kTwice, kTwiceAtStart}) {
     TaskHost host;
     host.parse(line, 3);

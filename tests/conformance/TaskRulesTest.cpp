@@ -192,20 +192,20 @@ TEST(TaskRules, AnAnchorWithoutAnIdIsFoundForTheHeaderToo) {
   EXPECT_EQ(std::count(messages.begin(), messages.end(), "Found an anchor marker for the task"), 1);
 }
 
-TEST(TaskRules, ATextMarkerThatIsNoAnchorIsNoneForTheHeader) {
+TEST(TaskRules, ATextMarkerOfAnotherTypeSetsNoHeaderAnchor) {
   TaskHost host;
   const auto result = host.parse(u"x # <@task#a> # <@text:note#n>", 0, blockOf({u"a"}));
   EXPECT_EQ(host.summary(), (Summary{"header a 0", "line"}));
   EXPECT_EQ(result.markerTypes, std::set<ustring>{Marker(u"task").toString()});
 }
 
-TEST(TaskRules, EqualMeansWholeMarkersNotIds) {
+TEST(TaskRules, MarkersWithEqualIdsAndDifferentDataAreNotEqual) {
   TaskHost host;
   EXPECT_EQ(host.parseLines({u"x # <@task#a> # <@task#a {\"k\":1}>"}), Kinds{3});
   EXPECT_EQ(host.summary(), (Summary{"header a 0", "line"}));
 }
 
-TEST(TaskRules, TheSameBlockInOtherMemoryIsTheSameBlockAndAnotherInTheSameMemoryIsNot) {
+TEST(TaskRules, ABlockChangedInPlaceIsAnotherBlock) {
   TaskHost host;
   Snippet snippet = snippetOf(u"x # <@task#a> # <@task#a>", 0, blockOf({u"a"}));
   EXPECT_EQ(host.parser.parse(host.document, snippet).type.kind, 0);
@@ -215,7 +215,7 @@ TEST(TaskRules, TheSameBlockInOtherMemoryIsTheSameBlockAndAnotherInTheSameMemory
   EXPECT_EQ(host.summary().back(), "line missing_task_marker_pair");
 }
 
-TEST(TaskRules, TheDestructorLetsGoOfTheProviderAndThenOfTheAppendixBuilder) {
+TEST(TaskRules, TheDestructorReleasesTheProviderBeforeTheAppendixBuilder) {
   std::vector<std::string> released;
   ParserHost host;
   auto* provider = new oracle::WorldProvider(host.world);

@@ -151,7 +151,7 @@ TEST_F(DocumentModelContract, TheDocumentKeepsAReferenceToItsNodes) {
   EXPECT_EQ(document.getChildAt(0)->getAnchorId(), u"still usable");
 }
 
-TEST_F(DocumentModelContract, AHandleIsEmptyWhenDefaultMadeOrMovedFrom) {
+TEST_F(DocumentModelContract, AHandleIsEmptyWhenDefaultConstructedOrMovedFrom) {
   EXPECT_FALSE(Node());
   EXPECT_FALSE(LineData());
   LineNode moved = std::move(line);
@@ -213,7 +213,7 @@ TEST_F(DocumentModelContract, NodeFieldsAreSetThroughTheImplementation) {
   EXPECT_EQ(task->getId(), u"d");
 }
 
-TEST_F(DocumentModelContract, ContributorDataIsNamedAndHoldsLineData) {
+TEST_F(DocumentModelContract, ContributorDataIsNamedAndContainsLineData) {
   const ustring feature = u"first";
   contribution->setContributingFeature(feature);
   EXPECT_EQ(contribution->getContributingFeature(), u"first");

@@ -63,7 +63,7 @@ TEST(JsonValueContract, ReadingAStringFromAnyOtherKindNamesBothKinds) {
   }
 }
 
-TEST(JsonValueContract, ADefaultMadeValueIsUndefined) {
+TEST(JsonValueContract, ADefaultConstructedValueIsUndefined) {
   Object object;
   const Value& absent = object["absent"];
   try {

@@ -164,7 +164,7 @@ TEST(MarkersContract, AMarkerIsFoundByElementAndType) {
   EXPECT_FALSE(get_marker(markers, u"task", u"anchor").has_value());
 }
 
-TEST(MarkersContract, AFeatureIsAskedOfAListAndOfAText) {
+TEST(MarkersContract, AFeatureIsLookedUpInAListAndInAText) {
   const ustring snippet = u"a = 1 # <@task#t1>";
   const std::vector<MarkerInfo> markers = get_markers_from_snippet(snippet, false);
   const ustring task = u"task";

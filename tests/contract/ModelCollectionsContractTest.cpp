@@ -136,7 +136,7 @@ TEST_F(ModelCollectionsContract, AnEmptyHandleIsIgnored) {
   EXPECT_EQ(line->getChildren().size(), 0U);
 }
 
-TEST_F(ModelCollectionsContract, TheSameChildTwiceIsThereOnce) {
+TEST_F(ModelCollectionsContract, AChildAddedTwiceIsStoredOnce) {
   const PlainTextNode text = makeText();
   ASSERT_TRUE(line->getChildren().isUnique());
   line->getChildrenMutable().add(text);
@@ -144,7 +144,7 @@ TEST_F(ModelCollectionsContract, TheSameChildTwiceIsThereOnce) {
   EXPECT_EQ(line->getChildren().size(), 1U);
 }
 
-TEST_F(ModelCollectionsContract, TheSameContributorDataTwiceIsThereOnce) {
+TEST_F(ModelCollectionsContract, ContributorDataAddedTwiceIsStoredOnce) {
   const NodeContributorData data =
       NodeContributorData::Builder(model).createNodeContributorData(kNil);
   ASSERT_TRUE(line->getContributorDataMutable().isUnique());
@@ -224,7 +224,7 @@ TEST_F(ModelCollectionsContract, AnEqualFailureIsNeitherStoredNorAnnounced) {
   EXPECT_EQ(listener.announcements.size(), 1U);
 }
 
-TEST_F(ModelCollectionsContract, ARemovedListenerHearsNothing) {
+TEST_F(ModelCollectionsContract, ARemovedListenerIsNotCalled) {
   FailureListener listener;
   Model announcing = model;
   announcing.addListener(listener);

@@ -87,7 +87,7 @@ TEST_F(SnippetParsersContract, TheDefaultParserReportsPlainCode) {
   EXPECT_EQ(document.use_count(), 1);
 }
 
-TEST_F(SnippetParsersContract, TheDefaultParserHoldsItsProviderForItsLife) {
+TEST_F(SnippetParsersContract, TheDefaultParserKeepsItsProviderWhileItLives) {
   const Provider shared = provider;
   const long before = shared.use_count();
   {
@@ -99,7 +99,7 @@ TEST_F(SnippetParsersContract, TheDefaultParserHoldsItsProviderForItsLife) {
   EXPECT_EQ(shared.use_count(), before);
 }
 
-TEST_F(SnippetParsersContract, AnExceptionOfTheProviderPassesAndReleasesTheDocument) {
+TEST_F(SnippetParsersContract, AnExceptionOfTheProviderIsPropagatedAndTheDocumentReleased) {
   provider->failing = true;
   const Snippet snippet{u"x", {0, 0}, u""};
   EXPECT_THROW(code.parse(document, snippet), std::runtime_error);

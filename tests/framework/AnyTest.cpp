@@ -15,7 +15,7 @@ using cppmicroservices::AnyMap;
 using cppmicroservices::BadAnyCastException;
 using cppmicroservices::ref_any_cast;
 
-TEST(AnyValue, EmptyHoldsNothing) {
+TEST(AnyValue, EmptyHasNoValue) {
   const Any empty;
   EXPECT_TRUE(empty.Empty());
   EXPECT_EQ(empty.Type(), typeid(void));
@@ -23,7 +23,7 @@ TEST(AnyValue, EmptyHoldsNothing) {
   EXPECT_THROW((void)empty.ToString(), std::logic_error);
 }
 
-TEST(AnyValue, HoldsAValueOfItsType) {
+TEST(AnyValue, StoresAValueWithItsType) {
   Any value = 5;
   EXPECT_FALSE(value.Empty());
   EXPECT_EQ(value.Type(), typeid(int));
@@ -34,7 +34,7 @@ TEST(AnyValue, HoldsAValueOfItsType) {
   EXPECT_EQ(ref_any_cast<int>(value), 6);
 }
 
-TEST(AnyValue, CopiesAreApart) {
+TEST(AnyValue, CopiesAreIndependent) {
   Any first = std::string("a");
   Any second = first;
   ref_any_cast<std::string>(second) = "b";
@@ -97,7 +97,7 @@ TEST(AnyMapValue, AddsFindsAndRemoves) {
   EXPECT_TRUE(map.empty());
 }
 
-TEST(AnyMapValue, DottedKeyLeadsInside) {
+TEST(AnyMapValue, CompoundKeyReachesNestedValues) {
   AnyMap inner(AnyMap::ORDERED_MAP);
   inner["list"] = std::vector<Any>{Any(1), Any(std::string("two"))};
   AnyMap outer(AnyMap::ORDERED_MAP);

@@ -37,7 +37,7 @@ class Bundles : public FrameworkFixture {
   std::vector<unsigned> types;
 };
 
-TEST_F(Bundles, InstallingTellsWhatTheBundleIs) {
+TEST_F(Bundles, InstalledBundleHasItsNameLocationAndState) {
   const Bundle parts = install("parts");
   ASSERT_TRUE(parts);
   EXPECT_EQ(parts.GetSymbolicName(), "demo_parts");
@@ -123,7 +123,7 @@ TEST_F(Bundles, ActivatorThatThrowsAtTheStartLeavesTheBundleStopped) {
   EXPECT_EQ(active.GetState(), Bundle::STATE_ACTIVE);
 }
 
-TEST_F(Bundles, ActivatorThatThrowsAtTheStopIsStoppedAllTheSame) {
+TEST_F(Bundles, BundleWhoseActivatorThrowsAtTheStopStopsAnyway) {
   Bundle active = install("active");
   active.Start();
   const auto refusal = context.RegisterService<demo::LeftA>(std::make_shared<Mark>());
@@ -147,7 +147,7 @@ TEST_F(Bundles, UninstalledBundleIsGone) {
   EXPECT_TRUE(context.GetServiceReference<demo::Word>());
 }
 
-TEST_F(Bundles, ListenersHearOfTheStatesInOrder) {
+TEST_F(Bundles, ListenersReceiveTheStatesInOrder) {
   context.AddBundleListener([this](const BundleEvent& event) { types.push_back(event.GetType()); });
   Bundle empty = install("empty");
   empty.Start();
@@ -181,7 +181,7 @@ TEST_F(Bundles, ContextOfAStoppedBundleIsNoLongerValid) {
   EXPECT_THAT([&] { (void)old.InstallBundles(pathOf("parts")); }, invalid);
 }
 
-TEST_F(Bundles, ContextMadeByHandIsNotValid) {
+TEST_F(Bundles, DefaultConstructedContextIsNotValid) {
   const BundleContext none;
   EXPECT_FALSE(none);
   EXPECT_THAT([&] { (void)none.GetBundles(); }, ThrowsMessage<std::runtime_error>(kInvalidContext));
@@ -206,7 +206,7 @@ TEST(FrameworkLifecycle, StopsItsBundlesAndStartsAgain) {
   framework.WaitForStop(std::chrono::milliseconds::zero());
 }
 
-TEST(FrameworkLifecycle, WaitingEndsAfterItsTime) {
+TEST(FrameworkLifecycle, WaitingEndsAtTheTimeout) {
   auto framework = cppmicroservices::FrameworkFactory().NewFramework();
   framework.Start();
   EXPECT_EQ(framework.WaitForStop(std::chrono::milliseconds(1)).GetType(),
@@ -215,7 +215,7 @@ TEST(FrameworkLifecycle, WaitingEndsAfterItsTime) {
   framework.WaitForStop(std::chrono::milliseconds::zero());
 }
 
-TEST(FrameworkLifecycle, TwoFrameworksKnowNothingOfEachOther) {
+TEST(FrameworkLifecycle, TwoFrameworksAreIndependent) {
   auto one = cppmicroservices::FrameworkFactory().NewFramework();
   auto two = cppmicroservices::FrameworkFactory().NewFramework();
   one.Start();

@@ -48,11 +48,11 @@ class DeclarativeServices : public FrameworkFixture {
   std::shared_ptr<NoteBook> book = std::make_shared<NoteBook>();
 };
 
-TEST_F(DeclarativeServices, OffersNothingBeforeTheBundleStarts) {
+TEST_F(DeclarativeServices, RegistersNothingBeforeTheBundleStarts) {
   EXPECT_EQ(count<demo::Word>(), 0U);
 }
 
-TEST_F(DeclarativeServices, OffersComponentsWithoutReferencesAtTheStart) {
+TEST_F(DeclarativeServices, RegistersComponentsWithoutReferencesAtTheStart) {
   parts.Start();
   const ServiceReference<demo::Word> word = context.GetServiceReference<demo::Word>();
   ASSERT_TRUE(word);
@@ -94,7 +94,7 @@ TEST_F(DeclarativeServices, IdsOfComponentsDiffer) {
   EXPECT_NE(ids[0], ids[1]);
 }
 
-TEST_F(DeclarativeServices, ImplementationIsMadeWhenFirstAskedFor) {
+TEST_F(DeclarativeServices, ImplementationIsCreatedAtTheFirstUse) {
   const auto registration = registerBook();
   parts.Start();
   EXPECT_THAT(book->take(), IsEmpty());
@@ -104,7 +104,7 @@ TEST_F(DeclarativeServices, ImplementationIsMadeWhenFirstAskedFor) {
   EXPECT_THAT(book->take(), ElementsAre("+pair"));
 }
 
-TEST_F(DeclarativeServices, ImplementationStaysWhenNobodyHoldsTheService) {
+TEST_F(DeclarativeServices, ImplementationStaysWhenTheServiceIsNotInUse) {
   const auto registration = registerBook();
   parts.Start();
   const auto number = context.GetServiceReference<demo::Number>();
@@ -131,21 +131,21 @@ TEST_F(DeclarativeServices, InterfacesOfAComponentAreOneObject) {
             dynamic_cast<void*>(number.get()));
 }
 
-TEST_F(DeclarativeServices, ChainIsOfferedWhenItsLastServiceCame) {
+TEST_F(DeclarativeServices, ChainIsRegisteredWhenItsLastServiceIsRegistered) {
   parts.Start();
   EXPECT_EQ(count<demo::Third>(), 0U);
   const auto registration = registerBook();
   EXPECT_EQ(count<demo::Third>(), 1U);
 }
 
-TEST_F(DeclarativeServices, ChainIsMadeFromItsFirstLinkOn) {
+TEST_F(DeclarativeServices, ChainIsCreatedFromItsFirstComponentOn) {
   const auto registration = registerBook();
   parts.Start();
   EXPECT_EQ(get<demo::Third>()->path(), "123");
   EXPECT_THAT(book->take(), ElementsAre("+first", "+second", "+third"));
 }
 
-TEST_F(DeclarativeServices, ChainIsTakenBackWhenAServiceGoes) {
+TEST_F(DeclarativeServices, ChainIsUnregisteredWhenAServiceGoesAway) {
   auto registration = registerBook();
   parts.Start();
   EXPECT_EQ(get<demo::Third>()->path(), "123");
@@ -156,7 +156,7 @@ TEST_F(DeclarativeServices, ChainIsTakenBackWhenAServiceGoes) {
   EXPECT_THAT(book->take(), testing::UnorderedElementsAre("-third", "-second", "-first"));
 }
 
-TEST_F(DeclarativeServices, ReferenceIsReleasedWhenItsServiceGoes) {
+TEST_F(DeclarativeServices, ReferenceIsReleasedWhenItsServiceGoesAway) {
   auto registration = registerBook();
   parts.Start();
   EXPECT_NE(get<demo::Third>(), nullptr);
@@ -165,7 +165,7 @@ TEST_F(DeclarativeServices, ReferenceIsReleasedWhenItsServiceGoes) {
   EXPECT_EQ(book.use_count(), 1);
 }
 
-TEST_F(DeclarativeServices, HeldImplementationOutlivesItsService) {
+TEST_F(DeclarativeServices, ImplementationInUseOutlivesItsService) {
   auto registration = registerBook();
   parts.Start();
   auto third = get<demo::Third>();
@@ -189,7 +189,7 @@ TEST_F(DeclarativeServices, ComponentComesBackWithItsService) {
   EXPECT_THAT(book->take(), ElementsAre("+pair"));
 }
 
-TEST_F(DeclarativeServices, BoundServiceIsNotGivenUpForABetterOne) {
+TEST_F(DeclarativeServices, BoundServiceIsNotReplacedByAHigherRankedOne) {
   const auto registration = registerBook();
   parts.Start();
   const auto number = get<demo::Number>();
@@ -211,7 +211,7 @@ TEST_F(DeclarativeServices, ReferenceIsBoundToTheHighestRanking) {
   EXPECT_THAT(better->take(), ElementsAre("+pair"));
 }
 
-TEST_F(DeclarativeServices, AnotherServiceTakesThePlaceOfOneThatGoes) {
+TEST_F(DeclarativeServices, AnotherServiceReplacesOneThatGoesAway) {
   auto registration = registerBook();
   const auto second = std::make_shared<NoteBook>();
   const auto other = context.RegisterService<demo::Ledger>(second);
@@ -223,7 +223,7 @@ TEST_F(DeclarativeServices, AnotherServiceTakesThePlaceOfOneThatGoes) {
   EXPECT_THAT(second->take(), ElementsAre("+pair"));
 }
 
-TEST_F(DeclarativeServices, StoppedBundleTakesItsComponentsBack) {
+TEST_F(DeclarativeServices, StoppedBundleUnregistersItsComponents) {
   const auto registration = registerBook();
   parts.Start();
   auto number = get<demo::Number>();
@@ -246,7 +246,7 @@ TEST_F(DeclarativeServices, BundleMayStartAgain) {
   }
 }
 
-TEST_F(DeclarativeServices, StoppedRuntimeTakesAllComponentsBack) {
+TEST_F(DeclarativeServices, StoppedRuntimeUnregistersAllComponents) {
   const auto registration = registerBook();
   parts.Start();
   EXPECT_NE(get<demo::Number>(), nullptr);
@@ -256,7 +256,7 @@ TEST_F(DeclarativeServices, StoppedRuntimeTakesAllComponentsBack) {
   EXPECT_EQ(parts.GetState(), Bundle::STATE_ACTIVE);
 }
 
-TEST_F(DeclarativeServices, RuntimeTakesUpBundlesThatAreActive) {
+TEST_F(DeclarativeServices, RuntimeFindsBundlesThatAreAlreadyActive) {
   const auto registration = registerBook();
   runtime.Stop();
   parts.Start();
@@ -266,7 +266,7 @@ TEST_F(DeclarativeServices, RuntimeTakesUpBundlesThatAreActive) {
   EXPECT_EQ(get<demo::Third>()->path(), "123");
 }
 
-TEST_F(DeclarativeServices, ThrowingConstructorIsReportedAndLeavesTheRest) {
+TEST_F(DeclarativeServices, ThrowingConstructorIsReportedAndDoesNotAffectOthers) {
   parts.Start();
   EXPECT_THAT(takeProblems(), IsEmpty());
   EXPECT_EQ(get<demo::Broken>(), nullptr);
@@ -274,13 +274,13 @@ TEST_F(DeclarativeServices, ThrowingConstructorIsReportedAndLeavesTheRest) {
   EXPECT_EQ(get<demo::Word>()->text(), "plain");
 }
 
-TEST_F(DeclarativeServices, DependentOfABrokenComponentIsNotMade) {
+TEST_F(DeclarativeServices, DependentOfABrokenComponentIsNotCreated) {
   parts.Start();
   EXPECT_EQ(get<demo::NeedsBroken>(), nullptr);
   EXPECT_THAT(takeProblems(), testing::Not(IsEmpty()));
 }
 
-TEST_F(DeclarativeServices, BrokenComponentIsTriedAgain) {
+TEST_F(DeclarativeServices, CreatingABrokenComponentIsRetried) {
   parts.Start();
   EXPECT_EQ(get<demo::Broken>(), nullptr);
   takeProblems();
@@ -288,7 +288,7 @@ TEST_F(DeclarativeServices, BrokenComponentIsTriedAgain) {
   EXPECT_THAT(takeProblems(), testing::Not(IsEmpty()));
 }
 
-TEST_F(DeclarativeServices, ServiceIsMadeOnceForSeveralThreads) {
+TEST_F(DeclarativeServices, ServiceIsCreatedOnceForSeveralThreads) {
   const auto registration = registerBook();
   parts.Start();
   std::vector<std::thread> threads;

@@ -37,7 +37,7 @@ struct Case {
 
 class Matching : public testing::TestWithParam<Case> {};
 
-TEST_P(Matching, SaysWhetherThePropertiesFit) {
+TEST_P(Matching, ReturnsWhetherThePropertiesMatch) {
   const LDAPFilter filter(GetParam().filter);
   EXPECT_EQ(filter.Match(properties()), GetParam().matches) << GetParam().filter;
 }
@@ -122,7 +122,7 @@ INSTANTIATE_TEST_SUITE_P(LDAPFilter, Matching, testing::ValuesIn(kCases));
 
 class Refusing : public testing::TestWithParam<const char*> {};
 
-TEST_P(Refusing, ThrowsForAFilterThatCannotBeRead) {
+TEST_P(Refusing, ThrowsForAFilterThatCannotBeParsed) {
   EXPECT_THROW(LDAPFilter{std::string(GetParam())}, std::invalid_argument) << GetParam();
 }
 
@@ -133,14 +133,14 @@ INSTANTIATE_TEST_SUITE_P(LDAPFilter, Refusing,
 
 }  // namespace
 
-TEST(LDAPFilter, EmptyFilterIsFalseAndMatchesNothingByItself) {
+TEST(LDAPFilter, EmptyFilterIsFalseAndHasNoText) {
   const LDAPFilter empty;
   EXPECT_FALSE(empty);
   EXPECT_EQ(empty.ToString(), "");
   EXPECT_TRUE(LDAPFilter("(a=b)"));
 }
 
-TEST(LDAPFilter, TextIsThatOfTheFilter) {
+TEST(LDAPFilter, ToStringReturnsTheFilterText) {
   EXPECT_EQ(LDAPFilter("(a=b)").ToString(), "(a=b)");
   EXPECT_EQ(LDAPFilter("(&(a=b)(c>=1))").ToString(), "(&(a=b)(c>=1))");
   EXPECT_EQ(LDAPFilter("(!(priority=default))").ToString(), "(!(priority=default))");
@@ -148,7 +148,7 @@ TEST(LDAPFilter, TextIsThatOfTheFilter) {
   EXPECT_EQ(LDAPFilter(" ( & ( a=b ) (c~=d) ) ").ToString(), "(&(a=b )(c~=d))");
 }
 
-TEST(LDAPFilter, FiltersWithOneTextAreEqual) {
+TEST(LDAPFilter, FiltersWithEqualTextsAreEqual) {
   EXPECT_EQ(LDAPFilter("(a=b)"), LDAPFilter("(a=b)"));
   EXPECT_FALSE(LDAPFilter("(a=b)") == LDAPFilter("(a=c)"));
   EXPECT_EQ(LDAPFilter(), LDAPFilter());
@@ -162,7 +162,7 @@ TEST(LDAPFilter, CopiesAreEqual) {
   EXPECT_EQ(LDAPFilter(copy).ToString(), "(a=b)");
 }
 
-TEST(LDAPFilter, CaseOfKeysMayCount) {
+TEST(LDAPFilter, MatchCaseComparesKeysWithCase) {
   AnyMap map(AnyMap::ORDERED_MAP);
   map["Key"] = 1;
   EXPECT_FALSE(LDAPFilter("(key=1)").MatchCase(map));

@@ -46,7 +46,7 @@ class ServiceLookup : public FrameworkFixture {
 
 }  // namespace
 
-TEST_F(ServiceLookup, ListenerFindsTheServiceThatItIsToldOf) {
+TEST_F(ServiceLookup, ListenerFindsTheServiceOfTheEvent) {
   context.AddServiceListener([this](const ServiceEvent& event) {
     if (event.GetType() == ServiceEvent::SERVICE_REGISTERED) counts.push_back(countWords());
   });
@@ -54,7 +54,7 @@ TEST_F(ServiceLookup, ListenerFindsTheServiceThatItIsToldOf) {
   EXPECT_THAT(counts, ElementsAre(1));
 }
 
-TEST_F(ServiceLookup, OtherThreadFindsAServiceWhileAListenerIsToldOfIt) {
+TEST_F(ServiceLookup, OtherThreadFindsAServiceWhileAListenerRuns) {
   context.AddServiceListener([this](const ServiceEvent& event) {
     if (event.GetType() != ServiceEvent::SERVICE_REGISTERED) return;
     counts.push_back(std::async(std::launch::async, [this] { return countWords(); }).get());
@@ -86,7 +86,7 @@ TEST_F(ServiceLookup, ThrowsAfterTheFrameworkStoppedInAListener) {
   EXPECT_THAT(refusals, ElementsAre(text, text, text));
 }
 
-TEST_F(ServiceLookup, FindsNothingOfAnotherFramework) {
+TEST_F(ServiceLookup, FindsNoServiceOfAnotherFramework) {
   auto other = cppmicroservices::FrameworkFactory().NewFramework();
   other.Start();
   (void)other.GetBundleContext().RegisterService<demo::Word>(std::make_shared<Silence>());

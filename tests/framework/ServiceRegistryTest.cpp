@@ -95,7 +95,7 @@ TEST_F(ServiceRegistry, FindsWhatWasRegistered) {
   EXPECT_EQ(reference.GetInterfaceId(), "demo::Word");
 }
 
-TEST_F(ServiceRegistry, FindsNothingWhereNothingIs) {
+TEST_F(ServiceRegistry, FindsNothingWithoutRegistrations) {
   EXPECT_FALSE(context.GetServiceReference<demo::Word>());
   EXPECT_THAT(context.GetServiceReferences<demo::Word>(), IsEmpty());
   EXPECT_FALSE(context.GetServiceReference("demo::Word"));
@@ -150,7 +150,7 @@ TEST_F(ServiceRegistry, FilterSelects) {
   EXPECT_THAT(texts("(objectclass=demo::Word)"), ElementsAre("a", "b", "c"));
 }
 
-TEST_F(ServiceRegistry, FilterThatCannotBeReadIsRefused) {
+TEST_F(ServiceRegistry, FilterThatCannotBeParsedIsRefused) {
   const auto registration = add("one");
   EXPECT_THROW(context.GetServiceReferences<demo::Word>("(priority=default"),
                std::invalid_argument);
@@ -208,7 +208,7 @@ TEST_F(ServiceRegistry, InvalidReferenceIsRefused) {
   EXPECT_THROW(context.GetServiceObjects(ServiceReference<demo::Word>()), std::invalid_argument);
 }
 
-TEST_F(ServiceRegistry, HeldServiceOutlivesItsRegistration) {
+TEST_F(ServiceRegistry, ServiceInUseOutlivesItsRegistration) {
   auto registration = add("one");
   const auto held = context.GetService(registration.GetReference());
   registration.Unregister();
@@ -216,7 +216,7 @@ TEST_F(ServiceRegistry, HeldServiceOutlivesItsRegistration) {
   EXPECT_EQ(held->text(), "one");
 }
 
-TEST_F(ServiceRegistry, UsingBundlesAreThoseThatHoldTheService) {
+TEST_F(ServiceRegistry, UsingBundlesAreThoseThatUseTheService) {
   Bundle empty = install("empty");
   empty.Start();
   const auto registration = add("one");
@@ -229,7 +229,7 @@ TEST_F(ServiceRegistry, UsingBundlesAreThoseThatHoldTheService) {
   EXPECT_THAT(reference.GetUsingBundles(), IsEmpty());
 }
 
-TEST_F(ServiceRegistry, ServicesOfABundleGoWhenItStops) {
+TEST_F(ServiceRegistry, ServicesOfABundleAreUnregisteredWhenItStops) {
   Bundle active = install("active");
   active.Start();
   EXPECT_THAT(active.GetRegisteredServices(), SizeIs(1));
@@ -238,7 +238,7 @@ TEST_F(ServiceRegistry, ServicesOfABundleGoWhenItStops) {
   EXPECT_THAT(texts(), IsEmpty());
 }
 
-TEST_F(ServiceRegistry, ServicesAreReleasedWhenTheirHolderStops) {
+TEST_F(ServiceRegistry, ServicesAreReleasedWhenTheBundleThatUsesThemStops) {
   Bundle empty = install("empty");
   empty.Start();
   const auto registration = add("one");
@@ -286,7 +286,7 @@ class ServiceFactories : public ServiceRegistry {
   ServiceReference<demo::Word> reference;
 };
 
-TEST_F(ServiceFactories, BundleHasOneObjectWhileItHoldsIt) {
+TEST_F(ServiceFactories, BundleGetsOneObjectWhileItIsInUse) {
   auto first = context.GetService(reference);
   auto second = context.GetService(reference);
   EXPECT_EQ(first, second);
@@ -307,7 +307,7 @@ TEST_F(ServiceFactories, EachBundleHasItsOwnObject) {
   EXPECT_NE(mine, its);
 }
 
-TEST_F(ServiceFactories, UnregisteringTakesTheObjectsBack) {
+TEST_F(ServiceFactories, UnregisteringReturnsTheObjectsToTheFactory) {
   const auto held = context.GetService(reference);
   registration.Unregister();
   EXPECT_THAT(factory->calls, ElementsAre("get system_bundle", "unget system_bundle"));
@@ -354,7 +354,7 @@ class ServiceListeners : public ServiceRegistry {
   std::vector<ServiceRegistration<demo::Number>> numbers;
 };
 
-TEST_F(ServiceListeners, HearOfEveryChange) {
+TEST_F(ServiceListeners, ReceiveEveryChange) {
   context.AddServiceListener(listener());
   auto registration = add("one");
   registration.SetProperties({{"kind", 1}});
@@ -377,7 +377,7 @@ TEST_F(ServiceListeners, BadFilterIsRefused) {
   EXPECT_THROW(context.AddServiceListener(listener(), "(kind=1"), std::invalid_argument);
 }
 
-TEST_F(ServiceListeners, RemovedListenerHearsNothing) {
+TEST_F(ServiceListeners, RemovedListenerIsNotCalled) {
   auto token = context.AddServiceListener(listener());
   EXPECT_TRUE(token);
   context.RemoveListener(std::move(token));
@@ -385,7 +385,7 @@ TEST_F(ServiceListeners, RemovedListenerHearsNothing) {
   EXPECT_THAT(events, IsEmpty());
 }
 
-TEST_F(ServiceListeners, ListenerOfAStoppedBundleHearsNothing) {
+TEST_F(ServiceListeners, ListenerOfAStoppedBundleIsNotCalled) {
   Bundle empty = install("empty");
   empty.Start();
   auto other = empty.GetBundleContext();
@@ -404,7 +404,7 @@ TEST_F(ServiceListeners, ThrowingListenerIsReportedAndDoesNotStopTheOthers) {
   EXPECT_THAT(takeProblems(), SizeIs(1));
 }
 
-TEST_F(ServiceListeners, UnregisteringServiceCanBeReachedButNotFound) {
+TEST_F(ServiceListeners, UnregisteringServiceCanBeUsedButNotFound) {
   auto registration = add("one");
   context.AddServiceListener([this](const ServiceEvent& event) {
     if (event.GetType() == ServiceEvent::SERVICE_UNREGISTERING) {

@@ -61,7 +61,7 @@ class InstalledTree(unittest.TestCase):
     def bundle(self, name):
         return "--bundle", self.bundles / f"lib{name}.so"
 
-    def test_the_program_gives_what_the_built_one_gives(self):
+    def test_the_installed_and_the_built_program_agree(self):
         built = self.tessera(f"{BUILD}/bin/tessera").stdout
         self.assertEqual(self.tessera(self.prefix / "bin" / "tessera").stdout, built)
 
@@ -101,14 +101,14 @@ class InstalledTree(unittest.TestCase):
         finally:
             moved.rename(self.prefix)
 
-    def test_no_text_names_a_place_of_this_machine(self):
+    def test_no_installed_text_file_contains_a_build_path(self):
         texts = [*self.prefix.rglob("*.cmake"), *self.prefix.rglob("*.pc"), *self.prefix.rglob("*.h*")]
         self.assertGreater(len(texts), 50)
         for path in texts:
             for folder in (BUILD, SOURCE, str(self.prefix)):
                 self.assertNotIn(folder, path.read_text(), path)
 
-    def test_libraries_are_looked_for_beside_the_file_that_needs_them(self):
+    def test_libraries_are_searched_relative_to_the_file_that_needs_them(self):
         files = search_paths.linked_files(self.prefix)
         self.assertGreater(len(files), 5)
         self.assertEqual(search_paths.faults(files), [])
@@ -138,7 +138,7 @@ class InstalledTree(unittest.TestCase):
         shown = run(program, env={**os.environ, "LD_LIBRARY_PATH": f"{self.prefix}/lib"})
         self.assertEqual(shown.stdout, "found\n")
 
-    def test_one_component_asks_for_nothing_else(self):
+    def test_one_component_needs_no_other_dependency(self):
         self.configure("find_package(Quenlith 0.1 REQUIRED COMPONENTS json)\n"
                        "if(Boost_FOUND)\n  message(FATAL_ERROR \"Boost was looked for\")\nendif()\n"
                        "get_target_property(type Quenlith::json TYPE)\n")

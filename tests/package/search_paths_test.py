@@ -39,7 +39,7 @@ class SearchPaths(unittest.TestCase):
         self.link()
         self.assertEqual(search_paths.faults(search_paths.linked_files(self.folder)), [])
 
-    def test_absolute_paths_and_the_place_of_the_file_are_accepted(self):
+    def test_absolute_paths_and_origin_are_accepted(self):
         self.assertEqual(self.elements_refused("/opt/lib:$ORIGIN:$ORIGIN/../lib:${ORIGIN}/x"), [])
 
     def test_an_empty_element_is_refused(self):
@@ -50,7 +50,7 @@ class SearchPaths(unittest.TestCase):
     def test_a_relative_element_is_refused(self):
         self.assertEqual(self.elements_refused("/lib:plugins:./x"), ["plugins", "./x"])
 
-    def test_a_name_that_only_begins_like_the_place_of_the_file_is_refused(self):
+    def test_a_variable_that_only_begins_like_origin_is_refused(self):
         self.assertEqual(self.elements_refused("$ORIGINAL/lib"), ["$ORIGINAL/lib"])
 
     def test_both_kinds_of_search_path_are_read(self):

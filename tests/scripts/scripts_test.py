@@ -61,7 +61,7 @@ class Scripts(unittest.TestCase):
     def test_no_test_is_a_failure(self):
         self.assertEqual(self.count(self.report("dev", "<testsuite/>"))[0], 1)
 
-    def test_parse_exits_with_125_where_it_cannot_build(self):
+    def test_parse_exits_with_125_when_it_cannot_build(self):
         shutil.copytree(SCRIPTS, self.folder / "tree" / "scripts")
         (self.folder / "tree" / "CMakePresets.json").write_text("{}")
         done = subprocess.run(

@@ -55,7 +55,7 @@ class CommandLine(ProgramTest):
             self.assertEqual((done.returncode, done.stderr), (0, b""))
             self.assertIn(b"Usage:", done.stdout)
 
-    def test_what_cannot_be_used_is_named_with_a_remedy(self):
+    def test_unusable_arguments_are_reported_with_a_remedy(self):
         cases = {
             (): 'A subcommand is required; "tessera --help" lists what there is',
             ("jump",): 'unknown command "jump"; "tessera --help" lists what there is',
@@ -83,7 +83,7 @@ class Parse(ProgramTest):
         self.assertEqual(tessera("parse", FILES[0]).stdout,
                          tessera("parse", "--format", "tree", FILES[0]).stdout)
 
-    def test_ndjson_is_the_same_object_on_one_line_a_file(self):
+    def test_ndjson_is_the_same_object_on_one_line_per_file(self):
         compact = tessera("parse", "--format", "ndjson", *FILES)
         self.assertEqual(compact.returncode, 0)
         texts = compact.stdout.decode().split("\n")
@@ -95,7 +95,7 @@ class Parse(ProgramTest):
             whole = json.loads(text)
             self.assertEqual(list(whole), ["schemaVersion", "file", "nodes", "lines"])
 
-    def test_json_is_indented_by_two_blanks_and_files_follow_one_another(self):
+    def test_json_is_indented_by_two_spaces_and_files_follow_one_another(self):
         both = tessera("parse", "--format", "json", FILES[0], FILES[1]).stdout
         one = tessera("parse", "--format", "json", FILES[0]).stdout
         two = tessera("parse", "--format", "json", FILES[1]).stdout
@@ -151,7 +151,7 @@ class Parse(ProgramTest):
         self.assertEqual(message.count(b"\n"), 1)
         self.assertEqual(done.stdout, tree + message + tree)
 
-    def test_a_file_without_the_right_to_read_it_is_an_error(self):
+    def test_a_file_without_read_permission_is_an_error(self):
         name = self.write("closed", b"x")
         os.chmod(name, 0)
         os.chmod(self.folder, 0o755)
@@ -179,7 +179,7 @@ class Parse(ProgramTest):
             self.assertEqual((done.stderr.decode(), done.returncode), (
                 "standard output: error: cannot be written; make room, or name a file that can be written\n", 2))
 
-    def test_a_closed_stream_is_an_error_and_no_other_file_gets_what_it_should_have_got(self):
+    def test_a_closed_stream_is_an_error_and_its_output_goes_to_no_other_file(self):
         name, record = self.write("f", b"x\n"), str(self.folder / "calls")
         tessera("parse", "--record", record, name)
         expected = pathlib.Path(record).read_bytes()
@@ -195,7 +195,7 @@ class Parse(ProgramTest):
         done = subprocess.run(["sh", "-c", '"$0" parse - <&-', PROGRAM], capture_output=True, timeout=60)
         self.assertRefused(done, "-: error: cannot be read: Bad file descriptor; name a file that can be read")
 
-    def test_special_files_are_read_as_far_as_they_can_be(self):
+    def test_folders_are_refused_and_devices_and_pipes_are_read(self):
         for command in ("parse", "check", "replay"):
             self.assertRefused(tessera(command, str(self.folder)), str(self.folder) +
                                ": error: cannot be read: Is a directory; name the files in it")
@@ -217,7 +217,7 @@ class Parse(ProgramTest):
         done = tessera("parse", "-", "-", stdin=b"x\n")
         self.assertEqual((done.stdout, done.returncode), (once.replace(name.encode(), b"-") + b"-\n", 0))
 
-    def test_bytes_that_are_not_utf8_are_placed_wherever_pieces_of_the_file_end(self):
+    def test_invalid_utf8_is_located_around_every_chunk_boundary(self):
         # The file is read in pieces of 64 KiB.
         for size in (0, 1, 65533, 65534, 65535, 65536, 131072):
             for bad in (b"\x80", b"\xff", b"\xc0\x80", b"\xe2\x82", b"\xed\xa0\x80", b"\xf0\x9f\x98",
@@ -228,14 +228,14 @@ class Parse(ProgramTest):
                     self.assertRefused(done, f"-:{size // 3 + 1}:{size % 3 + 1}: error: byte 0x{bad[0]:02X} "
                                        "is not valid UTF-8; convert the file to UTF-8")
 
-    def test_a_bundle_that_is_none_is_an_error(self):
+    def test_a_file_that_is_not_a_bundle_is_an_error(self):
         name = self.write("no.so", b"no library")
         done = tessera("parse", "--bundle", name, FILES[0])
         self.assertEqual((done.returncode, done.stdout), (2, b""))
         self.assertTrue(done.stderr.decode().startswith(name + ": error: the bundle cannot be started: "))
         self.assertEqual(done.stderr.count(b"\n"), 1)
 
-    def test_a_line_of_many_megabytes_takes_memory_in_proportion(self):
+    def test_memory_is_proportional_to_the_length_of_a_line(self):
         size = 24 << 20
         name = self.write("long", b"x" * size)
         done = tessera("parse", "--format", "ndjson", name, preexec_fn=lambda: resource.setrlimit(
@@ -338,7 +338,7 @@ class Check(ProgramTest):
                              "the nesting is too deep\n")
             self.assertEqual((done.returncode, done.stderr), (1, b""))
 
-    def test_each_of_a_hundred_thousand_failures_on_a_line_has_its_place(self):
+    def test_each_of_a_hundred_thousand_failures_on_a_line_has_its_column(self):
         count = 100000
         name = self.write("f", b" ".join(b"# <@output#\xc3\xa9%d [9,1]>" % i for i in range(count)))
         lines = tessera("check", name).stdout.decode().split("\n")[:-1]
@@ -394,11 +394,11 @@ class Replay(ProgramTest):
             with self.subTest(name=name):
                 self.assertRefused(tessera("parse", "--record", name, *FILES), name + ": error: cannot be " + message)
 
-    def test_blank_lines_are_passed_over_and_the_last_needs_no_ending(self):
+    def test_blank_lines_are_skipped_and_the_last_line_needs_no_ending(self):
         done = tessera("replay", "-", stdin=b'\xef\xbb\xbf\n \t\r\n{"op":"document"}\r\n\n{"op":"nodes"}')
         self.assertEqual(done.stdout, b'{}\n{"nodes":[]}\n')
 
-    def test_a_bad_line_ends_the_run_and_is_named(self):
+    def test_a_bad_line_ends_the_run_and_is_reported(self):
         remedy = "; write one command a line, as tessera parse --record does"
         cases = {
             b'{"op":"nodes"': ":2:14: error: ",

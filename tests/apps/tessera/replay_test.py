@@ -64,7 +64,7 @@ class LongTask(unittest.TestCase):
     def count(self, node):
         return node["children"][0]["liveTaskData"]["numCodeLines"]
 
-    def test_without_a_marker_it_wraps_to_idle_and_closes_nothing(self):
+    def test_a_plain_line_wraps_to_idle_and_closes_nothing(self):
         last, after, nodes = self.replay(self.PLAIN, self.PLAIN)
         self.assertEqual(last["result"]["type"], {"group": 0, "kind": 0})
         self.assertEqual(last["log"], ["Parsing using the task parser", "In LineNodeParserService"])
@@ -73,7 +73,7 @@ class LongTask(unittest.TestCase):
         self.assertIn("Task marker found for first time", after[0]["log"])
         self.assertEqual((len(nodes), nodes[-1]["kind"]), (65538, "LineNode"))
 
-    def test_that_closes_writes_the_count_0(self):
+    def test_a_closing_line_writes_the_count_0(self):
         for kind in (0, 3):
             last, _, nodes = self.replay(parse("# <@task#a>", kind))
             self.assertEqual(last["result"]["type"]["kind"], 0)
@@ -82,19 +82,19 @@ class LongTask(unittest.TestCase):
                                            "In LineNodeParserService"])
             self.assertEqual((self.count(nodes[0]), len(nodes)), (0, 65537))
 
-    def test_one_before_it_writes_the_largest_count(self):
+    def test_closing_one_line_earlier_writes_the_largest_count(self):
         last, _, nodes = self.replay(parse("x # <@task#a>", 3), inside=65533)
         self.assertIn("End of task found, cleaning up 65535", last["log"])
         self.assertEqual(self.count(nodes[0]), 65535)
 
-    def test_with_another_id_wraps_and_overlaps(self):
+    def test_a_marker_with_another_id_wraps_and_overlaps(self):
         last, after, nodes = self.replay(parse("y # <@task#b>", 3), parse("y # <@task#b>", 0, pair("b")))
         self.assertEqual(last["result"]["type"]["kind"], 0)
         self.assertEqual([failure["failureId"] for node in nodes[-2:] for failure in node["parserFailures"]],
                          ["overlapping_task_marker", "missing_task_marker_pair"])
         self.assertEqual(after[0]["result"]["type"]["kind"], 0)
 
-    def test_leaves_an_id_that_needs_no_pairing(self):
+    def test_the_id_of_the_wrapped_task_needs_no_pairing(self):
         header = ["Parsing live task appendix data", "finding Appendix Entry",
                   "Adding Header node to tessera doc", ""]
         first = ["Parsing using the task parser", "Task marker found for first time",

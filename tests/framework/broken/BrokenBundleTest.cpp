@@ -106,7 +106,7 @@ class Broken : public FrameworkFixture, public testing::WithParamInterface<Broke
   }
 };
 
-TEST_P(Broken, IsToldOfAndLeavesTheRest) {
+TEST_P(Broken, IsReportedAndDoesNotAffectOthers) {
   const std::vector<std::string> messages = use(makeFile(GetParam()));
   if (EMBEDDED_FRAMEWORK) {
     EXPECT_THAT(messages, ElementsAre(GetParam().message));

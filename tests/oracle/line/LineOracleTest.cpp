@@ -71,7 +71,7 @@ bool runCase(const RunSettings& settings, std::size_t number, Tally& tally) {
   return false;
 }
 
-TEST(LineOracle, RandomLinesComeOutAsTheTwinHasThem) {
+TEST(LineOracle, RandomLinesAgreeWithTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kCases);
   Tally tally = emptyTally();
   if (settings.only) {

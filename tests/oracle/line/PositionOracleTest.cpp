@@ -47,7 +47,7 @@ void addLayouts(const Markers& markers, std::size_t more, std::vector<Markers>& 
   }
 }
 
-TEST(PositionOracle, EveryRangeIsJudgedByEveryMarkerInEveryLayout) {
+TEST(PositionOracle, RangesAgreeWithTheRuleInEveryLayout) {
   std::vector<Markers> layouts;
   addLayouts({}, 3, layouts);
   ASSERT_GT(layouts.size(), 1'000U);

@@ -81,7 +81,7 @@ TEST(JsonOracle, TheParserAgreesWithRapidJson) {
 }
 
 // The rules that the twin adds to RapidJSON.
-TEST(JsonOracle, WhereTheRulesDifferOursAreTheStatedOnes) {
+TEST(JsonOracle, FollowsItsOwnRulesWhereRapidJsonDiffers) {
   const auto parses = [](std::u16string_view text) {
     return foundation::json::parse(text).value.has_value();
   };

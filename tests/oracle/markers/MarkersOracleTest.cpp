@@ -113,7 +113,7 @@ void compareFeatures(const ustring& text, const std::vector<TwinMarker>& known) 
   }
 }
 
-TEST(MarkersOracle, TheScannerFollowsTheGrammarWordByWord) {
+TEST(MarkersOracle, TheScannerAgreesWithTheTwin) {
   const std::uint64_t seed = chooseSeed();
   std::cout << "seed " << seed << "\n";
   RandomMarkers random(seed);

@@ -39,7 +39,7 @@ bool runLongCases(Tally& tally) {
   return true;
 }
 
-TEST(TaskOracle, RandomCallsComeOutAsTheTwinHasThem) {
+TEST(TaskOracle, RandomCallsAgreeWithTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kCases);
   Tally tally;
   addTaskRows(tally);

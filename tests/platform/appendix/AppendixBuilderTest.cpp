@@ -15,7 +15,7 @@ TEST(AppendixBuilder, DeclaresItsInterfaceName) {
             "quenlith::shared::appendix::AppendixBuilder");
 }
 
-TEST(AppendixBuilder, AnEntryIsEmptyAtFirst) {
+TEST(AppendixBuilder, AnEntryIsEmptyByDefault) {
   const AppendixEntry entry;
   EXPECT_TRUE(entry.text.empty());
   EXPECT_FALSE(entry.marker.has_value());

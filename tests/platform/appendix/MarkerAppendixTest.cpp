@@ -59,7 +59,7 @@ TEST(MarkerAppendix, KeepsTheFirstEntryOfAnElementAndId) {
   EXPECT_EQ(appendix.build(), u"%<@appendix>\n%<@task#a {\"k\":1}>\n");
 }
 
-TEST(MarkerAppendix, BuildsItsTextInTheOrderOfTheEntries) {
+TEST(MarkerAppendix, BuildsItsTextInEntryOrder) {
   MarkerAppendix appendix;
   EXPECT_EQ(appendix.build(), u"");
   appendix.addEntry(Marker(u"# <@task#b>"));
@@ -67,7 +67,7 @@ TEST(MarkerAppendix, BuildsItsTextInTheOrderOfTheEntries) {
   EXPECT_EQ(appendix.build(), u"%<@appendix>\n%<@task#b>\n%<@task#\"a b\">\n");
 }
 
-TEST(MarkerAppendix, ReplacingForgetsTheEntriesBefore) {
+TEST(MarkerAppendix, ReplacingRemovesTheEarlierEntries) {
   MarkerAppendix appendix;
   appendix.addEntry(Marker(u"# <@task#a {\"k\":1}>"));
   appendix.addEntry(Marker(u"# <@task#c>"));

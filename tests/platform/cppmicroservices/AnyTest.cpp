@@ -43,7 +43,7 @@ TEST(Any, CopiesAndMoves) {
   EXPECT_EQ(any_cast<int>(moved), 5);
 }
 
-TEST(Any, AnotherTypeIsNoCast) {
+TEST(Any, CastToAnotherTypeFails) {
   Any value(1);
   const Any& constant = value;
   EXPECT_EQ(any_cast<long>(&value), nullptr);
@@ -73,7 +73,7 @@ TEST(Any, EmptyOnesAreEqual) {
   EXPECT_FALSE(Any() == Any(0));
 }
 
-TEST(Any, GivesItsValueAsText) {
+TEST(Any, ToStringReturnsTheValue) {
   EXPECT_EQ(Any("x"s).ToString(), "x");
   EXPECT_EQ(Any(true).ToString(), "1");
   EXPECT_EQ(Any(1.5).ToString(), "1.5");
@@ -89,7 +89,7 @@ TEST(Any, GivesItsValueAsText) {
   EXPECT_THROW(Any().ToString(), std::logic_error);
 }
 
-TEST(AnyMap, MapsAreText) {
+TEST(AnyMap, MapsAreConvertedToText) {
   EXPECT_EQ(Any(AnyMap(AnyMap::ORDERED_MAP, {{"a", Any(1)}, {"b", Any("x"s)}})).ToString(),
             "{a : 1, b : x}");
   EXPECT_EQ(Any(AnyMap()).ToString(), "{}");
@@ -118,7 +118,7 @@ TEST(AnyMap, IsAContainer) {
   EXPECT_TRUE(map.empty());
 }
 
-TEST(AnyMap, IsMadeOfStandardMaps) {
+TEST(AnyMap, IsConstructedFromStandardMaps) {
   const AnyMap ordered(AnyMap::ordered_any_map{{"a", Any(1)}});
   const AnyMap unordered(AnyMap::unordered_any_map{{"a", Any(1)}});
   EXPECT_EQ(ordered.GetType(), AnyMap::ORDERED_MAP);
@@ -129,7 +129,7 @@ TEST(AnyMap, IsMadeOfStandardMaps) {
   EXPECT_FALSE(ordered == AnyMap(AnyMap::ORDERED_MAP));
 }
 
-TEST(AnyMap, DottedKeyLeadsInside) {
+TEST(AnyMap, CompoundKeyReachesNestedValues) {
   const AnyMap map{{"one", Any(1)},
                    {"list", Any(std::vector<Any>{Any(3), Any(8)})},
                    {"map", Any(AnyMap{{"a", Any("anton"s)}})}};

@@ -17,7 +17,7 @@ class InterfaceIdentifiers : public HostFramework {
   }
 };
 
-TEST_F(InterfaceIdentifiers, OfAnyLengthLeadToTheirService) {
+TEST_F(InterfaceIdentifiers, OfAnyLengthFindTheirService) {
   const std::string characters = "abcdefghijklmnopqrstuvwxyz";
   for (std::size_t length = 1; length <= characters.size(); ++length) {
     const std::string interfaceId = characters.substr(0, length);
@@ -29,7 +29,7 @@ TEST_F(InterfaceIdentifiers, OfAnyLengthLeadToTheirService) {
   }
 }
 
-TEST_F(InterfaceIdentifiers, ThatAreAlikeLeadToDifferentServices) {
+TEST_F(InterfaceIdentifiers, ThatAreSimilarFindDifferentServices) {
   const std::string ending = "::of::a::service::with::a::long::name";
   auto one = add("one" + ending);
   EXPECT_EQ(count("two" + ending), 0U);
@@ -40,7 +40,7 @@ TEST_F(InterfaceIdentifiers, ThatAreAlikeLeadToDifferentServices) {
   EXPECT_EQ(count("two" + ending), 1U);
 }
 
-TEST_F(InterfaceIdentifiers, ThatAreEmptyLeadToEveryService) {
+TEST_F(InterfaceIdentifiers, ThatAreEmptyFindEveryService) {
   const std::size_t before = count("");
   auto a = add("a");
   auto b = add("b");

@@ -26,7 +26,7 @@ struct TextCase {
   const char* text;
 };
 
-TEST(LdapFilter, TextIsWithoutBlanksThatDoNotMatter) {
+TEST(LdapFilter, TextHasNoInsignificantSpaces) {
   const std::vector<TextCase> cases = {
       {"(a=b)", "(a=b)"},
       {"  (a=b)  ", "(a=b)"},
@@ -54,7 +54,7 @@ TEST(LdapFilter, TextIsWithoutBlanksThatDoNotMatter) {
   }
 }
 
-TEST(LdapFilter, WhatIsNoFilterIsRefused) {
+TEST(LdapFilter, InvalidFiltersAreRefused) {
   const std::vector<std::string> filters = {
       "",       "a=b",    "(a",     "(=b)",    "(a<b)",  "(a>b)",         "(a~b)",
       "(a=(b)", "(a=b\\", "(a=b)x", "(&)",     "(!)",    "(!(a=b)(c=d))", "(!a=b)",
@@ -177,7 +177,7 @@ TEST(LdapFilter, OtherValuesAreCompared) {
   });
 }
 
-TEST(LdapFilter, ConditionsAreJoined) {
+TEST(LdapFilter, ConditionsAreCombined) {
   const AnyMap properties{{"a", Any(1)}, {"b", Any(2)}};
   const std::vector<std::pair<const char*, bool>> cases = {
       {"(&(a=1)(b=2))", true}, {"(&(a=1)(b=3))", false},
@@ -189,7 +189,7 @@ TEST(LdapFilter, ConditionsAreJoined) {
   }
 }
 
-TEST(LdapFilter, CaseOfKeysCountsForMatchCaseOnly) {
+TEST(LdapFilter, OnlyMatchCaseComparesKeysWithCase) {
   const AnyMap properties(AnyMap::UNORDERED_MAP, {{"Key", Any(1)}});
   EXPECT_TRUE(LDAPFilter("(key=1)").Match(properties));
   EXPECT_FALSE(LDAPFilter("(key=1)").MatchCase(properties));
@@ -228,7 +228,7 @@ std::string negated(int times) {
   return filter + "(a=b)" + std::string(static_cast<std::size_t>(times), ')');
 }
 
-TEST(LdapFilter, DeepFiltersWork) {
+TEST(LdapFilter, DeepFiltersAreAccepted) {
   const std::string filter = negated(998);
   EXPECT_EQ(LDAPFilter(filter).ToString(), filter);
   EXPECT_TRUE(LDAPFilter(filter).Match(AnyMap{{"a", Any("b"s)}}));
@@ -243,7 +243,7 @@ std::string refusalOf(const std::string& filter) {
   }
 }
 
-TEST(LdapFilter, OneThatIsDeeperStillIsRefused) {
+TEST(LdapFilter, FiltersNestedTooDeeplyAreRefused) {
   for (const int times : {1000, 1000000}) {
     EXPECT_NE(refusalOf(negated(times)).find("filters nested too deeply at character 2001"),
               std::string::npos)
@@ -251,7 +251,7 @@ TEST(LdapFilter, OneThatIsDeeperStillIsRefused) {
   }
 }
 
-TEST(LdapFilter, RefusalShowsTheFilterOrItsBeginning) {
+TEST(LdapFilter, ErrorShowsTheFilterOrItsBeginning) {
   EXPECT_EQ(refusalOf("(a=b"), "the filter \"(a=b\" cannot be parsed: no ) at character 5");
   const std::string longOne = "(a=" + std::string(1000000, 'x');
   EXPECT_EQ(refusalOf(longOne), "the filter \"" + longOne.substr(0, 200) +

@@ -74,7 +74,7 @@ TEST_F(Lifecycle, BundleCannotChangeItsOwnState) {
   EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
 }
 
-TEST_F(Lifecycle, BundleWhoseActivatorCannotBeMadeDoesNotStart) {
+TEST_F(Lifecycle, BundleWhoseActivatorCannotBeCreatedDoesNotStart) {
   script->make = [] { throw std::runtime_error("not today"); };
   EXPECT_EQ(
       textOf([&] { bundle.Start(); }),
@@ -116,7 +116,7 @@ TEST_F(Lifecycle, StopWaitsForAStartInAnotherThread) {
   EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
 }
 
-TEST_F(Lifecycle, WaitingForAnotherThreadHasAnEnd) {
+TEST_F(Lifecycle, WaitingForAnotherThreadTimesOut) {
   std::promise<void> entered;
   std::promise<void> leave;
   script->start = [&](const BundleContext&) {
@@ -131,7 +131,7 @@ TEST_F(Lifecycle, WaitingForAnotherThreadHasAnEnd) {
   starting.get();
 }
 
-TEST_F(Lifecycle, StopTakesBackWhatTheBundleLeaves) {
+TEST_F(Lifecycle, StopReleasesWhatTheBundleLeaves) {
   std::shared_ptr<Script> held;
   BundleContext own;
   int heard = 0;
@@ -263,7 +263,7 @@ TEST_F(Lifecycle, BundlesStartInAFrameworkThatIsInitialized) {
   EXPECT_EQ(framework.GetState(), Bundle::STATE_ACTIVE);
 }
 
-TEST_F(Lifecycle, LibraryThatDoesNotKnowFrameworksIsABundle) {
+TEST_F(Lifecycle, LibraryWithoutFrameworkFunctionsIsABundle) {
   Bundle second = context.InstallBundles(bare()).at(0);
   EXPECT_THROW(second.GetSymbol(this, "bareNumber"), std::runtime_error);
   second.Start();
@@ -278,7 +278,7 @@ TEST_F(Lifecycle, LibraryThatDoesNotKnowFrameworksIsABundle) {
   dlclose(library);
 }
 
-TEST_F(Lifecycle, FrameworkRunsWhileAnObjectStandsForIt) {
+TEST_F(Lifecycle, FrameworkRunsWhileAnObjectRefersToIt) {
   BundleContext kept;
   Bundle left;
   {
@@ -311,7 +311,7 @@ TEST_F(Lifecycle, FrameworkThatNeverRanHasNotStopped) {
   EXPECT_EQ(other.GetState(), Bundle::STATE_INSTALLED);
 }
 
-TEST_F(Lifecycle, WaitingThreadHearsOfTheStop) {
+TEST_F(Lifecycle, WaitingThreadIsToldAboutTheStop) {
   auto waiting = std::async(std::launch::async, [this] {
     return framework.WaitForStop(std::chrono::seconds(60)).GetType();
   });
@@ -330,7 +330,7 @@ TEST_F(Lifecycle, BundlesAreOrderedAndHashed) {
   EXPECT_TRUE(Bundle() == Bundle());
 }
 
-TEST_F(Lifecycle, EventsTellWhatHappened) {
+TEST_F(Lifecycle, EventsDescribeWhatHappened) {
   const BundleEvent installed(BundleEvent::BUNDLE_INSTALLED, bundle, framework);
   EXPECT_TRUE(installed);
   EXPECT_EQ(installed.GetType(), BundleEvent::BUNDLE_INSTALLED);

@@ -47,7 +47,7 @@ class Manifests : public HostFramework {
   std::string path;
 };
 
-TEST_F(Manifests, ValuesAreOfTheTypesDocumented) {
+TEST_F(Manifests, ValuesHaveTheDocumentedTypes) {
   const AnyMap headers = headersOf(
       R"(,"int":5,"negative":-3,"largest":2147483647,"large":2147483648,"small":-2147483649,)"
       R"("real":1.5,"yes":true,"no":false,"none":null,"text":"x",)"
@@ -98,7 +98,7 @@ TEST_F(Manifests, NamesAreIdentifiers) {
   }
 }
 
-TEST_F(Manifests, FileThatIsNoLibraryDoesNotStart) {
+TEST_F(Manifests, FileThatIsNotALibraryDoesNotStart) {
   write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
   Bundle bundle = context.InstallBundles(path).at(0);
   EXPECT_THROW(bundle.Start(), std::runtime_error);
@@ -173,7 +173,7 @@ TEST_F(Manifests, ArchiveWithADamagedEntryIsRefused) {
   EXPECT_THROW(context.InstallBundles(path), std::runtime_error);
 }
 
-TEST_F(Manifests, LibraryMayHoldSeveralBundles) {
+TEST_F(Manifests, LibraryMayContainSeveralBundles) {
   write({{"one/manifest.json", R"({"bundle.symbolic_name":"one"})"},
          {"one/deeper/manifest.json", "no manifest of a bundle"},
          {"two/manifest.json", R"({"bundle.symbolic_name":"two"})"}});
@@ -197,7 +197,7 @@ TEST_F(Manifests, LibraryIsInstalledAsAWholeOrNotAtAll) {
   EXPECT_EQ(context.GetBundles().size(), 1U);
 }
 
-TEST_F(Manifests, RelativePathsAreOfTheWorkingFolder) {
+TEST_F(Manifests, RelativePathsStartAtTheWorkingFolder) {
   write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
   const std::string relative = std::filesystem::relative(path).string();
   const Bundle bundle = context.InstallBundles(relative).at(0);

@@ -110,7 +110,7 @@ TEST_F(RegistryFaults, ObjectOfAFactoryIsUsedOrReturned) {
   EXPECT_EQ(factory->inUse, 0);
 }
 
-TEST_F(RegistryFaults, EndOfAServiceNeedsNoMemory) {
+TEST_F(RegistryFaults, UnregisteringDoesNotAllocate) {
   auto object = context.GetService(registration.GetReference());
   const std::size_t before = allocationCount();
   registration.Unregister();

@@ -87,7 +87,7 @@ TEST_F(ServiceFactories, ThatThrowAreReported) {
   EXPECT_TRUE(reference.GetUsingBundles().empty());
 }
 
-TEST_F(ServiceFactories, ThatMakeNothingAreReported) {
+TEST_F(ServiceFactories, ThatReturnNothingAreReported) {
   workshop->make = [] { return nullptr; };
   EXPECT_EQ(context.GetService(reference), nullptr);
   workshop->make = [] { return std::make_shared<InterfaceMap>(); };
@@ -96,7 +96,7 @@ TEST_F(ServiceFactories, ThatMakeNothingAreReported) {
             (std::vector{ServiceException::FACTORY_ERROR, ServiceException::FACTORY_ERROR}));
 }
 
-TEST_F(ServiceFactories, ThatMakeAnotherInterfaceAreReported) {
+TEST_F(ServiceFactories, ThatReturnAnotherInterfaceAreReported) {
   workshop->make = [] {
     return InterfaceMapConstPtr(MakeInterfaceMap<Counter>(std::make_shared<Counter>()));
   };
@@ -104,7 +104,7 @@ TEST_F(ServiceFactories, ThatMakeAnotherInterfaceAreReported) {
   EXPECT_EQ(errors, std::vector{ServiceException::FACTORY_ERROR});
 }
 
-TEST_F(ServiceFactories, ThatAskForTheirOwnServiceAreReported) {
+TEST_F(ServiceFactories, ThatRequestTheirOwnServiceAreReported) {
   workshop->make = [this] {
     EXPECT_EQ(context.GetService(reference), nullptr);
     return InterfaceMapConstPtr(MakeInterfaceMap<Greeter>(std::make_shared<Hello>()));

@@ -39,7 +39,7 @@ class Services : public HostFramework {
   }
 };
 
-TEST_F(Services, RankingOfAnotherTypeIsNone) {
+TEST_F(Services, RankingOfAnotherTypeIsIgnored) {
   auto a = add("a");
   auto b = add("b", {{Constants::SERVICE_RANKING, Any("5"s)}});
   EXPECT_EQ(found(), "ab");
@@ -81,7 +81,7 @@ TEST_F(Services, WithoutAnObjectAreRefused) {
                std::invalid_argument);
 }
 
-TEST_F(Services, SeveralInterfacesLeadToOneObject) {
+TEST_F(Services, SeveralInterfacesShareOneObject) {
   auto registration = context.RegisterService<Greeter, Counter>(std::make_shared<CountingHello>());
   const ServiceReference<Greeter> greeter = registration.GetReference();
   const ServiceReference<Counter> counter = registration.GetReference<Counter>();
@@ -101,7 +101,7 @@ TEST_F(Services, SeveralInterfacesLeadToOneObject) {
   EXPECT_EQ(ExtractInterface(InterfaceMapConstPtr(), ""), nullptr);
 }
 
-TEST_F(Services, ReferenceUnderAnotherInterfaceNamesNothing) {
+TEST_F(Services, ReferenceUnderAnotherInterfaceIsEmpty) {
   auto registration = add("a");
   ServiceReference<Counter> counter{ServiceReferenceBase(registration.GetReference())};
   EXPECT_FALSE(counter);
@@ -129,7 +129,7 @@ TEST_F(Services, InterfaceWithoutIdentifierCannotBeLookedUp) {
   EXPECT_THROW(context.GetServiceReference<NoIdentifier>(), ServiceException);
 }
 
-TEST_F(Services, HolderKeepsTheObjectOfAnUnregisteredService) {
+TEST_F(Services, UserKeepsTheObjectOfAnUnregisteredService) {
   const auto object = std::make_shared<Hello>("a");
   const std::weak_ptr<Hello> life = object;
   auto registration = context.RegisterService<Greeter>(std::shared_ptr<Hello>(object));
@@ -184,7 +184,7 @@ TEST_F(Services, RegistrationThatIsEndingIsNotFoundAgain) {
   EXPECT_EQ(found(), "");
 }
 
-TEST_F(Services, ListenerHearsOfAChangeThatItsFilterMatchedBeforeOrMatchesAfter) {
+TEST_F(Services, ListenerIsCalledWhenItsFilterMatchesBeforeOrAfterAChange) {
   std::vector<ServiceEvent::Type> heard;
   context.AddServiceListener([&](const ServiceEvent& event) { heard.push_back(event.GetType()); },
                              "(p=1)");
@@ -207,11 +207,11 @@ TEST_F(Services, FiltersMatchReferencesAndBundles) {
   EXPECT_FALSE(LDAPFilter("(!(bundle.symbolic_name=" + name + "))").Match(framework));
 }
 
-TEST_F(Services, VoidIsNoInterface) {
+TEST_F(Services, VoidIsNotAnInterface) {
   EXPECT_EQ(us_service_interface_iid<void>(), "");
 }
 
-TEST_F(Services, ReferenceThatNamesNothingHasNothing) {
+TEST_F(Services, EmptyReferenceHasNoProperties) {
   const ServiceReferenceU none;
   EXPECT_TRUE(none.GetProperty("a").Empty());
   EXPECT_TRUE(none.GetPropertyKeys().empty());
@@ -220,7 +220,7 @@ TEST_F(Services, ReferenceThatNamesNothingHasNothing) {
   EXPECT_FALSE(none.IsConvertibleTo("embedded_framework::Greeter"));
 }
 
-TEST_F(Services, ReferenceThatNamesNothingIsRefused) {
+TEST_F(Services, EmptyReferenceIsRefused) {
   EXPECT_THROW(context.GetService(ServiceReference<Greeter>()), std::invalid_argument);
   EXPECT_THROW(context.GetService(ServiceReferenceU()), std::invalid_argument);
   EXPECT_THROW(context.GetServiceObjects(ServiceReference<Greeter>()), std::invalid_argument);
@@ -231,7 +231,7 @@ TEST_F(Services, ReferenceThatNamesNothingIsRefused) {
   EXPECT_TRUE(ServiceReferenceU().GetProperty("a").Empty());
 }
 
-TEST_F(Services, ObjectsAreGotOneByOne) {
+TEST_F(Services, ServiceObjectsReturnTheService) {
   auto registration = add("a");
   auto objects = context.GetServiceObjects(registration.GetReference());
   EXPECT_EQ(objects.GetService()->greet(), "a");
@@ -247,7 +247,7 @@ TEST_F(Services, ObjectsAreGotOneByOne) {
   EXPECT_EQ(maps.GetService(), nullptr);
 }
 
-TEST_F(Services, ReferencesAreKeysOfHashTables) {
+TEST_F(Services, ReferencesCanBeKeysOfHashTables) {
   auto a = add("a");
   auto b = add("b");
   const std::unordered_set<ServiceReference<Greeter>> references{a.GetReference(), b.GetReference(),

@@ -63,7 +63,7 @@ TEST_F(Threads, OneBundleIsServedByOneCallOfTheFactory) {
   EXPECT_EQ(workshop->made, 1);
 }
 
-TEST_F(Threads, ServiceThatGoesWhileItIsMadeIsGivenBack) {
+TEST_F(Threads, ServiceUnregisteredWhileItIsCreatedIsReturned) {
   auto object = getInAnotherThread(context);
   workshop->entered.get_future().wait();
   registration.Unregister();
@@ -72,7 +72,7 @@ TEST_F(Threads, ServiceThatGoesWhileItIsMadeIsGivenBack) {
   EXPECT_EQ(workshop->returned, 1);
 }
 
-TEST_F(Threads, ServiceThatGoesWhileItsMakingFailsIsNotGivenBack) {
+TEST_F(Threads, ServiceUnregisteredWhileItsCreationFailsIsNotReturned) {
   workshop->fails = true;
   auto object = getInAnotherThread(context);
   workshop->entered.get_future().wait();
@@ -82,7 +82,7 @@ TEST_F(Threads, ServiceThatGoesWhileItsMakingFailsIsNotGivenBack) {
   EXPECT_EQ(workshop->returned, 0);
 }
 
-TEST_F(Threads, WaitingThreadFindsTheServiceGone) {
+TEST_F(Threads, WaitingThreadGetsNullForAnUnregisteredService) {
   auto first = getInAnotherThread(context);
   workshop->entered.get_future().wait();
   auto second = getInAnotherThread(context);
@@ -93,7 +93,7 @@ TEST_F(Threads, WaitingThreadFindsTheServiceGone) {
   EXPECT_EQ(second.get(), nullptr);
 }
 
-TEST_F(Threads, BundleThatStopsWhileItsServiceIsMadeGetsNothing) {
+TEST_F(Threads, BundleThatStopsWhileItsServiceIsCreatedGetsNull) {
   const auto script = std::make_shared<Script>();
   auto scripts = context.RegisterService<Script>(script);
   Bundle bundle = context.InstallBundles(SCRIPTED_BUNDLE).at(0);
@@ -149,7 +149,7 @@ TEST_F(HostFramework, RegistryIsUsedFromSeveralThreadsAtOnce) {
   EXPECT_FALSE(context.GetServiceReference<Counter>());
 }
 
-TEST_F(HostFramework, LibraryThatTwoThreadsInstallIsInstalledOnce) {
+TEST_F(HostFramework, LibraryInstalledByTwoThreadsIsInstalledOnce) {
   const auto install = [this] { return context.InstallBundles(SCRIPTED_BUNDLE); };
   for (int round = 0; round < 50; ++round) {
     auto first = std::async(std::launch::async, install);

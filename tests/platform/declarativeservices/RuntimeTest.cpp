@@ -85,14 +85,14 @@ TEST_F(Runtime, ConstructorGetsNullForItsOwnService) {
                                     "service; pass the service on later")));
 }
 
-TEST_F(Runtime, ImplementationEndsBeforeItsInstance) {
+TEST_F(Runtime, ImplementationIsDestroyedBeforeItsInstance) {
   startBoth();
   EXPECT_NE(get<demo::RightB>(), nullptr);
   parts.Stop();
   EXPECT_THAT(hook->take(), ElementsAre("+ordered", "-ordered", "instance removed"));
 }
 
-TEST_F(Runtime, ObjectIsDroppedWhenItsServiceGoesMeanwhile) {
+TEST_F(Runtime, ObjectIsDroppedWhenItsReferenceGoesAwayMeanwhile) {
   startBoth();
   hook->when = "+pair";
   hook->action = [this] { registration.Unregister(); };
@@ -103,7 +103,7 @@ TEST_F(Runtime, ObjectIsDroppedWhenItsServiceGoesMeanwhile) {
                                     "it needs has just gone")));
 }
 
-TEST_F(Runtime, DependentIsNotMadeOfAServiceThatIsGone) {
+TEST_F(Runtime, DependentIsNotCreatedWithoutItsService) {
   startBoth();
   hook->when = "+first";
   hook->action = [this] { registration.Unregister(); };
@@ -111,7 +111,7 @@ TEST_F(Runtime, DependentIsNotMadeOfAServiceThatIsGone) {
   EXPECT_THAT(hook->take(), ElementsAre("+first", "-first"));
 }
 
-TEST_F(Runtime, OtherThreadsWaitForTheOneThatMakesTheObject) {
+TEST_F(Runtime, OtherThreadsWaitForTheOneThatCreatesTheObject) {
   startBoth();
   std::atomic<bool> making = false;
   hook->when = "+pair";
@@ -141,7 +141,7 @@ TEST_F(Runtime, BundleMayStopWhileItsServiceIsBeingRegistered) {
   EXPECT_EQ(parts.GetState(), Bundle::STATE_RESOLVED);
 }
 
-TEST_F(Runtime, ServiceThatGoesWhileComponentsStartIsNotBound) {
+TEST_F(Runtime, ServiceUnregisteredWhileComponentsStartIsNotBound) {
   registerHook();
   runtime = startRuntime();
   onService(ServiceEvent::SERVICE_REGISTERED, "(kind=plain)",
@@ -151,7 +151,7 @@ TEST_F(Runtime, ServiceThatGoesWhileComponentsStartIsNotBound) {
   EXPECT_FALSE(context.GetServiceReference<demo::Number>());
 }
 
-TEST_F(Runtime, ComponentIsSoundAfterAListenerThatThrew) {
+TEST_F(Runtime, ComponentWorksAfterAListenerThrew) {
   startBoth();
   onService(ServiceEvent::SERVICE_UNREGISTERING, "(objectclass=demo::First)",
             [] { throw std::runtime_error("listener is broken"); });
@@ -161,7 +161,7 @@ TEST_F(Runtime, ComponentIsSoundAfterAListenerThatThrew) {
   EXPECT_EQ(get<demo::Third>()->path(), "123");
 }
 
-TEST_F(Runtime, ThreadsMayChangeEverythingAtOnce) {
+TEST_F(Runtime, ThreadsMayChangeServicesAndBundlesConcurrently) {
   runtime = startRuntime();
   constexpr int kRounds = 300;
   std::thread services([this] {
@@ -192,7 +192,7 @@ TEST_F(Runtime, ThreadsMayChangeEverythingAtOnce) {
   EXPECT_EQ(get<demo::Third>()->path(), "123");
 }
 
-TEST_F(Runtime, ManyComingsAndGoingsLeaveNothingBehind) {
+TEST_F(Runtime, RepeatedRegistrationLeaksNothing) {
   startBoth();
   registration.Unregister();
   std::size_t early = 0;

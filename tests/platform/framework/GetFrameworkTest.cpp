@@ -25,7 +25,7 @@ TEST(GetFramework, IsNullUntilOneIsSet) {
   EXPECT_EQ(getFramework(), nullptr);
 }
 
-TEST(GetFramework, GivesTheOneThatWasSetAndSharesIt) {
+TEST(GetFramework, ReturnsAndSharesTheOneThatWasSet) {
   auto framework = makeFramework();
   setFramework(framework);
   EXPECT_EQ(getFramework(), framework);
@@ -41,7 +41,7 @@ bool isWhole(const std::shared_ptr<cppmicroservices::Framework>& found,
   return found == wanted && !found.owner_before(wanted) && !wanted.owner_before(found);
 }
 
-TEST(GetFramework, MayBeSetWhileOtherThreadsAsk) {
+TEST(GetFramework, MayBeSetWhileOtherThreadsGetIt) {
   const auto one = makeFramework();
   const auto other = makeFramework();
   setFramework(one);

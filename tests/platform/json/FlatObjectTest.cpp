@@ -23,7 +23,7 @@ std::size_t endByTokens(const std::u16string& text) {
   return lexer.end();
 }
 
-TEST(FlatObject, EndsBehindItsBrace) {
+TEST(FlatObject, EndsAfterItsBrace) {
   for (const std::u16string object :
        {u"{}", u"{ \t}", u"{\"a\":1}", u"{\"a\":-0.25,\"b\":0,\"c\":-17}", u"{\"\":\"\"}",
         u"{ \"a\" : \"b c\" , \"d\" :\ttrue }", u"{\"a\":false,\"b\":null}",
@@ -34,7 +34,7 @@ TEST(FlatObject, EndsBehindItsBrace) {
   }
 }
 
-TEST(FlatObject, LeavesTheRestToTheReader) {
+TEST(FlatObject, LeavesOtherObjectsToTheLexer) {
   for (const std::u16string object : {u"{",
                                       u"{\"a",
                                       u"{\"a\"",
@@ -72,7 +72,7 @@ TEST(FlatObject, LeavesTheRestToTheReader) {
   }
 }
 
-TEST(FlatObject, IsOneForTheReaderToo) {
+TEST(FlatObject, EndsWhereTheLexerEndsIt) {
   constexpr std::u16string_view kUnits = u"{}\"\":,:,\"a1230.-e tfn[]\\\n";
   const std::u16string pieces[] = {u"\"a\":", u"\"k\" : ", u"true", u"null",
                                    u"12",     u"-0.5",     u",",    u"}"};

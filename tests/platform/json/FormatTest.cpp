@@ -74,14 +74,14 @@ const std::vector<NumberCase> kNumbers{
     {9007199254740993.0, "9007199254740992", "9007199254740992.0"},
 };
 
-TEST(WriteNumber, AsEcmaScriptWritesIt) {
+TEST(WriteNumber, HasTheEcmaScriptFormat) {
   for (const auto& [value, ecma, canonicalText] : kNumbers) {
     EXPECT_EQ(number(value), ecma);
     EXPECT_EQ(canonical(value), canonicalText);
   }
 }
 
-TEST(WriteNumber, WhatIsNoNumberIsNull) {
+TEST(WriteNumber, NanAndInfinityAreNull) {
   EXPECT_EQ(number(std::numeric_limits<double>::quiet_NaN()), "null");
   EXPECT_EQ(number(-std::numeric_limits<double>::infinity()), "null");
   EXPECT_EQ(floatNumber(std::numeric_limits<float>::infinity()), "null");
@@ -163,7 +163,7 @@ TEST(WriteText, EscapesTheQuoteTheBackslashAndControlCharacters) {
   EXPECT_EQ(quotedUtf8(fl::i18n::ustring_to_utf8(text)), expected);
 }
 
-TEST(WriteText, IllFormedTextsGetReplacementCharacters) {
+TEST(WriteText, IllFormedTextGetsReplacementCharacters) {
   EXPECT_EQ(quotedText(std::u16string{u'a', 0xD83D, u'"', 0xDE00}),
             "\"a\xEF\xBF\xBD\\\"\xEF\xBF\xBD\"");
   EXPECT_EQ(quotedUtf8("a\xFF\x80\xC2"), "\"a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\"");
@@ -177,7 +177,7 @@ TEST(WriteText, EmptyAndLongTexts) {
   EXPECT_EQ(quotedText(text).size(), 3000U * 3 + 4);
 }
 
-TEST(WriteText, CanonicalTextsEscapeNoMoreThanJsonMust) {
+TEST(WriteText, CanonicalTextEscapesOnlyWhatJsonRequires) {
   EXPECT_EQ(written(appendCanonicalQuoted,
                     std::string_view("\"\\\b\f\n\r\t\x01\x1F\x7F\xC2\x80/\xC3\xA9")),
             "\"\\\"\\\\\\b\\f\\n\\r\\t\\u0001\\u001f\x7F\xC2\x80/\xC3\xA9\"");

@@ -18,7 +18,7 @@ constexpr std::u16string_view kText =
     u"\"\U0001F600\": {\"nothing\": null, \"false\": false, \"whole\": 18446744073709551615}}";
 
 // Every cut of the text ends at the guard: in a string, an escape, a number or a word.
-TEST(GuardedText, IsParsedWithoutReadingOutsideOfIt) {
+TEST(GuardedText, IsParsedWithinItsBounds) {
   const GuardedMemory memory(kText.size() * sizeof(char16_t));
   for (std::size_t size = 0; size <= kText.size(); ++size) {
     const std::u16string_view cut = kText.substr(0, size);
@@ -31,7 +31,7 @@ TEST(GuardedText, IsParsedWithoutReadingOutsideOfIt) {
   }
 }
 
-TEST(GuardedText, IsWrittenWithoutReadingOutsideOfIt) {
+TEST(GuardedText, IsWrittenWithinItsBounds) {
   const GuardedMemory memory(kText.size() * sizeof(char16_t));
   for (std::size_t size = 0; size <= kText.size(); ++size) {
     const std::u16string_view cut = kText.substr(0, size);

@@ -26,7 +26,7 @@ std::vector<Step> stepsOf(Lexer lexer) {
   return steps;
 }
 
-TEST(Lexer, TellsTokensAndTheirPlaces) {
+TEST(Lexer, ReportsTokensAndTheirPositions) {
   const std::vector<Step> expected{{kBeginObject, 1, 2}, {kKey, 3, 6},      {kBeginArray, 9, 10},
                                    {kNumber, 10, 13},    {kTrue, 15, 19},   {kFalse, 20, 25},
                                    {kNull, 26, 30},      {kString, 31, 35}, {kEndArray, 36, 37},
@@ -111,7 +111,7 @@ const std::vector<Failure> kFailures{
     {u"\uFEFF1", 0, "a value is missing"},
 };
 
-TEST(Lexer, SaysWhereAndWhyATextIsNoJson) {
+TEST(Lexer, ReportsWhereAndWhyATextIsNotJson) {
   for (const auto& [text, position, reason] : kFailures) {
     Lexer lexer(text);
     Token token = lexer.next();
@@ -131,7 +131,7 @@ TEST(Lexer, HexDigitsMayBeOfEitherCase) {
   EXPECT_EQ(lexer.text(), u"\u00E9\u00E9\uABCD\uABCD");
 }
 
-TEST(Lexer, BlanksOnlyTakesNoLineBreak) {
+TEST(Lexer, LineBreaksAreOptionallyRefused) {
   EXPECT_EQ(stepsOf(Lexer(u"[ \t1 \t]", 0, Space::kBlanks)).back().token, kEnd);
   EXPECT_EQ(stepsOf(Lexer(u"[\n1]", 0, Space::kBlanks)).back(), (Step{kError, 1, 1}));
   EXPECT_EQ(stepsOf(Lexer(u"[\r1]", 0, Space::kBlanks)).back().token, kError);
@@ -147,7 +147,7 @@ TEST(Lexer, NestingHasALimit) {
   }
 }
 
-TEST(Lexer, TellsHowManyContainersAreOpen) {
+TEST(Lexer, ReportsHowManyContainersAreOpen) {
   Lexer lexer(u"{\"a\":[1]}");
   std::vector<std::size_t> depths;
   while (lexer.next() != kEnd) {

@@ -84,7 +84,7 @@ TEST(ReadNumber, MinusZeroKeepsItsSignAsADouble) {
   EXPECT_FALSE(std::signbit(objectOf(u"{\"n\":0.0}").at("n").get<double>()));
 }
 
-TEST(ReadNumber, BeyondTheLargestDoubleIsNoJson) {
+TEST(ReadNumber, BeyondTheLargestDoubleIsRefused) {
   for (const std::u16string& number : std::vector<std::u16string>{
            u"1.7976931348623159e308", u"-1.7976931348623159e308", u"1e309",
            u"1e99999999999999999999", u"1" + std::u16string(309, u'0'),
@@ -94,7 +94,7 @@ TEST(ReadNumber, BeyondTheLargestDoubleIsNoJson) {
   }
 }
 
-TEST(EmbeddedObject, EndsBehindItsClosingBrace) {
+TEST(EmbeddedObject, EndsAfterItsClosingBrace) {
   const std::u16string_view text = u"x {\"a\": {\"b\": [1, {}]}} > {";
   const auto read = parseEmbeddedObject(text, 2);
   ASSERT_TRUE(read);
@@ -104,7 +104,7 @@ TEST(EmbeddedObject, EndsBehindItsClosingBrace) {
             (Object{{"a", Value(Object{{"b", Value(Array{Value(1), Value(Object())})}})}}));
 }
 
-TEST(EmbeddedObject, HoldsEveryKindOfValue) {
+TEST(EmbeddedObject, ContainsEveryKindOfValue) {
   EXPECT_EQ(objectOf(u"{\"t\":true,\"f\":false,\"n\":null,\"s\":\"x\",\"a\":[],\"o\":{}}"),
             (Object{{"t", Value(true)},
                     {"f", Value(false)},
@@ -135,7 +135,7 @@ TEST(EmbeddedObject, NestsSixtyFourLevelsDeep) {
   EXPECT_FALSE(measureEmbeddedObject(nested(65), 0).end);
 }
 
-TEST(EmbeddedObject, SaysWhatIsWrong) {
+TEST(EmbeddedObject, ReportsWhatIsWrong) {
   const ObjectExtent extent = measureEmbeddedObject(u"{\"a\":\n1}", 0);
   EXPECT_EQ(extent.end, std::nullopt);
   EXPECT_EQ(extent.failure.position, 5U);

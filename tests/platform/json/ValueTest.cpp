@@ -33,7 +33,7 @@ std::vector<Value> oneOfEach() {
           Value(std::uint64_t{1})};
 }
 
-TEST(Value, KindsStandInTheirOrder) {
+TEST(Value, KindsAreInOrder) {
   const std::vector<Value> values = oneOfEach();
   for (std::size_t index = 0; index < values.size(); ++index) {
     EXPECT_EQ(static_cast<std::size_t>(values[index].kind()), index);
@@ -83,7 +83,7 @@ TEST(Value, ReadingAStringFromAnAbsentKeyThrows) {
                   testing::StartsWith("invalid conversion: undefined to ")));
 }
 
-TEST(Value, GetIfGivesNullForAnotherKind) {
+TEST(Value, GetIfReturnsNullForAnotherKind) {
   Value value(2.5);
   EXPECT_EQ(value.getIf<float>(), nullptr);
   *value.getIf<double>() = 3.5;
@@ -164,7 +164,7 @@ TEST(ValueEquality, EveryDifferenceCounts) {
   }
 }
 
-TEST(ValueHash, IsTheSameForCopiesAndTellsValuesApart) {
+TEST(ValueHash, IsEqualForCopiesAndDiffersBetweenValues) {
   std::set<std::size_t> hashes;
   for (const Value& value : manyValues()) {
     const Value copy(value);
@@ -188,7 +188,7 @@ TEST(ValueMove, LeavesTheUndefinedKind) {
   EXPECT_TRUE(from.is<Undefined>());  // NOLINT(bugprone-use-after-move): this is the promise
 }
 
-TEST(ValueAssignment, FromItselfAndSwappedWithItselfStays) {
+TEST(ValueAssignment, FromItselfAndSwapWithItselfKeepTheValue) {
   Value value(Array{Value("a")});
   const Value expected(value);
   Value& same = value;
@@ -230,7 +230,7 @@ Value deepValue(int depth) {
   return value;
 }
 
-TEST(DeepValue, CopiesComparesHashesAndEndsWithoutRecursion) {
+TEST(DeepValue, IsCopiedComparedHashedAndDestroyedWithoutRecursion) {
   const Value original = deepValue(100'000);
   Value copy(original);
   EXPECT_TRUE(copy == original);
@@ -240,7 +240,7 @@ TEST(DeepValue, CopiesComparesHashesAndEndsWithoutRecursion) {
 }
 
 // A chain in which each level holds one thing only, and one whose first child is the deep one.
-TEST(DeepValue, ChainsOfEveryShapeEnd) {
+TEST(DeepValue, ChainsOfEveryShapeAreDestroyedWithoutRecursion) {
   for (const std::size_t extra : {0U, 1U, 3U}) {
     for (const bool first : {false, true}) {
       Value value(1);
@@ -257,7 +257,7 @@ TEST(DeepValue, ChainsOfEveryShapeEnd) {
   }
 }
 
-TEST(DeepValue, EndsWithoutAllocating) {
+TEST(DeepValue, IsDestroyedWithoutAllocating) {
   std::size_t before = 0;
   {
     const Value value = deepValue(1000);

@@ -45,19 +45,19 @@ std::string sample(Form form) {
   return output;
 }
 
-TEST(Writer, CompactHasNoBlanks) {
+TEST(Writer, CompactHasNoSpaces) {
   EXPECT_EQ(sample(Form::kCompact),
             "{\"list\":[-1,1,1,0.5,true,false,null],\"k\\u007f\":\"\xC3\xA9\",\"empty\":[],"
             "\"none\":{},\"value\":{\"a\":\"\\u007f\",\"b\":[2]}}");
 }
 
-TEST(Writer, CanonicalSpellsDoublesAndTextsItsOwnWay) {
+TEST(Writer, CanonicalHasItsOwnFormatOfDoublesAndTexts) {
   EXPECT_EQ(sample(Form::kCanonical),
             "{\"list\":[-1,1,1.0,0.5,true,false,null],\"k\x7F\":\"\xC3\xA9\",\"empty\":[],"
             "\"none\":{},\"value\":{\"a\":\"\x7F\",\"b\":[2]}}");
 }
 
-TEST(Writer, IndentedHasTwoBlanksALevel) {
+TEST(Writer, IndentedHasTwoSpacesPerLevel) {
   EXPECT_EQ(sample(Form::kIndented), R"({
   "list": [
     -1,
@@ -80,7 +80,7 @@ TEST(Writer, IndentedHasTwoBlanksALevel) {
 })");
 }
 
-TEST(Writer, TextThatIsReadyStandsLikeAnyValue) {
+TEST(Writer, RawTextIsWrittenLikeAnyValue) {
   std::string output;
   Writer writer(output, Form::kIndented);
   writer.beginArray();
@@ -103,7 +103,7 @@ TEST(Writer, ValuesAtTheTopFollowOneAnother) {
   EXPECT_EQ(output, "1\n{}\n{\"a\":1}");
 }
 
-TEST(Writer, TheCallerMayEmptyTheStringBetweenPieces) {
+TEST(Writer, TheCallerMayClearTheStringBetweenValues) {
   std::string output;
   Writer writer(output, Form::kCompact);
   writer.beginArray();
@@ -114,7 +114,7 @@ TEST(Writer, TheCallerMayEmptyTheStringBetweenPieces) {
   EXPECT_EQ(output, ",null]");
 }
 
-TEST(Writer, CanonicalObjectHasNoBlanksAndAscendingKeys) {
+TEST(Writer, CanonicalObjectHasNoSpacesAndAscendingKeys) {
   const Value object(Object{{"b", Value(1.0)},
                             {"a", Value("\x7F")},
                             {"B", Value(Array{Value(1), Value(2U), Value(true), Value(Null())})},

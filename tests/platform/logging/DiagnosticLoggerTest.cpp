@@ -67,14 +67,14 @@ TEST(DiagnosticLoggerMask, BelongsToOneSharedLogger) {
   EXPECT_EQ(&getLogger(), &getLogger());
 }
 
-TEST_F(DiagnosticLogger, GivesTheMessageAtSeverityEight) {
+TEST_F(DiagnosticLogger, EmitsTheMessageAtSeverityEight) {
   trace("Checking if parse as task");
   EXPECT_THAT(messages, ElementsAre("Checking if parse as task"));
   EXPECT_THAT(severities, ElementsAre(8u));
   EXPECT_EQ(locksTaken(), 1u);
 }
 
-TEST_F(DiagnosticLogger, GivesAnEmptyMessageToo) {
+TEST_F(DiagnosticLogger, EmitsAnEmptyMessageToo) {
   trace("");
   EXPECT_THAT(messages, ElementsAre(""));
 }
@@ -214,7 +214,7 @@ TEST_F(DiagnosticLogger, AThrowWhileFormattingDuringUnwindingDropsThatRecordOnly
   EXPECT_THAT(messages, ElementsAre("after inner"));
 }
 
-TEST_F(DiagnosticLogger, AFormatterMayEmitARecordOfItsOwn) {
+TEST_F(DiagnosticLogger, AFormatterMayEmitAnotherRecord) {
   traceWith([](std::ostream& out) {
     trace("inner");
     out << "outer";
@@ -222,7 +222,7 @@ TEST_F(DiagnosticLogger, AFormatterMayEmitARecordOfItsOwn) {
   EXPECT_THAT(messages, ElementsAre("inner", "outer"));
 }
 
-TEST_F(DiagnosticLogger, ALoggerThatEndsLeavesTheSinksOfOthers) {
+TEST_F(DiagnosticLogger, DestroyingALoggerKeepsTheSinksOfOthers) {
   { foundation::log::basic_diagnostic_logger<char> shortLived; }
   trace("still there");
   EXPECT_THAT(messages, ElementsAre("still there"));

@@ -31,7 +31,7 @@ class SinkRegistrationTest : public testing::Test {
   }
 };
 
-TEST_F(SinkRegistrationTest, EndsTheDeliveryWithItsLife) {
+TEST_F(SinkRegistrationTest, EndsTheDeliveryWhenItIsDestroyed) {
   std::vector<std::string> messages;
   {
     const SinkRegistration sink = collectInto(messages);
@@ -49,7 +49,7 @@ TEST_F(SinkRegistrationTest, MovesWithItsReceiver) {
   EXPECT_THAT(messages, ElementsAre("once"));
 }
 
-TEST_F(SinkRegistrationTest, AssigningGivesUpTheReceiverHeld) {
+TEST_F(SinkRegistrationTest, AssigningReleasesTheEarlierReceiver) {
   std::vector<std::string> old;
   std::vector<std::string> fresh;
   SinkRegistration sink = collectInto(old);
@@ -78,13 +78,13 @@ TEST_F(SinkRegistrationTest, EveryReceiverGetsEveryRecord) {
   EXPECT_THAT(right, ElementsAre("both"));
 }
 
-TEST_F(SinkRegistrationTest, WhatAReceiverThrowsReachesTheEmitter) {
+TEST_F(SinkRegistrationTest, ExceptionsOfAReceiverReachTheEmitter) {
   const SinkRegistration sink =
       addSink([](std::uint32_t, std::string_view) { throw std::runtime_error("full"); });
   EXPECT_THROW(trace("any"), std::runtime_error);
 }
 
-TEST_F(SinkRegistrationTest, AReceiverMayGiveUpItsOwnRegistration) {
+TEST_F(SinkRegistrationTest, AReceiverMayEndItsOwnRegistration) {
   int calls = 0;
   SinkRegistration sink;
   sink = addSink([&](std::uint32_t, std::string_view) {
@@ -96,7 +96,7 @@ TEST_F(SinkRegistrationTest, AReceiverMayGiveUpItsOwnRegistration) {
   EXPECT_EQ(calls, 1);
 }
 
-TEST_F(SinkRegistrationTest, ARecordOnItsWayIsNotDeliveredAfterTheRegistrationEnds) {
+TEST_F(SinkRegistrationTest, ARecordInDeliveryIsNotDeliveredAfterTheRegistrationEnds) {
   int calls = 0;
   SinkRegistration later;
   const SinkRegistration first = addSink([&](std::uint32_t, std::string_view) { later = {}; });
@@ -112,7 +112,7 @@ TEST_F(SinkRegistrationTest, RecordsWithoutASeverityAreNotDelivered) {
   EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(SinkRegistrationTest, NothingIsHeldBackUntilAFlush) {
+TEST_F(SinkRegistrationTest, RecordsAreDeliveredWithoutAFlush) {
   std::vector<std::string> messages;
   const SinkRegistration sink = collectInto(messages);
   trace("at once");

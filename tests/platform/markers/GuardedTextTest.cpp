@@ -17,7 +17,7 @@ constexpr std::u16string_view kText =
     u"// <@appendix> -- <@text:anchor#here> %<";
 
 // Every cut of the text, at both ends, meets the guard in each part of a marker.
-TEST(GuardedText, IsScannedWithoutReadingOutsideOfIt) {
+TEST(GuardedText, IsScannedWithinItsBounds) {
   const GuardedMemory memory(kText.size() * sizeof(char16_t));
   for (std::size_t size = 0; size <= kText.size(); ++size) {
     for (const auto cut : {kText.substr(0, size), kText.substr(kText.size() - size)}) {

@@ -131,7 +131,7 @@ TEST(MarkerText, AnyOtherTextGivesTheEmptyMarker) {
   }
 }
 
-TEST(Marker, ReadersGiveItsParts) {
+TEST(Marker, AccessorsReturnItsParts) {
   const Marker marker(u"# <@text:anchor#\"an id\" [1,2] {\"k\":\"v\"}>");
   EXPECT_EQ(marker.getElement(), u"text");
   EXPECT_EQ(marker.getType(), u"anchor");
@@ -186,7 +186,7 @@ TEST(Marker, CopiesShareTheirParts) {
   EXPECT_EQ(&copy.dataView(), &original.dataView());
 }
 
-TEST(Marker, SurvivesAssignmentToItselfAndMoves) {
+TEST(Marker, SurvivesSelfAssignmentAndMoves) {
   Marker marker(u"# <@task#t1>");
   Marker& same = marker;
   marker = same;
@@ -217,7 +217,7 @@ TEST(Marker, CopiesMayBeUsedOnSeveralThreads) {
   }
 }
 
-TEST(Marker, DataMayBeAskedForOnSeveralThreadsAtOnce) {
+TEST(Marker, DataMayBeReadOnSeveralThreadsAtOnce) {
   for (int round = 0; round < 200; ++round) {
     const Marker shared(u"# <@task#t1 {\"k\":[1,2,3],\"l\":\"v\"}>");
     std::atomic<int> ready = 0;

@@ -221,7 +221,7 @@ TEST(Scan, DataNestsSixtyFourLevelsDeep) {
   EXPECT_EQ(get_markers_from_snippet(nested(65), false).size(), 0U);
 }
 
-TEST(Scan, AMarkerLiesOnOneLine) {
+TEST(Scan, AMarkerDoesNotSpanLines) {
   expectScans({
       {u"# <@task\n>", ""},
       {u"# <@task\r>", ""},
@@ -231,7 +231,7 @@ TEST(Scan, AMarkerLiesOnOneLine) {
   });
 }
 
-TEST(Scan, AnyNumberOfMarkersStandOnALine) {
+TEST(Scan, ALineMayContainSeveralMarkers) {
   expectScans({
       {u"#<@task>#<@task>;;<@text>//<@output>!",
        "0+8 %<@task> | 8+8 %<@task> | 16+9 %<@text> | 25+11 %<@output>"},
@@ -239,14 +239,14 @@ TEST(Scan, AnyNumberOfMarkersStandOnALine) {
   });
 }
 
-TEST(Scan, OfMarkersThatWouldOverlapTheFirstOneCounts) {
+TEST(Scan, OfOverlappingMarkersTheFirstOneCounts) {
   expectScans({
       {u"# <@task {\"a\":\"# <@text>\"}>", "0+27 %<@task {\"a\":\"# <@text>\"}>"},
       {u"# <@task#\"# <@text>\">", "0+21 %<@task#\"# <@text>\">"},
   });
 }
 
-TEST(Scan, WhatFailedIsSearchedAgainFromBehindItsOpening) {
+TEST(Scan, AFailedMarkerIsRescannedAfterItsOpening) {
   expectScans({
       {u"# <@task {\"a\":\"# <@text>\"", "15+9 %<@text>"},
       {u"# <@task# <@text>", "8+9 %<@text>"},
@@ -261,7 +261,7 @@ TEST(Scan, StringLiteralsOfALanguageAreNotLexed) {
   expectScans({{u"print(\"# <@task>\")", "7+9 %<@task>"}});
 }
 
-TEST(Scan, CutTextIsNoMarker) {
+TEST(Scan, ATruncatedMarkerIsNotFound) {
   const ustring whole = u"## <@task:type#\"i\\u0041\" [1,2] {\"a\":[1.5e3,true]}>";
   EXPECT_EQ(get_markers_from_snippet(whole, false).size(), 1U);
   for (std::size_t length = 0; length < whole.size(); ++length) {
@@ -269,7 +269,7 @@ TEST(Scan, CutTextIsNoMarker) {
   }
 }
 
-TEST(Scan, LoneSurrogatesDoNoHarm) {
+TEST(Scan, UnpairedSurrogatesAreAllowed) {
   const ustring lone{0xD800};
   EXPECT_EQ(scan(lone + u"# <@task#" + lone + u">" + lone), "1+11 %<@task#\xEF\xBF\xBD>");
   EXPECT_EQ(scan(lone + u"<@" + lone), "");
@@ -281,7 +281,7 @@ TEST(ScanOfAnyElement, ReportsUnknownElementsToo) {
   EXPECT_EQ(scan(u"# <@widget:w#1> # <@task> # <@Task>"), "16+9 %<@task>");
 }
 
-TEST(ScanOfAnyElement, TheAppendixLineIsNoMarker) {
+TEST(ScanOfAnyElement, TheAppendixLineIsNotAMarker) {
   EXPECT_EQ(scanAny(u"# <@appendix>"), "");
   EXPECT_EQ(scanAny(u"# <@appendix#a>"), "");
   EXPECT_EQ(scanAny(u"# <@appendixes>"), "0+15 %<@appendixes>");
@@ -334,7 +334,7 @@ TEST(HasFeature, AsksForTheElement) {
   }
 }
 
-TEST(KnownElement, IsToldByTheWholeName) {
+TEST(KnownElement, IsFoundByItsWholeName) {
   EXPECT_EQ(findKnownElement(u"control"), KnownElement::kControl);
   EXPECT_EQ(findKnownElement(u"output"), KnownElement::kOutput);
   EXPECT_EQ(findKnownElement(u"task"), KnownElement::kTask);
@@ -346,7 +346,7 @@ TEST(KnownElement, IsToldByTheWholeName) {
   }
 }
 
-TEST(AppendixLine, HoldsALeaderAndItsMarkOnly) {
+TEST(AppendixLine, ContainsOnlyALeaderAndItsMark) {
   for (const ustring line : {u"# <@appendix>", u"#<@appendix>", u"///\t <@appendix> \t",
                              u"%%%<@appendix>", u"--<@appendix>", u";; <@appendix>"}) {
     EXPECT_TRUE(isAppendixLine(line)) << ustring_to_utf8(line);
@@ -382,7 +382,7 @@ const std::vector<DamageCase> kDamages{
     {u"# <@task {\"a\" 1}>", 0, 14, "a ':' is missing"},
 };
 
-TEST(DamagedMarkers, ArePointedAt) {
+TEST(DamagedMarkers, AreReportedWithPositionAndReason) {
   for (const auto& [text, position, problem, reason] : kDamages) {
     const auto damaged = findDamagedMarkers(text);
     ASSERT_EQ(damaged.size(), 1U) << ustring_to_utf8(text);

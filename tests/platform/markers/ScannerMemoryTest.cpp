@@ -17,7 +17,7 @@ const ustring kMarked =
     u"text\"]}> "
     u"// <@text:anchor#\"another one, quoted\"> ## <@output>";
 
-TEST(ScannerMemory, ATextWithoutAMarkerNeedsNone) {
+TEST(ScannerMemory, ATextWithoutAMarkerDoesNotAllocate) {
   const ustring damaged =
       u"a long line without markers # <@task {\"a\":[1,2,{\"b\":\"c\"}] # <@widget> <@task> // "
       u"<@text#\"";
@@ -28,7 +28,7 @@ TEST(ScannerMemory, ATextWithoutAMarkerNeedsNone) {
   EXPECT_EQ(allocationCount(), before);
 }
 
-TEST(ScannerMemory, AskingForAFeatureNeedsNone) {
+TEST(ScannerMemory, HasFeatureDoesNotAllocate) {
   const ustring output = u"output";
   const std::size_t before = allocationCount();
   EXPECT_TRUE(has_feature(kMarked, output));
@@ -45,7 +45,7 @@ TEST(ScannerMemory, BareMarkersShareTheirParts) {
             first.elementView().data());
 }
 
-TEST(ScannerMemory, CopyingAMarkerNeedsNone) {
+TEST(ScannerMemory, CopyingAMarkerDoesNotAllocate) {
   const auto markers = get_markers_from_snippet(kMarked, false);
   const std::size_t before = allocationCount();
   const Marker copy =
@@ -73,7 +73,7 @@ TEST(ScannerMemory, FailingAllocationsOnlyThrowBadAlloc) {
   EXPECT_TRUE(target == markers[0].marker);
 }
 
-TEST(ScannerMemory, AMarkerIsOneBlockUntilItsDataIsAskedFor) {
+TEST(ScannerMemory, AMarkerIsOneAllocationUntilItsDataIsRead) {
   const ustring text = u"# <@task#a-rather-long-identifier {\"a key of some length\":[1,2]}>";
   const std::size_t before = allocationCount();
   const Marker marker(text);

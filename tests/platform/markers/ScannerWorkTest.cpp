@@ -97,25 +97,25 @@ void expectLinear(const Operation& operation) {
   }
 }
 
-TEST(ScannerWork, GrowsWithTheTextOnly) {
+TEST(ScannerWork, IsLinear) {
   expectLinear([](const ustring& text) { get_markers_from_snippet(text, false); });
 }
 
-TEST(ScannerWork, OfAnyElementGrowsWithTheTextOnly) {
+TEST(ScannerWork, OfAnyElementIsLinear) {
   expectLinear([](const ustring& text) { get_markers_from_snippet(text, true); });
 }
 
-TEST(ScannerWork, OfDamagedMarkersGrowsWithTheTextOnly) {
+TEST(ScannerWork, OfDamagedMarkersIsLinear) {
   expectLinear([](const ustring& text) { findDamagedMarkers(text); });
 }
 
-TEST(ScannerWork, AskingForAFeatureStopsAtTheFirstHit) {
+TEST(ScannerWork, HasFeatureStopsAtTheFirstMatch) {
   const ustring text = u"# <@task>" + repeated(u"# <@text>", kMebi);
   EXPECT_LT(workOf([](const ustring& held) { EXPECT_TRUE(has_feature(held, u"task")); }, text),
             1000U);
 }
 
-TEST(ScannerWork, OfAMarkerFromTextGrowsWithTheTextOnly) {
+TEST(ScannerWork, OfAMarkerFromTextIsLinear) {
   expectLinear([](const ustring& text) { Marker marker(text); });
 }
 

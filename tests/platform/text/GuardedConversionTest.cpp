@@ -18,7 +18,7 @@ using quenlith::test::GuardedMemory;
 
 constexpr std::size_t kMostUnits = 4096;
 
-TEST(GuardedConversion, ReadsAndWritesNothingOutsideOfTheText) {
+TEST(GuardedConversion, StaysWithinTheBounds) {
   const std::uint64_t seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937_64 random(seed);

@@ -27,7 +27,7 @@ bool contains(std::u16string_view text) {
   return containsAny<UnitRange(0, 0x1F), u'"', UnitRange(0x7F, 0x9F), u'\xFFFF'>(text);
 }
 
-TEST(FindAny, EveryUnitIsJudged) {
+TEST(FindAny, MatchesExactlyTheWantedUnits) {
   for (const std::size_t size : {1, 8, 15, 16, 40}) {
     std::u16string text(size, u'x');
     for (unsigned code = 0; code <= 0xFFFF; ++code) {
@@ -97,7 +97,7 @@ void searchAll(std::u16string_view text) {
   ASSERT_FALSE(contains(text));
 }
 
-TEST(Search, ReadsNothingOutsideOfTheText) {
+TEST(Search, StaysWithinTheBounds) {
   const GuardedMemory memory(kMostUnits * sizeof(char16_t));
   for (std::size_t size = 0; size < kMostUnits; ++size) {
     // Each position is a candidate for the pair, so its neighbour is read too.

@@ -95,7 +95,7 @@ TEST(Ustring, CharactersAcrossTheCutOfALongTextStayWhole) {
   }
 }
 
-TEST(Ustring, IllFormedPartsAcrossTheCutStayTheSame) {
+TEST(Ustring, IllFormedSequencesAcrossTheCutAgreeWithIcu) {
   for (const std::string damage :
        {"\x80\x80\x80\x80\x80", "\xF0\x9F\x98\x41", "\xE2\x82\xE2\x82\xAC",
         // Valid sequences that stray continuation bytes follow.
@@ -107,7 +107,7 @@ TEST(Ustring, IllFormedPartsAcrossTheCutStayTheSame) {
   }
 }
 
-TEST(Ustring, RandomTextsConvertAsByIcu) {
+TEST(Ustring, RandomTextsAgreeWithIcu) {
   const std::uint64_t seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937_64 random(seed);
@@ -122,7 +122,7 @@ TEST(Ustring, RandomTextsConvertAsByIcu) {
   }
 }
 
-TEST(Ustring, EveryWellFormedTextComesBack) {
+TEST(Ustring, EveryScalarValueRoundTrips) {
   for (char32_t code = 0; code <= 0x10FFFF; ++code) {
     if (code < 0xD800 || code > 0xDFFF) {
       std::string bytes;

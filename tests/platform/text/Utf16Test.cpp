@@ -33,7 +33,7 @@ TEST(ConvertUtf16, KeepsPairsTogether) {
   }
 }
 
-TEST(AppendUtf8, KeepsWhatIsThere) {
+TEST(AppendUtf8, AppendsToTheText) {
   std::string output = "x = ";
   appendUtf8(output, u"\u00E9");
   appendUtf8(output, u"");

@@ -27,7 +27,7 @@ Converted convert(std::string_view bytes) {
   return {conversion, buffer.substr(0, conversion.length), buffer.back() == kGuard};
 }
 
-TEST(ConvertUtf8, TellsTheFirstIllFormedSequence) {
+TEST(ConvertUtf8, ReportsTheFirstIllFormedSequence) {
   EXPECT_EQ(convert("fine \xE2\x82\xAC").conversion.firstInvalid, std::nullopt);
   EXPECT_EQ(convert("").conversion.firstInvalid, std::nullopt);
   EXPECT_EQ(convert("\xFF").conversion.firstInvalid, 0U);

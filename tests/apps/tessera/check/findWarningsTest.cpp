@@ -56,7 +56,7 @@ class FindWarnings : public testing::Test {
   ParsedFile file;
 };
 
-TEST_F(FindWarnings, AFailureStandsWhereItsMarkerBegins) {
+TEST_F(FindWarnings, AFailureIsReportedAtTheStartOfItsMarker) {
   addLine(u"", {});
   addLine(u"ä🏆 # <@task#a>", {makeFailure(u"overlapping_task_marker", u"task", u"a")});
   addLine(u"# <@task#b> # <@output#b>", {makeFailure(u"invalid_position_data", u"output", u"b"),
@@ -70,7 +70,7 @@ TEST_F(FindWarnings, AFailureStandsWhereItsMarkerBegins) {
           "marker"));
 }
 
-TEST_F(FindWarnings, TheNthFailureIsAboutTheNthMarkerOfItsId) {
+TEST_F(FindWarnings, TheNthFailureRefersToTheNthMarkerWithItsId) {
   ParserFailure second = makeFailure(u"invalid_position_data", u"output", u"a");
   second.setFailureData({{"position", foundation::json::Value(2.0)}});
   ParserFailure third = second;
@@ -84,12 +84,12 @@ TEST_F(FindWarnings, TheNthFailureIsAboutTheNthMarkerOfItsId) {
   EXPECT_EQ(warnings[2].place.column, 15u);
 }
 
-TEST_F(FindWarnings, AFailureOfAnotherBundleStandsAtTheStartOfItsLine) {
+TEST_F(FindWarnings, AFailureOfAnotherBundleIsReportedAtTheStartOfItsLine) {
   addLine(u"  x", {makeFailure(u"other\n", u"thing", u"")});
   EXPECT_THAT(describe(), ElementsAre("1:1 the thing marker: other\\n"));
 }
 
-TEST_F(FindWarnings, FailuresOfNodesWithinALineCountToo) {
+TEST_F(FindWarnings, FailuresOfNestedNodesAreReported) {
   addLine(u"x", {});
   auto text = nodes::makeText(file.snippet.document->getModel(), u"x");
   text->getParserFailuresMutable().add(makeFailure(u"deep", u"f", u"m"));
@@ -97,7 +97,7 @@ TEST_F(FindWarnings, FailuresOfNodesWithinALineCountToo) {
   EXPECT_THAT(describe(), ElementsAre("1:1 the f marker \"m\": deep"));
 }
 
-TEST_F(FindWarnings, WarningsOfTheAppendixComeInOrderWithTheOthers) {
+TEST_F(FindWarnings, AppendixWarningsAreSortedAmongTheOthers) {
   addLine(u"# <@task#a>", {makeFailure(u"missing_task_marker_pair", u"task", u"a")});
   file.appendix.warnings = {{{4, 1}, "damaged"}};
   file.appendix.entries = {{quenlith::syntax::Marker(u"# <@task#z>"), {3, 1}},

@@ -18,14 +18,14 @@ TEST(TerminalText, EveryControlCharacterIsEscaped) {
             "\\u007f\\u0080\\u009b\\u009f\xC2\xA0");
 }
 
-TEST(TerminalText, CharactersThatTurnTextAroundAreEscaped) {
+TEST(TerminalText, DirectionControlsAndLineSeparatorsAreEscaped) {
   EXPECT_EQ(terminalText("a\xE2\x80\xAE"
                          "b\xE2\x81\xA6"),
             "a\\u202eb\\u2066");
   EXPECT_EQ(terminalText("\xD8\x9C\xE2\x80\x8E\xE2\x80\xA8"), "\\u061c\\u200e\\u2028");
 }
 
-TEST(TerminalText, OtherTextStandsAsItIs) {
+TEST(TerminalText, OtherTextIsUnchanged) {
   EXPECT_EQ(terminalText("x = \"ä\\\" 你 🏆"), "x = \"ä\\\" 你 🏆");
   EXPECT_FALSE(isControl(u' '));
   EXPECT_FALSE(isControl(u'~'));
@@ -33,14 +33,14 @@ TEST(TerminalText, OtherTextStandsAsItIs) {
   EXPECT_FALSE(isControl(u'\u202F'));
 }
 
-TEST(TerminalText, WhatIsNoUtf8BecomesAReplacementCharacter) {
+TEST(TerminalText, InvalidUtf8BecomesAReplacementCharacter) {
   EXPECT_EQ(terminalText("a\xFF"
                          "b"),
             "a\xEF\xBF\xBD"
             "b");
 }
 
-TEST(TerminalText, QuotedTextShowsWhereItEnds) {
+TEST(TerminalText, QuotedTextIsQuotedAndEscaped) {
   EXPECT_EQ(quotedText(u""), "\"\"");
   EXPECT_EQ(quotedText(u"a\"b\\c\n"), "\"a\\\"b\\\\c\\n\"");
   EXPECT_EQ(quotedText(std::u16string(1, 0xD800)), "\"\xEF\xBF\xBD\"");

@@ -16,7 +16,7 @@ std::vector<std::string> readAll(const std::string& name) {
   return result;
 }
 
-TEST(ByteLines, AreWhatStandsBetweenTheEndings) {
+TEST(ByteLines, AreSplitAtLineFeeds) {
   const TemporaryFolder folder;
   using Lines = std::vector<std::string>;
   EXPECT_EQ(readAll(folder.write("f", "")), Lines{});
@@ -26,7 +26,7 @@ TEST(ByteLines, AreWhatStandsBetweenTheEndings) {
             (Lines{"xy", "\xEF\xBB\xBF"}));
 }
 
-TEST(ByteLines, MayBeLongerThanWhatIsReadAtOnce) {
+TEST(ByteLines, MayBeLongerThanOneRead) {
   const TemporaryFolder folder;
   std::vector<std::string> lines;
   std::string bytes;
@@ -37,7 +37,7 @@ TEST(ByteLines, MayBeLongerThanWhatIsReadAtOnce) {
   EXPECT_EQ(readAll(folder.write("f", bytes)), lines);
 }
 
-TEST(ByteLines, TellWhetherTheNextOneIsHere) {
+TEST(ByteLines, ReportWhetherTheNextLineIsBuffered) {
   const TemporaryFolder folder;
   tessera::files::ByteLines lines(folder.write("f", "a\nb\nc"));
   EXPECT_FALSE(lines.isNextHere());

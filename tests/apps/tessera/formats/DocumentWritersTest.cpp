@@ -66,7 +66,7 @@ TEST_F(DocumentWriters, FilesFollowOneAnother) {
   EXPECT_EQ(output.text(), one + one);
 }
 
-TEST_F(DocumentWriters, EveryKeyOfEveryNodeStandsInItsPlace) {
+TEST_F(DocumentWriters, EveryKeyOfEveryNodeIsWrittenInOrder) {
   auto line = nodes::makeLine(model());
   line->setAnchorId(u"anchor");
   line->getChildrenMutable().add(nodes::makeText(model(), u"x"));
@@ -204,7 +204,7 @@ TEST_F(DocumentWriters, PlainLinesAreWrittenLikeAnyOther) {
   EXPECT_EQ(written.substr(written.find("\"nodes\""), nodes.size() + 1), nodes + "]");
 }
 
-TEST_F(DocumentWriters, LinesAlikeHaveNumbersThatCountOn) {
+TEST_F(DocumentWriters, SimilarLinesHaveConsecutiveNumbers) {
   parsers[0].name = "nodes 7";
   tessera::session::LineOutcome outcome;
   outcome.log = {"nodes", "\"nodes\":[8]"};
@@ -230,7 +230,7 @@ TEST_F(DocumentWriters, LinesAlikeHaveNumbersThatCountOn) {
   EXPECT_EQ(written.substr(written.find("\"lines\"")), lines + "]}\n");
 }
 
-TEST_F(DocumentWriters, LinesAlikeThatAddTwoNodesEachHaveTheirOwnIndices) {
+TEST_F(DocumentWriters, SimilarLinesThatAddTwoNodesHaveTheirOwnIndices) {
   std::string lines = "\"lines\":[";
   for (int number = 1; number <= 12; ++number) {
     tessera::session::LineOutcome outcome;
@@ -248,7 +248,7 @@ TEST_F(DocumentWriters, LinesAlikeThatAddTwoNodesEachHaveTheirOwnIndices) {
   EXPECT_EQ(written.substr(written.find("\"lines\"")), lines + "]}\n");
 }
 
-TEST_F(DocumentWriters, IndentedLinesAlikeAreWrittenLikeAnyOther) {
+TEST_F(DocumentWriters, IndentedSimilarLinesAreWrittenLikeAnyOther) {
   std::string lines = "  \"lines\": [\n";
   for (int number = 1; number <= 101; ++number) {
     addLine(nodes::makeLine(model()));
@@ -302,7 +302,7 @@ TEST_F(DocumentWriters, NodesMayNestVeryDeep) {
   EXPECT_LT(folder.read("out").size() - (written.size() - end.size()) + tail.size(), kDepth * 100u);
 }
 
-TEST_F(DocumentWriters, TheTextOfALineShowsOnItsOwnRowWhenItHasMore) {
+TEST_F(DocumentWriters, ATextNodeWithAnAnchorHasItsOwnRow) {
   auto line = nodes::makeLine(model());
   auto text = nodes::makeText(model(), u"x");
   text->setAnchorId(u"here");

@@ -62,12 +62,12 @@ TEST(CommandReader, ReadsASnippetInAnyOrderOfKeys) {
   EXPECT_FALSE(canParse.snippet.auxiliaryText);
 }
 
-TEST(CommandReader, ReadsAnUnpairedSurrogateAsThatUnit) {
+TEST(CommandReader, ReadsAnUnpairedSurrogateAsOneUnit) {
   const Command line = read(uR"({"op":"addLine","text":"a\ud800b\udc00\ud83c\udfc6"})");
   EXPECT_EQ(line.text, (std::u16string{u'a', 0xD800, u'b', 0xDC00, 0xD83C, 0xDFC6}));
 }
 
-TEST(CommandReader, SaysWhereAndWhyALineIsNoCommand) {
+TEST(CommandReader, ReportsWhereAndWhyALineIsNotACommand) {
   struct Case {
     std::u16string_view text;
     std::string error;
@@ -111,7 +111,7 @@ TEST(CommandReader, SaysWhereAndWhyALineIsNoCommand) {
   }
 }
 
-TEST(CommandReader, SaysWhereAndWhyALineIsNotJson) {
+TEST(CommandReader, ReportsWhereAndWhyALineIsNotJson) {
   struct Case {
     std::u16string_view text;
     std::string error;

@@ -81,7 +81,7 @@ TEST_F(Replay, AnswersResetWithTheRecords) {
   EXPECT_EQ(parser->resets, 1);
 }
 
-TEST_F(Replay, AnswersACallThatThrowsWithItsTextAndGoesOn) {
+TEST_F(Replay, AnswersACallThatThrowsWithItsMessageAndContinues) {
   parser->parses = [](auto&, const Snippet&) -> ParseResult {
     trace("before");
     throw std::runtime_error("broken \"here\"");

@@ -39,7 +39,7 @@ TEST(LineTable, IsEmptyAtFirst) {
   EXPECT_TRUE(readBack(LineTable()).empty());
 }
 
-TEST(LineTable, GivesEveryLineBackWithItsNodes) {
+TEST(LineTable, ReturnsEveryLineWithItsNodes) {
   LineTable table;
   std::vector<Seen> expected;
   std::uint64_t nodes = 0;
@@ -54,7 +54,7 @@ TEST(LineTable, GivesEveryLineBackWithItsNodes) {
   EXPECT_EQ(readBack(table), expected);
 }
 
-TEST(LineTable, NodesThatTheLineBeforeLeftOutStayLeftOut) {
+TEST(LineTable, KeepsGapsBetweenTheNodesOfLines) {
   LineTable table;
   table.add(outcome(0, 0, 1));
   // Someone else added the node with the index 1.
@@ -62,7 +62,7 @@ TEST(LineTable, NodesThatTheLineBeforeLeftOutStayLeftOut) {
   EXPECT_EQ(readBack(table), (std::vector<Seen>{{1, 0, 0, 1}, {2, 2, 0, 1}}));
 }
 
-TEST(LineTable, LinesThatDifferInOnePartAreKeptApart) {
+TEST(LineTable, KeepsLinesThatDifferInOneFieldSeparate) {
   LineOutcome outcomes[6];
   outcomes[1].result.type.kind = 3;
   outcomes[2].result.type.group = 1;

@@ -38,7 +38,7 @@ class SnippetSessionTest : public testing::Test {
   std::shared_ptr<FakeParser> last = std::make_shared<FakeParser>();
 };
 
-TEST_F(SnippetSessionTest, TheFirstParserThatSaysYesTakesTheLine) {
+TEST_F(SnippetSessionTest, TheFirstParserThatAcceptsParsesTheLine) {
   first->accepts = [](const Snippet& snippet) { return snippet.text == u"b"; };
   const ParsedSnippet parsed = makeSession().parse({u"a\nb\nc", true});
   ASSERT_EQ(first->parsed.size(), 1u);
@@ -54,7 +54,7 @@ TEST_F(SnippetSessionTest, TheFirstParserThatSaysYesTakesTheLine) {
   }
 }
 
-TEST_F(SnippetSessionTest, TheTypeOfAResultIsHandedBackWithTheNextLine) {
+TEST_F(SnippetSessionTest, TheTypeOfAResultIsPassedWithTheNextLine) {
   std::uint8_t kind = 0;
   first->parses = [&](auto&, const Snippet&) {
     ParseResult result;
@@ -112,7 +112,7 @@ TEST_F(SnippetSessionTest, ASnippetWithoutLinesHasAnEmptyDocument) {
   EXPECT_EQ(first->resets, 1);
 }
 
-TEST_F(SnippetSessionTest, NodesThatALineAddedAreItsOwn) {
+TEST_F(SnippetSessionTest, EachLineHasTheNodesThatItAdded) {
   first->parses = [](auto& document, const Snippet& snippet) {
     for (const char16_t unit : snippet.text) {
       if (unit == u'n') addNode(document);
@@ -145,7 +145,7 @@ TEST_F(SnippetSessionTest, AParserThatThrowsEndsTheSnippet) {
   EXPECT_EQ(first->resets, 2);
 }
 
-TEST_F(SnippetSessionTest, WhatIsThrownMayBeOfAnyKindAndComeFromAnyCall) {
+TEST_F(SnippetSessionTest, ExceptionsOfAnyTypeFromAnyCallEndTheSnippet) {
   first->accepts = [](const Snippet&) -> bool { throw 7; };
   try {
     makeSession().parse({u"a", true});
@@ -164,7 +164,7 @@ TEST_F(SnippetSessionTest, WhatIsThrownMayBeOfAnyKindAndComeFromAnyCall) {
   }
 }
 
-TEST_F(SnippetSessionTest, ALineThatNoParserTakesIsAnError) {
+TEST_F(SnippetSessionTest, ALineThatNoParserAcceptsIsAnError) {
   first->accepts = last->accepts = [](const Snippet&) { return false; };
   try {
     makeSession().parse({u"a", true});
@@ -198,7 +198,7 @@ TEST_F(SnippetSessionTest, RecordsOfALineAreThoseOfItsCallsInOrder) {
   EXPECT_FALSE(cursor.advance());
 }
 
-TEST(LogCollector, SwitchesTheSeverityOnForItsLife) {
+TEST(LogCollector, EnablesTheSeverityWhileItLives) {
   using quenlith::shared::logging::getLogger;
   getLogger().setEnabledSeverities(1);
   {

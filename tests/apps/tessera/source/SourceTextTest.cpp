@@ -65,7 +65,7 @@ TEST(SourceText, LinesEndInLfOrCrlf) {
   }
 }
 
-TEST(SourceText, PiecesOfAFileFitTogetherWhereverItIsCut) {
+TEST(SourceText, CharactersAcrossChunkBoundariesStayWhole) {
   const TemporaryFolder folder;
   // Each run-up moves characters of every length, and a CRLF, over the end of a chunk.
   for (std::size_t shift = 0; shift < 12; ++shift) {
@@ -157,7 +157,7 @@ TEST(SourceText, AnAppendixMayBeEmpty) {
   }
 }
 
-TEST(SourceText, ALineThatHoldsMoreStartsNoAppendix) {
+TEST(SourceText, OtherLinesStartNoAppendix) {
   for (const auto* text :
        {u"a # <@appendix>", u"# <@appendix> b", u" # <@appendix>", u"<@appendix>", u"/ <@appendix>",
         u"# <@appendix#i>", u"# <@appendix> <@appendix>"}) {

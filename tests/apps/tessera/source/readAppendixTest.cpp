@@ -28,7 +28,7 @@ Appendix read(std::u16string text) {
   return readAppendix(tessera::source::splitSource(std::move(text)));
 }
 
-TEST(ReadAppendix, TakesOneMarkerALineAndPassesOverBlankLines) {
+TEST(ReadAppendix, TakesOneMarkerPerLineAndSkipsBlankLines) {
   const Appendix appendix =
       read(u"code\n# <@appendix>\n# <@task#a {\"k\":1}>\n\n \t\n<no leader>\n  %% <@task#b>\n");
   ASSERT_EQ(appendix.entries.size(), 2u);
@@ -46,7 +46,7 @@ TEST(ReadAppendix, AFileWithoutAppendixHasNoEntry) {
   EXPECT_TRUE(appendix.warnings.empty());
 }
 
-TEST(ReadAppendix, WarnsOfEveryLineThatCannotBeUsed) {
+TEST(ReadAppendix, WarnsAboutEveryUnusableLine) {
   const Appendix appendix = read(
       u"#<@appendix>\n"
       u"# <@task#a {\"k\":}>\n"

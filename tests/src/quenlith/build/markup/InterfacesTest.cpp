@@ -28,7 +28,7 @@ TEST(ParseResult, StartsAsPlainCodeWithoutMarkers) {
   EXPECT_FALSE(result.flag);
 }
 
-TEST(ParseResult, HoldsAMarkerKindOnceAndInOrderOfItsCodeUnits) {
+TEST(ParseResult, StoresEachMarkerKindOnceInCodeUnitOrder) {
   ParseResult result;
   for (const char16_t* text : {u"b", u"\xFFFF", u"a", u"\xD800", u"b"}) {
     result.markerTypes.insert(text);
@@ -67,7 +67,7 @@ TEST(ServiceInterfaces, AreFoundByTheirQualifiedNames) {
             "quenlith::build::markup::services::ParserServicesProvider");
 }
 
-TEST(ServiceInterfaces, EndWhatTheyAreDeletedThrough) {
+TEST(ServiceInterfaces, HaveVirtualDestructors) {
   EXPECT_TRUE(std::has_virtual_destructor_v<SnippetParser>);
   EXPECT_TRUE(std::has_virtual_destructor_v<quenlith::build::markup::code::CodeElementParser>);
 }

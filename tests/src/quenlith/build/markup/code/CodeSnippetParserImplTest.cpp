@@ -72,7 +72,7 @@ TEST_F(CodeSnippetParser, MakesNoTaskHeader) {
   EXPECT_THAT(document->getChildAt(0)->getParserFailures(), IsEmpty());
 }
 
-TEST_F(CodeSnippetParser, LeavesTheDocumentToTheCallerAlone) {
+TEST_F(CodeSnippetParser, ReleasesTheDocument) {
   parser.parse(document, {u"x", {}, {}});
   EXPECT_EQ(document.use_count(), 1);
   EXPECT_EQ(provider.use_count(), 2);
@@ -87,7 +87,7 @@ TEST_F(CodeSnippetParser, KeepsWhatWasAddedBeforeAnException) {
   EXPECT_EQ(provider.use_count(), 2);
 }
 
-TEST_F(CodeSnippetParser, SharesTheProviderForItsLife) {
+TEST_F(CodeSnippetParser, KeepsTheProviderWhileItLives) {
   {
     const CodeSnippetParserImpl another(provider);
     EXPECT_EQ(provider.use_count(), 3);

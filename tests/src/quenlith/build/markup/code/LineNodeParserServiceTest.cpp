@@ -82,7 +82,7 @@ class LineNodeParserService : public testing::Test {
 
 // A line without markers.
 
-TEST_F(LineNodeParserService, AppendsOneLineNodeALine) {
+TEST_F(LineNodeParserService, AppendsOneLineNodePerLine) {
   document->addChild(LineNode::Builder(document->getModel()).createLineNode({}));
   const Node first = nodeOf(u"x = 1");
   const Node second = nodeOf(u"y = 2");
@@ -94,7 +94,7 @@ TEST_F(LineNodeParserService, AppendsOneLineNodeALine) {
   EXPECT_EQ(childTexts(second), Texts{u"D(y = 2)"});
 }
 
-TEST_F(LineNodeParserService, GivesTheDefaultParserTheTextAlone) {
+TEST_F(LineNodeParserService, GivesTheDefaultParserOnlyTheText) {
   parse(u"x = 1");
   ASSERT_EQ(defaultParser->parsed.size(), 1u);
   EXPECT_EQ(defaultParser->parsed[0].text, u"x = 1");
@@ -102,14 +102,14 @@ TEST_F(LineNodeParserService, GivesTheDefaultParserTheTextAlone) {
   EXPECT_FALSE(defaultParser->parsed[0].range);
 }
 
-TEST_F(LineNodeParserService, WithTheOwnDefaultParserMakesPlainTextNodes) {
+TEST_F(LineNodeParserService, WithTheBuiltInDefaultParserCreatesPlainTextNodes) {
   provider->elementParsers = {std::make_shared<PlainTextNodeParserImpl>()};
   EXPECT_EQ(textsOf(u"x = 1"), Texts{u"x = 1"});
   EXPECT_EQ(textsOf(u""), Texts{u""});
   EXPECT_EQ(textsOf(u"a # <@output#o> b"), Texts{u"a  b"});
 }
 
-TEST_F(LineNodeParserService, OfAnEmptyLineHasOneChildOfEmptyText) {
+TEST_F(LineNodeParserService, GivesAnEmptyLineOneChildOfEmptyText) {
   const auto contributor = addContributor(u"c", u"task");
   ParseResult before;
   before.markerTypes = {u"already there"};
@@ -141,7 +141,7 @@ TEST_F(LineNodeParserService, PassesTypeAndFlagThrough) {
   EXPECT_EQ(result.markerTypes, (std::set<ustring>{kindText(u"task"), u"already there"}));
 }
 
-TEST_F(LineNodeParserService, AsksTheProviderOnceForEachListContributorsFirst) {
+TEST_F(LineNodeParserService, GetsEachListOnceAndContributorsFirst) {
   parse(u"");
   EXPECT_THAT(provider->calls, ElementsAre("contributors", "element parsers"));
   provider->calls.clear();
@@ -176,7 +176,7 @@ TEST_F(LineNodeParserService, JoinsPlainTextAroundADroppedMarker) {
   EXPECT_EQ(textsOf(u"# <@output> # <@task> x"), Texts{u"D(  x)"});
 }
 
-TEST_F(LineNodeParserService, OfAHandledMarkerAloneHasOneChildOfEmptyText) {
+TEST_F(LineNodeParserService, GivesALineOfOneHandledMarkerOneChildOfEmptyText) {
   EXPECT_EQ(textsOf(u"# <@output#o>"), Texts{u"D()"});
   EXPECT_EQ(textsOf(u"# <@task#t>"), Texts{u"D()"});
   EXPECT_EQ(textsOf(u"// <@text:anchor#a>"), Texts{u"D()"});
@@ -223,7 +223,7 @@ TEST_F(LineNodeParserService, DropsTheTextOfARangeThatNoParserAccepts) {
   EXPECT_EQ(textsOf(u"abcd# <@task#t [0,2]>"), Texts{u"D(cd)"});
 }
 
-TEST_F(LineNodeParserService, OfALineThatARangeOwnsWhollyHasNoEmptyChild) {
+TEST_F(LineNodeParserService, GivesALineThatARangeOwnsEntirelyNoEmptyChild) {
   EXPECT_THAT(textsOf(u"abcd# <@output#o [0,4]>"), IsEmpty());
   EXPECT_THAT(defaultParser->parsed, IsEmpty());
 }
@@ -265,7 +265,7 @@ TEST_F(LineNodeParserService, ALaterRangeInsideAnEarlierOneGivesThreePieces) {
   EXPECT_EQ(parser->parsed[1].range, Range(std::pair(4, 6)));
 }
 
-TEST_F(LineNodeParserService, EqualMarkersAreOwnersOfTheirOwn) {
+TEST_F(LineNodeParserService, EqualMarkersAreSeparateOwners) {
   const auto parser = addElementParser(u"O", u"output");
   EXPECT_EQ(textsOf(u"abcd# <@output#o [0,2]># <@output#o [2,4]>"), (Texts{u"O(ab)", u"O(cd)"}));
   EXPECT_EQ(parser->parsed[0].marker, parser->parsed[1].marker);
@@ -299,7 +299,7 @@ TEST_F(LineNodeParserService, ARangeThatTouchesAnUnhandledMarkerIsAFailure) {
   EXPECT_EQ(node->getParserFailures()[0].getMarkerInfo().getMarkerId(), u"o");
 }
 
-TEST_F(LineNodeParserService, FailuresStandInTheOrderOfTheMarkers) {
+TEST_F(LineNodeParserService, FailuresAreInTheOrderOfTheMarkers) {
   const Node node = nodeOf(u"# <@output#a [9,1]> # <@task#b [9,2]> # <@output#a [9,1]>");
   ASSERT_EQ(node->getParserFailures().size(), 2u);
   EXPECT_EQ(node->getParserFailures()[0].getMarkerInfo().getMarkerId(), u"a");
@@ -318,11 +318,11 @@ TEST_F(LineNodeParserService, TheLastAnchorWithAnIdCounts) {
   EXPECT_EQ(nodeOf(u"# <@text:anchor>")->getAnchorId(), u"");
 }
 
-TEST_F(LineNodeParserService, SetsNoAnchorBesideATask) {
+TEST_F(LineNodeParserService, SetsNoAnchorOnALineWithATask) {
   EXPECT_EQ(nodeOf(u"# <@text:anchor#a> # <@task#t>")->getAnchorId(), u"");
 }
 
-TEST_F(LineNodeParserService, SetsNoAnchorOfATextThatIsNone) {
+TEST_F(LineNodeParserService, SetsNoAnchorForATextMarkerOfAnotherType) {
   const auto parser = addElementParser(u"T", u"text");
   EXPECT_EQ(nodeOf(u"# <@text:note#a>")->getAnchorId(), u"");
 }
@@ -365,7 +365,7 @@ TEST_F(LineNodeParserService, AsksContributorsAboutHandledMarkersOnly) {
 
 // Without a default parser.
 
-TEST_F(LineNodeParserService, DoesWithoutADefaultParserWhereNoPlainTextIs) {
+TEST_F(LineNodeParserService, NeedsNoDefaultParserWithoutPlainText) {
   addElementParser(u"O", u"output");
   provider->elementParsers.back() = nullptr;
   EXPECT_EQ(textsOf(u"abcd# <@output#o [0,4]>"), Texts{u"O(abcd)"});
@@ -387,12 +387,12 @@ TEST_F(LineNodeParserService, ThrowsWhenTheDefaultParserIsNeededAndThereIsNone) 
 
 // What does not go as planned.
 
-TEST_F(LineNodeParserService, TakesAParserThatMakesNoNode) {
+TEST_F(LineNodeParserService, AcceptsAParserThatReturnsNoNode) {
   defaultParser->makesNothing = true;
   EXPECT_THAT(textsOf(u"x"), IsEmpty());
 }
 
-TEST_F(LineNodeParserService, LeavesTheDocumentAsItWasWhenACollaboratorThrows) {
+TEST_F(LineNodeParserService, LeavesTheDocumentUnchangedWhenACollaboratorThrows) {
   const auto parser = addElementParser(u"O", u"output");
   const auto contributor = addContributor(u"one", u"output");
   const ustring line = u"ab c # <@output#o [0,2]>";
@@ -426,7 +426,7 @@ TEST_F(LineNodeParserService, LeavesTheDocumentAsItWasWhenACollaboratorThrows) {
   EXPECT_EQ(textsOf(line), (Texts{u"O(ab)", u"D( c )"}));
 }
 
-TEST_F(LineNodeParserService, LeavesTheDocumentAsItWasWhenLineDataIsOfAnotherModel) {
+TEST_F(LineNodeParserService, LeavesTheDocumentUnchangedWhenLineDataIsOfAnotherModel) {
   addContributor(u"one", u"output")->otherModel = kd::zero::Model::create();
   EXPECT_THROW(parse(u"# <@output#o>"), foundation::core::except::IException);
   EXPECT_EQ(document->getNumberOfChildren(), 0u);
@@ -440,7 +440,7 @@ TEST_F(LineNodeParserService, ReleasesEverythingAfterACall) {
   EXPECT_EQ(parser.use_count(), 2);
 }
 
-TEST_F(LineNodeParserService, HoldsItsProviderForItsLife) {
+TEST_F(LineNodeParserService, KeepsItsProviderWhileItLives) {
   {
     const Service service(provider);
     EXPECT_EQ(provider.use_count(), 2);

@@ -63,7 +63,7 @@ TEST_F(ParserCost, OfALineOfMarkersIsNearlyLinear) {
   });
 }
 
-TEST_F(ParserCost, OfRangesWithinOneAnotherIsNearlyLinear) {
+TEST_F(ParserCost, OfNestedRangesIsNearlyLinear) {
   expectNearlyLinear([](std::size_t n) {
     ustring line(2 * n + 1, u'x');
     for (std::size_t i = 0; i < n; ++i) {
@@ -73,7 +73,7 @@ TEST_F(ParserCost, OfRangesWithinOneAnotherIsNearlyLinear) {
   });
 }
 
-TEST_F(ParserCost, OfLongRangesBehindShortOnesIsNearlyLinear) {
+TEST_F(ParserCost, OfLongRangesAfterShortOnesIsNearlyLinear) {
   expectNearlyLinear([](std::size_t n) {
     ustring line(n + 1, u'x');
     for (std::size_t i = 0; i < n; ++i) {

@@ -64,7 +64,7 @@ class ParserFault : public testing::Test {
   std::shared_ptr<TesseraDocument> document = std::make_shared<TesseraDocument>();
 };
 
-TEST_F(ParserFault, ALineIsParsedWhollyOrNotAtAll) {
+TEST_F(ParserFault, ALineIsParsedCompletelyOrNotAtAll) {
   LineNodeParserService service(provider);
   const Snippet snippet{kLine, {}, {}};
   const ParseResult expected = service.parseLine(document, snippet, {});
@@ -178,7 +178,7 @@ TEST_F(ParserFault, ATaskIsParsedAgainAfterAReset) {
   EXPECT_EQ(document->getChildAt(4)->getParserFailures().size(), 1u);
 }
 
-TEST_F(ParserFault, AHeaderStandsInTheDocumentBeforeItGetsItsAnchor) {
+TEST_F(ParserFault, AHeaderIsInTheDocumentBeforeItGetsItsAnchor) {
   TaskSnippetParserImpl parser(appendix, provider);
   const ustring opening = u"# <@task#t> # <@text:anchor#an-anchor-with-a-long-name>";
   const Snippet snippet{opening, {}, opening + u"\n# <@task#t>"};
@@ -237,7 +237,7 @@ TEST_F(ParserFault, TasksThatFailLeakNothing) {
   EXPECT_GT(failed, 100u);
 }
 
-TEST_F(ParserFault, ABlockIsCountedWhollyOrNotAtAll) {
+TEST_F(ParserFault, ABlockIsCountedCompletelyOrNotAtAll) {
   const ustring block =
       u"# <@task#a-task-of-a-long-name> # <@task#a-task-of-a-long-name> # <@task#t> # <@task#t>";
   TaskIdCounts counts;

@@ -29,7 +29,7 @@ TEST_F(PlainTextNodeParser, TakesEveryMarker) {
   }
 }
 
-TEST_F(PlainTextNodeParser, MakesAPlainTextNodeOfTheText) {
+TEST_F(PlainTextNodeParser, CreatesAPlainTextNodeWithTheText) {
   const Node node = parser->parse(model, {u"x = \u00FC", std::nullopt, std::nullopt});
   ASSERT_TRUE(PlainTextNode::castFrom(node));
   EXPECT_EQ(PlainTextNode::castFrom(node)->getText(), u"x = \u00FC");
@@ -38,13 +38,13 @@ TEST_F(PlainTextNodeParser, MakesAPlainTextNodeOfTheText) {
   EXPECT_TRUE(node->getUuid().is_nil());
 }
 
-TEST_F(PlainTextNodeParser, MakesANodeOfTheEmptyText) {
+TEST_F(PlainTextNodeParser, CreatesANodeForTheEmptyText) {
   const Node node = parser->parse(model, {});
   ASSERT_TRUE(PlainTextNode::castFrom(node));
   EXPECT_EQ(PlainTextNode::castFrom(node)->getText(), u"");
 }
 
-TEST_F(PlainTextNodeParser, DoesNotLookAtMarkerAndRange) {
+TEST_F(PlainTextNodeParser, IgnoresMarkerAndRange) {
   const CodeElement element{u"text", Marker(u"%<@text:anchor#a>"), std::pair(1, 2)};
   const Node node = parser->parse(model, element);
   EXPECT_EQ(PlainTextNode::castFrom(node)->getText(), u"text");
@@ -52,7 +52,7 @@ TEST_F(PlainTextNodeParser, DoesNotLookAtMarkerAndRange) {
   EXPECT_TRUE(node->getChildren().empty());
 }
 
-TEST_F(PlainTextNodeParser, MakesANewNodeEachTime) {
+TEST_F(PlainTextNodeParser, CreatesANewNodeEachTime) {
   EXPECT_NE(parser->parse(model, {}), parser->parse(model, {}));
 }
 

@@ -37,7 +37,7 @@ TEST_F(TaskSnippetParser, TakesLinesWithATaskMarkerAndThoseOfKind3) {
   }
 }
 
-TEST_F(TaskSnippetParser, LooksForATaskMarkerInTheLineAsItIs) {
+TEST_F(TaskSnippetParser, LooksForATaskMarkerInTheLineAsPassedIn) {
   // Only the line without its backslash holds a marker.
   EXPECT_FALSE(parser->canParse({u"%%\\<@task#t>", {}, u""}));
 }
@@ -62,7 +62,7 @@ TEST_F(TaskSnippetParser, CountsTheLinesFromTheOpeningToTheClosingOne) {
   }
 }
 
-TEST_F(TaskSnippetParser, HeaderHoldsOneTaskNodeWithTheIdOfTheMarker) {
+TEST_F(TaskSnippetParser, HeaderContainsOneTaskNodeWithTheIdOfTheMarker) {
   openTask();
   ASSERT_TRUE(isHeader(0));
   ASSERT_EQ(node(0)->getChildren().size(), 1u);
@@ -81,14 +81,14 @@ TEST_F(TaskSnippetParser, ReportsTheKindsOfTheLineAndTheTask) {
   EXPECT_THAT(parse(u"x # <@control>", 3, kBlock).markerTypes, ElementsAre(kindText(u"control")));
 }
 
-TEST_F(TaskSnippetParser, WritesTheCountIntoTheHeaderWhereverItStands) {
+TEST_F(TaskSnippetParser, WritesTheCountIntoTheHeaderAtAnyIndex) {
   document->addChild(LineNode::Builder(document->getModel()).createLineNode({}));
   parseSnippet({u"# <@task#t1>", u"# <@task#t1>"});
   EXPECT_TRUE(isHeader(1));
   EXPECT_EQ(codeLines(1), 2);
 }
 
-TEST_F(TaskSnippetParser, FollowsOneTaskWithTheNext) {
+TEST_F(TaskSnippetParser, ParsesOneTaskAfterAnother) {
   EXPECT_THAT(parseSnippet({u"# <@task#a>", u"# <@task#a>", u"# <@task#b>", u"# <@task#b>"}),
               ElementsAre(3, 0, 3, 0));
   EXPECT_EQ(codeLines(0), 2);
@@ -102,7 +102,7 @@ TEST_F(TaskSnippetParser, AClosingMarkerAtTheStartOfALineDoesNotEndTheCallEarly)
   EXPECT_EQ(document->getNumberOfChildren(), 3u);
 }
 
-TEST_F(TaskSnippetParser, ALaterLineWithEqualMarkersIsClosedLikeAnyOther) {
+TEST_F(TaskSnippetParser, ALaterLineWithEqualMarkersClosesLikeAnyOther) {
   openTask();
   LogRecords records;
   EXPECT_EQ(parse(u"# <@task#t1> # <@task#t1>", 3, kBlock).type.kind, 0);
@@ -113,7 +113,7 @@ TEST_F(TaskSnippetParser, ALaterLineWithEqualMarkersIsClosedLikeAnyOther) {
 
 // A task on one line.
 
-TEST_F(TaskSnippetParser, OnOneLineBehindCodeHasOneLine) {
+TEST_F(TaskSnippetParser, OnOneLineAfterCodeHasOneLine) {
   EXPECT_THAT(parseSnippet({u"x # <@task#t1> # <@task#t1>"}), ElementsAre(0));
   ASSERT_EQ(document->getNumberOfChildren(), 2u);
   EXPECT_EQ(codeLines(0), 1);
@@ -134,13 +134,13 @@ TEST_F(TaskSnippetParser, OnOneLineThatBeginsWithAMarkerHasNoLineAndNoLineNode) 
   EXPECT_THAT(provider->calls, IsEmpty());
 }
 
-TEST_F(TaskSnippetParser, TheFirstMarkerOfTheLineIsOfAnyElement) {
+TEST_F(TaskSnippetParser, TheFirstMarkerOfTheLineMayBeOfAnyElement) {
   const ustring line = u"# <@control> x # <@task#t1> # <@task#t1>";
   EXPECT_EQ(parse(line, 0, line).type.kind, 0);
   EXPECT_EQ(document->getNumberOfChildren(), 1u);
 }
 
-TEST_F(TaskSnippetParser, EqualMeansTheWholeMarker) {
+TEST_F(TaskSnippetParser, MarkersWithDifferentDataAreNotEqual) {
   const ustring line = u"x # <@task#t1> # <@task#t1 {\"a\":1}>";
   EXPECT_EQ(parse(line, 0, line).type.kind, 3);
   EXPECT_EQ(document->getNumberOfChildren(), 2u);
@@ -156,7 +156,7 @@ TEST_F(TaskSnippetParser, MoreThanTwoEqualMarkersCloseTheTaskToo) {
 
 // Decisions and the line parse may see different markers.
 
-TEST_F(TaskSnippetParser, DecidesByTheLineAsItIsAndParsesTheNormalisedOne) {
+TEST_F(TaskSnippetParser, DecidesByTheLineAsPassedInAndParsesTheNormalisedOne) {
   // The line as it is holds one task marker; without its backslash it holds another one too.
   const ParseResult result = parse(u"%%\\<@output#o> # <@task#t1>", 0, kBlock);
   EXPECT_EQ(result.markerTypes, (std::set<ustring>{kindText(u"task"), kindText(u"output")}));
@@ -207,7 +207,7 @@ TEST_F(TaskSnippetParser, RemembersTheHeaderThatItClosedUntilReset) {
   EXPECT_EQ(codeLines(0), 1);
 }
 
-TEST_F(TaskSnippetParser, SharesItsServicesForItsLife) {
+TEST_F(TaskSnippetParser, KeepsItsServicesWhileItLives) {
   EXPECT_EQ(provider.use_count(), 2);
   EXPECT_EQ(appendix.use_count(), 2);
   openTask();
@@ -218,7 +218,7 @@ TEST_F(TaskSnippetParser, SharesItsServicesForItsLife) {
   EXPECT_EQ(appendix.use_count(), 1);
 }
 
-TEST_F(TaskSnippetParser, LetsGoOfTheProviderBeforeTheAppendix) {
+TEST_F(TaskSnippetParser, ReleasesTheProviderBeforeTheAppendix) {
   const std::weak_ptr<FakeProvider> watched = provider;
   provider.reset();
   bool providerWasGone = false;
@@ -228,7 +228,7 @@ TEST_F(TaskSnippetParser, LetsGoOfTheProviderBeforeTheAppendix) {
   EXPECT_TRUE(providerWasGone);
 }
 
-TEST_F(TaskSnippetParser, PassesExceptionsOnAndTheDocumentStaysUsable) {
+TEST_F(TaskSnippetParser, PropagatesExceptionsAndTheDocumentStaysUsable) {
   defaultParser->failsToParse = true;
   EXPECT_THROW(parse(kOpening, 0, kBlock), ServiceFailure);
   EXPECT_EQ(document.use_count(), 1);

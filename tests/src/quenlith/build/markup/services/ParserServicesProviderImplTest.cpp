@@ -84,7 +84,7 @@ TEST_F(ParserServicesProvider, LooksForElementParsersOnceAndLogsTheirNumber) {
   EXPECT_THAT(records.get(), ElementsAre("Found 2 non default code element parsers"));
 }
 
-TEST_F(ParserServicesProvider, LogsTheNumberOfManyPlainly) {
+TEST_F(ParserServicesProvider, LogsALargerNumberWithoutGrouping) {
   const LogRecords records;
   for (int i = 0; i < 12; ++i) addElementParser();
   EXPECT_EQ(provider.getCodeElementParsers().size(), 13u);
@@ -104,7 +104,7 @@ TEST_F(ParserServicesProvider, LogsBetweenTheLookups) {
   EXPECT_THAT(before, ElementsAre("Found 0 non default code element parsers"));
 }
 
-TEST_F(ParserServicesProvider, SkipsAnElementParserThatCannotBeMade) {
+TEST_F(ParserServicesProvider, SkipsAnElementParserThatCannotBeCreated) {
   addFactory<CodeElementParser>([] { return nullptr; });
   const auto a = addElementParser();
   const LogRecords records;
@@ -112,13 +112,13 @@ TEST_F(ParserServicesProvider, SkipsAnElementParserThatCannotBeMade) {
   EXPECT_THAT(records.get(), ElementsAre("Found 1 non default code element parsers"));
 }
 
-TEST_F(ParserServicesProvider, TakesADefaultParserThatCannotBeMadeForNull) {
+TEST_F(ParserServicesProvider, TreatsADefaultParserThatCannotBeCreatedAsNull) {
   addFactory<CodeElementParser>([] { return nullptr; }, prioritised("default"));
   addElementParser(prioritised("default"));
   EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(nullptr));
 }
 
-TEST_F(ParserServicesProvider, GivesEachCallerAListOfItsOwn) {
+TEST_F(ParserServicesProvider, GivesEachCallerItsOwnList) {
   const auto d = addElementParser(prioritised("default"));
   const auto c = addContributor();
   provider.getCodeElementParsers().clear();
@@ -146,14 +146,14 @@ TEST_F(ParserServicesProvider, LooksAgainForContributorsUntilThereIsOne) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(first));
 }
 
-TEST_F(ParserServicesProvider, SkipsAContributorThatCannotBeMade) {
+TEST_F(ParserServicesProvider, SkipsAContributorThatCannotBeCreated) {
   addFactory<LineContributorDataParser>([] { return nullptr; });
   EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
   const auto a = addContributor();
   EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(a));
 }
 
-TEST_F(ParserServicesProvider, AsksAgainForAContributorThatCouldNotBeMade) {
+TEST_F(ParserServicesProvider, LooksAgainForAContributorThatCouldNotBeCreated) {
   std::shared_ptr<LineContributorDataParser> made;
   addFactory<LineContributorDataParser>([&made]() -> cppmicroservices::InterfaceMapConstPtr {
     if (made == nullptr) return nullptr;
@@ -166,7 +166,7 @@ TEST_F(ParserServicesProvider, AsksAgainForAContributorThatCouldNotBeMade) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(made));
 }
 
-TEST_F(ParserServicesProvider, SeesNoContributorThatIsGoneAgain) {
+TEST_F(ParserServicesProvider, FindsNoContributorThatIsUnregistered) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
   context().RegisterService<LineContributorDataParser>(makeContributor()).Unregister();
   EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
@@ -175,13 +175,13 @@ TEST_F(ParserServicesProvider, SeesNoContributorThatIsGoneAgain) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
 }
 
-TEST_F(ParserServicesProvider, SeesAContributorOfAnotherThread) {
+TEST_F(ParserServicesProvider, FindsAContributorOfAnotherThread) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
   std::thread([this] { addContributor(); }).join();
   EXPECT_EQ(provider.getLineContributorDataParsers().size(), 1u);
 }
 
-TEST_F(ParserServicesProvider, SeesAContributorAmongOtherServices) {
+TEST_F(ParserServicesProvider, FindsAContributorAmongOtherServices) {
   for (int i = 0; i < 3; ++i) {
     EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
     addElementParser();
@@ -211,7 +211,7 @@ TEST_F(ParserServicesProvider, LooksAgainWhenTheFrameworkStartedAgainUnseen) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
 }
 
-TEST_F(ParserServicesProvider, LooksInTheFrameworkThatRunsNow) {
+TEST_F(ParserServicesProvider, LooksInTheFrameworkThatIsSet) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
   const auto other =
       std::make_shared<Framework>(cppmicroservices::FrameworkFactory().NewFramework());
@@ -229,13 +229,13 @@ TEST_F(ParserServicesProvider, LooksInTheFrameworkThatRunsNow) {
   other->WaitForStop(std::chrono::milliseconds::zero());
 }
 
-TEST_F(ParserServicesProvider, MayEndBeforeAContributorComes) {
+TEST_F(ParserServicesProvider, MayBeDestroyedBeforeAContributorIsRegistered) {
   ParserServicesProviderImpl().getLineContributorDataParsers();
   addContributor();
   EXPECT_EQ(ParserServicesProviderImpl().getLineContributorDataParsers().size(), 1u);
 }
 
-TEST_F(ParserServicesProvider, MayEndAfterTheFrameworkHasStoppedOrIsGone) {
+TEST_F(ParserServicesProvider, MayBeDestroyedAfterTheFrameworkStoppedOrWasDestroyed) {
   auto first = std::make_unique<ParserServicesProviderImpl>();
   auto second = std::make_unique<ParserServicesProviderImpl>();
   first->getLineContributorDataParsers();
@@ -305,7 +305,7 @@ TEST_F(ParserServicesProvider, ThrowsWhenTheFrameworkStopsBetweenTwoServices) {
   EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(d));
 }
 
-TEST_F(ParserServicesProvider, HoldsItsServicesForItsLife) {
+TEST_F(ParserServicesProvider, KeepsItsServicesWhileItLives) {
   std::weak_ptr<CodeElementParser> watched;
   {
     ParserServicesProviderImpl shortLived;

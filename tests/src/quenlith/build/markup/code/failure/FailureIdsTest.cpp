@@ -37,7 +37,7 @@ TEST(FailureIds, EachHasAGoldenCase) {
   }
 }
 
-TEST(FailureIds, EachHasALineInTheDocumentation) {
+TEST(FailureIds, EachIsDocumented) {
   const std::string page = contentOf(TREE "/docs/json.md");
   for (const std::u16string_view id : kFailureIds) {
     EXPECT_THAT(page, HasSubstr("\n| `" + fl::i18n::ustring_to_utf8(id) + "` |"));

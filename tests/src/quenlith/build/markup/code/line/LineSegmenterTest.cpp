@@ -53,19 +53,19 @@ TEST_F(LineSegmenter, GivesTheWholeLineToItsOwner) {
   EXPECT_EQ(segments(), Segments{u"A0123456789"});
 }
 
-TEST_F(LineSegmenter, LeavesMarkerTextOut) {
+TEST_F(LineSegmenter, ExcludesMarkerText) {
   segmenter.exclude(a);
   EXPECT_EQ(segments(), Segments{u"-01456789"});
 }
 
-TEST_F(LineSegmenter, OfNothingButMarkerTextHasNoSegments) {
+TEST_F(LineSegmenter, WithNothingButMarkerTextGivesNoSegments) {
   segmenter.exclude(a);
   const MarkerInfo before = markerAt(0, 2);
   segmenter.exclude(before);
   EXPECT_EQ(segments(u"0123"), Segments{});
 }
 
-TEST_F(LineSegmenter, JoinsTheTextOfOneOwnerAroundWhatIsLeftOut) {
+TEST_F(LineSegmenter, JoinsTheTextOfOneOwnerAroundExcludedText) {
   segmenter.exclude(b);
   segmenter.assign(5, 9, a);
   segmenter.exclude(b);
@@ -95,13 +95,13 @@ TEST_F(LineSegmenter, ALaterSpanInsideAnEarlierOneGivesThreeSegments) {
   EXPECT_EQ(segments(), (Segments{u"-0", u"A123", u"B45", u"A678", u"-9"}));
 }
 
-TEST_F(LineSegmenter, ALaterSpanAroundAnEarlierOneSwallowsIt) {
+TEST_F(LineSegmenter, ALaterSpanAroundAnEarlierOneReplacesIt) {
   segmenter.assign(4, 6, a);
   segmenter.assign(1, 9, b);
   EXPECT_EQ(segments(), (Segments{u"-0", u"B12345678", u"-9"}));
 }
 
-TEST_F(LineSegmenter, TellsNeighboursOfEqualMarkersApart) {
+TEST_F(LineSegmenter, KeepsAdjacentSpansOfEqualMarkersSeparate) {
   segmenter.assign(0, 5, a);
   segmenter.assign(5, 10, b);
   EXPECT_EQ(segments(), (Segments{u"A01234", u"B56789"}));
@@ -138,7 +138,7 @@ std::vector<std::u16string> slowSegments(std::u16string_view line, const std::ve
   return found;
 }
 
-TEST(LineCutOfManySpans, AgreesWithTheOwnersPlaceByPlace) {
+TEST(LineCutOfManySpans, AgreesWithTheOwnerOfEachUnit) {
   constexpr std::size_t kLength = 60;
   const std::u16string line(kLength, u'x');
   const std::vector<MarkerInfo> owners(20);

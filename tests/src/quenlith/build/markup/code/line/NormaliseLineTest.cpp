@@ -29,14 +29,14 @@ TEST(EscapedLeader, LosesItsBackslash) {
   }
 }
 
-TEST(EscapedLeader, IsThreeUnitsTogether) {
+TEST(EscapedLeader, IsThreeConsecutiveUnits) {
   for (const char16_t* line :
        {u"", u"%", u"%%", u"\\", u"%\\", u"\\%%", u"% %\\", u"%%/", u"%%%"}) {
     EXPECT_EQ(normaliseLine(line), line);
   }
 }
 
-TEST(EscapedLeader, IsFoundAtEveryPlaceOfALineOfEveryLength) {
+TEST(EscapedLeader, IsFoundAtEveryPositionOfALineOfAnyLength) {
   for (std::size_t length = 3; length < 60; ++length) {
     for (std::size_t place = 0; place + 3 <= length; ++place) {
       std::u16string line(length, u'x');

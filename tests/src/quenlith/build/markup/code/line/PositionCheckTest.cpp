@@ -144,20 +144,20 @@ TEST_F(PositionFailure, NamesTheRuleAndTheMarker) {
   EXPECT_EQ(only().getMarkerInfo().getMarkerId(), u"intro");
 }
 
-TEST_F(PositionFailure, HoldsTheRangeAsTwoDoubles) {
+TEST_F(PositionFailure, ContainsTheRangeAsTwoDoubles) {
   addPositionFailure(node, marker(7, 3));
   ASSERT_EQ(only().getFailureData().size(), 1u);
   EXPECT_EQ(only().getFailureData().at("position"),
             Value(std::vector<Value>{Value(7.0), Value(3.0)}));
 }
 
-TEST_F(PositionFailure, HoldsTheLargestNumbersAsTheNearestDoubles) {
+TEST_F(PositionFailure, ContainsTheLargestNumbersAsTheNearestDoubles) {
   addPositionFailure(node, marker(kLargest, 9007199254740993));
   EXPECT_EQ(only().getFailureData().at("position"),
             Value(std::vector<Value>{Value(18446744073709551616.0), Value(9007199254740992.0)}));
 }
 
-TEST_F(PositionFailure, IsThereOncePerMarkerThatDiffers) {
+TEST_F(PositionFailure, IsRecordedOncePerDifferentMarker) {
   addPositionFailure(node, marker(7, 3));
   addPositionFailure(node, marker(7, 3));
   EXPECT_EQ(node->getParserFailures().size(), 1u);

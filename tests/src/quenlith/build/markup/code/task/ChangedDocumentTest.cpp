@@ -41,7 +41,7 @@ TEST_F(TaskSnippetParser, KeepsWhatTheHostChangedInTheTaskData) {
   EXPECT_THAT(records.get(), testing::Contains("the host's id"));
 }
 
-TEST_F(TaskSnippetParser, ClosesWithoutAHeaderWhenTheHostTookAnotherDocument) {
+TEST_F(TaskSnippetParser, ClosesWithoutAHeaderWhenTheHostSwitchedDocuments) {
   openTask();
   document = std::make_shared<TesseraDocument>();
   LogRecords records;

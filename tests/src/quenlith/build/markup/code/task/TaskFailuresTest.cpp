@@ -20,7 +20,7 @@ ustring kindText(const char16_t* element) {
 
 // Markers without a partner.
 
-TEST_F(TaskSnippetParser, AnIdThatDoesNotStandTwiceInTheBlockIsAFailure) {
+TEST_F(TaskSnippetParser, AnIdThatDoesNotOccurTwiceInTheBlockIsAFailure) {
   for (const char16_t* block : {u"", u"# <@task#t1>", u"# <@task#t1>\n# <@output#t1>",
                                 u"# <@task#t1>\n# <@task#t1>\n# <@task#t1>"}) {
     const ParseResult result = parse(kOpening, 0, block);
@@ -33,7 +33,7 @@ TEST_F(TaskSnippetParser, AnIdThatDoesNotStandTwiceInTheBlockIsAFailure) {
   EXPECT_EQ(document->getNumberOfChildren(), 4u);
 }
 
-TEST_F(TaskSnippetParser, TheFailureNamesTheMarkerAndHoldsTheWholeAppendixEntry) {
+TEST_F(TaskSnippetParser, TheFailureNamesTheMarkerAndContainsTheWholeAppendixEntry) {
   appendix->addEntry(Marker(
       u"%<@task#t1 {\"a\":1,\"b\":1.5,\"c\":[true,null],\"d\":{\"e\":\"f\"},\"uniqueId\":\"u\"}>"));
   parse(u"# <@task:kind#t1 {\"mine\":1}>", 0, u"");
@@ -45,7 +45,7 @@ TEST_F(TaskSnippetParser, TheFailureNamesTheMarkerAndHoldsTheWholeAppendixEntry)
   EXPECT_EQ(failure.getFailureData().size(), 5u);
 }
 
-TEST_F(TaskSnippetParser, TheFailureWithoutAnAppendixEntryHoldsNoData) {
+TEST_F(TaskSnippetParser, TheFailureWithoutAnAppendixEntryHasNoData) {
   parse(kOpening, 0, u"");
   EXPECT_TRUE(node(0)->getParserFailures()[0].getFailureData().empty());
 }

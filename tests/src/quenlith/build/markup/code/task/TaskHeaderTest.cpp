@@ -71,7 +71,7 @@ TEST_F(TaskSnippetParser, HeaderOfALineWithoutAnAnchorHasNone) {
   EXPECT_EQ(node(0)->getAnchorId(), u"");
 }
 
-TEST_F(TaskSnippetParser, AnAnchorWithoutAnIdCountsAsOne) {
+TEST_F(TaskSnippetParser, AnAnchorWithoutAnIdCountsAsAnAnchor) {
   LogRecords records;
   const ustring line = u"# <@task#t1> # <@text:anchor> # <@task#t1>";
   const ParseResult result = parse(line, 0, line);

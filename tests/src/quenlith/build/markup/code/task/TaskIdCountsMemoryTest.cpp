@@ -17,7 +17,7 @@ std::u16string blockWithIds(int number) {
   return {text.begin(), text.end()};
 }
 
-TEST(TaskIdCountsMemory, KeepsOneBlockOnly) {
+TEST(TaskIdCountsMemory, StoresOnlyOneBlock) {
   TaskIdCounts counts;
   counts.count(blockWithIds(0), 0, u"");
   const auto liveAfterOne = liveAllocations();
