@@ -95,10 +95,16 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
   /// Like the general form. Throws `ServiceException` when `S` has no identifier.
   template <class S>
   std::vector<ServiceReference<S>> GetServiceReferences(const std::string& filter = std::string()) {
-    static const detail::ServiceCount& count = detail::serviceCount(us_service_interface_iid<S>());
+    // Initialized at compile time, so that a bundle has no object that is made at run time.
+    static std::atomic<const detail::ServiceCount*> cachedCount = nullptr;
+    const detail::ServiceCount* count = cachedCount.load(std::memory_order_acquire);
+    if (count == nullptr) {
+      count = &detail::serviceCount(us_service_interface_iid<S>());
+      cachedCount.store(count, std::memory_order_release);
+    }
     // A lookup of an interface that nobody provides is done for every parsed line: it is this read.
     // The context is checked after it, since a context that is valid then was valid at the read.
-    if (count.load(std::memory_order_acquire) == 0) {
+    if (count->load(std::memory_order_acquire) == 0) {
       valid();
       return {};
     }

@@ -22,10 +22,8 @@ MarkerKind kindOf(const Marker& marker) {
 void recordMarkerKind(MarkerKind kind, ParseResult& result) {
   if (kind == MarkerKind::kOther) return;
   // In the order of the enumeration. An anchor is recorded as "text".
-  static const std::array<ustring, 4> kTexts{
-      Marker(u"control").toString(), Marker(u"output").toString(), Marker(u"task").toString(),
-      Marker(u"text").toString()};
-  result.markerTypes.insert(kTexts[static_cast<std::size_t>(kind)]);
+  constexpr std::array kElements{u"control", u"output", u"task", u"text"};
+  result.markerTypes.insert(Marker(kElements[static_cast<std::size_t>(kind)]).toString());
 }
 
 }  // namespace quenlith::build::markup::code::line
