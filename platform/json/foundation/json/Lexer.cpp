@@ -48,7 +48,7 @@ const Escape* findEscape(char16_t letter) {
   return nullptr;
 }
 
-// The unit that the four hexadecimal digits at the start of `digits` write.
+// The value of the four hexadecimal digits at the start of `digits`.
 std::optional<char16_t> readHex(std::u16string_view digits) {
   if (digits.size() < kHexDigits) {
     return std::nullopt;
@@ -64,7 +64,7 @@ std::optional<char16_t> readHex(std::u16string_view digits) {
   return static_cast<char16_t>(unit);
 }
 
-// Undoes the escapes of a string's content that was found well-formed.
+// Decodes the escapes of a string's content, which must be well-formed.
 std::u16string unescape(std::u16string_view content) {
   std::u16string result;
   result.reserve(content.size());
@@ -85,8 +85,13 @@ std::u16string unescape(std::u16string_view content) {
 
 }  // namespace
 
-Lexer::Lexer(std::u16string_view text, std::size_t from, Space allowed, std::size_t limit)
-    : text16(text), at(from), tokenBegin(from), tokenEnd(from), depthLimit(limit), space(allowed) {}
+Lexer::Lexer(std::u16string_view text, std::size_t from, Space space, std::size_t depthLimit)
+    : text16(text),
+      at(from),
+      tokenBegin(from),
+      tokenEnd(from),
+      depthLimit(depthLimit),
+      space(space) {}
 
 Token Lexer::next() {
   skipSpace();
@@ -237,7 +242,7 @@ Token Lexer::readString(Token kind, State following) {
   }
 }
 
-// Stays at the backslash when there is no such escape.
+// Stays at the backslash when the escape is not valid.
 bool Lexer::readEscape() {
   const std::u16string_view rest = text16.substr(at + 1);
   const char16_t letter = rest.empty() ? u'\0' : rest.front();

@@ -12,8 +12,8 @@
 
 namespace foundation::json {
 
-/// What stands next in a JSON text. `kEnd` stands behind the one value of the text; `kError` where
-/// the text is none, and then for ever.
+/// The kinds of token. `kEnd` follows the one value of the text. `kError` is returned where the
+/// text is not JSON, and by every later call.
 enum class Token : std::uint8_t {
   kBeginObject,
   kEndObject,
@@ -29,45 +29,49 @@ enum class Token : std::uint8_t {
   kError
 };
 
-/// The white space between tokens: all that JSON has, or spaces and tabs only (a text on one line).
+/// The white space accepted between tokens: all of JSON's, or spaces and tabs only.
 enum class Space : std::uint8_t { kAll, kBlanks };
 
-/// Reads the tokens of one JSON value (RFC 8259) out of 16-bit text, one at a time.
+/// Reads the tokens of one JSON value (RFC 8259) from 16-bit text, one at a time.
 ///
-/// Borrows the text. Positions count 16-bit code units from the start of the text. Strings come
-/// as 16-bit text, an escaped unpaired surrogate as that unit, or as UTF-8, in which surrogates
-/// are paired however they were spelt and unpaired ones are U+FFFD. A number beyond the largest
-/// double is an error. Never throws but for memory, and needs none but for strings with escapes.
+/// Borrows the text. Positions count 16-bit code units from the start of the text. Strings are
+/// available as 16-bit text, in which unpaired surrogates are kept, and as UTF-8, in which they
+/// become U+FFFD; a pair is one character whether or not its halves are escaped. A number beyond
+/// the largest double is an error. `next` does not throw and does not allocate.
 class QUENLITH_JSON_EXPORT Lexer {
  public:
-  /// The greatest depth that a lexer can be told to allow; a value that holds no other is at 0.
+  /// The upper bound of `depthLimit`.
   static constexpr std::size_t kMaxDepth = 512;
 
-  /// Starts at `from`. `depthLimit`, at most `kMaxDepth`, is how deep containers may nest; the
-  /// outermost one is at depth 1.
+  /// Starts at `from`. Containers may nest up to `depthLimit` levels deep, which is at most
+  /// `kMaxDepth`; the outermost one is at depth 1.
   explicit Lexer(std::u16string_view text, std::size_t from = 0, Space space = Space::kAll,
                  std::size_t depthLimit = kMaxDepth);
 
+  /// Returns the next token.
   Token next();
 
-  /// First unit of the token, its quote included; of `kError`: of what cannot stand there.
+  /// The first unit of the token, including its quote; for `kError`, the first unit that is not
+  /// allowed.
   std::size_t begin() const { return tokenBegin; }
 
-  /// Behind the last unit of the token.
+  /// The position after the last unit of the token. For a key that is the position after its
+  /// quote, although the colon is read along with it.
   std::size_t end() const { return tokenEnd; }
 
-  /// How many containers are open.
+  /// The number of open containers.
   std::size_t depth() const { return openCount; }
 
-  /// The key or string as 16-bit text, escapes undone.
+  /// The key or string as 16-bit text with its escapes decoded. After `kKey` or `kString` only.
   std::u16string text() const;
 
-  /// The key or string as UTF-8.
+  /// The key or string as UTF-8 with its escapes decoded. After `kKey` or `kString` only.
   std::string utf8() const;
 
+  /// The number. After `kNumber` only.
   const Number& number() const { return currentNumber; }
 
-  /// What is wrong, for a person; after `kError` only.
+  /// What is wrong, as text for a person. A constant. After `kError` only.
   const char* error() const { return message; }
 
  private:

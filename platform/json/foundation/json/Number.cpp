@@ -15,11 +15,12 @@ bool isDigit(char16_t unit) {
   return unit >= u'0' && unit <= u'9';
 }
 
-// The exact decimal form of a point half way between two doubles has at most 768 significant
-// digits, so digits behind the first 800 count only as "more than this", which one digit says.
+// The exact decimal form of the midpoint of two neighboring doubles has at most 768 significant
+// digits. All that matters about the digits after the first 800 is whether one of them is not 0,
+// and a single further digit expresses that.
 constexpr std::size_t kMaxDigits = 800;
 
-// A decimal number brought to the form 0.DIGITS x 10^point.
+// A decimal number normalized to 0.DIGITS x 10^point, without leading zeros in DIGITS.
 class Decimal {
  public:
   explicit Decimal(std::u16string_view literal) : rest(literal) {
@@ -47,31 +48,31 @@ class Decimal {
     if (std::from_chars(buffer.data(), end, result).ec != std::errc::result_out_of_range) {
       return result;
     }
-    // Too small and too large are reported alike.
+    // std::from_chars reports underflow and overflow with the same code.
     return point > 0 ? std::nullopt : std::optional<double>(zero);
   }
 
  private:
-  // Each digit before the point moves it by one; so does, the other way, each zero between the
-  // point and the first digit that is not zero.
-  void readDigits(int before) {
+  // Each digit of the integer part moves the point by `pointStep`, which is 1 there and 0 in the
+  // fraction. Leading zeros are dropped: those of the fraction move the point back by one each.
+  void readDigits(int pointStep) {
     while (!rest.empty() && isDigit(rest.front())) {
       const char digit = static_cast<char>(rest.front());
       rest.remove_prefix(1);
       if (digit == '0' && end == digitsStart) {
-        point -= 1 - before;
+        point -= 1 - pointStep;
         continue;
       }
-      point += before;
-      keep(digit);
+      point += pointStep;
+      appendDigit(digit);
     }
   }
 
-  void keep(char digit) {
+  void appendDigit(char digit) {
     if (end < digitsStart + kMaxDigits) {
       *end++ = digit;
     } else if (digit != '0') {
-      more = true;
+      hasMoreDigits = true;
     }
   }
 
@@ -84,7 +85,7 @@ class Decimal {
     if (!isDigit(rest.front())) {
       rest.remove_prefix(1);
     }
-    // Far beyond any count of digits that a text can hold, and far from overflow.
+    // More than the number of digits that fit in memory, and far from overflow.
     constexpr std::int64_t kLimit = 1'000'000'000'000'000;
     std::int64_t exponent = 0;
     for (const char16_t unit : rest) {
@@ -94,13 +95,15 @@ class Decimal {
   }
 
   void writeExponent() {
-    if (more) {
+    if (hasMoreDigits) {
       *end++ = '1';
     }
-    constexpr std::int64_t kFar = 100'000;
+    // Out of a double's range either way, whatever the digits.
+    constexpr std::int64_t kMaxPoint = 100'000;
     const auto count = static_cast<std::int64_t>(end - digitsStart);
     *end++ = 'e';
-    end = std::to_chars(end, buffer.data() + buffer.size(), std::clamp(point, -kFar, kFar) - count)
+    end = std::to_chars(end, buffer.data() + buffer.size(),
+                        std::clamp(point, -kMaxPoint, kMaxPoint) - count)
               .ptr;
   }
 
@@ -110,10 +113,10 @@ class Decimal {
   char* digitsStart = end;
   std::int64_t point = 0;
   bool negative = false;
-  bool more = false;
+  bool hasMoreDigits = false;
 };
 
-// Nothing when the digits do not fit.
+// Returns nothing when the number does not fit in 64 bits.
 std::optional<std::uint64_t> readDigits(std::u16string_view digits) {
   std::uint64_t value = 0;
   for (const char16_t unit : digits) {
@@ -125,7 +128,7 @@ std::optional<std::uint64_t> readDigits(std::u16string_view digits) {
   return value;
 }
 
-std::optional<Number> readWhole(std::u16string_view literal) {
+std::optional<Number> readInteger(std::u16string_view literal) {
   constexpr std::uint64_t kSignedLimit = std::uint64_t{1} << 63U;
   const bool negative = literal.front() == u'-';
   const auto magnitude = readDigits(literal.substr(negative ? 1 : 0));
@@ -145,8 +148,8 @@ std::optional<Number> readWhole(std::u16string_view literal) {
 
 std::optional<Number> parseNumber(std::u16string_view literal) {
   if (literal.find_first_of(u".eE") == std::u16string_view::npos) {
-    if (const auto whole = readWhole(literal)) {
-      return whole;
+    if (const auto integer = readInteger(literal)) {
+      return integer;
     }
   }
   if (const auto nearest = Decimal(literal).nearest()) {

@@ -20,7 +20,7 @@ bool equalNumbers(Number left, Number right) {
   return left == right || (std::isnan(left) && std::isnan(right));
 }
 
-// Zeros of either sign are equal, and so are all NaNs.
+// All NaNs are equal, so they share a hash. std::hash gives both zeros the same one.
 template <typename Number>
 std::size_t hashOfNumber(Number number) {
   return std::isnan(number) ? 0x7FF8 : std::hash<Number>()(number);
@@ -35,7 +35,7 @@ void mix(std::size_t& hash, std::size_t part) {
 }  // namespace
 
 struct Value::Loops {
-  // A container that holds something: only these lead deeper.
+  // Whether the value is a container with children.
   static bool isFilled(const Value& value) {
     if (const Array* array = value.getIf<Array>()) {
       return !array->empty();
@@ -44,7 +44,7 @@ struct Value::Loops {
     return object != nullptr && !object->empty();
   }
 
-  // What follows is about the children of a filled container.
+  // The next four are for filled containers only.
 
   static std::size_t count(const Value& value) {
     const Array* array = value.getIf<Array>();
@@ -70,7 +70,7 @@ struct Value::Loops {
     object.erase(std::prev(object.end()));
   }
 
-  static bool holdsFilled(const Value& value) {
+  static bool hasFilledChild(const Value& value) {
     if (const Array* array = value.getIf<Array>()) {
       for (const Value& child : *array) {
         if (isFilled(child)) {
@@ -87,10 +87,12 @@ struct Value::Loops {
     return false;
   }
 
-  // Destroys without recursion and without memory of its own. `current` is the container whose
-  // children are dropped, last one first. Before a filled child takes its place, the child's own
-  // first child moves up into the slot that falls free, and `current` moves down into the slot
-  // of that first child: so the way back is the last thing that the child holds.
+  // Destroys a tree without recursion and without allocating, by reversing links (as in
+  // Deutsch-Schorr-Waite traversal). The children of `current` are dropped from the last to the
+  // first. To descend into a filled child, the child's first child moves up into the slot that the
+  // child leaves, and `current` itself moves into the slot of that first child. Because that slot
+  // is dropped last, the loop returns to the parent after the rest of the child is gone. A parent
+  // without other children is not kept.
   static void release(Value& root) noexcept {
     Value current(std::move(root));
     while (isFilled(current)) {
@@ -191,7 +193,7 @@ struct Value::Loops {
     return hashPlain(value);
   }
 
-  // The kinds whose hash is a whole number; what has no content of its own hashes as nothing.
+  // Hashes an integer or a boolean. Every other leaf has no content, so its hash is 0.
   static std::size_t hashPlain(const Value& value) {
     if (const bool* flag = value.getIf<bool>()) {
       return *flag ? 1 : 0;
@@ -248,15 +250,15 @@ Value& Value::operator=(const Value& other) {
   return *this;
 }
 
-// By way of a third value: `other` may be this one or a part of it.
+// Moves through a temporary, because `other` may be this value or a part of it.
 Value& Value::operator=(Value&& other) noexcept {
-  Value taken(std::move(other));
-  swap(taken);
+  Value moved(std::move(other));
+  swap(moved);
   return *this;
 }
 
 Value::~Value() {
-  if (Loops::holdsFilled(*this)) {
+  if (Loops::hasFilledChild(*this)) {
     Loops::release(*this);
   }
 }

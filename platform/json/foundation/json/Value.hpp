@@ -17,32 +17,32 @@
 
 namespace foundation::json {
 
-/// A type that a value can hold.
+/// A type that a value can contain.
 template <typename T>
 concept Alternative = requires {
   traits<T>::kKind;
 };
 
-/// A type that stands for one of the held types and is converted to it without loss: a text, or a
-/// whole number. Pointers, characters and other things that C++ would turn into a number or a
-/// boolean are no JSON values.
+/// A type that converts to std::string_view, but is not an alternative itself.
 template <typename T>
 concept TextLike = !Alternative<T> && !std::same_as<T, std::nullptr_t> &&
                    std::convertible_to<const T&, std::string_view>;
 
+/// A character type. C++ counts these as integers; they do not convert to a JSON number.
 template <typename T>
 concept CharacterLike = std::same_as<T, char> || std::same_as<T, wchar_t> ||
     std::same_as<T, char8_t> || std::same_as<T, char16_t> || std::same_as<T, char32_t>;
 
+/// An integer type that is neither an alternative nor a character type.
 template <typename T>
 concept WholeNumber = std::integral<T> && !Alternative<T> && !CharacterLike<T>;
 
 /// A JSON value: one of ten kinds.
 ///
-/// Two values are equal when they have the same kind (1 and 1.0 are not) and hold equal things;
-/// a NaN equals a NaN, so that every value equals its own copy. Copying, comparing, hashing and
-/// destroying are loops: the depth of a value is bounded by memory only. Strings and keys are
-/// UTF-8, which is not checked. A moved-from value is of the undefined kind.
+/// Two values are equal when they have the same kind (an integer 1 does not equal a double 1.0) and
+/// equal contents; a NaN equals a NaN, so that every value equals its own copy. Copying, comparing,
+/// hashing and destroying are loops: the depth of a value is bounded by memory only. Strings and
+/// keys are UTF-8, which is not checked. A moved-from value is of the undefined kind.
 class QUENLITH_JSON_EXPORT Value {
  public:
   /// Makes a value of the undefined kind.
@@ -54,16 +54,16 @@ class QUENLITH_JSON_EXPORT Value {
   Value& operator=(Value&& other) noexcept;
   ~Value();
 
-  /// Makes a value that holds `held`.
+  /// Makes a value that contains `content`. A template, so that a pointer does not convert to bool.
   template <Alternative T>
-  Value(T held) : data(std::move(held)) {}
+  Value(T content) : data(std::move(content)) {}
 
   /// Makes a value of the string kind.
   template <typename T>
   requires TextLike<std::remove_cvref_t<T>> Value(const T& text)
       : data(std::string(std::string_view(text))) {}
 
-  /// Makes a value of the signed or unsigned integer kind, after the signedness of T.
+  /// Makes a value of the signed or unsigned integer kind, depending on the signedness of T.
   template <WholeNumber T>
   Value(T number)
       : data(static_cast<std::conditional_t<std::signed_integral<T>, std::int64_t, std::uint64_t>>(
@@ -76,10 +76,10 @@ class QUENLITH_JSON_EXPORT Value {
     return std::holds_alternative<T>(data);
   }
 
-  /// Returns what is held.
+  /// Returns the content, which must be a T: nothing is converted.
   ///
-  /// Nothing is converted. Throws std::runtime_error "invalid conversion: HELD to WANTED" with
-  /// the names of the traits when another kind is held.
+  /// Throws std::runtime_error "invalid conversion: ACTUAL to WANTED", with the names from the
+  /// traits, when the value is of another kind.
   template <Alternative T>
   const T& get() const {
     requireKind(traits<T>::kKind);
@@ -92,7 +92,7 @@ class QUENLITH_JSON_EXPORT Value {
     return *std::get_if<T>(&data);
   }
 
-  /// Returns what is held, or null when another kind is.
+  /// Returns the content, or null when the value is of another kind.
   template <Alternative T>
   const T* getIf() const noexcept {
     return std::get_if<T>(&data);
@@ -103,7 +103,7 @@ class QUENLITH_JSON_EXPORT Value {
     return std::get_if<T>(&data);
   }
 
-  /// Returns a hash that is the same for equal values.
+  /// Returns a hash that is the same for equal values. Linear; throws std::bad_alloc.
   std::size_t hash() const;
 
   void swap(Value& other) noexcept { data.swap(other.data); }
@@ -123,14 +123,14 @@ class QUENLITH_JSON_EXPORT Value {
 
   [[noreturn]] void throwInvalidConversion(Kind wanted) const;
 
-  // Each loop below looks at one node at a time and keeps the containers that are still to be
-  // looked into on a list of its own.
+  // The helpers of the loops over a tree of values. Each handles one node and appends the
+  // containers whose children are still to be visited to a list.
   struct Loops;
 
   Data data;
 };
 
-/// Returns the name that the traits give to the type of `kind`.
+/// Returns the name of `kind`, as its traits define it.
 QUENLITH_JSON_EXPORT const char* nameOf(Kind kind) noexcept;
 
 }  // namespace foundation::json

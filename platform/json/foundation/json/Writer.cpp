@@ -6,7 +6,7 @@
 
 namespace foundation::json {
 
-// The containers that are being written, the innermost one last, each with the place of its next
+// The stack of the containers that are being written, the innermost one last, each with its next
 // child.
 struct Writer::Walk {
   struct Frame {
@@ -16,7 +16,7 @@ struct Writer::Walk {
     Object::const_iterator member;
   };
 
-  explicit Walk(Writer& target) : writer(target) {}
+  explicit Walk(Writer& writer) : writer(writer) {}
 
   void enter(const Value& value) {
     if (const Array* array = value.getIf<Array>()) {
@@ -34,7 +34,7 @@ struct Writer::Walk {
     frames.push_back({nullptr, {}, &object, object.begin()});
   }
 
-  // A step uses its frame no more once it has entered a child: the new frame may move the others.
+  // A step must not use its frame after entering a child: pushing a frame may move the others.
   void run() {
     while (!frames.empty()) {
       Frame& frame = frames.back();
@@ -131,7 +131,8 @@ void Writer::object(const Object& members) {
   walk.run();
 }
 
-// What stands before a piece: nothing behind a key and at the very start.
+// Writes what separates a token from the one before it: nothing after a key, and nothing at depth
+// 0.
 void Writer::separate() {
   if (isAfterKey) {
     isAfterKey = false;

@@ -10,19 +10,19 @@
 
 namespace foundation::json {
 
-/// How a text is laid out: without blanks, indented by two blanks with a blank behind each colon,
-/// or without blanks and with the canonical spelling of numbers and texts.
+/// The layout: without spaces; indented by two spaces per level, with a space after each colon; or
+/// without spaces and with the canonical form of numbers and strings.
 enum class Form : std::uint8_t { kCompact, kIndented, kCanonical };
 
-/// Appends a JSON text to a string piece by piece, with the commas, colons and line breaks that
-/// belong between the pieces.
+/// Appends a JSON text to a string token by token, and adds the commas, colons and line breaks.
 ///
-/// Borrows the string, which the caller may empty between two calls. The caller opens and closes
-/// containers in pairs and gives each member of an object a key; this is not checked. Numbers
-/// and texts are spelt as in write.hpp.
+/// Borrows the string, which the caller may clear between two calls. The caller must balance the
+/// begin and end calls and write a key before each member of an object; this is not checked.
+/// Numbers and strings are formatted by the functions of format.hpp.
 class QUENLITH_JSON_EXPORT Writer {
  public:
-  Writer(std::string& target, Form spelling) : output(target), form(spelling) {}
+  /// Appends to `output`, which must outlive the writer.
+  Writer(std::string& output, Form form) : output(output), form(form) {}
 
   void beginObject() { open('{'); }
   void endObject() { close('}'); }
@@ -41,14 +41,16 @@ class QUENLITH_JSON_EXPORT Writer {
   void boolean(bool value);
   void null();
 
-  /// Writes `json`, the text of one value in this writer's form and at this depth, or its first
-  /// part; the caller then appends the rest to the string.
+  /// Writes `json`, which must be the text of one value in this writer's form, indented for this
+  /// depth. It may also be the first part of that text; the caller then appends the rest to the
+  /// string.
   void raw(std::string_view json);
 
-  /// Writes a value with all that it holds. A loop: the depth is bounded by memory only.
+  /// Writes a value with everything in it; the undefined kind is written as null. A loop: the
+  /// depth is bounded by memory only.
   void value(const Value& value);
 
-  /// Like `value`, but of the members of an object.
+  /// Like `value`, but for an object.
   void object(const Object& members);
 
  private:

@@ -6,23 +6,22 @@ namespace foundation::json {
 
 namespace {
 
-/// Goes over one text from left to right. An operation that does not find what it looks for
-/// returns false.
-class FlatObject {
+/// Scans a text from left to right. An operation that does not find what it expects returns false.
+class FlatObjectScanner {
  public:
-  FlatObject(std::u16string_view source, std::size_t from) noexcept
-      : text(source), at(source.data() + from), end(source.data() + source.size()) {}
+  FlatObjectScanner(std::u16string_view text, std::size_t from) noexcept
+      : text(text), at(text.data() + from), end(text.data() + text.size()) {}
 
-  const char16_t* place() const noexcept { return at; }
+  std::size_t position() const noexcept { return static_cast<std::size_t>(at - text.data()); }
 
-  bool skip() noexcept {
+  bool skipObject() noexcept {
     ++at;
     skipBlanks();
     if (skipIf(u'}')) return true;
-    while (skipString() && skipAround(u':') && skipValue()) {
+    while (skipString() && skipSeparator(u':') && skipValue()) {
       skipBlanks();
       if (skipIf(u'}')) return true;
-      if (!skipAround(u',')) return false;
+      if (!skipSeparator(u',')) return false;
     }
     return false;
   }
@@ -38,8 +37,8 @@ class FlatObject {
     while (at != end && (*at == u' ' || *at == u'\t')) ++at;
   }
 
-  /// A unit with blanks around it.
-  bool skipAround(char16_t unit) noexcept {
+  /// Skips `unit` and the blanks around it.
+  bool skipSeparator(char16_t unit) noexcept {
     skipBlanks();
     const bool found = skipIf(unit);
     skipBlanks();
@@ -48,8 +47,8 @@ class FlatObject {
 
   bool skipString() noexcept {
     if (!skipIf(u'"')) return false;
-    at = text.data() + fl::i18n::findAny<fl::i18n::UnitRange(0, 0x1F), u'"', u'\\'>(
-                           text, static_cast<std::size_t>(at - text.data()));
+    at = text.data() +
+         fl::i18n::findAny<fl::i18n::UnitRange(0, 0x1F), u'"', u'\\'>(text, position());
     return skipIf(u'"');
   }
 
@@ -82,12 +81,12 @@ class FlatObject {
     return !skipIf(u'.') || skipDigits();
   }
 
-  /// So few that the number is far from the largest double.
+  /// Fails for more than 20 digits: with so few the number cannot exceed the largest double.
   bool skipDigits() noexcept {
-    constexpr std::ptrdiff_t kMost = 20;
+    constexpr std::ptrdiff_t kMaxDigits = 20;
     const char16_t* const first = at;
     while (at != end && *at >= u'0' && *at <= u'9') ++at;
-    return at != first && at - first <= kMost;
+    return at != first && at - first <= kMaxDigits;
   }
 
   std::u16string_view text;
@@ -98,8 +97,8 @@ class FlatObject {
 }  // namespace
 
 std::size_t flatObjectEnd(std::u16string_view text, std::size_t from) noexcept {
-  FlatObject object(text, from);
-  return object.skip() ? static_cast<std::size_t>(object.place() - text.data()) : from;
+  FlatObjectScanner scanner(text, from);
+  return scanner.skipObject() ? scanner.position() : from;
 }
 
 }  // namespace foundation::json

@@ -24,20 +24,20 @@ void appendDigits(std::string& output, Integer number) {
   output.append(buffer.data(), end);
 }
 
-// The shortest digits of a positive number, which is 0.DIGITS x 10^point.
-struct Shortest {
+// A positive number as 0.DIGITS x 10^point, with as few digits as parse to the same number.
+struct ShortestDecimal {
   std::array<char, 24> digits;
   int count = 0;
   int point = 0;
 };
 
 template <typename Number>
-Shortest shortestOf(Number number) {
+ShortestDecimal shortestDecimal(Number number) {
   std::array<char, 32> text;
   const char* const end =
       std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific)
           .ptr;
-  Shortest result;
+  ShortestDecimal result;
   const char* at = text.data();
   for (; *at != 'e'; ++at) {
     if (*at != '.') {
@@ -71,10 +71,10 @@ void appendScientific(std::string& output, std::string_view digits, int exponent
   appendDigits(output, std::abs(exponent));
 }
 
-// The bounds are those of ECMAScript's Number::toString.
+// ECMAScript's Number::toString has the same bounds for the form without an exponent.
 template <typename Number>
 void appendPositive(std::string& output, Number number) {
-  const Shortest shortest = shortestOf(number);
+  const ShortestDecimal shortest = shortestDecimal(number);
   const std::string_view digits(shortest.digits.data(), static_cast<std::size_t>(shortest.count));
   if (shortest.point > -6 && shortest.point <= 21) {
     appendPlain(output, digits, shortest.point);
@@ -112,7 +112,8 @@ void appendEscape(std::string& output, char16_t unit) {
   output.append("\\u00").append(1, kHex[unit >> 4U]).append(1, kHex[unit & 0xFU]);
 }
 
-// Whether the character at a byte of UTF-8 is written as an escape.
+// Whether the character that begins at byte `at` of UTF-8 is written as an escape. The only such
+// characters of two bytes are U+0080 to U+009F, whose first byte is 0xC2.
 bool isEscaped(std::string_view text, std::size_t at) {
   const auto byte = static_cast<unsigned char>(text[at]);
   if (byte != 0xC2) return byte < 0x20 || byte == '"' || byte == '\\' || byte == 0x7F;
@@ -128,7 +129,8 @@ std::size_t findEscaped(std::u16string_view text, std::size_t from) {
   return fl::i18n::findAny<UnitRange(0, 0x1F), u'"', u'\\', UnitRange(0x7F, 0x9F)>(text, from);
 }
 
-// Valid UTF-8. Of an escaped character of two bytes the second one is its code point.
+// Appends valid UTF-8. Escaped characters of two bytes are U+0080 to U+009F; the value of their
+// second byte is the code point.
 void appendValid(std::string& output, std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t end = findEscaped(text, at);

@@ -12,8 +12,8 @@ namespace foundation::json {
 
 namespace {
 
-// Puts the tokens of one value together. The pointers stay good: a container grows only while
-// none that it holds is open.
+// Builds a value from its tokens. The pointers to the open containers stay valid, because a
+// container grows only while none of its children is open.
 class Builder {
  public:
   void take(const Lexer& lexer, Token token) {
@@ -22,17 +22,17 @@ class Builder {
         key = lexer.utf8();
         return;
       case Token::kBeginObject:
-        open.push_back(&place(Object()));
+        open.push_back(&add(Object()));
         return;
       case Token::kBeginArray:
-        open.push_back(&place(Array()));
+        open.push_back(&add(Array()));
         return;
       case Token::kEndObject:
       case Token::kEndArray:
         open.pop_back();
         return;
       default:
-        place(leaf(lexer, token));
+        add(leaf(lexer, token));
     }
   }
 
@@ -52,7 +52,8 @@ class Builder {
     }
   }
 
-  Value& place(Value value) {
+  // Adds `value` to the innermost open container, or makes it the root.
+  Value& add(Value value) {
     if (open.empty()) {
       root = std::move(value);
       return root;

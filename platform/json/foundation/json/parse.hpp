@@ -9,38 +9,37 @@
 
 namespace foundation::json {
 
-/// An object that stands inside a line of text, and the place behind its closing brace.
+/// An object embedded in a line of text, and the position after its closing brace.
 struct EmbeddedObject {
   Object object;
   std::size_t end = 0;
 };
 
-/// How deep an embedded object may nest; the object itself is at depth 1.
+/// The maximum nesting depth of an embedded object; the object itself is at depth 1.
 inline constexpr std::size_t kEmbeddedDepth = 64;
 
-/// Reads the one JSON object that begins at `from`, where a "{" must stand, or gives nothing.
+/// Parses the JSON object that begins with the "{" at `from`, which must be there.
 ///
-/// White space is spaces and tabs only. A whole number is a signed integer where it fits in 64
-/// bits, else an unsigned one where it fits, else a double; a number with a fraction or an
-/// exponent is a double. Of equal keys the last one counts. Nothing comes of an object that is no
-/// JSON, nests deeper than `kEmbeddedDepth` or has a number beyond the largest double. Unpaired
-/// surrogates become U+FFFD. What follows the object is not looked at.
+/// Returns nothing if the object is not JSON, nests deeper than `kEmbeddedDepth` or contains a
+/// number beyond the largest double. White space is spaces and tabs only. Numbers are converted as
+/// `Number` says. If a key occurs twice, the last member counts. Unpaired surrogates become U+FFFD.
+/// The text after the object is not read.
 QUENLITH_JSON_EXPORT std::optional<EmbeddedObject> parseEmbeddedObject(std::u16string_view text,
                                                                        std::size_t from);
 
-/// Where a text stops being JSON, in 16-bit code units from its start, and why.
+/// The position of the first error in a text, in 16-bit code units from its start, and the reason.
 struct ParseError {
   std::size_t position = 0;
   const char* reason = "";
 };
 
-/// The place behind an object, or the reason why there is none.
+/// The position after an object, or the reason why there is none.
 struct ObjectExtent {
   std::optional<std::size_t> end;
   ParseError failure;
 };
 
-/// Like `parseEmbeddedObject`, but only says where the object ends. Does not allocate.
+/// Like `parseEmbeddedObject`, but returns only where the object ends. Does not allocate.
 QUENLITH_JSON_EXPORT ObjectExtent measureEmbeddedObject(std::u16string_view text,
                                                         std::size_t from) noexcept;
 
@@ -50,8 +49,8 @@ struct ParseResult {
   ParseError failure;
 };
 
-/// Reads a whole JSON text: one value of any kind, with all of JSON's white space around and
-/// inside it. Otherwise like `parseEmbeddedObject`, with a depth of up to `Lexer::kMaxDepth`.
+/// Parses a whole JSON text: one value of any kind, with any JSON white space around and inside
+/// it. Otherwise like `parseEmbeddedObject`, with a maximum depth of `Lexer::kMaxDepth`.
 QUENLITH_JSON_EXPORT ParseResult parse(std::u16string_view text);
 
 }  // namespace foundation::json

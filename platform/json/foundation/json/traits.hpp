@@ -9,7 +9,7 @@ namespace foundation::json {
 
 class Value;
 
-/// The kind of a value that was never given one, for instance of a key that a map lacks.
+/// The absence of a value, for example the value of a key that a map does not contain.
 struct Undefined {
   friend bool operator==(Undefined, Undefined) = default;
 };
@@ -38,8 +38,8 @@ enum class Kind : std::uint8_t {
   kUnsigned
 };
 
-/// What is known of a type that a value can hold: its kind, and its name in messages. The names
-/// are distinct. There is no definition for any other type.
+/// The kind of a type that a value can contain, and its name in messages. The names are distinct.
+/// Not defined for any other type.
 // NOLINTBEGIN(readability-identifier-naming): `traits` and `name` are fixed by the interface.
 template <typename T>
 struct traits;

@@ -14,7 +14,7 @@ struct UnitRange {
   char16_t first;
   char16_t last;
 
-  // NOLINTNEXTLINE(google-explicit-constructor): one unit is the range that most searches need.
+  // NOLINTNEXTLINE(google-explicit-constructor): most searches are for single units.
   constexpr UnitRange(char16_t unit) noexcept : UnitRange(unit, unit) {}
   constexpr UnitRange(char16_t first, char16_t last) noexcept : first(first), last(last) {}
 
@@ -25,7 +25,7 @@ namespace detail {
 
 #ifdef __SSE2__
 
-// How many code units a vector has.
+// The number of code units in a vector.
 inline constexpr std::size_t kVectorUnits = 8;
 
 // All bits of a lane are set where the unit is in the range.
@@ -34,7 +34,8 @@ __m128i match(__m128i units) noexcept {
   if constexpr (range.first == range.last) {
     return _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(range.first)));
   }
-  // SSE2 has no unsigned comparison: the saturated difference is 0 for units up to the limit.
+  // SSE2 has no unsigned comparison. Units below the range wrap around to a large offset, and the
+  // saturating difference is 0 only for offsets up to the limit.
   const __m128i offset = _mm_sub_epi16(units, _mm_set1_epi16(static_cast<short>(range.first)));
   const __m128i limit = _mm_set1_epi16(static_cast<short>(range.last - range.first));
   return _mm_cmpeq_epi16(_mm_subs_epu16(offset, limit), _mm_setzero_si128());
@@ -66,8 +67,9 @@ inline std::size_t lowestBit(unsigned mask) noexcept {
   return static_cast<unsigned>(__builtin_ctz(mask));
 }
 
-// The last vectors overlap units that are known not to match, so that no tail is left. Returns the
-// end of the range if nothing matches. Both need as many units as their vectors have.
+// These two return the size of `text` if nothing matches. The last step ends at the end of the text
+// and overlaps units that are known not to match, which saves a loop over the remaining units. At
+// least as many units as one step reads must follow `from`; `findInEights` takes at most two steps.
 template <UnitRange... ranges>
 std::size_t findInEights(std::u16string_view text, std::size_t from) noexcept {
   if (const unsigned mask = maskOfEight<ranges...>(text.data() + from)) {
@@ -112,13 +114,13 @@ std::size_t findAny(std::u16string_view text, std::size_t from = 0) noexcept {
 
 /// Returns whether a unit of `text` is in one of the ranges.
 ///
-/// Reads all of the text. For short texts, of which most have no such unit, this is faster than
-/// `findAny`: it does not branch on what it finds.
+/// Always reads the whole text. Faster than `findAny` for short texts that rarely contain such a
+/// unit, because it does not branch on each vector's result.
 template <UnitRange... ranges>
 bool containsAny(std::u16string_view text) noexcept {
 #ifdef __SSE2__
   if (text.size() >= detail::kVectorUnits) {
-    // The last vector overlaps the one before it, so that no tail is left.
+    // The last vector overlaps the one before it, which saves a loop over the remaining units.
     const std::size_t last = text.size() - detail::kVectorUnits;
     __m128i found = detail::matchAny<ranges...>(text.data() + last);
     for (std::size_t at = 0; at < last; at += detail::kVectorUnits) {
@@ -133,7 +135,7 @@ bool containsAny(std::u16string_view text) noexcept {
 /// Returns the position of the first `first` of `text` at or after `from` that is followed by
 /// `second`; the size of `text` when there is none. `from` is at most that size.
 ///
-/// Linear for any text; fastest when `second` is the rarer one of the two.
+/// Linear for any text. Fastest when `second` is the rarer unit, since only that is searched for.
 template <char16_t first, char16_t second>
 std::size_t findPair(std::u16string_view text, std::size_t from = 0) noexcept {
   std::size_t at = findAny<second>(text, from);

@@ -11,8 +11,9 @@ namespace fl::i18n {
 
 namespace {
 
-// A string cannot grow without its new part being written twice, so the text goes through a
-// buffer on the stack: the copy out of the first-level cache is the cheaper one.
+// std::u16string::resize would fill the new part with zeros before the conversion overwrites it.
+// Converting into a buffer on the stack and appending that is cheaper: the buffer stays in the
+// first-level cache.
 constexpr std::size_t kPartBytes = 1024;
 
 }  // namespace

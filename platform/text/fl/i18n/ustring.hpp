@@ -7,7 +7,7 @@
 
 namespace fl::i18n {
 
-/// A text of 16-bit code units (UTF-16). It may hold unpaired surrogates.
+/// A text of 16-bit code units (UTF-16). It may contain unpaired surrogates.
 using ustring = std::u16string;
 
 /// Converts UTF-8 bytes to 16-bit code units.

@@ -49,7 +49,8 @@ char* writePair(char* out, char16_t high, char16_t low) {
   return out;
 }
 
-// Where reading and writing stand. Writing needs no bound: a unit takes three bytes at most.
+// The positions of reading and writing. The output needs no end: it has room for three bytes per
+// unit, and a unit never needs more.
 struct Cursor {
   const char16_t* in;
   const char16_t* end;
@@ -72,7 +73,7 @@ void convertOne(Cursor& cursor) {
 }
 
 #ifdef __SSE2__
-// Sixteen units at a time as long as all of them are ASCII.
+// Converts sixteen units at a time until a block is not all ASCII.
 void convertAscii(Cursor& cursor) {
   const __m128i limit = _mm_set1_epi16(static_cast<short>(0xFF80));
   while (cursor.end - cursor.in >= 16) {
@@ -91,7 +92,8 @@ void convertAscii(Cursor& cursor) {
 void convertAscii(Cursor&) {}
 #endif
 
-// A block that is not ASCII is converted unit by unit before the next attempt.
+// Converts the next sixteen units one by one, so that text without ASCII blocks does not pay for a
+// vector test per unit.
 void convertBlock(Cursor& cursor) {
   const char16_t* stop = cursor.in + std::min<std::ptrdiff_t>(16, cursor.end - cursor.in);
   while (cursor.in < stop) {
@@ -99,6 +101,7 @@ void convertBlock(Cursor& cursor) {
   }
 }
 
+// Does not separate the halves of a surrogate pair.
 std::size_t chunkLength(std::u16string_view text) {
   if (text.size() <= kChunkUnits) {
     return text.size();

@@ -14,16 +14,16 @@ namespace {
 
 using Byte = unsigned char;
 
-// One sequence behind a byte that is not ASCII: the code point (U+FFFD when it is ill-formed) and
-// how many bytes belong to it, at least one.
+// A sequence that begins with a byte that is not ASCII: its code point (U+FFFD when it is
+// ill-formed) and its length in bytes, at least 1.
 struct Sequence {
   std::uint32_t code = 0xFFFD;
   std::uint32_t length = 1;
   bool valid = false;
 };
 
-// What a lead byte asks for: the count of bytes and the bounds of the second one (Unicode
-// standard, table 3-7, well-formed UTF-8 byte sequences).
+// What a lead byte determines: the length of the sequence, 1 if the byte cannot begin one, and the
+// bounds of the second byte (Unicode standard, table 3-7, well-formed UTF-8 byte sequences).
 struct Lead {
   std::uint32_t length;
   Byte low;
@@ -43,8 +43,8 @@ Lead leadOf(Byte lead) {
   return {4, lead == 0xF0 ? Byte{0x90} : Byte{0x80}, lead == 0xF4 ? Byte{0x8F} : Byte{0xBF}};
 }
 
-// Follows Unicode's "maximal subpart": the sequence ends before the first byte that cannot stand
-// where it stands.
+// An ill-formed sequence is Unicode's "maximal subpart": it ends before the first byte that cannot
+// continue it.
 Sequence decode(const Byte* in, const Byte* end) {
   const Lead lead = leadOf(*in);
   if (lead.length == 1 || end - in < 2 || in[1] < lead.low || in[1] > lead.high) {
@@ -72,14 +72,15 @@ char16_t* write(char16_t* out, std::uint32_t code) {
 }
 
 #ifdef __SSE2__
-// Returns the first byte in [in, end) that is not ASCII or lies among the last fifteen; the bytes
-// before it are written as units. All sixteen units of a block may be written: there are never
-// more units than bytes read, so `out` has room for them.
+// The positions of reading and writing.
 struct Ascii {
   const Byte* in;
   char16_t* out;
 };
 
+// Writes bytes as units up to the first byte that is not ASCII, or until fewer than sixteen are
+// left. A block is stored whole even if only its first bytes are ASCII: `out` has room, because a
+// text never has more units than bytes.
 Ascii widenAscii(const Byte* in, const Byte* end, char16_t* out) {
   const __m128i zero = _mm_setzero_si128();
   while (end - in >= 16) {
@@ -97,6 +98,7 @@ Ascii widenAscii(const Byte* in, const Byte* end, char16_t* out) {
   return {in, out};
 }
 
+// Like `widenAscii`, but writes nothing.
 const Byte* skipAscii(const Byte* in, const Byte* end) {
   while (end - in >= 16) {
     const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
