@@ -6,11 +6,12 @@
 
 namespace quenlith::syntax {
 
-/// The elements that have a meaning, and every other one.
+/// The elements that have a meaning; `kOther` is every other element.
 enum class KnownElement : std::uint8_t { kControl, kOutput, kTask, kText, kOther };
 
-/// Returns which element `name` is the exact name of.
+/// Returns the element with exactly this name.
 inline KnownElement findKnownElement(std::u16string_view name) noexcept {
+  // The caller has compared the sizes.
   const auto is = [name](std::u16string_view known) {
     return std::memcmp(name.data(), known.data(), known.size() * sizeof(char16_t)) == 0;
   };

@@ -13,7 +13,7 @@ namespace {
 
 using fl::i18n::ustring;
 
-// The marker that is the whole of `text`, its leader optional.
+// Matches `text` as exactly one marker, with or without a leader.
 std::optional<MarkerMatch> matchWhole(std::u16string_view text) {
   const auto opening = leaderLength(text);
   if (!opening || text.substr(*opening, 2) != u"<@") {
@@ -27,13 +27,14 @@ std::optional<MarkerMatch> matchWhole(std::u16string_view text) {
   return match;
 }
 
-// The parts of the marker that `text` writes; null when it writes none.
+// Makes the parts of a marker from a bare element name or the text of a marker; null for any other
+// text.
 MarkerParts::Pointer makeParts(std::u16string_view text) {
-  MarkerMatch bare;
-  bare.known = findKnownElement(text);
-  bare.element = text;
-  if (bare.known != KnownElement::kOther) {
-    return MarkerParts::make(bare);
+  MarkerMatch elementOnly;
+  elementOnly.known = findKnownElement(text);
+  elementOnly.element = text;
+  if (elementOnly.known != KnownElement::kOther) {
+    return MarkerParts::make(elementOnly);
   }
   const auto match = matchWhole(text);
   return match ? MarkerParts::make(*match) : nullptr;
@@ -65,7 +66,7 @@ void appendEscaped(ustring& output, char16_t unit) {
   output.append(u"\\u00").append(1, u"01"[unit >> 4U]).append(1, u"0123456789abcdef"[unit & 0xFU]);
 }
 
-// An id stays 16-bit text, so that unpaired surrogates come through.
+// An id stays 16-bit text, so that unpaired surrogates are kept.
 void appendId(ustring& output, std::u16string_view id) {
   output.append(1, u'#');
   if (isName(id)) {
@@ -124,7 +125,7 @@ bool Marker::operator==(Marker other) const {
       idView() != other.idView()) {
     return false;
   }
-  // What is written alike is alike.
+  // Equal texts mean equal data, and comparing them does not parse it.
   const bool sameText = parts && other.parts && parts->dataText() == other.parts->dataText();
   return sameText || dataView() == other.dataView();
 }

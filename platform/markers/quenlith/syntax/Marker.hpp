@@ -12,25 +12,25 @@
 
 namespace quenlith::syntax {
 
-/// One parsed marker: the element that it belongs to, its type within that element, its
-/// identifier and its data, each possibly empty.
+/// One parsed marker: its element, its type within that element, its id and its data, each possibly
+/// empty.
 ///
-/// An immutable value, assignment apart. Copies share the parsed parts, so copying only increments
-/// a reference count; copies may be read and destroyed on several threads.
+/// An immutable value, except for assignment. Copies share the parsed parts, so copying only
+/// increments a reference count; copies may be read and destroyed on several threads.
 class QUENLITH_MARKERS_EXPORT Marker {
  public:
   using Data = MarkerParts::Data;
 
-  /// Makes the marker whose parts are all empty.
+  /// Makes a marker whose parts are all empty.
   Marker() noexcept = default;
 
   /// Makes a marker from `text`: one of the bare element names "control", "output", "task" and
-  /// "text", or one marker in any spelling, with any leader or none, with or without a range, of a
-  /// known element or not. Any other text gives the marker whose parts are all empty.
+  /// "text", or the text of one marker of any element except "appendix", with any leader or none
+  /// and with or without a range. Any other text results in a marker whose parts are all empty.
   // NOLINTNEXTLINE(google-explicit-constructor): a text is accepted where a marker is expected.
   Marker(const fl::i18n::ustring& text);
 
-  /// Makes the marker with these parts; for the scanner. Null is the marker without any part.
+  /// Makes a marker with these parts; for the scanner. With null, all parts are empty.
   explicit Marker(MarkerParts::Pointer parts) noexcept : parts(std::move(parts)) {}
 
   fl::i18n::ustring getId() const;
@@ -38,7 +38,7 @@ class QUENLITH_MARKERS_EXPORT Marker {
   fl::i18n::ustring getType() const;
   Data getData() const;
 
-  /// Like the readers by value, but borrowed until the last copy of this marker is destroyed.
+  /// Like the getters above, but borrowed: valid until the last copy of this marker is destroyed.
   std::u16string_view idView() const noexcept {
     return parts ? parts->id() : std::u16string_view();
   }
@@ -48,10 +48,10 @@ class QUENLITH_MARKERS_EXPORT Marker {
   std::u16string_view typeView() const noexcept {
     return parts ? parts->type() : std::u16string_view();
   }
-  /// Throws std::bad_alloc.
+  /// Like `idView`. The first call parses the data and may throw std::bad_alloc.
   const Data& dataView() const;
 
-  /// Returns the canonical text, from which an equal marker can be made again.
+  /// Returns the canonical text. A marker made from it is equal to this one.
   fl::i18n::ustring toString() const;
 
   /// Returns whether element, type, id and data are equal.

@@ -9,8 +9,9 @@ bool MarkerFinder::nextMarker(Candidate& found) noexcept {
   return false;
 }
 
-// A leader ends the search backwards at the previous "<@" at the latest, and at the ">" of a
-// marker before it: neither holds a character of a leader.
+// The backward search for a leader cannot run past a previous "<@", or into the marker before it,
+// which ends with ">": none of these characters can be in a leader. So every unit is searched for
+// a leader at most once.
 bool MarkerFinder::nextCandidate(Candidate& found) noexcept {
   std::size_t opening = findOpening(text, at);
   while (opening != text.size()) {

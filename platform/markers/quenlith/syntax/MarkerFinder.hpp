@@ -7,32 +7,34 @@
 
 namespace quenlith::syntax {
 
-/// Finds the markers of a text one after the other, without making them.
+/// Finds the markers of a text one after the other, without creating `Marker` objects.
 ///
-/// The marker that begins first counts; what turns out to be none is searched again from behind
-/// its "<@". This is linear. Outside its strings a marker holds no "<@", so an attempt that goes
-/// on over the "<@" of another one does so inside a string, while the other attempt begins
-/// outside of any. A quote moves the first one out of its string and the second one into one of
-/// its own; a backslash ends the one that is outside. They never meet in the same state, and only
-/// the one inside a string outlives the next "<@": at most two attempts read any unit.
+/// Where markers overlap, the one that begins first counts. If the text at a "<@" does not match,
+/// the search continues after that "<@". Even so the search is linear, because at most two attempts
+/// read any unit: outside its strings a marker cannot contain "<@", so an attempt that reads past
+/// the "<@" of a later attempt does so inside a string, while the later attempt starts outside a
+/// string. A quote ends the string of one and starts a string of the other, and a backslash fails
+/// the one that is outside a string. So the two are never in the same state, and only the one
+/// inside a string reads past the next "<@".
 class MarkerFinder {
  public:
-  /// A text with a leader and a "<@", and what came of it.
+  /// A leader followed by "<@", and the result of matching it.
   struct Candidate {
     /// Start of the leader.
     std::size_t position = 0;
     MarkerMatch match;
   };
 
-  MarkerFinder(std::u16string_view source, Elements taken) : text(source), elements(taken) {}
+  /// Borrows `text`. Markers of elements outside `elements` do not match.
+  MarkerFinder(std::u16string_view text, Elements elements) : text(text), elements(elements) {}
 
-  // What is found goes where the caller wants it: a candidate is large, and to copy it at once
-  // after it was written stalls the processor.
+  // These two write to an output parameter and do not return a Candidate: it is large, and copying
+  // it directly after it was written stalls the processor.
 
   /// Finds the next marker; returns false at the end of the text.
   bool nextMarker(Candidate& found) noexcept;
 
-  /// Like `nextMarker`, but also finds what is no marker.
+  /// Like `nextMarker`, but also finds candidates that are not markers.
   bool nextCandidate(Candidate& found) noexcept;
 
  private:

@@ -17,7 +17,7 @@ constexpr bool isDigit(char16_t unit) {
   return unit >= u'0' && unit <= u'9';
 }
 
-// Which units below U+0080 may stand in a name.
+// Which units below U+0080 are allowed in a name.
 constexpr std::array<bool, 0x80> kNameUnits = [] {
   std::array<bool, 0x80> units{};
   for (char16_t unit = 0; unit < 0x80; ++unit) {
@@ -32,7 +32,7 @@ bool isNameUnit(char16_t unit) {
   return unit >= kNameUnits.size() || kNameUnits[unit];
 }
 
-// How many times a character must stand to be a leader; 0 when it is none.
+// How often a character must be repeated to be a leader; 0 when it cannot be one.
 std::size_t leaderMinimum(char16_t unit) {
   switch (unit) {
     case u'%':
@@ -47,12 +47,12 @@ std::size_t leaderMinimum(char16_t unit) {
   }
 }
 
-// Reads one marker from left to right. An operation that does not find what it looks for says so
-// in the match and returns false.
+// Reads one marker from left to right. An operation that does not find what it expects records the
+// problem in the match and returns false.
 class Matcher {
  public:
-  Matcher(std::u16string_view source, std::size_t start, MarkerMatch& result)
-      : text(source), at(start), match(result) {}
+  Matcher(std::u16string_view text, std::size_t at, MarkerMatch& match)
+      : text(text), at(at), match(match) {}
 
   void run(Elements elements) {
     if (takeElement(elements) && takeType() && takeId() && takeRange() && takeData()) {
@@ -94,10 +94,10 @@ class Matcher {
   bool takeElement(Elements elements) {
     match.element = takeName();
     match.known = findKnownElement(match.element);
-    const bool isTaken =
+    const bool isAccepted =
         match.known != KnownElement::kOther ||
         (elements == Elements::kAny && !match.element.empty() && match.element != kAppendix);
-    return isTaken || fail("there is no such element");
+    return isAccepted || fail("there is no such element");
   }
 
   bool takeType() {
@@ -132,9 +132,9 @@ class Matcher {
 
   bool expect(char16_t unit, const char* why) { return consumeIf(unit) || fail(why); }
 
-  // A range or data must stand apart from what is before it.
+  // A blank must precede the range and the data.
   bool takeRange() {
-    isApart = skipBlanks();
+    isAfterBlank = skipBlanks();
     if (!peekIs(u'[')) {
       return true;
     }
@@ -145,16 +145,16 @@ class Matcher {
       return false;
     }
     match.range.emplace(begin, end);
-    isApart = skipBlanks();
+    isAfterBlank = skipBlanks();
     return true;
   }
 
   bool takeBracket() {
-    at += isApart ? 1 : 0;
-    return isApart || fail("a blank is missing before the range");
+    at += isAfterBlank ? 1 : 0;
+    return isAfterBlank || fail("a blank is missing before the range");
   }
 
-  // Digits with blanks around them. Too many of them give the greatest number.
+  // Reads digits and the blanks around them. A number that does not fit becomes 2^64 - 1.
   bool takeNumber(std::uint64_t& number) {
     bool fits = true;
     skipBlanks();
@@ -175,7 +175,7 @@ class Matcher {
     if (!peekIs(u'{')) {
       return true;
     }
-    if (!isApart) {
+    if (!isAfterBlank) {
       return fail("a blank is missing before the data");
     }
     const auto extent = foundation::json::measureEmbeddedObject(text, at);
@@ -194,7 +194,7 @@ class Matcher {
   std::u16string_view text;
   std::size_t at;
   MarkerMatch& match;
-  bool isApart = false;
+  bool isAfterBlank = false;
 };
 
 }  // namespace

@@ -11,17 +11,17 @@
 
 namespace quenlith::syntax {
 
-/// The elements whose markers are taken: the four known ones, or all but "appendix".
+/// The elements whose markers match: the four known ones, or all except "appendix".
 enum class Elements { kKnown, kAny };
 
-/// The parts of one marker as they stand in a text, or the reason why there is none. Borrows from
+/// The parts of one marker as written in a text, or the reason why there is no marker. Borrows from
 /// the text.
 struct MarkerMatch {
   KnownElement known = KnownElement::kOther;
   std::u16string_view element;
   std::u16string_view type;
 
-  /// The quotes of a quoted id included.
+  /// A quoted id includes its quotes and its escapes.
   std::u16string_view id;
 
   std::optional<std::pair<std::uint64_t, std::uint64_t>> range;
@@ -29,31 +29,33 @@ struct MarkerMatch {
   /// From the opening brace to the closing one; empty when there is no data.
   std::u16string_view data;
 
-  /// Behind the closing ">"; where there is no marker, the first unit that breaks the grammar.
+  /// The position after the closing ">"; if there is no marker, the first unit that breaks the
+  /// grammar.
   std::size_t end = 0;
 
   /// Null when there is a marker.
   const char* problem = nullptr;
 };
 
-/// Returns the first position at or after `from` that has "<@"; the size of the text without one.
+/// Returns the position of the first "<@" at or after `from`; the size of `text` if there is none.
 inline std::size_t findOpening(std::u16string_view text, std::size_t from) noexcept {
   return fl::i18n::findPair<u'<', u'@'>(text, from);
 }
 
-/// Matches the marker whose "<@" stands at `opening`, which must be so, into `match`; its leader is
-/// not looked at. Never throws and does not allocate.
+/// Matches the marker whose "<@" is at `opening`, where one must be, and writes the result to
+/// `match`. Does not check the leader, does not allocate.
 void matchMarker(std::u16string_view text, std::size_t opening, Elements elements,
                  MarkerMatch& match) noexcept;
 
-/// Returns the start of the leader that stands, blanks apart, before the "<@" at `opening`.
+/// Returns the start of the leader before the "<@" at `opening`, with or without blanks between
+/// them; nothing if there is no leader.
 std::optional<std::size_t> findLeader(std::u16string_view text, std::size_t opening) noexcept;
 
-/// Returns the length of the leader that begins `text` and of the blanks behind it; a text
-/// without a leader may begin with blanks. Nothing when a character is there too few times.
+/// Returns the length of the leader at the start of `text` and the blanks after it; without a
+/// leader, the length of the blanks. Nothing if the leader's character is repeated too few times.
 std::optional<std::size_t> leaderLength(std::u16string_view text) noexcept;
 
-/// Returns whether `text` is one or more characters of a name.
+/// Returns whether `text` is a name: not empty, and only characters that are allowed in one.
 bool isName(std::u16string_view text) noexcept;
 
 bool isBlank(char16_t unit) noexcept;

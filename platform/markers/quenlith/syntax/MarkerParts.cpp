@@ -14,7 +14,7 @@ namespace quenlith::syntax {
 
 namespace {
 
-// The text that a match was found in, from its element to its last part.
+// The text of a match from its element to the end of its last part.
 std::u16string_view extentOf(const MarkerMatch& match) noexcept {
   const char16_t* end = match.element.data() + match.element.size();
   for (const std::u16string_view part : {match.type, match.id, match.data}) {
@@ -27,19 +27,19 @@ std::u16string_view extentOf(const MarkerMatch& match) noexcept {
 
 MarkerParts::MarkerParts(const MarkerMatch& match) noexcept {
   const std::u16string_view extent = extentOf(match);
-  const auto place = [extent](std::u16string_view part) {
+  const auto partOf = [extent](std::u16string_view part) {
     if (part.empty()) return Part();
     return Part{static_cast<std::size_t>(part.data() - extent.data()), part.size()};
   };
-  elementPart = place(match.element);
-  typePart = place(match.type);
-  idPart = place(match.id);
-  dataPart = place(match.data);
+  elementPart = partOf(match.element);
+  typePart = partOf(match.type);
+  idPart = partOf(match.id);
+  dataPart = partOf(match.data);
   std::memcpy(const_cast<char16_t*>(text()), extent.data(), extent.size() * sizeof(char16_t));
 }
 
 MarkerParts::~MarkerParts() {
-  delete readData.load(std::memory_order_relaxed);
+  delete parsedData.load(std::memory_order_relaxed);
 }
 
 MarkerParts::Pointer MarkerParts::make(const MarkerMatch& match) {
@@ -54,7 +54,8 @@ MarkerParts::Pointer MarkerParts::copy(const MarkerMatch& match) {
   return Pointer(new (::operator new(sizeof(MarkerParts) + textBytes)) MarkerParts(match), false);
 }
 
-// Writes the match anew, with the id for the quoted one.
+// Makes the parts with the decoded id. They are copied into one text first, because the constructor
+// expects all parts to be views of one text.
 MarkerParts::Pointer MarkerParts::unquote(const MarkerMatch& match) {
   foundation::json::Lexer lexer(match.id);
   lexer.next();
@@ -83,23 +84,23 @@ const MarkerParts::Pointer& MarkerParts::bare(KnownElement element) {
     match.element = name;
     return copy(match);
   };
-  // In the order of the enumeration.
+  // In the order of KnownElement.
   static const std::array<Pointer, 4> kBare{makeBare(u"control"), makeBare(u"output"),
                                             makeBare(u"task"), makeBare(u"text")};
   return kBare[static_cast<std::size_t>(element)];
 }
 
 const MarkerParts::Data& MarkerParts::data() const {
-  if (const Data* data = readData.load(std::memory_order_acquire)) return *data;
+  if (const Data* data = parsedData.load(std::memory_order_acquire)) return *data;
   static const Data kNone;
   if (dataText().empty()) return kNone;
-  auto read = std::make_unique<const Data>(
+  auto parsed = std::make_unique<const Data>(
       std::move(foundation::json::parseEmbeddedObject(dataText(), 0)->object));
   const Data* first = nullptr;
-  // Another thread may have been faster: what it read is as good, and is in use.
+  // If another thread was faster, its result is kept, since it may be in use already.
   const bool isFirst =
-      readData.compare_exchange_strong(first, read.get(), std::memory_order_acq_rel);
-  return isFirst ? *read.release() : *first;
+      parsedData.compare_exchange_strong(first, parsed.get(), std::memory_order_acq_rel);
+  return isFirst ? *parsed.release() : *first;
 }
 
 void MarkerParts::end() const noexcept {

@@ -18,15 +18,15 @@ struct MarkerMatch;
 
 /// What the copies of one marker share: its parts and their text, in one block of memory.
 ///
-/// Its data is kept as the text that was found good and is read when somebody first asks: most
-/// markers are never asked. Several threads may ask.
+/// The data is stored as its validated text and parsed on first access: the data of most markers is
+/// never read. Thread-safe.
 class MarkerParts {
  public:
   using Data = std::map<std::string, foundation::json::Value>;
   using Pointer = boost::intrusive_ptr<const MarkerParts>;
 
-  /// Makes the parts of a successful match. Markers of a known element that have nothing else
-  /// share one object each.
+  /// Makes the parts of a successful match. All markers that consist of the same known element and
+  /// nothing else share one object.
   static Pointer make(const MarkerMatch& match);
 
   MarkerParts(const MarkerParts&) = delete;
@@ -35,19 +35,20 @@ class MarkerParts {
   std::u16string_view element() const noexcept { return view(elementPart); }
   std::u16string_view type() const noexcept { return view(typePart); }
   std::u16string_view id() const noexcept { return view(idPart); }
-  /// The data as it was written, from brace to brace; empty when there was none.
+  /// The data as it was written, from brace to brace; empty when there is none.
   std::u16string_view dataText() const noexcept { return view(dataPart); }
-  /// Throws std::bad_alloc, and can then be asked again.
+  /// Parses the data on the first call. May throw std::bad_alloc; a later call tries again.
   QUENLITH_MARKERS_EXPORT const Data& data() const;
 
  private:
-  /// A part of the text behind the object.
+  /// A part of the text that follows the object in memory.
   struct Part {
     std::size_t begin = 0;
     std::size_t length = 0;
   };
 
-  /// Copies the text from the element of `match` to its data, which stand in one text.
+  /// Copies the text of `match` from its element to its last part; all must be views of one text.
+  /// The memory after the object must have room for it.
   explicit MarkerParts(const MarkerMatch& match) noexcept;
   ~MarkerParts();
   static Pointer copy(const MarkerMatch& match);
@@ -58,7 +59,8 @@ class MarkerParts {
     parts->references.fetch_add(1, std::memory_order_relaxed);
   }
   friend void intrusive_ptr_release(const MarkerParts* parts) noexcept {
-    // The last handle need not write the count.
+    // The last handle does not write the count, which saves an atomic read-modify-write: nobody
+    // else can copy the only handle at the same time.
     if (parts->references.load(std::memory_order_acquire) == 1 ||
         parts->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
       parts->end();
@@ -69,7 +71,8 @@ class MarkerParts {
   const char16_t* text() const noexcept { return reinterpret_cast<const char16_t*>(this + 1); }
   std::u16string_view view(Part part) const noexcept { return {text() + part.begin, part.length}; }
 
-  mutable std::atomic<const Data*> readData{nullptr};
+  // Null until the data has been parsed. Owned.
+  mutable std::atomic<const Data*> parsedData{nullptr};
   mutable std::atomic<std::uint32_t> references{1};
   Part elementPart;
   Part typePart;

@@ -15,46 +15,46 @@ namespace core = build::markup::core;
 
 /// Returns the markers of `text` by ascending position; they never overlap.
 ///
-/// With `anyElement` false these are the markers of the elements "control", "output", "task" and
-/// "text"; with true also well-formed markers of other elements, "appendix" excepted. What breaks
-/// the grammar is no marker. Throws nothing but std::bad_alloc, and does not allocate for a text
-/// without a marker. Linear in the text, whatever it holds.
+/// If `anyElement` is false, these are the markers of the elements "control", "output", "task" and
+/// "text"; otherwise of all elements except "appendix". Text that breaks the grammar is not a
+/// marker. Throws only std::bad_alloc, and does not allocate for a text without a marker. Linear
+/// for any text.
 QUENLITH_MARKERS_EXPORT std::vector<core::MarkerInfo> get_markers_from_snippet(
     const fl::i18n::ustring& text, bool anyElement);
 
-/// Returns the first marker of the list with the element and, unless `type` is empty, the type.
+/// Returns the first marker of the list with this element and, unless `type` is empty, this type.
 QUENLITH_MARKERS_EXPORT std::optional<core::MarkerInfo> get_marker(
     const std::vector<core::MarkerInfo>& markers, const fl::i18n::ustring& element,
     const fl::i18n::ustring& type);
 
-/// Returns whether a marker of the list has the element.
+/// Returns whether a marker of the list has this element.
 QUENLITH_MARKERS_EXPORT bool has_feature(const std::vector<core::MarkerInfo>& markers,
                                          const fl::i18n::ustring& element);
 
-/// Like the question to the list that `get_markers_from_snippet(text, false)` returns, but stops
-/// at the first such marker and does not allocate.
+/// Like the overload for the result of `get_markers_from_snippet(text, false)`, but stops at the
+/// first such marker and does not allocate.
 QUENLITH_MARKERS_EXPORT bool has_feature(const fl::i18n::ustring& text,
                                          const fl::i18n::ustring& element);
 
-/// Returns whether `line`, without its line ending, holds nothing but a leader, optional blanks,
-/// "<@appendix>" and trailing blanks: the line that parts the code of a file from its appendix.
+/// Returns whether `line`, without its line ending, consists of a leader, optional blanks,
+/// "<@appendix>" and optional blanks: the line that separates the code of a file from its appendix.
 QUENLITH_MARKERS_EXPORT bool isAppendixLine(std::u16string_view line) noexcept;
 
-/// A text that begins like a marker of a known element, leader included, and breaks the grammar
-/// further on. Numbers count 16-bit code units from the start of the snippet.
+/// A text that begins like a marker of a known element, with a leader, but then breaks the grammar.
+/// Positions count 16-bit code units from the start of the text.
 struct DamagedMarker {
   /// Start of the leader.
   std::uint64_t position = 0;
 
-  /// The first unit that cannot stand where it stands; the end of the text when that cuts it off.
+  /// The first unit that breaks the grammar; the end of the text if the marker is cut off there.
   std::uint64_t problemPosition = 0;
 
-  /// What is wrong, for a person. A constant.
+  /// What is wrong, as text for a person. A constant.
   const char* reason = "";
 };
 
-/// Returns what looks like a marker of `text` and is none, by ascending position, for tools that
-/// help an author. Linear in the text.
+/// Returns the damaged markers of `text` by ascending position, for tools that help an author.
+/// Linear for any text.
 QUENLITH_MARKERS_EXPORT std::vector<DamagedMarker> findDamagedMarkers(std::u16string_view text);
 
 }  // namespace quenlith::syntax
