@@ -20,14 +20,14 @@
 
 namespace quenlith::bundle {
 
-/// Lists the interfaces that a component provides, as "interfaces" in the manifest does.
+/// Lists the interfaces that a component provides: its "interfaces" in the manifest.
 template <class... Interfaces>
 struct Provides {};
 
 /// The name of a reference as a template argument.
 template <std::size_t size>
 struct ReferenceName {
-  // Implicit, so that a string literal can be the template argument.
+  // Implicit, so that a string literal can be used as the template argument.
   consteval ReferenceName(const char (&name)[size]) { std::copy_n(name, size, characters); }
 
   char characters[size];
@@ -37,22 +37,23 @@ struct ReferenceName {
 template <ReferenceName name, class Interface>
 struct Reference {};
 
-/// Makes the instance object of a component; see `QUENLITH_COMPONENT`.
+/// Creates the instance object of a component; see `QUENLITH_COMPONENT`.
 template <class Implementation, class Provided, class... References>
 struct Factory;
 
 template <class Implementation, class... Interfaces, ReferenceName... names, class... Referenced>
 struct Factory<Implementation, Provides<Interfaces...>, Reference<names, Referenced>...> {
-  static_assert(sizeof...(Interfaces) > 0, "a component provides one interface at least");
+  static_assert(sizeof...(Interfaces) > 0, "a component must provide at least one interface");
   static_assert((std::is_base_of_v<Interfaces, Implementation> && ...),
-                "the class of a component derives from every interface that it provides");
-  static_assert(std::is_constructible_v<Implementation, std::shared_ptr<Referenced>...>,
-                "the class of a component has a constructor that takes its references in order");
+                "the class of a component must derive from every interface that it provides");
+  static_assert(
+      std::is_constructible_v<Implementation, std::shared_ptr<Referenced>...>,
+      "the class of a component must have a constructor that takes its references in order");
 
   using Instance = cppmicroservices::service::component::detail::ComponentInstanceImpl<
       Implementation, std::tuple<Interfaces...>, std::shared_ptr<Referenced>...>;
 
-  /// Returns a new instance object, which the runtime owns and which has not made its
+  /// Returns a new instance object, which the runtime owns and which has not created its
   /// `Implementation` yet; null when memory runs out.
   static cppmicroservices::service::component::detail::ComponentInstance* make() noexcept {
     try {
@@ -69,14 +70,13 @@ struct Factory<Implementation, Provides<Interfaces...>, Reference<names, Referen
 
 /// Exports the two functions with which the runtime creates and destroys a component instance.
 ///
-/// `symbol` is the qualified name of the class with "_" for "::"; then follow the class, the
-/// interfaces and the references in the order of the manifest and of the constructor:
+/// `symbol` is the qualified name of the class with "_" for "::". The other arguments are the
+/// class, its interfaces, and its references in the order of the manifest and of the constructor:
 ///
 ///     QUENLITH_COMPONENT(demo_Speaker, demo::Speaker, Provides<demo::Greeter>,
 ///                        Reference<"dictionary", demo::Dictionary>)
 ///
-/// Use it outside of any namespace, once per component. `Provides` and `Reference` need no
-/// qualification.
+/// Use it outside all namespaces, once per component. `Provides` and `Reference` need no qualifier.
 #define QUENLITH_COMPONENT(symbol, ...)                                                     \
   namespace quenlith::bundle {                                                              \
   extern "C" QUENLITH_BUNDLE_EXPORT                                                         \

@@ -7,11 +7,12 @@
 
 namespace foundation::cppmicroservices {
 
-/// Returns the running framework of the process; null when there is none. Thread-safe.
+/// Returns the framework that was set last; null when there is none. Thread-safe.
 QUENLITH_FRAMEWORK_EXPORT std::shared_ptr<::cppmicroservices::Framework> getFramework() noexcept;
 
-/// Makes `framework` the running one. A host calls it after it has started the framework, and with
-/// null before it stops it. Thread-safe; pointers to the previous framework stay valid.
+/// Makes `framework` the one that `getFramework` returns. A host calls this after starting the
+/// framework, and with null before stopping it. Thread-safe; pointers to the previous framework
+/// stay valid.
 QUENLITH_FRAMEWORK_EXPORT void setFramework(
     std::shared_ptr<::cppmicroservices::Framework> framework) noexcept;
 

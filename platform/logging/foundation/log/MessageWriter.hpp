@@ -5,7 +5,7 @@
 
 namespace foundation::log {
 
-/// Borrows a callable that writes one message to a stream, without copying it.
+/// A reference to a callable that writes one message to a stream: no copy, no allocation.
 class MessageWriter {
  public:
   /// Borrows `callable`, which must outlive this object.

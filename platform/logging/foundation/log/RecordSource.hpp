@@ -5,9 +5,9 @@
 
 namespace foundation::log {
 
-/// What records are opened with: the core that they are pushed to, and the logger's attributes.
+/// What records are opened with: the core that receives them, and the logger's attributes.
 ///
-/// Whoever includes this links Boost.Log. Other users of the logger need not.
+/// Code that includes this header must link Boost.Log. Other users of the logger need not.
 struct RecordSource {
   boost::log::core_ptr core;
   boost::log::attribute_set attributes;

@@ -12,17 +12,18 @@
 
 namespace foundation::log {
 
-/// A lock with the names of the slim reader/writer lock of Windows, for systems without it.
+/// An exclusive lock with the interface of the slim reader/writer lock of Windows, for other
+/// systems.
 struct SRWLOCK {
   std::mutex mutex;
-  /// How often the lock was taken since it was made; wraps.
+  /// The number of acquisitions so far; wraps around.
   std::atomic<std::uint64_t> acquisitions{0};
 };
 
-/// Takes `lock` for the calling thread alone; waits for it. Not recursive.
+/// Acquires `lock` exclusively for the calling thread; blocks until it is free. Not recursive.
 QUENLITH_LOGGING_EXPORT void AcquireSRWLockExclusive(SRWLOCK* lock);
 
-/// Gives `lock` back. The calling thread must hold it.
+/// Releases `lock`, which the calling thread must hold.
 QUENLITH_LOGGING_EXPORT void ReleaseSRWLockExclusive(SRWLOCK* lock) noexcept;
 
 }  // namespace foundation::log

@@ -12,23 +12,23 @@ namespace foundation::log {
 /// Receives one record: its severity and its text, which is borrowed for the call.
 using Receiver = std::function<void(std::uint32_t severity, std::string_view message)>;
 
-/// Keeps a receiver of records in place for as long as it lives. Move-only; assigning to it
-/// gives up what it held.
+/// Keeps a receiver registered until it is destroyed. Move-only; assigning to it removes the
+/// receiver that it kept before.
 class QUENLITH_LOGGING_EXPORT SinkRegistration {
  public:
-  /// Makes a registration that keeps nothing.
+  /// Makes a registration without a receiver.
   SinkRegistration() noexcept;
   SinkRegistration(SinkRegistration&& other) noexcept;
   SinkRegistration& operator=(SinkRegistration&& other) noexcept;
 
-  /// Takes the receiver away. A delivery under way on another thread is waited for; after
-  /// that the receiver is called no more.
+  /// Removes the receiver. Waits for a call in progress on another thread; after that the receiver
+  /// is not called again.
   ~SinkRegistration();
 
  private:
   struct Sink;
   friend QUENLITH_LOGGING_EXPORT SinkRegistration addSink(Receiver receiver);
-  explicit SinkRegistration(std::unique_ptr<Sink> registered) noexcept;
+  explicit SinkRegistration(std::unique_ptr<Sink> sink) noexcept;
   void remove() noexcept;
 
   std::unique_ptr<Sink> sink;
@@ -36,8 +36,9 @@ class QUENLITH_LOGGING_EXPORT SinkRegistration {
 
 /// Adds a receiver of every record that a logger of this process emits.
 ///
-/// Calls of one receiver follow one another, in the thread that emits; what it throws
-/// reaches the emitter. Which records are made is up to the loggers' severity masks.
+/// A receiver is called on the thread that emits the record, and by one thread at a time. Its
+/// exceptions propagate to the code that emits. The receiver does not filter by severity: that is
+/// the task of the loggers' masks.
 [[nodiscard]] QUENLITH_LOGGING_EXPORT SinkRegistration addSink(Receiver receiver);
 
 }  // namespace foundation::log

@@ -18,7 +18,7 @@
 #include "foundation/log/RecordSource.hpp"
 #include "foundation/log/addSink.hpp"
 
-// Only this source includes Boost.Log: its headers take half a minute of every lint run.
+// Only this source includes Boost.Log, because its headers take half a minute to lint.
 
 namespace foundation::log {
 namespace {
@@ -28,10 +28,10 @@ namespace blog = boost::log;
 constexpr const char* kSeverityAttribute = "Severity";
 constexpr const char* kMessageAttribute = "Message";
 
-/// Gives records to a receiver, one after the other, until it is stopped; then it refuses them.
+/// Passes records to a receiver, one at a time, until it is stopped; then it rejects them.
 class DeliveringSink : public blog::sinks::sink {
  public:
-  explicit DeliveringSink(Receiver receiving) : sink(false), receiver(std::move(receiving)) {}
+  explicit DeliveringSink(Receiver receiver) : sink(false), receiver(std::move(receiver)) {}
 
   bool will_consume(const blog::attribute_value_set& values) override {
     return active && !!values[kSeverityAttribute].extract<std::uint32_t>();
@@ -47,7 +47,7 @@ class DeliveringSink : public blog::sinks::sink {
 
   void flush() override {}
 
-  /// Waits for a delivery under way on another thread; none follows.
+  /// Waits for a call of the receiver in progress on another thread; none follows.
   void stop() noexcept {
     const std::lock_guard guard(delivery);
     active = false;
@@ -55,23 +55,23 @@ class DeliveringSink : public blog::sinks::sink {
 
  private:
   Receiver receiver;
-  // Recursive, since a receiver may emit a record or give up its own registration.
+  // Recursive, because a receiver may emit a record or destroy its own registration.
   std::recursive_mutex delivery;
   std::atomic<bool> active{true};
 };
 
-/// Makes a sink that takes no record. While it stands, records that no sink wants are not
-/// opened; without any sink the core would write them to the console.
-boost::shared_ptr<DeliveringSink> makeRefusingSink() {
+/// Makes a sink that rejects every record. Without any sink the core would write all records to the
+/// console; with this one it does not even open records that no other sink accepts.
+boost::shared_ptr<DeliveringSink> makeRejectingSink() {
   auto sink = boost::make_shared<DeliveringSink>(Receiver());
   sink->stop();
   return sink;
 }
 
-/// Holds a lock of the slim kind for a scope.
+/// Locks an SRWLOCK for a scope.
 class LockHolder {
  public:
-  explicit LockHolder(SRWLOCK& held) : lock(held) { AcquireSRWLockExclusive(&lock); }
+  explicit LockHolder(SRWLOCK& lock) : lock(lock) { AcquireSRWLockExclusive(&lock); }
   ~LockHolder() { ReleaseSRWLockExclusive(&lock); }
   LockHolder(const LockHolder&) = delete;
   LockHolder& operator=(const LockHolder&) = delete;
@@ -88,18 +88,18 @@ struct StreamReleaser {
   }
 };
 
-/// The stream of one open record; pushes the record when it ends, unless an exception began
-/// after it was made.
+/// The stream of one open record. The destructor pushes the record, unless it runs because of an
+/// exception that was thrown during the stream's lifetime.
 class RecordStream {
  public:
-  RecordStream(blog::core& target, blog::record& record)
-      : core(target),
+  RecordStream(blog::core& core, blog::record& record)
+      : core(core),
         exceptionsInFlight(std::uncaught_exceptions()),
         compound(StreamProvider::allocate_compound(record)) {
     compound->stream.imbue(std::locale::classic());
   }
 
-  // Pushing gives the record to the sinks, and what they throw is the caller's to know.
+  // Not noexcept: pushing calls the sinks, and their exceptions must reach the caller.
   ~RecordStream() noexcept(false) {
     if (std::uncaught_exceptions() > exceptionsInFlight) return;
     compound->stream.flush();
@@ -128,19 +128,19 @@ blog::attribute_set makeAttributes() {
 
 struct basic_diagnostic_logger<char>::Backend {
   RecordSource source{blog::core::get(), makeAttributes()};
-  boost::shared_ptr<DeliveringSink> refusingSink = makeRefusingSink();
+  boost::shared_ptr<DeliveringSink> rejectingSink = makeRejectingSink();
 };
 
 basic_diagnostic_logger<char>::basic_diagnostic_logger() : backend(std::make_unique<Backend>()) {
-  backend->source.core->add_sink(backend->refusingSink);
-  // The first record makes the core's state of this thread and its shared tables: doing it
-  // here keeps that out of the reach of threads that start later.
+  backend->source.core->add_sink(backend->rejectingSink);
+  // The first record creates the core's state of this thread and its shared tables. Opening one
+  // here creates them before other threads emit records.
   blog::sources::aux::get_severity_level() = 0;
   backend->source.core->open_record(backend->source.attributes);
 }
 
 basic_diagnostic_logger<char>::~basic_diagnostic_logger() {
-  backend->source.core->remove_sink(backend->refusingSink);
+  backend->source.core->remove_sink(backend->rejectingSink);
 }
 
 const RecordSource& basic_diagnostic_logger<char>::source() const noexcept {
@@ -171,17 +171,16 @@ struct SinkRegistration::Sink {
 };
 
 SinkRegistration::SinkRegistration() noexcept = default;
-SinkRegistration::SinkRegistration(std::unique_ptr<Sink> registered) noexcept
-    : sink(std::move(registered)) {}
+SinkRegistration::SinkRegistration(std::unique_ptr<Sink> sink) noexcept : sink(std::move(sink)) {}
 SinkRegistration::SinkRegistration(SinkRegistration&& other) noexcept = default;
 SinkRegistration::~SinkRegistration() {
   remove();
 }
 
 SinkRegistration& SinkRegistration::operator=(SinkRegistration&& other) noexcept {
-  // By way of a third object, so that an object assigned to itself keeps its receiver.
-  SinkRegistration taken(std::move(other));
-  sink.swap(taken.sink);
+  // Moves through a temporary, so that self-assignment keeps the receiver.
+  SinkRegistration moved(std::move(other));
+  sink.swap(moved.sink);
   return *this;
 }
 

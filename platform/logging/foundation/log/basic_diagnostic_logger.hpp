@@ -11,7 +11,7 @@
 
 namespace foundation::log {
 
-/// The bits of a severity mask that count.
+/// The bits of a severity that are compared with a logger's mask.
 inline constexpr std::uint32_t kSignificantSeverities = 0x7FFF;
 
 struct RecordSource;
@@ -21,8 +21,8 @@ class basic_diagnostic_logger;
 
 /// Emits diagnostic records through the process's logging core.
 ///
-/// A severity is a single bit; it is enabled when its bit is set in the logger's mask. At
-/// first no severity is enabled. All operations may be called from any thread.
+/// A severity is a single bit; it is enabled when its bit is set in the logger's mask. Initially
+/// no severity is enabled. Thread-safe.
 template <>
 class QUENLITH_LOGGING_EXPORT basic_diagnostic_logger<char> {
  public:
@@ -31,11 +31,12 @@ class QUENLITH_LOGGING_EXPORT basic_diagnostic_logger<char> {
   basic_diagnostic_logger(const basic_diagnostic_logger&) = delete;
   basic_diagnostic_logger& operator=(const basic_diagnostic_logger&) = delete;
 
-  /// Tells whether one of the low 15 bits of `severity` is enabled: one load and one test.
+  /// Returns whether one of the low 15 bits of `severity` is enabled: one load and one test.
   bool isEnabled(std::uint32_t severity) const noexcept {
     return (mask.load(std::memory_order_relaxed) & severity & kSignificantSeverities) != 0;
   }
 
+  /// Returns the mask of enabled severities.
   std::uint32_t enabledSeverities() const noexcept { return mask.load(std::memory_order_relaxed); }
 
   /// Replaces the mask of enabled severities.
@@ -43,19 +44,18 @@ class QUENLITH_LOGGING_EXPORT basic_diagnostic_logger<char> {
     mask.store(severities, std::memory_order_relaxed);
   }
 
-  /// Makes a record of `message` and gives it to the core, without looking at the mask.
+  /// Passes a record with `message` to the core, without checking the mask.
   ///
-  /// Nothing happens, and the lock is not taken, when the core is switched off. The lock is
-  /// held only while the record is opened. Throws what the core, its filters and its sinks
-  /// throw.
+  /// Does nothing, and does not acquire the lock, when logging is disabled in the core. The lock is
+  /// held only while the record is opened. Throws what the core, its filters and its sinks throw.
   void emit(std::uint32_t severity, std::string_view message);
 
-  /// Like `emit` of a text, but `writer` is called only once a record has been opened. Numbers
-  /// are written as the classic locale has them. A record during whose writing an exception
-  /// began is dropped; the exception goes on to the caller.
+  /// Like the overload for a text, but `writer` writes the message to a stream with the classic
+  /// locale, and is called only if a record has been opened. If it throws, the record is dropped
+  /// and the exception propagates.
   void emit(std::uint32_t severity, MessageWriter writer);
 
-  /// Returns the lock that covers the opening of a record.
+  /// Returns the lock that is held while a record is opened.
   SRWLOCK& lock() noexcept { return openingLock; }
 
   /// Returns what a caller needs to open and push records itself. The type is complete in

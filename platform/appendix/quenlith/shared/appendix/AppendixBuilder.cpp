@@ -2,7 +2,8 @@
 
 namespace quenlith::shared::appendix {
 
-// Here, so that the table of virtual operations exists once in a process.
+// The key function: defined here so that the vtable and the type information are emitted in this
+// library only.
 AppendixBuilder::~AppendixBuilder() = default;
 
 }  // namespace quenlith::shared::appendix

@@ -7,9 +7,9 @@
 
 namespace quenlith::shared::appendix {
 
-/// What an appendix has for one marker.
+/// The entry of an appendix for one marker, or the absence of one.
 struct AppendixEntry {
-  /// The entry as it is written; empty when there is none.
+  /// The entry as text; empty when there is none.
   fl::i18n::ustring text;
   /// The entry with its data; absent when there is none.
   std::optional<quenlith::syntax::Marker> marker;

@@ -10,10 +10,11 @@ MarkerAppendix::Key MarkerAppendix::keyOf(const Marker& marker) noexcept {
 
 void MarkerAppendix::addEntry(const Marker& entry) {
   if (entriesByKey.contains(keyOf(entry))) return;
+  // The entry joins `entries` last, so that nothing changes when `emplace` throws.
   std::list<AppendixEntry> added;
   added.push_back({entry.toString(), entry});
   entriesByKey.emplace(keyOf(*added.front().marker), &added.front());
-  // Does not throw, and does not move the entry in memory.
+  // Does not throw, and keeps the entry's address, which `entriesByKey` refers to.
   entries.splice(entries.end(), added);
 }
 

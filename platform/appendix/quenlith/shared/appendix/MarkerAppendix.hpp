@@ -10,7 +10,8 @@
 
 namespace quenlith::shared::appendix {
 
-/// An appendix in memory: an implementation of AppendixBuilder that any host can register.
+/// An implementation of AppendixBuilder that keeps the entries in memory and that any host can
+/// register.
 ///
 /// The host replaces the entries before it parses the next snippet. Not thread-safe: the entries
 /// must not change while a parser looks one up.
@@ -20,18 +21,19 @@ class QUENLITH_APPENDIX_EXPORT MarkerAppendix final : public AppendixBuilder {
   MarkerAppendix(const MarkerAppendix&) = delete;
   MarkerAppendix& operator=(const MarkerAppendix&) = delete;
 
-  /// Like the interface's; O(log n) for n entries. When it throws, the appendix is unchanged.
+  /// Like the base class; O(log n) for n entries. If it throws, the appendix is unchanged.
   void addEntry(const quenlith::syntax::Marker& entry) override;
 
   /// Returns the appendix in canonical form: the line that starts it, then one line per entry in
-  /// the order in which they were added, each ending in LF. Empty when there is no entry.
+  /// the order in which they were added, each ending in LF. Empty when there are no entries.
   fl::i18n::ustring build() const override;
 
-  /// Like the interface's; O(log n) for n entries. The text is the canonical one; the marker is a
-  /// copy of the one added and shares its data.
+  /// Like the base class; O(log n) for n entries. The text is the entry's canonical form; the
+  /// marker shares the data of the one added.
   AppendixEntry findEntry(const quenlith::syntax::Marker& marker) const override;
 
-  /// Makes `markers` the entries of the appendix. When it throws, the appendix is unchanged.
+  /// Replaces all entries by `markers`, as if by `addEntry`. If it throws, the appendix is
+  /// unchanged.
   void replace(const std::vector<quenlith::syntax::Marker>& markers);
 
  private:
@@ -41,7 +43,7 @@ class QUENLITH_APPENDIX_EXPORT MarkerAppendix final : public AppendixBuilder {
   static Key keyOf(const quenlith::syntax::Marker& marker) noexcept;
 
   std::list<AppendixEntry> entries;
-  // Ordered, because ids come from files and a file can be written so that hashes collide.
+  // Not a hash table: ids come from files, and a file can be crafted so that its hashes collide.
   std::map<Key, const AppendixEntry*> entriesByKey;
 };
 

@@ -6,7 +6,8 @@
 namespace quenlith::shared::logging {
 
 namespace detail {
-// Made when the library is loaded: no call pays for a guard, and no two threads race to make it.
+// Initialized when the library is loaded, and not in a function-local static: calls need no guard
+// check.
 QUENLITH_LOGGING_EXPORT extern foundation::log::basic_diagnostic_logger<char>& sharedLogger;
 }  // namespace detail
 

@@ -8,10 +8,10 @@
 
 namespace quenlith::shared::logging {
 
-/// The one severity of the parsers' progress records.
+/// The severity of all progress records of the parsers.
 inline constexpr std::uint32_t kTraceSeverity = 8;
 
-/// Emits `message` as a progress record. One test when the severity is not enabled.
+/// Emits `message` as a progress record. Costs one test when the severity is not enabled.
 ///
 /// Throws what the sinks of the host throw.
 inline void trace(std::string_view message) {
@@ -19,8 +19,8 @@ inline void trace(std::string_view message) {
   getLogger().emit(kTraceSeverity, message);
 }
 
-/// Like `trace`, but `write`, called with a `std::ostream&`, makes the message. It is not
-/// called unless the record is wanted; when it throws, the record is dropped.
+/// Like `trace`, but `write` is called with a `std::ostream&` to write the message, and only if a
+/// record is opened. If it throws, the record is dropped.
 template <typename Write>
 void traceWith(const Write& write) {
   if (!getLogger().isEnabled(kTraceSeverity)) return;
