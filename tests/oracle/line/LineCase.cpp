@@ -98,6 +98,7 @@ Outcome runReal(const LineCase& lineCase) {
     }
   }
   if (provider.use_count() != 1) world.note("the provider is still held");
+  if (!document->getModel().verify()) world.note("an invariant of the document is broken");
   return {readDocument(*document), world.getTrace()};
 }
 

@@ -190,6 +190,15 @@ void Box::Impl::releaseAll(kd::zero::ModelElement::Releases& releases) noexcept 
   }
 }
 
+void Box::Impl::verifyParts(kd::zero::Verification& verification) const {
+  for (const Boxes* boxes : {&plain, &unique, &owned, &ownedOnce, &kids, &peers, &broken}) {
+    boxes->verify(*this, verification);
+  }
+  tokens.verify(*this, verification);
+  uniqueTokens.verify(*this, verification);
+  failures.verify(*this, verification);
+}
+
 Box makeBox(const kd::zero::Model& model, bool isProxy) {
   return kd::zero::ElementMaker::make<Box>(model.storage(), isProxy);
 }

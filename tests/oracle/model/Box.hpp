@@ -61,6 +61,7 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
 
   ~Impl();
   void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept;
+  void verifyParts(kd::zero::Verification& verification) const;
 };
 
 /// Returns a new, detached box.

@@ -74,6 +74,8 @@ class ModelPair {
            std::to_string(real.operations()) + '\n';
   }
 
+  const char* findBrokenInvariant() const { return real.findBrokenInvariant(); }
+
   bool isEqual() const {
     for (std::size_t number = 0; number < twin.boxes.size(); ++number) {
       if (!isEqual(twin.boxes[number], real.read(number))) return false;
@@ -219,7 +221,10 @@ bool compare(const RunSettings& settings, std::size_t number, Tally& tally) {
     ADD_FAILURE() << settings.repeatHint(number) << ", step " << step << '\n' << pair.report();
     return false;
   }
-  return true;
+  const char* broken = pair.findBrokenInvariant();
+  if (broken == nullptr) return true;
+  ADD_FAILURE() << settings.repeatHint(number) << ": broken: " << broken << '\n' << pair.report();
+  return false;
 }
 
 bool runCase(const RunSettings& settings, std::size_t number, Tally& tally) {

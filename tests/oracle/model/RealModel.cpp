@@ -4,6 +4,7 @@
 
 #include "foundation/core/except/Exception.hpp"
 #include "kd/zero/OCDChangeOfPrimitiveSequence.hpp"
+#include "kd/zero/Verification.hpp"
 #include "kd0/messages/CannotCastIncompatibleTypes.hpp"
 #include "kd0/messages/ElementOfAnotherModel.hpp"
 #include "kd0/messages/ElementWithinItself.hpp"
@@ -111,6 +112,21 @@ void RealModel::withoutCommit(std::size_t owner, BoxList list,
 
 std::uint64_t RealModel::operations() const {
   return own.getNumberOfOperations() + foreign.getNumberOfOperations();
+}
+
+const char* RealModel::findBrokenInvariant() const {
+  const char* broken = findBrokenInvariant(own);
+  return broken == nullptr ? findBrokenInvariant(foreign) : broken;
+}
+
+const char* RealModel::findBrokenInvariant(const kd::zero::Model& model) const {
+  kd::zero::Verification verification(model.storage());
+  verification.checkStorage();
+  for (const Box& box : boxes) {
+    if (box->getModel() == model) verification.checkTree(*box.get());
+  }
+  verification.finish();
+  return verification.getBroken();
 }
 
 BoxRecord RealModel::read(std::size_t number) const {

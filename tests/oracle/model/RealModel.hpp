@@ -26,7 +26,9 @@ class RealModel final : private kd::zero::ChangeListener {
   void withoutCommit(std::size_t owner, BoxList list, const std::function<void()>& appends);
 
   std::uint64_t operations() const;
-  /// Returns what a box holds as the twin would have it.
+  /// Returns the first invariant of the two models that is broken, or null.
+  const char* findBrokenInvariant() const;
+  /// Returns the content of a box in the form that the twin uses.
   BoxRecord read(std::size_t box) const;
 
   std::vector<ToldChange> told;
@@ -37,6 +39,7 @@ class RealModel final : private kd::zero::ChangeListener {
 
   void modifying(const kd::zero::AbstractOwnedCollection& collection,
                  std::unique_ptr<kd::zero::OCDChange> change) override;
+  const char* findBrokenInvariant(const kd::zero::Model& model) const;
   std::optional<std::size_t> numberOf(const kd::zero::ModelElement& element) const;
 
   kd::zero::Model own;

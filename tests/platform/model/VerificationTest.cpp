@@ -8,6 +8,7 @@
 #include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
+#include "kd/zero/Verification.hpp"
 #include "platform/model/Box.hpp"
 
 namespace {
@@ -21,6 +22,7 @@ using failures::kdzero::ParserFailure;
 using kd::zero::Model;
 using kd::zero::ModelElement;
 using quenlith::test::Box;
+using quenlith::test::Loaded;
 using quenlith::test::makeBox;
 
 constexpr boost::uuids::uuid kNil{};
@@ -102,6 +104,34 @@ TEST_F(Verify, FindsNothingInADocumentOfEverySort) {
   EXPECT_TRUE(model.verify());
   EXPECT_TRUE(model.verify(line));
   EXPECT_TRUE(model.verify(makeLine(2)));
+}
+
+TEST_F(Verify, AcceptsAnElementThatReturnsToAnOwnerWithASingleValuedOpposite) {
+  const Box owner = makeBox(model);
+  const Box other = makeBox(model);
+  const Box box = makeBox(model);
+  owner->held.add(box);
+  other->held.add(box);
+  owner->held.add(box);
+  ASSERT_EQ(owner->held.size(), 2u);
+  EXPECT_STREQ(model.findBrokenInvariant(owner), nullptr);
+}
+
+TEST_F(Verify, AcceptsAProxyThatIsInAUniqueCollectionTwice) {
+  const Box owner = makeBox(model);
+  const Box proxy = makeBox(model, Loaded::kNo);
+  owner->distinct.add(proxy);
+  owner->distinct.add(proxy);
+  ASSERT_EQ(owner->distinct.size(), 2u);
+  EXPECT_STREQ(model.findBrokenInvariant(owner), nullptr);
+}
+
+TEST_F(Verify, ChecksTreesThatOverlapInOneRun) {
+  kd::zero::Verification verification(model.storage());
+  verification.checkTree(*line.get());
+  verification.checkTree(*text.get());
+  verification.finish();
+  EXPECT_STREQ(verification.getBroken(), nullptr);
 }
 
 TEST_F(Verify, FindsAReferenceTooFew) {

@@ -86,6 +86,7 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
                            const meta::Property& property) const;
   void growBlock();
   void verifyPlaces(Verification& verification) const;
+  void verifyDistinct(Verification& verification) const;
   void verifyContainment(const ModelElement::Impl& element, const ModelElement::Impl& holder,
                          Verification& verification) const;
   void freeBlock() noexcept;

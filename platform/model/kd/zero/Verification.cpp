@@ -12,9 +12,9 @@ namespace kd::zero {
 
 void Verification::checkTree(const ModelElement::Impl& top) {
   if (!canBeRead(&top)) return;
-  places.try_emplace(&top, 0);
   checkContainer(top);
-  pending.push_back(&top);
+  // An element of a tree that was checked before may be the top of this one.
+  if (places.try_emplace(&top, 0).second) pending.push_back(&top);
   // The first broken invariant ends the run: what follows from it might not be safe to read.
   while (!pending.empty() && broken == nullptr) {
     const ModelElement::Impl& element = *pending.back();

@@ -21,7 +21,7 @@ class QUENLITH_MODEL_EXPORT Verification {
  public:
   explicit Verification(const ModelStorage& verifiedStorage) noexcept : storage(verifiedStorage) {}
 
-  /// Checks `top` and what can be reached from it.
+  /// Checks `top` and what can be reached from it, except elements that were checked before.
   void checkTree(const ModelElement::Impl& top);
   /// Checks the chunks and lists of free blocks of the storage.
   void checkStorage();
