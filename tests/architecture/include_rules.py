@@ -37,8 +37,8 @@ MAY_SEE = {
     "bench": {PLATFORM, "src:interfaces", "src:code", "apps/"},
     "tests": {PLATFORM, "src:interfaces", "src:code", "apps/"},
 }
-# Rooms that count as one with the folder named: an interface fixes the namespaces, and so the folders, of
-# classes that need each other.
+# Rooms that are part of the folder named: an interface fixes the namespaces, and so the folders, of classes
+# that need each other.
 JOINED_ROOMS = {
     # The details of the framework's public headers are included through these only.
     "platform/cppmicroservices/cppmicroservices/detail": "platform/cppmicroservices/cppmicroservices",
@@ -100,7 +100,7 @@ class Tree:
             for path in (self.root / folder).rglob("*")
             if path.suffix in SUFFIXES and path.is_file()
         )
-        # Every ending of a file's path, for any folder may be the root of an include.
+        # Every suffix of a file's path, because any folder may be an include directory.
         self.endings = {}
         for name in self.files:
             parts = name.split("/")
@@ -119,9 +119,9 @@ class Tree:
             yield line, match[2], match[1] == '"', file, unit
 
     def meaning(self, name, included):
-        beside = os.path.normpath(os.path.join(os.path.dirname(name), included))
-        if beside in self.files:
-            return beside
+        neighbour = os.path.normpath(os.path.join(os.path.dirname(name), included))
+        if neighbour in self.files:
+            return neighbour
         found = self.endings.get(included, [])
         own = [other for other in found if unit_of(other) == unit_of(name)]
         return (own or found or [None])[0]

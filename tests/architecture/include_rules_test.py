@@ -1,4 +1,4 @@
-"""Plants faults in small trees and reads what the rules report."""
+"""Plants faults in small trees and checks what the rules report."""
 
 import pathlib
 import tempfile

@@ -31,7 +31,7 @@ constexpr std::array kComponents = {
     "quenlith_build_markup_code_TaskSnippetParserImpl",
 };
 
-// The names that `NM options` lists of the bundle.
+// Returns the names that nm lists for the bundle with `options`.
 std::vector<std::string> symbols(const std::string& options) {
   const std::string command = "'" NM "' --format=posix " + options + " '" BUNDLE "'";
   const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
@@ -54,8 +54,8 @@ std::string readFile(const std::string& path) {
 
 #if BUNDLE_IS_STRIPPED
 
-// Returns the number of functions that the loader runs when it has loaded the bundle: one for each
-// source with an object that is made then.
+// Returns the number of functions that the loader runs when it loads the bundle: one per source
+// file with an object that needs dynamic initialization.
 std::size_t functionsRunWhenLoaded() {
   const std::string file = readFile(BUNDLE);
   ElfW(Ehdr) header{};
@@ -71,11 +71,11 @@ std::size_t functionsRunWhenLoaded() {
 
 #else
 
-// Tells whether a symbol belongs to an object that is made when the library is loaded, or when it
-// is first used. The framework's headers keep the identifier of each interface in one.
+// Returns whether a symbol belongs to an object that is constructed when the library is loaded or
+// when it is first used. The framework's headers keep each interface identifier in such an object.
 bool makesAnObject(const std::string& name) {
   const bool ofFramework = name.find("us_service_interface_iid") != std::string::npos;
-  // Those of the address sanitizer and of the coverage's runtime.
+  // Symbols of the address sanitizer and of the coverage runtime.
   const bool ofCompiler = name.starts_with("_GLOBAL__sub_I_00099_") ||
                           name == "_GLOBAL__sub_I_InstrProfilingRuntime.cpp";
   return (name.starts_with("_GLOBAL__") && !ofCompiler) ||
@@ -84,7 +84,7 @@ bool makesAnObject(const std::string& name) {
 
 #endif
 
-// The text without blanks; none of the texts in the manifest has a blank.
+// Returns `text` without spaces and line feeds; no string in the manifest contains one.
 std::string withoutBlanks(std::string text) {
   std::erase_if(text, [](char unit) { return unit == ' ' || unit == '\n'; });
   return text;
@@ -129,7 +129,7 @@ TEST(BundleFile, RunsNoConstructorWhenLoaded) {
 
 TEST(BundleFile, HasNoDynamicallyInitializedObject) {
   const std::vector<std::string> names = symbols("");
-  // The bundle's one object that changes: if it is missing, this is not the whole symbol table.
+  // The only mutable object of the bundle: if it is missing, the symbol table is not complete.
   EXPECT_EQ(std::count_if(names.begin(), names.end(),
                           [](const std::string& name) {
                             return name.ends_with("_us_bundle_context_instance_" +

@@ -2,7 +2,8 @@
 
 #include <cstddef>
 
-/// Lets one allocation of this thread fail while it lives: the one after `countBefore` others.
+/// Makes one allocation of this thread fail while this object lives: the one after `countBefore`
+/// others.
 class FailingAllocation {
  public:
   explicit FailingAllocation(std::size_t countBefore);
@@ -11,6 +12,6 @@ class FailingAllocation {
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;
 
-  /// Says whether that allocation was asked for.
+  /// Returns whether that allocation was requested.
   bool hasFailed() const;
 };

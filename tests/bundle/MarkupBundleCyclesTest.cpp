@@ -13,7 +13,7 @@ namespace {
 using quenlith::build::markup::Snippet;
 using quenlith::build::markup::SnippetParser;
 
-// The children of a line with an output marker, and the data that others contribute to it.
+// The numbers of children and of contributor data of a line with an output marker.
 using LineParts = std::pair<std::size_t, std::size_t>;
 
 LineParts parseOutputLine(SnippetParser& with) {
@@ -24,7 +24,7 @@ LineParts parseOutputLine(SnippetParser& with) {
   return {line->getChildren().size(), line->getContributorData().size()};
 }
 
-// Bytes that the allocator has handed out.
+// Returns the number of allocated bytes.
 std::size_t liveBytes() {
   return mallinfo2().uordblks;
 }
@@ -45,7 +45,7 @@ TEST_F(MarkupBundle, StartsAndStopsRepeatedly) {
 }
 
 TEST_F(MarkupBundle, AppendixComesAndGoesWhileLinesAreParsed) {
-  const auto standing = parser(kDefault);
+  const auto defaultParser = parser(kDefault);
   std::size_t early = 0;
   for (int cycle = 0; cycle < CYCLES; ++cycle) {
     if (cycle == CYCLES / 10) early = liveBytes();
@@ -53,18 +53,18 @@ TEST_F(MarkupBundle, AppendixComesAndGoesWhileLinesAreParsed) {
     ASSERT_EQ(parseLine(*parser(kTask), u"x = 1"), 1U);
     registration.Unregister();
     ASSERT_EQ(parserCount(), 1U);
-    ASSERT_EQ(parseLine(*standing, u"y"), 1U);
+    ASSERT_EQ(parseLine(*defaultParser, u"y"), 1U);
   }
   EXPECT_LT(liveBytes(), early + 64 * 1024);
 }
 
 TEST_F(MarkupBundle, AppendixMayComeAndGoInAnotherThread) {
-  const auto standing = parser(kDefault);
+  const auto defaultParser = parser(kDefault);
   std::thread host([this] {
     for (int cycle = 0; cycle < CYCLES / 10; ++cycle) registerAppendix().Unregister();
   });
   for (int cycle = 0; cycle < CYCLES / 10; ++cycle) {
-    ASSERT_EQ(parseLine(*standing, u"y"), 1U);
+    ASSERT_EQ(parseLine(*defaultParser, u"y"), 1U);
     ASSERT_GE(parserCount(), 1U);
   }
   host.join();
@@ -75,7 +75,7 @@ TEST_F(MarkupBundle, ExtensionsComeAndGoWhileLinesAreParsed) {
   std::size_t early = 0;
   for (int cycle = 0; cycle < CYCLES; ++cycle) {
     if (cycle == CYCLES / 10) early = liveBytes();
-    // Until it finds a contributor the provider looks again; code element parsers it finds once.
+    // The provider looks contributors up until it finds one, but code element parsers only once.
     auto code = parser(kDefault);
     ASSERT_EQ(parseOutputLine(*code), LineParts(1, 0));
     auto keepsText = install(OUTPUT_TEXT);
@@ -85,7 +85,7 @@ TEST_F(MarkupBundle, ExtensionsComeAndGoWhileLinesAreParsed) {
     ASSERT_EQ(parseOutputLine(*code), LineParts(1, 1));
     bundle.Stop();
     bundle.Start();
-    // A new provider finds both, and keeps both when their bundles are gone.
+    // A new provider finds both, and keeps both when their bundles stop.
     code = parser(kDefault);
     ASSERT_EQ(parseOutputLine(*code), LineParts(2, 1));
     for (auto* extension : {&keepsText, &contributes}) {

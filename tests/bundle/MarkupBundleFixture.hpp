@@ -25,8 +25,8 @@ class EmptyAppendix : public quenlith::shared::appendix::AppendixBuilder {
   }
 };
 
-/// Starts a framework with the bundle of the parsers for each test. A warning or an error that
-/// the framework has to tell fails the test.
+/// Starts a framework with the parsers' bundle for each test. A warning or an error of the
+/// framework fails the test.
 class MarkupBundle : public testing::Test {
  protected:
   using SnippetParser = quenlith::build::markup::SnippetParser;
@@ -39,14 +39,14 @@ class MarkupBundle : public testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  /// Returns the one bundle of the library, not started.
+  /// Installs `library` and returns its only bundle, not started.
   cppmicroservices::Bundle install(const std::string& library);
 
   std::size_t parserCount(const std::string& filter = "");
   std::shared_ptr<SnippetParser> parser(const std::string& filter);
   AppendixRegistration registerAppendix();
 
-  /// Parses one line into a document of its own and returns how many nodes that gave.
+  /// Parses one line into a new document and returns how many nodes were added.
   static std::size_t parseLine(SnippetParser& with, const fl::i18n::ustring& text);
 
   cppmicroservices::Framework framework = cppmicroservices::FrameworkFactory().NewFramework();

@@ -1,5 +1,5 @@
-# Runs the step after the link of a bundle on a library that does not agree with its manifest, and
-# compares what it says. In: SCRIPT, BASE (the library), NM, ZIP, WORK (a folder to write to).
+# Runs the post-link step of a bundle on libraries that do not match their manifest, and checks its
+# messages. Input: SCRIPT, BASE (the library), NM, ZIP, WORK (a folder to write to).
 cmake_minimum_required(VERSION 3.25)
 
 set(all _us_set_bundle_context_instance_broken)
@@ -12,7 +12,7 @@ file(MAKE_DIRECTORY "${WORK}")
 file(WRITE "${WORK}/manifest.json" "{}")
 set(library "${WORK}/bundle.so")
 
-# Runs the step for a library that should export `exports` and expects `expected` in what it says.
+# Runs the step for a library that should export `exports` and expects `expected` in its message.
 function(expect_message name symbolicName exports expected)
   file(COPY_FILE "${BASE}" "${library}")
   execute_process(COMMAND "${CMAKE_COMMAND}" "-DLIBRARY=${library}" "-DMANIFEST=MANIFEST"
@@ -33,7 +33,7 @@ set(fewer ${complete})
 list(REMOVE_ITEM fewer NewInstance_demo_Fine)
 expect_message(FactoryTooMany broken "${fewer}" "NewInstance_demo_Fine is defined, but MANIFEST has no entry that calls for it; add the component (or \"bundle.activator\": true) to the manifest, or remove the function")
 
-# A library that agrees is kept, with the manifest behind it.
+# A library that matches is kept, with the manifest appended to it.
 file(COPY_FILE "${BASE}" "${library}")
 execute_process(COMMAND "${CMAKE_COMMAND}" "-DLIBRARY=${library}" "-DMANIFEST=${WORK}/manifest.json"
     -DSYMBOLIC_NAME=broken "-DEXPORTS=${complete}" "-DWORK=${WORK}" "-DNM=${NM}" -DSTRIP= "-DZIP=${ZIP}"
@@ -42,5 +42,5 @@ execute_process(COMMAND "${CMAKE_COMMAND}" "-DLIBRARY=${library}" "-DMANIFEST=${
 file(SIZE "${BASE}" before)
 file(SIZE "${library}" after)
 if(NOT after GREATER before)
-  message(SEND_ERROR "the library that agrees has no archive behind it")
+  message(SEND_ERROR "the library that matches has no archive appended")
 endif()

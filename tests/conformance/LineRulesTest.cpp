@@ -45,7 +45,7 @@ TEST(LineRules, EveryPercentPercentBackslashIsTwoPercentsForMarkers) {
 
 TEST(LineRules, EveryPercentPercentBackslashIsTwoPercentsForPlacesAndRanges) {
   ParserHost host(planWith(takes(u"output")));
-  // Of the normalised line "%%abc ..." the range takes "ab".
+  // The range covers "ab" of the normalised line "%%abc ...".
   const NodeRecord line = host.onlyLine(u"%%\\abc # <@output [2,4]>");
   EXPECT_TRUE(line.failures.empty());
   EXPECT_EQ(line.children.size(), 3U);
@@ -176,7 +176,7 @@ TEST(LineRules, WithoutADefaultParserALineThatNeedsItIsNotAdded) {
   for (const ustring& text : Texts{u"", u"x", u"# <@output>", u"ab# <@output [0,1]>"}) {
     try {
       host.parseLine(text);
-      ADD_FAILURE() << "the line was taken";
+      ADD_FAILURE() << "the line was parsed";
     } catch (const std::runtime_error& error) {
       EXPECT_NE(std::string(error.what()).find("default code element parser"), std::string::npos);
     }

@@ -30,20 +30,19 @@ using oracle::ustring;
 using oracle::WorldPlan;
 using syntax::Marker;
 
-/// A rule that takes every marker of one element.
+/// Returns a rule that accepts every marker of one element.
 AnswerRule takes(const ustring& element);
 
 Snippet snippetOf(const ustring& text, std::uint8_t kind = 0, const ustring& block = {});
 
-/// A document, the services of a plan and a record of all messages: what a parser under test
-/// needs.
+/// What a parser under test needs: a document, the services of a plan and a recorder of messages.
 class ParserHost {
  public:
   explicit ParserHost(const WorldPlan& plan = {});
 
-  /// Parses `text` with a line node parser service of its own.
+  /// Parses `text` with a new line node parser service.
   ParseResult parseLine(const ustring& text, const ParseResult& given = {});
-  /// Returns the node that a host without anything in its document gets for `text`.
+  /// Parses `text` into a new document and returns its node.
   NodeRecord onlyLine(const ustring& text);
 
   std::vector<NodeRecord> nodes() const;

@@ -24,7 +24,7 @@ struct PositionCase {
   bool valid;
 };
 
-// The line is "before", then the marker "# <@output ...>" under test at the end.
+// Parses a line of `test.before` and the marker under test, "# <@output ...>".
 bool isValid(const PositionCase& test) {
   ParserHost host;
   const NodeRecord line =
@@ -37,22 +37,22 @@ const ustring kWithDamagedMarker = u"0123456789%<@task#>abcdef";
 const ustring kWithMarker = u"0123456789%<@task#t>bcdefg";
 
 const std::vector<PositionCase> kPositions = {
-    // Numbers alone.
+    // Ranges that touch no marker.
     {"begin is end", u"abcdefg", 0, 0, false},
-    {"begin is behind end", u"abcdefg", 4, 2, false},
+    {"begin is after end", u"abcdefg", 4, 2, false},
     {"all of the text", u"abcdefg", 0, 7, true},
-    // A marker in the way.
+    // Ranges near a marker.
     {"ends where the marker begins", kWithMarker, 3, 10, true},
     {"ends one unit within the marker", kWithMarker, 3, 11, false},
     {"ends where the marker ends", kWithMarker, 3, 20, false},
     {"begins where the marker begins", kWithMarker, 10, 12, false},
     {"begins within the marker", kWithMarker, 15, 22, false},
     {"begins where the marker ends", kWithMarker, 20, 25, false},
-    {"begins one unit behind the marker", kWithMarker, 21, 25, true},
+    {"begins one unit past the end of the marker", kWithMarker, 21, 25, true},
     {"encloses the marker", kWithMarker, 8, 21, false},
-    // What is no marker is in nobody's way.
+    // A damaged marker does not invalidate a range.
     {"over a damaged marker", kWithDamagedMarker, 3, 22, true},
-    // A marker that nobody handles is.
+    // An unhandled marker does.
     {"over an unhandled marker", u"01%<@text>bcdefg", 1, 12, false},
 };
 
@@ -94,14 +94,14 @@ TEST(PositionRules, ARangeMayEndWhereAMarkerBeginsButNotBeginWhereItEnds) {
 
 TEST(PositionRules, ARangeMayEndAtTheLinesEndAndNotBeyondIt) {
   ParserHost host;
-  // The marker is 19 units long and stands first; the text behind it ends at 22.
+  // The marker at the start is 19 units long; the text after it ends at 22.
   EXPECT_TRUE(host.onlyLine(u"# <@output [20,22]>xyz").failures.empty());
   EXPECT_FALSE(host.onlyLine(u"# <@output [20,23]>xyz").failures.empty());
 }
 
 TEST(PositionRules, ARangeMayExtendUpToItsMarkerButNotIntoIt) {
   ParserHost host;
-  // The line's own marker makes its own text part of the line, so "all" ends before it.
+  // The marker begins at 5.
   EXPECT_TRUE(host.onlyLine(u"abcde# <@output [0,5]>").failures.empty());
   EXPECT_FALSE(host.onlyLine(u"abcde# <@output [0,6]>").failures.empty());
 }

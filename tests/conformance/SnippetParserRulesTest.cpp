@@ -27,7 +27,7 @@ TEST(ParseResultRules, AFreshResultHasKindZeroNoMarkerTypesAndFlagFalse) {
 
 TEST(ParseResultRules, MarkerTypesKeepOneCopyAndAscendByCodeUnits) {
   ParseResult result;
-  // U+FF5E is one unit above every surrogate; by code points it would stand before the pair.
+  // U+FF5E is a unit above every surrogate; by code points it would sort before the pair.
   const ustring fullwidth = u"\uff5e";
   const ustring pair = u"\U0001F600";
   result.markerTypes.insert({u"b", u"a", fullwidth, pair, u"a", u"B"});

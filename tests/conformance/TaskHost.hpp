@@ -15,12 +15,12 @@ class TaskHost : public ParserHost {
   explicit TaskHost(const WorldPlan& plan = {});
 
   ParseResult parse(const ustring& text, std::uint8_t kind, const ustring& block = {});
-  /// Parses lines in order, each with all of them as block and the type of the result before.
+  /// Parses `lines` in order, each with all lines as the block and the kind of the previous result.
   /// Returns the kinds of the results.
   std::vector<int> parseLines(const std::vector<ustring>& lines);
 
-  /// Returns the top-level nodes in a short form: "line", "header ID COUNT", each with "@ANCHOR"
-  /// and the names of its failures behind it.
+  /// Returns the top-level nodes in a short form: "line" or "header ID COUNT", then "@ANCHOR" and
+  /// the failure ids, if there are any.
   std::vector<std::string> summary() const;
   /// The task data of the header at `index`.
   TaskRecord taskAt(std::size_t index) const;

@@ -12,8 +12,8 @@ struct CallOfLine {
   std::uint8_t kind;
 };
 
-/// One cell of the decision matrix: the calls that lead to the state, the call itself and what
-/// comes out of it. Every block pairs "a" and "b"; "c" is alone, and so is the empty id.
+/// One cell of the decision matrix: the calls that lead to the state, the call itself and its
+/// results. Every block has pairs of "a" and "b"; "c" and the empty id have no partner.
 struct MatrixCase {
   const char* name;
   std::vector<CallOfLine> before;
@@ -22,7 +22,7 @@ struct MatrixCase {
   int kind;
   /// The document after the call.
   Lines document;
-  /// What one more plain line of kind 3 gives: the count that goes on.
+  /// The count of the open task after one more plain line of kind 3.
   int countAfter;
 };
 
@@ -48,7 +48,7 @@ const ustring kUnequal = u"x # <@task#a> # <@task#c>";
 
 const std::vector<CallOfLine> kIdle = {};
 const std::vector<CallOfLine> kOpen = {{kA, 0}};
-// A header of an earlier task stays at the index.
+// The index still refers to the header of an earlier task.
 const std::vector<CallOfLine> kClosedBefore = {{kA, 0}, {kA, 3}};
 
 const std::vector<MatrixCase> kCells = {
@@ -205,8 +205,8 @@ const std::vector<MatrixCase> kCells = {
      3},
 };
 
-// The next plain line opens a count of its own when the parser is idle; the closing message of
-// the line after it shows the count that was reached.
+// An idle parser starts a new count at the next plain line; otherwise the closing message of the
+// line after it shows the count that was reached.
 int countAfterOneMoreLine(TaskHost& host) {
   host.takeMessages();
   host.parse(u"more", 3);

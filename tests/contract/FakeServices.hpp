@@ -71,7 +71,7 @@ class ElementContributor : public LineContributorDataParser {
   ustring feature;
 };
 
-/// Hands out two lists that a test fills; the last code element parser is the default one.
+/// Returns two lists that a test fills; the last code element parser is the default one.
 class FakeProvider : public quenlith::build::markup::services::ParserServicesProvider {
  public:
   std::vector<std::shared_ptr<LineContributorDataParser>> getLineContributorDataParsers() override {
@@ -89,7 +89,7 @@ class FakeProvider : public quenlith::build::markup::services::ParserServicesPro
       std::make_shared<quenlith::build::markup::code::PlainTextNodeParserImpl>()};
 };
 
-/// Answers every question with the one entry that a test sets.
+/// Returns the entry that a test sets for every marker.
 class FakeAppendix : public quenlith::shared::appendix::AppendixBuilder {
  public:
   void addEntry(const Marker& marker) override { entry = marker; }
@@ -109,7 +109,7 @@ inline ustring textOf(const document::kdzero::Node& node) {
   return text ? ustring(text->getText()) : ustring(u"not a plain text node");
 }
 
-/// Returns the text of each child of `node`: plain text as it is, the piece of a marker in angle
+/// Returns the text of each child of `node`: plain text unchanged, the piece of a marker in angle
 /// brackets.
 inline std::vector<ustring> childrenOf(const document::kdzero::Node& node) {
   std::vector<ustring> texts;

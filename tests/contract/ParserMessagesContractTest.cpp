@@ -78,7 +78,7 @@ TEST_F(ParserMessagesContract, AnOpeningLineTracesTheHeader) {
 TEST_F(ParserMessagesContract, AClosingLineTracesTheCount) {
   ofTaskLine(u"#<@task#t1>", 0, kPair);
   const Messages closing = ofTaskLine(u"#<@task#t1>", 3, kPair);
-  // The third record is one text field of the task's data, whichever it is.
+  // The third record is some text field of the task's data.
   ASSERT_EQ(closing.size(), 4U);
   EXPECT_EQ(closing[0], "Parsing using the task parser");
   EXPECT_EQ(closing[1], "End of task found, cleaning up 2");

@@ -1,4 +1,4 @@
-"""Plants faults in small trees of pages and reads what the check reports."""
+"""Plants faults in small trees of pages and checks what is reported."""
 
 import pathlib
 import tempfile

@@ -33,7 +33,7 @@ constexpr const char* kInvalidContext = "The bundle context is no longer valid";
 
 class Bundles : public FrameworkFixture {
  protected:
-  // The framework's stop is told of, too: after the test, but before the members end.
+  // Listeners are also called when the framework stops, before these members are destroyed.
   std::vector<unsigned> types;
 };
 

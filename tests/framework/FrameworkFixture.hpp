@@ -16,7 +16,7 @@
 
 #include "parts.hpp"
 
-/// Keeps what was noted, in order; safe from several threads.
+/// Stores notes in order. Thread-safe.
 class NoteBook : public demo::Ledger {
  public:
   void note(const std::string& entry) override;
@@ -27,17 +27,17 @@ class NoteBook : public demo::Ledger {
   std::vector<std::string> entries;
 };
 
-/// Starts a framework of its own for each test and stops it afterwards.
+/// Starts a new framework for each test and stops it afterwards.
 class FrameworkFixture : public testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
 
-  /// Returns the one bundle of a library of the test bundles, not started.
+  /// Installs a test bundle and returns it, not started.
   cppmicroservices::Bundle install(const std::string& library);
   /// Installs and starts the Declarative Services runtime.
   cppmicroservices::Bundle startRuntime();
-  /// Returns the messages of the framework's warnings and errors so far and forgets them.
+  /// Returns the messages of the framework's warnings and errors since the last call.
   std::vector<std::string> takeProblems();
 
   static std::string pathOf(const std::string& library);

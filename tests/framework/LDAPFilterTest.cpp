@@ -43,7 +43,7 @@ TEST_P(Matching, ReturnsWhetherThePropertiesMatch) {
 }
 
 constexpr Case kCases[] = {
-    // Equality compares texts with regard to case, keys without.
+    // Equality compares strings with case, keys without.
     {"(text=Hello World)", true},
     {"(TEXT=Hello World)", true},
     {"(text=hello world)", false},
@@ -64,19 +64,19 @@ constexpr Case kCases[] = {
     {"(ratio=2.5)", true},
     {"(ratio>=2.4)", true},
     {"(ratio<=2.4)", false},
-    // Truth values.
+    // Booleans.
     {"(yes=true)", true},
     {"(yes=false)", false},
     {"(no=false)", true},
     {"(no=true)", false},
-    // Order of texts.
+    // Order of strings.
     {"(text>=Hello)", true},
     {"(text<=Hello)", false},
     // Presence.
     {"(text=*)", true},
     {"(missing=*)", false},
     {"(no=*)", true},
-    // Pieces of a text.
+    // Substrings.
     {"(text=Hello*)", true},
     {"(text=*World)", true},
     {"(text=*lo Wo*)", true},
@@ -85,7 +85,7 @@ constexpr Case kCases[] = {
     {"(text=**)", true},
     {"(text=Hello World*)", true},
     {"(text=*Hello World)", true},
-    // A list matches where one of its values does.
+    // A list matches if one of its elements does.
     {"(list=alpha)", true},
     {"(list=beta)", true},
     {"(list=gamma)", false},
@@ -93,7 +93,7 @@ constexpr Case kCases[] = {
     {"(anys=gamma)", true},
     {"(anys=5)", true},
     {"(list<=aardvark)", false},
-    // About equal: case and blanks do not count.
+    // Approximate match: case and spaces are ignored.
     {"(text~=helloworld)", true},
     {"(text~=HELLO WORLD)", true},
     {"(text~=hello)", false},
@@ -111,7 +111,7 @@ constexpr Case kCases[] = {
     {"(!(number=7))", false},
     {"(!(missing=x))", true},
     {"(&(|(number=1)(number=7))(!(text=x))(list=alpha))", true},
-    // Blanks between the parts do not count.
+    // Spaces between the parts are ignored.
     {"(&(yes=true) (number=7))", true},
     {"( &( yes=true)(number=7) )", true},
     {" (number=7)", true},

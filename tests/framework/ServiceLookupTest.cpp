@@ -23,13 +23,13 @@ class Silence : public demo::Word {
   std::string text() const override { return ""; }
 };
 
-// What a lookup finds while the framework tells its listeners of a change.
+// Lookups while the framework notifies its listeners of a change.
 class ServiceLookup : public FrameworkFixture {
  protected:
   void SetUp() override {
     FrameworkFixture::SetUp();
-    // The interface has been looked up before there is a service, as a component does that asks
-    // again until it finds one.
+    // The first lookup comes before there is a service, as in a component that looks again until it
+    // finds one.
     ASSERT_EQ(countWords(), 0U);
   }
 

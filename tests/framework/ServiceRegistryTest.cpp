@@ -251,7 +251,7 @@ TEST_F(ServiceRegistry, ServicesAreReleasedWhenTheBundleThatUsesThemStops) {
 
 namespace {
 
-// Makes a word of its own for every bundle, and writes down the calls.
+// Creates a separate word for each bundle, and records the calls.
 class WordFactory : public cppmicroservices::ServiceFactory {
  public:
   InterfaceMapConstPtr GetService(const Bundle& bundle, const ServiceRegistrationBase&) override {
@@ -348,7 +348,7 @@ class ServiceListeners : public ServiceRegistry {
     };
   }
 
-  // The framework's stop is told of, too: after the test, but before the members end.
+  // Listeners are also called when the framework stops, before these members are destroyed.
   std::vector<std::string> events;
   std::vector<std::size_t> found;
   std::vector<ServiceRegistration<demo::Number>> numbers;
@@ -433,7 +433,7 @@ TEST_F(ServiceRegistry, MayBeUsedFromSeveralThreads) {
       for (int round = 0; round < 200; ++round) {
         auto registration = add("one", {{"round", round}});
         for (const auto& word : context.GetServiceReferences<demo::Word>("(round>=0)")) {
-          // Another thread may have unregistered it meanwhile.
+          // Another thread may have unregistered it.
           try {
             const auto service = context.GetService(word);
             EXPECT_TRUE(!service || service->text() == "one");

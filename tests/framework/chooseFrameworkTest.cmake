@@ -1,5 +1,5 @@
-# Lets the choice of the framework run where an installed one is too old or none is there, and compares
-# what it says. In: SCRIPT, WORK (a folder to write to).
+# Runs the choice of the framework with an installed one that is too old and with none, and checks its
+# messages. Input: SCRIPT, WORK (a folder to write to).
 cmake_minimum_required(VERSION 3.25)
 
 set(old "${WORK}/old")
@@ -8,7 +8,8 @@ file(WRITE "${old}/lib/cmake/CppMicroServices/CppMicroServicesConfigVersion.cmak
   "set(PACKAGE_VERSION 3.6.0)\n")
 file(MAKE_DIRECTORY "${WORK}/none")
 
-# Runs the choice of `wish` under `prefix` and expects that it fails or not, and what it says.
+# Runs the choice with TESSERA_FRAMEWORK=`wish` and the prefix path `prefix`; expects it to fail if
+# `failure` is true, and a message that contains `expected`.
 function(expect_choice wish prefix failure expected)
   execute_process(
     COMMAND "${CMAKE_COMMAND}" -E env --unset=CMAKE_PREFIX_PATH

@@ -5,7 +5,7 @@
 /// Interfaces between the test programs and the bundles that they load.
 namespace demo {
 
-/// Writes down what happens to components. Registered by the test program.
+/// Records what happens to components. Registered by the test program.
 class Ledger {
  public:
   virtual ~Ledger() = default;

@@ -41,7 +41,7 @@ class InstalledTree(unittest.TestCase):
         cls.work = pathlib.Path(tempfile.mkdtemp(prefix="quenlith_package_"))
         cls.addClassCleanup(shutil.rmtree, cls.work)
         cls.prefix = cls.work / "odd prefix ü"
-        # Stripped, as distributions do: the manifests must survive.
+        # Stripped, as distributions do; the manifests must not be lost.
         run(CMAKE, "--install", BUILD, "--strip", "--prefix", cls.prefix)
         cls.bundles = cls.work / "bundles"
         run(CMAKE, "-S", f"{SOURCE}/examples/bundles", "-B", cls.bundles, "-G", "Ninja",
@@ -54,7 +54,7 @@ class InstalledTree(unittest.TestCase):
         return json.loads(self.tessera(program, *arguments).stdout)["nodes"]
 
     def tessera(self, program, *arguments):
-        # From a folder that contains nothing that the program could find by chance.
+        # Run from a folder in which the program can find nothing by chance.
         return run(program, "parse", "--format", "json", *arguments, SAMPLE,
                    cwd="/", env=bare_environment())
 

@@ -2,7 +2,7 @@
 
 An element of RPATH or RUNPATH that is empty or relative makes the loader search the current folder,
 so that a library planted there is run. Allowed are absolute paths and those that begin with $ORIGIN.
-The status is not 0 if there is another one, or if there is no ELF file.
+The status is not 0 if there is any other element, or if there is no ELF file.
 """
 
 import pathlib

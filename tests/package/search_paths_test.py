@@ -1,4 +1,4 @@
-"""search_paths_test.py COMPILER: links libraries with planted search paths and reads the verdicts."""
+"""search_paths_test.py COMPILER: links libraries with planted search paths and checks the reports."""
 
 import contextlib
 import io

@@ -1,6 +1,6 @@
 namespace {
 
-// Volatile, or the compiler leaves the allocation out.
+// Volatile, because the compiler would remove the allocation.
 int* volatile kept = nullptr;
 
 }  // namespace

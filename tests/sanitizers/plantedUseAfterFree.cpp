@@ -2,7 +2,7 @@
 
 int main(int argc, char** /*argv*/) {
   auto owner = std::make_unique<int>(argc);
-  // Volatile, or the compiler sees through it.
+  // Volatile, because the compiler would recognise the fault.
   int* volatile borrowed = owner.get();
   owner.reset();
   return *borrowed;

@@ -1,4 +1,4 @@
-"""scripts_test.py SOURCE: runs the commands in scripts/ where they cannot build, and counts reports."""
+"""scripts_test.py SOURCE: tests the total of test reports, and commands in scripts/ that cannot build."""
 
 import pathlib
 import shutil

@@ -6,15 +6,14 @@
 
 namespace quenlith::test {
 
-/// How many times this thread has allocated so far.
+/// Returns how many times this thread has allocated.
 std::size_t allocationCount();
 
-/// How many of the allocations of this thread have not been released, when what one thread
-/// allocates no other releases.
+/// Returns how many allocations of this thread have not been released. Valid only if no thread
+/// releases what another one allocated.
 std::ptrdiff_t liveAllocations();
 
-/// While it lives, the allocation of this thread with the number `first` from now on fails, and so
-/// do those after it; the first one has number 0.
+/// While it lives, the allocations of this thread fail, except for the next `first` ones.
 class FailingAllocations {
  public:
   explicit FailingAllocations(std::size_t first);
@@ -23,9 +22,9 @@ class FailingAllocations {
   FailingAllocations& operator=(const FailingAllocations&) = delete;
 };
 
-/// Runs `operation` again and again, with its first, second, ... allocation failing, until it gets
-/// through; calls `check` after each failure. Returns how many allocations failed. Throws what
-/// `operation` throws but std::bad_alloc.
+/// Runs `operation` repeatedly, with its allocations failing from the first, the second, ... one
+/// on, until it succeeds; calls `check` after each failure. Returns the number of failures.
+/// Propagates exceptions of `operation` other than std::bad_alloc.
 template <typename Operation, typename Check>
 std::size_t failEachAllocation(Operation operation, Check check) {
   for (std::size_t first = 0;; ++first) {

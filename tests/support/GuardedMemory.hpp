@@ -11,11 +11,11 @@
 
 namespace quenlith::test {
 
-/// Memory between two pages that may not be read or written: an access past either end ends the
-/// process, also where a sanitizer does not see it, for instance in vector code.
+/// Memory between two inaccessible pages: an access past either end terminates the process, even
+/// where no sanitizer detects it, as in vector code.
 class GuardedMemory {
  public:
-  /// Makes at least `bytes` bytes of writable memory.
+  /// Allocates at least `bytes` bytes of writable memory.
   explicit GuardedMemory(std::size_t bytes)
       : pageBytes(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))),
         usableBytes((bytes / pageBytes + 1) * pageBytes),

@@ -31,7 +31,7 @@ class LogCollector {
   foundation::log::SinkRegistration registration;
 };
 
-/// Stores the progress records that are made while it lives. They are enabled meanwhile.
+/// Enables the progress records while it lives, and stores them.
 class LogRecords {
  public:
   const std::vector<std::string>& get() const { return messages; }

@@ -155,13 +155,13 @@ class Parse(ProgramTest):
         name = self.write("closed", b"x")
         os.chmod(name, 0)
         os.chmod(self.folder, 0o755)
-        # Nobody may write the counters of a program that counts what is reached.
+        # The user nobody cannot write the counters of a program built for coverage.
         counters = {"env": dict(os.environ, LLVM_PROFILE_FILE="/dev/null")}
         nobody = {"user": 65534, **counters} if os.geteuid() == 0 else {}
         try:
             done = tessera("parse", name, **nobody)
         except PermissionError:
-            self.skipTest("the program itself is out of nobody's reach")
+            self.skipTest("the user nobody cannot run the program")
         self.assertRefused(done, name + ": error: cannot be opened: Permission denied; "
                            "ask for the right to read it, or name another file")
 
@@ -218,7 +218,7 @@ class Parse(ProgramTest):
         self.assertEqual((done.stdout, done.returncode), (once.replace(name.encode(), b"-") + b"-\n", 0))
 
     def test_invalid_utf8_is_located_around_every_chunk_boundary(self):
-        # The file is read in pieces of 64 KiB.
+        # The file is read in chunks of 64 KiB.
         for size in (0, 1, 65533, 65534, 65535, 65536, 131072):
             for bad in (b"\x80", b"\xff", b"\xc0\x80", b"\xe2\x82", b"\xed\xa0\x80", b"\xf0\x9f\x98",
                         b"\xf4\x90\x80\x80"):

@@ -27,7 +27,7 @@ def tessera(*arguments):
 
 
 def parse(text, kind, block=None):
-    """Returns a call of the task parser; without a block it has that of the call before."""
+    """Returns a call of the task parser; without `block` it reuses the block of the previous call."""
     snippet = {"text": text, "type": {"group": 0, "kind": kind}}
     if block is not None:
         snippet["auxiliaryText"] = block
@@ -47,12 +47,12 @@ def pair(task):
 
 
 class LongTask(unittest.TestCase):
-    """The line that is counted last is number 65,536."""
+    """The count of an open task wraps to 0 at line 65,536."""
 
     PLAIN = parse("plain", 3)
 
     def replay(self, last, *after, inside=65534):
-        """Returns the answer to the last line, those after it, and the nodes."""
+        """Returns the answer to the last line, the answers after it, and the nodes."""
         answers = run("replay", "-", stdin=written(parse("x # <@task#a>", 0, pair("a"))) +
                       inside * written(self.PLAIN) + written(last, *after, {"op": "nodes"}))
         self.assertEqual(set(answers[1:inside + 1]), {
@@ -110,7 +110,7 @@ class LongTask(unittest.TestCase):
         }
         for text, (kind, log, kinds) in cases.items():
             with self.subTest(text=text):
-                # In between a marker without a partner, which leaves the id as it is.
+                # The marker without a partner in between does not change the id.
                 _, after, nodes = self.replay(self.PLAIN, parse("# <@task#c>", 1), parse(text, 2, ""))
                 self.assertEqual(after[1]["result"]["type"]["kind"], kind)
                 self.assertEqual(after[1]["log"], first + log)
@@ -139,7 +139,7 @@ class OverlappingIds(unittest.TestCase):
                     for node in nodes for failure in node["parserFailures"]]
         self.assertAllEqual(failures, [("overlapping_task_marker", task) for task in ids] +
                             [("missing_task_marker_pair", task) for task in ids])
-        # With the opening and the closing line.
+        # The opening and the closing line are counted too.
         self.assertEqual(nodes[0]["children"][0]["liveTaskData"]["numCodeLines"], 50002)
 
 
@@ -207,7 +207,7 @@ class Recordings(unittest.TestCase):
         for name in names:
             with self.subTest(name=name):
                 self.documents(name)
-        # One after the other, and each twice.
+        # In sequence, and each twice.
         self.documents(*names, *reversed(names))
 
 

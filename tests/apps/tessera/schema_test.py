@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds docs/parse.schema.json to the documents that the program writes, and to damaged ones.
+"""Checks that docs/parse.schema.json accepts what the program writes and rejects damaged documents.
 
 schema_test.py PROGRAM
 """
@@ -46,13 +46,13 @@ def failure(document):
     return find(document, "failureId", "overlapping_task_marker")
 
 
-# Each makes one thing wrong with the document of examples/tasks.py.
+# Each damages the document of examples/tasks.py in one way.
 DAMAGE = {
     "no schema version": lambda d: d.pop("schemaVersion"),
     "another schema version": lambda d: d.update(schemaVersion=2),
     "no file": lambda d: d.pop("file"),
     "an unknown key": lambda d: d.update(extra=1),
-    "nodes that are no list": lambda d: d.update(nodes={}),
+    "nodes that are not a list": lambda d: d.update(nodes={}),
     "a node of an unknown kind": lambda d: d["nodes"][0].update(kind="CodeNode"),
     "a node without a kind": lambda d: d["nodes"][0].pop("kind"),
     "a line node with a text": lambda d: d["nodes"][0].update(text=""),
@@ -61,23 +61,23 @@ DAMAGE = {
     "a node without children": lambda d: text(d).pop("children"),
     "a task without its id": lambda d: task(d).pop("id"),
     "a task without one of its texts": lambda d: task(d)["liveTaskData"].pop("view"),
-    "a count of lines that is a text": lambda d: task(d)["liveTaskData"].update(numCodeLines="4"),
+    "a count of lines that is a string": lambda d: task(d)["liveTaskData"].update(numCodeLines="4"),
     "a count of lines beyond 16 bits": lambda d: task(d)["liveTaskData"].update(numCodeLines=65536),
-    "a flag for a text of a task": lambda d: task(d)["liveTaskData"].update(autoRun=True),
+    "a boolean for a string of a task": lambda d: task(d)["liveTaskData"].update(autoRun=True),
     "a failure without data": lambda d: failure(d).pop("failureData"),
     "a failure whose marker lacks a part": lambda d: failure(d)["markerInfo"].pop("subFeatureId"),
     "contributor data without a feature": lambda d: d["nodes"][0].update(
         contributorData=[{"lineData": []}]),
-    "line data that is no object": lambda d: d["nodes"][0].update(
+    "line data that is not an object": lambda d: d["nodes"][0].update(
         contributorData=[{"contributingFeature": "f", "lineData": [1]}]),
     "a line with the number 0": lambda d: d["lines"][0].update(line=0),
     "a line without its parser": lambda d: d["lines"][0].pop("parser"),
     "a type with a third part": lambda d: d["lines"][0]["type"].update(flag=0),
-    "a kind beyond a byte": lambda d: d["lines"][0]["type"].update(kind=256),
-    "a flag that is a text": lambda d: d["lines"][0].update(flag="false"),
+    "a kind that does not fit a byte": lambda d: d["lines"][0]["type"].update(kind=256),
+    "a flag that is a string": lambda d: d["lines"][0].update(flag="false"),
     "a marker type twice": lambda d: d["lines"][0].update(markerTypes=["%<@task>", "%<@task>"]),
     "a node index below 0": lambda d: d["lines"][0].update(nodes=[-1]),
-    "a log that is a text": lambda d: d["lines"][0].update(log="x"),
+    "a log that is a string": lambda d: d["lines"][0].update(log="x"),
 }
 
 
@@ -99,7 +99,7 @@ def main():
         if damaged == tasks:
             problems.append(f"{name}: nothing was damaged")
         elif validator.is_valid(damaged):
-            problems.append(f"{name}: the schema takes it")
+            problems.append(f"{name}: the schema accepts it")
     print("\n".join(problems + [f"{len(documents)} documents, {len(DAMAGE)} damaged ones"]))
     return 1 if problems else 0
 

@@ -18,10 +18,10 @@ namespace {
 
 std::string bytesOf(const BrokenBundle& row) {
   std::string library = readBytes(BASE_LIBRARY);
-  const auto behind = [&](const std::string& start, const std::string& name) {
+  const auto withArchive = [&](const std::string& start, const std::string& name) {
     return start + makeArchive({{name, row.manifest}}, start.size());
   };
-  std::string whole = behind(library, "broken/manifest.json");
+  std::string whole = withArchive(library, "broken/manifest.json");
   switch (row.make) {
     case Make::kManifestOnly:
       return row.manifest;
@@ -35,15 +35,15 @@ std::string bytesOf(const BrokenBundle& row) {
       return wrong;
     }
     case Make::kOtherFile:
-      return behind(library, "broken/other.json");
+      return withArchive(library, "broken/other.json");
     case Make::kEmptyArchive:
       return library + makeArchive({}, library.size());
     case Make::kNoFolder:
-      return behind(library, "manifest.json");
+      return withArchive(library, "manifest.json");
     case Make::kArchiveOnly:
-      return behind("", "broken/manifest.json");
+      return withArchive("", "broken/manifest.json");
     case Make::kOtherMachine: {
-      // The class of the file, in its fifth byte, is 1 for 32 bits.
+      // The ELF class in the fifth byte is 1 for 32 bits.
       std::string other = whole;
       other[4] = 1;
       return other;
@@ -80,7 +80,7 @@ class Broken : public FrameworkFixture, public testing::WithParamInterface<Broke
     good.Start();
   }
 
-  // Installs and starts the bundle and asks for its services; returns all that was said.
+  // Installs and starts the bundle and gets its services; returns all messages.
   std::vector<std::string> use(const std::string& path) {
     std::vector<std::string> messages;
     try {
@@ -116,7 +116,7 @@ TEST_P(Broken, IsReportedAndDoesNotAffectOthers) {
 
 std::vector<BrokenBundle> usableRows() {
   std::vector<BrokenBundle> usable = brokenBundles();
-  // An installed 3.8.12 calls a null instance.
+  // CppMicroServices 3.8.12 calls through the null instance.
   if (!EMBEDDED_FRAMEWORK) {
     std::erase_if(usable, [](const BrokenBundle& row) {
       return row.name == std::string("FactoryReturnsNull");

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The layout is that of PKWARE's APPNOTE.TXT, version 2.0, method 0 ("stored").
+// The layout is defined by PKWARE's APPNOTE.TXT, version 2.0, method 0 ("stored").
 class Writer {
  public:
   Writer& half(std::size_t value) { return number(value, 2); }
@@ -37,7 +37,7 @@ std::uint32_t checksum(const std::string& content) {
   return ~sum;
 }
 
-// What the entry of a file and that of the directory have in common.
+// The fields that a file's local header and its central directory entry share.
 void writeCommon(Writer& out, const std::string& name, const std::string& content) {
   out.half(20).half(0).half(0).half(0).half(0x21);
   out.word(checksum(content)).word(content.size()).word(content.size());

@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-/// Returns a zip archive of files, each a name and its content, stored as they are.
+/// Returns a zip archive of files, each a name and its content, stored uncompressed.
 ///
-/// The archive is to stand behind `offset` bytes: its places count from the start of those.
+/// The archive is meant to follow `offset` bytes; its offsets count from the start of those bytes.
 std::string makeArchive(const std::vector<std::pair<std::string, std::string>>& files,
                         std::size_t offset);
 

@@ -6,7 +6,7 @@
 #include "parts.hpp"
 #include "quenlith/bundle/component.hpp"
 
-// The library of all broken bundles: what is broken is in the manifest or in one factory.
+// The library of all broken bundles: the fault is in the manifest or in one factory.
 
 CPPMICROSERVICES_INITIALIZE_BUNDLE
 
@@ -46,7 +46,7 @@ extern "C" QUENLITH_BUNDLE_EXPORT void DeleteInstance_demo_Null(ComponentInstanc
   delete instance;
 }
 
-// A factory that lets an exception out, which none should.
+// A factory that lets an exception escape, which none may do.
 extern "C" QUENLITH_BUNDLE_EXPORT ComponentInstance* NewInstance_demo_Thrower() {
   throw std::runtime_error("out of the factory");
 }
@@ -54,7 +54,7 @@ extern "C" QUENLITH_BUNDLE_EXPORT void DeleteInstance_demo_Thrower(ComponentInst
   delete instance;
 }
 
-// A component without its second function.
+// A component without its DeleteInstance_ function.
 extern "C" QUENLITH_BUNDLE_EXPORT ComponentInstance* NewInstance_demo_Half() {
   return nullptr;
 }

@@ -2,13 +2,13 @@
 
 namespace {
 
-// A manifest with one component out of its members.
+// Returns a manifest with one component that has `members`.
 std::string component(const std::string& members) {
   return R"({"bundle.symbolic_name":"broken","scr":{"version":1,"components":[{)" + members +
          "}]}}";
 }
 
-// A component that is fine, with more members.
+// Returns a manifest with a valid component that also has `members`.
 std::string fine(const std::string& members) {
   return component(
       R"("implementation-class":"demo::Fine","service":{"interfaces":["demo::Broken"]})" + members);
@@ -19,7 +19,7 @@ std::string withClass(const std::string& name) {
                    R"(","service":{"interfaces":["demo::Broken"]})");
 }
 
-// A component with one reference out of its members.
+// Returns a manifest with a component whose one reference has `members`.
 std::string reference(const std::string& members) {
   return component(
       R"("implementation-class":"demo::Needs","service":{"interfaces":["demo::Broken"]},)"
@@ -27,7 +27,7 @@ std::string reference(const std::string& members) {
       members + "}]");
 }
 
-// A component that provides one interface and needs another one.
+// Returns a component that provides one interface and needs another one.
 std::string waiting(const std::string& name, const std::string& provided,
                     const std::string& needed) {
   return R"({"implementation-class":")" + name + R"(","service":{"interfaces":[")" + provided +
@@ -118,7 +118,7 @@ const std::vector<BrokenBundle>& brokenBundles() {
        "FILE: the library lacks _us_create_activator_broken or _us_destroy_activator_broken, but "
        "\"bundle.activator\" is true; use CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR in a source "
        "file that is compiled with US_BUNDLE_NAME=broken, or set \"bundle.activator\" to false"},
-      // The record of components.
+      // The descriptions of the components.
       {"ScrIsAList", Make::kBundle, named(R"(,"scr":[])"),
        "FILE: scr must be an object; mend the manifest of the bundle"},
       {"NoVersion", Make::kBundle, named(R"(,"scr":{"components":[]})"),
@@ -189,7 +189,7 @@ const std::vector<BrokenBundle>& brokenBundles() {
       {"UnknownKeyOfAReference", Make::kBundle, reference(kFineName + R"(,"cardinalty":"1..1")"),
        "FILE: scr.components[0] (demo::Needs).references[0] has the key \"cardinalty\", which "
        "Declarative Services do not know; mend the manifest of the bundle"},
-      // What an installed framework has.
+      // Features that only an installed framework has.
       {"NoService", Make::kBundle, component(R"("implementation-class":"demo::Fine")"),
        "FILE: scr.components[0] (demo::Fine): the embedded framework has no components without a "
        "service; give it a \"service\" or use an installed CppMicroServices, which has it"},

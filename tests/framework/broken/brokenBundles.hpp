@@ -4,20 +4,20 @@
 #include <string>
 #include <vector>
 
-/// How the file of a broken bundle is made out of the manifest of its row.
+/// How the file of a broken bundle is made from its manifest.
 enum class Make {
-  kBundle,        // library and archive, as it should be
+  kBundle,        // an intact library and archive
   kNoFile,        // nothing
   kFolder,        // a folder in place of the file
   kManifestOnly,  // the manifest in place of the file
   kNoArchive,     // the library alone
   kCutArchive,    // the last bytes of the archive are missing
-  kWrongBytes,    // one byte of the manifest is another one
+  kWrongBytes,    // one byte of the manifest is changed
   kOtherFile,     // the archive has another file
   kEmptyArchive,  // the archive has no file
-  kNoFolder,      // the manifest stands outside of a folder
+  kNoFolder,      // the manifest is not in a folder
   kArchiveOnly,   // no library before the archive
-  kOtherMachine,  // the library is for a machine of 32 bits
+  kOtherMachine,  // the library is for a 32-bit machine
 };
 
 /// A bundle that is broken in one way.
@@ -25,15 +25,15 @@ struct BrokenBundle {
   const char* name;
   Make make;
   std::string manifest;
-  // What the embedded framework says; FILE stands for the path.
+  // The message of the embedded framework, with FILE in place of the path.
   std::string message;
 };
 
-/// Shows the name where a test fails.
+/// Prints the name when a test fails.
 // NOLINTNEXTLINE(readability-identifier-naming): the test library fixes the name
 inline void PrintTo(const BrokenBundle& bundle, std::ostream* out) {
   *out << bundle.name;
 }
 
-/// Returns the bundles, each with what is wrong with it and what is to be said of it.
+/// Returns the bundles, each with its fault and the expected message.
 const std::vector<BrokenBundle>& brokenBundles();

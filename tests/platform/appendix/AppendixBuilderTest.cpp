@@ -22,7 +22,7 @@ TEST(AppendixBuilder, AnEntryIsEmptyByDefault) {
 }
 
 #if defined(__GXX_ABI_VERSION)
-/// Returns the slot of a virtual operation in the table of its class.
+/// Returns the index of a virtual function in the virtual table of its class.
 template <typename Operation>
 std::uintptr_t slotOf(Operation operation) {
   std::uintptr_t words[2];
@@ -31,8 +31,8 @@ std::uintptr_t slotOf(Operation operation) {
   return (words[0] - 1) / sizeof(void*);
 }
 
-// Bundles built elsewhere call the operations by slot. The destructor takes the first two on this
-// ABI.
+// Bundles built elsewhere call the functions by index. The destructor takes the first two entries
+// in this ABI.
 TEST(AppendixBuilder, VirtualOperationsAreInTheDocumentedOrder) {
   EXPECT_EQ(slotOf(&AppendixBuilder::addEntry), 2u);
   EXPECT_EQ(slotOf(&AppendixBuilder::build), 3u);

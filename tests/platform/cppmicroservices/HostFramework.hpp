@@ -33,7 +33,7 @@ struct Hello : Greeter {
 /// A service under two interfaces.
 struct CountingHello : Hello, Counter {};
 
-/// A framework that was started, its context, and the errors that it told of.
+/// A started framework, its context, and the errors that it reported.
 class HostFramework : public testing::Test {
  protected:
   HostFramework() { start(); }

@@ -34,10 +34,10 @@ TEST(LdapFilter, TextHasNoInsignificantSpaces) {
       {"(|(a=b)(!(c=d)))", "(|(a=b)(!(c=d)))"},
       {"(&(a=b))", "(&(a=b))"},
       {"\t(\n&\v(a\f=b)\r)", "(&(a=b))"},
-      // Blanks in a value matter, those inside an attribute name do, too.
+      // Spaces in a value are significant, and so are those inside an attribute name.
       {"(a= b)", "(a= b)"},
       {"(a b=c)", "(a b=c)"},
-      // Escapes and wildcards come back as they were.
+      // Escapes and wildcards are unchanged.
       {"(a=\\*x)", "(a=\\*x)"},
       {"(a=\\(x\\\\)", "(a=\\(x\\\\)"},
       {"(a=b\\)c)", "(a=b\\)c)"},
@@ -150,7 +150,7 @@ TEST(LdapFilter, NumbersAreComparedAsNumbers) {
 
 TEST(LdapFilter, OtherValuesAreCompared) {
   expectMatches({
-      // Truth values: whatever the case of the word.
+      // Booleans: the case of the word is ignored.
       {"(k=true)", true, true},
       {"(k=TRUE)", true, true},
       {"(k~=False)", false, true},
@@ -158,19 +158,19 @@ TEST(LdapFilter, OtherValuesAreCompared) {
       {"(k=1)", true, false},
       {"(k=tru*)", true, false},
       {"(k>=true)", true, false},
-      // Characters are texts of one.
+      // A character is compared as a string of length 1.
       {"(k=c)", 'c', true},
       {"(k=c*)", 'c', true},
       {"(k~=C)", 'c', true},
       {"(k=99)", 'c', false},
-      // Of a list one element is enough.
+      // One element of a list is enough.
       {"(k=a)", std::vector<std::string>{"b", "a"}, true},
       {"(k=c)", std::vector<std::string>{"b", "a"}, false},
       {"(k=a)", std::list<std::string>{"a"}, true},
       {"(k=1)", std::vector<Any>{Any("x"s), Any(1)}, true},
       {"(k=1)", std::vector<Any>{Any(std::vector<Any>{Any(1)})}, true},
       {"(k=*)", std::vector<std::string>{}, true},
-      // Anything else is there or not, and no more.
+      // Any other value matches only the presence test, and an empty one not even that.
       {"(k=1)", std::vector<int>{1}, false},
       {"(k=*)", std::vector<int>{1}, true},
       {"(k=*)", Any(), false},
@@ -221,7 +221,7 @@ TEST(LdapFilter, FiltersOfTheSameTextAreEqual) {
   EXPECT_EQ(out.str(), "(a=c)");
 }
 
-// Returns a condition that is negated `times` times.
+// Returns a filter that is negated `times` times.
 std::string negated(int times) {
   std::string filter;
   for (int i = 0; i < times; ++i) filter += "(!";

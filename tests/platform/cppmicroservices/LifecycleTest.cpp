@@ -27,7 +27,7 @@ class Lifecycle : public HostFramework {
     bundle = context.InstallBundles(SCRIPTED_BUNDLE).at(0);
   }
 
-  // Makes a bundle of a library that exports nothing for frameworks.
+  // Makes a bundle from a library that exports no functions for frameworks; returns its path.
   static std::string bare() {
     const std::string library = readBytes(BARE_LIBRARY);
     std::string path = std::string(WORK_FOLDER) + "/bare.so";

@@ -17,7 +17,7 @@ enum class Offsets { kFromFile, kFromArchive };
 
 class Manifests : public HostFramework {
  protected:
-  // Writes a file that ends in an archive of `files`: it can be installed, but not be started.
+  // Writes a file that ends with an archive of `files`. It can be installed, but not started.
   std::string write(const std::vector<std::pair<std::string, std::string>>& files,
                     Offsets offsets = Offsets::kFromFile) {
     const std::string start = "no library";
@@ -167,7 +167,7 @@ TEST_F(Manifests, ArchiveWithADamagedDirectoryIsRefused) {
 TEST_F(Manifests, ArchiveWithADamagedEntryIsRefused) {
   write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
   std::string bytes = readBytes(path);
-  // The way in which the entry is packed, of which nobody knows the number 99.
+  // The compression method of the entry; 99 is not supported.
   bytes[bytes.find("PK\1\2") + 10] = 99;
   writeBytes(path, bytes);
   EXPECT_THROW(context.InstallBundles(path), std::runtime_error);

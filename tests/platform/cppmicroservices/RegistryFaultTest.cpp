@@ -30,7 +30,7 @@ class CountingFactory : public ServiceFactory {
   int inUse = 0;
 };
 
-/// The registry when memory runs out at every place in turn.
+/// The registry when each allocation fails in turn.
 class RegistryFaults : public HostFramework {
  protected:
   /// Returns the greetings of all services in the order of preference.
@@ -95,7 +95,7 @@ TEST_F(RegistryFaults, ObjectOfAFactoryIsUsedOrReturned) {
   const auto made = context.RegisterService<Greeter>(ToFactory(factory));
   const auto reference = made.GetReference();
   std::shared_ptr<Greeter> service;
-  // A factory that has no memory makes nothing, and its user gets null.
+  // A factory that runs out of memory creates no object, and the caller gets null.
   const auto get = [&] {
     service = context.GetService(reference);
     if (!service) throw std::bad_alloc();

@@ -12,7 +12,8 @@ struct Script {
   std::function<void(cppmicroservices::BundleContext)> start = [](const auto&) {};
   std::function<void(cppmicroservices::BundleContext)> stop = [](const auto&) {};
 
-  /// What the bundle asks its library for its context with: the activator sets it when it is made.
+  /// The function of the bundle's library that returns its context. The activator's constructor
+  /// sets it.
   cppmicroservices::BundleContext (*contextOfBundle)() = nullptr;
 };
 

@@ -12,7 +12,7 @@ namespace {
 
 using namespace cppmicroservices;
 
-/// A factory that does what a test tells it to, and counts.
+/// A factory that does what a test sets, and counts its calls.
 class Workshop : public ServiceFactory {
  public:
   InterfaceMapConstPtr GetService(const Bundle& bundle, const ServiceRegistrationBase&) override {
@@ -33,7 +33,7 @@ class Workshop : public ServiceFactory {
   std::function<void()> takeBack = [] {};
   int made = 0;
   int returned = 0;
-  // Not the bundle itself: its framework would live as long as the factory that it holds.
+  // The id and not the bundle, which would keep alive the framework that owns this factory.
   long user = -1;
 };
 

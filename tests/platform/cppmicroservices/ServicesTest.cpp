@@ -267,7 +267,7 @@ TEST_F(Services, ListenerThatIsRemovedMeanwhileIsNotCalled) {
   int calls = 0;
   second = context.AddServiceListener([&](const ServiceEvent&) { ++calls; });
   auto registration = add("a");
-  // The first listener came before the second one, or after it and then too late.
+  // The second listener is called at most once: before the first one removes it.
   const int before = calls;
   registration.Unregister();
   EXPECT_LE(before, 1);

@@ -15,7 +15,7 @@ namespace {
 
 using namespace cppmicroservices;
 
-/// A factory that waits inside `GetService` until it is let go.
+/// A factory that waits inside `GetService` until the test sets `leave`.
 class SlowWorkshop : public ServiceFactory {
  public:
   InterfaceMapConstPtr GetService(const Bundle&, const ServiceRegistrationBase&) override {

@@ -22,7 +22,7 @@ using testing::HasSubstr;
 
 namespace {
 
-// Runs what a test wants while a component is being made.
+// Runs an action of the test while a component is being constructed or destroyed.
 class Hook : public NoteBook {
  public:
   void note(const std::string& entry) override {
@@ -181,7 +181,7 @@ TEST_F(Runtime, ThreadsMayChangeServicesAndBundlesConcurrently) {
       try {
         context.GetService(third);
       } catch (const std::invalid_argument&) {
-        // It was unregistered meanwhile.
+        // It was unregistered after the lookup.
       }
     }
   }

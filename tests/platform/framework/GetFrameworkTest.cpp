@@ -13,8 +13,8 @@ namespace {
 using foundation::cppmicroservices::getFramework;
 using foundation::cppmicroservices::setFramework;
 
-/// Returns a distinct pointer with its own reference count. No test dereferences it, so that no
-/// framework has to be made.
+/// Returns a distinct pointer with its own reference count. No test dereferences it, so no
+/// framework needs to exist.
 std::shared_ptr<cppmicroservices::Framework> makeFramework() {
   auto owner = std::make_shared<std::max_align_t>();
   auto* place = reinterpret_cast<cppmicroservices::Framework*>(owner.get());
@@ -35,7 +35,7 @@ TEST(GetFramework, ReturnsAndSharesTheOneThatWasSet) {
   EXPECT_EQ(framework.use_count(), 1);
 }
 
-/// Says whether both halves of `found`, the pointer and its reference count, are those of `wanted`.
+/// Returns whether `found` has both the pointer and the reference count of `wanted`.
 bool isWhole(const std::shared_ptr<cppmicroservices::Framework>& found,
              const std::shared_ptr<cppmicroservices::Framework>& wanted) {
   return found == wanted && !found.owner_before(wanted) && !wanted.owner_before(found);
@@ -59,7 +59,7 @@ TEST(GetFramework, MayBeSetWhileOtherThreadsGetIt) {
       }
     });
   }
-  // So that all threads ask while the framework is set.
+  // All threads must call getFramework() while the framework is being set.
   while (running < kThreads) std::this_thread::yield();
   for (int i = 0; i < 100000; ++i) setFramework(i % 2 == 0 ? other : one);
   done = true;

@@ -14,7 +14,7 @@ using foundation::json::flatObjectEnd;
 using foundation::json::Lexer;
 using foundation::json::Token;
 
-// The end of the object by the lexer of tokens; 0 where there is none.
+// Returns where the lexer ends the object; 0 if it reports an error.
 std::size_t endByTokens(const std::u16string& text) {
   Lexer lexer(text, 0, foundation::json::Space::kBlanks, foundation::json::kEmbeddedDepth);
   do {

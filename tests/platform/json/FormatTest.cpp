@@ -104,7 +104,7 @@ TEST(WriteNumber, IntegersArePlainDigits) {
             "18446744073709551615");
 }
 
-// Any double, canonically written, is read back as the same double.
+// Any finite double in canonical form is read back as the same double.
 TEST(WriteNumber, CanonicalDoublesReadBack) {
   const std::uint64_t seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));

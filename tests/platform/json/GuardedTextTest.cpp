@@ -1,4 +1,4 @@
-// JSON texts that lie between pages that may not be read.
+// JSON texts between inaccessible pages.
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ constexpr std::u16string_view kText =
     u"{\"a long key of plain text\": [\"\\u0041\\n and some more plain text\", -12.5e+3, true],\t"
     u"\"\U0001F600\": {\"nothing\": null, \"false\": false, \"whole\": 18446744073709551615}}";
 
-// Every cut of the text ends at the guard: in a string, an escape, a number or a word.
+// Every prefix of the text ends at the guard: in a string, an escape, a number or a word.
 TEST(GuardedText, IsParsedWithinItsBounds) {
   const GuardedMemory memory(kText.size() * sizeof(char16_t));
   for (std::size_t size = 0; size <= kText.size(); ++size) {

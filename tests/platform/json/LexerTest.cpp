@@ -47,7 +47,7 @@ TEST(Lexer, StringsKeepUnpairedSurrogatesAsUnits) {
   EXPECT_EQ(lexer.text(), u"raw");
 }
 
-// However the halves of a pair are spelt.
+// Each half of a pair may be escaped or not.
 TEST(Lexer, EscapedAndRawHalvesMakeAPair) {
   for (const std::u16string half :
        {u"\"\\ud83d\xDE00\"", u"\"\xD83D\\ude00\"", u"\"\xD83D\xDE00\""}) {

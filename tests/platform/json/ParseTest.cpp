@@ -49,7 +49,7 @@ const std::vector<NumberCase> kNumbers{
     {u"-1.50", Value(-1.5)},
     {u"0.000001e6", Value(1.0)},
     {u"123456.789e3", Value(123456789.0)},
-    // The ends of the range, and what is nearest to them.
+    // The limits of the range, and the numbers nearest to them.
     {u"1.7976931348623157e308", Value(std::numeric_limits<double>::max())},
     {u"1.7976931348623158e308", Value(std::numeric_limits<double>::max())},
     {u"-1.7976931348623157e308", Value(-std::numeric_limits<double>::max())},
@@ -61,7 +61,7 @@ const std::vector<NumberCase> kNumbers{
     {u"0e99999999999999999999999", Value(0.0)},
     {u"0.0e400", Value(0.0)},
     {u"2.2250738585072011e-308", Value(2.2250738585072011e-308)},
-    // Half way between two doubles, and a digit more or less far behind.
+    // Halfway between two doubles, and just above and below: the digit that decides comes late.
     {u"9007199254740993.0", Value(9007199254740992.0)},
     {u"9007199254740993.0" + std::u16string(900, u'0') + u"1", Value(9007199254740994.0)},
     {u"9007199254740992.9" + std::u16string(900, u'9'), Value(9007199254740992.0)},

@@ -102,7 +102,7 @@ TEST(Value, WholeNumbersAndTextsTakeTheKindOfTheirType) {
   EXPECT_EQ(Value(text).get<std::string>(), "text");
 }
 
-// None of these may turn into a boolean or a number on the quiet.
+// None of these may be converted to a boolean or a number implicitly.
 static_assert(!std::is_constructible_v<Value, int*>);
 static_assert(!std::is_constructible_v<Value, const void*>);
 static_assert(!std::is_constructible_v<Value, std::nullptr_t>);
@@ -209,7 +209,7 @@ TEST(ValueAssignment, FromItsOwnChildGivesTheChild) {
   EXPECT_EQ(moved, Value(Array{Value("a")}));
 }
 
-// Arrays and objects in turn, each with something before and behind the deeper one.
+// Alternating arrays and objects, each with elements before and after the nested one.
 Value deepValue(int depth) {
   Value value("bottom");
   for (int level = 0; level < depth; ++level) {
@@ -239,12 +239,12 @@ TEST(DeepValue, IsCopiedComparedHashedAndDestroyedWithoutRecursion) {
   EXPECT_FALSE(copy == original);
 }
 
-// A chain in which each level holds one thing only, and one whose first child is the deep one.
+// Chains with zero or more further elements per level, before or after the nested one.
 TEST(DeepValue, ChainsOfEveryShapeAreDestroyedWithoutRecursion) {
   for (const std::size_t extra : {0U, 1U, 3U}) {
     for (const bool first : {false, true}) {
       Value value(1);
-      // Deep enough that even the smallest frame a level would not fit the stack.
+      // Deep enough that even the smallest stack frame per level would overflow the stack.
       for (int level = 0; level < 300'000; ++level) {
         Array array(extra, Value(level));
         array.insert(first ? array.begin() : array.end(), std::move(value));

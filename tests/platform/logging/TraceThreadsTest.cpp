@@ -20,7 +20,7 @@ void emitRecords() {
 }
 
 TEST(TraceThreads, EveryRecordOfEveryThreadArrivesOnce) {
-  // A plain counter: the calls of one receiver must follow one another.
+  // Not atomic: the calls of one receiver must not overlap.
   int received = 0;
   getLogger().setEnabledSeverities(kTraceSeverity);
   {

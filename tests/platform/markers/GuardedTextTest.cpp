@@ -1,4 +1,4 @@
-// Texts that lie between pages that may not be read.
+// Texts between inaccessible pages.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ constexpr std::u16string_view kText =
     u"x = 1  ## <@task#\"an id\" [1, 22] {\"a\": \"\\n plain text\", \"b\": [1.5, true]}> "
     u"// <@appendix> -- <@text:anchor#here> %<";
 
-// Every cut of the text, at both ends, meets the guard in each part of a marker.
+// The prefixes and suffixes of the text meet the guard in each part of a marker.
 TEST(GuardedText, IsScannedWithinItsBounds) {
   const GuardedMemory memory(kText.size() * sizeof(char16_t));
   for (std::size_t size = 0; size <= kText.size(); ++size) {

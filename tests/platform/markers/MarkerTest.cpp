@@ -34,7 +34,7 @@ const std::vector<CanonicalCase> kCanonicalCases{
     {u"output", "%<@output>"},
     {u"task", "%<@task>"},
     {u"text", "%<@text>"},
-    // Any leader or none, any blanks, the range left out.
+    // Any leader or none, any blanks; the range is omitted.
     {u"// <@text:anchor#intro>", "%<@text:anchor#intro>"},
     {u"## <@task#\"my task\" [1,2] { \"b\" : 1.50, \"a\" : \"x\" }>",
      "%<@task#\"my task\" {\"a\":\"x\",\"b\":1.5}>"},
@@ -51,14 +51,14 @@ const std::vector<CanonicalCase> kCanonicalCases{
     // Empty parts count as absent.
     {u"# <@task#\"\" {}>", "%<@task>"},
     {u"# <@widget#\"\" { }>", "%<@widget>"},
-    // An id is quoted only when it must be.
+    // An id is quoted only when necessary.
     {u"# <@task#\"plain\">", "%<@task#plain>"},
     {u"# <@task#\"a.b-c_D9\u00E9\">", "%<@task#a.b-c_D9\xC3\xA9>"},
     {u"# <@task#\"a>b\">", "%<@task#\"a>b\">"},
     {u"# <@task#\"\\u0061\">", "%<@task#a>"},
     {u"# <@task#\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0000\\u001f\\u007f\">",
      "%<@task#\"\\\"\\\\/\\b\\f\\n\\r\\t\\u0000\\u001f\x7F\">"},
-    // Keys ascend by their UTF-8 bytes, of which U+FFFF comes before U+10000.
+    // Keys ascend by their UTF-8 bytes, so U+FFFF comes before U+10000.
     {u"# <@task {\"\U00010000\":1,\"\uFFFF\":2,\"b\":3,\"B\":4,\"\":5}>",
      "%<@task {\"\":5,\"B\":4,\"b\":3,\"\xEF\xBF\xBF\":2,\"\xF0\x90\x80\x80\":1}>"},
     // Numbers.
@@ -66,19 +66,19 @@ const std::vector<CanonicalCase> kCanonicalCases{
      "%<@task {\"d\":[1.0,-0.0,1e+21,100000000000000000000.0,0.000001,1e-7,0.1,100.0]}>"},
     {u"# <@task {\"i\":[-0,-9223372036854775808,18446744073709551615,18446744073709551616]}>",
      "%<@task {\"i\":[0,-9223372036854775808,18446744073709551615,18446744073709552000.0]}>"},
-    // Texts: only what must be escaped is.
+    // Strings: only what must be escaped is.
     {u"# <@task {\"s\":\"\\/\\u00e9\\u007f\\u0001\\n\"}>",
      "%<@task {\"s\":\"/\xC3\xA9\x7F\\u0001\\n\"}>"},
     {u"# <@task { \"k\" : [ true , false , null , { } , [ ] ] }>",
      "%<@task {\"k\":[true,false,null,{},[]]}>"},
     // Of two equal keys the last one counts.
     {u"# <@task {\"a\":1,\"a\":2}>", "%<@task {\"a\":2}>"},
-    // Halves of a pair, however spelt; what is unpaired becomes U+FFFD in data.
+    // Each half of a pair may be escaped; an unpaired one becomes U+FFFD in data.
     {u"# <@task {\"a\":\"\\ud83d\xDE00\\ud83d\"}>",
      "%<@task {\"a\":\"\xF0\x9F\x98\x80\xEF\xBF\xBD\"}>"},
 };
 
-// A text is accepted where a marker is expected; the parts of the scanner are not.
+// A text converts to a marker implicitly; the parts of the scanner do not.
 static_assert(std::is_convertible_v<const ustring&, Marker>);
 static_assert(std::is_convertible_v<ustring, Marker>);
 static_assert(std::is_constructible_v<Marker, const char16_t*>);

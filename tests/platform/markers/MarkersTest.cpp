@@ -71,12 +71,12 @@ TEST(Scan, ALeaderIsTheWholeRunOfItsCharacter) {
       {u"---<@task>", "0+10 %<@task>"},
       {u";;<@task>", "0+9 %<@task>"},
       {u";;;\t \t<@task>", "0+13 %<@task>"},
-      // Of two kinds the nearer one is the leader.
+      // Of two kinds the nearest one is the leader.
       {u"##%%<@task>", "2+9 %<@task>"},
       {u"//#<@task>", "2+8 %<@task>"},
       {u"# %<@task>", "2+8 %<@task>"},
       {u"#/<@task>", ""},
-      // Too few, another character, or none.
+      // Too few characters, another character, or none.
       {u"/<@task>", ""},
       {u"-<@task>", ""},
       {u"; <@task>", ""},

@@ -56,11 +56,11 @@ TEST(ScannerMemory, CopyingAMarkerDoesNotAllocate) {
 
 TEST(ScannerMemory, FailingAllocationsOnlyThrowBadAlloc) {
   const auto nothing = [] {};
-  // The list grows twice; two of the markers have a block of their own, one of them a quoted id.
+  // The list grows twice; two of the markers allocate their parts, one of them a quoted id.
   EXPECT_GT(failEachAllocation([] { get_markers_from_snippet(kMarked, true); }, nothing), 5U);
   const auto markers = get_markers_from_snippet(kMarked, true);
   ASSERT_EQ(markers.size(), 3U);
-  // The first question reads the data, and asks again after a failure.
+  // The first call reads the data, and reads it again after a failure.
   EXPECT_GT(failEachAllocation([&] { markers[0].marker.dataView(); }, nothing), 4U);
   EXPECT_EQ(markers[0].marker.dataView().size(), 1U);
   EXPECT_GT(failEachAllocation([&] { markers[0].marker.toString(); }, nothing), 2U);

@@ -31,7 +31,7 @@ Hostile repeating(const std::string& name, const ustring& part) {
   return {name, [part](std::size_t size) { return repeated(part, size); }};
 }
 
-// `head` once, then `part` again and again.
+// `head` once, then `part` repeatedly.
 Hostile headed(const std::string& name, const ustring& head, const ustring& part) {
   return {name, [head, part](std::size_t size) { return head + repeated(part, size); }};
 }
@@ -66,8 +66,8 @@ const std::vector<Hostile> kHostile{
     repeating("openings in lists", u"#<@task {\",\":[\","),
     headed("one string over many openings", u"#<@task {\"a\":\"", u"#<@task {"),
     headed("one string over many ranges", u"#<@task#\"", u"#<@task [1,2"),
-    headed("a list of commas behind an opening in a string",
-           u"#<@task {\"a\":[\"#<@task {\",\":[\"", u",\""),
+    headed("a list of commas after an opening in a string", u"#<@task {\"a\":[\"#<@task {\",\":[\"",
+           u",\""),
     headed("many keys that fail at the end", u"#<@task {\"a\":0", u",\"a\":0"),
     repeating("markers", u"#<@task>"),
     repeating("markers with data", u"x # <@task#\"i\" [1,2] {\"a\":[1,2.5,\"b\"]}>\n"),
@@ -84,8 +84,8 @@ std::uint64_t workOf(const Operation& operation, const ustring& text) {
   return test::countedWork() - before;
 }
 
-// Twice the text may cost at most a little more than twice the work, and no unit of any text more
-// than some steps.
+// Twice the text may take at most 2.1 times the work (plus a constant), and a code unit at most 60
+// basic blocks.
 void expectLinear(const Operation& operation) {
   for (const auto& [name, make] : kHostile) {
     const ustring text = make(kMebi);

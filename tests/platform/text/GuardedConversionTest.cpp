@@ -1,4 +1,4 @@
-// Conversions of texts that lie between pages that may not be read or written.
+// Conversions between buffers that inaccessible pages surround.
 
 #include <gtest/gtest.h>
 

@@ -12,7 +12,7 @@ namespace {
 
 using quenlith::test::GuardedMemory;
 
-// Longer than two turns of the widest loop, and every remainder.
+// Longer than two iterations of the widest loop, with every remainder.
 constexpr std::size_t kMostUnits = 70;
 
 bool isWanted(char16_t unit) {

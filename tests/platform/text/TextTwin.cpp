@@ -7,7 +7,7 @@
 #include <array>
 #include <stdexcept>
 
-// The macros of ICU narrow implicitly and use casts of C.
+// ICU's macros narrow implicitly and use C-style casts.
 #pragma GCC diagnostic ignored "-Wconversion"
 #pragma GCC diagnostic ignored "-Wold-style-cast"
 
@@ -51,7 +51,7 @@ std::size_t below(std::mt19937_64& random, std::size_t limit) {
   return random() % limit;
 }
 
-// One character of each length in UTF-8, and the borders between them.
+// Characters of each length in UTF-8, and the limits of each length.
 constexpr std::array<char32_t, 16> kCodes{0x0,     0x41,    0x7F,    0x80,    0xE9,   0x7FF,
                                           0x800,   0x20AC,  0xD7FF,  0xE000,  0xFFFD, 0xFFFF,
                                           0x10000, 0x1F600, 0xFFFFF, 0x10FFFF};

@@ -8,7 +8,7 @@
 
 namespace fl::i18n::twin {
 
-/// What ICU makes of UTF-8: each maximal subpart of an ill-formed sequence is one U+FFFD.
+/// UTF-8 decoded by ICU: each maximal subpart of an ill-formed sequence is one U+FFFD.
 struct Decoded {
   std::u16string text;
   /// Offset in bytes of the first ill-formed sequence.

@@ -20,7 +20,7 @@ struct Utf8Case {
 };
 
 // The table of the Unicode standard on U+FFFD substitution of maximal subparts, each kind of
-// ill-formed sequence, and the border of every length.
+// ill-formed sequence, and the limits of every length.
 const std::vector<Utf8Case> kUtf8Cases{
     {"", u""},
     {"plain", u"plain"},
@@ -28,15 +28,15 @@ const std::vector<Utf8Case> kUtf8Cases{
     {"\xC2\x80\xDF\xBF", u"\u0080\u07FF"},
     {"\xE0\xA0\x80\xEF\xBF\xBF", u"\u0800\uFFFF"},
     {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", u"\U00010000\U0010FFFF"},
-    // A lone continuation byte and bytes that begin nothing: one each.
+    // Lone continuation bytes and bytes that are never valid: one U+FFFD for each byte.
     {"\x80\xBF", u"\uFFFD\uFFFD"},
     {"\xC0\xAF\xC1\xFF\xF5", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
-    // Overlong forms: no byte behind the lead belongs to it.
+    // Overlong forms: one U+FFFD for each byte.
     {"\xE0\x80\xBF\xF0\x81\x82\x41", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\u0041"},
-    // Surrogates and code points beyond the last one.
+    // Surrogates and code points above U+10FFFF.
     {"\xED\xA0\x80\xED\xBF\xBF\xED\xAF\x41", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFDA"},
     {"\xF4\x91\x92\x93\xFF\x41\x80\xBF\x42", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFDA\uFFFD\uFFFDB"},
-    // Cut sequences are one.
+    // A truncated sequence is one U+FFFD.
     {"\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", u"\uFFFD\uFFFD\uFFFD\uFFFDA"},
     {"\xC3", u"\uFFFD"},
     {"\xE2\x82", u"\uFFFD"},
@@ -60,7 +60,7 @@ const std::vector<Utf16Case> kUtf16Cases{
     {u"\0"s, "\0"s},
     {u"\u007F\u0080\u07FF\u0800\uFFFF", "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
     {u"\U00010000\U0010FFFF", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},
-    // An unpaired surrogate, wherever it stands, is one U+FFFD.
+    // An unpaired surrogate at any position is one U+FFFD.
     {{0xD83D}, "\xEF\xBF\xBD"},
     {{0xDE00, 0xD83D}, "\xEF\xBF\xBD\xEF\xBF\xBD"},
     {{0xD83D, u'a'}, "\xEF\xBF\xBD\x61"},
@@ -81,7 +81,7 @@ TEST(UstringToUtf8, NeverHasFewerBytesThanTheTextHasUnits) {
   EXPECT_EQ(ustring_to_utf8(u"\U0001F600").size(), 4U);
 }
 
-// Long texts go through in parts; no part may divide a character, wherever it is cut.
+// Long texts are converted in parts; the boundary of a part must not split a character.
 TEST(Ustring, CharactersAcrossTheCutOfALongTextStayWhole) {
   for (const ustring character : {u"\u00E9", u"\u20AC", u"\U0001F600"}) {
     for (std::size_t before = 500; before < 530; ++before) {
@@ -98,7 +98,7 @@ TEST(Ustring, CharactersAcrossTheCutOfALongTextStayWhole) {
 TEST(Ustring, IllFormedSequencesAcrossTheCutAgreeWithIcu) {
   for (const std::string damage :
        {"\x80\x80\x80\x80\x80", "\xF0\x9F\x98\x41", "\xE2\x82\xE2\x82\xAC",
-        // Valid sequences that stray continuation bytes follow.
+        // Valid sequences followed by stray continuation bytes.
         "\xF4\x89\x89\x89\x89\x89", "\xE2\x82\xAC\x80\x80\x80\x80", "\xC3\xA9\x80\x80\x80"}) {
     for (std::size_t before = 1015; before < 1030; ++before) {
       const std::string bytes = std::string(before, 'a') + damage + std::string(1100, 'b');

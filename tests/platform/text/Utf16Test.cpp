@@ -23,7 +23,7 @@ TEST(ConvertUtf16, AgreesWithIcuAndStaysInItsBuffer) {
   }
 }
 
-// A pair that the sixteen units read at once, or the part of a long text, would divide.
+// Pairs across the boundary of the sixteen units read at once, and of the parts of a long text.
 TEST(ConvertUtf16, KeepsPairsTogether) {
   for (std::size_t before = 0; before < 1100; ++before) {
     const std::u16string text = std::u16string(before, u'a') + u"\U0001F600z";

@@ -49,7 +49,7 @@ TEST(ConvertUtf8, AgreesWithIcu) {
   }
 }
 
-// Each place of a damaged byte within the blocks that are read at once.
+// A damaged byte at each position of the blocks that are read at once.
 TEST(FindInvalidUtf8, FindsOneBadByteAnywhere) {
   for (std::size_t size = 1; size < 70; ++size) {
     EXPECT_EQ(findInvalidUtf8(std::string(size, 'x')), std::nullopt);

@@ -211,7 +211,7 @@ TEST_F(DocumentWriters, SimilarLinesHaveConsecutiveNumbers) {
   std::string lines = "\"lines\":[";
   int nodeCount = 0;
   for (int number = 1; number <= 1111; ++number) {
-    // Lines of another kind stand in between, once where the next number has a digit more.
+    // Two lines in between differ; after one of them the number gains a digit.
     outcome.parser = number == 500 || number == 999 ? 1 : 0;
     const bool hasNode = number < 600 || number > 602;
     if (hasNode) {
@@ -289,7 +289,7 @@ TEST_F(DocumentWriters, NodesMayNestVeryDeep) {
   }
   addLine(top);
   std::size_t count = 0;
-  // Most of it went out while it was written.
+  // Most of the text is flushed to the file while it is written.
   const std::string end = json();
   const std::string written = folder.read("out") + end;
   for (auto at = written.find("LineNode"); at != written.npos;
@@ -297,7 +297,7 @@ TEST_F(DocumentWriters, NodesMayNestVeryDeep) {
     ++count;
   }
   EXPECT_EQ(count, kDepth + 1u);
-  // Rows stop moving to the right, so that the text does not grow with the square of the depth.
+  // Rows are indented only up to a limit, so the text does not grow with the square of the depth.
   const std::string tail = tree();
   EXPECT_LT(folder.read("out").size() - (written.size() - end.size()) + tail.size(), kDepth * 100u);
 }

@@ -73,7 +73,7 @@ TEST(CommandReader, ReportsWhereAndWhyALineIsNotACommand) {
     std::string error;
   };
   const Case cases[] = {
-      // Keys that are missing, unknown, out of place or doubled.
+      // Missing, unknown, misplaced and duplicate keys.
       {uR"({})", "1 the key \"op\" is missing"},
       {uR"({"op":"jump"})", "7 unknown operation \"jump\""},
       {uR"({"op":"reset"})", "14 the key \"parser\" is missing"},

@@ -19,7 +19,7 @@ using quenlith::shared::logging::trace;
 using tessera::replay::CommandError;
 using tessera::replay::CommandReader;
 
-/// Carries out commands with a fake parser of the name "P".
+/// Executes commands with a fake parser named "P".
 class Replay : public testing::Test {
  protected:
   /// Returns the answer to `command`, its line ending included.

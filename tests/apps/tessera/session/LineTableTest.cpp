@@ -43,7 +43,7 @@ TEST(LineTable, ReturnsEveryLineWithItsNodes) {
   LineTable table;
   std::vector<Seen> expected;
   std::uint64_t nodes = 0;
-  // Lines alike and unlike, with no, one and two nodes.
+  // Similar and different lines with zero, one and two nodes.
   const std::pair<std::size_t, std::uint64_t> lines[] = {{0, 1}, {0, 1}, {0, 1}, {1, 2}, {1, 2},
                                                          {0, 0}, {0, 0}, {0, 1}, {1, 1}, {0, 1}};
   for (const auto& [parser, count] : lines) {

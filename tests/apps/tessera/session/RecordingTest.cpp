@@ -16,7 +16,7 @@ TEST(Recording, WritesEachCallBeforeItIsMade) {
   recording.begin({u"%<@task#a>"}, u"code");
   recording.reset("P");
   recording.canParse("P", Snippet{u"co\"de", {1, 3}, u"code"});
-  // All is in the file while the recording goes on: the call may be the last thing that happens.
+  // Everything is in the file before the call is made, because the call may end the process.
   EXPECT_EQ(folder.read("r"),
             "{\"op\":\"document\"}\n"
             "{\"op\":\"appendix\",\"entries\":[\"%<@task#a>\"]}\n"
@@ -35,7 +35,7 @@ TEST(Recording, WritesTheAuxiliaryTextOnlyWhenItChanges) {
     for (auto at = text.find(wanted); at != text.npos; at = text.find(wanted, at + 1)) ++count;
     return count;
   };
-  // At first it is empty.
+  // It is empty at first.
   recording.begin({}, u"");
   recording.parse("P", Snippet{u"", {}, u""});
   EXPECT_EQ(countOf("auxiliaryText"), 0u);

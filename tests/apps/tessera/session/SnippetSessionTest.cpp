@@ -44,7 +44,7 @@ TEST_F(SnippetSessionTest, TheFirstParserThatAcceptsParsesTheLine) {
   ASSERT_EQ(first->parsed.size(), 1u);
   EXPECT_EQ(first->parsed[0].text, u"b");
   EXPECT_EQ(first->asked.size(), 3u);
-  // The later parser is not asked about a line that is taken.
+  // The later parser is not asked about a line that the first one accepts.
   ASSERT_EQ(last->asked.size(), 2u);
   EXPECT_EQ(last->asked[1].text, u"c");
   LineTable::Cursor cursor(parsed.lines);
@@ -140,7 +140,7 @@ TEST_F(SnippetSessionTest, AParserThatThrowsEndsTheSnippet) {
     EXPECT_STREQ(error.what(), "broken");
   }
   EXPECT_EQ(first->parsed.size(), 1u);
-  // The next snippet is parsed as if nothing had been.
+  // The next snippet is parsed as if nothing had happened.
   EXPECT_NO_THROW(session.parse({u"a", true}));
   EXPECT_EQ(first->resets, 2);
 }

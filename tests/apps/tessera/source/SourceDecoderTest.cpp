@@ -9,7 +9,7 @@ namespace {
 
 using tessera::source::SourceDecoder;
 
-/// Decodes `bytes` as they come out of a pipe whose writer pauses at `cut`.
+/// Decodes `bytes` as read from a pipe whose writer pauses at `cut`.
 std::u16string decodeInTwoPieces(std::string_view bytes, std::size_t cut) {
   SourceDecoder decoder("f", 0);
   const std::size_t used = decoder.append(bytes.substr(0, cut));

@@ -31,7 +31,7 @@ TEST(SourceText, LinesEndInLfOrCrlf) {
     Lines lines;
   };
   const Case cases[] = {
-      // An empty file has no line, and an ending at the end begins no further one.
+      // An empty file has no lines; a line ending at the end of the file begins no further line.
       {"", {}},
       {"\n", {u""}},
       {"a", {u"a"}},
@@ -43,7 +43,7 @@ TEST(SourceText, LinesEndInLfOrCrlf) {
       {"a\r\nb\r\n", {u"a", u"b"}},
       {"a\r\nb\nc", {u"a", u"b", u"c"}},
       {"\r\n", {u""}},
-      // A CR that no LF follows is text, also at the end, and of two only the last goes.
+      // A CR without an LF after it is text; of two CRs before an LF only the last is dropped.
       {"a\rb\r", {u"a\rb\r"}},
       {"a\r\r\nb", {u"a\r", u"b"}},
       {"\r\r\n\n", {u"\r", u""}},
@@ -54,7 +54,7 @@ TEST(SourceText, LinesEndInLfOrCrlf) {
        "b",
        {u"a", u"\uFEFFb"}},
       {"\xEF\xBB\xBF\xEF\xBB\xBF", {u"\uFEFF"}},
-      // Other characters that some take for line endings, and NUL, are text.
+      // Other characters that some programs treat as line endings, and NUL, are text.
       {std::string("a\v\f\0b\xC2\x85\xE2\x80\xA8", 10),
        {std::u16string(u"a\v\f\0b\u0085\u2028", 7)}},
       {"\xF0\x9F\x8F\x86", {u"🏆"}},
@@ -67,7 +67,7 @@ TEST(SourceText, LinesEndInLfOrCrlf) {
 
 TEST(SourceText, CharactersAcrossChunkBoundariesStayWhole) {
   const TemporaryFolder folder;
-  // Each run-up moves characters of every length, and a CRLF, over the end of a chunk.
+  // Each shift moves characters of every length, and a CRLF, across the end of a chunk.
   for (std::size_t shift = 0; shift < 12; ++shift) {
     std::string bytes(65536 - 6 + shift - 6, 'x');
     std::u16string text(bytes.begin(), bytes.end());
@@ -89,10 +89,10 @@ TEST(SourceText, ABadByteIsAnErrorWithItsPlace) {
       {"ab\ncd\xC3(", "2:3", "0xC3"},
       // Columns count characters, not bytes and not 16-bit units.
       {"\xC3\xA4\xF0\x9F\x8F\x86\x80", "1:3", "0x80"},
-      // A character that the end of the file cuts off; one that a line ending cuts off.
+      // A character cut off by the end of the file, and one cut off by a line ending.
       {"a\xE4\xBD", "1:2", "0xE4"},
       {"\xE4\xBD\nb", "1:1", "0xE4"},
-      // Encoded surrogates, too long forms, and what is beyond U+10FFFF.
+      // Encoded surrogates, overlong forms, and code points above U+10FFFF.
       {"\r\n\r\n\xED\xA0\x80", "3:1", "0xED"},
       {"\xC0\x80", "1:1", "0xC0"},
       {"\xF4\x90\x80\x80", "1:1", "0xF4"},

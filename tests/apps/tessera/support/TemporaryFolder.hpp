@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// A new folder, removed with its content at the end of its life.
+/// A new folder; the destructor removes it with its contents.
 class TemporaryFolder {
  public:
   TemporaryFolder();

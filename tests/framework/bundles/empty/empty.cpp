@@ -1,4 +1,4 @@
-// A bundle that does nothing still has a file of its own.
+// A bundle needs a source file even if it does nothing.
 namespace demo {
 
 int nothing();

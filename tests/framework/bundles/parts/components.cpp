@@ -8,7 +8,7 @@
 
 namespace demo {
 
-// Writes down the start and the end of the component that holds it.
+// Records the construction and the destruction of the component that contains it.
 class Entry {
  public:
   Entry(std::shared_ptr<Ledger> ledger, std::string name)
@@ -89,7 +89,7 @@ class Ordered : public RightB {
     lastLedger = ledger.get();
   }
 
-  // For the function that removes the instance, which has no references.
+  // For the function that deletes the instance, which has no access to the references.
   static inline Ledger* lastLedger = nullptr;
 
  private:
@@ -120,7 +120,7 @@ extern "C" QUENLITH_BUNDLE_EXPORT ComponentInstance* NewInstance_demo_Ordered() 
   return Factory<demo::Ordered, Provides<demo::RightB>, Reference<"ledger", demo::Ledger>>::make();
 }
 
-// Writes down when the runtime removes the instance. The test keeps the ledger.
+// Records when the runtime deletes the instance. The test keeps the ledger alive.
 extern "C" QUENLITH_BUNDLE_EXPORT void DeleteInstance_demo_Ordered(ComponentInstance* instance) {
   demo::Ordered::lastLedger->note("instance removed");
   delete instance;

@@ -1,4 +1,4 @@
-// A library that knows nothing of frameworks.
+// A library without any function for frameworks.
 extern "C" __attribute__((visibility("default"))) int bareNumber() {
   return 42;
 }
