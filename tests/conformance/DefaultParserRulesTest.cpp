@@ -63,7 +63,7 @@ TEST(DefaultParserRules, AfterAParseOnlyTheCallerOwnsTheDocument) {
   parser.parse(host.document, snippetOf(u"x # <@output>"));
   EXPECT_EQ(host.document.use_count(), 1);
   EXPECT_EQ(host.provider.use_count(), 2) << "the host's reference and the parser's";
-  EXPECT_TRUE(host.provider->holdsAllAlone());
+  EXPECT_TRUE(host.provider->isSoleOwner());
 }
 
 TEST(DefaultParserRules, EveryReferenceIsReleasedWhenAServiceThrows) {

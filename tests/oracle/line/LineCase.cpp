@@ -94,7 +94,7 @@ Outcome runReal(const LineCase& lineCase) {
         return showResult(service.parseLine(document, snippetOf(line), lineCase.given));
       }));
       if (document.use_count() != 1) world.note("the document is still held");
-      if (!provider->holdsAllAlone()) world.note("a service is still held");
+      if (!provider->isSoleOwner()) world.note("a service is still in use");
     }
   }
   if (provider.use_count() != 1) world.note("the provider is still held");

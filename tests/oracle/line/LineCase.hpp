@@ -16,8 +16,8 @@ struct LineCase {
   std::vector<ustring> lines;
 };
 
-/// What a run of a case leaves behind: the document, and in order every call of a service,
-/// every log record and every result or exception of a line.
+/// The outcome of a case: the document, and in order every call of a service, every log record and
+/// every result or exception of a line.
 struct Outcome {
   DocumentRecord document;
   std::vector<std::string> trace;
@@ -31,14 +31,14 @@ LineCase randomLineCase(Random& random);
 Outcome runTwin(const LineCase& lineCase, std::vector<LineFacts>& facts);
 Outcome runReal(const LineCase& lineCase);
 
-/// Tells whether both give the same outcome.
+/// Returns whether the twin and the real parser have the same outcome.
 bool agree(const LineCase& lineCase);
 
-/// Returns a smaller case on which both still differ: fewer lines, shorter lines, fewer
+/// Returns a smaller case on which the two still differ: fewer lines, shorter lines, fewer
 /// services.
 LineCase shrink(LineCase lineCase);
 
-/// Returns the case, and where the two outcomes part, in readable form.
+/// Returns the case, and where the two outcomes differ, as text for a person.
 std::string report(const LineCase& lineCase);
 
 }  // namespace quenlith::oracle

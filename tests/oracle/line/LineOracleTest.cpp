@@ -10,7 +10,7 @@
 namespace quenlith::oracle {
 namespace {
 
-// Two lines a case on average.
+// A case has two lines on average.
 constexpr std::size_t kCases = 110'000;
 constexpr std::size_t kLeastLines = 200'000;
 constexpr std::size_t kLeast = 1'000;
@@ -30,10 +30,10 @@ constexpr std::array<FactRow, 20> kFactRows = {{
     {"range with a saturated number", &LineFacts::saturatedRange},
     {"range inside another's", &LineFacts::rangeInsideAnother},
     {"ranges that overlap", &LineFacts::rangesOverlap},
-    {"equal markers with ranges of their own", &LineFacts::equalMarkersWithRanges},
+    {"equal markers with valid ranges", &LineFacts::equalMarkersWithRanges},
     {"equal failures", &LineFacts::equalFailures},
     {"unhandled marker", &LineFacts::unhandledMarker},
-    {"anchor beside a task", &LineFacts::anchorBesideTask},
+    {"anchor on a line with a task", &LineFacts::anchorOnTaskLine},
     {"anchor that is set", &LineFacts::anchorSet},
     {"%%\\ that makes a marker", &LineFacts::normalisingMakesMarker},
     {"%%\\ that breaks a marker", &LineFacts::normalisingBreaksMarker},

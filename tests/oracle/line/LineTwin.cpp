@@ -160,7 +160,7 @@ void LineTwin::addPositionFailure(const MarkerInfo& info) {
 void LineTwin::setAnchor(const Marker& marker) {
   if (marker.getId().empty()) return;
   if (hasTask) {
-    facts.anchorBesideTask = true;
+    facts.anchorOnTaskLine = true;
     return;
   }
   facts.anchorSet = true;
@@ -240,8 +240,8 @@ void LineTwin::appendDefault(const ustring& text) {
 }
 
 void LineTwin::append(const PieceResult& result) {
-  // Children are unique: a node that is there already is not appended again, and the empty
-  // handle is none at all.
+  // Children are unique: a node that is already a child is not appended again. The empty handle is
+  // ignored.
   if (result.kind != PieceResult::Kind::kFresh) return;
   lineNode.children.push_back(NodeRecord::plainText(result.text));
 }

@@ -12,7 +12,7 @@ namespace quenlith::oracle {
 using build::markup::core::MarkerInfo;
 using MarkerTypes = std::set<ustring>;
 
-/// What came up while one line was parsed. A run counts these.
+/// The features of one line that a run counts, to show that its cases cover them.
 struct LineFacts {
   bool validRange = false;
   bool beginNotBeforeEnd = false;
@@ -26,7 +26,7 @@ struct LineFacts {
   bool equalMarkersWithRanges = false;
   bool equalFailures = false;
   bool unhandledMarker = false;
-  bool anchorBesideTask = false;
+  bool anchorOnTaskLine = false;
   bool anchorSet = false;
   bool normalisingMakesMarker = false;
   bool normalisingBreaksMarker = false;
@@ -36,14 +36,14 @@ struct LineFacts {
   bool contribution = false;
 };
 
-/// Thrown where the default code element parser is needed and there is none.
+/// Thrown when the default code element parser is needed and there is none.
 struct MissingDefaultParser : std::runtime_error {
   MissingDefaultParser() : std::runtime_error("no default code element parser") {}
 };
 
-/// The slow, literal twin of the line node parser: one slot for each position of the line,
-/// runs of equal slots, pieces of joined runs. It works on plain records and asks `World`
-/// where the real one asks the parser services.
+/// The slow, literal twin of the line node parser: one slot for each position of the line, runs of
+/// equal slots, pieces of joined runs. It works on plain records and calls `World` where the real
+/// one calls the parser services.
 class LineTwin {
  public:
   /// Borrows `serviceWorld`.
@@ -52,7 +52,7 @@ class LineTwin {
   /// Appends the node of `text` to `document` and the marker kinds of the line to `types`.
   void parseLine(DocumentRecord& document, const ustring& text, MarkerTypes& types);
 
-  /// What came up in the last call.
+  /// The features of the line in the last call.
   const LineFacts& getFacts() const { return facts; }
 
  private:

@@ -22,7 +22,7 @@ bool conflicts(const MarkerInfo& marker, std::uint64_t begin, std::uint64_t end)
   return begin < first && end > last;
 }
 
-// The rule as it is stated: every marker is asked.
+// The rule, applied to each marker.
 bool isUsable(const Markers& markers, std::uint64_t begin, std::uint64_t end) {
   if (begin >= end || end > kLineLength) return false;
   for (const MarkerInfo& marker : markers) {
@@ -31,7 +31,7 @@ bool isUsable(const Markers& markers, std::uint64_t begin, std::uint64_t end) {
   return true;
 }
 
-// Adds every way in which one more marker can stand behind the ones that are there.
+// Adds `markers` and all layouts that extend it by up to `more` markers after the last one.
 void addLayouts(const Markers& markers, std::size_t more, std::vector<Markers>& layouts) {
   layouts.push_back(markers);
   if (more == 0) return;

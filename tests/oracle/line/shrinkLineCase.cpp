@@ -6,7 +6,7 @@ namespace quenlith::oracle {
 
 namespace {
 
-/// Takes `candidate` over when twin and real one still differ on it.
+/// Assigns `candidate` to `lineCase` if the twin and the real parser still differ on it.
 bool accept(LineCase& lineCase, LineCase candidate) {
   if (agree(candidate)) return false;
   lineCase = std::move(candidate);

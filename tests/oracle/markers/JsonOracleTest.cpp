@@ -20,7 +20,7 @@ using foundation::json::Lexer;
 constexpr int kTexts = 10'000;
 constexpr int kLeastValues = 2'000;
 
-// The seed of the run; MARKERS_SEED repeats one.
+// Returns the seed of the run: MARKERS_SEED, or a random one.
 std::uint64_t chooseSeed() {
   const char* given = std::getenv("MARKERS_SEED");
   return given != nullptr ? std::strtoull(given, nullptr, 10) : std::random_device{}();
@@ -30,7 +30,7 @@ bool isBlank(std::u16string_view text) {
   return text.find_first_not_of(u" \t\n\r") == text.npos;
 }
 
-// Returns whether there is a value.
+// Compares the results for the whole text. Returns whether it is a JSON value.
 bool compareWhole(std::u16string_view text) {
   const auto real = foundation::json::parse(text);
   const auto twin = parseByRapidJson(text, 0, TwinSpace::kAll, Lexer::kMaxDepth);

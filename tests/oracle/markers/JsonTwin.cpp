@@ -34,7 +34,7 @@ bool isHexDigit(char16_t unit) {
          (unit >= u'A' && unit <= u'F');
 }
 
-// The unit that an escape of six units writes; nothing where none begins.
+// Returns the unit that the \uXXXX escape at `at` denotes; nothing if no such escape begins there.
 std::optional<char16_t> escapedUnit(std::u16string_view text, std::size_t at) {
   const std::u16string_view escape = text.substr(at, kEscapeUnits);
   if (escape.size() < kEscapeUnits || !escape.starts_with(u"\\u")) return std::nullopt;
@@ -46,7 +46,7 @@ std::optional<char16_t> escapedUnit(std::u16string_view text, std::size_t at) {
   return static_cast<char16_t>(std::strtoul(digits.c_str(), nullptr, 16));
 }
 
-// The length of the zero with an exponent that begins `text`; 0 when none does.
+// Returns the length of the zero with an exponent at the start of `text`; 0 if there is none.
 std::size_t scaledZeroLength(std::u16string_view text) {
   const std::size_t end = std::min(text.find_first_not_of(u"0.eE+-123456789"), text.size());
   if (end == 0 || text.front() != u'0') return 0;
@@ -55,9 +55,9 @@ std::size_t scaledZeroLength(std::u16string_view text) {
   return std::regex_match(literal, kScaledZero) ? end : 0;
 }
 
-// A text in which each zero with an exponent is 0e0, because RapidJSON rejects the large ones, and
-// in which escaped surrogates are replaced by the units that they write, which it copies unchecked.
-// Keeps the positions in the text before.
+// A text in which each zero with an exponent is 0e0, because RapidJSON rejects large exponents, and
+// in which escaped surrogates are replaced by their units, which RapidJSON copies unchecked. Maps
+// its positions to those of the original text.
 class Stream {
  public:
   using Ch = char16_t;
@@ -99,7 +99,7 @@ class Stream {
     return units.substr(0, at).find_first_of(u"\n\r") != std::u16string::npos;
   }
 
-  // The literal of the number that was read last.
+  // Returns the literal of the number that was read last.
   std::string numberBefore() const {
     const std::u16string read = units.substr(0, at);
     const std::size_t before = read.find_last_not_of(u"0123456789+-.eE");
@@ -107,7 +107,7 @@ class Stream {
     return std::string(begin, read.end());
   }
 
-  // The writing half of the interface is for parsing in place.
+  // RapidJSON writes to a stream only when it parses in place.
   static Ch* PutBegin() { return nullptr; }
   static void Put(Ch) {}
   static std::size_t PutEnd(Ch*) { return 0; }
@@ -156,7 +156,8 @@ class Handler {
   bool StartArray() { return start(Array()); }
   bool EndArray(rapidjson::SizeType) { return end(); }
 
-  // For a flag that is not set: with 16-bit text RapidJSON 1.1 cuts such a number short.
+  // Never called, because kParseNumbersAsStringsFlag is not set: with 16-bit text RapidJSON 1.1
+  // truncates such a number.
   static bool RawNumber(const Ch*, rapidjson::SizeType, bool) { return false; }
 
   Value takeRoot() { return std::move(root); }
@@ -207,7 +208,7 @@ std::optional<TwinValue> parseByRapidJson(std::u16string_view text, std::size_t 
   Handler handler(stream, depthLimit);
   rapidjson::GenericReader<Utf16, Utf16> reader;
   if (reader.Parse<kFlags>(stream, handler).IsError()) return std::nullopt;
-  // A line break inside of a string is an error for RapidJSON too.
+  // RapidJSON rejects a line break inside a string too.
   if (space == TwinSpace::kBlanks && stream.hasLineBreak()) return std::nullopt;
   TwinValue result{handler.takeRoot(), {}, stream.position()};
   if (result.value.is<std::string>()) result.units = handler.string();

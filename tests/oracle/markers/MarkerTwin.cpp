@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::size_t kDeepest = 64;
 
-// One try: `at` moves over what has been read, and each rule of the grammar is a function that
-// says whether it was followed.
+// One attempt to read a marker. `at` is the position after the text read so far, and each rule of
+// the grammar is a function that returns whether it matched.
 class Attempt {
  public:
   Attempt(std::u16string_view source, std::size_t start, bool any)
@@ -62,7 +62,7 @@ class Attempt {
     return at != start;
   }
 
-  // leader *blank: the whole run of the character.
+  // leader *blank: the leader is the whole run of the character.
   bool leader() {
     const char16_t sign = peek();
     const std::size_t start = at;
@@ -134,7 +134,7 @@ class Attempt {
     return true;
   }
 
-  // *blank digits *blank, kept below 2^64 by 128-bit arithmetic.
+  // *blank digits *blank, saturated at 2^64 - 1 by 128-bit arithmetic.
   bool number(std::uint64_t& value) {
     __extension__ using Wide = unsigned __int128;
     constexpr Wide kMost = std::numeric_limits<std::uint64_t>::max();

@@ -23,8 +23,8 @@ struct TwinMarker {
   syntax::Marker::Data data;
 };
 
-/// Finds markers by the grammar, word by word: tries at every place of the text whether a marker
-/// begins there, leader first. Takes quadratic time.
+/// Finds markers by the grammar, literally: tries at every position of the text whether a marker
+/// begins there with its leader. Takes quadratic time.
 std::vector<TwinMarker> twinMarkers(std::u16string_view text, bool anyElement);
 
 }  // namespace quenlith::oracle

@@ -22,7 +22,7 @@ using syntax::core::MarkerInfo;
 constexpr int kTexts = 200'000;
 constexpr int kLeast = 1000;
 
-// The seed of the run; MARKERS_SEED repeats one.
+// Returns the seed of the run: MARKERS_SEED, or a random one.
 std::uint64_t chooseSeed() {
   const char* given = std::getenv("MARKERS_SEED");
   return given != nullptr ? std::strtoull(given, nullptr, 10) : std::random_device{}();
@@ -38,7 +38,7 @@ bool agrees(const MarkerInfo& real, const TwinMarker& twin) {
          real.marker.getId() == twin.id && real.marker.getData() == twin.data;
 }
 
-// How often the random texts held what the comparison is about.
+// Counts how many of the random texts and markers have each feature.
 class Tally {
  public:
   void count(const ustring& text, const std::vector<TwinMarker>& known,

@@ -130,7 +130,7 @@ std::u16string RandomMarkers::range() {
          (oneIn(15) ? u")" : u"]");
 }
 
-// Just within the depth that is allowed, or just beyond.
+// Nested from one level less to two levels more than allowed.
 std::u16string RandomMarkers::nested() {
   const std::size_t depth = 62 + below(3);
   return u"{\"a\":" + std::u16string(depth, u'[') + (oneIn(2) ? u"{}" : u"1") +
@@ -182,7 +182,7 @@ std::u16string RandomMarkers::number() {
   return oneIn(2) ? digits : digits + u".25";
 }
 
-// Now and then with a whole marker in it, quotes and all.
+// Sometimes contains a whole marker, including quotes.
 std::u16string RandomMarkers::string() {
   std::u16string result = u"\"";
   for (std::size_t count = below(4); count > 0; --count) {

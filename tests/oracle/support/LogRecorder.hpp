@@ -5,8 +5,8 @@
 
 namespace quenlith::oracle {
 
-/// Appends every record of the shared logger to the trace of a world while it lives. Severity 8 is
-/// enabled if the world's plan has logging, and no other one.
+/// Appends every record of the shared logger to the trace of a world while it lives. Enables only
+/// severity 8, and only if the world's plan has logging.
 class LogRecorder {
  public:
   /// Borrows `world`.

@@ -30,7 +30,7 @@ constexpr std::array<Word, 10> kData = {u"",
                                         u"\t{\"s\":\"<@output>\"}",
                                         u" {\"p\":\"%%\\\\\"}",
                                         u" {\"\u00e9\":\"\U0001F600\"}"};
-// Ranges that nothing makes valid, or that are no ranges at all: the marker is then none.
+// Ranges that are never valid. The last two are not ranges at all: the text is then not a marker.
 constexpr std::array<Word, 8> kFixedRanges = {u" [0,18446744073709551615]",
                                               u" [18446744073709551615,18446744073709551615]",
                                               u" [1,99999999999999999999999]",
@@ -43,10 +43,10 @@ constexpr std::array<Word, 22> kDamaged = {
     u"%<@task#a", u"%<@tusk#a>", u"<@output>", u"/ <@output>", u"% <@ output>", u"#<@text:anchor#>",
     u"%<@task#a {\"x\":}>", u"%<@output [1 2]>", u"%<@Task#a>", u"%<@text:>",
     u"%<@output {\"a\":1} [0,1]>", u"%<@output{}>", u"# <@appendix>", u"%<@", u"%<@output#\"a>",
-    // Made by undoing "%%\":
+    // Markers only after "%%\" is replaced:
     u"%%\\<@output#made>", u"%%\\ <@task#a>", u"%<@text:anchor#\"a%%\\q\">",
     u"%<@output {\"s\":\"%%\\z\"}>",
-    // Broken or changed by undoing "%%\":
+    // Damaged or changed when "%%\" is replaced:
     u"%<@output {\"s\":\"%%\\\"\"}>", u"# <@task#\"%%\\\"a\">",
     u"%<@control {\"s\":\"%%\\n%%\\\\\"}>"};
 constexpr std::array<Word, 26> kWords = {u"x = 1",
@@ -101,8 +101,7 @@ void appendRange(DraftText& draft, Random& random) {
   }
 }
 
-// Takes one code unit away, doubles it or puts another one in its place. The holes behind it
-// may then lie beside their digits, which does more damage still.
+// Removes, inserts or replaces one code unit. Drops the holes, whose offsets may be wrong then.
 void damage(DraftText& draft, Random& random) {
   constexpr Word kUnits = u"<@>#:[]{}\"\\%,. \u00e9\n";
   const std::size_t place = random.below(draft.text.size());

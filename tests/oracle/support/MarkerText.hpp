@@ -8,20 +8,20 @@
 
 namespace quenlith::oracle {
 
-/// One half of a range whose digits are written later, when the places of all markers are
+/// One half of a range whose digits are written later, when the positions of all markers are
 /// known: `width` digits at `offset`.
 struct DigitHole {
   std::size_t offset = 0;
   std::size_t width = 0;
 };
 
-/// The two numbers of a range that is still to be chosen.
+/// The two numbers of a range that is not chosen yet.
 struct RangeHole {
   DigitHole begin;
   DigitHole end;
 };
 
-/// Text with holes in it for ranges.
+/// Text with holes for ranges.
 struct DraftText {
   std::u16string text;
   std::vector<RangeHole> holes;
@@ -33,12 +33,12 @@ struct DraftText {
 /// (a hole, or one that nothing will make valid) and data.
 DraftText randomMarker(Random& random);
 
-/// Returns a text that looks like a marker and is none, or is one only after "%%\" was undone,
-/// or only before.
+/// Returns a text that looks like a marker but is not, or is one only before or only after "%%\" is
+/// replaced.
 DraftText randomDamagedMarker(Random& random);
 
-/// Returns some text without "<@": words, blanks, leaders, "%%\", characters beyond ASCII and
-/// beyond the first plane, unpaired surrogates.
+/// Returns `words` pieces of plain text: words, blanks, leaders, "%%\", characters outside ASCII
+/// and outside the Basic Multilingual Plane, sometimes with unpaired surrogates.
 std::u16string randomPlainText(Random& random, std::size_t words);
 
 }  // namespace quenlith::oracle

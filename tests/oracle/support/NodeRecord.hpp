@@ -24,7 +24,7 @@ struct FailureRecord {
   friend bool operator==(const FailureRecord&, const FailureRecord&) = default;
 };
 
-/// One contributor's data of a node as plain data; one map for each line data.
+/// One contributor's data of a node as plain data, with one map for each line data element.
 struct ContributionRecord {
   ustring feature;
   std::vector<JsonMap> lineData;
@@ -51,13 +51,13 @@ struct TaskRecord {
 
 enum class NodeKind { kLine, kPlainText, kTaskLine, kTaskInline, kOther };
 
-/// One node with everything below it as plain data.
+/// One node and its descendants as plain data.
 struct NodeRecord {
   NodeKind kind = NodeKind::kOther;
-  /// Of plain text nodes.
+  /// Only for plain text nodes.
   ustring text;
   ustring anchorId;
-  /// Of inline task nodes, as is `task`.
+  /// Only for inline task nodes, like `task`.
   ustring id;
   TaskRecord task;
   std::vector<NodeRecord> children;
@@ -66,7 +66,7 @@ struct NodeRecord {
 
   static NodeRecord plainText(const ustring& text);
   static NodeRecord of(NodeKind kind);
-  /// Appends `failure` unless an equal one is there.
+  /// Appends `failure` unless there is an equal one.
   void addFailure(const FailureRecord& failure);
 
   friend bool operator==(const NodeRecord&, const NodeRecord&) = default;

@@ -5,7 +5,7 @@
 
 namespace quenlith::oracle {
 
-/// Random numbers that are the same for a seed with every compiler and library.
+/// Pseudorandom numbers that depend only on the seed, not on the compiler or the library.
 ///
 /// The generator is SplitMix64 (Steele, Lea and Flood, "Fast splittable pseudorandom number
 /// generators", 2014).
@@ -21,11 +21,11 @@ class Random {
     return mixed ^ (mixed >> 31U);
   }
 
-  /// Returns a number under `count`, which is not 0.
+  /// Returns a number below `count`, which is not 0.
   std::size_t below(std::size_t count) { return static_cast<std::size_t>(next() % count); }
   /// Returns a number of the closed interval from `low` to `high`.
   std::size_t between(std::size_t low, std::size_t high) { return low + below(high - low + 1); }
-  /// Is true in one of `count` cases.
+  /// Returns true with a probability of 1 / `count`.
   bool oneIn(std::size_t count) { return below(count) == 0; }
 
   /// Returns one element of a non-empty array or vector.

@@ -9,8 +9,8 @@ namespace quenlith::oracle {
 /// Returns all fields of `result` on one line.
 std::string showResult(const build::markup::ParseResult& result);
 
-/// Carries out `call` and returns what it returns; an exception is told by its meaning, the
-/// twin's and the real parser's alike.
+/// Returns the result of `call`, or `meaningOfException()` if it throws: the twin and the real
+/// parser throw different types with the same meaning.
 template <class Call>
 std::string outcomeOf(const Call& call);
 

@@ -8,8 +8,7 @@
 
 namespace quenlith::oracle {
 
-/// Counts how often each kind of case came up in a run, against the least that makes the run
-/// worth something.
+/// Counts how often each kind of case occurred in a run, and compares that with a minimum.
 class Tally {
  public:
   struct Row {
@@ -26,7 +25,7 @@ class Tally {
   void count(std::size_t row) { ++rows[row].count; }
 
   const std::vector<Row>& getRows() const { return rows; }
-  /// Returns the names of the rows that came up too seldom.
+  /// Returns the names of the rows below their minimum.
   std::vector<std::string> shortRows() const {
     std::vector<std::string> names;
     for (const Row& row : rows) {

@@ -15,60 +15,60 @@ namespace quenlith::oracle {
 using Range = std::pair<std::uint64_t, std::uint64_t>;
 using quenlith::syntax::Marker;
 
-/// How a parser service answers when it is asked whether it takes a marker.
+/// How a parser service answers when it is asked whether it accepts a marker.
 struct AnswerRule {
   enum class Kind { kNever, kAlways, kElement, kByMarker, kByCall };
   Kind kind = Kind::kNever;
-  /// Of kElement: the element that is taken.
+  /// For kElement: the element that is accepted.
   ustring element;
-  /// Of kByMarker and kByCall: varies the answers.
+  /// For kByMarker and kByCall: varies the answers.
   std::uint64_t salt = 0;
 };
 
-/// Everything that is set before a parse and that both the twin and the real parsers meet.
+/// The configuration of the services that the twin and the real parsers use.
 struct WorldPlan {
   std::vector<AnswerRule> codeElementParsers;
   bool hasDefaultParser = true;
-  /// The default parser is the one of the bundle, which is in no trace and never fails.
+  /// The default parser is that of the bundle, which is not traced and never fails.
   bool builtInDefaultParser = false;
   std::vector<AnswerRule> contributorParsers;
-  /// One in so many results of a parser service is no fresh node; 0 for none.
+  /// One in this many results of a parser service is not a new node; 0 for none.
   std::uint64_t oddResultOneIn = 0;
-  /// One in so many parser calls throws; 0 for none.
+  /// One in this many parser calls throws; 0 for none.
   std::uint64_t throwOneIn = 0;
   std::uint64_t salt = 0;
   bool logging = true;
 };
 
-/// What a service of the plan throws.
+/// The exception that a service of the plan throws.
 struct ServiceFailure : std::runtime_error {
   ServiceFailure() : std::runtime_error("a service of the plan failed") {}
 };
 
-/// What a code element parser hands back.
+/// The result of a code element parser.
 struct PieceResult {
   enum class Kind { kFresh, kEmptyHandle, kLastOneAgain };
   Kind kind = Kind::kFresh;
-  /// The text of a fresh node: it tells which call made it.
+  /// The text of a new node, which identifies the call that created it.
   ustring text;
 };
 
-/// What a line contributor data parser hands back.
+/// The result of a line contributor data parser.
 struct Contribution {
   ustring feature;
   /// Absent for the empty handle.
   std::optional<JsonMap> data;
 };
 
-/// The services around a parser as a plain object: answers by the plan, and writes down every
-/// call and log record in the order in which they come. The twin asks one directly, the real
-/// parser another one through services that only pass the question on.
+/// The services of a parser as a plain object: answers by the plan, and records every call and log
+/// record in order. The twin calls one directly, the real parser another one through services that
+/// only forward the calls.
 class World {
  public:
   explicit World(const WorldPlan& worldPlan);
 
   const WorldPlan& getPlan() const { return plan; }
-  /// The number of the default code element parser: it stands behind all others.
+  /// The number of the default code element parser, which is the last one.
   std::size_t defaultParser() const { return plan.codeElementParsers.size(); }
 
   void log(const std::string& message);

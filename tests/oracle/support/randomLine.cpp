@@ -14,8 +14,8 @@ namespace {
 
 using Span = std::pair<std::size_t, std::size_t>;
 
-/// Chooses ranges for one line: it knows the markers' places, the text between them and the
-/// ranges chosen before.
+/// Chooses ranges for one line. It knows the positions of the markers, the text between them and
+/// the ranges chosen so far.
 class RangeChooser {
  public:
   RangeChooser(const std::u16string& draftText, Random& randomNumbers) : random(randomNumbers) {
@@ -34,7 +34,7 @@ class RangeChooser {
     const std::size_t wish = random.below(100);
     if (wish < 44) return valid();
     if (wish < 58) return insideEarlier();
-    if (wish < 66) return besideEarlier();
+    if (wish < 66) return pastEarlier();
     if (wish < 72) return backwards();
     if (wish < 78) return {random.below(length + 1), length + 1 + random.below(9)};
     if (wish < 86) return beginningInMarker();
@@ -58,14 +58,14 @@ class RangeChooser {
     return chosen.back();
   }
   Span insideEarlier() { return chosen.empty() ? valid() : within(random.pick(chosen)); }
-  // Begins in the middle of an earlier range or where it ends, and goes on behind it.
-  Span besideEarlier() {
+  // Begins inside an earlier range or where it ends, and ends after it if there is space.
+  Span pastEarlier() {
     if (chosen.empty()) return valid();
     const Span earlier = random.pick(chosen);
     const std::size_t begin = random.between(earlier.first, earlier.second);
     for (const Span& gap : gaps) {
-      const bool holdsIt = gap.first <= earlier.first && earlier.second < gap.second;
-      if (holdsIt) return {begin, random.between(earlier.second + 1, gap.second)};
+      const bool containsIt = gap.first <= earlier.first && earlier.second < gap.second;
+      if (containsIt) return {begin, random.between(earlier.second + 1, gap.second)};
     }
     return {begin, begin + 1 + random.below(6)};
   }
@@ -129,10 +129,10 @@ DraftText onlyMarkers(Random& random) {
   return draft;
 }
 
-// Writes one marker of the line a second time: equal markers are still two markers.
+// Appends the same marker twice: equal markers are still two markers.
 void repeatOnePart(DraftText& draft, Random& random) {
   DraftText marker = randomMarker(random);
-  // With the ranges of a line of its own it is as a rule in its own way, both times alike.
+  // With a range chosen for the marker alone, both copies have the same, usually invalid, range.
   if (random.oneIn(3)) marker = {fillRanges(marker, random), {}};
   draft.append(marker);
   draft.text += randomPlainText(random, 1);

@@ -7,12 +7,12 @@
 
 namespace quenlith::oracle {
 
-/// Returns a line of text with whole and damaged markers whose ranges are valid or invalid in
-/// every way that there is. The line may be empty; it holds no line break but a planted one.
+/// Returns a line of text with whole and damaged markers whose ranges are valid, or invalid in
+/// different ways. The line may be empty; a damaged marker may contain a line break.
 std::u16string randomLine(Random& random);
 
-/// Writes numbers into the holes of `draft`, each range chosen for the places where the
-/// finished line has its markers, and returns the text.
+/// Returns the text of `draft` with numbers in its holes; each range is chosen for the positions
+/// of the markers in the finished line.
 std::u16string fillRanges(const DraftText& draft, Random& random);
 
 }  // namespace quenlith::oracle

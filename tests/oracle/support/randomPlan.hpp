@@ -5,11 +5,11 @@
 
 namespace quenlith::oracle {
 
-/// Returns the services for one case: any number of parsers with any way of answering, now and
-/// then with results that are no fresh node, with failures, without a default parser.
+/// Returns the services for one case: up to three parsers of each family with any rule of answers,
+/// sometimes with results that are not new nodes, with exceptions, or without a default parser.
 WorldPlan randomPlan(Random& random);
 
-/// Like `randomPlan`, but mostly the default parser alone, as a host without extensions has it.
+/// Like `randomPlan`, but mostly the default parser alone, as in a host without extensions.
 WorldPlan randomPlainPlan(Random& random);
 
 }  // namespace quenlith::oracle

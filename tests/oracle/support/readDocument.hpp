@@ -5,11 +5,11 @@
 
 namespace quenlith::oracle {
 
-/// Returns all of `node` and of what is below it as plain data. A node that was not made with
-/// the nil uuid is told as one of another kind.
+/// Returns `node` and its descendants as plain data. A node without the nil uuid has the kind
+/// `kOther`.
 NodeRecord readNode(const document::kdzero::Node& node);
 
-/// Returns all of `document` as plain data.
+/// Returns `document` as plain data.
 DocumentRecord readDocument(const document::kdzero::TesseraDocument& document);
 
 }  // namespace quenlith::oracle

@@ -21,7 +21,7 @@ class WorldProvider::Pieces final : public CodeElementParser {
       : world(serviceWorld), number(parserNumber), lastNode(std::move(lastNodeOfAll)) {}
 
   bool canParse(const Marker& marker) override {
-    // The default parser is never asked: this note has no partner in the twin's trace.
+    // The default parser is never asked: the twin's trace never contains this note.
     if (number == world.defaultParser()) world.note("canParse of the default parser");
     return number == world.defaultParser() || world.canParse(number, marker);
   }
@@ -99,7 +99,7 @@ std::vector<std::shared_ptr<CodeElementParser>> WorldProvider::getCodeElementPar
   return codeElementParsers;
 }
 
-bool WorldProvider::holdsAllAlone() const {
+bool WorldProvider::isSoleOwner() const {
   const auto alone = [](const auto& service) { return service.use_count() <= 1; };
   return std::all_of(codeElementParsers.begin(), codeElementParsers.end(), alone) &&
          std::all_of(contributorParsers.begin(), contributorParsers.end(), alone);

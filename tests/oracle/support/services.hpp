@@ -11,8 +11,7 @@ namespace quenlith::oracle {
 using build::markup::code::CodeElementParser;
 using build::markup::contributordata::LineContributorDataParser;
 
-/// Hands out services that pass every question on to a world. Making one adds nothing to the
-/// trace.
+/// Provides services that forward every call to a world. Its construction is not traced.
 class WorldProvider final : public build::markup::services::ParserServicesProvider {
  public:
   /// Borrows `serviceWorld`.
@@ -21,8 +20,8 @@ class WorldProvider final : public build::markup::services::ParserServicesProvid
   std::vector<std::shared_ptr<LineContributorDataParser>> getLineContributorDataParsers() override;
   std::vector<std::shared_ptr<CodeElementParser>> getCodeElementParsers() override;
 
-  /// True when nobody but this provider holds one of its services.
-  bool holdsAllAlone() const;
+  /// Returns whether this provider is the only owner of its services.
+  bool isSoleOwner() const;
 
  private:
   class Pieces;

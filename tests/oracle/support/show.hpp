@@ -6,12 +6,12 @@
 
 namespace quenlith::oracle {
 
-/// Returns `text` in double quotes, every code unit outside printable ASCII as \uXXXX: no two
-/// texts look the same, unpaired surrogates included.
+/// Returns `text` in double quotes, every code unit outside printable ASCII as \uXXXX. Different
+/// texts look different, even with unpaired surrogates.
 std::string show(std::u16string_view text);
 
-/// Returns the first place where two lists differ, with a few entries before it and the rest
-/// of both behind it; empty when they are equal.
+/// Returns the first difference of two lists, with a few entries before it and the rest of both
+/// after it; empty when they are equal.
 std::string showDifference(const std::vector<std::string>& expected,
                            const std::vector<std::string>& actual);
 

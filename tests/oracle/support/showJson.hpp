@@ -6,7 +6,7 @@
 
 namespace quenlith::oracle {
 
-/// Returns `data` on one line, the kind of each value with it: no two maps look the same.
+/// Returns `data` on one line, with the kind of each value, so that different maps look different.
 std::string showJson(const JsonMap& data);
 
 }  // namespace quenlith::oracle

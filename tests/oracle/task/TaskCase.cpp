@@ -59,7 +59,7 @@ TaskCase randomTaskCase(Random& random) {
   TaskCase taskCase;
   taskCase.plan = randomPlainPlan(random);
   if (random.oneIn(12)) {
-    // A service that fails while a task is opened leaves the id of the task behind.
+    // A service that throws while a task is opened leaves the task's id in the parser.
     taskCase.plan.throwOneIn = 3;
     taskCase.steps = oneTaskSteps(random);
   } else {

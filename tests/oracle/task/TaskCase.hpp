@@ -15,14 +15,14 @@ struct TaskCase {
 
 TaskCase randomTaskCase(Random& random);
 
-/// Tells whether twin and real parser come out alike. The cells of the decision matrix that
-/// the twin went through are appended to `rows`.
+/// Returns whether the twin and the real parser agree. Appends the cells of the decision matrix
+/// that the twin went through to `rows`.
 bool agree(const TaskCase& taskCase, std::vector<TaskRow>& rows);
 
-/// Returns a smaller case on which both still differ.
+/// Returns a smaller case on which the two still differ.
 TaskCase shrink(TaskCase taskCase);
 
-/// Returns the steps, and where the two outcomes part, in readable form.
+/// Returns the steps, and where the two outcomes differ, as text for a person.
 std::string report(const TaskCase& taskCase);
 
 }  // namespace quenlith::oracle

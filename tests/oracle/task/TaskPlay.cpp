@@ -6,24 +6,24 @@ namespace quenlith::oracle {
 
 namespace {
 
-void playParse(TaskPlayer& player, const Snippet& snippet, SnippetType& handedBack) {
+void playParse(TaskPlayer& player, const Snippet& snippet, SnippetType& lastType) {
   player.getWorld().note(outcomeOf([&] {
     const auto result = player.parse(snippet);
-    handedBack = result.type;
+    lastType = result.type;
     return showResult(result);
   }));
 }
 
-void playStep(TaskPlayer& player, const TaskStep& step, SnippetType& handedBack) {
+void playStep(TaskPlayer& player, const TaskStep& step, SnippetType& lastType) {
   Snippet snippet = step.snippet;
-  if (step.handBack) snippet.type = handedBack;
+  if (step.usesLastType) snippet.type = lastType;
   switch (step.kind) {
     case TaskStep::Kind::kParse:
-      return playParse(player, snippet, handedBack);
+      return playParse(player, snippet, lastType);
     case TaskStep::Kind::kCanParse:
       return player.getWorld().note(player.canParse(snippet) ? "can parse" : "cannot parse");
     case TaskStep::Kind::kReset:
-      handedBack = {};
+      lastType = {};
       return player.reset();
     case TaskStep::Kind::kAddNode:
       return player.addNode(step.node);
@@ -39,9 +39,9 @@ void playStep(TaskPlayer& player, const TaskStep& step, SnippetType& handedBack)
 }  // namespace
 
 void play(TaskPlayer& player, const TaskSteps& steps) {
-  SnippetType handedBack;
+  SnippetType lastType;
   player.newDocument();
-  for (const TaskStep& step : steps) playStep(player, step, handedBack);
+  for (const TaskStep& step : steps) playStep(player, step, lastType);
 }
 
 }  // namespace quenlith::oracle

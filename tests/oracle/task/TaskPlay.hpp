@@ -22,19 +22,19 @@ class TaskPlayer {
   virtual void reset() = 0;
   virtual void newDocument() = 0;
   virtual void addNode(HostNode node) = 0;
-  /// Counts the top-level nodes with a task as first child from 0; does nothing when there is
-  /// none.
+  /// `header` counts the top-level nodes with a task as their first child from 0; does nothing
+  /// when there are none.
   virtual void setView(std::size_t header, const ustring& view) = 0;
-  /// Returns the documents made so far, in order.
+  /// Returns the documents so far, in order.
   virtual std::vector<DocumentRecord> documents() const = 0;
-  /// Returns the cells of the decision matrix met so far, where the player knows them.
+  /// Returns the cells of the decision matrix so far, if the player knows them.
   virtual std::vector<TaskRow> rows() const { return {}; }
 };
 
 std::unique_ptr<TaskPlayer> makeTwinPlayer(const WorldPlan& plan);
 std::unique_ptr<TaskPlayer> makeRealPlayer(const WorldPlan& plan);
 
-/// Carries out all steps. Results and exceptions go into the trace of the player's world.
+/// Executes all steps. Results and exceptions are appended to the trace of the player's world.
 void play(TaskPlayer& player, const TaskSteps& steps);
 
 }  // namespace quenlith::oracle

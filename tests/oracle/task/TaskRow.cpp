@@ -12,7 +12,7 @@ struct RowName {
 };
 
 constexpr std::size_t kOften = 1000;
-// A count of 65,536 lines takes as many calls, so a run has a few such sequences only.
+// A count of 65,536 lines takes that many calls, so a run has only a few such sequences.
 constexpr std::size_t kLongSequences = 2;
 
 constexpr std::array<RowName, static_cast<std::size_t>(TaskRow::kCount)> kRows = {{
@@ -20,17 +20,17 @@ constexpr std::array<RowName, static_cast<std::size_t>(TaskRow::kCount)> kRows =
     {"idle: unpaired", kOften},
     {"idle: paired, one task marker", kOften},
     {"idle: paired, unequal task markers", kOften},
-    {"idle: paired, equal ones behind text", kOften},
+    {"idle: paired, equal ones after text", kOften},
     {"idle: paired, equal ones at the start", kOften},
     {"idle, kind > 1: id equals T, one task marker", kOften},
     {"idle, kind > 1: id equals T, unequal task markers", kOften},
-    {"idle, kind > 1: id equals T, equal ones behind text", kOften},
+    {"idle, kind > 1: id equals T, equal ones after text", kOften},
     {"idle, kind > 1: id equals T, equal ones at the start", kOften},
     {"idle, kind > 1: id and T both empty", kOften},
     {"idle, kind > 1: T left over", kOften},
     {"idle, kind > 1: other id, one task marker", kOften},
     {"idle, kind > 1: other id, unequal task markers", kOften},
-    {"idle, kind > 1: other id, equal ones behind text", kOften},
+    {"idle, kind > 1: other id, equal ones after text", kOften},
     {"idle, kind > 1: other id, equal ones at the start", kOften},
     {"idle: three equal task markers or more", kOften},
     {"open: no task marker", kOften},
@@ -46,7 +46,7 @@ constexpr std::array<RowName, static_cast<std::size_t>(TaskRow::kCount)> kRows =
     {"close: as the 65,536th line", kLongSequences},
     {"close: on a header not closed before", kOften},
     {"close: on a header that was closed before", kOften},
-    {"close: on a node that is no header and has a task first", kOften},
+    {"close: on a node that is not a header and has a task first", kOften},
     {"close: index past the end", kOften},
     {"close: on a node without a child", kOften},
     {"close: on a node with a child of another kind first", kOften},

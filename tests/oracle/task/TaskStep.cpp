@@ -58,7 +58,7 @@ TaskStep randomHostStep(Random& random) {
   return hostStep(TaskStep::Kind::kReset);
 }
 
-// Changes one code unit in place: a block of the same length at the same address.
+// Changes one code unit in place: the block keeps its length and its address.
 void changeBlock(ustring& block, Random& random) {
   const std::size_t place = block.rfind(u'"', block.size() - random.below(block.size()));
   if (place == ustring::npos || place == 0) return;
@@ -77,14 +77,14 @@ TaskSteps anySteps(Random& random) {
     TaskStep step = parseStep(randomTaskLine(random), random.pick(kKinds), block);
     if (random.oneIn(6)) step.snippet.type = {randomByte(random), randomByte(random)};
     if (random.oneIn(10)) step.kind = TaskStep::Kind::kCanParse;
-    step.handBack = random.oneIn(3);
+    step.usesLastType = random.oneIn(3);
     if (random.oneIn(4)) steps.push_back(randomHostStep(random));
     steps.push_back(step);
   }
   return steps;
 }
 
-// The lines of a snippet, one after the other, the type of each result handed back.
+// The lines of a snippet in order, each with the type of the previous result.
 TaskSteps linesInOrder(Random& random) {
   std::vector<ustring> lines(random.between(2, 6));
   ustring block;
@@ -95,7 +95,7 @@ TaskSteps linesInOrder(Random& random) {
   TaskSteps steps;
   for (const ustring& line : lines) {
     TaskStep step = parseStep(line, 0, block);
-    step.handBack = true;
+    step.usesLastType = true;
     if (random.oneIn(8)) steps.push_back(randomHostStep(random));
     steps.push_back(step);
   }
@@ -120,7 +120,7 @@ TaskStep lastOfLongTask(LongEnd end, const ustring& block) {
 TaskSteps randomTaskSteps(Random& random) {
   TaskSteps steps = random.oneIn(3) ? linesInOrder(random) : anySteps(random);
   if (!random.oneIn(4)) steps.insert(steps.begin(), appendixStep(random));
-  // The index of a parser that has opened nothing yet is 0: any node may stand there.
+  // The index of a parser that has not opened a task is 0: any node may have that index.
   if (random.oneIn(4)) steps.insert(steps.begin(), addNodeStep(random));
   return steps;
 }
@@ -143,7 +143,7 @@ TaskSteps probeSteps(Random& random) {
   constexpr std::array<std::u16string_view, 5> kIds = {u"", u"a", u"b", u"c", u"\u00e9"};
   const ustring marker = ustring(u"x # <@task#\"").append(random.pick(kIds)).append(u"\">");
   const std::array<TaskStep, 3> probes = {
-      // Closes with the count that was reached, on the index left over.
+      // Closes with the count so far, at the index of the last task.
       parseStep(u"x # <@task#probe>", 0, u"# <@task#probe> # <@task#probe>"),
       // Closes when the id is that of the task.
       parseStep(marker, 3, {}),
@@ -158,7 +158,7 @@ TaskSteps longTaskSteps(LongEnd end) {
   TaskSteps steps = {parseStep(u"# <@task#long>", 0, block)};
   steps.insert(steps.end(), kLinesOfLongTask - 2, parseStep(u"line", 3, {}));
   steps.push_back(lastOfLongTask(end, block));
-  steps.push_back(parseStep(u"behind", 3, block));
+  steps.push_back(parseStep(u"after", 3, block));
   steps.push_back(parseStep(u"# <@task#long>", 3, block));
   steps.push_back(parseStep(u"# <@task#other>", 0, u"# <@task#other> # <@task#other>"));
   steps.push_back(parseStep(u"x # <@task#long> # <@task#long>", 0, block));
@@ -168,8 +168,9 @@ TaskSteps longTaskSteps(LongEnd end) {
 std::string showStep(const TaskStep& step) {
   const auto& type = step.snippet.type;
   const std::string call =
-      (step.handBack ? "kind handed back"
-                     : "{" + std::to_string(type.group) + ',' + std::to_string(type.kind) + '}') +
+      (step.usesLastType
+           ? "last type"
+           : "{" + std::to_string(type.group) + ',' + std::to_string(type.kind) + '}') +
       std::string(" ") + show(step.snippet.text) + " in " + show(step.snippet.auxiliaryText);
   switch (step.kind) {
     case TaskStep::Kind::kParse:

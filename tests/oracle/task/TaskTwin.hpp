@@ -15,8 +15,8 @@ namespace quenlith::oracle {
 using build::markup::ParseResult;
 using build::markup::Snippet;
 
-/// The slow, literal twin of the task snippet parser. It works on plain records, asks `World`
-/// where the real one asks its services, and scans every block again for every pairing test.
+/// The slow, literal twin of the task snippet parser. It works on plain records, calls `World`
+/// where the real one calls its services, and scans the block again for every pairing test.
 class TaskTwin {
  public:
   /// Borrows `serviceWorld`.
@@ -64,7 +64,7 @@ class TaskTwin {
   World& world;
   LineTwin lineTwin;
   std::vector<TaskRow> rows;
-  /// Of the last call: the count of an open task went past 65,535.
+  /// Whether the count of an open task went past 65,535 in the last call.
   bool countingWraps = false;
   std::uint16_t taskLineCount = 0;
   std::uint64_t taskNodeIndex = 0;

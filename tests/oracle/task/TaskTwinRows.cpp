@@ -2,7 +2,7 @@
 
 #include "oracle/task/TaskTwin.hpp"
 
-// What the twin counts: no decision of its own hangs on this.
+// What the twin counts. Its decisions do not depend on this.
 
 namespace quenlith::oracle {
 
@@ -29,7 +29,8 @@ LineShape shapeOf(const std::vector<MarkerInfo>& markers) {
   return shape;
 }
 
-// Each group of four cells: one marker, unequal ones, equal ones behind text, at the start.
+// Each group has four cells: one marker, unequal ones, equal ones after text, equal ones at the
+// start.
 TaskRow cellOf(TaskRow firstOfFour, const LineShape& shape) {
   std::size_t offset = 0;
   if (shape.twoOrMore) offset = !shape.equal ? 1 : (shape.atStart ? 3 : 2);
@@ -83,7 +84,7 @@ void TaskTwin::noteClose(const DocumentRecord& document) {
   } else if (node.children.front().kind != NodeKind::kTaskInline) {
     rows.push_back(TaskRow::kCloseOfOtherNode);
   } else {
-    if (node.kind != NodeKind::kTaskLine) rows.push_back(TaskRow::kCloseOfNoHeaderWithTask);
+    if (node.kind != NodeKind::kTaskLine) rows.push_back(TaskRow::kCloseOfNonHeaderWithTask);
     const std::uint16_t before = node.children.front().task.numCodeLines;
     rows.push_back(before == 0 ? TaskRow::kCloseOfHeader : TaskRow::kCloseOfHeaderClosedBefore);
     if (countingWraps) rows.push_back(TaskRow::kCloseWithCountZeroAfterWrap);

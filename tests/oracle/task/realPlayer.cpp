@@ -66,7 +66,7 @@ class RealPlayer final : public TaskPlayer {
       RealPlayer& player;
       ~CheckReferences() { player.checkReferences(); }
     } check{*this};
-    // The block always has the same buffer: equal addresses must not mean equal blocks.
+    // Reuses the buffer of the block: an equal address must not be taken for an equal block.
     ownSnippet.text = snippet.text;
     ownSnippet.type = snippet.type;
     ownSnippet.auxiliaryText = snippet.auxiliaryText;
@@ -98,7 +98,7 @@ class RealPlayer final : public TaskPlayer {
   void checkReferences() {
     if (all.back().use_count() != 1) world.note("the document is still held");
     if (provider.use_count() != 2) world.note("the provider is still held");
-    if (!provider->holdsAllAlone()) world.note("a service is still held");
+    if (!provider->isSoleOwner()) world.note("a service is still in use");
     if (!all.back()->getModel().verify()) world.note("an invariant of the document is broken");
   }
 

@@ -7,14 +7,14 @@
 
 namespace quenlith::oracle {
 
-/// Returns a line that a task parser may meet: plain, or with task markers of few ids, alone
-/// or two, behind text or at the start, with anchors and other markers beside them.
+/// Returns a line for a task parser: plain, or with task markers of a few ids, after text or at
+/// the start, sometimes with anchors and other markers.
 ustring randomTaskLine(Random& random);
 
-/// Returns a block of text with none to three task markers for each of the few ids.
+/// Returns a block of text with task markers of a few ids, most of them in pairs.
 ustring randomBlock(Random& random);
 
-/// Returns appendix entries for some of the ids: every key and every kind of value.
+/// Returns appendix entries for some of the ids, with any keys and any kinds of value.
 std::vector<Marker> randomAppendix(Random& random);
 
 }  // namespace quenlith::oracle

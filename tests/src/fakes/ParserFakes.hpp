@@ -15,10 +15,10 @@ namespace quenlith::test {
 
 using fl::i18n::ustring;
 
-/// What a fake throws when it is told to.
+/// The exception that a fake throws on demand.
 struct ServiceFailure {};
 
-/// Takes the markers of one element and makes plain-text nodes whose text is "name(text)".
+/// Accepts the markers of one element and creates plain-text nodes whose text is "name(text)".
 class FakeElementParser final : public build::markup::code::CodeElementParser {
  public:
   FakeElementParser(ustring name, ustring element)
@@ -28,7 +28,7 @@ class FakeElementParser final : public build::markup::code::CodeElementParser {
   document::kdzero::Node parse(const kd::zero::Model& model,
                                const build::markup::code::CodeElement& element) override;
 
-  /// The markers asked for, in order.
+  /// The markers that `canParse` was asked about, in order.
   std::vector<syntax::Marker> asked;
   /// The elements parsed, in order.
   std::vector<build::markup::code::CodeElement> parsed;
@@ -57,7 +57,7 @@ class FakeContributor final : public build::markup::contributordata::LineContrib
   bool failsToParse = false;
   /// Returns the empty handle instead of line data.
   bool makesNothing = false;
-  /// Where line data is made, if not in the model of the line.
+  /// The model to create line data in, if not that of the line.
   kd::zero::Model otherModel;
 
  private:
@@ -65,7 +65,7 @@ class FakeContributor final : public build::markup::contributordata::LineContrib
   ustring applicable;
 };
 
-/// Hands out the lists that it was given.
+/// Returns the lists that a test sets.
 class FakeProvider final : public build::markup::services::ParserServicesProvider {
  public:
   std::vector<std::shared_ptr<build::markup::contributordata::LineContributorDataParser>>
@@ -91,9 +91,9 @@ class FakeAppendix final : public shared::appendix::AppendixBuilder {
 
   std::vector<syntax::Marker> entries;
   mutable int asked = 0;
-  /// Fails from this question on; 0 is the first one.
+  /// Fails from this call of `findEntry` on; 0 is the first one.
   std::optional<int> failsAt;
-  /// Called when it ends.
+  /// Called by the destructor.
   std::function<void()> atEnd;
   ~FakeAppendix() override;
 };

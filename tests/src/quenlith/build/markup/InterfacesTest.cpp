@@ -37,7 +37,7 @@ TEST(ParseResult, StoresEachMarkerKindOnceInCodeUnitOrder) {
             (std::vector<std::u16string>{u"a", u"b", u"\xD800", u"\xFFFF"}));
 }
 
-/// A parser that leaves `reset` as it is.
+/// A parser that does not override `reset`.
 class Counting final : public SnippetParser {
  public:
   bool canParse(const Snippet&) override { return true; }

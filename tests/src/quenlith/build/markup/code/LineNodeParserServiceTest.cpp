@@ -80,7 +80,7 @@ class LineNodeParserService : public testing::Test {
   std::shared_ptr<TesseraDocument> document = std::make_shared<TesseraDocument>();
 };
 
-// A line without markers.
+// Lines without markers.
 
 TEST_F(LineNodeParserService, AppendsOneLineNodePerLine) {
   document->addChild(LineNode::Builder(document->getModel()).createLineNode({}));
@@ -385,7 +385,7 @@ TEST_F(LineNodeParserService, ThrowsWhenTheDefaultParserIsNeededAndThereIsNone) 
   EXPECT_EQ(document->getNumberOfChildren(), 0u);
 }
 
-// What does not go as planned.
+// Failing collaborators.
 
 TEST_F(LineNodeParserService, AcceptsAParserThatReturnsNoNode) {
   defaultParser->makesNothing = true;

@@ -40,8 +40,8 @@ class ParserCost : public testing::Test {
     return countedWork() - before;
   }
 
-  /// The line that `make(n)` gives costs ten times as much for ten times as many markers, and a
-  /// little for the sorting.
+  /// Expects the line `make(n)` to cost less than 15 times as much for ten times as many markers,
+  /// which leaves room for sorting them.
   template <typename Make>
   void expectNearlyLinear(const Make& make) {
     constexpr std::size_t kFew = 10000;
@@ -125,9 +125,9 @@ TEST_F(ParserCost, OfATaskLineDoesNotGrowWithTheIdsThatOverlapped) {
     last = workOf(u"# <@task#t" + number(10000 + i) + u">", 3, {});
     if (i == 100) first = last;
   }
-  // The table of ids grows by steps; the last line is none of them.
+  // The last line adds its id to the set of all earlier ones.
   EXPECT_LT(last, 2 * first);
-  // An unpaired marker is looked for among them.
+  // A pairing test looks the id up among them.
   const ustring block = u"# <@task#t10001>\n# <@task#t10001>";
   workOf(u"# <@task#t10001>", 0, block);
   EXPECT_LT(workOf(u"# <@task#t10001>", 0, block), 4 * first);

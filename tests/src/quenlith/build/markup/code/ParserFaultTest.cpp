@@ -39,8 +39,8 @@ using quenlith::test::FakeElementParser;
 using quenlith::test::FakeProvider;
 using quenlith::test::liveAllocations;
 
-/// Tests with services that take everything, and a line with everything: escaped leaders, usable
-/// and unusable ranges, one within another, an anchor, an unhandled marker, contributor data.
+/// Tests with a line that contains escaped leaders, usable and unusable ranges, nested ranges, an
+/// anchor, an unhandled marker, and markers that get contributor data.
 class ParserFault : public testing::Test {
  protected:
   ParserFault() {
@@ -51,7 +51,7 @@ class ParserFault : public testing::Test {
         std::make_shared<FakeContributor>(u"another such feature", u"output")};
     appendix->addEntry(
         Marker(u"%<@task#a-task-of-a-long-name {\"uniqueId\":\"an identifier of some length\","
-               u"\"text\":\"a text that no string holds in itself\",\"other\":[1,{\"a\":2.5}]}>"));
+               u"\"text\":\"a text that no string stores inline\",\"other\":[1,{\"a\":2.5}]}>"));
   }
 
   const ustring kLine =
@@ -95,7 +95,7 @@ TEST_F(ParserFault, ALineIsParsedCompletelyOrNotAtAll) {
 TEST_F(ParserFault, LinesThatFailLeakNothing) {
   const Snippet snippet{kLine, {}, {}};
   LineNodeParserService(provider).parseLine(document, snippet, {});
-  // What the fakes note stays; it is asked to make room beforehand.
+  // The fakes record their calls, so their memory is reserved in advance.
   const auto parser = std::make_shared<FakeElementParser>(u"O", u"output");
   provider->contributors.clear();
   provider->elementParsers.front() = parser;
@@ -182,17 +182,17 @@ TEST_F(ParserFault, AHeaderIsInTheDocumentBeforeItGetsItsAnchor) {
   TaskSnippetParserImpl parser(appendix, provider);
   const ustring opening = u"# <@task#t> # <@text:anchor#an-anchor-with-a-long-name>";
   const Snippet snippet{opening, {}, opening + u"\n# <@task#t>"};
-  bool stoodWithoutAnchor = false;
+  bool hadNoAnchor = false;
   failEachAllocation([&] { parser.parse(document, snippet); },
                      [&] {
                        if (document->getNumberOfChildren() == 1 &&
                            document->getChildAt(0)->getAnchorId().empty()) {
-                         stoodWithoutAnchor = true;
+                         hadNoAnchor = true;
                        }
                        parser.reset();
                        document = std::make_shared<TesseraDocument>();
                      });
-  EXPECT_TRUE(stoodWithoutAnchor);
+  EXPECT_TRUE(hadNoAnchor);
   EXPECT_EQ(document->getChildAt(0)->getAnchorId(), u"an-anchor-with-a-long-name");
 }
 

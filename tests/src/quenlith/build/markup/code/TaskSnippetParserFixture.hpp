@@ -35,7 +35,7 @@ class TaskSnippetParser : public testing::Test {
     return parser->parse(document, {line, {0, kind}, block});
   }
   /// Parses the lines of a snippet as a host does, each with the type of the previous result.
-  /// Returns the kinds.
+  /// Returns the kinds of the results.
   std::vector<int> parseSnippet(const std::vector<ustring>& lines) {
     ustring block;
     for (const ustring& line : lines) block += line + u"\n";

@@ -24,7 +24,7 @@ ustring kindText(const char16_t* element) {
   return Marker(ustring(element)).toString();
 }
 
-// Which lines are taken.
+// Which lines are accepted.
 
 TEST_F(TaskSnippetParser, TakesLinesWithATaskMarkerAndThoseOfKind3) {
   EXPECT_TRUE(parser->canParse({u"x # <@task#t>", {}, u""}));
@@ -38,7 +38,7 @@ TEST_F(TaskSnippetParser, TakesLinesWithATaskMarkerAndThoseOfKind3) {
 }
 
 TEST_F(TaskSnippetParser, LooksForATaskMarkerInTheLineAsPassedIn) {
-  // Only the line without its backslash holds a marker.
+  // Only the normalised line contains a marker.
   EXPECT_FALSE(parser->canParse({u"%%\\<@task#t>", {}, u""}));
 }
 
@@ -49,7 +49,7 @@ TEST_F(TaskSnippetParser, LogsThatItIsAsked) {
   EXPECT_THAT(records.get(), ElementsAre("Checking if parse as task", "Checking if parse as task"));
 }
 
-// A task over lines.
+// Tasks of several lines.
 
 TEST_F(TaskSnippetParser, CountsTheLinesFromTheOpeningToTheClosingOne) {
   EXPECT_THAT(parseSnippet({u"# <@task#t1>", u"x = 1", u"# <@task#t1>"}), ElementsAre(3, 3, 0));
@@ -111,7 +111,7 @@ TEST_F(TaskSnippetParser, ALaterLineWithEqualMarkersClosesLikeAnyOther) {
   EXPECT_THAT(records.get(), testing::Not(testing::Contains(HasSubstr("same line"))));
 }
 
-// A task on one line.
+// Tasks on one line.
 
 TEST_F(TaskSnippetParser, OnOneLineAfterCodeHasOneLine) {
   EXPECT_THAT(parseSnippet({u"x # <@task#t1> # <@task#t1>"}), ElementsAre(0));
@@ -150,21 +150,22 @@ TEST_F(TaskSnippetParser, MarkersWithDifferentDataAreNotEqual) {
 TEST_F(TaskSnippetParser, MoreThanTwoEqualMarkersCloseTheTaskToo) {
   EXPECT_EQ(parse(u"x # <@task#t1> # <@task#t1> # <@task#t1>", 0, kBlock).type.kind, 0);
   EXPECT_EQ(codeLines(0), 1);
-  // One that differs keeps it open, wherever it stands.
+  // One different marker keeps it open.
   EXPECT_EQ(parse(u"x # <@task#t1> # <@task#t1> # <@task#t2>", 0, kBlock).type.kind, 3);
 }
 
 // Decisions and the line parse may see different markers.
 
 TEST_F(TaskSnippetParser, DecidesByTheLineAsPassedInAndParsesTheNormalisedOne) {
-  // The line as it is holds one task marker; without its backslash it holds another one too.
+  // The line as passed in contains a task marker; the normalised line also has an output marker.
   const ParseResult result = parse(u"%%\\<@output#o> # <@task#t1>", 0, kBlock);
   EXPECT_EQ(result.markerTypes, (std::set<ustring>{kindText(u"task"), kindText(u"output")}));
   EXPECT_EQ(result.type.kind, 3);
 
   parser->reset();
   document = std::make_shared<TesseraDocument>();
-  // None as it is: no pairing, no failure; the normalised line records the task.
+  // Only the normalised line has a task marker: no pairing and no failure, but its kind is
+  // recorded.
   const ParseResult hidden = parse(u"%%\\<@task#t9>", 0, u"");
   EXPECT_THAT(hidden.markerTypes, ElementsAre(kindText(u"task")));
   EXPECT_THAT(failures(0), IsEmpty());
@@ -184,7 +185,7 @@ TEST_F(TaskSnippetParser, TrustsTheVersionOfTheBlock) {
   EXPECT_EQ(parser->parse(document, snippet).type.kind, 0);
 }
 
-// Reset and life.
+// Reset and lifetime.
 
 TEST_F(TaskSnippetParser, ForgetsTheOpenTaskOnReset) {
   openTask();
@@ -232,7 +233,7 @@ TEST_F(TaskSnippetParser, PropagatesExceptionsAndTheDocumentStaysUsable) {
   defaultParser->failsToParse = true;
   EXPECT_THROW(parse(kOpening, 0, kBlock), ServiceFailure);
   EXPECT_EQ(document.use_count(), 1);
-  // The header was added before; the host drops the document and resets.
+  // The header was added before the exception; the host discards the document and resets.
   EXPECT_EQ(document->getNumberOfChildren(), 1u);
   defaultParser->failsToParse = false;
   parser->reset();

@@ -21,7 +21,7 @@ using cppmicroservices::ServiceRegistration;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The lookup of contributor data parsers while services come and go.
+/// The lookup of contributor data parsers while services are registered and unregistered.
 class ContributorLookup : public ProviderFixture {
  protected:
   using Contributors = std::vector<std::shared_ptr<LineContributorDataParser>>;

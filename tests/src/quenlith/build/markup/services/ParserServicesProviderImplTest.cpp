@@ -270,7 +270,7 @@ TEST_F(ParserServicesProvider, WithoutAFrameworkFindsNothing) {
   EXPECT_THAT(provider.getLineContributorDataParsers(), IsEmpty());
   EXPECT_THAT(records.get(), ElementsAre("Found 0 non default code element parsers"));
 
-  // The one list is kept, the other is looked for again.
+  // The code element parsers are cached, the contributors are looked up again.
   setFramework(framework);
   EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(nullptr));
   EXPECT_EQ(provider.getLineContributorDataParsers().size(), 1u);

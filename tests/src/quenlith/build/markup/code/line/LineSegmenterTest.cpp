@@ -19,7 +19,7 @@ MarkerInfo markerAt(std::uint64_t position, std::uint64_t length) {
   return marker;
 }
 
-/// Tests with two owners that are equal, whose own text stands at [2, 4) and [6, 8).
+/// Tests with two equal owners whose own text is at [2, 4) and [6, 8).
 class LineSegmenter : public testing::Test {
  protected:
   /// The segments as text, with the owner's name before each: "-", "A" or "B".
@@ -126,7 +126,7 @@ TEST_F(LineSegmenter, KeepsHalvesOfCharacters) {
   EXPECT_EQ(segments(u"\xD83D\xDE00"), (Segments{u"-\xD83D", u"A\xDE00"}));
 }
 
-/// The same by the letter: every place of the line gets its last owner.
+/// A literal version of `split`: each code unit of the line belongs to its last owner.
 std::vector<std::u16string> slowSegments(std::u16string_view line, const std::vector<int>& owners) {
   std::vector<std::u16string> found;
   int last = -2;

@@ -18,7 +18,7 @@ TEST(EscapedLeader, LosesItsBackslash) {
       {u"%%\\", u"%%"},
       {u"a %%\\ b", u"a %% b"},
       {u"%%\\%%\\", u"%%%%"},
-      // What comes of it is not looked at again.
+      // The replacement is not searched again.
       {u"%%\\\\", u"%%\\"},
       {u"%%%\\", u"%%%"},
       {u"%%%%\\\\\\", u"%%%%\\\\"},

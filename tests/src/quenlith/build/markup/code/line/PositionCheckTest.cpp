@@ -66,9 +66,9 @@ TEST(PositionCheck, TheTextOfAMarkerIsTouchedWithinItsClosedBounds) {
           {3, 15, false},  // ends where the text ends
           {9, 16, false},  // encloses it
           {8, 16, false},
-          {10, 12, false},  // begins with it
-          {10, 15, false},  // is it
-          {11, 13, false},  // within
+          {10, 12, false},  // begins where the text begins
+          {10, 15, false},  // equals it
+          {11, 13, false},  // is inside
           {14, 20, false},  // begins within
           {15, 20, false},  // begins where the text ends
           {16, 20, true},
@@ -89,7 +89,7 @@ TEST(PositionCheck, EveryMarkerOfTheLineCounts) {
           {8, 10, true},
           {7, 10, false},  // begins where the first one ends
           {8, 11, false},
-          {15, 16, false},  // between two that meet
+          {15, 16, false},  // begins where one ends and the next begins
           {17, 20, false},
           {18, 20, true},
           {18, 30, true},

@@ -29,7 +29,7 @@ class TaskNodeMaker final : public build::markup::code::CodeElementParser {
   }
 };
 
-// What the host changes meanwhile.
+// Changes that the host makes while a task is open.
 
 TEST_F(TaskSnippetParser, KeepsWhatTheHostChangedInTheTaskData) {
   openTask();
@@ -49,7 +49,7 @@ TEST_F(TaskSnippetParser, ClosesWithoutAHeaderWhenTheHostSwitchedDocuments) {
   EXPECT_EQ(records.get(),
             (Records{"Parsing using the task parser", "End of task found, cleaning up 2",
                      "In LineNodeParserService"}));
-  // The task is over all the same.
+  // The task is closed anyway.
   EXPECT_EQ(parse(u"x", 3, kBlock).type.kind, 3);
   EXPECT_EQ(document->getNumberOfChildren(), 2u);
 }
@@ -62,7 +62,7 @@ TEST_F(TaskSnippetParser, WritesTheCountWhereverATaskNodeIsTheFirstChild) {
   taskNodeOf(line)->setLiveTaskData(LiveTaskData().setTaskId(u"of the host").setView(u"v"));
   document->addChild(line);
   LogRecords records;
-  // The number left over is 0, where a line of the host stands.
+  // The stored index is 0, which is that of the host's line.
   EXPECT_EQ(parse(u"x # <@task#b> # <@task#b>", 3, u"").type.kind, 0);
   EXPECT_EQ(taskNode(0)->getLiveTaskData(),
             LiveTaskData().setTaskId(u"of the host").setView(u"v").setNumCodeLines(1));
@@ -74,14 +74,14 @@ TEST_F(TaskSnippetParser, WritesTheCountIntoATaskNodeThatAnExtensionMade) {
   parse(u"abc # <@output [0,3]>", 3, u"");
   ASSERT_TRUE(LineNode::castFrom(node(0)));
   EXPECT_EQ(codeLines(0), 0);
-  // No header was added, so the number left over is that of the line.
+  // No header was added, so the stored index is that of the line.
   EXPECT_EQ(parse(kOpening, 0, kBlock).type.kind, 0);
   EXPECT_EQ(codeLines(0), 2);
 }
 
 TEST_F(TaskSnippetParser, TouchesNoNodeWithoutATaskNodeAsFirstChild) {
   const kd::zero::Model model = document->getModel();
-  // The node with the number left over has no child, or a child of another kind.
+  // The node at the stored index has no child, or a child of another kind.
   const LineNode childless = LineNode::Builder(model).createLineNode({});
   document->addChild(childless);
   LogRecords records;

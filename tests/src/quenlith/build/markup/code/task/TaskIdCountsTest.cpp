@@ -24,11 +24,11 @@ TEST(TaskIdCounts, DistinguishesBlocksByTheirContent) {
   Counts counts;
   std::u16string block = u"# <@task#t1> # <@task#t1>";
   EXPECT_EQ(counts.count(block, 0, u"t1"), 2u);
-  // The same place in memory, another text of the same length.
+  // The same address, another text of the same length.
   block[block.size() - 2] = u'2';
   EXPECT_EQ(counts.count(block, 0, u"t1"), 1u);
   EXPECT_EQ(counts.count(block, 0, u"t2"), 1u);
-  // Another place, a text seen before.
+  // Another address, the same text as before.
   const std::u16string again = u"# <@task#t1> # <@task#t1>";
   EXPECT_EQ(counts.count(again, 0, u"t1"), 2u);
   EXPECT_EQ(counts.count(block, 0, u"t1"), 1u);

@@ -20,7 +20,7 @@ ustring kindText(const char16_t* element) {
   return Marker(ustring(element)).toString();
 }
 
-// State that host and parser do not agree on: each row of the table by which a line is decided.
+// States that host and parser do not agree on: each row of the decision table for a line.
 
 TEST_F(TaskSnippetParser, WithoutAnOpenTaskALineWithoutAMarkerCountsAsTheFirst) {
   for (const int kind : {0, 1, 3, 255}) {
@@ -86,7 +86,7 @@ TEST_F(TaskSnippetParser, WithoutAnOpenTaskAndAnotherIdInAnOpenKindOverlaps) {
             (Records{"Parsing using the task parser", "Task marker found for first time",
                      "Adding task marker to the list of seen markers", "In LineNodeParserService",
                      "Building an overlapping task marker failure", "finding Appendix Entry"}));
-  // The id is listed: it opens no task later.
+  // The id is stored as overlapping: it opens no task later.
   parse(u"x", 3, kBlock);
   EXPECT_EQ(parse(kOpening, 0, kBlock).type.kind, 3);
   EXPECT_THAT(failures(2), ElementsAre(u"missing_task_marker_pair"));
@@ -123,7 +123,7 @@ TEST_F(TaskSnippetParser, WithoutAnOpenTaskEqualMarkersOfAnotherIdCloseTheHeader
                      "End of task found, cleaning up 1", "", "In LineNodeParserService",
                      "Building an overlapping task marker failure", "finding Appendix Entry"}));
 
-  // At the start of the line: no line, no failure.
+  // At the start of the line: no line node, no failure.
   const ParseResult result = parse(u"# <@task#c> # <@task#c> # <@output>", 3, u"");
   EXPECT_EQ(result.type, (SnippetType{0, 0}));
   EXPECT_THAT(result.markerTypes, ElementsAre(kindText(u"task")));
