@@ -13,7 +13,7 @@ namespace bench {
 
 namespace {
 
-/// Marked lines are longer and their nodes more: a part of the lines says as much.
+/// Marked lines are longer and have more nodes, so a part of the lines is enough.
 constexpr std::size_t kStride = 4;
 constexpr std::size_t kStrideOfCrowdedLines = 400;
 

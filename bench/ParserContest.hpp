@@ -9,11 +9,12 @@
 
 namespace bench {
 
-/// The parsers, their peers and the floor on the same lines, and the parsers on lines with
+/// Compares the parsers, their peers and the floor on the same lines, and the parsers on lines with
 /// markers.
 class ParserContest {
  public:
-  /// Borrows `lines`, which have no markers. With `onlySubject` that one takes part alone.
+  /// Borrows `lines`, which have no markers. Only the subject `onlySubject` takes part, or all if
+  /// it is empty.
   ParserContest(const Corpus& lines, const std::string& onlySubject);
 
   /// Like `Contest::run`.

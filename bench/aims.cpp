@@ -9,7 +9,7 @@ namespace bench {
 
 namespace {
 
-/// The figures that the aims are about, out of one run.
+/// The figures of one run that the aims refer to.
 class Figures {
  public:
   explicit Figures(const Contest& allMeasured) : contest(allMeasured) {}
@@ -21,7 +21,7 @@ class Figures {
     return nanoseconds(kParseLine + kind) / nanoseconds(kParseLine + kPlain);
   }
   const Measurement& parseLine() const { return contest.of(kParseLine); }
-  /// Without the copies of the lists, which are not the document's.
+  /// Without the copies of the lists, which are not part of the document.
   double documentAllocationsALine() const {
     return parseLine().allocationsALine() - contest.of(kLists).allocationsALine();
   }

@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// Writes each aim with what was measured and whether that meets it. The floor must count.
+/// Writes each aim with the measured figure and whether it is met. The floor must be valid.
 void writeAims(std::ostream& out, const Contest& contest);
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// Measures the parsers against their peers and against the floor, and prints tables in Markdown.
+// Compares the parsers with their peers and with the floor, and prints tables in Markdown.
 
 #include <sched.h>
 
@@ -27,7 +27,7 @@ void stayOnOneCore() {
   CPU_ZERO(&cores);
   const int core = sched_getcpu();
   CPU_SET(static_cast<std::size_t>(core < 0 ? 0 : core), &cores);
-  // Where it is not allowed the figures are only less steady.
+  // If this is not permitted, the figures only vary more.
   (void)sched_setaffinity(0, sizeof cores, &cores);
 }
 

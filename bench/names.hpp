@@ -4,7 +4,7 @@
 
 namespace bench {
 
-// What is compared: the names in the tables.
+// The names of the subjects in the tables.
 inline const std::string kFloor = "floor";
 inline const std::string kPugixml = "pugixml";
 inline const std::string kMd4c = "md4c";
@@ -16,7 +16,7 @@ inline const std::string kService = "default parser as a service";
 inline const std::string kTasks = "task and default parser";
 inline const std::string kTrace = "one trace call, logging off";
 
-// Which marked lines: appended to one of the names above.
+// The kinds of marked lines, appended to one of the names above.
 inline const std::string kPlain = ", no marker, every 4th line";
 inline const std::string kOneIn100 = ", a marker in 1 of 100 lines";
 inline const std::string kOneIn10 = ", a marker in 1 of 10 lines";

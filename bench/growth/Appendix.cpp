@@ -22,7 +22,7 @@ class Appendix : public Subject {
     }
   }
 
-  // Markers made anew: one reads its data once, and keeps what it read.
+  // New markers each time, because a marker caches its data after the first read.
   void build() override {
     appendix.emplace();
     for (const fl::i18n::ustring& text : texts) appendix->addEntry(Marker(text));

@@ -12,7 +12,7 @@ namespace {
 
 using parsers::Contents;
 
-/// Parses the lines that a function makes, one by one.
+/// Parses lines that it owns, one by one.
 class OwnLines : public Subject {
  public:
   OwnLines(Corpus ownLines, const Contents& wanted)
@@ -60,7 +60,7 @@ std::unique_ptr<Subject> makeRanges(const Corpus& /*lines*/, std::size_t count) 
   for (std::size_t number = 0; number < count; ++number) {
     line += outputMarker(number, number, 2 * count - number);
   }
-  // All of the leading text is owned; what is left is the blank before each marker.
+  // All of the leading text is owned; only the space before each marker remains.
   return parseOf(std::move(line), {1, count, 0, 0});
 }
 

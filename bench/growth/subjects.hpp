@@ -7,9 +7,9 @@
 
 namespace bench::growth {
 
-// Each of these makes input of one dimension with the size `count`, everything else fixed.
+// Each of these functions creates input that grows with `count` in one dimension only.
 
-/// The first thousand lines again and again.
+/// The first thousand lines, repeated.
 std::unique_ptr<Subject> makeLines(const Corpus& lines, std::size_t count);
 
 /// One line of markers: output, control, anchor in turn.
@@ -24,10 +24,10 @@ std::unique_ptr<Subject> makeFailures(const Corpus& lines, std::size_t count);
 /// Tasks that open and close in a block of fixed length.
 std::unique_ptr<Subject> makeTasks(const Corpus& lines, std::size_t count);
 
-/// Ten tasks in a block of so many lines.
+/// Ten tasks in a block of `count` lines.
 std::unique_ptr<Subject> makeBlock(const Corpus& lines, std::size_t count);
 
-/// An appendix into which entries are put, each of which is then looked for.
+/// An appendix to which entries are added, each of which is then looked up.
 std::unique_ptr<Subject> makeAppendix(const Corpus& lines, std::size_t count);
 
 }  // namespace bench::growth

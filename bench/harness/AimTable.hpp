@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// Aims with what was measured, as a table.
+/// A table of the aims with the measured figures.
 class AimTable {
  public:
   void atMost(const std::string& what, double measured, double limit) {

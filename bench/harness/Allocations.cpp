@@ -34,7 +34,7 @@ struct Counter {
 
  private:
   static std::int64_t sizeOf(void* block) noexcept {
-    // The allocator's own word before each block comes on top of what can be used of it.
+    // The allocator's header word is not part of the usable size of a block.
     const std::size_t overhead = sizeof(std::size_t);
     return block == nullptr ? 0 : static_cast<std::int64_t>(malloc_usable_size(block) + overhead);
   }

@@ -4,22 +4,21 @@
 
 namespace bench {
 
-/// What the allocator was asked for while counting was on, with its own overhead of a chunk.
+/// The allocations while counting was on, including the allocator's overhead per block.
 struct AllocationCount {
   std::size_t allocations = 0;
-  /// Bytes held at most at one time; blocks from before the start do not count.
+  /// The largest number of bytes allocated at one time; earlier blocks do not count.
   std::size_t peakBytes = 0;
 };
 
-/// Counts every call of malloc and its like from here on, in all libraries.
+/// Counts every call of malloc and similar functions from now on, in all libraries.
 void startCounting() noexcept;
 AllocationCount stopCounting() noexcept;
 
-/// Bytes that the allocator itself counts as handed out.
+/// Returns the number of bytes in use according to the allocator.
 std::size_t liveBytes() noexcept;
 
-/// Lets the process keep the memory that it once had, so that the time of the kernel's page
-/// faults is in no figure, for any subject.
+/// Makes the process keep freed memory, so that no figure contains the time of page faults.
 void keepMemory() noexcept;
 
 }  // namespace bench

@@ -38,9 +38,9 @@ void* doWork(void* argument) {
   return nullptr;
 }
 
-/// Calls `function` in a thread, whose end empties the allocator's cache of freed blocks: they
+/// Calls `function` in a new thread, whose end empties the allocator's cache of freed blocks, which
 /// would be counted as live. Not a std::thread, which itself allocates.
-void inThreadOfItsOwn(const std::function<void()>& function) {
+void runInNewThread(const std::function<void()>& function) {
   Work work{function, nullptr};
   pthread_t thread{};
   if (pthread_create(&thread, nullptr, doWork, &work) != 0) {
@@ -69,7 +69,7 @@ void Contest::run(int roundCount) {
     entry.measurement.buildSeconds = best.seconds;
     entry.measurement.destroySeconds = best.endSeconds;
   }
-  // Last: once there was a second thread, the standard library counts references atomically.
+  // Last, because the standard library counts references atomically once a second thread started.
   for (Entry& entry : entries) measureMemory(entry);
 }
 
@@ -82,10 +82,10 @@ void Contest::count() {
 }
 
 void Contest::measureMemory(Entry& entry) {
-  // What is made once and kept is made here.
-  inThreadOfItsOwn([&entry] { buildCounted(entry); });
+  // The first build allocates what is kept for the life of the process.
+  runInNewThread([&entry] { buildCounted(entry); });
   const std::size_t before = liveBytes();
-  inThreadOfItsOwn([&entry] { buildCounted(entry); });
+  runInNewThread([&entry] { buildCounted(entry); });
   expectCount(entry.measurement.name + ", bytes live after the end", liveBytes(), before);
 }
 

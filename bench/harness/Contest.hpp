@@ -13,13 +13,12 @@
 
 namespace bench {
 
-/// Measures subjects against one another: their times in rounds, their memory, or their
-/// instructions.
+/// Compares subjects: their times in rounds, their memory, or their instructions.
 class Contest {
  public:
   using Make = std::function<std::unique_ptr<Subject>(const Corpus&)>;
 
-  /// A contest of all subjects, or of the one of the name `onlySubject`.
+  /// A contest of all subjects, or of the one named `onlySubject`.
   explicit Contest(std::string onlySubject = "") : only(std::move(onlySubject)) {}
 
   /// Borrows `corpus`. `name` is unique.
@@ -28,10 +27,10 @@ class Contest {
   /// Measures all subjects and checks their results in every round. Throws std::runtime_error if
   /// one is wrong, or if memory is leaked after what was built is destroyed.
   void run(int roundCount);
-  /// Lets callgrind count the instructions of all subjects, see `countInstructions`.
+  /// Makes callgrind count the instructions of all subjects, see `countInstructions`.
   void count();
 
-  /// Tells whether a subject of that name takes part if it is added.
+  /// Returns whether a subject with that name takes part if it is added.
   bool takes(const std::string& name) const noexcept { return only.empty() || name == only; }
   /// Throws std::out_of_range if no subject has that name.
   const Measurement& of(const std::string& name) const;

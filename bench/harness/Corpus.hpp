@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// The lines that are parsed, in the forms in which the programs under comparison take them.
+/// The lines to parse, in the forms that the compared programs need.
 class Corpus {
  public:
   /// Reads at most `lineLimit` lines of the UTF-8 file `path`. Throws std::runtime_error when

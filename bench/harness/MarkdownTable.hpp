@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// A table of texts that is written as Markdown, its columns in line.
+/// A table of texts that is written as Markdown with aligned columns.
 class MarkdownTable {
  public:
   explicit MarkdownTable(std::vector<std::string> header) : rows{std::move(header)} {}
@@ -19,7 +19,7 @@ class MarkdownTable {
   std::vector<std::vector<std::string>> rows;
 };
 
-/// `value` with as many decimals.
+/// Returns `value` with that number of decimals.
 std::string decimal(double value, int decimals);
 
 }  // namespace bench

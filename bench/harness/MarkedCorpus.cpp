@@ -8,14 +8,14 @@ namespace bench {
 
 namespace {
 
-/// Appends markers to one line and keeps account of what a parse makes of it.
+/// Appends markers to one line and computes the expected result of its parse.
 class MarkedLine {
  public:
   explicit MarkedLine(std::string plainLine, std::size_t plainUnits)
       : line(std::move(plainLine)), units(plainUnits), owned(std::min<std::size_t>(units, 16)) {}
 
   void append(std::size_t number) {
-    // Two blanks, so that no "#" of the line gets into the marker's leader.
+    // Two spaces, so that a "#" of the line does not become part of the marker's leader.
     line += "  ";
     units += 2;
     const std::string id = std::to_string(number);

@@ -6,14 +6,14 @@
 
 namespace bench {
 
-/// Lines with markers, and what a right parse makes of them with no code element parser but the
-/// default one.
+/// Lines with markers, and the expected result of a parse with the default code element parser
+/// only.
 struct MarkedCorpus {
   /// Takes every line of `lines` whose number is a multiple of `stride`, and gives every
   /// `every`th of them `markersALine` markers.
   ///
-  /// The markers are, in turn: an output with a range and data, which takes away up to 16 units
-  /// of the line; a control with data, which stays in the text; an anchor with data.
+  /// The markers are, in turn: an output with a range and data, which removes up to 16 units of the
+  /// line; a control with data, which stays in the text; an anchor with data.
   static MarkedCorpus make(const Corpus& lines, std::size_t stride, std::size_t every,
                            std::size_t markersALine);
 

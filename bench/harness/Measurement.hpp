@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// What one subject took on one corpus. Times are those of the processor, the best of all rounds.
+/// The cost of one subject on one corpus. Times are processor times, the best of all rounds.
 struct Measurement {
   std::string name;
   std::size_t lines = 0;

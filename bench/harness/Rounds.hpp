@@ -7,19 +7,19 @@
 
 namespace bench {
 
-/// What one run took.
+/// The times of one run.
 struct RunTimes {
   double seconds = std::numeric_limits<double>::infinity();
-  /// Of destroying what was built, which is not part of `seconds`.
+  /// The time of the destruction, which is not part of `seconds`.
   double endSeconds = std::numeric_limits<double>::infinity();
 };
 
-/// Runs competitors in turn, each of them once a round, and keeps the best times of each.
+/// Runs competitors in turn, each of them once per round, and keeps the best times of each.
 class Rounds {
  public:
   using Run = std::function<RunTimes()>;
 
-  /// `name` is unique. What `run` throws leaves `run` of the rounds.
+  /// `name` must be unique. Exceptions of `run` are propagated by `Rounds::run`.
   void add(const std::string& name, Run run);
   void run(int rounds);
   /// Throws std::out_of_range if no competitor has that name.

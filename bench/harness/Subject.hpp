@@ -8,10 +8,10 @@
 
 namespace bench {
 
-/// One program under comparison: builds something out of lines, and ends it.
+/// One compared program: builds something from lines, and destroys it.
 ///
-/// The input is made by the constructor, so that it is not measured. `build` and `destroy` take
-/// turns.
+/// The constructor creates the input, so that it is not measured. `build` and `destroy` are called
+/// alternately.
 class Subject {
  public:
   Subject() = default;
@@ -20,8 +20,8 @@ class Subject {
   virtual ~Subject() = default;
 
   virtual void build() = 0;
-  /// Walks what was built. Throws std::runtime_error, saying what is wrong, when a count of
-  /// lines, nodes or text is not what the lines give.
+  /// Checks what was built. Throws std::runtime_error, which says what is wrong, when a count of
+  /// lines, nodes or text does not match the lines.
   virtual void check() const = 0;
   virtual void destroy() {}
 };

@@ -6,12 +6,12 @@
 
 namespace bench {
 
-/// Lets callgrind, when the program runs under it, count the instructions of one building and of
-/// one end, and dump each count. Prints the name of each dump, "build|`name`" and "end|`name`",
+/// Makes callgrind, when the program runs under it, count the instructions of one `build` and one
+/// `destroy`, and dump each count. Prints the name of each dump, "build|`name`" and "end|`name`",
 /// in the order of the dumps.
 void countInstructions(Subject& subject, const std::string& name);
 
-/// Builds and ends once, so that what is made once and kept is in no count.
+/// Builds and destroys once, so that no count contains one-time work.
 void warmUp(Subject& subject);
 
 }  // namespace bench

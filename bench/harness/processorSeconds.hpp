@@ -4,8 +4,7 @@
 
 namespace bench {
 
-/// Time that the process has had a processor for: what other programs take from it does not
-/// count.
+/// Returns the processor time of the process, which excludes the time of other programs.
 inline double processorSeconds() noexcept {
   timespec time{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);

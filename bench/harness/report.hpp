@@ -6,15 +6,15 @@
 
 namespace bench {
 
-/// Tells whether the floor and those that it is judged by took part.
+/// Returns whether the floor and the peers that validate it took part.
 bool hasFloor(const Contest& contest);
 
-/// Tells whether the floor, which took part, is as fast as a floor has to be: pugixml takes at
-/// least 1.9 times and cmark at least 13 times as long in the same run.
+/// Returns whether the floor, which took part, is fast enough to be valid: pugixml takes at least
+/// 1.9 times and cmark at least 13 times as long in the same run.
 bool floorCounts(const Contest& contest);
 
-/// Writes what every subject took as a table, and why there are no ratios when the floor does
-/// not count.
+/// Writes a table of the costs of every subject, and why there are no ratios when the floor is not
+/// valid.
 void writeMeasurements(std::ostream& out, const Contest& contest);
 
 }  // namespace bench

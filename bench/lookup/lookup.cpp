@@ -49,9 +49,9 @@ class RunningFramework {
       std::make_shared<Framework>(cppmicroservices::FrameworkFactory().NewFramework());
 };
 
-/// The lookup of contributors that the parser services provider makes for every line while there is
-/// none. The argument is the number of services of another interface. In the embedded framework it
-/// takes at most 20 ns in a process of one thread.
+/// The lookup of contributors that the parser services provider does for every line while none is
+/// registered. The argument is the number of services of another interface. In the embedded
+/// framework it takes at most 20 ns in a process of one thread.
 void lookUpNoContributor(benchmark::State& state) {
   const RunningFramework running(static_cast<int>(state.range(0)));
   for (auto _ : state) {

@@ -7,7 +7,7 @@
 
 namespace bench::parsers {
 
-/// A provider that has its lists: what it costs is the copies of the lists and nothing else.
+/// A provider with fixed lists: a call costs only the copy of a list.
 class CachedLists : public quenlith::build::markup::services::ParserServicesProvider {
  public:
   using ContributorDataParsers = std::vector<

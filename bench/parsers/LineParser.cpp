@@ -49,7 +49,7 @@ class ProviderLists : public Subject {
 
  private:
   const Corpus& corpus;
-  // Called like a service: through its interface, its class unknown.
+  // Called like a service: through its interface, so that the calls are virtual.
   std::shared_ptr<quenlith::build::markup::services::ParserServicesProvider> provider =
       std::make_shared<CachedLists>();
   std::size_t entries = 0;

@@ -18,8 +18,8 @@ using quenlith::build::markup::SnippetParser;
 using quenlith::build::markup::code::CodeSnippetParserImpl;
 using quenlith::build::markup::code::TaskSnippetParserImpl;
 
-/// Sources of a thousand lines with a task over the last ten of each hundred lines, handed to the
-/// two snippet parsers as a host does.
+/// Sources of a thousand lines with a task in the last ten of each hundred lines, passed to the two
+/// snippet parsers as a host does.
 class TaskParser : public Subject {
  public:
   explicit TaskParser(const Corpus& lines) : lineCount(lines.lineCount()) {

@@ -41,7 +41,7 @@ class Cmark : public Subject {
 
   void check() const override {
     const Walk found = walk(root.get());
-    // The address of a link and its definition are no text of the tree.
+    // Link destinations and link reference definitions are not part of the text of the tree.
     if (found.letters < letters / 100 * 95)
       throw std::runtime_error("cmark lost text of the lines");
     if (found.nodes < corpus.lineCount() / 2) throw std::runtime_error("cmark made too few nodes");

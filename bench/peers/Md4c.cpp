@@ -13,7 +13,7 @@ struct Events {
   std::size_t blocks = 0;
   std::size_t spans = 0;
   std::size_t textBytes = 0;
-  // Counted only where `text` is set: it would cost what is to be measured.
+  // Counted only if `countsLetters` is set, because counting would add to the measured time.
   std::size_t letters = 0;
   bool countsLetters = false;
 };
@@ -48,7 +48,7 @@ class Md4c : public Subject {
   explicit Md4c(const Corpus& lines) : text(lines.text()) {
     wanted.countsLetters = true;
     parse(wanted);
-    // What is not text is the address of a link or the definition of one.
+    // Only link destinations and link reference definitions are not text.
     if (wanted.letters < countLetters(text) / 100 * 95) {
       throw std::runtime_error("md4c lost text of the lines");
     }

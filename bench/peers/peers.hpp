@@ -5,16 +5,16 @@
 
 namespace bench::peers {
 
-/// Builds a tree of one element per line with its text out of XML, by pugixml.
+/// Builds a tree from XML with one element per line, with pugixml.
 std::unique_ptr<Subject> makePugixml(const Corpus& corpus);
 
-/// Like `makePugixml`, by libxml2.
+/// Like `makePugixml`, with libxml2.
 std::unique_ptr<Subject> makeLibxml2(const Corpus& corpus);
 
-/// Reads the lines as Markdown, by md4c: events and no tree.
+/// Parses the lines as Markdown with md4c, which emits events and builds no tree.
 std::unique_ptr<Subject> makeMd4c(const Corpus& corpus);
 
-/// Builds the tree of the lines read as Markdown, by cmark.
+/// Builds a tree of the lines as Markdown, with cmark.
 std::unique_ptr<Subject> makeCmark(const Corpus& corpus);
 
 }  // namespace bench::peers

@@ -18,7 +18,7 @@ double secondsOf(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
 }
 
-/// What becomes the standard output of a program.
+/// The file that becomes the standard output of a program.
 class FileActions {
  public:
   FileActions() { posix_spawn_file_actions_init(&actions); }

@@ -5,9 +5,9 @@
 
 namespace bench::programs {
 
-/// What a run of a program took and wrote.
+/// The cost and the output of a run of a program.
 struct Finished {
-  /// Of a processor, in the program and for it in the kernel.
+  /// Processor time, in the program and in the kernel on its behalf.
   double processorSeconds = 0;
   std::string output;
 };

@@ -27,7 +27,7 @@ RunTimes ownTime(const std::vector<std::string>& arguments) {
   return {std::stod(run(arguments).output), 0};
 }
 
-/// The best time of several runs: a start is short, and easily disturbed.
+/// The best time of several runs, because a start is short and easily disturbed.
 RunTimes startTime(const std::vector<std::string>& arguments) {
   constexpr int kStarts = 20;
   RunTimes best{};

@@ -9,11 +9,10 @@
 
 namespace bench::programs {
 
-/// The program `tessera` against what its work costs at least.
+/// Compares the program `tessera` with lower bounds for its work.
 class ProgramContest {
  public:
-  /// Finds the programs in `programFolder`, and parses the source file `source` into files beside
-  /// it.
+  /// Finds the programs in `programFolder`, and parses the file `source` into files next to it.
   ProgramContest(std::string programFolder, std::string source);
 
   /// Throws std::runtime_error when a program fails or `tessera` does not write all lines.

@@ -1,4 +1,4 @@
-// Measures the program tessera against what its work costs at least, and prints tables in Markdown.
+// Compares the program tessera with lower bounds for its work, and prints tables in Markdown.
 
 #include <CLI/CLI.hpp>
 #include <exception>

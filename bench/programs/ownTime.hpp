@@ -6,8 +6,8 @@
 
 namespace bench::programs {
 
-/// Does `work` and prints how many seconds of processor time it took, without what the program does
-/// before and after it.
+/// Runs `work` and prints how many seconds of processor time it took, without the rest of the
+/// program.
 template <class Work>
 void printOwnTime(const Work& work) {
   const double begin = processorSeconds();

@@ -1,4 +1,4 @@
-// parseInMemory FILE: parses the lines of a file, which are in memory, by the default parser.
+// parseInMemory FILE: parses the lines of a file, which are in memory, with the default parser.
 
 #include <exception>
 #include <iostream>

@@ -1,4 +1,4 @@
-// printLine: what a C++ program costs that does nothing but print one line.
+// printLine: a C++ program that only prints one line.
 
 #include <iostream>
 

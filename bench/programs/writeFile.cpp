@@ -1,4 +1,4 @@
-// writeFile FILE BYTES: writes so many bytes to a file.
+// writeFile FILE BYTES: writes BYTES bytes to a file.
 
 #include <fcntl.h>
 #include <unistd.h>

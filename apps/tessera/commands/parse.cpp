@@ -54,7 +54,7 @@ void requireSeparateRecording(const ParseOptions& options) {
   }
 }
 
-/// Parses one file after the other. The memory of a file is free again before the next is read.
+/// Parses one file after another. The memory of a file is freed before the next one is read.
 int parseFiles(const ParseOptions& options, session::FileParser& parser,
                const session::SnippetSession& session) {
   files::OutputFile standardOutput(STDOUT_FILENO, "standard output");
@@ -68,7 +68,7 @@ int parseFiles(const ParseOptions& options, session::FileParser& parser,
     } catch (const diagnostics::OutputError&) {
       throw;
     } catch (const diagnostics::ProblemError& error) {
-      // The output of the files before comes before the message.
+      // The output of earlier files comes before the message.
       standardOutput.flush();
       diagnostics::report(error.what());
       status = kUnusable;

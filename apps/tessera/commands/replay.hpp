@@ -4,7 +4,7 @@
 
 namespace tessera::commands {
 
-/// Carries out the commands of a file and writes the answers to standard output. Returns the
+/// Executes the commands of a file and writes the answers to standard output. Returns the
 /// exit status; throws ProblemError at the first line that is not a command.
 int replay(const ReplayOptions& options);
 

@@ -8,7 +8,7 @@
 
 namespace tessera::files {
 
-/// Reads a file line by line, as soon as lines come.
+/// Reads a file line by line, as soon as each line is available.
 class ByteLines {
  public:
   /// Opens the file `name`, "-" for standard input. Throws ProblemError.
@@ -19,7 +19,7 @@ class ByteLines {
   /// ProblemError when the file cannot be read.
   std::optional<std::string_view> next();
 
-  /// Tells whether the next line is here already, so that asking for it will not wait.
+  /// Returns whether the next line is already buffered, so that `next` will not wait.
   bool isNextHere() const noexcept { return buffered.find('\n', begin) != buffered.npos; }
 
  private:
@@ -27,7 +27,7 @@ class ByteLines {
 
   FileReader reader;
   std::string buffered;
-  // What lies before has been returned.
+  // The bytes before it have been returned.
   std::size_t begin = 0;
   bool atStart = true;
 };

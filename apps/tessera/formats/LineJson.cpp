@@ -30,7 +30,7 @@ void appendDigits(std::string& text, std::uint64_t number) {
 }  // namespace
 
 void LineJson::writeMember(const FileResult& result) {
-  // The addresses of outcomes of an earlier document may be in use again.
+  // Outcomes of this document may have the addresses of an earlier document's outcomes.
   pattern.outcome = nullptr;
   previous = nullptr;
   json.key(kKey);

@@ -18,8 +18,7 @@ namespace {
 
 constexpr std::string_view kKey = "nodes";
 
-/// Returns the JSON of a plain line whose text is `text`, as it stands behind that of another node
-/// in the member.
+/// Returns the JSON of a plain line whose text is `text`, as it follows another node in the member.
 std::string renderPlainLine(foundation::json::Form form, std::u16string_view text) {
   const kd::zero::Model model = kd::zero::Model::create();
   LineNode line = LineNode::Builder(model).createLineNode(boost::uuids::uuid());
@@ -31,7 +30,7 @@ std::string renderPlainLine(foundation::json::Form form, std::u16string_view tex
   writer.beginObject();
   writer.key(kKey);
   writer.beginArray();
-  // In place of the node before.
+  // In place of the previous node, so that the writer puts a comma before this one.
   writer.null();
   const std::size_t begin = rendered.size();
   NodeWriter(writer).write(line);

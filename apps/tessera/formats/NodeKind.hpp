@@ -22,7 +22,7 @@ bool isBareText(const document::kdzero::Node& node) noexcept;
 /// of a line of plain code.
 bool isPlainLine(const document::kdzero::Node& node) noexcept;
 
-/// Returns the text of a node of the kind kPlainText; valid as the node's own.
+/// Returns the text of a node of the kind kPlainText; valid until that text changes.
 std::u16string_view textOf(const document::kdzero::Node& node) noexcept;
 
 }  // namespace tessera::formats

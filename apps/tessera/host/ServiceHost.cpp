@@ -176,7 +176,7 @@ void ServiceHost::Running::stop() noexcept {
   setFramework(nullptr);
   try {
     for (auto bundle = bundles.rbegin(); bundle != bundles.rend(); ++bundle) {
-      // The runtime stays until the appendix is gone: it lets go of it in the parsers.
+      // The runtime stops after the appendix is unregistered: it makes the parsers release it.
       if (bundle + 1 == bundles.rend() && registration) registration.Unregister();
       bundle->Stop();
     }

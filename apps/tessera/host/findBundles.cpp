@@ -17,11 +17,11 @@ fs::path libraryFolder() {
 
 BundleFiles findBundles() {
   const fs::path folder = libraryFolder();
-  // The runtime of the embedded framework is installed beside our libraries; the one of an
-  // installed framework stays where it is.
+  // The runtime of the embedded framework is installed next to our libraries; that of an installed
+  // framework stays where it is.
   const fs::path configured = TESSERA_DECLARATIVE_SERVICES;
-  const fs::path beside = folder / configured.filename();
-  return {fs::exists(beside) ? beside.string() : configured.string(),
+  const fs::path embedded = folder / configured.filename();
+  return {fs::exists(embedded) ? embedded.string() : configured.string(),
           (folder / TESSERA_PARSER_BUNDLE).string()};
 }
 

@@ -13,7 +13,7 @@ namespace {
 struct OperationRow {
   std::u16string_view name;
   Operation operation;
-  /// The keys beside "op".
+  /// The keys other than "op".
   std::vector<std::u16string_view> keys;
 };
 

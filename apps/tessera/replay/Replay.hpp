@@ -15,7 +15,7 @@
 
 namespace tessera::replay {
 
-/// Carries out commands on one document and writes an answer to each.
+/// Executes commands on one document and writes an answer to each.
 class Replay {
  public:
   using Appendix = quenlith::shared::appendix::MarkerAppendix;
@@ -23,7 +23,7 @@ class Replay {
   /// Borrows `appendix` and `output`.
   Replay(std::vector<session::NamedParser> parsers, Appendix& appendix, files::OutputFile& output);
 
-  /// Carries out `command` and writes the answer, one line. What a parser throws is an answer
+  /// Executes `command` and writes the answer, one line. An exception of a parser is an answer
   /// too. Throws CommandError when the command names a parser or a node that does not exist,
   /// OutputError when the answer cannot be written.
   void run(const Command& command);

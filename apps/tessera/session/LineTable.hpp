@@ -9,7 +9,7 @@
 
 namespace tessera::session {
 
-/// What one line's calls gave, apart from the nodes themselves.
+/// The outcome of one line's calls, without the nodes themselves.
 struct LineOutcome {
   /// The index of the parser that took the line.
   std::size_t parser = 0;

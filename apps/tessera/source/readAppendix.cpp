@@ -13,7 +13,7 @@ namespace {
 using quenlith::syntax::Marker;
 using quenlith::syntax::core::MarkerInfo;
 
-/// Tells one entry from another.
+/// Identifies an entry.
 using Key = std::pair<fl::i18n::ustring, fl::i18n::ustring>;
 
 Key keyOf(const Marker& marker) {

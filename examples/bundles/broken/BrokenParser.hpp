@@ -4,8 +4,8 @@
 
 namespace examples {
 
-/// Cannot be made: shows what a host does with a component whose constructor throws. It reports
-/// the bundle, and parses without it.
+/// Cannot be created: shows what a host does with a component whose constructor throws. The host
+/// reports the bundle, and parses without it.
 class BrokenParser : public quenlith::build::markup::code::CodeElementParser {
  public:
   BrokenParser();

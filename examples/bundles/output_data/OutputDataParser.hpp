@@ -4,7 +4,7 @@
 
 namespace examples {
 
-/// Writes the data of output markers down with their line, under the feature "output".
+/// Adds the data of output markers to their line, as the feature "output".
 class OutputDataParser
     : public quenlith::build::markup::contributordata::LineContributorDataParser {
  public:

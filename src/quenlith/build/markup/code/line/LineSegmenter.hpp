@@ -61,7 +61,7 @@ class LineSegmenter {
   boost::container::small_vector<Run, 4> spans;
   // Each span begins at or after the end of the one before, as on nearly all lines: none overlap.
   bool ascending = true;
-  // The texts of the segments that consist of several runs, one after another.
+  // The texts of the segments that consist of several runs, concatenated.
   fl::i18n::ustring joined;
 };
 

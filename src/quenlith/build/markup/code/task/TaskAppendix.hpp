@@ -15,7 +15,7 @@ namespace quenlith::build::markup::code::task {
 std::map<std::string, foundation::json::Value> findAppendixEntry(
     const shared::appendix::AppendixBuilder& appendixBuilder, const syntax::Marker& taskMarker);
 
-/// Returns the settings of the task out of its appendix entry: those that are missing or not text
+/// Returns the settings of the task from its appendix entry. Those that are missing or not strings
 /// are empty. The number of lines is 0.
 tessera::contentmodel::kdzero::LiveTaskData buildLiveTaskData(
     const shared::appendix::AppendixBuilder& appendixBuilder, const syntax::Marker& taskMarker);

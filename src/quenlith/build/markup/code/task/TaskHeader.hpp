@@ -11,7 +11,7 @@
 namespace quenlith::build::markup::code::task {
 
 /// Returns a new, detached header node of `model` for the task of `taskMarker`: its one child has
-/// the marker's id and the settings out of the task's appendix entry.
+/// the marker's id and the settings from the task's appendix entry.
 document::kdzero::LiveAppLineNode makeTaskHeader(
     const kd::zero::Model& model, const shared::appendix::AppendixBuilder& appendixBuilder,
     const syntax::Marker& taskMarker);

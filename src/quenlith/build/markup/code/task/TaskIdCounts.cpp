@@ -40,7 +40,7 @@ void TaskIdCounts::scan(const ustring& block) {
 }
 
 void TaskIdCounts::clear() noexcept {
-  // Not only emptied: a block may be large, and its memory is released.
+  // Swapped, because clear() would keep the memory, and a block may be large.
   ustring().swap(scannedBlock);
   scannedVersion = 0;
   counts.clear();
