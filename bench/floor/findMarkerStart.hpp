@@ -8,8 +8,8 @@
 
 namespace bench::floor {
 
-/// Returns the place of the first "<@" in `text`, or its size, comparing eight code units at a
-/// time.
+/// Returns the position of the first "<@" in `text`, or the size of `text` if there is none.
+/// Compares eight code units at a time.
 inline std::size_t findMarkerStart(std::u16string_view text) noexcept {
   const __m128i less = _mm_set1_epi16(u'<');
   const __m128i at = _mm_set1_epi16(u'@');

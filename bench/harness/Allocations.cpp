@@ -75,7 +75,7 @@ void keepMemory() noexcept {
 // The program and all libraries that it loads call these instead of the C library's own.
 extern "C" {
 
-// While nothing is counted, as when a time is taken, these two add a test and a jump.
+// While counting is off, as during time measurements, these two add a test and a jump.
 void* malloc(std::size_t size) {
   if (!bench::counter.isOn) [[likely]]
     return __libc_malloc(size);

@@ -22,7 +22,7 @@ void runOnce(benchmark::State& state, const Rounds::Run& run) {
 
 }  // namespace
 
-/// Keeps the best times of each benchmark, whichever round they come from.
+/// Keeps the best times of each benchmark over all rounds.
 class Rounds::Reporter : public benchmark::BenchmarkReporter {
  public:
   explicit Reporter(std::deque<Competitor>& all) : competitors(all) {}

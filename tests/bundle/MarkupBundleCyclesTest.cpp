@@ -44,7 +44,7 @@ TEST_F(MarkupBundle, StartsAndStopsRepeatedly) {
   EXPECT_LT(liveBytes(), early + 64 * 1024);
 }
 
-TEST_F(MarkupBundle, AppendixComesAndGoesWhileLinesAreParsed) {
+TEST_F(MarkupBundle, AppendixIsRegisteredAndUnregisteredBetweenLines) {
   const auto defaultParser = parser(kDefault);
   std::size_t early = 0;
   for (int cycle = 0; cycle < CYCLES; ++cycle) {
@@ -58,7 +58,7 @@ TEST_F(MarkupBundle, AppendixComesAndGoesWhileLinesAreParsed) {
   EXPECT_LT(liveBytes(), early + 64 * 1024);
 }
 
-TEST_F(MarkupBundle, AppendixMayComeAndGoInAnotherThread) {
+TEST_F(MarkupBundle, AppendixMayBeRegisteredInAnotherThread) {
   const auto defaultParser = parser(kDefault);
   std::thread host([this] {
     for (int cycle = 0; cycle < CYCLES / 10; ++cycle) registerAppendix().Unregister();
@@ -71,7 +71,7 @@ TEST_F(MarkupBundle, AppendixMayComeAndGoInAnotherThread) {
   EXPECT_EQ(parserCount(), 1U);
 }
 
-TEST_F(MarkupBundle, ExtensionsComeAndGoWhileLinesAreParsed) {
+TEST_F(MarkupBundle, ExtensionsStartAndStopBetweenLines) {
   std::size_t early = 0;
   for (int cycle = 0; cycle < CYCLES; ++cycle) {
     if (cycle == CYCLES / 10) early = liveBytes();

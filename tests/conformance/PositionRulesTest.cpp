@@ -66,7 +66,7 @@ struct RangeCase {
   bool usable;
 };
 
-TEST(PositionRules, ALineWithoutMarkersMayBeTakenWholeAndNotBeyondItsEnd) {
+TEST(PositionRules, ARangeMayCoverAWholeLineWithoutMarkers) {
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
   const std::vector<RangeCase> cases = {{0, 0, false},    {4, 2, false},     {0, 30, true},
                                         {0, 31, false},   {29, 30, true},    {30, 30, false},

@@ -58,7 +58,7 @@ TEST(FailureRecordsContract, AFreshMarkerInfoIsEmpty) {
   EXPECT_EQ(info.getSubFeatureId(), u"");
 }
 
-TEST(FailureRecordsContract, TheTextsAreTakenInEveryForm) {
+TEST(FailureRecordsContract, TheTextsAreAcceptedInEveryForm) {
   const ustring constant = u"constant";
   ustring changing = u"changing";
   MarkerInfo info;

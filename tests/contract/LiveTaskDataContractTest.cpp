@@ -71,7 +71,7 @@ TEST(LiveTaskDataContract, EveryFieldIsSetByASetterThatChains) {
   EXPECT_EQ(data.getNumCodeLines(), 7);
 }
 
-TEST(LiveTaskDataContract, ATextIsTakenInEveryForm) {
+TEST(LiveTaskDataContract, ATextIsAcceptedInEveryForm) {
   const ustring constant = u"constant";
   ustring changing = u"changing";
   LiveTaskData data;

@@ -183,7 +183,7 @@ TEST_F(ParserServicesProviderInAFramework, AFilterIsMadeFromAString) {
   EXPECT_EQ(cppmicroservices::LDAPFilter().ToString(), "");
 }
 
-TEST_F(ParserServicesProviderInAFramework, AServiceIsTakenThroughItsReference) {
+TEST_F(ParserServicesProviderInAFramework, AServiceIsObtainedThroughItsReference) {
   const auto last = registerDefault();
   cppmicroservices::BundleContext context = framework->GetBundleContext();
   const auto references = context.GetServiceReferences(

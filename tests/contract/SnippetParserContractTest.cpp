@@ -77,7 +77,7 @@ TEST(SnippetParserContract, TheRecordsHaveTheirFieldsInOrder) {
   EXPECT_EQ(snippet.auxiliaryText, u"whole block");
 }
 
-TEST(SnippetParserContract, TheTextsOfASnippetAreTakenInEveryForm) {
+TEST(SnippetParserContract, TheTextsOfASnippetAreAcceptedInEveryForm) {
   const ustring constant = u"constant";
   ustring changing = u"changing";
   const Snippet fromVariables{constant, SnippetType{0, 0}, changing};

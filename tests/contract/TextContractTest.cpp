@@ -42,7 +42,7 @@ TEST(TextContract, TheUtf8FormHasNeverFewerBytesThanTheTextHasUnits) {
   }
 }
 
-TEST(TextContract, TextIsTakenInEveryForm) {
+TEST(TextContract, TextIsAcceptedInEveryForm) {
   const std::string constantBytes = "caf\xC3\xA9";
   std::string changingBytes = constantBytes;
   EXPECT_EQ(utf8_to_ustring(constantBytes), u"caf\u00E9");

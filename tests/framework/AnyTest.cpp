@@ -71,7 +71,7 @@ TEST(AnyValue, PrintsItsValue) {
   EXPECT_EQ(Any(std::vector<Any>{Any(1), Any(std::string("b"))}).ToString(), "[1,b]");
 }
 
-TEST(AnyMapValue, KeysCompareAsTheTypeOfMapSays) {
+TEST(AnyMapValue, KeyComparisonDependsOnTheTypeOfMap) {
   AnyMap ordered(AnyMap::ORDERED_MAP);
   ordered["Key"] = 1;
   EXPECT_EQ(ordered.count("key"), 0U);

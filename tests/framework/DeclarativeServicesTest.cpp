@@ -177,7 +177,7 @@ TEST_F(DeclarativeServices, ImplementationInUseOutlivesItsService) {
   EXPECT_THAT(book->take(), ElementsAre("-third", "-second", "-first"));
 }
 
-TEST_F(DeclarativeServices, ComponentComesBackWithItsService) {
+TEST_F(DeclarativeServices, ComponentIsRegisteredAgainWithItsService) {
   auto registration = registerBook();
   parts.Start();
   EXPECT_NE(get<demo::Number>(), nullptr);

@@ -129,7 +129,7 @@ int reportUsage(const CommandLine& line, const CLI::ParseError& error) {
   return kUnusable;
 }
 
-/// Writes the help or the version that was asked for.
+/// Writes the requested help or version.
 int showHelp(const CommandLine& line, const CLI::ParseError& request) {
   line.app.exit(request);
   if (std::cout.flush()) return kFine;

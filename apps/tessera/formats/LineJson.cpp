@@ -60,7 +60,7 @@ void LineJson::writeLine(const Line& line, const FileResult& result) {
 bool LineJson::matchesPattern(const Line& line) {
   if (pattern.outcome == nullptr) return false;
   if (pattern.outcome == &line.outcome) return true;
-  // Two runs of lines that are alike may have other lines between them.
+  // Two runs of similar lines may have other lines between them.
   if (!areAlike(*pattern.outcome, line.outcome)) return false;
   pattern.outcome = &line.outcome;
   return true;

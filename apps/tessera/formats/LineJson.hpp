@@ -25,7 +25,7 @@ class LineJson {
   using Line = session::LineTable::Line;
 
   /// The JSON of a line that added one node, with a comma before it and without its two numbers:
-  /// lines that are alike differ only in these.
+  /// similar lines differ only in these.
   struct Pattern {
     /// Null when there is no pattern.
     const session::LineOutcome* outcome = nullptr;

@@ -24,8 +24,8 @@ struct LineOutcome {
 /// Returns whether two outcomes differ in nothing but the index of their first node.
 bool areAlike(const LineOutcome& a, const LineOutcome& b) noexcept;
 
-/// The outcomes of a file's lines, in order. Consecutive lines that are alike take the space of
-/// one, so that plain code takes almost none.
+/// The outcomes of a file's lines, in order. Consecutive similar lines take the space of one, so
+/// that plain code takes almost none.
 class LineTable {
  public:
   /// Moves from `outcome` if it is stored; a line like the one before it is only counted.
@@ -56,7 +56,7 @@ class LineTable {
   };
 
  private:
-  /// Consecutive lines that are alike; each has the nodes after those of the line before.
+  /// Consecutive similar lines; each has the nodes after those of the previous line.
   struct Run {
     LineOutcome first;
     std::uint64_t lines = 1;

@@ -10,8 +10,8 @@
 
 namespace tessera::session {
 
-/// Writes the calls of a session as the commands of `tessera replay`, each before it is made: the
-/// record is complete even if the call ends the process.
+/// Writes the calls of a session as commands of `tessera replay`, each before the call: the record
+/// is complete even if the call ends the process.
 class Recording {
  public:
   /// Creates the file `name`, or truncates an existing one. Throws OutputError, as all operations

@@ -24,7 +24,7 @@ struct ParsedSnippet {
   LineTable lines;
 };
 
-/// Thrown when a parser throws, and when no parser accepts a line.
+/// Thrown when a parser throws or when no parser accepts a line.
 class ParserError : public std::exception {
  public:
   ParserError(std::uint64_t lineNumber, std::string reason);

@@ -38,7 +38,7 @@ QUENLITH_COMPONENT(demo_Needs, demo::Needs, Provides<demo::Broken>, Reference<"w
 
 using cppmicroservices::service::component::detail::ComponentInstance;
 
-// A factory that ran out of memory.
+// A factory that returns null, as when memory runs out.
 extern "C" QUENLITH_BUNDLE_EXPORT ComponentInstance* NewInstance_demo_Null() {
   return nullptr;
 }

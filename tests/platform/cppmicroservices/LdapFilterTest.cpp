@@ -90,7 +90,7 @@ TEST(LdapFilter, TextsAreCompared) {
   });
 }
 
-TEST(LdapFilter, WildcardsStandForAnyTextAfterEqualsOnly) {
+TEST(LdapFilter, WildcardsMatchAnyTextOnlyAfterEquals) {
   expectMatches({
       {"(k=*)", "a"s, true},
       {"(k=*)", ""s, true},

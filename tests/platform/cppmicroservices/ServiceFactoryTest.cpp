@@ -61,19 +61,19 @@ class ServiceFactories : public HostFramework {
   std::vector<ServiceException::Type> errors;
 };
 
-TEST_F(ServiceFactories, AreToldWhichBundleAsks) {
+TEST_F(ServiceFactories, ReceiveTheBundleThatUsesTheService) {
   EXPECT_NE(context.GetService(reference), nullptr);
   EXPECT_EQ(workshop->user, context.GetBundle().GetBundleId());
 }
 
-TEST_F(ServiceFactories, GetTheirObjectBackOnce) {
+TEST_F(ServiceFactories, GetTheirObjectReturnedOnce) {
   auto held = context.GetService(reference);
   registration.Unregister();
   held = nullptr;
   EXPECT_EQ(workshop->returned, 1);
 }
 
-TEST_F(ServiceFactories, GetTheirObjectBackWhenTheFrameworkStops) {
+TEST_F(ServiceFactories, GetTheirObjectReturnedWhenTheFrameworkStops) {
   auto held = context.GetService(reference);
   stop();
   EXPECT_EQ(workshop->returned, 1);
@@ -113,7 +113,7 @@ TEST_F(ServiceFactories, ThatRequestTheirOwnServiceAreReported) {
   EXPECT_EQ(errors, std::vector{ServiceException::FACTORY_RECURSION});
 }
 
-TEST_F(ServiceFactories, ThatThrowWhenTheyGetTheObjectBackAreReported) {
+TEST_F(ServiceFactories, ThatThrowWhenTheObjectIsReturnedAreReported) {
   workshop->takeBack = [] { throw std::runtime_error("no"); };
   EXPECT_NE(context.GetService(reference), nullptr);
   EXPECT_EQ(errors, std::vector{ServiceException::FACTORY_EXCEPTION});

@@ -163,7 +163,7 @@ TEST(ReadText, TakesAnyValueWithAnyWhiteSpace) {
   EXPECT_EQ(parse(u"-1").value, Value(-1));
 }
 
-TEST(ReadText, SaysWhereATextIsNoJson) {
+TEST(ReadText, ReportsWhereATextIsNotJson) {
   const ParseResult result = parse(u"[1,\n oops]");
   EXPECT_FALSE(result.value);
   EXPECT_EQ(result.failure.position, 5U);

@@ -139,7 +139,7 @@ TEST(ValueEquality, ZerosOfEitherSignAreEqual) {
   EXPECT_EQ(Value(0.0F).hash(), Value(-0.0F).hash());
 }
 
-// Values that differ in one place each.
+// Values that each differ from another one in a single element.
 std::vector<Value> manyValues() {
   std::vector<Value> values = oneOfEach();
   const Array inner{Value(1), Value("a")};
@@ -266,7 +266,7 @@ TEST(DeepValue, IsDestroyedWithoutAllocating) {
   EXPECT_EQ(quenlith::test::allocationCount(), before);
 }
 
-TEST(Value, FailingAllocationsLeaveTheTargetAsItWas) {
+TEST(Value, FailingAllocationsLeaveTheTargetUnchanged) {
   const Value original = deepValue(20);
   const Value expected("before");
   Value target("before");

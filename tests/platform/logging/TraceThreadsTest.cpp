@@ -45,7 +45,7 @@ TEST(TraceThreads, ReceiversAndSeveritiesMayChangeWhileThreadsEmit) {
   }
   for (std::thread& thread : threads) thread.join();
   getLogger().setEnabledSeverities(0);
-  // None arrives once the registrations are gone.
+  // No record arrives after the registrations have ended.
   const int before = received;
   quenlith::shared::logging::trace("late");
   EXPECT_EQ(received, before);

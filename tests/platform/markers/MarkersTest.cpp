@@ -321,7 +321,7 @@ TEST(GetMarker, AnEmptyTypeSetsNoCondition) {
   EXPECT_EQ(get_marker(markers, u"text", u"")->marker.getId(), u"a");
 }
 
-TEST(HasFeature, AsksForTheElement) {
+TEST(HasFeature, DependsOnTheElementOnly) {
   const ustring text = u"# <@text#a> # <@output {\"a\":\"# <@control>\"}> # <@widget> # <@task";
   const auto markers = get_markers_from_snippet(text, false);
   for (const ustring element : {u"text", u"output"}) {

@@ -76,7 +76,7 @@ class FakeProvider final : public build::markup::services::ParserServicesProvide
   std::vector<std::shared_ptr<build::markup::contributordata::LineContributorDataParser>>
       contributors;
   std::vector<std::shared_ptr<build::markup::code::CodeElementParser>> elementParsers;
-  /// Which list was asked for, in order.
+  /// The lists that were requested, in order.
   std::vector<std::string> calls;
   bool failsForContributors = false;
   bool failsForElementParsers = false;

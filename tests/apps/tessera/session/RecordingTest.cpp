@@ -10,7 +10,7 @@ namespace {
 using quenlith::build::markup::Snippet;
 using tessera::session::Recording;
 
-TEST(Recording, WritesEachCallBeforeItIsMade) {
+TEST(Recording, WritesEachCallInAdvance) {
   const TemporaryFolder folder;
   Recording recording(folder.path("r"));
   recording.begin({u"%<@task#a>"}, u"code");

@@ -70,7 +70,7 @@ TEST_F(SnippetSessionTest, TheTypeOfAResultIsPassedWithTheNextLine) {
   EXPECT_EQ(first->parsed[2].type.group, 7);
 }
 
-TEST_F(SnippetSessionTest, EveryLineComesWithTheWholeCode) {
+TEST_F(SnippetSessionTest, EveryLineIsPassedWithTheWholeCode) {
   const ParsedSnippet parsed = makeSession().parse({u"a\n\nb", true});
   ASSERT_EQ(first->parsed.size(), 3u);
   EXPECT_EQ(first->parsed[1].text, u"");

@@ -25,7 +25,7 @@ ParseResult CodeSnippetParserImpl::parse(
   trace("Parsing using the default parser");
   LineNodeParserService service(parserServicesProvider);
   ParseResult result = service.parseLine(std::move(document), snippet, ParseResult());
-  // Whatever type came back, a line of plain code leaves no task open.
+  // A line of plain code leaves no task open, whatever the type of the result.
   result.type = SnippetType{};
   return result;
 }

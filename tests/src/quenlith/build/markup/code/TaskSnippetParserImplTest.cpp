@@ -42,7 +42,7 @@ TEST_F(TaskSnippetParser, LooksForATaskMarkerInTheLineAsPassedIn) {
   EXPECT_FALSE(parser->canParse({u"%%\\<@task#t>", {}, u""}));
 }
 
-TEST_F(TaskSnippetParser, LogsThatItIsAsked) {
+TEST_F(TaskSnippetParser, LogsEachCheck) {
   LogRecords records;
   parser->canParse({u"# <@task>", {}, u""});
   parser->canParse({u"x", {}, u""});

@@ -85,13 +85,13 @@ TEST_F(ContributorLookup, ThrowsInsideAListenerThatStoppedTheFramework) {
   EXPECT_EQ(failure, "The bundle context is no longer valid");
 }
 
-TEST_F(ContributorLookup, SkipsAContributorThatGoesAwayAfterItWasFound) {
+TEST_F(ContributorLookup, SkipsAContributorUnregisteredAfterItWasFound) {
   auto gone = context().RegisterService<LineContributorDataParser>(makeContributor());
   const auto remover = addRemover(makeContributor(), gone);
   EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(remover));
 }
 
-TEST_F(ContributorLookup, SkipsAnElementParserThatGoesAwayAfterItWasFound) {
+TEST_F(ContributorLookup, SkipsAnElementParserUnregisteredAfterItWasFound) {
   auto gone = context().RegisterService<CodeElementParser>(makeElementParser());
   const auto remover = addRemover(makeElementParser(), gone);
   const auto last = addElementParser(prioritised("default"));

@@ -77,7 +77,7 @@ TEST_F(LineSegmenter, DoesNotJoinPlainTextAroundAnOwner) {
   EXPECT_EQ(segments(), (Segments{u"-0123", u"A4", u"-56789"}));
 }
 
-TEST_F(LineSegmenter, GivesTheLaterOfTwoSpansWhatBothClaim) {
+TEST_F(LineSegmenter, GivesTheOverlapOfTwoSpansToTheLaterOne) {
   segmenter.assign(2, 6, a);
   segmenter.assign(4, 8, b);
   EXPECT_EQ(segments(), (Segments{u"-01", u"A23", u"B4567", u"-89"}));

@@ -69,7 +69,7 @@ TEST_F(TaskSnippetParser, WritesTheCountWhereverATaskNodeIsTheFirstChild) {
   EXPECT_THAT(records.get(), testing::Contains("of the host"));
 }
 
-TEST_F(TaskSnippetParser, WritesTheCountIntoATaskNodeThatAnExtensionMade) {
+TEST_F(TaskSnippetParser, WritesTheCountIntoATaskNodeOfAnExtension) {
   provider->elementParsers = {std::make_shared<TaskNodeMaker>(), defaultParser};
   parse(u"abc # <@output [0,3]>", 3, u"");
   ASSERT_TRUE(LineNode::castFrom(node(0)));

@@ -84,7 +84,7 @@ TEST_F(TaskSnippetParser, ThePartnerOfAnOverlappingMarkerOpensNoTaskUntilReset) 
   EXPECT_EQ(parse(u"# <@task#b>", 0, pair).type.kind, 3);
 }
 
-TEST_F(TaskSnippetParser, TheOverlapFailureHoldsTheAppendixEntryToo) {
+TEST_F(TaskSnippetParser, TheOverlapFailureContainsTheAppendixEntryToo) {
   appendix->addEntry(Marker(u"%<@task#b {\"x\":true}>"));
   openTask();
   parse(u"# <@task#b>", 3, kBlock);

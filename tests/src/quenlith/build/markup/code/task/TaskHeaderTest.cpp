@@ -49,7 +49,7 @@ TEST_F(TaskSnippetParser, TakesOnlyStringsIntoTheTaskData) {
   EXPECT_EQ(taskNode(0)->getLiveTaskData(), LiveTaskData());
 }
 
-TEST_F(TaskSnippetParser, AsksTheAppendixForTheMarkerOfTheLine) {
+TEST_F(TaskSnippetParser, LooksUpTheMarkerOfTheLineInTheAppendix) {
   appendix->addEntry(Marker(u"%<@task#t2 {\"uniqueId\":\"wrong\"}>"));
   appendix->addEntry(Marker(u"%<@output#t1 {\"uniqueId\":\"wrong\"}>"));
   openTask();
