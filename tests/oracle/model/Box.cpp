@@ -180,11 +180,11 @@ Box::Impl::~Impl() {
 }
 
 void Box::Impl::letGo() noexcept {
-  kd::zero::ModelElement::Releases releases;
+  kd::zero::ModelElement::DeferredReleases releases;
   releaseAll(releases);
 }
 
-void Box::Impl::releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
+void Box::Impl::releaseAll(kd::zero::ModelElement::DeferredReleases& releases) noexcept {
   for (Boxes* boxes : {&plain, &unique, &owned, &ownedOnce, &kids, &peers, &broken}) {
     boxes->releaseAll(releases);
   }

@@ -60,7 +60,7 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
   friend struct kd::zero::ElementMaker;
 
   ~Impl();
-  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept;
+  void releaseAll(kd::zero::ModelElement::DeferredReleases& releases) noexcept;
   void verifyParts(kd::zero::Verification& verification) const;
 };
 

@@ -141,7 +141,7 @@ Box::Impl::~Impl() {
   --boxes;
 }
 
-void Box::Impl::releaseAll(ModelElement::Releases& releases) noexcept {
+void Box::Impl::releaseAll(ModelElement::DeferredReleases& releases) noexcept {
   for (Boxes* each : {&anything, &distinct, &parts, &repeatableParts, &held, &heldParts, &linked,
                       &admired, &misread, &refused}) {
     each->releaseAll(releases);

@@ -66,7 +66,7 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
 
   explicit Impl(Loaded loaded);
   ~Impl();
-  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept;
+  void releaseAll(kd::zero::ModelElement::DeferredReleases& releases) noexcept;
   void verifyParts(kd::zero::Verification& verification) const;
 };
 

@@ -46,7 +46,7 @@ class LateElement::Impl final : public ModelElement::Impl {
 
   Impl() : ModelElement::Impl(classOf()), parts(*this, lateParts()) {}
   ~Impl() = default;
-  void releaseAll(ModelElement::Releases& releases) noexcept { parts.releaseAll(releases); }
+  void releaseAll(ModelElement::DeferredReleases& releases) noexcept { parts.releaseAll(releases); }
   void verifyParts(kd::zero::Verification& verification) const {
     parts.verify(*this, verification);
   }

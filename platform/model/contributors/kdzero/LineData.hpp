@@ -43,7 +43,7 @@ class QUENLITH_MODEL_EXPORT LineData::Impl final : public kd::zero::ModelElement
   explicit Impl(const boost::uuids::uuid& elementUuid) noexcept
       : kd::zero::ModelElement::Impl(classOf()), uuid(elementUuid) {}
   ~Impl() = default;
-  void releaseAll(kd::zero::ModelElement::Releases&) noexcept {}
+  void releaseAll(kd::zero::ModelElement::DeferredReleases&) noexcept {}
 
   Data data;
   boost::uuids::uuid uuid;

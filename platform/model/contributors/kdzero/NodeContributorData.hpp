@@ -32,7 +32,7 @@ class QUENLITH_MODEL_EXPORT NodeContributorData::Impl final : public Contributor
 
   explicit Impl(const boost::uuids::uuid& elementUuid);
   ~Impl() = default;
-  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
+  void releaseAll(kd::zero::ModelElement::DeferredReleases& releases) noexcept {
     lineData.releaseAll(releases);
   }
   void verifyParts(kd::zero::Verification& verification) const {

@@ -24,7 +24,7 @@ class QUENLITH_MODEL_EXPORT DocumentRoot::Impl final : public kd::zero::ModelEle
 
   static const kd::zero::meta::Class kMetaClass;
 
-  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
+  void releaseAll(kd::zero::ModelElement::DeferredReleases& releases) noexcept {
     children.releaseAll(releases);
   }
   void verifyParts(kd::zero::Verification& verification) const {

@@ -35,12 +35,12 @@ void Node::Impl::setUuid(const boost::uuids::uuid& uuid) {
   extrasMutable().uuid = uuid;
 }
 
-void Node::Impl::endExtras() noexcept {
+void Node::Impl::destroyExtras() noexcept {
   extras->~Extras();
   ModelStorage::of(this).deallocate(extras, sizeof(Extras));
 }
 
-void Node::Impl::releaseExtras(kd::zero::ModelElement::Releases& releases) noexcept {
+void Node::Impl::releaseExtras(kd::zero::ModelElement::DeferredReleases& releases) noexcept {
   extras->contributorData.releaseAll(releases);
 }
 

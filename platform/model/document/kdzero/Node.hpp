@@ -64,11 +64,11 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
     if (!isNil(uuid)) setUuid(uuid);
   }
   ~Impl() {
-    if (extras != nullptr) endExtras();
+    if (extras != nullptr) destroyExtras();
   }
 
   /// Lets go of all that the node holds; for the node's own end.
-  void releaseAll(kd::zero::ModelElement::Releases& releases) noexcept {
+  void releaseAll(kd::zero::ModelElement::DeferredReleases& releases) noexcept {
     children.releaseAll(releases);
     if (extras != nullptr) releaseExtras(releases);
   }
@@ -87,8 +87,8 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
   }
   Extras& extrasMutable();
   void setUuid(const boost::uuids::uuid& uuid);
-  void releaseExtras(kd::zero::ModelElement::Releases& releases) noexcept;
-  void endExtras() noexcept;
+  void releaseExtras(kd::zero::ModelElement::DeferredReleases& releases) noexcept;
+  void destroyExtras() noexcept;
 
   kd::zero::ElementSequence<Node> children;
   Extras* extras = nullptr;

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "document/kdzero/Node.hpp"
-#include "document/kdzero/copyUnits.hpp"
+#include "document/kdzero/copyCodeUnits.hpp"
 #include "fl/i18n/ustring.hpp"
 #include "kd/zero/ModelStorage.hpp"
 
@@ -77,7 +77,7 @@ inline bool TextNode::Impl::placeAfterNode(std::u16string_view newText) noexcept
   text = afterNode();
   length = static_cast<std::uint32_t>(newText.size());
   capacity = static_cast<std::uint32_t>(extraBytes() / sizeof(char16_t));
-  copyUnits(text, newText.data(), newText.size());
+  copyCodeUnits(text, newText.data(), newText.size());
   return true;
 }
 

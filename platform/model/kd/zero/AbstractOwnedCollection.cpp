@@ -25,7 +25,7 @@ void AbstractOwnedCollection::modifying(const OCDChangeDescriptor& change) const
 }
 
 void AbstractOwnedCollection::Operation::rollBack() noexcept {
-  if (collection.holdsValues()) {
+  if (collection.containsValues()) {
     static_cast<PrimitiveCollection&>(collection).truncate(oldCount);
   } else {
     static_cast<ReferenceCollection&>(collection).truncate(oldCount);

@@ -34,34 +34,34 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
   bool empty() const noexcept { return count == 0; }
 
  protected:
-  enum class Holds : bool { kElements, kValues };
+  enum class Content : bool { kElements, kValues };
 
   /// A collection that is a member of `collectionOwner`.
   AbstractOwnedCollection(const ModelElement::Impl& collectionOwner, meta::PropertyKey property,
-                          Holds content) noexcept
+                          Content content) noexcept
       : AbstractOwnedCollection(&collectionOwner, property, content, false) {}
   /// A collection that is a member of a part of the owner which is made only when it is used;
   /// `collectionOwner` is a member of the same part.
   AbstractOwnedCollection(ModelElement::Impl* const& collectionOwner, meta::PropertyKey property,
-                          Holds content) noexcept
+                          Content content) noexcept
       : AbstractOwnedCollection(&collectionOwner, property, content, true) {}
   ~AbstractOwnedCollection() = default;
 
   ModelElement::Impl& owner() const noexcept {
-    const std::byte* place = ownerPlace();
-    if ((shape & kOwnerIsReferred) != 0) {
+    const std::byte* place = ownerAddress();
+    if ((shape & kOwnerIsIndirect) != 0) {
       return **reinterpret_cast<ModelElement::Impl* const*>(place);
     }
     return *const_cast<ModelElement::Impl*>(reinterpret_cast<const ModelElement::Impl*>(place));
   }
   /// The owner of a collection that stands in it directly, or else null.
-  ModelElement::Impl* ownerAround() const noexcept {
-    if ((shape & kOwnerIsReferred) != 0) return nullptr;
+  ModelElement::Impl* enclosingOwner() const noexcept {
+    if ((shape & kOwnerIsIndirect) != 0) return nullptr;
     return const_cast<ModelElement::Impl*>(
-        reinterpret_cast<const ModelElement::Impl*>(ownerPlace()));
+        reinterpret_cast<const ModelElement::Impl*>(ownerAddress()));
   }
 
-  bool holdsValues() const noexcept { return (shape & kHoldsValues) != 0; }
+  bool containsValues() const noexcept { return (shape & kContainsValues) != 0; }
   /// It is unique and its opposite is the link to the container, as is usual.
   bool linksContainer() const noexcept { return (shape & kLinksContainer) != 0; }
   /// Its elements stand in a block, not in itself.
@@ -82,23 +82,23 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
   // usual append asks for all of it at once.
   static constexpr std::uint16_t kGranule = 4;
   static constexpr std::uint16_t kDistance = 0x0FFF;
-  static constexpr std::uint16_t kOwnerIsReferred = 0x1000;
-  static constexpr std::uint16_t kHoldsValues = 0x2000;
+  static constexpr std::uint16_t kOwnerIsIndirect = 0x1000;
+  static constexpr std::uint16_t kContainsValues = 0x2000;
   static constexpr std::uint16_t kLinksContainer = 0x4000;
   static constexpr std::uint16_t kInBlock = 0x8000;
 
-  AbstractOwnedCollection(const void* place, meta::PropertyKey property, Holds content,
-                          bool placeRefers) noexcept
+  AbstractOwnedCollection(const void* place, meta::PropertyKey property, Content content,
+                          bool ownerIsIndirect) noexcept
       : propertyIndex(property.index),
         shape(static_cast<std::uint16_t>(
             static_cast<std::size_t>(reinterpret_cast<const std::byte*>(this) -
                                      static_cast<const std::byte*>(place)) /
                 kGranule |
-            (placeRefers ? kOwnerIsReferred : 0U) |
-            (content == Holds::kValues ? kHoldsValues : 0U) |
+            (ownerIsIndirect ? kOwnerIsIndirect : 0U) |
+            (content == Content::kValues ? kContainsValues : 0U) |
             (property.linksContainer ? kLinksContainer : 0U))) {}
 
-  const std::byte* ownerPlace() const noexcept {
+  const std::byte* ownerAddress() const noexcept {
     return reinterpret_cast<const std::byte*>(this) - std::ptrdiff_t{shape & kDistance} * kGranule;
   }
 

@@ -8,8 +8,8 @@ Value Containment::read(const ModelElement::Impl& element) {
   return Value(element.container);
 }
 
-void Containment::leaveFormer(ModelElement::Impl& element, const ModelElement::Impl& owner,
-                              const meta::Property& collection) noexcept {
+void Containment::removeFromPrevious(ModelElement::Impl& element, const ModelElement::Impl& owner,
+                                     const meta::Property& collection) noexcept {
   const meta::Property& former = meta::Property::at(element.containerProperty);
   if (element.container == &owner && &former == &collection) return;
   former.traits().collectionOf(*element.container)->forget(element);

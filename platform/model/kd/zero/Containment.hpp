@@ -23,7 +23,7 @@ struct QUENLITH_MODEL_EXPORT Containment {
                      const meta::Property& collection) {
     owner.hasParts = true;
     owner.containsOthers = true;
-    if (element.container != nullptr) leaveFormer(element, owner, collection);
+    if (element.container != nullptr) removeFromPrevious(element, owner, collection);
     element.container = &owner;
     element.containerProperty = collection.getIndex();
   }
@@ -44,8 +44,8 @@ struct QUENLITH_MODEL_EXPORT Containment {
   static bool isWithin(const ModelElement::Impl& element, const ModelElement::Impl& root) noexcept;
 
  private:
-  static void leaveFormer(ModelElement::Impl& element, const ModelElement::Impl& owner,
-                          const meta::Property& collection) noexcept;
+  static void removeFromPrevious(ModelElement::Impl& element, const ModelElement::Impl& owner,
+                                 const meta::Property& collection) noexcept;
 };
 
 }  // namespace kd::zero

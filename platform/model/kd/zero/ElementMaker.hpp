@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
+#include "kd/zero/DeferredReleases.hpp"
 #include "kd/zero/ModelStorage.hpp"
-#include "kd/zero/Releases.hpp"
 #include "kd/zero/meta/Class.hpp"
 
 namespace kd::zero {
@@ -63,7 +63,8 @@ struct ElementMaker {
   }
 
   template <class Impl>
-  static void dismantle(ModelElement::Impl& element, ModelElement::Releases& releases) noexcept {
+  static void dismantle(ModelElement::Impl& element,
+                        ModelElement::DeferredReleases& releases) noexcept {
     auto& ended = static_cast<Impl&>(element);
     ended.releaseAll(releases);
     ended.~Impl();

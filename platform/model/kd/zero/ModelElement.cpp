@@ -1,7 +1,7 @@
 #include "kd/zero/ModelElement.hpp"
 
+#include "kd/zero/DeferredReleases.hpp"
 #include "kd/zero/Model.hpp"
-#include "kd/zero/Releases.hpp"
 #include "kd/zero/meta/Class.hpp"
 
 namespace kd::zero {
@@ -16,19 +16,19 @@ bool ModelElement::Impl::isKindOf(const meta::Class& metaClass) const noexcept {
 
 void ModelElement::Impl::destroy(Impl* element) noexcept {
   if (!element->hasParts) {
-    element->giveBackBlock();
+    element->deallocateBlock();
     return;
   }
-  Releases releases;
-  element->end(releases);
+  DeferredReleases releases;
+  element->destroyWith(releases);
 }
 
-void ModelElement::Releases::end(Impl* child) noexcept {
+void ModelElement::DeferredReleases::destroyTree(Impl* child) noexcept {
   ofRoot = false;
-  child->end(*this);
-  while (Impl* ended = pending) {
-    pending = ended->container;
-    ended->end(*this);
+  child->destroyWith(*this);
+  while (Impl* element = pending) {
+    pending = element->container;
+    element->destroyWith(*this);
   }
   ofRoot = true;
 }

@@ -26,7 +26,7 @@ class Verification;
 class QUENLITH_MODEL_EXPORT ModelElement {
  public:
   class Impl;
-  class Releases;
+  class DeferredReleases;
 
   constexpr ModelElement() noexcept = default;
   ModelElement(const ModelElement& other) noexcept : impl(other.impl) { addRef(); }
@@ -104,7 +104,7 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
 
  private:
   friend class ModelElement;
-  friend class ModelElement::Releases;
+  friend class ModelElement::DeferredReleases;
   friend class ReferenceCollection;
   friend class Verification;
   friend struct Containment;
@@ -114,8 +114,8 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   static constexpr std::size_t kLargestExtraGranules = 0x3F;
 
   static void destroy(Impl* element) noexcept;
-  void end(Releases& releases) noexcept;
-  void giveBackBlock() noexcept;
+  void destroyWith(DeferredReleases& releases) noexcept;
+  void deallocateBlock() noexcept;
 
   std::uint32_t references = 1;
   std::uint16_t containerProperty = 0;

@@ -9,10 +9,10 @@ class QUENLITH_MODEL_EXPORT PrimitiveCollection : public AbstractOwnedCollection
  protected:
   PrimitiveCollection(const ModelElement::Impl& collectionOwner,
                       meta::PropertyKey property) noexcept
-      : AbstractOwnedCollection(collectionOwner, property, Holds::kValues) {}
+      : AbstractOwnedCollection(collectionOwner, property, Content::kValues) {}
   PrimitiveCollection(ModelElement::Impl* const& collectionOwner,
                       meta::PropertyKey property) noexcept
-      : AbstractOwnedCollection(collectionOwner, property, Holds::kValues) {}
+      : AbstractOwnedCollection(collectionOwner, property, Content::kValues) {}
   virtual ~PrimitiveCollection();
 
  private:

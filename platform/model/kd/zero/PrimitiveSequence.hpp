@@ -59,7 +59,7 @@ class PrimitiveSequence final : public PrimitiveCollection {
   /// Checks the sequence, which is one of `holder`.
   void verify(const ModelElement::Impl& holder, Verification& verification) const {
     verification.expect(&owner() == &holder, "a collection finds its owner");
-    verification.expect(holdsValues(), "a collection knows what its places are");
+    verification.expect(containsValues(), "a collection knows what its places are");
     verification.expect(count == values.size(), "a sequence of values knows its size");
     verification.expect(places.empty() || places.size() == values.size(),
                         "the index of a sequence is empty or has every value");

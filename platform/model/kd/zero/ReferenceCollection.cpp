@@ -8,8 +8,8 @@
 
 #include "foundation/core/except/Exception.hpp"
 #include "kd/zero/Containment.hpp"
+#include "kd/zero/DeferredReleases.hpp"
 #include "kd/zero/ModelStorage.hpp"
-#include "kd/zero/Releases.hpp"
 #include "kd/zero/Verification.hpp"
 #include "kd/zero/meta/Class.hpp"
 #include "kd0/messages/ElementOfAnotherModel.hpp"
@@ -146,7 +146,7 @@ void ReferenceCollection::forget(const ModelElement::Impl& element) noexcept {
   if (inBlock() && blockHead().identities != nullptr) blockHead().identities->erase(&element);
 }
 
-void ReferenceCollection::releaseAll(ModelElement::Releases& releases) noexcept {
+void ReferenceCollection::releaseAll(ModelElement::DeferredReleases& releases) noexcept {
   const ModelElement::Impl& holder = owner();
   ModelElement::Impl* const* element = places();
   for (ModelElement::Impl* const* const end = element + size(); element != end; ++element) {
@@ -167,7 +167,7 @@ bool ReferenceCollection::isAmongLast(const ModelElement::Impl& element) const n
 void ReferenceCollection::verify(const ModelElement::Impl& holder,
                                  Verification& verification) const {
   verification.expect(&owner() == &holder, "a collection finds its owner");
-  verification.expect(!holdsValues(), "a collection knows what its places are");
+  verification.expect(!containsValues(), "a collection knows what its places are");
   verification.expect(meta::Property::isAt(propertyIndex), "a collection has a property");
   if (verification.getBroken() != nullptr) return;
   const bool opposesContainer = getOpposite() != nullptr && getOpposite()->isContainer();

@@ -32,15 +32,15 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
   bool isAmongLast(const ModelElement::Impl& element) const noexcept;
 
   /// Drops all elements; for the destruction of the owner.
-  void releaseAll(ModelElement::Releases& releases) noexcept;
+  void releaseAll(ModelElement::DeferredReleases& releases) noexcept;
 
  protected:
   ReferenceCollection(const ModelElement::Impl& collectionOwner,
                       meta::PropertyKey property) noexcept
-      : AbstractOwnedCollection(collectionOwner, property, Holds::kElements) {}
+      : AbstractOwnedCollection(collectionOwner, property, Content::kElements) {}
   ReferenceCollection(ModelElement::Impl* const& collectionOwner,
                       meta::PropertyKey property) noexcept
-      : AbstractOwnedCollection(collectionOwner, property, Holds::kElements) {}
+      : AbstractOwnedCollection(collectionOwner, property, Content::kElements) {}
   ~ReferenceCollection() = default;
 
   void append(ModelElement element) {
@@ -105,7 +105,7 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
 
 inline bool ReferenceCollection::appendDetached(ModelElement& element) noexcept {
   ModelElement::Impl* added = element.get();
-  ModelElement::Impl* holder = ownerAround();
+  ModelElement::Impl* holder = enclosingOwner();
   if (added == nullptr || holder == nullptr || !linksContainer()) return false;
   if (added->container != nullptr || added->proxy) return false;
 

@@ -29,10 +29,10 @@ struct ClassKey {
 /// as the process. Descriptions may be made on several threads, by bundles that define classes.
 class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
  public:
-  /// Releases everything that an element refers to and runs its destructor; the caller returns its
-  /// block.
+  /// DeferredReleases everything that an element refers to and runs its destructor; the caller
+  /// returns its block.
   using Dismantle = void (*)(ModelElement::Impl& element,
-                             ModelElement::Releases& releases) noexcept;
+                             ModelElement::DeferredReleases& releases) noexcept;
   /// Checks the invariants of an element and reports its collections; see Verification.
   using Verify = void (*)(const ModelElement::Impl& element, Verification& verification);
 

@@ -8,7 +8,7 @@ namespace document::kdzero {
 /// Copies `count` code units to room that does not overlap them. Inline, and by whole vectors of
 /// which the last one may go over units that were copied: texts of nodes are short, and a call of
 /// memcpy costs as much as the copy.
-inline void copyUnits(char16_t* to, const char16_t* from, std::size_t count) noexcept {
+inline void copyCodeUnits(char16_t* to, const char16_t* from, std::size_t count) noexcept {
   constexpr std::size_t kVector = 8;
   constexpr std::size_t kHalf = 4;
   if (count >= kVector) {
