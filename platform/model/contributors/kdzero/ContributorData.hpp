@@ -22,7 +22,7 @@ class QUENLITH_MODEL_EXPORT ContributorData::Impl : public kd::zero::ModelElemen
 
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
-  /// Valid until it is set again or the element ends.
+  /// Valid until it is set again or the element is destroyed.
   std::u16string_view getContributingFeature() const noexcept { return contributingFeature; }
   void setContributingFeature(const ustring& feature) { contributingFeature = feature; }
 
@@ -30,8 +30,8 @@ class QUENLITH_MODEL_EXPORT ContributorData::Impl : public kd::zero::ModelElemen
   boost::uuids::uuid getUuid() const noexcept { return uuid; }
 
  protected:
-  Impl(const kd::zero::meta::Class& dataClass, const boost::uuids::uuid& elementUuid) noexcept
-      : kd::zero::ModelElement::Impl(dataClass), uuid(elementUuid) {}
+  Impl(const kd::zero::meta::Class& dataClass, const boost::uuids::uuid& uuid) noexcept
+      : kd::zero::ModelElement::Impl(dataClass), uuid(uuid) {}
   ~Impl() = default;
 
  private:

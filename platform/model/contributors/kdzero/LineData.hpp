@@ -40,8 +40,8 @@ class QUENLITH_MODEL_EXPORT LineData::Impl final : public kd::zero::ModelElement
 
   static const kd::zero::meta::Class kMetaClass;
 
-  explicit Impl(const boost::uuids::uuid& elementUuid) noexcept
-      : kd::zero::ModelElement::Impl(classOf()), uuid(elementUuid) {}
+  explicit Impl(const boost::uuids::uuid& uuid) noexcept
+      : kd::zero::ModelElement::Impl(classOf()), uuid(uuid) {}
   ~Impl() = default;
   void releaseAll(kd::zero::ModelElement::DeferredReleases&) noexcept {}
 
@@ -54,10 +54,8 @@ class LineData::Impl::BuilderBase : public kd::zero::ElementBuilder {
  public:
   using ElementBuilder::ElementBuilder;
 
-  /// Returns a new, detached element. Any number of elements may have the same uuid.
-  LineData createLineData(const boost::uuids::uuid& elementUuid) const {
-    return make<LineData>(elementUuid);
-  }
+  /// Returns a new, detached element. Any number of elements may have the same `uuid`.
+  LineData createLineData(const boost::uuids::uuid& uuid) const { return make<LineData>(uuid); }
 };
 
 class LineData::Builder : public Impl::BuilderBase<Builder> {

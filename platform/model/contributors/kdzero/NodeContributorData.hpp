@@ -21,7 +21,7 @@ class QUENLITH_MODEL_EXPORT NodeContributorData::Impl final : public Contributor
 
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
-  /// Unique; its elements belong to this one.
+  /// Unique; contained in this element.
   const kd::zero::ElementSequence<LineData>& getLineDataList() const noexcept { return lineData; }
   kd::zero::ElementSequence<LineData>& getLineDataListMutable() noexcept { return lineData; }
 
@@ -30,7 +30,7 @@ class QUENLITH_MODEL_EXPORT NodeContributorData::Impl final : public Contributor
 
   static const kd::zero::meta::Class kMetaClass;
 
-  explicit Impl(const boost::uuids::uuid& elementUuid);
+  explicit Impl(const boost::uuids::uuid& uuid);
   ~Impl() = default;
   void releaseAll(kd::zero::ModelElement::DeferredReleases& releases) noexcept {
     lineData.releaseAll(releases);

@@ -37,7 +37,7 @@ const kd::zero::meta::Class NodeContributorData::Impl::kMetaClass = ElementMaker
 const kd::zero::meta::Class LineData::Impl::kMetaClass =
     ElementMaker::describe<Impl>(u"contributors::kdzero::LineData", Class::modelElement());
 
-NodeContributorData::Impl::Impl(const boost::uuids::uuid& elementUuid)
-    : ContributorData::Impl(classOf(), elementUuid), lineData(*this, lineDataList()) {}
+NodeContributorData::Impl::Impl(const boost::uuids::uuid& uuid)
+    : ContributorData::Impl(classOf(), uuid), lineData(*this, lineDataList()) {}
 
 }  // namespace contributors::kdzero

@@ -4,7 +4,7 @@
 
 namespace document::kdzero {
 
-/// Handle to the element that a document's top-level nodes belong to.
+/// Handle to the element that contains the top-level nodes of a document.
 class DocumentRoot : public kd::zero::Handle<DocumentRoot, kd::zero::ModelElement> {
  public:
   class Impl;

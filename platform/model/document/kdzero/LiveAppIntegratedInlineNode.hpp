@@ -24,12 +24,12 @@ class QUENLITH_MODEL_EXPORT LiveAppIntegratedInlineNode::Impl final : public Nod
 
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
-  /// Valid until it is set again or the node ends.
+  /// Valid until it is set again or the node is destroyed.
   std::u16string_view getId() const noexcept { return id; }
   void setId(const ustring& newId) { id = newId; }
 
   const LiveTaskData& getLiveTaskData() const noexcept { return liveTaskData; }
-  /// Stores a copy of `data`; when copying throws, the old data stays.
+  /// Stores a copy of `data`. Throws std::bad_alloc; the data is unchanged in that case.
   void setLiveTaskData(const LiveTaskData& data) { liveTaskData = LiveTaskData(data); }
 
  private:

@@ -5,7 +5,7 @@
 
 namespace document::kdzero {
 
-/// Handle to a line-level node that stands for an embedded task.
+/// Handle to a line-level node that represents an embedded task.
 class LiveAppLineNode : public kd::zero::Handle<LiveAppLineNode, Node> {
  public:
   class Impl;

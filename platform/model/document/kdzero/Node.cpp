@@ -12,14 +12,16 @@ using contributors::kdzero::NodeContributorData;
 using failures::kdzero::ParserFailure;
 using kd::zero::ModelStorage;
 
-/// What few nodes have.
+/// The parts that few nodes have, in a block that is allocated when one of them is first used. A
+/// node without them is smaller by all of these members but one pointer.
 struct Node::Impl::Extras {
   explicit Extras(kd::zero::ModelElement::Impl& node)
       : owner(&node),
         failures(owner, properties::kParserFailures),
         contributorData(owner, properties::kContributorData) {}
 
-  // Stands before the collections, which find their owner through it.
+  // Before the collections, which store their distance to this pointer and find the owner through
+  // it.
   kd::zero::ModelElement::Impl* owner;
   kd::zero::PrimitiveSequence<ParserFailure> failures;
   kd::zero::ElementSequence<NodeContributorData> contributorData;

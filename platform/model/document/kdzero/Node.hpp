@@ -27,9 +27,9 @@ class Node : public kd::zero::Handle<Node, kd::zero::ModelElement> {
 
 /// What all nodes have: children, failures, contributor data and an anchor.
 ///
-/// Children are unique, belong to the node and know it as their parent; failures are unique;
-/// contributor data is unique and belongs to the node. What few nodes have is stored only
-/// once it is used.
+/// Children are unique, are contained in the node and have it as their parent; failures are unique;
+/// contributor data is unique and contained in the node. What few nodes have (all but the children)
+/// is allocated when it is first used.
 class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
  public:
   using ustring = fl::i18n::ustring;
@@ -67,12 +67,12 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
     if (extras != nullptr) destroyExtras();
   }
 
-  /// Lets go of all that the node holds; for the node's own end.
+  /// Drops the references to all elements of the node; for its destruction.
   void releaseAll(kd::zero::ModelElement::DeferredReleases& releases) noexcept {
     children.releaseAll(releases);
     if (extras != nullptr) releaseExtras(releases);
   }
-  /// Reports all that the node has.
+  /// Checks the invariants of the node and reports its collections and blocks.
   void verifyParts(kd::zero::Verification& verification) const;
 
  private:
@@ -80,7 +80,7 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
 
   struct Extras;
 
-  // By words, which costs nothing for the nil identifier that is known when this is compiled.
+  // In two words: the compiler evaluates this when `uuid` is the constant nil identifier.
   static bool isNil(const boost::uuids::uuid& uuid) noexcept {
     const auto words = std::bit_cast<std::array<std::uint64_t, 2>>(uuid.data);
     return (words[0] | words[1]) == 0;

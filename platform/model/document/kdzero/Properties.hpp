@@ -10,7 +10,7 @@ namespace document::kdzero::properties {
 QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kTopLevelNodes;
 /// A node's children.
 QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kChildren;
-/// What a node is a child of: a node, or the document.
+/// The parent of a node: a node or the document.
 QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kParent;
 /// A node's parser failures.
 QUENLITH_MODEL_EXPORT extern const kd::zero::meta::Property kParserFailures;

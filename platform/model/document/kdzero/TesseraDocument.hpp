@@ -13,11 +13,10 @@ namespace document::kdzero {
 
 /// A document: the top-level nodes of one source, in order.
 ///
-/// Owned by the host and passed in shared. Not thread-safe. Nodes that a handle still refers
-/// to outlive it.
+/// Not thread-safe. Nodes that a handle still refers to outlive the document.
 class QUENLITH_MODEL_EXPORT TesseraDocument {
  public:
-  /// Makes an empty document with a model of its own.
+  /// Creates an empty document with a new model.
   TesseraDocument();
   ~TesseraDocument();
   TesseraDocument(const TesseraDocument&) = delete;
@@ -25,11 +24,11 @@ class QUENLITH_MODEL_EXPORT TesseraDocument {
 
   kd::zero::Model getModel() const noexcept { return model; }
 
-  /// Appends `node` as the last top-level node. The rules of `ElementSequence::add` hold: an
-  /// empty handle and a node that is a top-level node already are ignored.
+  /// Appends `node` as the last top-level node, by the rules of `ElementSequence::add`: an empty
+  /// handle and a node that is a top-level node already are ignored.
   void addChild(Node node) {
-    // A parser appends a node when it is complete. What was appended before is not checked again,
-    // so that filling a document takes linear time in debug builds, too.
+    // A parser appends a node when the node is complete. The nodes before it are not checked again,
+    // so filling a document takes linear time in debug builds, too.
     assert(!node || node->getModel().verify(node));
     root->getChildrenMutable().add(std::move(node));
   }

@@ -17,7 +17,7 @@ class TextNode : public kd::zero::Handle<TextNode, Node> {
   class Impl;
 };
 
-/// The text is stored in the node's own block when it is set directly after the node was made,
+/// The text is stored in the block of the node if it is set directly after the node was created,
 /// otherwise in a separate block.
 class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
  public:
@@ -48,13 +48,13 @@ class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
   void assignText(std::u16string_view newText) {
     if (!placeAfterNode(newText)) replaceText(newText);
   }
-  /// Stores the first text in the node's own block, when that block is the last one of its chunk
-  /// and the chunk has space left; otherwise does nothing and returns false.
+  /// Stores the first text in the block of the node, if that block is the last one of its chunk and
+  /// the chunk has space left; otherwise does nothing and returns false.
   ///
-  /// A parser sets the text of a node before it makes anything else, so nearly every text is
-  /// stored this way: without a block of its own, and in the cache lines after its node. A node of
-  /// a derived class with members of its own does not end where this object ends, so its text
-  /// never qualifies.
+  /// A parser sets the text of a node before it allocates anything else, so nearly every text is
+  /// stored this way: without a separate block, and in the cache lines after its node. An object of
+  /// a derived class with additional members is larger than this object, so its block does not end
+  /// here and its text is never stored this way.
   bool placeAfterNode(std::u16string_view newText) noexcept;
   void replaceText(std::u16string_view newText);
   void freeText() noexcept;

@@ -5,9 +5,10 @@
 
 namespace document::kdzero {
 
-/// Copies `count` code units to room that does not overlap them. Inline, and by whole vectors of
-/// which the last one may go over units that were copied: texts of nodes are short, and a call of
-/// memcpy costs as much as the copy.
+/// Copies `count` code units from `from` to `to`; the ranges must not overlap.
+///
+/// Copies in blocks of a constant size, which compile to single moves; the last block may copy some
+/// units a second time. Texts of nodes are short: a call of memcpy would cost as much as the copy.
 inline void copyCodeUnits(char16_t* to, const char16_t* from, std::size_t count) noexcept {
   constexpr std::size_t kVector = 8;
   constexpr std::size_t kHalf = 4;

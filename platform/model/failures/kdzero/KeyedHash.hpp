@@ -18,9 +18,9 @@ class QUENLITH_MODEL_EXPORT KeyedHash {
   explicit KeyedHash(const Key& key) noexcept;
 
   void add(std::uint64_t word) noexcept;
-  /// Adds the length and the bytes of `bytes`, filled up with zeros.
+  /// Adds the length and the bytes of `bytes`, padded with zeros to a whole word.
   void add(std::string_view bytes) noexcept;
-  /// Adds the length and the code units of `units`, filled up with zeros.
+  /// Adds the length and the code units of `units`, padded with zeros to a whole word.
   void add(std::u16string_view units) noexcept;
 
   /// Returns the hash of what was added. The last step.

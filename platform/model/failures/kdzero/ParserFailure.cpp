@@ -36,14 +36,14 @@ KeyedHash::Key drawKey() {
   return {first, word()};
 }
 
-/// All zeros are equal, and all NaNs.
+/// Adds the same for both zeros, which compare equal, and the same for all NaNs.
 void addNumber(KeyedHash& hash, double number) noexcept {
   if (number == 0) number = 0;
   if (std::isnan(number)) number = std::numeric_limits<double>::quiet_NaN();
   hash.add(std::bit_cast<std::uint64_t>(number));
 }
 
-/// Adds what `value` holds apart from the values in it, which it appends to `inner`.
+/// Adds `value` without the values that it contains, which are appended to `inner`.
 void addShallow(KeyedHash& hash, const Value& value, std::vector<const Value*>& inner) {
   hash.add(static_cast<std::uint64_t>(value.kind()));
   if (const auto* flag = value.getIf<bool>()) hash.add(std::uint64_t{*flag});

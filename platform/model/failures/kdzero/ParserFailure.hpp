@@ -14,7 +14,7 @@
 
 namespace failures::kdzero {
 
-/// The record of a rule that a marker broke. A plain value.
+/// The record of a rule that a marker violates. A plain value.
 ///
 /// Two records are equal when all three fields are; a record always equals its own copy.
 class ParserFailure {
@@ -23,7 +23,7 @@ class ParserFailure {
   /// Keys are UTF-8.
   using Data = std::map<std::string, foundation::json::Value>;
 
-  /// Which rule was broken.
+  /// Identifies the rule.
   const ustring& getFailureId() const noexcept { return failureId; }
   const MarkerInfo& getMarkerInfo() const noexcept { return markerInfo; }
   const Data& getFailureData() const noexcept {
@@ -55,16 +55,16 @@ class ParserFailure {
   QUENLITH_MODEL_EXPORT static const Data kNoData;
   QUENLITH_MODEL_EXPORT static std::shared_ptr<const Data> share(Data data);
 
-  // Never changed; null when there is none. Shared by the copies of a record, and by records with
-  // equal data that are made one after the other on one thread: every marker of a task that has no
-  // partner carries the data of the same appendix entry, which may be most of the source's size.
+  // Immutable; null if there is no data. Shared by the copies of a record, and by records with
+  // equal data that are created one after the other on one thread: each marker of a task without a
+  // partner has the data of the same appendix entry, which may be most of the source.
   std::shared_ptr<const Data> failureData;
 };
 
 }  // namespace failures::kdzero
 
-/// Agrees with the equality of records. Keyed with random numbers that are drawn once per process,
-/// so that nobody can write a text whose failures all have one hash.
+/// Agrees with the equality of records. The hash has a random key per process, so that nobody can
+/// write a text whose failures all have the same hash.
 template <>
 struct QUENLITH_MODEL_EXPORT std::hash<failures::kdzero::ParserFailure> {
   std::size_t operator()(const failures::kdzero::ParserFailure& failure) const;

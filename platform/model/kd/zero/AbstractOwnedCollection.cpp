@@ -14,13 +14,13 @@ namespace kd::zero {
 void AbstractOwnedCollection::modifying(const OCDChangeDescriptor& change) const {
   const std::vector<ChangeListener*>& listeners = ModelStorage::of(&owner()).listeners;
   if (listeners.empty()) return;
-  // A listener may add and remove listeners: those told are those there at the start and still
-  // there when it is their turn. One that was removed may have ended.
+  // A listener may add and remove listeners. Notify those that were registered at the start and
+  // still are when it is their turn: one that was removed may have been destroyed.
   const std::vector<ChangeListener*> atStart = listeners;
   for (ChangeListener* listener : atStart) {
-    const bool stillThere =
+    const bool stillRegistered =
         std::find(listeners.begin(), listeners.end(), listener) != listeners.end();
-    if (stillThere) listener->modifying(*this, change.makeChange());
+    if (stillRegistered) listener->modifying(*this, change.makeChange());
   }
 }
 

@@ -14,8 +14,8 @@ class OCDChangeDescriptor;
 
 /// A collection that one element owns through one of its properties.
 ///
-/// It stands inside its owner and is not copied. To keep an element small it holds no pointer
-/// to its owner but the distance from it.
+/// It is a member of its owner and cannot be copied. To keep elements small it stores its distance
+/// from the owner in 12 bits, not a pointer.
 class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
  public:
   class Operation;
@@ -27,7 +27,7 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
   const meta::Property& getCollectionProperty() const noexcept {
     return meta::Property::at(propertyIndex);
   }
-  /// Tells whether no element stands in it twice.
+  /// Tells whether appending skips an element that is in the collection already.
   bool isUnique() const noexcept { return getCollectionProperty().isUnique(); }
 
   std::size_t size() const noexcept { return count; }
@@ -40,8 +40,8 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
   AbstractOwnedCollection(const ModelElement::Impl& collectionOwner, meta::PropertyKey property,
                           Content content) noexcept
       : AbstractOwnedCollection(&collectionOwner, property, content, false) {}
-  /// A collection that is a member of a part of the owner which is made only when it is used;
-  /// `collectionOwner` is a member of the same part.
+  /// A collection that is a member of an object that the owner allocates separately;
+  /// `collectionOwner` is a member of the same object.
   AbstractOwnedCollection(ModelElement::Impl* const& collectionOwner, meta::PropertyKey property,
                           Content content) noexcept
       : AbstractOwnedCollection(&collectionOwner, property, content, true) {}
@@ -54,7 +54,7 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
     }
     return *const_cast<ModelElement::Impl*>(reinterpret_cast<const ModelElement::Impl*>(place));
   }
-  /// The owner of a collection that stands in it directly, or else null.
+  /// Returns the owner of a collection that is a direct member of it, otherwise null.
   ModelElement::Impl* enclosingOwner() const noexcept {
     if ((shape & kOwnerIsIndirect) != 0) return nullptr;
     return const_cast<ModelElement::Impl*>(
@@ -62,24 +62,26 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
   }
 
   bool containsValues() const noexcept { return (shape & kContainsValues) != 0; }
-  /// It is unique and its opposite is the link to the container, as is usual.
+  /// Tells whether it is unique and its opposite is the link to the container: the usual case.
   bool linksContainer() const noexcept { return (shape & kLinksContainer) != 0; }
-  /// Its elements stand in a block, not in itself.
+  /// Tells whether its elements are in a block; otherwise it contains its only element itself.
   bool inBlock() const noexcept { return (shape & kInBlock) != 0; }
-  void setInBlock(bool now) noexcept {
-    shape = static_cast<std::uint16_t>(now ? shape | kInBlock : shape & ~kInBlock);
+  void setInBlock(bool value) noexcept {
+    shape = static_cast<std::uint16_t>(value ? shape | kInBlock : shape & ~kInBlock);
   }
 
-  /// Tells the listeners of the model of a change that is about to be made. With no listener
-  /// no record is made. Throws what a listener throws.
+  /// Notifies the listeners of the model of a change that is about to be made. Creates no record
+  /// when there is no listener. Throws what a listener throws.
   void modifying(const OCDChangeDescriptor& change) const;
 
   std::uint32_t count = 0;
   std::uint16_t propertyIndex;
 
  private:
-  // The shape: the distance from the owner, in granules, and four facts. One word, so that the
-  // usual append asks for all of it at once.
+  // `shape` packs the distance from the owner, in granules, and four flags into 16 bits. With the
+  // count and the property index it makes a header of 8 bytes instead of 16 with a pointer to the
+  // owner. The distance has 12 bits, so a collection is at most 16 KiB into its owner; an element
+  // has at most ModelStorage::kLargestBlock bytes.
   static constexpr std::uint16_t kGranule = 4;
   static constexpr std::uint16_t kDistance = 0x0FFF;
   static constexpr std::uint16_t kOwnerIsIndirect = 0x1000;
@@ -105,14 +107,14 @@ class QUENLITH_MODEL_EXPORT AbstractOwnedCollection {
   std::uint16_t shape;
 };
 
-/// A scoped change of a collection: what was appended since it was opened is dropped again
-/// unless it is committed.
+/// A scoped change of a collection: the destructor removes what was appended since the constructor,
+/// unless the change was committed.
 class QUENLITH_MODEL_EXPORT AbstractOwnedCollection::Operation {
  public:
-  /// Borrows `changed` for the life of the operation.
-  explicit Operation(AbstractOwnedCollection& changed) noexcept
-      : collection(changed), oldCount(changed.count) {
-    ++ModelStorage::of(&changed.owner()).operations;
+  /// Borrows `collection` for the life of the operation.
+  explicit Operation(AbstractOwnedCollection& collection) noexcept
+      : collection(collection), oldCount(collection.count) {
+    ++ModelStorage::of(&collection.owner()).operations;
   }
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;

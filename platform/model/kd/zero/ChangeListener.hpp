@@ -9,13 +9,13 @@ namespace kd::zero {
 
 class AbstractOwnedCollection;
 
-/// Is told of changes to the collections of a model, each before it is made.
+/// Is notified of each change to a collection of a model before the change is made.
 class QUENLITH_MODEL_EXPORT ChangeListener {
  public:
   virtual ~ChangeListener();
 
-  /// `collection` is about to change as `change`, now the listener's own, says. What this
-  /// throws stops the change.
+  /// Called before `collection` changes. `change` describes the change; the listener owns it. An
+  /// exception prevents the change and reaches the caller that requested it.
   virtual void modifying(const AbstractOwnedCollection& collection,
                          std::unique_ptr<OCDChange> change) = 0;
 };

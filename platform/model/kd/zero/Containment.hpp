@@ -8,7 +8,7 @@
 
 namespace kd::zero {
 
-/// The one link from an element to the element that it belongs to.
+/// The link from an element to its container: the element that owns the collection it is in.
 struct QUENLITH_MODEL_EXPORT Containment {
   /// Reads the container as a single-valued property.
   static Value read(const ModelElement::Impl& element);
@@ -17,8 +17,8 @@ struct QUENLITH_MODEL_EXPORT Containment {
     return element.container;
   }
 
-  /// Makes `owner` the container of `element`, through its collection `collection`. An element
-  /// that belonged to another collection leaves it, so that it stands in one place of a tree.
+  /// Makes `owner` the container of `element`, through its collection `collection`. Removes the
+  /// element from the collection that it was in before, so that it is in one place of a tree.
   static void assign(ModelElement::Impl& element, ModelElement::Impl& owner,
                      const meta::Property& collection) {
     owner.hasParts = true;
@@ -28,7 +28,8 @@ struct QUENLITH_MODEL_EXPORT Containment {
     element.containerProperty = collection.getIndex();
   }
 
-  /// Undoes `assign` for an element that leaves `collection` of `owner`.
+  /// Undoes `assign` for an element that is removed from the collection of `owner` with the
+  /// property `collectionIndex`. Does nothing if the element has another container.
   static void clear(ModelElement::Impl& element, const ModelElement::Impl& owner,
                     std::uint16_t collectionIndex) noexcept {
     if (element.container == &owner && element.containerProperty == collectionIndex) {
@@ -36,11 +37,11 @@ struct QUENLITH_MODEL_EXPORT Containment {
     }
   }
 
-  /// False only for an element that never contained another.
+  /// Returns false only for an element that never contained another.
   static bool mayContainOthers(const ModelElement::Impl& element) noexcept {
     return element.containsOthers;
   }
-  /// Tells whether `element` is `root` or contained in it, however deep.
+  /// Tells whether `element` is `root` or contained in it at any depth.
   static bool isWithin(const ModelElement::Impl& element, const ModelElement::Impl& root) noexcept;
 
  private:

@@ -7,19 +7,20 @@
 
 namespace kd::zero {
 
-/// Elements whose last reference is gone and whose end is still to come. Released trees go
-/// through this list, however deep they are, so that no release recurses.
+/// Elements without references that are still to be destroyed. Trees are released through this
+/// list, so that no release recurses, however deep the tree is.
 class ModelElement::DeferredReleases {
  public:
-  /// Drops one reference to `element` (never null), which ends soon if it was the last.
+  /// Drops one reference to `element`, which must not be null. If it was the last one, destroys the
+  /// element or adds it to the list.
   void drop(Impl* element) noexcept {
     if (--element->references != 0) return;
     if (!element->hasParts) {
       element->deallocateBlock();
       return;
     }
-    // While the root of a tree lets go of its children, each is ended at once, as it is in reach
-    // then; what these let go of waits in the list.
+    // The children of the root are destroyed at once, while they are in the cache; the elements
+    // that these release wait in the list.
     if (ofRoot) {
       destroyTree(element);
     } else {
@@ -34,10 +35,11 @@ class ModelElement::DeferredReleases {
     element->container = pending;
     pending = element;
   }
-  /// Ends a child of the root, and all that ends with it.
+  /// Destroys a child of the root and everything that is released with it.
   QUENLITH_MODEL_EXPORT void destroyTree(Impl* child) noexcept;
 
-  // The container of a released element says nothing any more: it links the list.
+  // A singly linked list through `container`, which a released element does not need any more.
+  // So a release allocates nothing.
   Impl* pending = nullptr;
   bool ofRoot = true;
 };

@@ -7,11 +7,11 @@
 
 namespace kd::zero {
 
-/// What the builders of all kinds share: the model that new elements belong to.
+/// Base of the builders: holds the model that new elements belong to.
 class ElementBuilder {
  public:
-  /// Shares `builderModel`, which must not be empty, for the life of the builder.
-  explicit ElementBuilder(const Model& builderModel) noexcept : storage(builderModel.storage()) {
+  /// Shares `model`, which must not be empty, for the life of the builder.
+  explicit ElementBuilder(const Model& model) noexcept : storage(model.storage()) {
     storage.addHandle();
   }
   ElementBuilder(const ElementBuilder&) = delete;

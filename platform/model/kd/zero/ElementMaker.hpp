@@ -43,7 +43,7 @@ struct ElementMaker {
                               const meta::Type::Impl& base) noexcept {
     return meta::Class(qualifiedName, &base, sizeof(Impl), &dismantle<Impl>, &verify<Impl>);
   }
-  /// Like it, with a fixed key, which `Impl::kClassKey` has to be.
+  /// Like it, with a fixed key, which must equal `Impl::kClassKey`.
   template <class Impl>
   static meta::Class describe(meta::ClassKey fixedKey, std::u16string_view qualifiedName,
                               const meta::Type::Impl& base) noexcept {
@@ -54,7 +54,7 @@ struct ElementMaker {
  private:
   template <class Impl>
   static std::size_t prefixBytesOf() noexcept {
-    // A constant for the classes of every line, so that nothing is loaded for them.
+    // The size is a constant for classes with a fixed key, so their description is not read.
     if constexpr (requires { Impl::kClassKey; }) {
       return meta::Class::prefixBytes(Impl::kClassKey);
     } else {
@@ -65,9 +65,9 @@ struct ElementMaker {
   template <class Impl>
   static void dismantle(ModelElement::Impl& element,
                         ModelElement::DeferredReleases& releases) noexcept {
-    auto& ended = static_cast<Impl&>(element);
-    ended.releaseAll(releases);
-    ended.~Impl();
+    auto& impl = static_cast<Impl&>(element);
+    impl.releaseAll(releases);
+    impl.~Impl();
   }
 
   template <class Impl>

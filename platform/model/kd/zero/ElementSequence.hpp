@@ -11,8 +11,8 @@ namespace kd::zero {
 /// Sequence of elements of kind `T` (a handle class) that one element owns through one of its
 /// properties.
 ///
-/// Each place counts as a reference to its element. Elements that hold one another in a circle,
-/// which only sequences that do not contain their elements let them, never end.
+/// Each place counts as a reference to its element. Elements that refer to each other in a cycle
+/// are never destroyed; only sequences that do not contain their elements allow such a cycle.
 template <class T>
 class ElementSequence final : public ReferenceCollection {
  public:
@@ -21,15 +21,15 @@ class ElementSequence final : public ReferenceCollection {
   ElementSequence(ModelElement::Impl* const& collectionOwner, meta::PropertyKey property) noexcept
       : ReferenceCollection(collectionOwner, property) {}
 
-  /// Appends `element`, with a reference of the sequence's own.
+  /// Appends `element`; the sequence shares it.
   ///
-  /// An empty handle is ignored, and so is an element that is in a unique sequence already.
-  /// A sequence that is composite, or whose opposite is the container, contains its elements: one
-  /// that belonged to another owner leaves it. Throws Exception<ElementOfAnotherModel>,
-  /// Exception<ElementWithinItself> when the owner of a sequence that contains its elements is,
-  /// or is within, the element, and
-  /// Exception<CannotCastIncompatibleTypes> when the opposite property holds no element; the
-  /// sequence stays as it was.
+  /// Ignores an empty handle, and an element that is in a unique sequence already. A sequence that
+  /// is composite, or whose opposite is the container, contains its elements: an element that
+  /// another collection contained is removed from that one. Throws
+  /// Exception<ElementOfAnotherModel>; Exception<ElementWithinItself> when the owner of a sequence
+  /// that contains its elements is the element or is within it;
+  /// Exception<CannotCastIncompatibleTypes> when the value of the opposite property is not an
+  /// element. The sequence is unchanged in these cases.
   void add(T element) { append(std::move(element)); }
 
   const T& operator[](std::size_t index) const noexcept { return data()[index]; }
@@ -38,8 +38,9 @@ class ElementSequence final : public ReferenceCollection {
     if (index >= size()) throw std::out_of_range("no element at this index of the sequence");
     return data()[index];
   }
-  /// The handles, one behind the other; valid until the next append.
+  /// The handles as an array; valid until the next change of the sequence.
   const T* data() const noexcept {
+    // A handle consists of one pointer, so an array of pointers is read as an array of handles.
     static_assert(sizeof(T) == sizeof(ModelElement::Impl*));
     return reinterpret_cast<const T*>(places());
   }

@@ -12,9 +12,9 @@ class ChangeListener;
 
 /// Handle to a model: the container of all elements of one document.
 ///
-/// One pointer wide. The model lives as long as a handle to it or an element of it does.
-/// Default-made and moved-from handles are empty. Not thread-safe: one document is filled by
-/// one thread at a time.
+/// One pointer wide. The model exists as long as a handle to it or an element of it.
+/// Default-constructed and moved-from handles are empty. Not thread-safe: one thread at a time
+/// uses a model.
 class QUENLITH_MODEL_EXPORT Model {
  public:
   /// Returns a new model without elements.
@@ -38,19 +38,19 @@ class QUENLITH_MODEL_EXPORT Model {
   explicit operator bool() const noexcept { return storageOfModel != nullptr; }
   friend bool operator==(const Model&, const Model&) noexcept = default;
 
-  /// Borrows `listener`, which must outlive the model or be removed, and tells it of changes
-  /// from the next one on. A listener added twice is told twice.
+  /// Borrows `listener`, which must outlive the model or be removed, and notifies it of each later
+  /// change. A listener that is added twice is notified twice.
   void addListener(ChangeListener& listener) const;
-  /// Takes back one `addListener`; does nothing when there was none. A listener that was removed
-  /// is not told of a change that others are being told of.
+  /// Undoes one `addListener`; does nothing when there was none. May be called during a
+  /// notification: a listener that was removed is not notified of that change any more.
   void removeListener(ChangeListener& listener) const noexcept;
 
-  /// Number of collection operations opened so far, committed or not. It stays as it is when
-  /// an append is skipped or refused, so a host sees whether a call tried to change anything.
+  /// Number of collection operations started so far, committed or not. An append that is skipped
+  /// or rejected does not count, so a host can tell whether a call tried to change anything.
   std::uint64_t getNumberOfOperations() const noexcept { return storageOfModel->operations; }
 
-  /// Returns a text that names the first invariant of the model found broken, or null when all
-  /// hold; checks the storage, and the document of the model with all its nodes. Linear in the size
+  /// Returns a text that names the first invariant of the model found broken, or null if there is
+  /// none; checks the storage, and the document of the model with all its nodes. Linear in the size
   /// of the model, apart from one sort of its blocks. Throws std::bad_alloc.
   const char* findBrokenInvariant() const;
   /// Like it, but checks only `top`, which is not empty, and what can be reached from it: the cheap

@@ -20,8 +20,8 @@ class Verification;
 
 /// Handle to an element of a model: one pointer wide, counts its references.
 ///
-/// Copies refer to the same element, which lives as long as any handle refers to it. A
-/// default-made or moved-from handle is empty. Handles of one model are used by one thread
+/// Copies refer to the same element, which exists as long as any handle refers to it. A
+/// default-constructed or moved-from handle is empty. Handles of one model are used by one thread
 /// at a time: the count is a plain number.
 class QUENLITH_MODEL_EXPORT ModelElement {
  public:
@@ -43,7 +43,7 @@ class QUENLITH_MODEL_EXPORT ModelElement {
     handle.impl = element;
     return handle;
   }
-  /// Returns a handle with a reference of its own; null gives the empty handle.
+  /// Returns a new handle to `element` and counts its reference; null gives the empty handle.
   static ModelElement share(Impl* element) noexcept;
   /// Gives up the handle's reference to the caller, who must adopt it again.
   Impl* detach() noexcept { return std::exchange(impl, nullptr); }
@@ -77,20 +77,20 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   const meta::Class& getMetaClass() const noexcept;
   /// Tells whether the element is of `metaClass` or of a class derived from it.
   bool isKindOf(const meta::Class& metaClass) const noexcept;
-  /// Tells whether this stands for an element that is not loaded.
+  /// Tells whether this is a placeholder for an element that is not loaded.
   bool isProxy() const noexcept { return proxy; }
-  /// The element that this one belongs to, the empty handle while it is detached.
+  /// The element that contains this one; the empty handle while it is detached.
   ModelElement getContainer() const noexcept { return ModelElement::share(container); }
 
  protected:
-  /// Whether an element has anything outside its own block: other elements, rare parts, a long
-  /// text. One that has nothing ends by giving back its block.
+  /// Whether an element has anything outside its own block: other elements, rare parts, a separate
+  /// text. An element without such parts is destroyed by deallocating its block.
   enum class Parts : bool { kNone, kSome };
 
-  /// A new element has one reference, which its maker adopts.
+  /// A new element has one reference, which the caller adopts.
   explicit Impl(meta::ClassKey metaClass, Parts parts = Parts::kSome) noexcept;
   ~Impl() = default;
-  /// What a class of elements without collections and blocks has to verify: nothing.
+  /// The default for classes of elements without collections and blocks: nothing to verify.
   void verifyParts(Verification& /*verification*/) const noexcept {}
   void setProxy() noexcept { proxy = true; }
   void setHasParts() noexcept { hasParts = true; }
@@ -99,7 +99,7 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   /// at `objectEnd`. Returns false and changes nothing unless the block is the last one of its
   /// chunk and the chunk has the space. `sizeBytes` is at most 504.
   bool extendBlock(const void* objectEnd, std::size_t sizeBytes) noexcept;
-  /// How far the block was enlarged.
+  /// By how many bytes the block was enlarged.
   std::size_t extraBytes() const noexcept { return extraGranules * kExtraGranule; }
 
  private:
@@ -120,8 +120,11 @@ class QUENLITH_MODEL_EXPORT ModelElement::Impl {
   std::uint32_t references = 1;
   std::uint16_t containerProperty = 0;
   std::uint8_t classIndex : 7;
-  // False only for an element that never contained another. Not in the property's word: that is
-  // read soon after this is set, and a word that is written in part is slow to read.
+  // The header is packed into 16 bytes; docs/model.md has its layout.
+  //
+  // False only for an element that never contained another. Not a bit of containerProperty: that
+  // is read as a whole soon after this bit of the owner is set, and a load that spans an earlier,
+  // narrower store has to wait for it (a failed store-to-load forwarding).
   bool containsOthers : 1 = false;
   bool proxy : 1 = false;
   bool hasParts : 1;
@@ -143,8 +146,8 @@ inline void ModelElement::dropRef() const noexcept {
 }
 
 /// Gives a kind of element its typed handle: `Self` is the handle class, `Base` the handle of
-/// the kind that it is derived from. A handle of a derived kind converts to one of its base
-/// kind: from an lvalue with a reference more, from a temporary by taking its reference over.
+/// the kind that it is derived from. A handle of a derived kind converts to one of its base kind:
+/// an lvalue is copied and counts another reference, a temporary passes its reference on.
 template <class Self, class Base>
 class Handle : public Base {
  public:
@@ -156,7 +159,7 @@ class Handle : public Base {
   static Self share(ModelElement::Impl* element) noexcept {
     return adopt(ModelElement::share(element).detach());
   }
-  /// Returns a handle of this kind to the element, the empty handle when it is of another
+  /// Returns a handle of this kind to the element; the empty handle if the element is of another
   /// kind or `element` is empty.
   static Self castFrom(const ModelElement& element) noexcept {
     if (!element || !element->isKindOf(Self::Impl::classOf())) return Self();

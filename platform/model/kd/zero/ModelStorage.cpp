@@ -14,8 +14,8 @@ namespace kd::zero {
 
 namespace {
 
-/// Asks for large pages behind [`begin`, `begin` + `sizeBytes`) where that is large enough. Most
-/// of what filling a large model costs is otherwise the first touch of each small page.
+/// Asks the kernel to back [`begin`, `begin` + `sizeBytes`) with large pages where the range spans
+/// them. Otherwise most of the cost of filling a large model is the page fault of each small page.
 void useLargePages([[maybe_unused]] std::byte* begin, [[maybe_unused]] std::size_t sizeBytes) {
 #ifdef __linux__
   constexpr std::size_t kLargePage = std::size_t{2} * 1024 * 1024;
@@ -46,14 +46,14 @@ void ModelStorage::beginNextChunk() {
   std::byte* chunk = end;
   const auto left = static_cast<std::size_t>(slab.begin + slab.sizeBytes - chunk);
   *reinterpret_cast<ModelStorage**>(chunk) = this;
-  // NOLINTNEXTLINE(bugprone-sizeof-expression): what is skipped is the pointer just stored.
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): skips the pointer that was just stored.
   free = chunk + sizeof(ModelStorage*);
   end = chunk + std::min(left, kChunkAlignment);
   poison(free, static_cast<std::size_t>(end - free));
 }
 
 void ModelStorage::addSlab() {
-  // A sixteenth of what there is bounds what an unused end can waste.
+  // A sixteenth of the present size limits how much an unused end can waste.
   const std::size_t chunks = std::clamp<std::size_t>(chunksSoFar / 16, 1, kLargestSlabChunks);
   const std::size_t sizeBytes = chunks * kChunkAlignment - kAllocatorBytes;
   slabs.reserve(slabs.size() + 1);
@@ -69,7 +69,7 @@ bool ModelStorage::hasInChunk(const void* begin, std::size_t sizeBytes) const no
   const auto address = reinterpret_cast<std::uintptr_t>(begin);
   if (address % kGranule != 0) return false;
   const std::uintptr_t chunk = address & ~(kChunkAlignment - 1);
-  // The newest slab first: it has most of what is looked for right after it was made.
+  // The newest slab first: most lookups are for blocks that were allocated recently.
   for (auto slab = slabs.rbegin(); slab != slabs.rend(); ++slab) {
     const auto slabBegin = reinterpret_cast<std::uintptr_t>(slab->begin);
     const std::uintptr_t slabEnd = slabBegin + slab->sizeBytes;
@@ -99,7 +99,7 @@ void ModelStorage::verify(Verification& verification) const {
 
 namespace {
 
-/// Reads the link of a free block, which the address sanitizer takes for a use after the end.
+/// Reads the link of a free block, which the address sanitizer would report as a use after free.
 template <class Block>
 #if defined(__SANITIZE_ADDRESS__) || defined(__clang__)
 __attribute__((no_sanitize("address")))
@@ -113,7 +113,7 @@ nextOf(const Block* block) noexcept {
 
 void ModelStorage::verifyFreeBlocks(std::size_t granules, Verification& verification) const {
   const std::size_t sizeBytes = granules * kGranule;
-  // More blocks than there is space for would be a circle.
+  // If there are more blocks than there is space for, the list is a cycle.
   std::size_t left = chunksSoFar * kChunkAlignment / sizeBytes;
   const FreeBlock* block = freeBlocks[granules];
   while (block != nullptr && verification.getBroken() == nullptr) {

@@ -16,39 +16,40 @@ class ChangeListener;
 
 /// What one model owns: the storage of its elements and its listeners.
 ///
-/// Elements, short texts and small arrays stand one behind the other in chunks, in the order
-/// in which they are made; what is given back is used again by blocks of the same size. A
-/// chunk begins at a multiple of its size, so that an element's address leads to its model.
+/// Elements, short texts and small arrays are allocated one after the other in chunks, in the order
+/// in which they are created; a deallocated block is reused for a block of the same size. A chunk
+/// begins at a multiple of its size and with a pointer to the storage, so the address of an element
+/// leads to its model and no element needs a pointer to it.
 class QUENLITH_MODEL_EXPORT ModelStorage {
  public:
-  /// The storage that `element` lives in.
+  /// Returns the storage that `element` is in.
   static ModelStorage& of(const void* element) noexcept {
     // NOLINTNEXTLINE(performance-no-int-to-ptr): rounding an address down has no other form.
     return *(*reinterpret_cast<ModelStorage* const*>(reinterpret_cast<std::uintptr_t>(element) &
                                                      ~(kChunkAlignment - 1)));
   }
 
-  /// Makes storage with one reference of a model handle.
+  /// Creates storage with one reference, which the caller's model handle adopts.
   static ModelStorage* make() { return new ModelStorage; }
   ModelStorage(const ModelStorage&) = delete;
   ModelStorage& operator=(const ModelStorage&) = delete;
 
   void addHandle() noexcept { ++users; }
-  /// Ends the storage when neither handle nor element is left.
+  /// Destroys the storage with its last handle or element.
   void dropHandle() noexcept {
     if (--users == 0) destroy();
   }
 
-  /// Returns room for `sizeBytes` bytes, aligned to eight. Throws std::bad_alloc.
+  /// Returns a block of `sizeBytes` bytes, aligned to eight. Throws std::bad_alloc.
   void* allocate(std::size_t sizeBytes) {
     return sizeBytes > kLargestBlock ? ::operator new(sizeBytes) : allocateBlock(sizeBytes);
   }
-  /// Gives room back; `sizeBytes` as it was asked for.
-  void deallocate(void* room, std::size_t sizeBytes) noexcept {
+  /// Deallocates a block; `sizeBytes` is the size that was requested.
+  void deallocate(void* block, std::size_t sizeBytes) noexcept {
     if (sizeBytes > kLargestBlock) {
-      ::operator delete(room);
+      ::operator delete(block);
     } else {
-      deallocateBlock(room, sizeBytes);
+      deallocateBlock(block, sizeBytes);
     }
   }
   /// Like `allocate`, but for an element: its size must be at most kLargestBlock.
@@ -76,7 +77,7 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
   /// Borrowed, in the order in which they were added.
   std::vector<ChangeListener*> listeners;
 
-  /// Reports the chunks, the free blocks and the unused end of the current chunk.
+  /// Checks the chunks; reports the free blocks and the unused end of the current chunk.
   void verify(Verification& verification) const;
   /// Tells whether [`begin`, `begin` + `sizeBytes`) is aligned to eight and within what was taken
   /// from one chunk of this storage. Linear in the number of slabs.
@@ -90,8 +91,9 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
  private:
   static constexpr std::size_t kGranule = 8;
   static constexpr std::size_t kChunkAlignment = std::size_t{64} * 1024;
-  // Chunks are asked for in slabs, which grow with the model up to this many. A slab is a little
-  // short of whole chunks: the allocator's own data of the next one fits into what is left.
+  // Chunks are allocated in slabs, which grow with the model up to this many chunks. A slab is a
+  // little smaller than its chunks, so that the header which the allocator stores with the next one
+  // fits in between and the next slab needs no padding for its alignment.
   static constexpr std::size_t kLargestSlabChunks = 64;
   static constexpr std::size_t kAllocatorBytes = 64;
 
@@ -109,16 +111,17 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
     return (sizeBytes + granule - 1) & ~(granule - 1);
   }
   void* allocateBlock(std::size_t sizeBytes);
-  void deallocateBlock(void* room, std::size_t sizeBytes) noexcept;
+  void deallocateBlock(void* block, std::size_t sizeBytes) noexcept;
   void verifyFreeBlocks(std::size_t granules, Verification& verification) const;
   void beginNextChunk();
   void addSlab();
-  // Not inline: g++ 12 takes a `delete` that it sees in every handle's end for one that is reached.
+  // Not inline: g++ 12 would warn of a use after the `delete` that it sees in each handle's
+  // destructor.
   void destroy() noexcept;
 
   std::byte* free = nullptr;
   std::byte* end = nullptr;
-  // Handles and elements.
+  // Number of handles and elements.
   std::uint64_t users = 1;
   std::array<FreeBlock*, kLargestBlock / kGranule + 1> freeBlocks{};
   std::size_t chunksSoFar = 0;
@@ -141,11 +144,11 @@ inline void* ModelStorage::allocateBlock(std::size_t sizeBytes) {
   return block;
 }
 
-inline void ModelStorage::deallocateBlock(void* room, std::size_t sizeBytes) noexcept {
+inline void ModelStorage::deallocateBlock(void* block, std::size_t sizeBytes) noexcept {
   const std::size_t size = roundUp(sizeBytes, kGranule);
-  auto* block = static_cast<FreeBlock*>(room);
-  block->next = freeBlocks[size / kGranule];
-  freeBlocks[size / kGranule] = block;
+  auto* freeBlock = static_cast<FreeBlock*>(block);
+  freeBlock->next = freeBlocks[size / kGranule];
+  freeBlocks[size / kGranule] = freeBlock;
   poison(block, size);
 }
 

@@ -6,7 +6,7 @@
 
 namespace kd::zero {
 
-/// The record of one change to a collection, as listeners get it.
+/// The record of one change to a collection, which listeners receive.
 class QUENLITH_MODEL_EXPORT OCDChange {
  public:
   enum class Operation : std::int32_t {
@@ -17,8 +17,8 @@ class QUENLITH_MODEL_EXPORT OCDChange {
     kPrimitiveSequence = 0,
   };
 
-  OCDChange(CollectionType changedType, Operation changedBy) noexcept
-      : collectionType(changedType), operation(changedBy) {}
+  OCDChange(CollectionType collectionType, Operation operation) noexcept
+      : collectionType(collectionType), operation(operation) {}
   OCDChange(const OCDChange&) = delete;
   OCDChange& operator=(const OCDChange&) = delete;
   virtual ~OCDChange();

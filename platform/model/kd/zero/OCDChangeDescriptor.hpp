@@ -8,12 +8,12 @@
 
 namespace kd::zero {
 
-/// Describes a change that is about to be made; makes the records that listeners get.
+/// Describes a change that is about to be made; creates the records that listeners receive.
 class QUENLITH_MODEL_EXPORT OCDChangeDescriptor {
  public:
-  /// `index` is where the value will stand, zero-based.
-  OCDChangeDescriptor(OCDChange::Operation changedBy, std::int64_t changedIndex) noexcept
-      : operation(changedBy), index(changedIndex) {}
+  /// `index` is the zero-based index that the value will have.
+  OCDChangeDescriptor(OCDChange::Operation operation, std::int64_t index) noexcept
+      : operation(operation), index(index) {}
   OCDChangeDescriptor(const OCDChangeDescriptor&) = delete;
   OCDChangeDescriptor& operator=(const OCDChangeDescriptor&) = delete;
   virtual ~OCDChangeDescriptor();

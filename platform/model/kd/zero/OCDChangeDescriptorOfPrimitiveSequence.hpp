@@ -13,10 +13,10 @@ namespace kd::zero {
 template <class T>
 class OCDChangeDescriptorOfPrimitiveSequence final : public OCDChangeDescriptor {
  public:
-  /// Borrows `changedValue`, which may be null, for the life of the descriptor.
-  OCDChangeDescriptorOfPrimitiveSequence(OCDChange::Operation changedBy, std::int64_t changedIndex,
-                                         const T* changedValue) noexcept
-      : OCDChangeDescriptor(changedBy, changedIndex), value(changedValue) {}
+  /// Borrows `value`, which may be null, for the life of the descriptor.
+  OCDChangeDescriptorOfPrimitiveSequence(OCDChange::Operation operation, std::int64_t index,
+                                         const T* value) noexcept
+      : OCDChangeDescriptor(operation, index), value(value) {}
   ~OCDChangeDescriptorOfPrimitiveSequence() override = default;
 
   std::unique_ptr<OCDChange> makeChange() const override {

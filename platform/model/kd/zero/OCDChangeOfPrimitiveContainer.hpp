@@ -11,12 +11,12 @@ namespace kd::zero {
 template <class T>
 class OCDChangeOfPrimitiveContainer : public OCDChange {
  public:
-  OCDChangeOfPrimitiveContainer(CollectionType changedType, Operation changedBy,
-                                std::optional<T> changedValue)
-      : OCDChange(changedType, changedBy), value(std::move(changedValue)) {}
+  OCDChangeOfPrimitiveContainer(CollectionType collectionType, Operation operation,
+                                std::optional<T> value)
+      : OCDChange(collectionType, operation), value(std::move(value)) {}
   ~OCDChangeOfPrimitiveContainer() override = default;
 
-  /// The value that the change is about; absent when the change has none.
+  /// The value that is appended; absent if the change has no value.
   const std::optional<T>& getValue() const noexcept { return value; }
 
  private:

@@ -12,14 +12,14 @@ namespace kd::zero {
 template <class T>
 class OCDChangeOfPrimitiveSequence : public OCDChangeOfPrimitiveContainer<T> {
  public:
-  OCDChangeOfPrimitiveSequence(OCDChange::Operation changedBy, std::optional<T> changedValue,
-                               std::int64_t changedIndex)
-      : OCDChangeOfPrimitiveContainer<T>(OCDChange::CollectionType::kPrimitiveSequence, changedBy,
-                                         std::move(changedValue)),
-        index(changedIndex) {}
+  OCDChangeOfPrimitiveSequence(OCDChange::Operation operation, std::optional<T> value,
+                               std::int64_t index)
+      : OCDChangeOfPrimitiveContainer<T>(OCDChange::CollectionType::kPrimitiveSequence, operation,
+                                         std::move(value)),
+        index(index) {}
   ~OCDChangeOfPrimitiveSequence() override = default;
 
-  /// Where the value stands after the change, zero-based.
+  /// The zero-based index of the value after the change.
   std::int64_t getIndex() const noexcept { return index; }
 
  private:

@@ -2,8 +2,9 @@
 
 #include <cstddef>
 
-// Under the address sanitizer, room that is given back or not handed out yet is marked, so
-// that a use of an element after its end is reported although its chunk lives on.
+// In builds with the address sanitizer, memory of a chunk that is not in use is poisoned. The
+// sanitizer then reports a use of an element after it was destroyed, although its chunk is still
+// allocated.
 #if defined(__SANITIZE_ADDRESS__)
 #define QUENLITH_MODEL_POISONS 1
 #elif defined(__has_feature)
@@ -18,15 +19,16 @@
 
 namespace kd::zero {
 
-inline void poison([[maybe_unused]] void* room, [[maybe_unused]] std::size_t sizeBytes) noexcept {
+inline void poison([[maybe_unused]] void* begin, [[maybe_unused]] std::size_t sizeBytes) noexcept {
 #ifdef QUENLITH_MODEL_POISONS
-  ASAN_POISON_MEMORY_REGION(room, sizeBytes);
+  ASAN_POISON_MEMORY_REGION(begin, sizeBytes);
 #endif
 }
 
-inline void unpoison([[maybe_unused]] void* room, [[maybe_unused]] std::size_t sizeBytes) noexcept {
+inline void unpoison([[maybe_unused]] void* begin,
+                     [[maybe_unused]] std::size_t sizeBytes) noexcept {
 #ifdef QUENLITH_MODEL_POISONS
-  ASAN_UNPOISON_MEMORY_REGION(room, sizeBytes);
+  ASAN_UNPOISON_MEMORY_REGION(begin, sizeBytes);
 #endif
 }
 

@@ -4,7 +4,7 @@
 
 namespace kd::zero {
 
-/// A collection of plain values, of whatever type.
+/// Base of the collections of plain values of any type.
 class QUENLITH_MODEL_EXPORT PrimitiveCollection : public AbstractOwnedCollection {
  protected:
   PrimitiveCollection(const ModelElement::Impl& collectionOwner,
@@ -18,7 +18,7 @@ class QUENLITH_MODEL_EXPORT PrimitiveCollection : public AbstractOwnedCollection
  private:
   friend class AbstractOwnedCollection::Operation;
 
-  /// Drops the values from `newCount` on.
+  /// Removes the values from index `newCount` on.
   virtual void truncate(std::size_t newCount) noexcept = 0;
 };
 

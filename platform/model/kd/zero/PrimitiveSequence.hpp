@@ -16,8 +16,8 @@ namespace kd::zero {
 
 /// Sequence of plain values that one element owns through one of its properties.
 ///
-/// `T` is compared with ==; a hash that agrees with it, in std::hash<T>, keeps appending to a
-/// large unique sequence at constant cost.
+/// Compares values with ==. If there is a std::hash<T>, which must agree with ==, appending to a
+/// large unique sequence takes constant time on average; otherwise it takes linear time.
 template <class T>
 class PrimitiveSequence final : public PrimitiveCollection {
  public:
@@ -29,9 +29,9 @@ class PrimitiveSequence final : public PrimitiveCollection {
 
   /// Appends a copy of `value`, unless the sequence is unique and an equal value is in it.
   ///
-  /// The listeners of the model are told once, before the value is stored. When one of them, or
-  /// the copy, throws, the sequence is unchanged; so it is when std::length_error is thrown, for
-  /// the 2^32nd value.
+  /// Notifies the listeners of the model once, before the value is stored. Throws what a listener
+  /// or the copy constructor throws, and std::length_error for the 2^32nd value; the sequence is
+  /// unchanged in these cases.
   void add(const T& value) {
     if (isUnique() && contains(value)) return;
     if (values.size() == std::numeric_limits<std::uint32_t>::max()) {
@@ -77,7 +77,7 @@ class PrimitiveSequence final : public PrimitiveCollection {
 
  private:
   static constexpr bool kHashable = requires(const T& value) { std::hash<T>{}(value); };
-  // Below this, comparing is cheaper than hashing, and most sequences hold one value.
+  // Below this size, comparing is cheaper than hashing. Most sequences have one value.
   static constexpr std::size_t kHashedFrom = 16;
 
   void store(const T& value) {
@@ -103,15 +103,15 @@ class PrimitiveSequence final : public PrimitiveCollection {
   }
 
   void truncate(std::size_t newCount) noexcept override {
-    // The places of the values that go are found only by hashing them, which may fail. When none
-    // was entered yet, what there is holds.
+    // The entries of the removed values can be found only by hashing the values, which may throw.
+    // So drop the whole index, unless it does not have the removed values yet.
     if (places.size() != newCount) places.clear();
     values.erase(values.begin() + static_cast<std::ptrdiff_t>(newCount), values.end());
     count = static_cast<std::uint32_t>(newCount);
   }
 
   std::vector<T> values;
-  /// From the hash of a value to its index; empty or whole.
+  /// Maps the hash of a value to its index; empty, or has every value.
   std::unordered_multimap<std::size_t, std::size_t> places;
 };
 

@@ -44,7 +44,7 @@ inline void ReferenceCollection::checkCompatibleModel(const ModelElement::Impl& 
 }
 
 inline void ReferenceCollection::checkNoCycle(const ModelElement::Impl& element) const {
-  // Only what contains others can be above the owner, and most elements do not yet.
+  // Only an element that contains others can contain the owner; most elements do not yet.
   if (!Containment::mayContainOthers(element) && &element != &owner()) return;
   const bool contains = isComposite() || (getOpposite() != nullptr && getOpposite()->isContainer());
   if (!contains) return;
@@ -129,7 +129,7 @@ void ReferenceCollection::truncate(std::size_t newCount) noexcept {
   while (size() > newCount) {
     ModelElement last = ModelElement::adopt(places()[count - 1]);
     --count;
-    // In a collection that is not unique an earlier place may still hold it.
+    // A collection that is not unique may still have the element in an earlier place.
     const bool gone =
         isUnique() || std::find(places(), places() + size(), last.get()) == places() + size();
     if (gone) Containment::clear(*last.get(), owner(), propertyIndex);

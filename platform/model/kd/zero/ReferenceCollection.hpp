@@ -13,13 +13,13 @@
 
 namespace kd::zero {
 
-/// A collection of references to elements, of whatever kind.
+/// Base of the collections of references to elements of any kind.
 ///
-/// One element stands in the collection itself, more of them in a block of the model's
-/// storage. Appending is constant on average however many there are.
+/// A first element is stored in the collection itself, several in a block of the model's storage.
+/// Appending takes amortized constant time.
 class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
  public:
-  /// Tells whether it owns its elements: an element is then in one such collection at most.
+  /// Tells whether it owns its elements: an element is in at most one composite collection.
   bool isComposite() const noexcept { return getCollectionProperty().isComposite(); }
   /// The property at the other end of a bidirectional reference, or null.
   const meta::Property* getOpposite() const noexcept {
@@ -28,10 +28,11 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
 
   /// Checks the collection, which is one of `holder`, and reports its elements.
   void verify(const ModelElement::Impl& holder, Verification& verification) const;
-  /// Tells whether `element` is in it. Cheap for an element that was appended lately.
+  /// Tells whether `element` is in it. Searches backwards, so a recently appended one is found
+  /// fast.
   bool isAmongLast(const ModelElement::Impl& element) const noexcept;
 
-  /// Drops all elements; for the destruction of the owner.
+  /// Drops the references to all elements; for the destruction of the owner.
   void releaseAll(ModelElement::DeferredReleases& releases) noexcept;
 
  protected:
@@ -65,14 +66,17 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
   using Identities = std::unordered_set<const ModelElement::Impl*>;
   struct BlockHead {
     std::size_t capacity;
-    /// The elements of a large unique collection that is asked by identity; else null.
+    /// The elements of a large unique collection that is searched by identity; otherwise null.
     Identities* identities;
   };
   static constexpr std::size_t kIdentitiesFrom = 16;
 
-  /// Does what `appendByRules` comes to for an element that was just made, when there is room
-  /// for it, and returns true; else does nothing. Most elements are appended so, and all that the
-  /// rules ask is then known from the element itself.
+  /// The fast path of `append`: does the same as `appendByRules` for an element without a container
+  /// when no block has to be allocated, and returns true. Most elements are appended this way; the
+  /// header of the element then answers what the rules ask.
+  ///
+  /// Otherwise returns false and changes neither the collection nor `element`; the owner may have
+  /// been marked as an element with parts, which only makes its destruction slower.
   bool appendDetached(ModelElement& element) noexcept;
   void appendByRules(ModelElement element);
   void checkCompatibleModel(const ModelElement::Impl& element) const;
@@ -111,8 +115,8 @@ inline bool ReferenceCollection::appendDetached(ModelElement& element) noexcept 
 
   ModelStorage& storage = ModelStorage::of(holder);
   if (&ModelStorage::of(added) != &storage) return false;
-  // From here on the holder counts as one that may contain others, so that this also tells when
-  // it is to be appended to itself.
+  // Set before the test of `added->hasParts`, so that the test does not miss an element that is
+  // appended to itself. An element without parts contains nothing, so it is not above the holder.
   holder->hasParts = true;
   if (added->hasParts && (added == holder || holder->container != nullptr)) return false;
 

@@ -8,9 +8,9 @@ namespace kd::zero {
 
 Value::Value(const meta::Type::Impl& type) noexcept : typeOfValue(&type) {}
 
-Value::Value(ModelElement::Impl* referred) noexcept
-    : typeOfValue(referred == nullptr ? &meta::Class::modelElement() : &referred->getMetaClass()),
-      element(referred) {}
+Value::Value(ModelElement::Impl* element) noexcept
+    : typeOfValue(element == nullptr ? &meta::Class::modelElement() : &element->getMetaClass()),
+      element(element) {}
 
 ModelElement::Impl* Value::toModelElement() const {
   using foundation::core::except::Exception;

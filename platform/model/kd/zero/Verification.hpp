@@ -15,11 +15,12 @@ namespace kd::zero {
 ///
 /// A class of elements takes part with `verifyParts(Verification&) const`, which calls `verify` of
 /// each of its collections, `addBlock` for each block that it took from the storage, and `expect`
-/// for invariants of its own. Elements wait in a list, so a run does not recurse, however deep the
+/// for its other invariants. Elements wait in a list, so a run does not recurse, however deep the
 /// tree is. Linear in the number of elements and places, apart from one sort of the blocks.
 class QUENLITH_MODEL_EXPORT Verification {
  public:
-  explicit Verification(const ModelStorage& verifiedStorage) noexcept : storage(verifiedStorage) {}
+  /// Borrows `storage` for the life of the run.
+  explicit Verification(const ModelStorage& storage) noexcept : storage(storage) {}
 
   /// Checks `top` and what can be reached from it, except elements that were checked before.
   void checkTree(const ModelElement::Impl& top);
@@ -54,7 +55,7 @@ class QUENLITH_MODEL_EXPORT Verification {
   const ModelStorage& storage;
   const char* broken = nullptr;
   std::vector<const ModelElement::Impl*> pending;
-  // From each element that was reached to the number of its places.
+  // Maps each element that was reached to the number of its places.
   std::unordered_map<const ModelElement::Impl*, std::uint32_t> places;
   std::vector<Block> blocks;
 };

@@ -8,10 +8,11 @@
 
 namespace kd0::messages {
 
-/// An element is to be added to a collection of another model.
+/// An element cannot be added to a collection of another model.
 class ElementOfAnotherModel : public TypeMessage {
  public:
-  explicit ElementOfAnotherModel(fl::i18n::ustring typeName) : TypeMessage(std::move(typeName)) {}
+  explicit ElementOfAnotherModel(fl::i18n::ustring qualifiedName)
+      : TypeMessage(std::move(qualifiedName)) {}
   std::string getKey() const { return "ElementOfAnotherModel"; }
   fl::i18n::ustring getText() const {
     return u"An element of type " + qualifiedName +

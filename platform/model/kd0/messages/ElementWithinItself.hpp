@@ -8,10 +8,11 @@
 
 namespace kd0::messages {
 
-/// An element is to be contained by itself or by an element within it.
+/// An element cannot be contained in itself or in an element within it.
 class ElementWithinItself : public TypeMessage {
  public:
-  explicit ElementWithinItself(fl::i18n::ustring typeName) : TypeMessage(std::move(typeName)) {}
+  explicit ElementWithinItself(fl::i18n::ustring qualifiedName)
+      : TypeMessage(std::move(qualifiedName)) {}
   std::string getKey() const { return "ElementWithinItself"; }
   fl::i18n::ustring getText() const {
     return u"An element of type " + qualifiedName + u" cannot be contained in itself.";

@@ -15,7 +15,7 @@ class TypeMessage {
   std::array<fl::i18n::ustring, 1> getArguments() const { return {qualifiedName}; }
 
  protected:
-  explicit TypeMessage(fl::i18n::ustring typeName) : qualifiedName(std::move(typeName)) {}
+  explicit TypeMessage(fl::i18n::ustring qualifiedName) : qualifiedName(std::move(qualifiedName)) {}
 
   fl::i18n::ustring qualifiedName;
 };

@@ -9,15 +9,17 @@
 
 namespace foundation::core::except {
 
-/// An exception of the host libraries: its message is told by a catalog and a key.
+/// An exception of the host libraries, whose message is identified by a catalog and a key.
 ///
 /// `Message` has `getCatalog()`, `getKey()`, `getArguments()` and `getText()`; `StandardBase`
 /// is the standard exception that it can be caught as.
 template <class Message, class StandardBase>
 class Exception : public IMsgIDException, public IUserException, public StandardBase {
  public:
-  explicit Exception(Message thrown)
-      : message(std::move(thrown)), narrowText(fl::i18n::ustring_to_utf8(message.getText())) {}
+  explicit Exception(Message message)
+      : message(std::move(message)),
+        // The member: the parameter was moved from.
+        narrowText(fl::i18n::ustring_to_utf8(this->message.getText())) {}
 
   const Message& getMessage() const noexcept { return message; }
   /// The message in UTF-8.

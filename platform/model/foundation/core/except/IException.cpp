@@ -5,7 +5,8 @@
 
 namespace foundation::core::except {
 
-// Defined here so that an exception can be caught in another library than that which threw it.
+// Defined here so that each class has one type_info, and a library can catch what another one
+// throws.
 IException::~IException() = default;
 IUserException::~IUserException() = default;
 IMsgIDException::~IMsgIDException() = default;

@@ -7,7 +7,7 @@
 
 namespace foundation::core::except {
 
-/// What every exception of the host libraries can be caught as.
+/// The base of all exceptions of the host libraries.
 class QUENLITH_MODEL_EXPORT IException {
  public:
   virtual ~IException();

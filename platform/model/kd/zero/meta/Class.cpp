@@ -17,19 +17,19 @@ ClassKey Class::enter(const Class* entry) noexcept {
 Class::Class(std::u16string_view qualifiedName, const Type::Impl* base, std::size_t sizeBytes,
              Dismantle dismantle, Verify verify) noexcept
     : Type::Impl(qualifiedName, base),
-      size(sizeBytes),
-      dismantleElement(dismantle),
-      verifyElement(verify),
+      sizeBytes(sizeBytes),
+      dismantle(dismantle),
+      verify(verify),
       key(enter(this)) {}
 
-Class::Class(ClassKey fixedKey, std::u16string_view qualifiedName, const Type::Impl* base,
+Class::Class(ClassKey key, std::u16string_view qualifiedName, const Type::Impl* base,
              std::size_t sizeBytes, Dismantle dismantle, Verify verify) noexcept
     : Type::Impl(qualifiedName, base),
-      size(sizeBytes),
-      dismantleElement(dismantle),
-      verifyElement(verify),
-      key(fixedKey) {
-  table[fixedKey.index] = this;
+      sizeBytes(sizeBytes),
+      dismantle(dismantle),
+      verify(verify),
+      key(key) {
+  table[key.index] = this;
 }
 
 const Type::Impl& Class::modelElement() noexcept {

@@ -13,7 +13,7 @@ class Verification;
 
 namespace kd::zero::meta {
 
-/// What an element keeps of its class, in seven bits: its place in the table of classes, or
+/// What an element stores of its class, in seven bits: the index in the table of classes, or
 /// kNotInTable for a class that was described after the table was full.
 ///
 /// Seven bits keep the header of an element at 16 bytes. A block of a class outside the table
@@ -26,7 +26,7 @@ struct ClassKey {
 };
 
 /// Describes one class of model elements. There is one static object per class; it exists as long
-/// as the process. Descriptions may be made on several threads, by bundles that define classes.
+/// as the process. Bundles that define classes may create descriptions on several threads.
 class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
  public:
   /// DeferredReleases everything that an element refers to and runs its destructor; the caller
@@ -44,34 +44,34 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
         Dismantle dismantle = nullptr, Verify verify = nullptr) noexcept;
   /// Like it, with a fixed key below kFixedKeys that no other class has. A constant key makes the
   /// header of a new element a constant: one store instead of a load and two.
-  Class(ClassKey fixedKey, std::u16string_view qualifiedName, const Type::Impl* base,
+  Class(ClassKey key, std::u16string_view qualifiedName, const Type::Impl* base,
         std::size_t sizeBytes, Dismantle dismantle, Verify verify) noexcept;
 
   /// The type that every class of elements conforms to.
   static const Type::Impl& modelElement() noexcept;
 
   static constexpr std::size_t kFixedKeys = 4;
-  /// Returns the class at a place of the table, or null; kNotInTable gives null.
+  /// Returns the class at `index` of the table, or null; kNotInTable gives null.
   static const Class* at(std::uint8_t index) noexcept { return table[index]; }
 
-  // NOLINTNEXTLINE(google-explicit-constructor): a class is named wherever its key is wanted.
+  // NOLINTNEXTLINE(google-explicit-constructor): callers pass a class where a key is expected.
   operator ClassKey() const noexcept { return key; }
-  std::size_t getSizeBytes() const noexcept { return size; }
+  std::size_t getSizeBytes() const noexcept { return sizeBytes; }
   /// Size of what precedes an element in its block.
   std::size_t getPrefixBytes() const noexcept { return prefixBytes(key); }
   static constexpr std::size_t prefixBytes(ClassKey key) noexcept {
     return key.index == ClassKey::kNotInTable ? sizeof(const Class*) : 0;
   }
-  Dismantle getDismantle() const noexcept { return dismantleElement; }
-  Verify getVerify() const noexcept { return verifyElement; }
+  Dismantle getDismantle() const noexcept { return dismantle; }
+  Verify getVerify() const noexcept { return verify; }
 
  private:
   static std::array<const Class*, ClassKey::kNotInTable + 1> table;
   static ClassKey enter(const Class* entry) noexcept;
 
-  std::size_t size;
-  Dismantle dismantleElement;
-  Verify verifyElement;
+  std::size_t sizeBytes;
+  Dismantle dismantle;
+  Verify verify;
   ClassKey key;
 };
 

@@ -18,9 +18,9 @@ Property::Property(const Traits& traits) noexcept
   key.index = static_cast<std::uint16_t>(place);
 }
 
-Property::Property(PropertyKey fixedKey, const Traits& traits) noexcept
-    : propertyTraits(traits), key(fixedKey), inTable(true) {
-  table[fixedKey.index] = this;
+Property::Property(PropertyKey key, const Traits& traits) noexcept
+    : propertyTraits(traits), key(key), inTable(true) {
+  table[key.index] = this;
 }
 
 void Property::throwNotInTable() {

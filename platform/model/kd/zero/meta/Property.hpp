@@ -15,24 +15,24 @@ class ReferenceCollection;
 
 namespace kd::zero::meta {
 
-/// What a collection keeps of its property: its place in the table of properties, and whether it
-/// is unique with the link to the container as its opposite, as is usual.
+/// What a collection stores of its property: the index in the table of properties, and whether the
+/// property is unique and its opposite is the link to the container, which is the usual case.
 struct PropertyKey {
   std::uint16_t index;
   bool linksContainer;
 };
 
 /// Describes one property of a class of elements: a collection or a single value. There is one
-/// static object per property; it exists as long as the process. Descriptions may be made on
+/// static object per property; it exists as long as the process. Descriptions may be created on
 /// several threads.
 class QUENLITH_MODEL_EXPORT Property {
  public:
-  /// What a property is. Only the fields that its kind needs are set.
+  /// Describes a property. Only the fields that its kind needs are set.
   struct Traits {
     std::u16string_view name;
     /// It has any number of values; otherwise one.
     bool many = false;
-    /// No value is in the collection twice.
+    /// Appending skips a value that is in the collection already.
     bool unique = false;
     /// The collection owns its elements.
     bool composite = false;
@@ -53,23 +53,23 @@ class QUENLITH_MODEL_EXPORT Property {
   };
 
   /// Does not throw, so that a library with properties in static storage can always be loaded.
-  /// When kCapacity properties exist already, making a collection of this one throws.
+  /// When kCapacity properties exist already, creating a collection of this one throws.
   explicit Property(const Traits& traits) noexcept;
-  /// Like it, with a fixed key below kFixedKeys that no other property has, where new collections
-  /// of the property are to be constants. The key must agree with `traits`.
-  Property(PropertyKey fixedKey, const Traits& traits) noexcept;
+  /// Like it, with a fixed key below kFixedKeys that no other property has and that agrees with
+  /// `traits`. A constant key makes the header of a new collection a constant, which is one store.
+  Property(PropertyKey key, const Traits& traits) noexcept;
   Property(const Property&) = delete;
   Property& operator=(const Property&) = delete;
 
   static constexpr std::size_t kCapacity = 65536;
   static constexpr std::size_t kFixedKeys = 4;
   static const Property& at(std::uint16_t index) noexcept { return *table[index]; }
-  /// Tells whether there is a property at a place of the table.
+  /// Tells whether there is a property at `index` of the table.
   static bool isAt(std::uint16_t index) noexcept { return table[index] != nullptr; }
 
   std::uint16_t getIndex() const noexcept { return key.index; }
-  /// Throws std::length_error when kCapacity properties existed before this one was made.
-  // NOLINTNEXTLINE(google-explicit-constructor): a property is named wherever its key is wanted.
+  /// Throws std::length_error if kCapacity properties existed before this one was created.
+  // NOLINTNEXTLINE(google-explicit-constructor): callers pass a property where a key is expected.
   operator PropertyKey() const {
     if (!inTable) throwNotInTable();
     return key;

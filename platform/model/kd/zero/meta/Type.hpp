@@ -9,12 +9,12 @@ namespace kd::zero::meta {
 
 /// Names a type of the metamodel: a class of elements or a type of plain values.
 ///
-/// A one-pointer value over descriptions that live as long as the process.
+/// One pointer wide: refers to a description that exists as long as the process.
 class Type {
  public:
   class Impl;
 
-  explicit Type(const Impl& description) noexcept : impl(&description) {}
+  explicit Type(const Impl& impl) noexcept : impl(&impl) {}
   const Impl* get() const noexcept { return impl; }
   const Impl* operator->() const noexcept { return impl; }
   friend bool operator==(const Type&, const Type&) = default;
@@ -27,19 +27,19 @@ class QUENLITH_MODEL_EXPORT Type::Impl {
  public:
   /// `qualifiedName` is borrowed for the life of the process; `base` may be null.
   explicit Impl(std::u16string_view qualifiedName, const Impl* base = nullptr) noexcept
-      : name(qualifiedName), baseType(base) {}
+      : qualifiedName(qualifiedName), base(base) {}
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
 
-  fl::i18n::ustring getQualifiedName() const { return fl::i18n::ustring(name); }
+  fl::i18n::ustring getQualifiedName() const { return fl::i18n::ustring(qualifiedName); }
 
   /// Tells whether a value of this type can be used as one of `other`: it is that type or
   /// derived from it.
   bool conformsTo(const Impl& other) const noexcept;
 
  private:
-  std::u16string_view name;
-  const Impl* baseType;
+  std::u16string_view qualifiedName;
+  const Impl* base;
 };
 
 }  // namespace kd::zero::meta

@@ -24,7 +24,8 @@ class LiveTaskData {
   const ustring& getExecutionModel() const noexcept { return executionModel; }
   const ustring& getAutoRun() const noexcept { return autoRun; }
   const ustring& getCollapsed() const noexcept { return collapsed; }
-  /// Number of lines of code from the opening marker's to the closing one's, both counted.
+  /// Number of lines of code from the line of the opening marker to that of the closing one, both
+  /// included.
   std::uint16_t getNumCodeLines() const noexcept { return numCodeLines; }
 
   LiveTaskData& setTaskId(ustring value) noexcept {
