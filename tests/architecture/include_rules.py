@@ -44,7 +44,8 @@ JOINED_ROOMS = {
     "platform/cppmicroservices/cppmicroservices/detail": "platform/cppmicroservices/cppmicroservices",
     # A found marker's record contains the marker, and the scanner returns such records.
     "platform/markers/quenlith/build/markup/core": "platform/markers/quenlith/syntax",
-    # A class description creates elements, and an element has a class description.
+    # The functions of a class description take `ModelElement::Impl`, a nested class that cannot be declared
+    # ahead, and an element stores the key of its class description.
     "platform/model/kd/zero/meta": "platform/model/kd/zero",
 }
 # Folders named after a namespace that an interface fixes: the folder above says what the room is for.

@@ -1,4 +1,4 @@
-// Stands in for libFuzzer's main: gives every file of the folders named to the fuzz target.
+// Replaces libFuzzer's main: passes each file in the given folders to the fuzz target.
 
 #include <cstddef>
 #include <cstdint>

@@ -5,10 +5,10 @@
 
 namespace quenlith::fuzz {
 
-/// Ends the program when an invariant does not hold: the fuzzer then keeps the input.
+/// Aborts the program if an invariant is broken: the fuzzer then saves the input.
 inline void require(bool holds, const char* invariant) {
   if (!holds) {
-    std::fprintf(stderr, "does not hold: %s\n", invariant);
+    std::fprintf(stderr, "broken invariant: %s\n", invariant);
     std::abort();
   }
 }

@@ -22,7 +22,8 @@ std::string written(const Value& value, foundation::json::Form form) {
   return text;
 }
 
-// A value that was read is written in each form as JSON; the canonical one gives it back.
+// A parsed value is written as JSON in each form; parsing the canonical form returns an equal
+// value.
 void checkText(const ustring& text) {
   const auto read = foundation::json::parse(text);
   if (!read.value) {
@@ -31,7 +32,7 @@ void checkText(const ustring& text) {
   }
   const std::string canonical = written(*read.value, foundation::json::Form::kCanonical);
   const auto again = foundation::json::parse(fl::i18n::utf8_to_ustring(canonical));
-  require(again.value && *again.value == *read.value, "canonical text gives the value back");
+  require(again.value && *again.value == *read.value, "canonical text parses to an equal value");
   require(written(*again.value, foundation::json::Form::kCanonical) == canonical,
           "canonical text is stable");
   require(again.value->hash() == read.value->hash(), "equal values have equal hashes");

@@ -41,7 +41,7 @@ void checkScan(const ustring& text, bool anyElement) {
                 marker.getId() == twin[index].id && marker.getData() == twin[index].data,
             "each with its parts");
     const ustring canonical = marker.toString();
-    require(Marker(canonical) == marker, "canonical text gives the marker back");
+    require(Marker(canonical) == marker, "canonical text parses to an equal marker");
     require(Marker(canonical).toString() == canonical, "canonical text is stable");
     require(anyElement || quenlith::syntax::has_feature(text, marker.getElement()),
             "its element is found");

@@ -179,7 +179,7 @@ Box::Impl::~Impl() {
   --aliveBoxes;
 }
 
-void Box::Impl::letGo() noexcept {
+void Box::Impl::clearCollections() noexcept {
   kd::zero::ModelElement::DeferredReleases releases;
   releaseAll(releases);
 }

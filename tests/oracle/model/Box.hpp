@@ -8,14 +8,14 @@
 
 namespace quenlith::oracle {
 
-/// A plain value that nobody can hash.
+/// A plain value without a hash.
 struct Token {
   int number = 0;
 
   friend bool operator==(const Token&, const Token&) = default;
 };
 
-/// Handle to an element that has one collection of every sort.
+/// Handle to an element that has one collection of each kind.
 class Box : public kd::zero::Handle<Box, kd::zero::ModelElement> {
  public:
   class Impl;
@@ -26,14 +26,14 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
   using Boxes = kd::zero::ElementSequence<Box>;
 
   static const kd::zero::meta::Class& classOf();
-  /// Number of boxes that have not ended.
+  /// Number of boxes that are not destroyed.
   static std::size_t alive() noexcept;
 
   explicit Impl(bool isProxy);
 
-  /// Lets go of all boxes in all collections. Boxes that hold each other in a circle, which the
-  /// collections that contain nothing allow, never end without it.
-  void letGo() noexcept;
+  /// Drops the references to the boxes in all collections. Needed for boxes that refer to each
+  /// other in a cycle, which collections that do not contain their elements allow.
+  void clearCollections() noexcept;
 
   /// Neither unique nor composite, no opposite.
   Boxes plain;
@@ -47,13 +47,13 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
   Boxes kids;
   /// Unique; the opposite is `head`.
   Boxes peers;
-  /// Unique; the opposite holds something that is no element.
+  /// Unique; the value of the opposite is not an element.
   Boxes broken;
   kd::zero::PrimitiveSequence<Token> tokens;
   kd::zero::PrimitiveSequence<Token> uniqueTokens;
   kd::zero::PrimitiveSequence<failures::kdzero::ParserFailure> failures;
 
-  /// Borrowed: the box among whose peers this one was put last, or null.
+  /// Borrowed: the box to whose peers this one was added last, or null.
   Impl* head = nullptr;
 
  private:

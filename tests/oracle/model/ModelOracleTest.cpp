@@ -41,12 +41,11 @@ std::string showBox(const BoxRecord& box) {
 /// The twin and the real model, given the same operations.
 class ModelPair {
  public:
-  ModelPair(Random& randomNumbers, Tally& attemptTally)
-      : random(randomNumbers), tally(attemptTally) {
+  ModelPair(Random& random, Tally& tally) : random(random), tally(tally) {
     for (int i = 0; i < 3; ++i) addBox(false, false);
   }
 
-  /// Carries out one random operation. Returns false when it came out differently.
+  /// Carries out one random operation. Returns false if the outcomes differ.
   bool step() {
     const std::size_t choice = random.below(100);
     if (choice < 8) {
@@ -134,7 +133,7 @@ class ModelPair {
     return same("failure", twin.appendFailure(owner, failure), real.appendFailure(owner, failure));
   }
 
-  // Only new boxes: what an older one belonged to before is not given back to it.
+  // Only new boxes: a rollback does not move an older box back to its previous container.
   bool withoutCommit() {
     const std::size_t owner = random.below(2);
     constexpr std::array<BoxList, 5> kLists = {BoxList::kPlain, BoxList::kUnique, BoxList::kOwned,
@@ -231,11 +230,11 @@ bool runCase(const RunSettings& settings, std::size_t number, Tally& tally) {
   if (!compare(settings, number, tally)) return false;
   if (Box::Impl::alive() == 0) return true;
   ADD_FAILURE() << settings.repeatHint(number) << ": " << Box::Impl::alive()
-                << " boxes that nobody refers to have not ended";
+                << " boxes without references are not destroyed";
   return false;
 }
 
-TEST(ModelOracle, RandomAppendsComeOutAsTheTwinHasThem) {
+TEST(ModelOracle, RandomAppendsHaveTheSameResultsAsTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kCases);
   Tally tally;
   for (const char* name : kAttempts) tally.addRow(name, kLeast);

@@ -19,20 +19,20 @@ enum class ValueList { kTokens, kUniqueTokens, kFailures, kCount };
 
 constexpr std::size_t kBoxLists = static_cast<std::size_t>(BoxList::kCount);
 
-/// What one attempt to change a collection came to.
+/// The outcome of one attempt to change a collection.
 enum class Attempt { kAppended, kSkipped, kForeign, kCycle, kNoElement, kListenerThrew };
 
-/// What a listener was told.
+/// One notification of a listener.
 struct ToldChange {
   int operation = 0;
   std::int64_t index = 0;
-  /// The size of the collection when the listener was told.
+  /// The size of the collection at the time of the notification.
   std::size_t sizeBefore = 0;
 
   friend bool operator==(const ToldChange&, const ToldChange&) = default;
 };
 
-/// One box on plain vectors. Boxes are named by their number.
+/// The content of one box in plain vectors. Boxes are identified by their number.
 struct BoxRecord {
   bool isProxy = false;
   bool isForeign = false;
@@ -45,7 +45,7 @@ struct BoxRecord {
   std::vector<failures::kdzero::ParserFailure> failures;
 };
 
-/// The literal twin of appending to the collections of a model, on plain vectors.
+/// The rules of appending to the collections of a model, implemented literally on plain vectors.
 class ModelTwin {
  public:
   std::size_t addBox(bool isProxy, bool isForeign);
@@ -55,7 +55,7 @@ class ModelTwin {
   Attempt appendToken(std::size_t owner, ValueList list, int token);
   Attempt appendFailure(std::size_t owner, const failures::kdzero::ParserFailure& failure);
 
-  /// Opens an operation on a list and drops it again, uncommitted, after `appends`.
+  /// Starts an operation on a list, calls `appends`, and ends the operation without a commit.
   void withoutCommit(std::size_t owner, BoxList list, const std::function<void()>& appends);
 
   std::vector<BoxRecord> boxes;

@@ -74,7 +74,7 @@ RealModel::RealModel() : own(kd::zero::Model::create()), foreign(kd::zero::Model
 RealModel::~RealModel() {
   own.removeListener(*this);
   foreign.removeListener(*this);
-  for (const Box& box : boxes) box->letGo();
+  for (const Box& box : boxes) box->clearCollections();
 }
 
 void RealModel::addBox(bool isProxy, bool isForeign) {

@@ -19,7 +19,7 @@ class Box : public kd::zero::Handle<Box, kd::zero::ModelElement> {
   class Impl;
 };
 
-/// Whether a box stands for an element that is not loaded.
+/// Whether a box is a placeholder for an element that is not loaded.
 enum class Loaded : bool { kNo, kYes };
 
 class Box::Impl final : public kd::zero::ModelElement::Impl {
@@ -44,7 +44,7 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
   Boxes linked;
   /// Unique, with the many-valued opposite `admirers`.
   Boxes admired;
-  /// Unique, with an opposite that holds a number.
+  /// Unique, with an opposite whose value is a number.
   Boxes misread;
   /// Unique, with an opposite that refuses to be set.
   Boxes refused;
@@ -56,9 +56,9 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
 
   kd::zero::ModelElement::Impl* holder = nullptr;
   std::vector<const kd::zero::ModelElement::Impl*> admirers;
-  /// How many boxes its latest admirer had in `admired` when this one was told of it.
+  /// Number of boxes in `admired` of the latest admirer when the opposite of this box was set.
   std::uint32_t admiredWhenTold = 0;
-  /// It throws when it is told of an admirer.
+  /// Whether setting the opposite of this box throws.
   bool refusesAdmirers = false;
 
  private:
@@ -72,7 +72,7 @@ class Box::Impl final : public kd::zero::ModelElement::Impl {
 
 Box makeBox(const kd::zero::Model& model, Loaded loaded = Loaded::kYes);
 
-/// Number of boxes that have not ended.
+/// Number of boxes that are not destroyed.
 int liveBoxes();
 
 /// How many times the opposite `holder` of a box was read so far.

@@ -20,7 +20,7 @@ using kd::zero::meta::ClassKey;
 using kd::zero::meta::Property;
 using kd::zero::meta::PropertyKey;
 
-// Descriptions exist as long as the process, so this is a program of its own.
+// Descriptions exist as long as the process, so this is a separate program.
 
 /// Handle to an element of a class that was described after very many others.
 class LateElement : public kd::zero::Handle<LateElement, ModelElement> {

@@ -17,10 +17,10 @@ using kd::zero::OCDChange;
 using quenlith::test::Box;
 using quenlith::test::makeBox;
 
-/// Writes its name down whenever it is told, then does what it was given to do.
+/// Appends its name to a string at each notification, then calls its action.
 class Listener final : public kd::zero::ChangeListener {
  public:
-  Listener(std::string& toldNames, char ownName) : told(toldNames), name(ownName) {}
+  Listener(std::string& told, char name) : told(told), name(name) {}
   void modifying(const AbstractOwnedCollection&, std::unique_ptr<OCDChange>) override {
     told += name;
     if (action) action();
@@ -34,7 +34,7 @@ class Listener final : public kd::zero::ChangeListener {
 
 class ChangeListener : public testing::Test {
  protected:
-  /// Appends a word and returns the names of those that were told.
+  /// Appends a word and returns the names of the listeners that were notified.
   std::string toldOfAnAppend() {
     told.clear();
     owner->words.add("word");

@@ -431,7 +431,7 @@ TEST_F(ElementSequence, ThatContainsNothingMayReferToWhatItsOwnerIsWithin) {
 
 // Limits.
 
-/// A sequence that can be told to be full.
+/// A sequence whose size can be set to the limit.
 class Fillable : public kd::zero::ReferenceCollection {
  public:
   Fillable(kd::zero::ModelElement::Impl* const& place, const kd::zero::meta::Property& property)

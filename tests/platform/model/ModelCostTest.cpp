@@ -98,7 +98,7 @@ TEST(ModelCost, OfADeepTreeIsLinear) {
     LineNode inner = root;
     for (std::size_t i = 0; i < n; ++i) {
       LineNode next = builder.createLineNode(kNil);
-      // What an element has beside others of its own tells nothing of circles.
+      // A node with an anchor has parts but no children: appending it must not search for a cycle.
       next->setAnchorId(u"anchor");
       inner->getChildrenMutable().add(next);
       inner = next;

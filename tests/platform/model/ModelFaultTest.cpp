@@ -35,7 +35,7 @@ using tessera::contentmodel::kdzero::LiveTaskData;
 
 constexpr boost::uuids::uuid kNil{};
 constexpr boost::uuids::uuid kSome{{1}};
-// Too long for a string or a vector to hold in itself.
+// Too long for the small-string buffer.
 const std::u16string kLong(300, u'x');
 constexpr int kManyElements = 100;
 

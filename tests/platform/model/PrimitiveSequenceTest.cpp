@@ -25,7 +25,7 @@ using quenlith::test::UnhashedNumber;
 
 struct Veto {};
 
-/// Keeps what it is told, and the size that the collection had then.
+/// Records each notification and the size of the collection at that time.
 class Witness final : public ChangeListener {
  public:
   void modifying(const AbstractOwnedCollection& collection,

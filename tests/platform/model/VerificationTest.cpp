@@ -27,7 +27,7 @@ using quenlith::test::makeBox;
 
 constexpr boost::uuids::uuid kNil{};
 
-/// Overwrites bytes of an object for the life of this one.
+/// Overwrites bytes of an object; the destructor restores them.
 class Corruption {
  public:
   template <class T>
@@ -54,7 +54,7 @@ constexpr std::size_t kCount = 0;
 constexpr std::size_t kProperty = 4;
 constexpr std::size_t kPlaces = 8;
 
-/// A document with every sort of block: separate texts, collections with blocks, rare parts, and
+/// A document with each kind of block: separate texts, collections with blocks, rare parts, and
 /// free blocks.
 class Verify : public testing::Test {
  protected:
@@ -100,7 +100,7 @@ class Verify : public testing::Test {
   PlainTextNode text;
 };
 
-TEST_F(Verify, FindsNothingInADocumentOfEverySort) {
+TEST_F(Verify, FindsNothingInADocumentWithEachKindOfBlock) {
   EXPECT_TRUE(model.verify());
   EXPECT_TRUE(model.verify(line));
   EXPECT_TRUE(model.verify(makeLine(2)));
@@ -208,7 +208,7 @@ TEST_F(Verify, FindsAFreeBlockThatIsInUse) {
   EXPECT_EQ(model.storage().allocate(sizeBytes), units);
 }
 
-TEST_F(Verify, FindsAListOfFreeBlocksThatIsACircle) {
+TEST_F(Verify, FindsACycleOfFreeBlocks) {
   void* first = model.storage().allocate(480);
   void* second = model.storage().allocate(480);
   model.storage().deallocate(first, 480);
@@ -218,7 +218,7 @@ TEST_F(Verify, FindsAListOfFreeBlocksThatIsACircle) {
   EXPECT_EQ(model.storage().allocate(480), first);
   EXPECT_EQ(model.storage().allocate(480), second);
   EXPECT_EQ(model.storage().allocate(480), first);
-  // The list is a circle still: make it end.
+  // The list is still a cycle: terminate it.
   std::memset(first, 0, sizeof(void*));
   EXPECT_EQ(model.storage().allocate(480), second);
   EXPECT_EQ(model.storage().allocate(480), first);
