@@ -31,7 +31,7 @@ namespace {
 /// Returns whether `line` contains neither "@" nor "\\", and so neither a marker nor an escaped
 /// leader. Most lines do not.
 bool containsOnlyText(const ustring& line) noexcept {
-  return fl::i18n::findAny<u'@', u'\\'>(line) == line.size();
+  return !fl::i18n::containsAny<u'@', u'\\'>(line);
 }
 
 /// Returns whether `line` may contain a "%%\\".
@@ -149,6 +149,20 @@ void LineParser::appendOwned(const LineSegment& segment) {
   lineNode->getChildrenMutable().add(accepting->parse(model, element));
 }
 
+/// Parses a line that may contain markers into `lineNode`.
+///
+/// Not inlined: the stack frame of a LineParser would otherwise be set up for every plain line too.
+[[gnu::noinline]] void parseMarkedLine(const kd::zero::Model& model, const LineNode& lineNode,
+                                       const ParserLists& parsers, const ustring& line,
+                                       ParseResult& result) {
+  LineParser parser(model, lineNode, parsers, result);
+  if (mayContainEscapedLeader(line)) {
+    parser.parse(normaliseLine(line));
+  } else {
+    parser.parse(line);
+  }
+}
+
 }  // namespace
 
 LineNode parseLineNode(const kd::zero::Model& model, const ParserLists& parsers,
@@ -156,10 +170,8 @@ LineNode parseLineNode(const kd::zero::Model& model, const ParserLists& parsers,
   LineNode lineNode = LineNode::Builder(model).createLineNode(boost::uuids::uuid{});
   if (containsOnlyText(line)) {
     lineNode->getChildrenMutable().add(parsers.parsePlainText(model, line));
-  } else if (mayContainEscapedLeader(line)) {
-    LineParser(model, lineNode, parsers, result).parse(normaliseLine(line));
   } else {
-    LineParser(model, lineNode, parsers, result).parse(line);
+    parseMarkedLine(model, lineNode, parsers, line, result);
   }
   return lineNode;
 }
