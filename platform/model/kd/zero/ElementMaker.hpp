@@ -22,7 +22,7 @@ struct ElementMaker {
   template <class K, class... Arguments>
   static K make(ModelStorage& storage, Arguments&&... arguments) {
     using Impl = typename K::Impl;
-    static_assert(sizeof(Impl) + sizeof(const meta::Class*) <= ModelStorage::kLargestBlock &&
+    static_assert(sizeof(Impl) + meta::Class::kPrefixBytes <= ModelStorage::kLargestBlock &&
                   alignof(Impl) <= 8);
     const std::size_t prefixBytes = prefixBytesOf<Impl>();
     const std::size_t sizeBytes = prefixBytes + sizeof(Impl);

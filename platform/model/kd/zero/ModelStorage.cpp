@@ -47,7 +47,7 @@ void ModelStorage::beginNextChunk() {
   const auto left = static_cast<std::size_t>(slab.begin + slab.sizeBytes - chunk);
   *reinterpret_cast<ModelStorage**>(chunk) = this;
   // NOLINTNEXTLINE(bugprone-sizeof-expression): skips the pointer that was just stored.
-  free = chunk + sizeof(ModelStorage*);
+  free = chunk + kChunkHeaderBytes;
   end = chunk + std::min(left, kChunkAlignment);
   poison(free, static_cast<std::size_t>(end - free));
 }
@@ -77,7 +77,7 @@ bool ModelStorage::hasInChunk(const void* begin, std::size_t sizeBytes) const no
     const bool current = chunk == (reinterpret_cast<std::uintptr_t>(free) & ~(kChunkAlignment - 1));
     const std::uintptr_t usedEnd = current ? reinterpret_cast<std::uintptr_t>(end)
                                            : std::min(chunk + kChunkAlignment, slabEnd);
-    return address >= chunk + sizeof(ModelStorage*) && sizeBytes <= usedEnd - address;
+    return address >= chunk + kChunkHeaderBytes && sizeBytes <= usedEnd - address;
   }
   return false;
 }

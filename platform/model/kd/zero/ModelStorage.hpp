@@ -91,6 +91,8 @@ class QUENLITH_MODEL_EXPORT ModelStorage {
  private:
   static constexpr std::size_t kGranule = 8;
   static constexpr std::size_t kChunkAlignment = std::size_t{64} * 1024;
+  // A chunk begins with the pointer to its storage.
+  static constexpr std::size_t kChunkHeaderBytes = sizeof(void*);
   // Chunks are allocated in slabs, which grow with the model up to this many chunks. A slab is a
   // little smaller than its chunks, so that the header which the allocator stores with the next one
   // fits in between and the next slab needs no padding for its alignment.

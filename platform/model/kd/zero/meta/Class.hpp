@@ -57,10 +57,12 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
   // NOLINTNEXTLINE(google-explicit-constructor): callers pass a class where a key is expected.
   operator ClassKey() const noexcept { return key; }
   std::size_t getSizeBytes() const noexcept { return sizeBytes; }
+  /// Size of the pointer to its class that precedes an element whose class is not in the table.
+  static constexpr std::size_t kPrefixBytes = sizeof(void*);
   /// Size of what precedes an element in its block.
   std::size_t getPrefixBytes() const noexcept { return prefixBytes(key); }
   static constexpr std::size_t prefixBytes(ClassKey key) noexcept {
-    return key.index == ClassKey::kNotInTable ? sizeof(const Class*) : 0;
+    return key.index == ClassKey::kNotInTable ? kPrefixBytes : 0;
   }
   Dismantle getDismantle() const noexcept { return dismantle; }
   Verify getVerify() const noexcept { return verify; }
