@@ -160,6 +160,7 @@ TEST_F(DocumentModelContract, AHandleIsEmptyWhenDefaultConstructedOrMovedFrom) {
   LineNode assigned;
   assigned = std::move(moved);
   EXPECT_TRUE(assigned);
+  // NOLINTNEXTLINE(bugprone-use-after-move): the state that a move leaves is what is tested
   EXPECT_FALSE(moved);
 }
 

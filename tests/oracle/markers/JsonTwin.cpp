@@ -85,6 +85,8 @@ class Stream {
     positions.push_back(from);
   }
 
+  // NOLINTBEGIN(readability-identifier-naming): the names are those that RapidJSON calls.
+
   // A U+0000 is not part of any JSON text, so it can end one.
   Ch Peek() const { return at < units.size() ? units[at] : u'\0'; }
   Ch Take() {
@@ -111,6 +113,7 @@ class Stream {
   static Ch* PutBegin() { return nullptr; }
   static void Put(Ch) {}
   static std::size_t PutEnd(Ch*) { return 0; }
+  // NOLINTEND(readability-identifier-naming)
 
  private:
   void add(char16_t unit, std::size_t position) {
@@ -130,6 +133,7 @@ class Handler {
 
   Handler(const Stream& stream, std::size_t depthLimit) : stream(stream), depthLimit(depthLimit) {}
 
+  // NOLINTBEGIN(readability-identifier-naming): the names are those that RapidJSON calls.
   bool Null() { return place(foundation::json::Null()); }
   bool Bool(bool value) { return place(value); }
   bool Int(int value) { return place(value); }
@@ -159,6 +163,7 @@ class Handler {
   // Never called, because kParseNumbersAsStringsFlag is not set: with 16-bit text RapidJSON 1.1
   // truncates such a number.
   static bool RawNumber(const Ch*, rapidjson::SizeType, bool) { return false; }
+  // NOLINTEND(readability-identifier-naming)
 
   Value takeRoot() { return std::move(root); }
   const std::u16string& string() const { return lastString; }

@@ -131,15 +131,15 @@ TEST(Property, CollectionsOfOneTooManyAreRefused) {
 
 /// Gives access to the growth of collections, whose end no test can reach.
 struct Growth : ReferenceCollection {
-  static constexpr std::size_t largest = kLargestSize;
+  static constexpr std::size_t kLargest = kLargestSize;
   static constexpr std::size_t after(std::size_t capacity) { return capacityAfter(capacity); }
 };
 
 TEST(ReferenceCollection, CapacityEndsAtTheLargestSize) {
-  EXPECT_EQ(Growth::largest, 0xFFFFFFFFu);
+  EXPECT_EQ(Growth::kLargest, 0xFFFFFFFFu);
   EXPECT_EQ(Growth::after(4), 8u);
-  EXPECT_EQ(Growth::after(std::size_t{1} << 31), Growth::largest);
-  EXPECT_EQ(Growth::after(Growth::largest), Growth::largest);
+  EXPECT_EQ(Growth::after(std::size_t{1} << 31), Growth::kLargest);
+  EXPECT_EQ(Growth::after(Growth::kLargest), Growth::kLargest);
 }
 
 }  // namespace

@@ -33,7 +33,9 @@ class Corruption {
   template <class T>
   Corruption(const void* object, std::size_t offset, T value)
       : place(static_cast<char*>(const_cast<void*>(object)) + offset),
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): a pointer is overwritten as a pointer
         saved(place, place + sizeof(T)) {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): as above
     std::memcpy(place, &value, sizeof(T));
   }
   ~Corruption() { std::memcpy(place, saved.data(), saved.size()); }
@@ -225,8 +227,9 @@ TEST_F(Verify, FindsACycleOfFreeBlocks) {
 }
 
 TEST_F(Verify, FindsAChunkOfAnotherModel) {
-  const auto chunk = reinterpret_cast<std::uintptr_t>(line.get()) & ~std::uintptr_t{0xFFFF};
-  const Corruption corruption(reinterpret_cast<const void*>(chunk), 0, nullptr);
+  const auto offset = reinterpret_cast<std::uintptr_t>(line.get()) & std::uintptr_t{0xFFFF};
+  const char* chunk = reinterpret_cast<const char*>(line.get()) - offset;
+  const Corruption corruption(chunk, 0, nullptr);
   EXPECT_EQ(broken(), "a chunk begins with the address of its storage");
 }
 

@@ -28,7 +28,7 @@ bool contains(std::u16string_view text) {
 }
 
 TEST(FindAny, MatchesExactlyTheWantedUnits) {
-  for (const std::size_t size : {1, 8, 15, 16, 40}) {
+  for (const std::size_t size : {1U, 8U, 15U, 16U, 40U}) {
     std::u16string text(size, u'x');
     for (unsigned code = 0; code <= 0xFFFF; ++code) {
       text.back() = static_cast<char16_t>(code);
