@@ -1,8 +1,10 @@
 #include "JsonTwin.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <regex>
@@ -46,18 +48,25 @@ std::optional<char16_t> escapedUnit(std::u16string_view text, std::size_t at) {
   return static_cast<char16_t>(std::strtoul(digits.c_str(), nullptr, 16));
 }
 
-// Returns the length of the zero with an exponent at the start of `text`; 0 if there is none.
-std::size_t scaledZeroLength(std::u16string_view text) {
+// Returns the length of the finite number with an exponent at the start of `text` and writes the
+// number with the digits of its double to `digits`; returns 0 if there is none.
+std::size_t readScaledNumber(std::u16string_view text, std::string& digits) {
   const std::size_t end = std::min(text.find_first_not_of(u"0.eE+-123456789"), text.size());
-  if (end == 0 || text.front() != u'0') return 0;
-  static const std::regex kScaledZero("0(\\.0+)?[eE][-+]?[0-9]+");
+  static const std::regex kScaled("-?(0|[1-9][0-9]*)(\\.[0-9]+)?[eE][-+]?[0-9]+");
   const std::string literal(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end));
-  return std::regex_match(literal, kScaledZero) ? end : 0;
+  if (!std::regex_match(literal, kScaled)) return 0;
+  const double value = std::strtod(literal.c_str(), nullptr);
+  if (!std::isfinite(value)) return 0;
+  std::array<char, 32> buffer;
+  digits.assign(buffer.data(), static_cast<std::size_t>(
+                                   std::snprintf(buffer.data(), buffer.size(), "%.16e", value)));
+  return end;
 }
 
-// A text in which each zero with an exponent is 0e0, because RapidJSON rejects large exponents, and
-// in which escaped surrogates are replaced by their units, which RapidJSON copies unchecked. Maps
-// its positions to those of the original text.
+// A text in which each number with an exponent has 17 digits, because RapidJSON rejects large
+// exponents and some spellings of the largest double, and in which escaped surrogates are replaced
+// by their units, which RapidJSON copies unchecked. Maps its positions to those of the original
+// text.
 class Stream {
  public:
   using Ch = char16_t;
@@ -66,13 +75,14 @@ class Stream {
     bool isInString = false;
     while (from < text.size()) {
       const auto unit = escapedUnit(text, from);
-      const std::size_t zero = isInString ? 0 : scaledZeroLength(text.substr(from));
+      std::string digits;
+      const std::size_t number = isInString ? 0 : readScaledNumber(text.substr(from), digits);
       if (unit && (*unit & 0xF800) == 0xD800) {
         add(*unit, from);
         from += kEscapeUnits;
-      } else if (zero != 0) {
-        for (const char16_t each : {u'0', u'e', u'0'}) add(each, from);
-        from += zero;
+      } else if (number != 0) {
+        for (const char digit : digits) add(static_cast<char16_t>(digit), from);
+        from += number;
       } else {
         isInString = isInString != (text[from] == u'"');
         // The unit after a backslash begins no escape and ends no string.
