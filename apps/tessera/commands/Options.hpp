@@ -16,7 +16,14 @@ struct ParseOptions {
   std::vector<std::string> files;
 };
 
+enum class CheckFormat { kText, kJson };
+
+/// The lowest severity of a diagnostic that changes the exit status.
+enum class FailOn { kFailure, kWarning, kNever };
+
 struct CheckOptions {
+  CheckFormat format = CheckFormat::kText;
+  FailOn failOn = FailOn::kFailure;
   std::vector<std::string> files;
 };
 

@@ -3,22 +3,37 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
 
-#include "tessera/check/findWarnings.hpp"
+#include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/checkFile.hpp"
 #include "tessera/commands/status.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/diagnostics/report.hpp"
-#include "tessera/diagnostics/terminalText.hpp"
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/host/ServiceHost.hpp"
+#include "tessera/reports/CheckJson.hpp"
+#include "tessera/reports/TextReport.hpp"
 #include "tessera/session/FileParser.hpp"
 
 namespace tessera::commands {
 namespace {
 
-std::string describe(const std::string& file, const source::AppendixWarning& warning) {
-  return diagnostics::terminalText(file) + ':' + std::to_string(warning.place.line) + ':' +
-         std::to_string(warning.place.column) + ": warning: " + warning.text + '\n';
+using check::catalogue::CheckedFile;
+using check::catalogue::Diagnostic;
+using check::catalogue::Severity;
+
+std::unique_ptr<reports::CheckReport> makeReport(CheckFormat format, files::OutputFile& output) {
+  if (format == CheckFormat::kJson) return std::make_unique<reports::CheckJson>(output);
+  return std::make_unique<reports::TextReport>(output);
+}
+
+bool mustFail(const CheckedFile& file, FailOn failOn) {
+  if (failOn == FailOn::kNever) return false;
+  if (failOn == FailOn::kWarning) return !file.diagnostics.empty();
+  return std::ranges::any_of(file.diagnostics, [](const Diagnostic& diagnostic) {
+    return check::catalogue::severityOf(diagnostic) == Severity::kFailure;
+  });
 }
 
 }  // namespace
@@ -28,19 +43,21 @@ int check(const CheckOptions& options) {
   session::SnippetSession session(host.snippetParsers(), nullptr, nullptr);
   session::FileParser parser(session, host.appendix(), nullptr);
   files::OutputFile standardOutput(STDOUT_FILENO, "standard output");
+  const auto report = makeReport(options.format, standardOutput);
   int status = kFine;
   for (const std::string& name : options.files) {
     try {
-      for (const auto& warning : check::findWarnings(parser.parse(name))) {
-        standardOutput.text() += describe(name, warning);
-        status = std::max(status, kFailuresFound);
-      }
+      const CheckedFile file = check::checkFile(name, parser.parse(name));
+      if (mustFail(file, options.failOn)) status = std::max(status, kFailuresFound);
+      report->write(file);
+    } catch (const diagnostics::OutputError&) {
+      throw;
     } catch (const diagnostics::ProblemError& error) {
       diagnostics::report(error.what());
-      status = kUnusable;
+      status = kInputsFailed;
     }
-    standardOutput.flush();
   }
+  report->finish();
   return status;
 }
 

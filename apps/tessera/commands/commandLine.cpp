@@ -24,6 +24,19 @@ ParseFormat readFormat(const std::string& name) {
   throw CLI::ValidationError("\"" + name + "\" is not a format: use tree, json or ndjson");
 }
 
+CheckFormat readCheckFormat(const std::string& name) {
+  if (name == "text") return CheckFormat::kText;
+  if (name == "json") return CheckFormat::kJson;
+  throw CLI::ValidationError("\"" + name + "\" is not a format: use text or json");
+}
+
+FailOn readFailOn(const std::string& name) {
+  if (name == "failure") return FailOn::kFailure;
+  if (name == "warning") return FailOn::kWarning;
+  if (name == "never") return FailOn::kNever;
+  throw CLI::ValidationError("\"" + name + "\" is not a severity: use failure, warning or never");
+}
+
 std::string readRecordFile(const std::string& name) {
   if (!name.empty() && name != "-") return name;
   throw CLI::ValidationError("\"" + name + "\" is not a file to record to: name a file");
@@ -91,6 +104,18 @@ void CommandLine::addParse() {
 
 void CommandLine::addCheck() {
   checkCommand = app.add_subcommand("check", "Say what is wrong with the markers of files.");
+  checkCommand
+      ->add_option_function<std::string>(
+          "--format",
+          [this](const std::string& name) { checkOptions.format = readCheckFormat(name); },
+          "How diagnostics are written: text (the default) or json.")
+      ->type_name("FORMAT");
+  checkCommand
+      ->add_option_function<std::string>(
+          "--fail-on", [this](const std::string& name) { checkOptions.failOn = readFailOn(name); },
+          "The severity from which on the exit status is 1: failure (the default), warning or "
+          "never.")
+      ->type_name("SEVERITY");
   addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
 }
 

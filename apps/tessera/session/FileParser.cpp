@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tessera/diagnostics/Problem.hpp"
-#include "tessera/source/SourceText.hpp"
+#include "tessera/source/readAppendix.hpp"
 
 namespace tessera::session {
 namespace {
@@ -31,15 +31,13 @@ std::vector<fl::i18n::ustring> textsOf(const std::vector<quenlith::syntax::Marke
 }  // namespace
 
 ParsedFile FileParser::parse(const std::string& name) {
-  source::SourceText source = source::readSource(name);
   ParsedFile file;
-  file.appendix = source::readAppendix(source);
-  std::vector<quenlith::syntax::Marker> entries;
-  for (const auto& entry : file.appendix.entries) entries.push_back(entry.marker);
+  file.source = source::readSource(name);
+  const std::vector<quenlith::syntax::Marker> entries = source::readAppendix(file.source);
   appendix.replace(entries);
-  if (recording != nullptr) recording->begin(textsOf(entries), source.code.text);
+  if (recording != nullptr) recording->begin(textsOf(entries), file.source.code.text);
   try {
-    file.snippet = session.parse(std::move(source.code));
+    file.snippet = session.parse(std::move(file.source.code));
   } catch (const ParserError& error) {
     throwProblem(name, error);
   }

@@ -5,14 +5,15 @@
 #include "quenlith/shared/appendix/MarkerAppendix.hpp"
 #include "tessera/session/Recording.hpp"
 #include "tessera/session/SnippetSession.hpp"
-#include "tessera/source/readAppendix.hpp"
+#include "tessera/source/SourceText.hpp"
 
 namespace tessera::session {
 
 /// One file, read and parsed.
 struct ParsedFile {
   ParsedSnippet snippet;
-  source::Appendix appendix;
+  /// The text of the file. Its code is in `snippet`.
+  source::SourceText source;
 };
 
 /// Reads files and parses their code in a session, after their appendix is set.

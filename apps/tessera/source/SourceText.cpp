@@ -46,6 +46,7 @@ SourceText splitSource(std::u16string text) {
     const std::size_t end = line->begin + line->length;
     source.appendix.any = end < text.size();
     if (source.appendix.any) source.appendix.text = text.substr(end + 1);
+    source.appendixLineText = text.substr(line->begin, line->length);
     source.appendixLine = endOf({text.data(), line->begin}).line;
     source.code.any = line->begin != 0;
     text.resize(line->begin == 0 ? 0 : line->begin - 1);

@@ -15,6 +15,8 @@ struct SourceText {
   JoinedLines appendix;
   /// The 1-based number of the line that starts the appendix; 0 when none does.
   std::uint64_t appendixLine = 0;
+  /// That line; empty when none does.
+  std::u16string appendixLineText;
 };
 
 /// Reads the file `name`, "-" for standard input, and cuts it at its appendix. Throws

@@ -39,10 +39,10 @@ class ProgramTest(unittest.TestCase):
         (self.folder / name).write_bytes(data)
         return str(self.folder / name)
 
-    def assertRefused(self, done, message, output=b""):
+    def assertRefused(self, done, message, output=b"", status=2):
         self.assertEqual(done.stderr.decode(), message + "\n")
         self.assertEqual(done.stdout, output)
-        self.assertEqual(done.returncode, 2)
+        self.assertEqual(done.returncode, status)
 
 
 class CommandLine(ProgramTest):
@@ -196,11 +196,11 @@ class Parse(ProgramTest):
         self.assertRefused(done, "-: error: cannot be read: Bad file descriptor; name a file that can be read")
 
     def test_folders_are_refused_and_devices_and_pipes_are_read(self):
-        for command in ("parse", "check", "replay"):
+        for command, status in ("parse", 2), ("check", 3), ("replay", 2):
             self.assertRefused(tessera(command, str(self.folder)), str(self.folder) +
-                               ": error: cannot be read: Is a directory; name the files in it")
+                               ": error: cannot be read: Is a directory; name the files in it", status=status)
             self.assertRefused(tessera(command, ""),
-                               '"": error: cannot be opened: No such file or directory; check the name')
+                               '"": error: cannot be opened: No such file or directory; check the name', status=status)
             self.assertEqual(tessera(command, "/dev/null").returncode, 0)
         pipe = str(self.folder / "pipe")
         os.mkfifo(pipe)
@@ -226,7 +226,7 @@ class Parse(ProgramTest):
                     begin = ("\u00e9\n" * (size // 3)).encode() + b"x" * (size % 3)
                     done = tessera("check", "-", stdin=begin + bad + tail)
                     self.assertRefused(done, f"-:{size // 3 + 1}:{size % 3 + 1}: error: byte 0x{bad[0]:02X} "
-                                       "is not valid UTF-8; convert the file to UTF-8")
+                                       "is not valid UTF-8; convert the file to UTF-8", status=3)
 
     def test_a_file_that_is_not_a_bundle_is_an_error(self):
         name = self.write("no.so", b"no library")
@@ -305,17 +305,39 @@ class Bundles(ProgramTest):
 
 
 class Check(ProgramTest):
-    def test_the_status_says_whether_anything_was_found(self):
+    def test_the_status_says_what_was_found(self):
         fine = self.write("fine", b"x\n# <@task#a>\n# <@task#a>\n")
-        wrong = self.write("wrong", b"# <@task#a>\n")
-        self.assertEqual(tessera("check", fine).returncode, 0)
+        warning = self.write("warning", b"# <@appendix>\nx\n")
+        failure = self.write("failure", b"# <@task#a>\n")
+        statuses = {(): (0, 0, 1), ("--fail-on", "failure"): (0, 0, 1), ("--fail-on", "warning"): (0, 1, 1),
+                    ("--fail-on", "never"): (0, 0, 0)}
+        for options, expected in statuses.items():
+            for format_options in ((), ("--format", "json")):
+                actual = tuple(tessera("check", *options, *format_options, name, fine).returncode
+                               for name in (fine, warning, failure))
+                self.assertEqual(actual, expected, (options, format_options))
         self.assertEqual(tessera("check", fine).stdout, b"")
-        self.assertEqual(tessera("check", wrong, fine).returncode, 1)
-        # A file that cannot be read counts for more than a warning, in either order.
-        for names in ([wrong, str(self.folder / "none")], [str(self.folder / "none"), wrong]):
+        # A file that cannot be read counts for more than a failure, in either order.
+        none = str(self.folder / "none")
+        for names in ([failure, none], [none, failure]):
             both = tessera("check", *names)
-            self.assertEqual(both.returncode, 2)
-            self.assertIn(b"wrong:1:1: warning: ", both.stdout)
+            self.assertEqual(both.returncode, 3)
+            self.assertIn(b"failure:1:1: failure: ", both.stdout)
+            self.assertEqual(both.stderr.decode(),
+                             none + ": error: cannot be opened: No such file or directory; check the name\n")
+
+    def test_json_has_a_record_for_each_file(self):
+        fine = self.write("fine", b"x\n")
+        damaged = self.write("damaged", b"x = '\xf0\x9f\x8f\x86'  # <@task#a>\n")
+        done = tessera("check", "--format", "json", fine, damaged)
+        records = documents(done.stdout)
+        self.assertEqual(records[0], {"schemaVersion": 1, "file": fine, "diagnostics": []})
+        self.assertEqual(list(records[1]), ["schemaVersion", "file", "diagnostics"])
+        [diagnostic] = records[1]["diagnostics"]
+        self.assertEqual(list(diagnostic), ["id", "severity", "line", "column", "endLine", "endColumn", "message",
+                                            "notes", "fix"])
+        self.assertEqual([diagnostic[key] for key in ("id", "severity", "line", "column", "endLine", "endColumn")],
+                         ["missing_task_marker_pair", "failure", 1, 10, 1, 21])
 
     def test_damaged_lines_of_the_appendix_are_reported_with_their_place(self):
         name = self.write("f", b"# <@task#a>\n# <@task#a>\n# <@appendix>\nnothing\n# <@task#a {]}>\n"
@@ -324,8 +346,7 @@ class Check(ProgramTest):
         places = [line.removeprefix(name + ":").split(": ")[0] for line in lines]
         self.assertEqual(places, ["4:1", "5:13", "7:1", "8:1", "9:1"])
         for line in lines:
-            self.assertRegex(line.removeprefix(name), r"^:\d+:\d+: warning: .")
-
+            self.assertRegex(line.removeprefix(name), r"^:\d+:\d+: warning: .+ \[[a-z_]+\]$")
 
     def test_data_nested_a_hundred_thousand_deep_is_damaged(self):
         for begin, end, levels in (('{"a":', "}", 1), ('{"a":[', "]}", 2)):
@@ -334,9 +355,9 @@ class Check(ProgramTest):
             # Where the 65th level begins.
             column = len("# <@task#a " + begin * (64 // levels)) + 1
             done = tessera("check", name)
-            self.assertEqual(done.stdout.decode(), f"{name}:3:{column}: warning: damaged marker in the appendix: "
-                             "the nesting is too deep\n")
-            self.assertEqual((done.returncode, done.stderr), (1, b""))
+            self.assertEqual(done.stdout.decode(), f"{name}:3:{column}: warning: this is not a marker: "
+                             "the nesting is too deep [damaged_marker]\n")
+            self.assertEqual((done.returncode, done.stderr), (0, b""))
 
     def test_each_of_a_hundred_thousand_failures_on_a_line_has_its_column(self):
         count = 100000
@@ -345,7 +366,7 @@ class Check(ProgramTest):
         self.assertEqual(len(lines), count)
         column = 1
         for number, line in enumerate(lines):
-            self.assertTrue(line.startswith(f'{name}:1:{column}: warning: '), line)
+            self.assertTrue(line.startswith(f'{name}:1:{column}: failure: '), line)
             column += len(f"# <@output#\u00e9{number} [9,1]> ")
 
 

@@ -1,4 +1,4 @@
-#include "tessera/check/findWarnings.hpp"
+#include "tessera/check/checkFile.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,11 +7,13 @@
 #include <vector>
 
 #include "apps/tessera/support/nodes.hpp"
+#include "tessera/check/catalogue/Catalogue.hpp"
 
 namespace {
 
 using failures::kdzero::ParserFailure;
-using tessera::check::findWarnings;
+using tessera::check::checkFile;
+using tessera::check::catalogue::CheckedFile;
 using tessera::session::ParsedFile;
 using testing::ElementsAre;
 
@@ -24,9 +26,9 @@ ParserFailure makeFailure(std::u16string id, std::u16string feature, std::u16str
 }
 
 /// A parsed file whose lines have failures.
-class FindWarnings : public testing::Test {
+class CheckFile : public testing::Test {
  protected:
-  FindWarnings() {
+  CheckFile() {
     file.snippet.document = std::make_shared<document::kdzero::TesseraDocument>();
     file.snippet.code.any = true;
   }
@@ -44,11 +46,15 @@ class FindWarnings : public testing::Test {
     file.snippet.code.text += text;
   }
 
-  std::vector<std::string> describe() const {
+  /// Checks the file, which is empty afterwards.
+  std::vector<std::string> describe() {
+    const CheckedFile checked = checkFile("f", std::move(file));
     std::vector<std::string> texts;
-    for (const auto& warning : findWarnings(file)) {
-      texts.push_back(std::to_string(warning.place.line) + ":" +
-                      std::to_string(warning.place.column) + " " + warning.text);
+    for (const auto& diagnostic : checked.diagnostics) {
+      const auto& span = diagnostic.span;
+      texts.push_back(std::to_string(span.begin.line) + ":" + std::to_string(span.begin.unit) +
+                      "-" + std::to_string(span.end.unit) + " " +
+                      std::string(tessera::check::catalogue::entryOf(diagnostic.kind).id));
     }
     return texts;
   }
@@ -56,57 +62,57 @@ class FindWarnings : public testing::Test {
   ParsedFile file;
 };
 
-TEST_F(FindWarnings, AFailureIsReportedAtTheStartOfItsMarker) {
+TEST_F(CheckFile, AFailureIsReportedAtItsMarker) {
   addLine(u"", {});
-  addLine(u"ä🏆 # <@task#a>", {makeFailure(u"overlapping_task_marker", u"task", u"a")});
+  addLine(u"\u00E4\U0001F3C6 # <@task#a>",
+          {makeFailure(u"overlapping_task_marker", u"task", u"a")});
   addLine(u"# <@task#b> # <@output#b>", {makeFailure(u"invalid_position_data", u"output", u"b"),
                                          makeFailure(u"missing_task_marker_pair", u"task", u"b")});
-  EXPECT_THAT(
-      describe(),
-      ElementsAre(
-          "2:4 the task marker \"a\" stands inside another task",
-          "3:1 the task marker \"b\" has no partner: its id must stand in exactly two task markers",
-          "3:13 the range of the output marker \"b\" is empty, beyond the line, or touches a "
-          "marker"));
+  EXPECT_THAT(describe(),
+              ElementsAre("2:4-15 overlapping_task_marker", "3:0-11 missing_task_marker_pair",
+                          "3:12-25 invalid_position_data"));
 }
 
-TEST_F(FindWarnings, TheNthFailureRefersToTheNthMarkerWithItsId) {
+TEST_F(CheckFile, TheNthFailureRefersToTheNthMarkerWithItsId) {
   ParserFailure second = makeFailure(u"invalid_position_data", u"output", u"a");
   second.setFailureData({{"position", foundation::json::Value(2.0)}});
   ParserFailure third = second;
   third.setFailureData({{"position", foundation::json::Value(3.0)}});
   addLine(u"# <@output#a> # <@output#a>",
           {makeFailure(u"invalid_position_data", u"output", u"a"), second, third});
-  const auto warnings = findWarnings(file);
-  ASSERT_EQ(warnings.size(), 3u);
-  EXPECT_EQ(warnings[0].place.column, 1u);
-  EXPECT_EQ(warnings[1].place.column, 15u);
-  EXPECT_EQ(warnings[2].place.column, 15u);
+  EXPECT_THAT(describe(),
+              ElementsAre("1:0-13 invalid_position_data", "1:14-27 invalid_position_data",
+                          "1:14-27 invalid_position_data"));
 }
 
-TEST_F(FindWarnings, AFailureOfAnotherBundleIsReportedAtTheStartOfItsLine) {
+TEST_F(CheckFile, AFailureOfAnotherBundleIsReportedForItsLine) {
   addLine(u"  x", {makeFailure(u"other\n", u"thing", u"")});
-  EXPECT_THAT(describe(), ElementsAre("1:1 the thing marker: other\\n"));
+  const CheckedFile checked = checkFile("f", std::move(file));
+  ASSERT_EQ(checked.diagnostics.size(), 1u);
+  EXPECT_EQ(checked.diagnostics[0].message,
+            "a parser reports \"other\\n\" for the thing marker without an id");
+  EXPECT_EQ(checked.diagnostics[0].span, tessera::check::catalogue::spanOf(1, 0, 3));
 }
 
-TEST_F(FindWarnings, FailuresOfNestedNodesAreReported) {
+TEST_F(CheckFile, FailuresOfNestedNodesAreReported) {
   addLine(u"x", {});
   auto text = nodes::makeText(file.snippet.document->getModel(), u"x");
   text->getParserFailuresMutable().add(makeFailure(u"deep", u"f", u"m"));
   file.snippet.document->getChildAt(0)->getChildrenMutable().add(text);
-  EXPECT_THAT(describe(), ElementsAre("1:1 the f marker \"m\": deep"));
+  EXPECT_THAT(describe(), ElementsAre("1:0-1 parser_failure"));
 }
 
-TEST_F(FindWarnings, AppendixWarningsAreSortedAmongTheOthers) {
+TEST_F(CheckFile, DiagnosticsAreInOrderOfTheirPlaces) {
   addLine(u"# <@task#a>", {makeFailure(u"missing_task_marker_pair", u"task", u"a")});
-  file.appendix.warnings = {{{4, 1}, "damaged"}};
-  file.appendix.entries = {{quenlith::syntax::Marker(u"# <@task#z>"), {3, 1}},
-                           {quenlith::syntax::Marker(u"# <@task#a>"), {5, 1}}};
-  EXPECT_THAT(
-      describe(),
-      ElementsAre(
-          "1:1 the task marker \"a\" has no partner: its id must stand in exactly two task markers",
-          "3:1 no marker of the code has this entry: task with id \"z\"", "4:1 damaged"));
+  file.source.appendixLine = 2;
+  file.source.appendixLineText = u"# <@appendix>";
+  file.source.appendix = {u"?\n# <@task#z>\n# <@task#a>", true};
+  const CheckedFile checked = checkFile("f", std::move(file));
+  std::vector<std::uint64_t> lines;
+  for (const auto& diagnostic : checked.diagnostics) lines.push_back(diagnostic.span.begin.line);
+  EXPECT_THAT(lines, ElementsAre(1, 3, 4));
+  EXPECT_EQ(checked.lines.line(2), u"# <@appendix>");
+  EXPECT_EQ(checked.lines.line(4), u"# <@task#z>");
 }
 
 }  // namespace

@@ -1,0 +1,45 @@
+#include "tessera/check/rules/markerText.hpp"
+
+#include "fl/i18n/ustring.hpp"
+#include "tessera/diagnostics/terminalText.hpp"
+
+namespace tessera::check::rules {
+namespace {
+
+constexpr std::size_t kMaxUnits = 60;
+constexpr std::size_t kHeadUnits = 40;
+constexpr std::size_t kTailUnits = 15;
+
+bool isTrail(char16_t unit) {
+  return (unit & 0xFC00) == 0xDC00;
+}
+
+/// Returns the longest view up to `size` that does not end within a surrogate pair.
+std::u16string_view headOf(std::u16string_view text, std::size_t size) {
+  return text.substr(0, isTrail(text[size]) ? size - 1 : size);
+}
+
+std::u16string_view tailOf(std::u16string_view text, std::size_t size) {
+  const std::size_t begin = text.size() - size;
+  return text.substr(isTrail(text[begin]) ? begin + 1 : begin);
+}
+
+}  // namespace
+
+std::string quoted(std::u16string_view text) {
+  if (text.size() <= kMaxUnits) return diagnostics::quotedText(text);
+  std::u16string shortened(headOf(text, kHeadUnits));
+  shortened += u"...";
+  shortened += tailOf(text, kTailUnits);
+  return diagnostics::quotedText(shortened);
+}
+
+std::string nameOf(const quenlith::syntax::Marker& marker) {
+  return marker.idView().empty() ? "without an id" : quoted(marker.idView());
+}
+
+std::string plainText(std::u16string_view text) {
+  return diagnostics::terminalText(fl::i18n::ustring_to_utf8(text));
+}
+
+}  // namespace tessera::check::rules

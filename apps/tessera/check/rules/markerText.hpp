@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "quenlith/syntax/Marker.hpp"
+
+namespace tessera::check::rules {
+
+/// Returns `text` in quotes, as UTF-8 without control characters; long text is cut in the middle.
+std::string quoted(std::u16string_view text);
+
+/// Returns how a message names a marker: its id in quotes, or "without an id".
+std::string nameOf(const quenlith::syntax::Marker& marker);
+
+/// Returns `text` as UTF-8 without control characters.
+std::string plainText(std::u16string_view text);
+
+}  // namespace tessera::check::rules
