@@ -36,7 +36,8 @@ class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
   }
 
  protected:
-  Impl(kd::zero::meta::ClassKey nodeClass, const boost::uuids::uuid& uuid, Parts parts)
+  Impl(kd::zero::meta::ClassKey nodeClass, const boost::uuids::uuid& uuid,
+       Parts parts = Parts::kSome)
       : Node::Impl(nodeClass, uuid, parts) {}
   ~Impl() { freeText(); }
 

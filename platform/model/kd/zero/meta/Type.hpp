@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "fl/i18n/ustring.hpp"
@@ -32,6 +33,11 @@ class QUENLITH_MODEL_EXPORT Type::Impl {
   Impl& operator=(const Impl&) = delete;
 
   fl::i18n::ustring getQualifiedName() const { return fl::i18n::ustring(qualifiedName); }
+  /// The qualified name without its namespaces; valid for the life of the process.
+  std::u16string_view getName() const noexcept {
+    const std::size_t separator = qualifiedName.rfind(u':');
+    return separator == qualifiedName.npos ? qualifiedName : qualifiedName.substr(separator + 1);
+  }
 
   /// Tells whether a value of this type can be used as one of `other`: it is that type or
   /// derived from it.
