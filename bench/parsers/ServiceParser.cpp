@@ -29,7 +29,7 @@ class ServiceParser : public Subject {
  private:
   const Corpus& corpus;
   Contents wanted;
-  tessera::host::ServiceHost host{{}};
+  tessera::host::ServiceHost host{{}, tessera::host::Pieces::kDropped};
   std::shared_ptr<quenlith::build::markup::SnippetParser> parser;
   std::shared_ptr<TesseraDocument> document;
 };

@@ -31,11 +31,11 @@ MAY_SEE = {
     PLATFORM: {PLATFORM},
     "src:interfaces": {PLATFORM},
     "src:code": {PLATFORM, "src:interfaces"},
-    "apps/": {PLATFORM, "src:interfaces"},
+    "apps/": {PLATFORM, "src:interfaces", "bundles/"},
     "bundles/": {PLATFORM, "src:interfaces"},
     "examples/bundles": {PLATFORM, "src:interfaces"},
     "bench": {PLATFORM, "src:interfaces", "src:code", "apps/"},
-    "tests": {PLATFORM, "src:interfaces", "src:code", "apps/"},
+    "tests": {PLATFORM, "src:interfaces", "src:code", "apps/", "bundles/"},
 }
 # Rooms that are part of the folder named: an interface fixes the namespaces, and so the folders, of classes
 # that need each other.
@@ -56,6 +56,8 @@ FOLDERS = ("apps", "bench", "bundles", "examples/bundles", "platform", "src", "t
 SUFFIXES = (".cpp", ".h", ".hpp", ".in", ".tpp")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"]+)[>"]', re.MULTILINE)
 GENERATED = re.compile(r"quenlith/export/(\w+)\.hpp")
+# The units of the libraries outside platform/ that have a generated header.
+UNITS_OF_LIBRARIES = {"piece_nodes": "bundles/pieces"}
 
 
 def unit_of(name):
@@ -116,7 +118,10 @@ class Tree:
             line = content.count("\n", 0, match.start()) + 1
             generated = GENERATED.fullmatch(match[2])
             file = None if generated else self.meaning(name, match[2])
-            unit = f"platform/{generated[1]}" if generated else file and unit_of(file)
+            if generated:
+                unit = UNITS_OF_LIBRARIES.get(generated[1], f"platform/{generated[1]}")
+            else:
+                unit = file and unit_of(file)
             yield line, match[2], match[1] == '"', file, unit
 
     def meaning(self, name, included):

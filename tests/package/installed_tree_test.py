@@ -65,13 +65,19 @@ class InstalledTree(unittest.TestCase):
         built = self.tessera(f"{BUILD}/bin/tessera").stdout
         self.assertEqual(self.tessera(self.prefix / "bin" / "tessera").stdout, built)
 
-    def test_without_a_bundle_the_text_of_an_output_range_is_left_out(self):
-        texts = [child["text"] for child in self.parse()[1]["children"]]
-        self.assertEqual(texts, ["  "])
+    def pieces(self, *arguments):
+        """Returns kind and text of each child of the line with the output."""
+        return [(child["kind"], child["text"]) for child in self.parse(*arguments)[1]["children"]]
+
+    def test_the_text_of_an_output_range_is_a_node_unless_bare(self):
+        self.assertEqual(self.pieces(), [("OutputNode", "print(total)"), ("PlainTextNode", "  ")])
+        self.assertEqual(self.pieces("--bare"), [("PlainTextNode", "  ")])
 
     def test_a_bundle_keeps_the_text_of_an_output_range(self):
-        texts = [child["text"] for child in self.parse(*self.bundle("output_text"))[1]["children"]]
-        self.assertEqual(texts, ["print(total)", "  "])
+        expected = [("PlainTextNode", "print(total)"), ("PlainTextNode", "  ")]
+        self.assertEqual(self.pieces("--bare", *self.bundle("output_text")), expected)
+        # It takes precedence over the program's own bundle.
+        self.assertEqual(self.pieces(*self.bundle("output_text")), expected)
 
     def test_a_bundle_contributes_data(self):
         line = self.parse(*self.bundle("output_data"))[1]
@@ -137,6 +143,26 @@ class InstalledTree(unittest.TestCase):
         run("sh", "-c", f"{command} {flags.strip()}")
         shown = run(program, env={**os.environ, "LD_LIBRARY_PATH": f"{self.prefix}/lib"})
         self.assertEqual(shown.stdout, "found\n")
+
+    def test_a_host_of_others_reads_the_pieces(self):
+        with tempfile.TemporaryDirectory(dir=self.work) as folder:
+            source = pathlib.Path(folder)
+            (source / "main.cpp").write_text(
+                '#include <cstdio>\n#include "tessera/pieces/OutputNode.hpp"\n'
+                'int main() {\n'
+                '  const auto model = kd::zero::Model::create();\n'
+                '  const document::kdzero::Node node =\n'
+                '      tessera::pieces::OutputNode::Builder(model).createOutputNode({});\n'
+                '  std::puts(tessera::pieces::PieceNode::castFrom(node) ? "piece" : "other");\n'
+                '}\n')
+            (source / "CMakeLists.txt").write_text(
+                "cmake_minimum_required(VERSION 3.25)\nproject(User CXX)\n"
+                "find_package(Quenlith 0.1 REQUIRED COMPONENTS piece_nodes)\n"
+                "add_executable(user main.cpp)\ntarget_link_libraries(user Quenlith::piece_nodes)\n")
+            run(CMAKE, "-S", source, "-B", source / "build", "-G", "Ninja",
+                f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_CXX_COMPILER={COMPILER}")
+            run(CMAKE, "--build", source / "build")
+            self.assertEqual(run(source / "build" / "user").stdout, "piece\n")
 
     def test_one_component_needs_no_other_dependency(self):
         self.configure("find_package(Quenlith 0.1 REQUIRED COMPONENTS json)\n"

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "tessera/host/ServiceHost.hpp"
+
 namespace tessera::commands {
 
 enum class ParseFormat { kTree, kJson, kNdjson };
@@ -10,6 +12,7 @@ enum class ParseFormat { kTree, kJson, kNdjson };
 struct ParseOptions {
   ParseFormat format = ParseFormat::kTree;
   bool trace = false;
+  host::Pieces pieces = host::Pieces::kKept;
   /// Empty: the calls are not recorded.
   std::string recordFile;
   std::vector<std::string> bundles;
@@ -24,6 +27,7 @@ enum class FailOn { kFailure, kWarning, kNever };
 struct CheckOptions {
   CheckFormat format = CheckFormat::kText;
   FailOn failOn = FailOn::kFailure;
+  host::Pieces pieces = host::Pieces::kKept;
   std::vector<std::string> files;
 };
 

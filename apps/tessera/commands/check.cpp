@@ -39,7 +39,7 @@ bool mustFail(const CheckedFile& file, FailOn failOn) {
 }  // namespace
 
 int check(const CheckOptions& options) {
-  host::ServiceHost host({});
+  host::ServiceHost host({}, options.pieces);
   session::SnippetSession session(host.snippetParsers(), nullptr, nullptr);
   session::FileParser parser(session, host.appendix(), nullptr);
   files::OutputFile standardOutput(STDOUT_FILENO, "standard output");

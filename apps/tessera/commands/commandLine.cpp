@@ -51,6 +51,12 @@ void addBundles(CLI::App& command, std::vector<std::string>& bundles) {
       });
 }
 
+void addBare(CLI::App& command, host::Pieces& pieces) {
+  command.add_flag_callback(
+      "--bare", [&pieces] { pieces = host::Pieces::kDropped; },
+      "Drop the pieces of output and control markers, as the parsers do without other bundles.");
+}
+
 void addFiles(CLI::App& command, std::vector<std::string>& files, const std::string& description) {
   command.add_option("FILE", files, description)->type_name("")->required();
 }
@@ -98,6 +104,7 @@ void CommandLine::addParse() {
           [this](const std::string& name) { parseOptions.recordFile = readRecordFile(name); },
           "Write the calls of the parsers for tessera replay.")
       ->type_name("FILE");
+  addBare(*parseCommand, parseOptions.pieces);
   addBundles(*parseCommand, parseOptions.bundles);
   addFiles(*parseCommand, parseOptions.files, "The files to parse; - is standard input.");
 }
@@ -116,6 +123,7 @@ void CommandLine::addCheck() {
           "The severity from which on the exit status is 1: failure (the default), warning or "
           "never.")
       ->type_name("SEVERITY");
+  addBare(*checkCommand, checkOptions.pieces);
   addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
 }
 

@@ -82,7 +82,7 @@ int parseFiles(const ParseOptions& options, session::FileParser& parser,
 
 int parse(const ParseOptions& options) {
   if (!options.recordFile.empty()) requireSeparateRecording(options);
-  host::ServiceHost host(options.bundles);
+  host::ServiceHost host(options.bundles, options.pieces);
   std::optional<session::LogCollector> log;
   if (options.trace) log.emplace();
   std::optional<session::Recording> recording;

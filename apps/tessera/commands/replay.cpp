@@ -60,7 +60,7 @@ void replayLines(const std::string& name, replay::Replay& replay, files::OutputF
 }  // namespace
 
 int replay(const ReplayOptions& options) {
-  host::ServiceHost host(options.bundles);
+  host::ServiceHost host(options.bundles, host::Pieces::kDropped);
   files::OutputFile answers(STDOUT_FILENO, "standard output");
   replay::Replay replay(host.snippetParsers(), host.appendix(), answers);
   replayLines(options.file, replay, answers);

@@ -8,6 +8,7 @@
 #include "foundation/json/Writer.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
 #include "tessera/formats/NodeKind.hpp"
+#include "tessera/pieces/PieceNode.hpp"
 
 namespace tessera::formats {
 namespace {
@@ -29,6 +30,16 @@ std::string compactJson(const foundation::json::Object& members) {
 void appendNamed(std::string& row, std::string_view name, std::u16string_view text) {
   if (text.empty()) return;
   row.append(1, ' ').append(name).append(1, ' ').append(diagnostics::quotedText(text));
+}
+
+/// Appends what the marker of a piece says about it.
+void appendPiece(std::string& row, const Node& node) {
+  const auto* piece = static_cast<const pieces::PieceNode::Impl*>(node.get());
+  appendNamed(row, "id", piece->getId());
+  appendNamed(row, "type", piece->getType());
+  const auto& [begin, end] = piece->getRange();
+  row += " range [" + std::to_string(begin) + "," + std::to_string(end) + "]";
+  if (!piece->getData().empty()) row += " " + compactJson(piece->getData());
 }
 
 std::string describeFailure(const failures::kdzero::ParserFailure& failure) {
@@ -104,10 +115,12 @@ const Node* DocumentTree::writeNode(const Node& node, std::size_t depth) {
   const auto& children = node->getChildren();
   const bool showsChild =
       kindOf(node) == NodeKind::kLine && children.size() == 1 && isBareText(children[0]);
-  std::string text(nameOf(kindOf(node)));
-  if (kindOf(node) == NodeKind::kPlainText) text += " " + diagnostics::quotedText(textOf(node));
+  std::string text =
+      diagnostics::terminalText(fl::i18n::ustring_to_utf8(node->getMetaClass().getName()));
+  if (hasText(node)) text += " " + diagnostics::quotedText(textOf(node));
   if (showsChild) text += " " + diagnostics::quotedText(textOf(children[0]));
   appendNamed(text, "anchor", node->getAnchorId());
+  if (kindOf(node) == NodeKind::kPiece) appendPiece(text, node);
   if (kindOf(node) == NodeKind::kTask) {
     appendNamed(text, "id",
                 static_cast<const LiveAppIntegratedInlineNode::Impl*>(node.get())->getId());

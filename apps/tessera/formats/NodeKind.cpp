@@ -1,12 +1,17 @@
 #include "tessera/formats/NodeKind.hpp"
 
+#include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
 #include "document/kdzero/LiveAppLineNode.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
+#include "tessera/pieces/ControlNode.hpp"
+#include "tessera/pieces/OutputNode.hpp"
 
 namespace tessera::formats {
 
 using namespace document::kdzero;
+using pieces::ControlNode;
+using pieces::OutputNode;
 
 namespace {
 
@@ -18,18 +23,15 @@ bool hasNoExtras(const Node& node) noexcept {
 }  // namespace
 
 NodeKind kindOf(const Node& node) noexcept {
-  // No class is derived from these.
+  // Comparing addresses is enough: no class is derived from these.
   const auto* const nodeClass = &node->getMetaClass();
+  if (nodeClass == &LineNode::Impl::classOf()) return NodeKind::kLine;
   if (nodeClass == &PlainTextNode::Impl::classOf()) return NodeKind::kPlainText;
   if (nodeClass == &LiveAppLineNode::Impl::classOf()) return NodeKind::kTaskLine;
   if (nodeClass == &LiveAppIntegratedInlineNode::Impl::classOf()) return NodeKind::kTask;
-  return NodeKind::kLine;
-}
-
-std::string_view nameOf(NodeKind kind) noexcept {
-  constexpr std::string_view kNames[] = {"LineNode", "PlainTextNode", "LiveAppLineNode",
-                                         "LiveAppIntegratedInlineNode"};
-  return kNames[static_cast<std::size_t>(kind)];
+  if (nodeClass == &OutputNode::Impl::classOf()) return NodeKind::kPiece;
+  if (nodeClass == &ControlNode::Impl::classOf()) return NodeKind::kPiece;
+  return NodeKind::kOther;
 }
 
 bool isBareText(const Node& node) noexcept {
@@ -42,8 +44,12 @@ bool isPlainLine(const Node& node) noexcept {
          isBareText(node->getChildren()[0]) && hasNoExtras(node);
 }
 
+bool hasText(const Node& node) noexcept {
+  return node->isKindOf(TextNode::Impl::classOf());
+}
+
 std::u16string_view textOf(const Node& node) noexcept {
-  return static_cast<const PlainTextNode::Impl*>(node.get())->getText();
+  return static_cast<const TextNode::Impl*>(node.get())->getText();
 }
 
 }  // namespace tessera::formats

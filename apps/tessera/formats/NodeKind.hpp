@@ -6,14 +6,11 @@
 
 namespace tessera::formats {
 
-/// The kinds of node that a document is made of.
-enum class NodeKind { kLine, kPlainText, kTaskLine, kTask };
+/// The kinds of node that are written in different ways. A piece is an OutputNode or a ControlNode;
+/// the classes of other bundles are of the kind kOther.
+enum class NodeKind { kLine, kPlainText, kTaskLine, kTask, kPiece, kOther };
 
-/// Returns the kind of `node`. A node of a class that another bundle defines counts as a line.
 NodeKind kindOf(const document::kdzero::Node& node) noexcept;
-
-/// Returns the name of the kind's class.
-std::string_view nameOf(NodeKind kind) noexcept;
 
 /// Returns whether `node` is a text without children, anchor, failures and contributor data.
 bool isBareText(const document::kdzero::Node& node) noexcept;
@@ -22,7 +19,10 @@ bool isBareText(const document::kdzero::Node& node) noexcept;
 /// of a line of plain code.
 bool isPlainLine(const document::kdzero::Node& node) noexcept;
 
-/// Returns the text of a node of the kind kPlainText; valid until that text changes.
+/// Returns whether `node` is of a class that has a text.
+bool hasText(const document::kdzero::Node& node) noexcept;
+
+/// Returns the text of a node that has one; valid until that text changes.
 std::u16string_view textOf(const document::kdzero::Node& node) noexcept;
 
 }  // namespace tessera::formats

@@ -5,6 +5,7 @@
 
 #include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
 #include "tessera/formats/NodeKind.hpp"
+#include "tessera/pieces/PieceNode.hpp"
 
 namespace tessera::formats {
 
@@ -33,13 +34,11 @@ void NodeWriter::write(const Node& top) {
 }
 
 void NodeWriter::beginNode(const Node& node) {
-  const NodeKind kind = kindOf(node);
   json.beginObject();
-  json.key("kind");
-  json.text(nameOf(kind));
-  if (kind == NodeKind::kPlainText) {
-    member("text", textOf(node));
-  }
+  member("kind", node->getMetaClass().getName());
+  if (hasText(node)) member("text", textOf(node));
+  const NodeKind kind = kindOf(node);
+  if (kind == NodeKind::kPiece) writePiece(node);
   if (kind == NodeKind::kTask) writeTask(node);
   member("anchorId", node->getAnchorId());
   json.key("children");
@@ -51,6 +50,19 @@ void NodeWriter::endNode(const Node& node) {
   writeContributorData(node);
   writeFailures(node);
   json.endObject();
+}
+
+void NodeWriter::writePiece(const Node& node) {
+  const auto* piece = static_cast<const pieces::PieceNode::Impl*>(node.get());
+  member("id", piece->getId());
+  member("type", piece->getType());
+  json.key("range");
+  json.beginArray();
+  json.number(piece->getRange().first);
+  json.number(piece->getRange().second);
+  json.endArray();
+  json.key("data");
+  json.object(piece->getData());
 }
 
 void NodeWriter::writeTask(const Node& node) {

@@ -19,6 +19,7 @@ class NodeWriter {
  private:
   void beginNode(const document::kdzero::Node& node);
   void endNode(const document::kdzero::Node& node);
+  void writePiece(const document::kdzero::Node& node);
   void writeTask(const document::kdzero::Node& node);
   void writeContributorData(const document::kdzero::Node& node);
   void writeFailures(const document::kdzero::Node& node);

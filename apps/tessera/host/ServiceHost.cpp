@@ -5,6 +5,7 @@
 #include <chrono>
 #include <exception>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <thread>
 
@@ -17,6 +18,7 @@
 #include "cppmicroservices/ServiceReference.h"
 #include "cppmicroservices/ServiceRegistration.h"
 #include "foundation/cppmicroservices/getFramework.hpp"
+#include "quenlith/build/markup/code/CodeElementParser.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/host/findBundles.hpp"
 #include "tessera/host/reportEvent.hpp"
@@ -28,6 +30,7 @@ using cppmicroservices::FrameworkEvent;
 using cppmicroservices::ServiceReference;
 using foundation::cppmicroservices::setFramework;
 using quenlith::build::markup::SnippetParser;
+using quenlith::build::markup::code::CodeElementParser;
 using quenlith::shared::appendix::AppendixBuilder;
 using quenlith::shared::appendix::MarkerAppendix;
 
@@ -36,9 +39,10 @@ using ParserReference = ServiceReference<SnippetParser>;
 constexpr const char* kDefaultFilter = "(priority=default)";
 constexpr const char* kOtherFilter = "(!(priority=default))";
 
-// The snippet parsers of the parsers' bundle, by their test_id. Without one of them the program
-// would write wrong documents.
+// The snippet parsers of the parsers' bundle and the parser of the bundle for pieces, by their
+// test_id. Without one of them the program would write wrong documents.
 constexpr std::string_view kRequiredParsers[] = {"CodeSnippetParserImpl", "TaskSnippetParserImpl"};
+constexpr std::string_view kPieceParser = "PieceParser";
 
 // A runtime may register the services of a bundle on its own threads, after the bundle has started.
 constexpr std::chrono::seconds kPatience{10};
@@ -50,27 +54,29 @@ std::string testIdOf(const ParserReference& reference) {
   return text == nullptr ? std::string() : *text;
 }
 
-/// Returns the name of the first required parser that is not registered; empty when all are.
-std::string findMissingParser(cppmicroservices::BundleContext context) {
-  for (const std::string_view name : kRequiredParsers) {
-    const std::string filter = "(test_id=" + std::string(name) + ")";
-    if (context.GetServiceReferences<SnippetParser>(filter).empty()) return std::string(name);
-  }
-  return {};
+template <class Service>
+bool isRegistered(cppmicroservices::BundleContext context, std::string_view testId) {
+  const std::string filter = "(test_id=" + std::string(testId) + ")";
+  return !context.GetServiceReferences<Service>(filter).empty();
 }
 
-[[noreturn]] void throwUnusableParser(const std::string& name, const std::string& bundleFile,
-                                      const char* what) {
-  throw diagnostics::ProblemError({.file = bundleFile,
+/// A parser that the program needs and the file of its bundle.
+struct RequiredParser {
+  std::string_view name;
+  const std::string& bundleFile;
+};
+
+[[noreturn]] void throwUnusable(const RequiredParser& parser, const char* what) {
+  throw diagnostics::ProblemError({.file = parser.bundleFile,
                                    .place = {},
-                                   .what = "the snippet parser " + name + " " + what,
+                                   .what = "the parser " + std::string(parser.name) + " " + what,
                                    .remedy = "install the program again"});
 }
 
 }  // namespace
 
 struct ServiceHost::Running {
-  Running() = default;
+  explicit Running(Pieces pieces) : pieces(pieces) {}
   ~Running() { stop(); }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
@@ -78,9 +84,11 @@ struct ServiceHost::Running {
   void start(const std::vector<std::string>& extensionBundles);
   void listen();
   void startBundle(const std::string& file);
+  std::optional<RequiredParser> findMissingParser() const;
   void awaitParsers() const;
   void stop() noexcept;
 
+  const Pieces pieces;
   std::shared_ptr<cppmicroservices::Framework> framework =
       std::make_shared<cppmicroservices::Framework>(
           cppmicroservices::FrameworkFactory().NewFramework());
@@ -88,12 +96,12 @@ struct ServiceHost::Running {
   cppmicroservices::ServiceRegistration<AppendixBuilder> registration;
   std::vector<cppmicroservices::Bundle> bundles;
   const BundleFiles files = findBundles();
-  // Whether the framework has reported an error of the parsers' bundle.
+  // Whether the framework has reported an error of one of the program's bundles.
   std::shared_ptr<std::atomic<bool>> hasFailed = std::make_shared<std::atomic<bool>>(false);
 };
 
-ServiceHost::ServiceHost(const std::vector<std::string>& extensionBundles)
-    : running(std::make_unique<Running>()) {
+ServiceHost::ServiceHost(const std::vector<std::string>& extensionBundles, Pieces pieces)
+    : running(std::make_unique<Running>(pieces)) {
   running->start(extensionBundles);
 }
 
@@ -111,16 +119,18 @@ void ServiceHost::Running::start(const std::vector<std::string>& extensionBundle
   registration = framework->GetBundleContext().RegisterService<AppendixBuilder>(
       std::shared_ptr<AppendixBuilder>(appendix));
   startBundle(files.parsers);
+  if (pieces == Pieces::kKept) startBundle(files.pieces);
   for (const std::string& file : extensionBundles) startBundle(file);
   awaitParsers();
 }
 
 void ServiceHost::Running::listen() {
   // Shared, because the framework may outlive this object.
-  const auto listener = [failed = hasFailed, parsers = files.parsers](const FrameworkEvent& event) {
+  const auto listener = [failed = hasFailed, own = files](const FrameworkEvent& event) {
     reportEvent(event);
-    const bool isError = event.GetType() == FrameworkEvent::FRAMEWORK_ERROR;
-    if (isError && event.GetBundle() && event.GetBundle().GetLocation() == parsers) *failed = true;
+    if (event.GetType() != FrameworkEvent::FRAMEWORK_ERROR || !event.GetBundle()) return;
+    const std::string location = event.GetBundle().GetLocation();
+    if (location == own.parsers || location == own.pieces) *failed = true;
   };
   framework->GetBundleContext().AddFrameworkListener(listener);
 }
@@ -140,16 +150,26 @@ void ServiceHost::Running::startBundle(const std::string& file) {
   }
 }
 
-void ServiceHost::Running::awaitParsers() const {
+/// Returns the first required parser that is not registered, if there is one.
+std::optional<RequiredParser> ServiceHost::Running::findMissingParser() const {
   const auto context = framework->GetBundleContext();
+  for (const std::string_view name : kRequiredParsers) {
+    if (!isRegistered<SnippetParser>(context, name)) return RequiredParser{name, files.parsers};
+  }
+  if (pieces == Pieces::kKept && !isRegistered<CodeElementParser>(context, kPieceParser)) {
+    return RequiredParser{kPieceParser, files.pieces};
+  }
+  return std::nullopt;
+}
+
+void ServiceHost::Running::awaitParsers() const {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   while (true) {
-    const std::string missing = findMissingParser(context);
-    if (missing.empty()) return;
-    if (*hasFailed) throwUnusableParser(missing, files.parsers, "cannot be started");
+    const auto missing = findMissingParser();
+    if (!missing) return;
+    if (*hasFailed) throwUnusable(*missing, "cannot be started");
     if (std::chrono::steady_clock::now() > deadline) {
-      throwUnusableParser(missing, files.parsers,
-                          "is not registered, a service it needs is missing");
+      throwUnusable(*missing, "is not registered, a service it needs is missing");
     }
     std::this_thread::sleep_for(kPause);
   }
@@ -164,7 +184,7 @@ std::vector<session::NamedParser> ServiceHost::snippetParsers() const {
       if (auto parser = context.GetService(reference)) {
         parsers.push_back({name, std::move(parser)});
       } else if (std::ranges::find(kRequiredParsers, name) != std::end(kRequiredParsers)) {
-        throwUnusableParser(name, running->files.parsers, "cannot be created");
+        throwUnusable({name, running->files.parsers}, "cannot be created");
       }
       // The runtime has reported the others; they are left out.
     }

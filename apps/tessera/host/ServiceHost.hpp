@@ -9,14 +9,19 @@
 
 namespace tessera::host {
 
-/// Runs the framework and the parsers' bundle in it.
+/// What becomes of the pieces of a line that output and control markers own: the program's bundle
+/// for them keeps them as nodes. Without it they are dropped, unless another bundle accepts the
+/// marker.
+enum class Pieces { kKept, kDropped };
+
+/// Runs the framework and the program's bundles in it.
 class ServiceHost {
  public:
-  /// Starts the framework, the Declarative Services runtime, the parsers' bundle and, in this
-  /// order, `extensionBundles`, and registers an appendix as a service. Throws ProblemError, with
-  /// everything stopped again, when a bundle cannot be used or a snippet parser of the parsers'
-  /// bundle is not registered.
-  explicit ServiceHost(const std::vector<std::string>& extensionBundles);
+  /// Starts the framework, the Declarative Services runtime, the parsers' bundle, the bundle for
+  /// pieces if they are kept and, in this order, `extensionBundles`, and registers an appendix as a
+  /// service. Throws ProblemError, with everything stopped again, when a bundle cannot be used or a
+  /// parser that the program needs is not registered.
+  ServiceHost(const std::vector<std::string>& extensionBundles, Pieces pieces);
 
   /// Stops everything in the opposite order. Parsers that are still held may be released later,
   /// but not used.

@@ -22,7 +22,7 @@ BundleFiles findBundles() {
   const fs::path configured = TESSERA_DECLARATIVE_SERVICES;
   const fs::path embedded = folder / configured.filename();
   return {fs::exists(embedded) ? embedded.string() : configured.string(),
-          (folder / TESSERA_PARSER_BUNDLE).string()};
+          (folder / TESSERA_PARSER_BUNDLE).string(), (folder / TESSERA_PIECE_BUNDLE).string()};
 }
 
 }  // namespace tessera::host

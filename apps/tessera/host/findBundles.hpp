@@ -4,10 +4,11 @@
 
 namespace tessera::host {
 
-/// The files of the bundles that every run of the program needs.
+/// The files of the program's own bundles.
 struct BundleFiles {
   std::string declarativeServices;
   std::string parsers;
+  std::string pieces;
 };
 
 /// Returns the files of the bundles, relative to the program's own file. Does not check that they

@@ -24,17 +24,27 @@ def run(program, arguments):
     return text
 
 
+# The commands, by the folder of their golden files. `parse_bare` uses the sources of `parse`.
+COMMANDS = {
+    "check": ["check"],
+    "parse": ["parse", "--format", "json", "--trace"],
+    "parse_bare": ["parse", "--bare", "--format", "json", "--trace"],
+    "replay": ["replay"],
+    "tree": ["parse"],
+    "tree_bare": ["parse", "--bare"],
+}
+
+
 def cases():
     """Yields the golden file and the arguments of each case."""
-    for source in sorted(path for path in EXAMPLES.iterdir() if path.is_file()):
-        name = source.name
-        yield GOLDEN / "parse" / f"{name}.expected", ["parse", "--format", "json", "--trace", name]
-        yield GOLDEN / "tree" / f"{name}.expected", ["parse", name]
-        yield GOLDEN / "check" / f"{name}.expected", ["check", name]
-    for command, *options in ["replay"], ["check"], ["parse", "--format", "json", "--trace"]:
-        for source in sorted((GOLDEN / command).glob("*.in")):
-            arguments = [command, *options, f"../tests/golden/{command}/{source.name}"]
-            yield source.with_suffix(".expected"), arguments
+    for folder, command in COMMANDS.items():
+        sources = sorted((GOLDEN / folder.removesuffix("_bare")).glob("*.in"))
+        for source in sources:
+            yield (GOLDEN / folder / source.name).with_suffix(".expected"), [
+                *command, f"../{source.relative_to(ROOT)}"]
+        if folder != "replay":
+            for source in sorted(path for path in EXAMPLES.iterdir() if path.is_file()):
+                yield GOLDEN / folder / f"{source.name}.expected", [*command, source.name]
 
 
 def main():
@@ -51,7 +61,7 @@ def main():
             failed += 1
             print(f"{golden.relative_to(ROOT)}: tessera {' '.join(arguments)} writes something else")
     for golden in sorted(set(GOLDEN.glob("*/*.expected")) - known):
-        if golden.parent.name in ("parse", "tree", "check", "replay"):
+        if golden.parent.name in COMMANDS:
             failed += 1
             print(f"{golden.relative_to(ROOT)}: no case has this golden file")
     print(f"{checked} golden files, {failed} differ")

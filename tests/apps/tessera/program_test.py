@@ -114,7 +114,7 @@ class Parse(ProgramTest):
                                    "Parsing using the default parser",
                                    # The first line of a run fills the provider's list.
                                    "In LineNodeParserService",
-                                   "Found 0 non default code element parsers"])
+                                   "Found 1 non default code element parsers"])
         self.assertEqual(logs[1][0], "Checking if parse as task")
         self.assertNotIn("log", documents(tessera("parse", "--format", "ndjson", "-",
                                                   stdin=b"a").stdout)[0]["lines"][0])
@@ -228,6 +228,16 @@ class Parse(ProgramTest):
                     self.assertRefused(done, f"-:{size // 3 + 1}:{size % 3 + 1}: error: byte 0x{bad[0]:02X} "
                                        "is not valid UTF-8; convert the file to UTF-8", status=3)
 
+    def test_bare_drops_the_pieces_of_markers(self):
+        line = b"ab # <@output#o [0,1]> # <@control#c [1,2]>"
+        kept, = documents(tessera("parse", "--format", "ndjson", "-", stdin=line).stdout)
+        bare, = documents(tessera("parse", "--bare", "--format", "ndjson", "-", stdin=line).stdout)
+        self.assertEqual([(child["kind"], child["text"]) for child in kept["nodes"][0]["children"]],
+                         [("OutputNode", "a"), ("ControlNode", "b"), ("PlainTextNode", "  ")])
+        self.assertEqual([(child["kind"], child["text"]) for child in bare["nodes"][0]["children"]],
+                         [("PlainTextNode", "b  # <@control#c [1,2]>")])
+        self.assertEqual(kept["lines"], bare["lines"])
+
     def test_a_file_that_is_not_a_bundle_is_an_error(self):
         name = self.write("no.so", b"no library")
         done = tessera("parse", "--bundle", name, FILES[0])
@@ -252,26 +262,26 @@ class Parse(ProgramTest):
 
 
 class Bundles(ProgramTest):
-    """Runs a copy of the program whose parsers' bundle has another manifest."""
+    """Runs a copy of the program in which one of its bundles has another manifest."""
 
     PARSERS = "libzqquenlith_build_markup_code.so"
 
-    def install(self, change):
-        """Copies the program and applies `change` to the components of the manifest."""
+    def install(self, change, changed=PARSERS):
+        """Copies the program and applies `change` to the components of the manifest of `changed`."""
         (self.folder / "bin").mkdir()
         (self.folder / "lib").mkdir()
         program = shutil.copy(PROGRAM, self.folder / "bin")
         libraries = PROGRAM.parent.parent / "lib"
         for library in libraries.glob("*.so*"):
-            if library.name != self.PARSERS:
+            if library.name != changed:
                 (self.folder / "lib" / library.name).symlink_to(library)
-        with zipfile.ZipFile(libraries / self.PARSERS) as archive:
+        with zipfile.ZipFile(libraries / changed) as archive:
             begin = min(entry.header_offset for entry in archive.infolist())
             name, = (name for name in archive.namelist() if name.endswith("manifest.json"))
             manifest = json.loads(archive.read(name))
         change(manifest["scr"]["components"])
-        bundle = self.folder / "lib" / self.PARSERS
-        bundle.write_bytes((libraries / self.PARSERS).read_bytes()[:begin])
+        bundle = self.folder / "lib" / changed
+        bundle.write_bytes((libraries / changed).read_bytes()[:begin])
         with zipfile.ZipFile(bundle, "a") as archive:
             archive.writestr(name, json.dumps(manifest))
         return program
@@ -282,12 +292,34 @@ class Bundles(ProgramTest):
         self.assertEqual((done.stdout, done.returncode), (b"", 2))
         messages = done.stderr.decode().splitlines()
         self.assertTrue(messages[0].startswith("tessera: error: "), messages)
-        self.assertEqual(messages[-1], f"{self.folder}/bin/../lib/{self.PARSERS}: error: the snippet parser "
+        self.assertEqual(messages[-1], f"{self.folder}/bin/../lib/{self.PARSERS}: error: the parser "
                          f"TaskSnippetParserImpl {reason}; install the program again")
 
     def test_the_changed_copy_runs(self):
         program = self.install(lambda components: None)
         self.assertEqual(subprocess.run([program, "check", "-"], input=b"x", timeout=60).returncode, 0)
+
+    def test_without_the_bundle_for_pieces_only_bare_parses(self):
+        program = self.install(lambda components: None)
+        bundle = self.folder / "lib" / "libtessera_pieces.so"
+        bundle.unlink()
+        for command in ("parse", "check"):
+            done = subprocess.run([program, command, "-"], input=b"x", capture_output=True, timeout=60)
+            self.assertEqual((done.stdout, done.returncode), (b"", 2))
+            self.assertRegex(done.stderr.decode(), rf"^{self.folder}/bin/../lib/libtessera_pieces.so: "
+                             "error: the bundle cannot be started: .*\n$")
+            bare = subprocess.run([program, command, "--bare", "-"], input=b"x", capture_output=True, timeout=60)
+            self.assertEqual((bare.stderr, bare.returncode), (b"", 0))
+
+    @unittest.skipIf(SYSTEM_FRAMEWORK, "an installed framework words and times its errors in its own way")
+    def test_a_bundle_for_pieces_without_its_parser_is_an_error(self):
+        program = self.install(lambda components: components[0].update({"implementation-class": "tessera::Nowhere"}),
+                               "libtessera_pieces.so")
+        done = subprocess.run([program, "parse", "-"], input=b"x", capture_output=True, timeout=60)
+        self.assertEqual((done.stdout, done.returncode), (b"", 2))
+        self.assertEqual(done.stderr.decode().splitlines()[-1],
+                         f"{self.folder}/bin/../lib/libtessera_pieces.so: error: the parser PieceParser cannot be "
+                         "started; install the program again")
 
     @unittest.skipIf(SYSTEM_FRAMEWORK, "an installed framework words and times its errors in its own way")
     def test_without_the_task_parser_nothing_is_parsed(self):
@@ -373,7 +405,7 @@ class Check(ProgramTest):
 class Replay(ProgramTest):
     def test_a_recording_replays_to_the_same_documents(self):
         record = str(self.folder / "calls")
-        parsed = tessera("parse", "--format", "ndjson", "--trace", "--record", record, *FILES)
+        parsed = tessera("parse", "--bare", "--format", "ndjson", "--trace", "--record", record, *FILES)
         replayed = tessera("replay", record)
         self.assertEqual((replayed.returncode, replayed.stderr), (0, b""))
         answers = documents(replayed.stdout)

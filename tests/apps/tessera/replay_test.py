@@ -12,6 +12,7 @@ import unittest
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 EXAMPLES = pathlib.Path(__file__).resolve().parents[3] / "examples"
+PIECES = PROGRAM.parent.parent / "lib" / "libtessera_pieces.so"
 TASKS = "TaskSnippetParserImpl"
 
 
@@ -150,10 +151,15 @@ class Recordings(unittest.TestCase):
         self.folder = pathlib.Path(holder.name)
 
     def documents(self, *names):
-        """Parses files, replays the recording and compares the two."""
+        """Compares what is parsed, with and without pieces, with the replay of the recording; returns the
+        documents with pieces."""
+        self.replayed(["--bare"], [], *names)
+        return self.replayed([], ["--bundle", PIECES], *names)
+
+    def replayed(self, parse_options, replay_options, *names):
         record = str(self.folder / "calls.ndjson")
-        parsed = tessera("parse", "--format", "ndjson", "--trace", "--record", record, *names)
-        answers = tessera("replay", record)
+        parsed = tessera("parse", *parse_options, "--format", "ndjson", "--trace", "--record", record, *names)
+        answers = tessera("replay", *replay_options, record)
         documents = [answer["nodes"] for answer in answers if "nodes" in answer]
         self.assertEqual(documents, [document["nodes"] for document in parsed])
         lines = [line for document in parsed for line in document["lines"]]
@@ -176,6 +182,16 @@ class Recordings(unittest.TestCase):
         for path in sorted(path for path in EXAMPLES.iterdir() if path.is_file()):
             with self.subTest(path=path.name):
                 self.documents(str(path))
+
+    def test_a_recording_with_pieces_replays_without_them(self):
+        name = self.write("f", b"ab # <@output#o [0,1]> # <@control#c [1,2]>\n# <@task#t> # <@task#t>\n")
+        calls = [str(self.folder / option) for option in ("pieces", "bare")]
+        tessera("parse", "--format", "ndjson", "--record", calls[0], name)
+        bare, = tessera("parse", "--bare", "--format", "ndjson", "--record", calls[1], name)
+        # The calls of the snippet parsers are the same.
+        self.assertEqual(*(pathlib.Path(call).read_bytes() for call in calls))
+        *_, last = tessera("replay", calls[0])
+        self.assertEqual(last["nodes"], bare["nodes"])
 
     def test_other_spellings_of_an_example_give_the_same_document(self):
         for path in sorted(path for path in EXAMPLES.iterdir() if path.is_file()):

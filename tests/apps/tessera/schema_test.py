@@ -46,6 +46,25 @@ def failure(document):
     return find(document, "failureId", "overlapping_task_marker")
 
 
+def piece(document):
+    return find(document, "kind", "ControlNode")
+
+
+# Each damages the document of examples/fit.py in one way.
+DAMAGED_PIECES = {
+    "a piece without its text": lambda d: piece(d).pop("text"),
+    "a piece without its id": lambda d: piece(d).pop("id"),
+    "a piece without its type": lambda d: piece(d).pop("type"),
+    "a piece without its range": lambda d: piece(d).pop("range"),
+    "a piece without its data": lambda d: piece(d).pop("data"),
+    "a range with one number": lambda d: piece(d)["range"].pop(),
+    "a range with three numbers": lambda d: piece(d)["range"].append(9),
+    "a range below 0": lambda d: piece(d)["range"].__setitem__(0, -1),
+    "data that is a list": lambda d: piece(d).update(data=[]),
+    "a piece with an unknown key": lambda d: piece(d).update(extra=1),
+    "a node of another bundle with an id": lambda d: piece(d).update(kind="CodeNode"),
+}
+
 # Each damages the document of examples/tasks.py in one way.
 DAMAGE = {
     "no schema version": lambda d: d.pop("schemaVersion"),
@@ -53,7 +72,9 @@ DAMAGE = {
     "no file": lambda d: d.pop("file"),
     "an unknown key": lambda d: d.update(extra=1),
     "nodes that are not a list": lambda d: d.update(nodes={}),
-    "a node of an unknown kind": lambda d: d["nodes"][0].update(kind="CodeNode"),
+    "a node whose kind is empty": lambda d: d["nodes"][0].update(kind=""),
+    "a node of another bundle without children": lambda d: d["nodes"].append(
+        {"kind": "CodeNode", "anchorId": "", "contributorData": [], "parserFailures": []}),
     "a node without a kind": lambda d: d["nodes"][0].pop("kind"),
     "a line node with a text": lambda d: d["nodes"][0].update(text=""),
     "a text node without its text": lambda d: text(d).pop("text"),
@@ -87,20 +108,26 @@ def main():
     jsonschema.Draft7Validator.check_schema(schema)
     validator = jsonschema.Draft7Validator(schema)
     problems = []
-    documents = parse(program, *map(str, EXAMPLES)) + parse(program, "--trace", *map(str, EXAMPLES))
+    documents = [document for options in ([], ["--trace"], ["--bare"])
+                 for document in parse(program, *options, *map(str, EXAMPLES))]
     for document in documents:
         problems += [f"{document['file']}: {error.message}" for error in validator.iter_errors(document)]
-    if len(documents) != 2 * len(EXAMPLES) or len(EXAMPLES) < 7:
+    if len(documents) != 3 * len(EXAMPLES) or len(EXAMPLES) < 7:
         problems.append(f"{len(documents)} documents of {len(EXAMPLES)} examples")
-    tasks = next(d for d in documents if d["file"].endswith("tasks.py"))
-    for name, damage in DAMAGE.items():
-        damaged = copy.deepcopy(tasks)
-        damage(damaged)
-        if damaged == tasks:
-            problems.append(f"{name}: nothing was damaged")
-        elif validator.is_valid(damaged):
-            problems.append(f"{name}: the schema accepts it")
-    print("\n".join(problems + [f"{len(documents)} documents, {len(DAMAGE)} damaged ones"]))
+    for file, cases in ("tasks.py", DAMAGE), ("fit.py", DAMAGED_PIECES):
+        document = next(d for d in documents if d["file"].endswith(file))
+        for name, damage in cases.items():
+            damaged = copy.deepcopy(document)
+            damage(damaged)
+            if damaged == document:
+                problems.append(f"{name}: nothing was damaged")
+            elif validator.is_valid(damaged):
+                problems.append(f"{name}: the schema accepts it")
+    foreign = copy.deepcopy(document)
+    node = {"kind": "CodeNode", "anchorId": "", "children": [], "contributorData": [], "parserFailures": []}
+    foreign["nodes"] += [node, {**node, "text": "x"}]
+    problems += [f"nodes of another bundle: {error.message}" for error in validator.iter_errors(foreign)]
+    print("\n".join(problems + [f"{len(documents)} documents, {len(DAMAGE) + len(DAMAGED_PIECES)} damaged ones"]))
     return 1 if problems else 0
 
 

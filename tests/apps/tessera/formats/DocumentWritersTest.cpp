@@ -6,8 +6,11 @@
 
 #include "apps/tessera/support/TemporaryFolder.hpp"
 #include "apps/tessera/support/nodes.hpp"
+#include "platform/model/NoteNode.hpp"
 #include "tessera/formats/DocumentJson.hpp"
 #include "tessera/formats/DocumentTree.hpp"
+#include "tessera/pieces/ControlNode.hpp"
+#include "tessera/pieces/OutputNode.hpp"
 
 namespace {
 
@@ -17,6 +20,40 @@ using foundation::json::Value;
 using tessera::formats::DocumentJson;
 using tessera::formats::DocumentTree;
 using tessera::formats::Records;
+using tessera::pieces::ControlNode;
+using tessera::pieces::OutputNode;
+
+/// A text node of a class that the program does not know.
+class WordNode : public kd::zero::Handle<WordNode, document::kdzero::TextNode> {
+ public:
+  class Impl;
+  class Builder;
+};
+
+class WordNode::Impl final : public document::kdzero::TextNode::Impl {
+ public:
+  static const kd::zero::meta::Class& classOf() noexcept {
+    static const kd::zero::meta::Class metaClass = kd::zero::ElementMaker::describe<Impl>(
+        u"WordNode", document::kdzero::TextNode::Impl::classOf());
+    return metaClass;
+  }
+
+  std::u16string extra;
+
+ private:
+  friend struct kd::zero::ElementMaker;
+
+  explicit Impl(const boost::uuids::uuid& uuid)
+      : document::kdzero::TextNode::Impl(classOf(), uuid) {}
+  ~Impl() = default;
+};
+
+class WordNode::Builder : public kd::zero::ElementBuilder {
+ public:
+  using ElementBuilder::ElementBuilder;
+
+  WordNode createWordNode(const boost::uuids::uuid& uuid) const { return make<WordNode>(uuid); }
+};
 
 /// A document that is filled line by line and then written.
 class DocumentWriters : public testing::Test {
@@ -140,6 +177,56 @@ TEST_F(DocumentWriters, FailuresAndContributorDataAreWrittenWithAllTheirParts) {
             "          failure rule feature \"f\" sub-feature \"s\" marker \"m\" "
             "{\"position\":[0,18446744073709552000]}\n"
             "          data of \"feature\" {\"a\":null,\"b\":null}\n");
+}
+
+TEST_F(DocumentWriters, APieceIsWrittenWithThePartsOfItsMarker) {
+  auto line = nodes::makeLine(model());
+  auto output = OutputNode::Builder(model()).createOutputNode({});
+  output->setText(u"x");
+  output->setAnchorId(u"a");
+  line->getChildrenMutable().add(output);
+  auto control = ControlNode::Builder(model()).createControlNode({});
+  control->setText(u"1");
+  control->setId(u"c\u001B");
+  control->setType(u"slider");
+  control->setRange({4, 18446744073709551615U});
+  control->setData({{"min", Value(0.5)}, {"max", Value(std::uint64_t{18446744073709551615U})}});
+  line->getChildrenMutable().add(control);
+  addLine(line);
+  const std::string rest = "\"children\":[],\"contributorData\":[],\"parserFailures\":[]}";
+  const std::string text = json();
+  EXPECT_NE(
+      text.find("\"children\":[{\"kind\":\"OutputNode\",\"text\":\"x\",\"id\":\"\",\"type\":\"\","
+                "\"range\":[0,0],\"data\":{},\"anchorId\":\"a\"," +
+                rest +
+                ",{\"kind\":\"ControlNode\",\"text\":\"1\",\"id\":\"c\\u001b\",\"type\":\"slider\","
+                "\"range\":[4,18446744073709551615],\"data\":{\"max\":18446744073709551615,"
+                "\"min\":0.5},\"anchorId\":\"\"," +
+                rest + "]"),
+      text.npos)
+      << text;
+  EXPECT_EQ(tree(),
+            "a.py\n     1  LineNode\n          OutputNode \"x\" anchor \"a\" range [0,0]\n"
+            "          ControlNode \"1\" id \"c\\u001b\" type \"slider\" "
+            "range [4,18446744073709551615] {\"max\":18446744073709551615,\"min\":0.5}\n");
+}
+
+TEST_F(DocumentWriters, ANodeOfAnotherBundleHasTheNameOfItsClassAndItsText) {
+  const Node note = example::NoteNode::Builder(model()).createNoteNode({});
+  note->setAnchorId(u"a");
+  const WordNode word = WordNode::Builder(model()).createWordNode({});
+  word->setText(u"w");
+  word->extra = std::u16string(100, u'x');
+  note->getChildrenMutable().add(word);
+  addLine(note);
+  const std::string rest = "\"contributorData\":[],\"parserFailures\":[]}";
+  const std::string text = json();
+  EXPECT_NE(text.find("[{\"kind\":\"NoteNode\",\"anchorId\":\"a\",\"children\":["
+                      "{\"kind\":\"WordNode\",\"text\":\"w\",\"anchorId\":\"\",\"children\":[]," +
+                      rest + "]," + rest + "]"),
+            text.npos)
+      << text;
+  EXPECT_EQ(tree(), "a.py\n     1  NoteNode anchor \"a\"\n          WordNode \"w\"\n");
 }
 
 TEST_F(DocumentWriters, TextIsEscapedAsDocumented) {
