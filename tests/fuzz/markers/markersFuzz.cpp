@@ -6,6 +6,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "fuzz/require.hpp"
 #include "oracle/markers/MarkerTwin.hpp"
+#include "quenlith/syntax/MarkerCandidate.hpp"
 #include "quenlith/syntax/markers.hpp"
 
 namespace {
@@ -14,6 +15,7 @@ using fl::i18n::ustring;
 using quenlith::fuzz::require;
 using quenlith::oracle::TwinMarker;
 using quenlith::syntax::Marker;
+using quenlith::syntax::MarkerProblem;
 
 // The bytes as UTF-8; each ill-formed sequence becomes one half of a pair.
 ustring textOf(std::string_view bytes) {
@@ -48,6 +50,25 @@ void checkScan(const ustring& text, bool anyElement) {
   }
 }
 
+void checkCandidates(const ustring& text) {
+  const auto markers = quenlith::syntax::get_markers_from_snippet(text, false);
+  auto marker = markers.begin();
+  for (const auto& candidate : quenlith::syntax::findMarkerCandidates(text)) {
+    // Text before an appendix line is the only problem that may be before the candidate.
+    require(candidate.position <= candidate.opening && candidate.problemPosition <= text.size() &&
+                (candidate.position <= candidate.problemPosition ||
+                 candidate.problem == MarkerProblem::kBadAppendixLine),
+            "positions are in the text and in order");
+    require(text.compare(candidate.opening, 2, u"<@") == 0, "a candidate begins with its opening");
+    if (candidate.problem != MarkerProblem::kNone) continue;
+    require(marker != markers.end() && candidate.position == marker->position &&
+                candidate.problemPosition == marker->position + marker->length,
+            "a candidate without a problem is a marker");
+    ++marker;
+  }
+  require(marker == markers.end(), "every marker is a candidate");
+}
+
 }  // namespace
 
 // NOLINTNEXTLINE(readability-identifier-naming): the fuzzer's name for it
@@ -57,9 +78,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   checkScan(text, true);
   const Marker marker(text);
   require(Marker(marker.toString()) == marker, "a marker from text comes back");
-  for (const auto& damaged : quenlith::syntax::findDamagedMarkers(text)) {
-    require(damaged.position < damaged.problemPosition && damaged.problemPosition <= text.size(),
-            "a problem comes after its start");
-  }
+  checkCandidates(text);
   return 0;
 }

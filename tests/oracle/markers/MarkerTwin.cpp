@@ -1,5 +1,6 @@
 #include "MarkerTwin.hpp"
 
+#include <array>
 #include <limits>
 
 #include "JsonTwin.hpp"
@@ -10,37 +11,49 @@ namespace {
 
 constexpr std::size_t kDeepest = 64;
 
+// A leader, or an opener with its closer. The leader is a run of `repeated`; the opener is `before`
+// and such a run, the closer such a run and `after`.
+struct Comment {
+  std::u16string_view before;
+  char16_t repeated;
+  std::size_t least;
+  std::size_t most;
+  std::u16string_view after;
+};
+
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+constexpr std::array<Comment, 10> kComments{{{u"", u'%', 1, kAnyNumber, u""},
+                                             {u"", u'#', 1, kAnyNumber, u""},
+                                             {u"", u';', 1, kAnyNumber, u""},
+                                             {u"", u'!', 1, kAnyNumber, u""},
+                                             {u"", u'/', 2, kAnyNumber, u""},
+                                             {u"", u'-', 2, kAnyNumber, u""},
+                                             {u"/", u'*', 1, kAnyNumber, u"/"},
+                                             {u"(", u'*', 1, kAnyNumber, u")"},
+                                             {u"<!", u'-', 2, kAnyNumber, u">"},
+                                             {u"{", u'-', 1, 1, u"}"}}};
+
+bool isNameUnit(char16_t unit) {
+  constexpr std::u16string_view kNames =
+      u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
+  return unit >= 0x80 || kNames.find(unit) != kNames.npos;
+}
+
 // One attempt to read a marker. `at` is the position after the text read so far, and each rule of
 // the grammar is a function that returns whether it matched.
 class Attempt {
  public:
-  Attempt(std::u16string_view source, std::size_t start, bool any)
-      : text(source), at(start), anyElement(any) {
-    marker.position = start;
-  }
+  // The text before `floor` belongs to an earlier marker.
+  Attempt(std::u16string_view text, std::size_t floor, std::size_t start, bool anyElement)
+      : text(text), floor(floor), start(start), at(start), anyElement(anyElement) {}
 
   std::optional<TwinMarker> run() {
-    if (!leader() || !word(u"<@") || !element() || !type() || !id()) {
-      return {};
+    if (remark() && body()) return marker;
+    for (const Comment& comment : kComments) {
+      at = start;
+      if (open(comment) && body() && close(comment)) return marker;
     }
-    bool blanksSeen = blanks();
-    if (peek() == u'[') {
-      if (!blanksSeen || !range()) {
-        return {};
-      }
-      blanksSeen = blanks();
-    }
-    if (peek() == u'{') {
-      if (!blanksSeen || !data()) {
-        return {};
-      }
-      blanks();
-    }
-    if (!word(u">")) {
-      return {};
-    }
-    marker.length = at - marker.position;
-    return marker;
+    return {};
   }
 
  private:
@@ -55,38 +68,84 @@ class Attempt {
   }
 
   bool blanks() {
-    const std::size_t start = at;
+    const std::size_t first = at;
     while (peek() == u' ' || peek() == u'\t') {
       ++at;
     }
-    return at != start;
+    return at != first;
   }
 
-  // leader *blank: the leader is the whole run of the character.
-  bool leader() {
-    const char16_t sign = peek();
-    const std::size_t start = at;
-    if (start > 0 && text[start - 1] == sign) {
-      return false;
-    }
-    while (at < text.size() && text[at] == sign) {
+  // Reads the whole run of a character and returns its length.
+  std::size_t run(char16_t unit) {
+    const std::size_t first = at;
+    while (at < text.size() && text[at] == unit) {
       ++at;
     }
-    const bool single = sign == u'%' || sign == u'#';
-    const bool twofold = sign == u'/' || sign == u'-' || sign == u';';
-    blanks();
-    std::size_t run = 0;
-    while (start + run < text.size() && text[start + run] == sign) {
-      ++run;
+    return at - first;
+  }
+
+  // Whether the text before the start, without that of an earlier marker, ends with this.
+  bool follows(std::u16string_view before) const {
+    return text.substr(floor, start - floor).ends_with(before);
+  }
+
+  bool remark() {
+    const bool isInName = start > floor && isNameUnit(text[start - 1]);
+    return !isInName && (word(u"REM") || word(u"rem")) && blanks();
+  }
+
+  // *blank follows. A leader is the whole run of its character, and not the end of an opener.
+  bool open(const Comment& comment) {
+    const bool isLeader = comment.before.empty();
+    const std::u16string_view repeated(&comment.repeated, 1);
+    if (isLeader && (follows(repeated) || (comment.repeated == u'-' && follows(u"<!")))) {
+      return false;
     }
-    return (single && run >= 1) || (twofold && run >= 2);
+    if (!word(comment.before)) return false;
+    const std::size_t length = run(comment.repeated);
+    blanks();
+    return length >= comment.least && length <= comment.most;
+  }
+
+  // *blank precedes.
+  bool close(const Comment& comment) {
+    if (comment.before.empty()) return true;
+    blanks();
+    const std::size_t length = run(comment.repeated);
+    if (length < comment.least || length > comment.most || !word(comment.after)) return false;
+    marker.length = at - start;
+    return true;
+  }
+
+  bool body() {
+    marker = TwinMarker();
+    marker.position = start;
+    if (!word(u"<@") || !element() || !type() || !id()) {
+      return false;
+    }
+    bool blanksSeen = blanks();
+    if (peek() == u'[') {
+      if (!blanksSeen || !range()) {
+        return false;
+      }
+      blanksSeen = blanks();
+    }
+    if (peek() == u'{') {
+      if (!blanksSeen || !data()) {
+        return false;
+      }
+      blanks();
+    }
+    if (!word(u">")) {
+      return false;
+    }
+    marker.length = at - start;
+    return true;
   }
 
   std::u16string name() {
-    constexpr std::u16string_view kNames =
-        u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
     std::u16string result;
-    while (at < text.size() && (text[at] >= 0x80 || kNames.find(text[at]) != kNames.npos)) {
+    while (at < text.size() && isNameUnit(text[at])) {
       result += text[at++];
     }
     return result;
@@ -160,6 +219,8 @@ class Attempt {
   }
 
   std::u16string_view text;
+  std::size_t floor;
+  std::size_t start;
   std::size_t at;
   bool anyElement;
   TwinMarker marker;
@@ -170,9 +231,11 @@ class Attempt {
 std::vector<TwinMarker> twinMarkers(std::u16string_view text, bool anyElement) {
   std::vector<TwinMarker> markers;
   std::size_t at = 0;
+  std::size_t floor = 0;
   while (at < text.size()) {
-    if (const auto marker = Attempt(text, at, anyElement).run()) {
+    if (const auto marker = Attempt(text, floor, at, anyElement).run()) {
       at += marker->length;
+      floor = at;
       markers.push_back(*marker);
     } else {
       ++at;

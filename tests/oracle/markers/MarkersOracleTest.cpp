@@ -4,11 +4,13 @@
 #include <iostream>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 
 #include "MarkerTwin.hpp"
 #include "RandomMarkers.hpp"
 #include "fl/i18n/ustring.hpp"
+#include "quenlith/syntax/MarkerCandidate.hpp"
 #include "quenlith/syntax/markers.hpp"
 
 namespace quenlith::oracle {
@@ -17,6 +19,7 @@ namespace {
 using fl::i18n::ustring;
 using fl::i18n::ustring_to_utf8;
 using syntax::Marker;
+using syntax::MarkerProblem;
 using syntax::core::MarkerInfo;
 
 constexpr int kTexts = 200'000;
@@ -49,6 +52,7 @@ class Tally {
     add("texts with an unknown element", any.size() > known.size());
     add("texts where an unknown element hides a marker", hides(known, any));
     add("texts with a damaged marker", !syntax::findDamagedMarkers(text).empty());
+    countProblems(text);
     for (const TwinMarker& marker : known) {
       countMarker(text.substr(marker.position, marker.length), marker);
     }
@@ -77,7 +81,21 @@ class Tally {
     return alsoKnown < known.size();
   }
 
+  void countProblems(const ustring& text) {
+    std::set<MarkerProblem> problems;
+    for (const auto& damaged : syntax::findDamagedMarkers(text)) {
+      problems.insert(damaged.problem);
+    }
+    for (auto problem = MarkerProblem::kMissingElement; problem <= MarkerProblem::kBadAppendixLine;
+         problem = static_cast<MarkerProblem>(static_cast<int>(problem) + 1)) {
+      add(std::string("texts in which ") + syntax::describe(problem), problems.contains(problem));
+    }
+  }
+
   void countMarker(const ustring& text, const TwinMarker& marker) {
+    for (const ustring start : {u"/*", u"(*", u"<!--", u"{-", u"!", u";", u"REM", u"rem"}) {
+      add("markers that begin with " + ustring_to_utf8(start), text.starts_with(start));
+    }
     add("markers with a type", !marker.type.empty());
     add("markers with a quoted id", text.find(u"#\"") != ustring::npos && !marker.id.empty());
     add("markers with a range", marker.range.has_value());
@@ -103,6 +121,20 @@ void compareScan(const ustring& text, bool anyElement, const std::vector<TwinMar
   }
 }
 
+// The candidates without a problem are the markers.
+void compareCandidates(const ustring& text, const std::vector<TwinMarker>& known) {
+  auto marker = known.begin();
+  for (const auto& candidate : syntax::findMarkerCandidates(text)) {
+    if (candidate.problem != MarkerProblem::kNone) continue;
+    ASSERT_TRUE(marker != known.end()) << ustring_to_utf8(text);
+    ASSERT_EQ(candidate.position, marker->position) << ustring_to_utf8(text);
+    ASSERT_EQ(candidate.problemPosition, marker->position + marker->length)
+        << ustring_to_utf8(text);
+    ++marker;
+  }
+  ASSERT_TRUE(marker == known.end()) << ustring_to_utf8(text);
+}
+
 void compareFeatures(const ustring& text, const std::vector<TwinMarker>& known) {
   for (const ustring element : {u"control", u"output", u"task", u"text", u"widget"}) {
     bool expected = false;
@@ -125,6 +157,7 @@ TEST(MarkersOracle, TheScannerAgreesWithTheTwin) {
     compareScan(text, false, known);
     compareScan(text, true, any);
     compareFeatures(text, known);
+    compareCandidates(text, known);
     tally.count(text, known, any);
   }
   tally.print();

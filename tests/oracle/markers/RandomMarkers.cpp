@@ -9,8 +9,13 @@ namespace {
 
 using Text = std::u16string_view;
 
-constexpr std::array<Text, 14> kLeaders{u"#",   u"%", u"//", u"--", u";;", u"##", u"%%%",
-                                        u"///", u"/", u"-",  u";",  u"",   u"%#", u"#x"};
+constexpr std::array<Text, 28> kLeaders{
+    u"#",   u"%",    u"//",    u"--",    u";",     u"!",    u"##", u"%%%", u"///", u";;",
+    u"!!",  u"----", u"REM ",  u"rem\t", u"/",     u"-",    u"",   u"%#",  u"#x",  u"REM",
+    u"REM", u"rem",  u"xREM ", u".rem ", u"(rem ", u"Rem ", u"*",  u"<!-"};
+// Openers and closers: what comes before or after the run, and its character.
+constexpr std::array<std::array<Text, 3>, 4> kBlocks{
+    {{u"/", u"*", u"/"}, {u"(", u"*", u")"}, {u"<!", u"-", u">"}, {u"{", u"-", u"}"}}};
 constexpr std::array<Text, 14> kElements{u"control", u"output", u"task",   u"text",   u"task",
                                          u"output",  u"text",   u"Task",   u"widget", u"appendix",
                                          u"tasks",   u"",       u"\u00FC", u"t"};
@@ -60,7 +65,7 @@ constexpr std::array<Text, 20> kStringParts{
     u"a",       u"b c",     u"\\n",    u"\\\"",   u"\\\\",   u"\\/",        u"\\u0041",
     u"\\ud83d", u"\\ude00", u"\xD83D", u"\xDE00", u"\u00E9", u"\U0001F600", u"<@",
     u">",       u"{",       u"}",      u"\\x",    u"\x01",   u"\u007F"};
-constexpr Text kDamages = u"<@>{}[]:#,\"\\ \t%/-;0a\n\r\x1F\u00A0";
+constexpr Text kDamages = u"<@>{}[]:#,\"\\ \t%/-;!*()0aMm\n\r\x1F\u00A0";
 
 }  // namespace
 
@@ -105,7 +110,30 @@ std::u16string RandomMarkers::blanks() {
 }
 
 std::u16string RandomMarkers::marker() {
-  std::u16string result = pick(kLeaders) + blanks() + u"<@" + pick(kElements);
+  return oneIn(2) ? inLineComment() : inBlockComment();
+}
+
+std::u16string RandomMarkers::inLineComment() {
+  return pick(kLeaders) + blanks() + body();
+}
+
+// Sometimes the closer is missing, or is that of another block comment.
+std::u16string RandomMarkers::inBlockComment() {
+  const auto& opened = kBlocks[below(kBlocks.size())];
+  const auto& closed = oneIn(15) ? kBlocks[below(kBlocks.size())] : opened;
+  const std::u16string opener = std::u16string(opened[0]) + run(opened[1][0]);
+  const std::u16string closer = oneIn(15) ? u"" : run(closed[1][0]) + std::u16string(closed[2]);
+  return opener + blanks() + body() + blanks() + closer;
+}
+
+// Two characters, or one, or up to six.
+std::u16string RandomMarkers::run(char16_t unit) {
+  const std::size_t length = oneIn(3) ? 1 + below(6) : (oneIn(2) ? 1 : 2);
+  return std::u16string(length, unit);
+}
+
+std::u16string RandomMarkers::body() {
+  std::u16string result = u"<@" + pick(kElements);
   if (oneIn(3)) {
     result += u":" + pick(kTypes);
   }

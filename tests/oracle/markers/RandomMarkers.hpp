@@ -20,6 +20,10 @@ class RandomMarkers {
   std::u16string pick(const List& list);
 
   std::u16string marker();
+  std::u16string body();
+  std::u16string inLineComment();
+  std::u16string inBlockComment();
+  std::u16string run(char16_t unit);
   std::u16string blanks();
   std::u16string id();
   std::u16string range();

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "quenlith/syntax/MarkerCandidate.hpp"
 #include "quenlith/syntax/markers.hpp"
 #include "support/GuardedMemory.hpp"
 

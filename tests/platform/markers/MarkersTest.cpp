@@ -55,7 +55,15 @@ TEST(Scan, FindsTheMarkersOfEveryLanguage) {
       {u"-- <@task#t1>", "0+13 %<@task#t1>"},
       {u"%<@control:slider#c2 [4,7] {\"min\":0,\"max\":10,\"step\":0.5}>",
        "0+57 %<@control:slider#c2 {\"max\":10,\"min\":0,\"step\":0.5}> [4,7)"},
-      {u";; <@text>", "0+10 %<@text>"},
+      {u"; <@text>", "0+9 %<@text>"},
+      {u"! <@text>", "0+9 %<@text>"},
+      {u"REM <@text>", "0+11 %<@text>"},
+      {u"rem <@text>", "0+11 %<@text>"},
+      {u"/* <@text> */", "0+13 %<@text>"},
+      {u"(* <@text> *)", "0+13 %<@text>"},
+      {u"<!-- <@text:anchor#intro> -->", "0+29 %<@text:anchor#intro>"},
+      {u"{- <@text> -}", "0+13 %<@text>"},
+      {u"a { width: 12em; } /* <@control#width [11,15]> */", "19+30 %<@control#width> [11,15)"},
   });
 }
 
@@ -69,7 +77,11 @@ TEST(Scan, ALeaderIsTheWholeRunOfItsCharacter) {
       {u"/////<@task>", "0+12 %<@task>"},
       {u"--<@task>", "0+9 %<@task>"},
       {u"---<@task>", "0+10 %<@task>"},
+      {u";<@task>", "0+8 %<@task>"},
       {u";;<@task>", "0+9 %<@task>"},
+      {u"!<@task>", "0+8 %<@task>"},
+      {u"!!! <@task>", "0+11 %<@task>"},
+      {u"x = 1;<@task>", "5+8 %<@task>"},
       {u";;;\t \t<@task>", "0+13 %<@task>"},
       // Of two kinds the nearest one is the leader.
       {u"##%%<@task>", "2+9 %<@task>"},
@@ -79,7 +91,6 @@ TEST(Scan, ALeaderIsTheWholeRunOfItsCharacter) {
       // Too few characters, another character, or none.
       {u"/<@task>", ""},
       {u"-<@task>", ""},
-      {u"; <@task>", ""},
       {u"/ /<@task>", ""},
       {u"<@task>", ""},
       {u" <@task>", ""},
@@ -88,6 +99,115 @@ TEST(Scan, ALeaderIsTheWholeRunOfItsCharacter) {
       {u"# x<@task>", ""},
       {u"#\n<@task>", ""},
       {u"#\u00A0<@task>", ""},
+  });
+}
+
+TEST(Scan, ARemarkIsAWholeWordAndABlank) {
+  expectScans({
+      {u"REM\t<@task>", "0+11 %<@task>"},
+      {u"@REM  <@task>", "1+12 %<@task>"},
+      {u"x & rem <@task>", "4+11 %<@task>"},
+      {u"#REM <@task>", "1+11 %<@task>"},
+      {u"# REM <@task>", "2+11 %<@task>"},
+      {u"# <@text>REM <@task>", "0+9 %<@text> | 9+11 %<@task>"},
+      {u"<@REM <@task>", "2+11 %<@task>"},
+      {u"REM<@task>", ""},
+      {u"REM\u00A0<@task>", ""},
+      {u"Rem <@task>", ""},
+      {u"rEM <@task>", ""},
+      {u"REm <@task>", ""},
+      {u"EM <@task>", ""},
+      {u"M <@task>", ""},
+      {u"xREM <@task>", ""},
+      {u"_rem <@task>", ""},
+      {u"-rem <@task>", ""},
+      {u".rem <@task>", ""},
+      {u"\u00E9rem <@task>", ""},
+      {u"REMREM <@task>", ""},
+      {u"REM \n<@task>", ""},
+  });
+}
+
+TEST(Scan, ABlockCommentBelongsToItsMarkerWithItsWholeRuns) {
+  expectScans({
+      {u"/*<@task>*/", "0+11 %<@task>"},
+      {u"/**<@task>***/", "0+14 %<@task>"},
+      {u"/***** \t<@task>\t */", "0+19 %<@task>"},
+      {u"(*<@task>*)", "0+11 %<@task>"},
+      {u"(*** <@task> **)", "0+16 %<@task>"},
+      {u"<!--<@task>-->", "0+14 %<@task>"},
+      {u"<!---- <@task> --->", "0+19 %<@task>"},
+      {u"{-<@task>-}", "0+11 %<@task>"},
+      {u"x /* <@task> */ y", "2+13 %<@task>"},
+      {u"//* <@task> */", "1+13 %<@task>"},
+      {u"((* <@task> *))", "1+13 %<@task>"},
+      {u"{{- <@task> -}}", "1+13 %<@task>"},
+      {u"<<!-- <@task> -->>", "1+16 %<@task>"},
+      {u"/* <@task> *//", "0+13 %<@task>"},
+      {u"/* <@output#o [1,2] {\"a\":\"*/\"} > */", "0+35 %<@output#o {\"a\":\"*/\"}> [1,2)"},
+  });
+}
+
+TEST(Scan, AnOpenerNeedsItsCloser) {
+  expectScans({
+      {u"/* <@task>", ""},         {u"/* <@task> *", ""},      {u"/* <@task> /", ""},
+      {u"/* <@task> * /", ""},     {u"/* <@task> x */", ""},   {u"/* <@task>\n*/", ""},
+      {u"/*\n<@task> */", ""},     {u"/* <@task> *)", ""},     {u"/* <@task> -->", ""},
+      {u"(* <@task> */", ""},      {u"(*) <@task> *)", ""},    {u"<!-- <@task>", ""},
+      {u"<!-- <@task> ->", ""},    {u"<!-- <@task> -- >", ""}, {u"<!-- <@task> --", ""},
+      {u"<!-- <@task> --}", ""},   {u"{- <@task>", ""},        {u"{- <@task> }", ""},
+      {u"{- <@task> --}", ""},     {u"{- <@task> ->", ""},     {u"* <@task> */", ""},
+      {u"/*\u00A0<@task> */", ""},
+  });
+}
+
+// What is not an opener may end with a leader.
+TEST(Scan, ALeaderInsideABlockCommentIsALeader) {
+  expectScans({
+      {u"/*# <@task> */", "2+9 %<@task>"},
+      {u"/*! <@task> */", "2+9 %<@task>"},
+      {u"/* // <@task> */", "3+10 %<@task>"},
+      {u"<!--# <@task> -->", "4+9 %<@task>"},
+      {u"<! <@task>", "1+9 %<@task>"},
+      {u"<!- <@task> ->", ""},
+      {u"!-- <@task> -->", "1+10 %<@task>"},
+      {u"<!!-- <@task> -->", "3+10 %<@task>"},
+      {u"<! -- <@task> -->", "3+10 %<@task>"},
+      {u"{-- <@task> --}", "1+10 %<@task>"},
+      {u"{ - <@task> -}", ""},
+      {u"*// <@task>", "1+10 %<@task>"},
+      {u"/*/ <@task> */", ""},
+  });
+}
+
+TEST(Scan, AnEarlierMarkerIsNoPartOfALeaderOrOpener) {
+  expectScans({
+      {u"/* <@task#a> *//* <@task#b> */", "0+15 %<@task#a> | 15+15 %<@task#b>"},
+      {u"/* <@task> *///  <@text>", "0+13 %<@task> | 13+11 %<@text>"},
+      {u"/* <@task> *//  <@text>", "0+13 %<@task>"},
+      {u"/* <@task> */* <@text> */", "0+13 %<@task>"},
+      {u"/* <@task> */ <@text>", "0+13 %<@task>"},
+      {u"/* <@task> <@text> */", ""},
+      {u"(* <@task> *)(* <@text> *)", "0+13 %<@task> | 13+13 %<@text>"},
+      {u"<!-- <@task> --><!-- <@text> -->", "0+16 %<@task> | 16+16 %<@text>"},
+      {u"{- <@task> -}{- <@text> -}", "0+13 %<@task> | 13+13 %<@text>"},
+      {u"{- <@task> -}- <@text> -}", "0+13 %<@task>"},
+      {u"# <@task>-- <@text> -->", "0+9 %<@task> | 9+10 %<@text>"},
+  });
+}
+
+TEST(Scan, OfOverlappingCommentsTheFirstMarkerCounts) {
+  expectScans({
+      {u"/* <@task#\"/* <@text> */\"> */", "0+29 %<@task#\"/* <@text> */\">"},
+      {u"# <@task#\"/* <@text> */\">", "0+25 %<@task#\"/* <@text> */\">"},
+      // The outer one has no closer.
+      {u"/* <@task#\"/* <@text> */\"> x */", "11+13 %<@text>"},
+      {u"/* <@task#\"# <@text>\">", "11+9 %<@text>"},
+      {u"/* <@task> # <@text> */", "11+9 %<@text>"},
+      {u"<!-- <@task> /* <@text> */", "13+13 %<@text>"},
+      {u"/* <@task> /* <@text> */", "11+13 %<@text>"},
+      // The inner one has none.
+      {u"# <@task#\"/* <@text>\"> */", "0+22 %<@task#\"/* <@text>\">"},
   });
 }
 
@@ -303,6 +423,15 @@ TEST(Scan, ASnippetWithoutAnyMarkerGivesAnEmptyList) {
   }
 }
 
+TEST(Scan, OfSeveralLinesTakesEachLineAlone) {
+  const ustring text =
+      u"/* <@task#a> */\n/*\n<@task#b> */\n<!-- <@task#c>\n-->\nREM\n<@task#d>\n"
+      u"{- <@text#e> -}\nREM <@output#f>\n#\n<@task#g>";
+  EXPECT_EQ(scan(text), "0+15 %<@task#a> | 65+15 %<@text#e> | 81+15 %<@output#f>");
+  EXPECT_TRUE(has_feature(text, u"output"));
+  EXPECT_FALSE(has_feature(text, u"control"));
+}
+
 TEST(GetMarker, PicksTheFirstWithTheElementAndType) {
   const auto markers = get_markers_from_snippet(
       u"# <@task#a> # <@text#b> # <@text:anchor#c> # <@text:anchor#d> # <@task#e>", false);
@@ -346,55 +475,37 @@ TEST(KnownElement, IsFoundByItsWholeName) {
   }
 }
 
-TEST(AppendixLine, ContainsOnlyALeaderAndItsMark) {
-  for (const ustring line : {u"# <@appendix>", u"#<@appendix>", u"///\t <@appendix> \t",
-                             u"%%%<@appendix>", u"--<@appendix>", u";; <@appendix>"}) {
+TEST(AppendixLine, ContainsOnlyACommentAndItsMark) {
+  for (const ustring line :
+       {u"# <@appendix>", u"#<@appendix>", u"///\t <@appendix> \t", u"%%%<@appendix>",
+        u"--<@appendix>", u"; <@appendix>", u"!<@appendix>", u"REM <@appendix>",
+        u"rem\t<@appendix>", u" \t# <@appendix>", u"/* <@appendix> */", u"\t/**<@appendix>***/ ",
+        u"(*<@appendix>*)", u"<!-- <@appendix> -->", u"{- <@appendix> -}"}) {
     EXPECT_TRUE(isAppendixLine(line)) << ustring_to_utf8(line);
   }
-  for (const ustring line :
-       {u"", u"<@appendix>", u" # <@appendix>", u"x # <@appendix>", u"# <@appendix> x",
-        u"/ <@appendix>", u"# <@appendix", u"# <@appendix >", u"# <@Appendix>", u"## # <@appendix>",
-        u"# <@appendix#a>", u"# <@appendix><@appendix>"}) {
+  for (const ustring line : {u"",
+                             u"<@appendix>",
+                             u"x # <@appendix>",
+                             u"# <@appendix> x",
+                             u"/ <@appendix>",
+                             u"# <@appendix",
+                             u"# <@appendix >",
+                             u"# <@Appendix>",
+                             u"## # <@appendix>",
+                             u"# <@appendix#a>",
+                             u"# <@appendix><@appendix>",
+                             u"REM<@appendix>",
+                             u"/* <@appendix>",
+                             u"/* <@appendix> *",
+                             u"/* <@appendix> */ x",
+                             u"x /* <@appendix> */",
+                             u"/* <@appendix> -->",
+                             u"/* <@appendix> */ */",
+                             u"<!-- <@appendix>",
+                             u"<@appendix> -->",
+                             u"# <@appendix> -->"}) {
     EXPECT_FALSE(isAppendixLine(line)) << ustring_to_utf8(line);
   }
-}
-
-struct DamageCase {
-  ustring text;
-  std::uint64_t position;
-  std::uint64_t problemPosition;
-  std::string reason;
-};
-
-const std::vector<DamageCase> kDamages{
-    {u"x # <@task", 2, 10, "a '>' is missing"},
-    {u"# <@task x>", 0, 9, "a '>' is missing"},
-    {u"# <@task:>", 0, 9, "a type is missing behind ':'"},
-    {u"# <@task#>", 0, 9, "an id is missing behind '#'"},
-    {u"# <@task#\"a>", 0, 12, "the text ends too early"},
-    {u"# <@task#\"\\x\">", 0, 10, "there is no such escape"},
-    {u"# <@task[1,2]>", 0, 8, "a blank is missing before the range"},
-    {u"# <@task [-1,2]>", 0, 10, "a number is missing in the range"},
-    {u"# <@task [1;2]>", 0, 11, "a ',' is missing in the range"},
-    {u"# <@task [1,x]>", 0, 12, "a number is missing in the range"},
-    {u"# <@task [1,2}>", 0, 13, "a ']' is missing"},
-    {u"# <@task{}>", 0, 8, "a blank is missing before the data"},
-    {u"# <@task {\"a\" 1}>", 0, 14, "a ':' is missing"},
-};
-
-TEST(DamagedMarkers, AreReportedWithPositionAndReason) {
-  for (const auto& [text, position, problem, reason] : kDamages) {
-    const auto damaged = findDamagedMarkers(text);
-    ASSERT_EQ(damaged.size(), 1U) << ustring_to_utf8(text);
-    EXPECT_EQ(damaged[0].position, position) << ustring_to_utf8(text);
-    EXPECT_EQ(damaged[0].problemPosition, problem) << ustring_to_utf8(text);
-    EXPECT_EQ(damaged[0].reason, reason) << ustring_to_utf8(text);
-  }
-}
-
-TEST(DamagedMarkers, AreOfKnownElementsAndHaveALeader) {
-  EXPECT_TRUE(findDamagedMarkers(u"# <@widget x> <@task # <@task#t1> # <@tasks").empty());
-  EXPECT_EQ(findDamagedMarkers(u"# <@task # <@text> # <@output").size(), 2U);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "quenlith/syntax/MarkerCandidate.hpp"
 #include "quenlith/syntax/markers.hpp"
 #include "support/CountedWork.hpp"
 
@@ -43,7 +44,6 @@ const std::vector<Hostile> kHostile{
     repeating("openings", u"<@"),
     repeating("openings with a leader", u"#<@"),
     repeating("leaders", u"#"),
-    repeating("leaders of all kinds", u"%#/-;"),
     repeating("blanks", u" "),
     repeating("leader, then many blanks", u"#                                <@"),
     headed("a long leader, many openings", ustring(1000, u'#'), u"<@task "),
@@ -71,6 +71,44 @@ const std::vector<Hostile> kHostile{
     headed("many keys that fail at the end", u"#<@task {\"a\":0", u",\"a\":0"),
     repeating("markers", u"#<@task>"),
     repeating("markers with data", u"x # <@task#\"i\" [1,2] {\"a\":[1,2.5,\"b\"]}>\n"),
+    repeating("leaders and openers of all kinds", u"%#;!/-*(<!{REM rem "),
+    repeating("slashes", u"/"),
+    repeating("dashes", u"-"),
+    repeating("stars", u"*"),
+    repeating("parentheses", u"("),
+    repeating("half comments", u"<!"),
+    repeating("remarks", u"REM "),
+    repeating("remarks before openings", u"REM <@"),
+    repeating("openers", u"/*(*<!--{-"),
+    repeating("closers", u"*/*)-->-}"),
+    repeating("openers before openings", u"/*<@(*<@<!--<@{-<@"),
+    repeating("openers without closers", u"/*<@task>(*<@task>"),
+    repeating("dashed openers without closers", u"<!--<@task>{-<@task>"),
+    repeating("half closers", u"/*<@task>*<!--<@task>--"),
+    repeating("long runs before openings", ustring(1000, u'*') + u"<@"),
+    repeating("long dashes before openings", u"<!" + ustring(1000, u'-') + u"<@task>"),
+    repeating("long half closers", u"/*<@task>" + ustring(1000, u'*')),
+    repeating("long blanks before half closers", u"/*<@task>" + ustring(1000, u' ') + u"*"),
+    repeating("block comments", u"/*<@task>*/<!--<@text>-->(*<@output>*){-<@task>-}"),
+    repeating("block comments without closers in strings", u"/*<@task {\"a\":\"/*<@task#\"b\">"),
+    repeating("closers in strings", u"/*<@task#\">*/\">"),
+    headed("one marker, many leaders", u"#<@task>", u"<@ "),
+    {"one long run of stars",
+     [](std::size_t size) { return u"/" + ustring(size, u'*') + u"<@task>"; }},
+    {"one long run of stars after",
+     [](std::size_t size) { return u"/*<@task>" + ustring(size, u'*'); }},
+    {"one long run of dashes",
+     [](std::size_t size) { return u"<!" + ustring(size, u'-') + u"<@task>"; }},
+    {"one long run of dashes after",
+     [](std::size_t size) { return u"<!--<@task>" + ustring(size, u'-'); }},
+    {"a marker, blanks, then openings",
+     [](std::size_t size) {
+       return u"#<@task>" + ustring(size / 2, u' ') + repeated(u"<@", size / 2);
+     }},
+    {"an appendix line, blanks, then openings",
+     [](std::size_t size) {
+       return ustring(size / 2, u' ') + repeated(u"#<@appendix> ", size / 2);
+     }},
     repeating("percent signs", u"\"%%%%\" %%\\%%<@"),
     repeating("unknown elements", u"#<@widget {\"a\":\"#<@widget\"}>"),
     repeating("long numbers", u"#<@task {\"a\":1e309, \"b\":2"),
@@ -107,6 +145,14 @@ TEST(ScannerWork, OfAnyElementIsLinear) {
 
 TEST(ScannerWork, OfDamagedMarkersIsLinear) {
   expectLinear([](const ustring& text) { findDamagedMarkers(text); });
+}
+
+TEST(ScannerWork, OfCandidatesIsLinear) {
+  expectLinear([](const ustring& text) { findMarkerCandidates(text); });
+}
+
+TEST(ScannerWork, OfAnAppendixLineIsLinear) {
+  expectLinear([](const ustring& text) { isAppendixLine(text); });
 }
 
 TEST(ScannerWork, HasFeatureStopsAtTheFirstMatch) {

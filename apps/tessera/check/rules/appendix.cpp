@@ -1,9 +1,11 @@
 #include "tessera/check/rules/appendix.hpp"
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <utility>
 
+#include "quenlith/syntax/MarkerCandidate.hpp"
 #include "quenlith/syntax/markers.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/rules/markerText.hpp"
@@ -17,6 +19,8 @@ using catalogue::DiagnosticKind;
 using catalogue::Span;
 using catalogue::spanOf;
 using quenlith::syntax::Marker;
+using quenlith::syntax::MarkerCandidate;
+using quenlith::syntax::MarkerProblem;
 using quenlith::syntax::core::MarkerInfo;
 
 using Key = std::pair<fl::i18n::ustring, fl::i18n::ustring>;
@@ -27,6 +31,12 @@ Key keyOf(const Marker& marker) {
 
 std::string entryName(const Marker& marker) {
   return plainText(marker.elementView()) + " " + nameOf(marker);
+}
+
+/// Returns whether the author certainly meant a marker.
+bool isIntended(const MarkerCandidate& candidate) {
+  return isComplete(candidate.comment) && candidate.problem != MarkerProblem::kMissingElement &&
+         candidate.problem != MarkerProblem::kUnknownElement;
 }
 
 /// Checks the lines of an appendix one by one.
@@ -64,10 +74,13 @@ class AppendixCheck {
   void reportDamage(std::u16string_view line, Span whole) {
     using enum DiagnosticKind;
     const auto damaged = quenlith::syntax::findDamagedMarkers(line);
-    if (damaged.empty()) return report(kTextInAppendix, whole, {});
-    const std::uint64_t at = damaged.front().problemPosition;
+    const auto intended = std::ranges::find_if(damaged, isIntended);
+    if (intended == damaged.end()) return report(kTextInAppendix, whole, {});
+    const std::uint64_t at = intended->problemPosition;
     const std::uint64_t end = at < line.size() ? at + 1 : at;
-    report(kDamagedMarker, catalogue::spanOf(number, at, end), {damaged.front().reason});
+    const bool isJson = *intended->jsonReason != '\0';
+    report(kDamagedMarker, catalogue::spanOf(number, at, end),
+           {isJson ? intended->jsonReason : describe(intended->problem)});
   }
 
   void checkEntry(const Marker& marker, Span span) {

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "foundation/json/Writer.hpp"
+#include "quenlith/syntax/CommentStart.hpp"
 #include "quenlith/syntax/MarkerMatch.hpp"
 #include "quenlith/syntax/markers.hpp"
 
@@ -13,17 +14,16 @@ namespace {
 
 using fl::i18n::ustring;
 
-// Matches `text` as exactly one marker, with or without a leader.
+// Matches `text` as exactly one marker, in a comment of any form or in none.
 std::optional<MarkerMatch> matchWhole(std::u16string_view text) {
-  const auto opening = leaderLength(text);
-  if (!opening || text.substr(*opening, 2) != u"<@") {
-    return std::nullopt;
-  }
+  const std::size_t opening = findOpening(text, 0);
+  if (opening == text.size()) return std::nullopt;
+  const CommentStart comment = findCommentStart(text, 0, opening);
+  const bool isBare = text.find_first_not_of(u" \t") == opening;
+  if (!isBare && (!isComplete(comment.form) || comment.position != 0)) return std::nullopt;
   MarkerMatch match;
-  matchMarker(text, *opening, Elements::kAny, match);
-  if (match.problem != nullptr || match.end != text.size()) {
-    return std::nullopt;
-  }
+  matchMarker(text, opening, comment.form, Elements::kAny, match);
+  if (match.problem != MarkerProblem::kNone || match.end != text.size()) return std::nullopt;
   return match;
 }
 

@@ -25,8 +25,9 @@ class QUENLITH_MARKERS_EXPORT Marker {
   Marker() noexcept = default;
 
   /// Makes a marker from `text`: one of the bare element names "control", "output", "task" and
-  /// "text", or the text of one marker of any element except "appendix", with any leader or none
-  /// and with or without a range. Any other text results in a marker whose parts are all empty.
+  /// "text", or the text of one marker of any element except "appendix", with any leader, in any
+  /// block comment or with neither, and with or without a range. Any other text results in a marker
+  /// whose parts are all empty.
   // NOLINTNEXTLINE(google-explicit-constructor): a text is accepted where a marker is expected.
   Marker(const fl::i18n::ustring& text);
 

@@ -7,12 +7,17 @@
 #include <utility>
 
 #include "fl/i18n/search.hpp"
+#include "quenlith/syntax/CommentForm.hpp"
 #include "quenlith/syntax/KnownElement.hpp"
+#include "quenlith/syntax/MarkerProblem.hpp"
 
 namespace quenlith::syntax {
 
-/// The elements whose markers match: the four known ones, or all except "appendix".
-enum class Elements { kKnown, kAny };
+/// The element of the line that begins an appendix. It is not that of a marker.
+inline constexpr std::u16string_view kAppendix = u"appendix";
+
+/// The elements whose markers match: the four known ones, all except "appendix", or all.
+enum class Elements { kKnown, kAny, kAnyAndAppendix };
 
 /// The parts of one marker as written in a text, or the reason why there is no marker. Borrows from
 /// the text.
@@ -26,15 +31,23 @@ struct MarkerMatch {
 
   std::optional<std::pair<std::uint64_t, std::uint64_t>> range;
 
+  /// From the opening bracket to the closing one; empty when there is no range.
+  std::u16string_view rangeText;
+
   /// From the opening brace to the closing one; empty when there is no data.
   std::u16string_view data;
 
-  /// The position after the closing ">"; if there is no marker, the first unit that breaks the
-  /// grammar.
+  /// The position after the marker; if there is no marker, the first unit that breaks the grammar,
+  /// or the position where the closer must begin.
   std::size_t end = 0;
 
-  /// Null when there is a marker.
-  const char* problem = nullptr;
+  /// The position after the closing ">"; 0 if it is not reached.
+  std::size_t bodyEnd = 0;
+
+  /// What is wrong with a quoted id or with the data, as text for a person. A constant.
+  const char* jsonReason = "";
+
+  MarkerProblem problem = MarkerProblem::kNone;
 };
 
 /// Returns the position of the first "<@" at or after `from`; the size of `text` if there is none.
@@ -43,21 +56,11 @@ inline std::size_t findOpening(std::u16string_view text, std::size_t from) noexc
 }
 
 /// Matches the marker whose "<@" is at `opening`, where one must be, and writes the result to
-/// `match`. Does not check the leader, does not allocate.
-void matchMarker(std::u16string_view text, std::size_t opening, Elements elements,
-                 MarkerMatch& match) noexcept;
-
-/// Returns the start of the leader before the "<@" at `opening`, with or without blanks between
-/// them; nothing if there is no leader.
-std::optional<std::size_t> findLeader(std::u16string_view text, std::size_t opening) noexcept;
-
-/// Returns the length of the leader at the start of `text` and the blanks after it; without a
-/// leader, the length of the blanks. Nothing if the leader's character is repeated too few times.
-std::optional<std::size_t> leaderLength(std::u16string_view text) noexcept;
+/// `match`. After an opener, the closer of `comment` must follow. Does not allocate.
+void matchMarker(std::u16string_view text, std::size_t opening, CommentForm comment,
+                 Elements elements, MarkerMatch& match) noexcept;
 
 /// Returns whether `text` is a name: not empty, and only characters that are allowed in one.
 bool isName(std::u16string_view text) noexcept;
-
-bool isBlank(char16_t unit) noexcept;
 
 }  // namespace quenlith::syntax

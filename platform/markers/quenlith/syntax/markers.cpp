@@ -3,16 +3,26 @@
 #include <algorithm>
 #include <utility>
 
+#include "quenlith/syntax/CommentStart.hpp"
 #include "quenlith/syntax/MarkerFinder.hpp"
+#include "quenlith/syntax/MarkerUnits.hpp"
 
 namespace quenlith::syntax {
 
 using fl::i18n::ustring;
 
+namespace {
+
+bool isBlankText(std::u16string_view text) noexcept {
+  return std::ranges::all_of(text, isBlank);
+}
+
+}  // namespace
+
 std::vector<core::MarkerInfo> get_markers_from_snippet(const ustring& text, bool anyElement) {
   std::vector<core::MarkerInfo> markers;
   MarkerFinder finder(text, anyElement ? Elements::kAny : Elements::kKnown);
-  MarkerFinder::Candidate found;
+  MarkerFinder::Found found;
   while (finder.nextMarker(found)) {
     Marker marker(MarkerParts::make(found.match));
     core::MarkerInfo& info = markers.emplace_back();
@@ -39,7 +49,7 @@ bool has_feature(const std::vector<core::MarkerInfo>& markers, const ustring& el
 
 bool has_feature(const ustring& text, const ustring& element) {
   MarkerFinder finder(text, Elements::kKnown);
-  MarkerFinder::Candidate found;
+  MarkerFinder::Found found;
   while (finder.nextMarker(found)) {
     if (found.match.element == element) {
       return true;
@@ -51,22 +61,13 @@ bool has_feature(const ustring& text, const ustring& element) {
 bool isAppendixLine(std::u16string_view line) noexcept {
   constexpr std::u16string_view kAppendix = u"<@appendix>";
   const std::size_t opening = line.find(kAppendix);
-  if (opening == std::u16string_view::npos || findLeader(line, opening) != std::size_t{0}) {
-    return false;
-  }
-  return std::ranges::all_of(line.substr(opening + kAppendix.size()), isBlank);
-}
-
-std::vector<DamagedMarker> findDamagedMarkers(std::u16string_view text) {
-  std::vector<DamagedMarker> damaged;
-  MarkerFinder finder(text, Elements::kKnown);
-  MarkerFinder::Candidate found;
-  while (finder.nextCandidate(found)) {
-    if (found.match.problem != nullptr && found.match.known != KnownElement::kOther) {
-      damaged.push_back({found.position, found.match.end, found.match.problem});
-    }
-  }
-  return damaged;
+  if (opening == line.npos) return false;
+  const CommentStart comment = findCommentStart(line, 0, opening);
+  if (!isComplete(comment.form) || !isBlankText(line.substr(0, comment.position))) return false;
+  const auto after =
+      std::min(line.find_first_not_of(u" \t", opening + kAppendix.size()), line.size());
+  const auto end = findCloserEnd(line, after, comment.form);
+  return end && isBlankText(line.substr(*end));
 }
 
 }  // namespace quenlith::syntax

@@ -36,25 +36,8 @@ QUENLITH_MARKERS_EXPORT bool has_feature(const std::vector<core::MarkerInfo>& ma
 QUENLITH_MARKERS_EXPORT bool has_feature(const fl::i18n::ustring& text,
                                          const fl::i18n::ustring& element);
 
-/// Returns whether `line`, without its line ending, consists of a leader, optional blanks,
-/// "<@appendix>" and optional blanks: the line that separates the code of a file from its appendix.
+/// Returns whether `line`, without its line ending, consists of "<@appendix>" in a line comment or
+/// a block comment, and blanks: the line that separates the code of a file from its appendix.
 QUENLITH_MARKERS_EXPORT bool isAppendixLine(std::u16string_view line) noexcept;
-
-/// A text that begins like a marker of a known element, with a leader, but then breaks the grammar.
-/// Positions count 16-bit code units from the start of the text.
-struct DamagedMarker {
-  /// Start of the leader.
-  std::uint64_t position = 0;
-
-  /// The first unit that breaks the grammar; the end of the text if the marker is cut off there.
-  std::uint64_t problemPosition = 0;
-
-  /// What is wrong, as text for a person. A constant.
-  const char* reason = "";
-};
-
-/// Returns the damaged markers of `text` by ascending position, for tools that help an author.
-/// Linear for any text.
-QUENLITH_MARKERS_EXPORT std::vector<DamagedMarker> findDamagedMarkers(std::u16string_view text);
 
 }  // namespace quenlith::syntax

@@ -157,10 +157,21 @@ TEST(SourceText, AnAppendixMayBeEmpty) {
   }
 }
 
-TEST(SourceText, OtherLinesStartNoAppendix) {
+TEST(SourceText, AnAppendixStartsInAnyCommentWithBlanksAround) {
   for (const auto* text :
-       {u"a # <@appendix>", u"# <@appendix> b", u" # <@appendix>", u"<@appendix>", u"/ <@appendix>",
-        u"# <@appendix#i>", u"# <@appendix> <@appendix>"}) {
+       {u"a\n # <@appendix>\n# b", u"a\n\t/* <@appendix> */ \n# b", u"a\n<!--<@appendix>-->\n# b",
+        u"a\nREM <@appendix>\n# b", u"a\n; <@appendix>\n# b", u"a\n(*<@appendix>*)\n# b",
+        u"a\n{- <@appendix> -}\n# b"}) {
+    const SourceText source = splitSource(text);
+    EXPECT_EQ(source.code.text, u"a");
+    EXPECT_EQ(source.appendixLine, 2u);
+    EXPECT_EQ(source.appendix.text, u"# b");
+  }
+}
+
+TEST(SourceText, OtherLinesStartNoAppendix) {
+  for (const auto* text : {u"a # <@appendix>", u"# <@appendix> b", u"<@appendix>", u"/ <@appendix>",
+                           u"/* <@appendix>", u"# <@appendix#i>", u"# <@appendix> <@appendix>"}) {
     const SourceText source = splitSource(text);
     EXPECT_EQ(source.code.text, text);
     EXPECT_EQ(source.appendixLine, 0u);

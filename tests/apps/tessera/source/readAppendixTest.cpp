@@ -31,6 +31,12 @@ TEST(ReadAppendix, TheFirstEntryOfAnElementAndIdCounts) {
               ElementsAre(u"%<@task#a {\"k\":1}>", u"%<@output#a>"));
 }
 
+TEST(ReadAppendix, TakesEntriesInBlockComments) {
+  EXPECT_THAT(entriesOf(u"<!-- <@appendix> -->\n<!-- <@task#a {\"k\":1}> -->\n"
+                        u" /* <@task#b> */\n/* <@task#c>\n"),
+              ElementsAre(u"%<@task#a {\"k\":1}>", u"%<@task#b>"));
+}
+
 TEST(ReadAppendix, AFileWithoutAppendixHasNoEntry) {
   EXPECT_THAT(entriesOf(u"# <@task#a>\n"), IsEmpty());
 }
