@@ -47,6 +47,15 @@ class Readme(unittest.TestCase):
                 shown = json.loads(self.parse(f"x {leader} <@text:anchor#a>\n", "--format", "json"))
                 self.assertEqual(shown["lines"][0]["markerTypes"], ["%<@text>"])
 
+    def test_every_block_comment_named_encloses_a_marker(self):
+        comments = re.search(r"A block comment\s+\((`.*`)\)", README)[1]
+        for comment in re.findall(r"`([^`]+)`", comments):
+            with self.subTest(comment):
+                opener, closer = comment.split()
+                line = f"x {opener} <@text:anchor#a> {closer}\n"
+                shown = json.loads(self.parse(line, "--format", "json"))
+                self.assertEqual(shown["lines"][0]["markerTypes"], ["%<@text>"])
+
     def test_the_commands_are_there(self):
         commands = re.findall(r"^    (scripts/\w+)", README, re.MULTILINE)
         self.assertGreaterEqual(len(commands), 2)

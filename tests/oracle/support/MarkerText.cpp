@@ -9,8 +9,29 @@ namespace {
 
 using Word = std::u16string_view;
 
-constexpr std::array<Word, 10> kLeaders = {u"%",  u"#",  u"//",  u"--",   u";;",
-                                           u"%%", u"##", u"///", u"----", u"%%%"};
+// A leader, or an opener with its closer.
+struct Comment {
+  Word start;
+  Word closer;
+};
+constexpr std::array<Comment, 18> kComments = {{{u"%", u""},
+                                                {u"#", u""},
+                                                {u"//", u""},
+                                                {u"--", u""},
+                                                {u";", u""},
+                                                {u"!", u""},
+                                                {u"%%", u""},
+                                                {u"##", u""},
+                                                {u"///", u""},
+                                                {u"----", u""},
+                                                {u"%%%", u""},
+                                                {u" REM ", u""},
+                                                {u"\trem\t", u""},
+                                                {u"/*", u"*/"},
+                                                {u"/**", u"*/"},
+                                                {u"(*", u"**)"},
+                                                {u"<!--", u"-->"},
+                                                {u"{-", u"-}"}}};
 constexpr std::array<Word, 4> kBlanks = {u" ", u"", u"  ", u"\t "};
 constexpr std::array<Word, 7> kElements = {u"control", u"output", u"task", u"text",
                                            u"output",  u"text",   u"text"};
@@ -39,10 +60,11 @@ constexpr std::array<Word, 8> kFixedRanges = {u" [0,18446744073709551615]",
                                               u" [18446744073709551616,18446744073709551617]",
                                               u" [-1,4]",
                                               u" [0,1.0]"};
-constexpr std::array<Word, 22> kDamaged = {
-    u"%<@task#a", u"%<@tusk#a>", u"<@output>", u"/ <@output>", u"% <@ output>", u"#<@text:anchor#>",
-    u"%<@task#a {\"x\":}>", u"%<@output [1 2]>", u"%<@Task#a>", u"%<@text:>",
-    u"%<@output {\"a\":1} [0,1]>", u"%<@output{}>", u"# <@appendix>", u"%<@", u"%<@output#\"a>",
+constexpr std::array<Word, 25> kDamaged = {
+    u"/* <@text:anchor#a>", u"<!-- <@output>", u"{-<@task#a>", u"%<@task#a", u"%<@tusk#a>",
+    u"<@output>", u"/ <@output>", u"% <@ output>", u"#<@text:anchor#>", u"%<@task#a {\"x\":}>",
+    u"%<@output [1 2]>", u"%<@Task#a>", u"%<@text:>", u"%<@output {\"a\":1} [0,1]>",
+    u"%<@output{}>", u"# <@appendix>", u"%<@", u"%<@output#\"a>",
     // Markers only after "%%\" is replaced:
     u"%%\\<@output#made>", u"%%\\ <@task#a>", u"%<@text:anchor#\"a%%\\q\">",
     u"%<@output {\"s\":\"%%\\z\"}>",
@@ -133,7 +155,8 @@ void DraftText::append(const DraftText& other) {
 
 DraftText randomMarker(Random& random) {
   DraftText draft;
-  draft.text.append(random.pick(kLeaders)).append(random.pick(kBlanks)).append(u"<@");
+  const Comment comment = random.pick(kComments);
+  draft.text.append(comment.start).append(random.pick(kBlanks)).append(u"<@");
   const Word element = random.pick(kElements);
   draft.text.append(element);
   if (element == u"text" || random.oneIn(4)) draft.text += random.pick(kTypes);
@@ -142,6 +165,8 @@ DraftText randomMarker(Random& random) {
   draft.text += random.pick(kData);
   if (random.oneIn(5)) draft.text += u' ';
   draft.text += u'>';
+  if (!comment.closer.empty() && random.oneIn(2)) draft.text += u' ';
+  draft.text += comment.closer;
   return draft;
 }
 

@@ -15,7 +15,9 @@ using test::GuardedMemory;
 
 constexpr std::u16string_view kText =
     u"x = 1  ## <@task#\"an id\" [1, 22] {\"a\": \"\\n plain text\", \"b\": [1.5, true]}> "
-    u"// <@appendix> -- <@text:anchor#here> %<";
+    u"// <@appendix> -- <@text:anchor#here> /** <@task#a> **/(*<@text>*)<!-- <@output> "
+    u"-->{-<@task>-} "
+    u"rem <@text> ! <@task> REM";
 
 // The prefixes and suffixes of the text meet the guard in each part of a marker.
 TEST(GuardedText, IsScannedWithinItsBounds) {
@@ -27,6 +29,7 @@ TEST(GuardedText, IsScannedWithinItsBounds) {
       for (const auto& text : {memory.copyToBegin(cut), memory.copyToEnd(cut)}) {
         ASSERT_EQ(findDamagedMarkers(text).size(), damaged) << size;
         ASSERT_EQ(isAppendixLine(text), isAppendixLine(copy)) << size;
+        ASSERT_EQ(findMarkerCandidates(text).size(), findMarkerCandidates(copy).size()) << size;
       }
     }
   }
