@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "tessera/host/ServiceHost.hpp"
+#include "tessera/terminal/settings.hpp"
 
 namespace tessera::commands {
 
@@ -27,6 +28,7 @@ enum class FailOn { kFailure, kWarning, kNever };
 struct CheckOptions {
   CheckFormat format = CheckFormat::kText;
   FailOn failOn = FailOn::kFailure;
+  terminal::ColorMode color = terminal::ColorMode::kAuto;
   host::Pieces pieces = host::Pieces::kKept;
   std::vector<std::string> files;
 };

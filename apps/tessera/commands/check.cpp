@@ -15,6 +15,7 @@
 #include "tessera/reports/CheckJson.hpp"
 #include "tessera/reports/TextReport.hpp"
 #include "tessera/session/FileParser.hpp"
+#include "tessera/terminal/settings.hpp"
 
 namespace tessera::commands {
 namespace {
@@ -23,9 +24,12 @@ using check::catalogue::CheckedFile;
 using check::catalogue::Diagnostic;
 using check::catalogue::Severity;
 
-std::unique_ptr<reports::CheckReport> makeReport(CheckFormat format, files::OutputFile& output) {
-  if (format == CheckFormat::kJson) return std::make_unique<reports::CheckJson>(output);
-  return std::make_unique<reports::TextReport>(output);
+std::unique_ptr<reports::CheckReport> makeReport(const CheckOptions& options,
+                                                 files::OutputFile& output) {
+  if (options.format == CheckFormat::kJson) return std::make_unique<reports::CheckJson>(output);
+  const terminal::Style style{.color = terminal::wantsColor(options.color, STDOUT_FILENO),
+                              .columns = terminal::columnsOf(STDOUT_FILENO)};
+  return std::make_unique<reports::TextReport>(output, style);
 }
 
 bool mustFail(const CheckedFile& file, FailOn failOn) {
@@ -43,7 +47,7 @@ int check(const CheckOptions& options) {
   session::SnippetSession session(host.snippetParsers(), nullptr, nullptr);
   session::FileParser parser(session, host.appendix(), nullptr);
   files::OutputFile standardOutput(STDOUT_FILENO, "standard output");
-  const auto report = makeReport(options.format, standardOutput);
+  const auto report = makeReport(options, standardOutput);
   int status = kFine;
   for (const std::string& name : options.files) {
     try {

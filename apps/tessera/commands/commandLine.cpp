@@ -37,6 +37,13 @@ FailOn readFailOn(const std::string& name) {
   throw CLI::ValidationError("\"" + name + "\" is not a severity: use failure, warning or never");
 }
 
+terminal::ColorMode readColorMode(const std::string& name) {
+  if (name == "auto") return terminal::ColorMode::kAuto;
+  if (name == "always") return terminal::ColorMode::kAlways;
+  if (name == "never") return terminal::ColorMode::kNever;
+  throw CLI::ValidationError("\"" + name + "\" is not a way to colour: use auto, always or never");
+}
+
 std::string readRecordFile(const std::string& name) {
   if (!name.empty() && name != "-") return name;
   throw CLI::ValidationError("\"" + name + "\" is not a file to record to: name a file");
@@ -123,6 +130,11 @@ void CommandLine::addCheck() {
           "The severity from which on the exit status is 1: failure (the default), warning or "
           "never.")
       ->type_name("SEVERITY");
+  checkCommand
+      ->add_option_function<std::string>(
+          "--color", [this](const std::string& name) { checkOptions.color = readColorMode(name); },
+          "When text is coloured: auto (the default; on a terminal), always or never.")
+      ->type_name("WHEN");
   addBare(*checkCommand, checkOptions.pieces);
   addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
 }

@@ -11,27 +11,76 @@ using namespace check::catalogue;
 
 namespace {
 
-std::string placeOf(const std::string& path, const CheckedFile& file, const Position& position) {
+constexpr std::string_view kBold = "\x1b[1m";
+constexpr std::string_view kPlain = "\x1b[0m";
+
+/// A word that says what a row is, and its colour.
+struct Kind {
+  std::string_view word;
+  std::string_view color;
+};
+
+constexpr Kind kFailureKind{"failure", "\x1b[1;31m"};
+constexpr Kind kWarningKind{"warning", "\x1b[1;35m"};
+constexpr Kind kNoteKind{"note", "\x1b[1;36m"};
+constexpr Kind kFixKind{"fix", "\x1b[1;32m"};
+
+std::string placeOf(const CheckedFile& file, const Position& position) {
   const auto before = file.lines.countCharactersBefore(position.line, position.unit);
-  return path + ':' + std::to_string(position.line) + ':' + std::to_string(before + 1) + ": ";
+  return diagnostics::terminalText(file.path) + ':' + std::to_string(position.line) + ':' +
+         std::to_string(before + 1) + ": ";
+}
+
+void appendStyled(std::string& text, std::string_view styled, std::string_view sequence,
+                  const terminal::Style& style) {
+  if (style.color) text += sequence;
+  text += styled;
+  if (style.color) text += kPlain;
+}
+
+/// Appends "file:line:column: kind: message".
+void appendHeading(std::string& text, std::string_view place, const Kind& kind,
+                   std::string_view message, const terminal::Style& style) {
+  appendStyled(text, place, kBold, style);
+  appendStyled(text, kind.word, kind.color, style);
+  text.append(": ").append(message);
+}
+
+void appendExcerpt(std::string& text, const CheckedFile& file, const Span& span,
+                   const terminal::Style& style) {
+  const std::u16string_view line = file.lines.line(span.begin.line);
+  const bool isOneLine = span.end.line == span.begin.line;
+  text += terminal::excerptOf(
+      {span.begin.line, line, span.begin.unit, isOneLine ? span.end.unit : line.size()}, style);
 }
 
 }  // namespace
 
 void TextReport::write(const CheckedFile& file) {
-  const std::string path = diagnostics::terminalText(file.path);
   for (const Diagnostic& diagnostic : file.diagnostics) {
-    const CatalogueEntry& entry = entryOf(diagnostic.kind);
-    std::string& text = output.text();
-    text += placeOf(path, file, diagnostic.span.begin);
-    text += entry.severity == Severity::kFailure ? "failure: " : "warning: ";
-    text += diagnostic.message + " [" + std::string(entry.id) + "]\n";
-    for (const Note& note : diagnostic.notes) {
-      text += placeOf(path, file, note.span.begin) + "note: " + note.message + '\n';
-    }
+    writeDiagnostic(file, diagnostic);
     output.flushIfLarge();
   }
   output.flush();
+}
+
+void TextReport::writeDiagnostic(const CheckedFile& file, const Diagnostic& diagnostic) {
+  const CatalogueEntry& entry = entryOf(diagnostic.kind);
+  std::string& text = output.text();
+  appendHeading(text, placeOf(file, diagnostic.span.begin),
+                entry.severity == Severity::kFailure ? kFailureKind : kWarningKind,
+                diagnostic.message, style);
+  text.append(" [").append(entry.id).append("]\n");
+  appendExcerpt(text, file, diagnostic.span, style);
+  for (const Note& note : diagnostic.notes) {
+    appendHeading(text, placeOf(file, note.span.begin), kNoteKind, note.message, style);
+    text += '\n';
+    appendExcerpt(text, file, note.span, style);
+  }
+  if (!diagnostic.fix) return;
+  appendHeading(text, placeOf(file, diagnostic.fix->edits.front().span.begin), kFixKind,
+                diagnostic.fix->description, style);
+  text += '\n';
 }
 
 }  // namespace tessera::reports

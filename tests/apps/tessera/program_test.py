@@ -3,14 +3,19 @@
 
 program_test.py PROGRAM
 """
+import fcntl
 import json
 import os
 import pathlib
+import pty
+import re
 import resource
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import unittest
 import zipfile
 
@@ -68,6 +73,8 @@ class CommandLine(ProgramTest):
                 '"xml" is not a format: use tree, json or ndjson; "tessera parse --help" lists what there is',
             ("parse", "--record", "", "a"):
                 '"" is not a file to record to: name a file; "tessera parse --help" lists what there is',
+            ("check", "--color", "red", "a"):
+                '"red" is not a way to colour: use auto, always or never; "tessera check --help" lists what there is',
             ("parse", "--record", "-", "a"):
                 '"-" is not a file to record to: name a file; "tessera parse --help" lists what there is',
             ("replay", "--bundle", "", "a"):
@@ -337,6 +344,15 @@ class Bundles(ProgramTest):
 
 
 class Check(ProgramTest):
+    def headings(self, name, *options):
+        """Returns the first row of each diagnostic of a file, without the file's name."""
+        rows = tessera("check", *options, name).stdout.decode().split("\n")[:-1]
+        self.assertEqual(len(rows) % 3, 0)
+        for heading, excerpt, mark in zip(rows[::3], rows[1::3], rows[2::3]):
+            self.assertTrue(heading.startswith(name + ":"), heading)
+            self.assertEqual((excerpt[6:9], mark[:9].strip()), (" | ", "|"))
+        return [row.removeprefix(name) for row in rows[::3]]
+
     def test_the_status_says_what_was_found(self):
         fine = self.write("fine", b"x\n# <@task#a>\n# <@task#a>\n")
         warning = self.write("warning", b"# <@appendix>\nx\n")
@@ -374,11 +390,11 @@ class Check(ProgramTest):
     def test_damaged_lines_of_the_appendix_are_reported_with_their_place(self):
         name = self.write("f", b"# <@task#a>\n# <@task#a>\n# <@appendix>\nnothing\n# <@task#a {]}>\n"
                                b"# <@task#a>\n# <@task#a>\n# <@task#b>\n# <@appendix>\n")
-        lines = tessera("check", name).stdout.decode().split("\n")[:-1]
-        places = [line.removeprefix(name + ":").split(": ")[0] for line in lines]
-        self.assertEqual(places, ["4:1", "5:13", "7:1", "8:1", "9:1"])
+        lines = self.headings(name)
+        places = [line.split(": ")[0] for line in lines]
+        self.assertEqual(places, [":4:1", ":5:13", ":7:1", ":8:1", ":9:1"])
         for line in lines:
-            self.assertRegex(line.removeprefix(name), r"^:\d+:\d+: warning: .+ \[[a-z_]+\]$")
+            self.assertRegex(line, r"^:\d+:\d+: warning: .+ \[[a-z_]+\]$")
 
     def test_data_nested_a_hundred_thousand_deep_is_damaged(self):
         for begin, end, levels in (('{"a":', "}", 1), ('{"a":[', "]}", 2)):
@@ -387,19 +403,62 @@ class Check(ProgramTest):
             # Where the 65th level begins.
             column = len("# <@task#a " + begin * (64 // levels)) + 1
             done = tessera("check", name)
-            self.assertEqual(done.stdout.decode(), f"{name}:3:{column}: warning: this is not a marker: "
-                             "the nesting is too deep [damaged_marker]\n")
+            self.assertEqual(self.headings(name), [f":3:{column}: warning: this is not a marker: "
+                                                   "the nesting is too deep [damaged_marker]"])
             self.assertEqual((done.returncode, done.stderr), (0, b""))
 
     def test_each_of_a_hundred_thousand_failures_on_a_line_has_its_column(self):
         count = 100000
         name = self.write("f", b" ".join(b"# <@output#\xc3\xa9%d [9,1]>" % i for i in range(count)))
-        lines = tessera("check", name).stdout.decode().split("\n")[:-1]
+        lines = self.headings(name)
         self.assertEqual(len(lines), count)
         column = 1
         for number, line in enumerate(lines):
-            self.assertTrue(line.startswith(f'{name}:1:{column}: failure: '), line)
+            self.assertTrue(line.startswith(f':1:{column}: failure: '), line)
             column += len(f"# <@output#\u00e9{number} [9,1]> ")
+
+
+    def check_in_terminal(self, name, *options, columns=100, **environment):
+        """Returns what `check` writes to a terminal."""
+        master, terminal = pty.openpty()
+        fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+        environment = {"TERM": "xterm", **environment}
+        subprocess.run([PROGRAM, "check", *options, name], stdout=terminal, timeout=60,
+                       env={**{key: text for key, text in os.environ.items() if key != "NO_COLOR"}, **environment})
+        os.close(terminal)
+        written = b""
+        try:
+            while data := os.read(master, 65536):
+                written += data
+        except OSError:
+            # Linux reports the closed terminal this way.
+            pass
+        os.close(master)
+        return written.decode().replace("\r\n", "\n")
+
+    def test_only_a_terminal_has_colours_unless_they_are_asked_for(self):
+        name = self.write("f", b"# <@task#a>\n")
+        plain = tessera("check", name).stdout.decode()
+        coloured = tessera("check", "--color", "always", name).stdout.decode()
+        self.assertNotIn("\x1b", plain)
+        self.assertIn("\x1b[1;31mfailure\x1b[0m", coloured)
+        self.assertEqual(re.sub("\x1b\\[[0-9;]*m", "", coloured), plain)
+        self.assertEqual(self.check_in_terminal(name), coloured)
+        self.assertEqual(self.check_in_terminal(name, "--color", "auto", NO_COLOR=""), coloured)
+        self.assertEqual(self.check_in_terminal(name, "--color", "never"), plain)
+        self.assertEqual(self.check_in_terminal(name, NO_COLOR="1"), plain)
+        self.assertEqual(self.check_in_terminal(name, TERM="dumb"), plain)
+        self.assertEqual(self.check_in_terminal(name, "--color", "always", NO_COLOR="1"), coloured)
+        self.assertNotIn("\x1b", self.check_in_terminal(name, "--format", "json"))
+
+    def test_long_lines_are_cut_to_the_width_of_the_terminal(self):
+        name = self.write("f", b"x" * 1000 + b" # <@task#a> " + b"y" * 1000 + b"\n")
+        for columns in (60, 200):
+            _, excerpt, mark, _ = self.check_in_terminal(name, "--color", "never", columns=columns).split("\n")
+            self.assertEqual(len(excerpt), columns)
+            self.assertEqual(excerpt[mark.index("^"):mark.rindex("~") + 1], "# <@task#a>")
+        _, excerpt, _, _ = self.check_in_terminal(name, "--color", "never", columns=0).split("\n")
+        self.assertEqual(len(excerpt), 100)
 
 
 class Replay(ProgramTest):

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessera::terminal {
+
+/// Part of a line that a terminal shows as one character: a grapheme cluster, the spaces of a tab,
+/// or a character that cannot be seen, as its number.
+struct Glyph {
+  /// The code units [begin, end) of the text.
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  /// The columns that it takes; at least 1.
+  std::size_t columns = 1;
+  /// What to write, UTF-8.
+  std::string text;
+  /// Whether `text` is a number such as <U+200B> instead of the character.
+  bool isNumber = false;
+};
+
+/// Returns the glyphs of `text`, one line without its ending.
+///
+/// Tab stops are 8 columns apart, the first one at the start of `text`. Control characters,
+/// unpaired surrogates and characters that are invisible, change the direction of text, are spaces
+/// other than U+0020 and U+3000, or whose width is not defined are written as <U+200B>. Joiners and
+/// variation selectors are kept where they are part of an emoji. Linear.
+std::vector<Glyph> layOut(std::u16string_view text);
+
+}  // namespace tessera::terminal

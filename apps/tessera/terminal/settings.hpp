@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+
+namespace tessera::terminal {
+
+/// When text is coloured. kAuto: if it goes to a terminal that shows colours, unless the
+/// environment variable NO_COLOR is set and not empty.
+enum class ColorMode { kAuto, kAlways, kNever };
+
+/// Returns whether text that is written to the open file `descriptor` is coloured.
+bool wantsColor(ColorMode mode, int descriptor);
+
+/// Returns how many columns a row written to the open file `descriptor` may have: the width of the
+/// terminal or, if it is not a terminal or does not tell, 100.
+std::size_t columnsOf(int descriptor);
+
+}  // namespace tessera::terminal

@@ -1,0 +1,82 @@
+#include "tessera/reports/TextReport.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "tessera/check/catalogue/Catalogue.hpp"
+
+namespace {
+
+using namespace tessera::check::catalogue;
+using tessera::reports::TextReport;
+using tessera::source::JoinedLines;
+using tessera::source::SourceLines;
+
+class TextReportTest : public testing::Test {
+ protected:
+  TextReportTest() {
+    file.path = "a\x1b.py";
+    file.lines = SourceLines(JoinedLines{u"x = 1\n\t中 = 2", true}, {}, {});
+  }
+
+  std::string write(bool color = false) {
+    TextReport(output, {.color = color, .columns = 100}).write(file);
+    return folder.read("out");
+  }
+
+  TemporaryFolder folder;
+  tessera::files::OutputFile output{folder.path("out")};
+  CheckedFile file;
+};
+
+TEST_F(TextReportTest, AFileWithoutDiagnosticsHasNoText) {
+  EXPECT_EQ(write(), "");
+}
+
+TEST_F(TextReportTest, EachPlaceHasAHeadingAndItsLine) {
+  Diagnostic diagnostic{.kind = DiagnosticKind::kOverlappingTaskMarker,
+                        .message = "what is wrong",
+                        .span = spanOf(2, 1, 2),
+                        .notes = {},
+                        .fix = {}};
+  diagnostic.notes.push_back({spanOf(1, 4, 5), "the other place"});
+  diagnostic.fix = Fix{"Remove it", {{spanOf(2, 3, 4), ""}, {spanOf(2, 5, 6), ""}}};
+  file.diagnostics.push_back(diagnostic);
+  EXPECT_EQ(write(),
+            "a\\u001b.py:2:2: failure: what is wrong [overlapping_task_marker]\n"
+            "     2 |         中 = 2\n"
+            "       |         ^~\n"
+            "a\\u001b.py:1:5: note: the other place\n"
+            "     1 | x = 1\n"
+            "       |     ^\n"
+            "a\\u001b.py:2:4: fix: Remove it\n");
+}
+
+TEST_F(TextReportTest, ARangeOfSeveralLinesIsMarkedToTheEndOfItsFirstLine) {
+  file.diagnostics.push_back({.kind = DiagnosticKind::kUnusedEntry,
+                              .message = "m",
+                              .span = {{1, 2}, {2, 1}},
+                              .notes = {},
+                              .fix = {}});
+  EXPECT_EQ(write(),
+            "a\\u001b.py:1:3: warning: m [unused_entry]\n"
+            "     1 | x = 1\n"
+            "       |   ^~~\n");
+}
+
+TEST_F(TextReportTest, ColoursDistinguishTheKindsOfRow) {
+  file.path = "a";
+  file.diagnostics.push_back({.kind = DiagnosticKind::kUnusedEntry,
+                              .message = "m",
+                              .span = spanOf(1, 0, 1),
+                              .notes = {{spanOf(1, 0, 1), "n"}},
+                              .fix = {}});
+  const std::string caret = "     1 | x = 1\n       | \x1b[1;32m^\x1b[0m\n";
+  EXPECT_EQ(write(true), "\x1b[1ma:1:1: \x1b[0m\x1b[1;35mwarning\x1b[0m: m [unused_entry]\n" +
+                             caret + "\x1b[1ma:1:1: \x1b[0m\x1b[1;36mnote\x1b[0m: n\n" + caret);
+}
+
+}  // namespace
