@@ -33,7 +33,7 @@ struct Node::Impl::Extras {
 const kd::zero::meta::Class Node::Impl::kMetaClass(u"document::kdzero::Node",
                                                    &kd::zero::meta::Class::modelElement());
 
-void Node::Impl::setUuid(const boost::uuids::uuid& uuid) {
+void Node::Impl::setUuid(boost::uuids::uuid uuid) {
   extrasMutable().uuid = uuid;
 }
 

@@ -86,7 +86,8 @@ class QUENLITH_MODEL_EXPORT Node::Impl : public kd::zero::ModelElement::Impl {
     return (words[0] | words[1]) == 0;
   }
   Extras& extrasMutable();
-  void setUuid(const boost::uuids::uuid& uuid);
+  // By value: a reference would keep the compiler from evaluating `isNil` for a constant.
+  void setUuid(boost::uuids::uuid uuid);
   void releaseExtras(kd::zero::ModelElement::DeferredReleases& releases) noexcept;
   void destroyExtras() noexcept;
 
