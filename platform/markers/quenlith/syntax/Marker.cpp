@@ -116,7 +116,8 @@ ustring Marker::toString() const {
     foundation::json::Writer(json, foundation::json::Form::kCanonical).object(dataView());
     result.append(1, u' ').append(fl::i18n::utf8_to_ustring(json));
   }
-  return result.append(1, u'>');
+  result.append(1, u'>');
+  return result;
 }
 
 bool Marker::operator==(Marker other) const {
