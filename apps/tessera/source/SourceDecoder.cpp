@@ -80,7 +80,8 @@ void SourceDecoder::appendUnits(std::size_t count) {
   if (count != 0) atStart = false;
   const std::size_t before = text.size();
   text.append(converted);
-  if (fl::i18n::containsAny<u'\r'>(converted) || lastWasReturn) joinLineEndings(before);
+  if (fl::i18n::findAny<u'\r'>(converted) != converted.size() || lastWasReturn)
+    joinLineEndings(before);
   lastWasReturn = text.ends_with(u'\r');
 }
 

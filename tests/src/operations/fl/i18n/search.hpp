@@ -6,8 +6,12 @@
 namespace fl::i18n {
 
 // An addition, see docs/architecture.md: the one vector search of the tree.
-template <char16_t... units>
-bool containsAny(std::u16string_view text) noexcept;
+struct Occurrence {
+  bool first = false;
+  bool second = false;
+};
+template <char16_t first, char16_t second>
+Occurrence findOccurrence(std::u16string_view text) noexcept;
 template <char16_t first, char16_t second>
 std::size_t findPair(std::u16string_view text, std::size_t from = 0) noexcept;
 

@@ -1,4 +1,4 @@
-#include "quenlith/build/markup/code/line/parseLineNode.hpp"
+#include "quenlith/build/markup/code/line/parseMarkedLine.hpp"
 
 #include <boost/uuid/uuid.hpp>
 #include <cstddef>
@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "contributors/kdzero/NodeContributorData.hpp"
-#include "fl/i18n/search.hpp"
 #include "quenlith/build/markup/code/CodeElement.hpp"
 #include "quenlith/build/markup/code/line/LineSegmenter.hpp"
 #include "quenlith/build/markup/code/line/MarkerKind.hpp"
@@ -27,17 +26,6 @@ using quenlith::shared::logging::trace;
 using syntax::Marker;
 
 namespace {
-
-/// Returns whether `line` contains neither "@" nor "\\", and so neither a marker nor an escaped
-/// leader. Most lines do not.
-bool containsOnlyText(const ustring& line) noexcept {
-  return !fl::i18n::containsAny<u'@', u'\\'>(line);
-}
-
-/// Returns whether `line` may contain a "%%\\".
-bool mayContainEscapedLeader(const ustring& line) noexcept {
-  return fl::i18n::findPair<u'%', u'\\'>(line) < line.size();
-}
 
 /// Parses one line that may contain markers into its node. Borrows its arguments.
 class LineParser {
@@ -149,31 +137,16 @@ void LineParser::appendOwned(const LineSegment& segment) {
   lineNode->getChildrenMutable().add(accepting->parse(model, element));
 }
 
-/// Parses a line that may contain markers into `lineNode`.
-///
-/// Not inlined: the stack frame of a LineParser would otherwise be set up for every plain line too.
-[[gnu::noinline]] void parseMarkedLine(const kd::zero::Model& model, const LineNode& lineNode,
-                                       const ParserLists& parsers, const ustring& line,
-                                       ParseResult& result) {
-  LineParser parser(model, lineNode, parsers, result);
-  if (mayContainEscapedLeader(line)) {
-    parser.parse(normaliseLine(line));
-  } else {
-    parser.parse(line);
-  }
-}
-
 }  // namespace
 
-LineNode parseLineNode(const kd::zero::Model& model, const ParserLists& parsers,
-                       const ustring& line, ParseResult& result) {
-  LineNode lineNode = LineNode::Builder(model).createLineNode(boost::uuids::uuid{});
-  if (containsOnlyText(line)) {
-    lineNode->getChildrenMutable().add(parsers.parsePlainText(model, line));
+void parseMarkedLine(const kd::zero::Model& model, const LineNode& lineNode,
+                     const ParserLists& parsers, const ScannedLine& line, ParseResult& result) {
+  LineParser parser(model, lineNode, parsers, result);
+  if (line.mayContainEscapedLeader()) {
+    parser.parse(normaliseLine(line.text()));
   } else {
-    parseMarkedLine(model, lineNode, parsers, line, result);
+    parser.parse(line.text());
   }
-  return lineNode;
 }
 
 }  // namespace quenlith::build::markup::code::line
