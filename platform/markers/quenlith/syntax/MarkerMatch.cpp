@@ -21,10 +21,9 @@ class Matcher {
   Matcher(std::u16string_view text, std::size_t at, MarkerMatch& match)
       : text(text), at(at), match(match) {}
 
-  void run(CommentForm comment, Elements elements) {
-    if (takeElement(elements) && takeType() && takeId() && takeRange() && takeData() && takeEnd() &&
-        isBlock(comment)) {
-      takeCloser(comment);
+  void run(Elements elements) {
+    if (takeElement(elements) && takeType() && takeId() && takeRange() && takeData()) {
+      takeEnd();
     }
     match.end = at;
   }
@@ -49,6 +48,11 @@ class Matcher {
     return fail(problem);
   }
 
+  // The text from `start` to the position. Not by `substr`: where that is not inlined, it takes the
+  // address of `text`, and the compiler keeps the whole object in memory, which cost a marker 100
+  // of 475 instructions.
+  std::u16string_view since(std::size_t start) const { return {text.data() + start, at - start}; }
+
   bool skipBlanks() {
     const std::size_t start = at;
     while (at < text.size() && isBlank(text[at])) {
@@ -62,7 +66,7 @@ class Matcher {
     while (at < text.size() && isNameUnit(text[at])) {
       ++at;
     }
-    return text.substr(start, at - start);
+    return since(start);
   }
 
   bool takeElement(Elements elements) {
@@ -102,8 +106,9 @@ class Matcher {
     if (lexer.next() == foundation::json::Token::kError) {
       return failJson(MarkerProblem::kBadQuotedId, lexer.begin(), lexer.error());
     }
-    match.id = text.substr(at, lexer.end() - at);
+    const std::size_t start = at;
     at = lexer.end();
+    match.id = since(start);
     return true;
   }
 
@@ -123,7 +128,7 @@ class Matcher {
       return false;
     }
     match.range.emplace(begin, end);
-    match.rangeText = text.substr(start, at - start);
+    match.rangeText = since(start);
     isAfterBlank = skipBlanks();
     return true;
   }
@@ -161,26 +166,15 @@ class Matcher {
     if (!extent.end) {
       return failJson(MarkerProblem::kBadData, extent.failure.position, extent.failure.reason);
     }
-    match.data = text.substr(at, *extent.end - at);
+    const std::size_t start = at;
     at = *extent.end;
+    match.data = since(start);
     skipBlanks();
     return true;
   }
 
-  bool takeEnd() {
-    if (!expect(u'>', MarkerProblem::kMissingEnd)) return false;
-    match.bodyEnd = at;
-    return true;
-  }
-
-  void takeCloser(CommentForm comment) {
-    skipBlanks();
-    const auto end = findCloserEnd(text, at, comment);
-    if (end) {
-      at = *end;
-    } else {
-      fail(MarkerProblem::kMissingCloser);
-    }
+  void takeEnd() {
+    if (expect(u'>', MarkerProblem::kMissingEnd)) match.bodyEnd = at;
   }
 
   std::u16string_view text;
@@ -189,12 +183,25 @@ class Matcher {
   bool isAfterBlank = false;
 };
 
+// Reads the closer after a body that matches.
+void matchCloser(std::u16string_view text, CommentForm comment, MarkerMatch& match) noexcept {
+  while (match.end < text.size() && isBlank(text[match.end])) {
+    ++match.end;
+  }
+  if (const auto end = findCloserEnd(text, match.end, comment)) {
+    match.end = *end;
+  } else {
+    match.problem = MarkerProblem::kMissingCloser;
+  }
+}
+
 }  // namespace
 
 void matchMarker(std::u16string_view text, std::size_t opening, CommentForm comment,
                  Elements elements, MarkerMatch& match) noexcept {
   match = MarkerMatch();
-  Matcher(text, opening + kOpening.size(), match).run(comment, elements);
+  Matcher(text, opening + kOpening.size(), match).run(elements);
+  if (isBlock(comment) && match.problem == MarkerProblem::kNone) matchCloser(text, comment, match);
 }
 
 bool isName(std::u16string_view text) noexcept {
