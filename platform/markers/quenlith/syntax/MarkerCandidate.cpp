@@ -46,7 +46,7 @@ class CandidateFinder {
 
   Problem findProblem() const {
     const bool isOther = match.known == KnownElement::kOther && !match.element.empty();
-    if (isOther && match.element != kAppendix) {
+    if (isOther && match.element != kAppendixElement) {
       return {MarkerProblem::kUnknownElement, opening + 2};
     }
     const bool isBodyWhole = match.bodyEnd != 0;

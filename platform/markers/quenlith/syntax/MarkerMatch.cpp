@@ -78,7 +78,7 @@ class Matcher {
   bool takeOtherElement(Elements elements) {
     if (match.element.empty()) return fail(MarkerProblem::kMissingElement);
     const bool isAccepted = elements == Elements::kAnyAndAppendix ||
-                            (elements == Elements::kAny && match.element != kAppendix);
+                            (elements == Elements::kAny && match.element != kAppendixElement);
     return isAccepted || fail(MarkerProblem::kUnknownElement);
   }
 

@@ -14,7 +14,7 @@
 namespace quenlith::syntax {
 
 /// The element of the line that begins an appendix. It is not that of a marker.
-inline constexpr std::u16string_view kAppendix = u"appendix";
+inline constexpr std::u16string_view kAppendixElement = u"appendix";
 
 /// The elements whose markers match: the four known ones, all except "appendix", or all.
 enum class Elements { kKnown, kAny, kAnyAndAppendix };
