@@ -20,7 +20,7 @@ struct ParseOptions {
   std::vector<std::string> files;
 };
 
-enum class CheckFormat { kText, kJson };
+enum class CheckFormat { kText, kJson, kSarif };
 
 /// The lowest severity of a diagnostic that changes the exit status.
 enum class FailOn { kFailure, kWarning, kNever };
@@ -31,6 +31,14 @@ struct CheckOptions {
   terminal::ColorMode color = terminal::ColorMode::kAuto;
   host::Pieces pieces = host::Pieces::kKept;
   std::vector<std::string> files;
+};
+
+enum class ExplainFormat { kText, kMarkdown };
+
+struct ExplainOptions {
+  ExplainFormat format = ExplainFormat::kText;
+  /// Empty: all diagnostics.
+  std::string id;
 };
 
 struct ReplayOptions {

@@ -13,6 +13,7 @@
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/host/ServiceHost.hpp"
 #include "tessera/reports/CheckJson.hpp"
+#include "tessera/reports/CheckSarif.hpp"
 #include "tessera/reports/TextReport.hpp"
 #include "tessera/session/FileParser.hpp"
 #include "tessera/terminal/settings.hpp"
@@ -27,6 +28,7 @@ using check::catalogue::Severity;
 std::unique_ptr<reports::CheckReport> makeReport(const CheckOptions& options,
                                                  files::OutputFile& output) {
   if (options.format == CheckFormat::kJson) return std::make_unique<reports::CheckJson>(output);
+  if (options.format == CheckFormat::kSarif) return std::make_unique<reports::CheckSarif>(output);
   const terminal::Style style{.color = terminal::wantsColor(options.color, STDOUT_FILENO),
                               .columns = terminal::columnsOf(STDOUT_FILENO)};
   return std::make_unique<reports::TextReport>(output, style);
@@ -58,6 +60,7 @@ int check(const CheckOptions& options) {
       throw;
     } catch (const diagnostics::ProblemError& error) {
       diagnostics::report(error.what());
+      report->addProblem(error.problem());
       status = kInputsFailed;
     }
   }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tessera/commands/check.hpp"
+#include "tessera/commands/explain.hpp"
 #include "tessera/commands/parse.hpp"
 #include "tessera/commands/replay.hpp"
 #include "tessera/commands/status.hpp"
@@ -27,7 +28,14 @@ ParseFormat readFormat(const std::string& name) {
 CheckFormat readCheckFormat(const std::string& name) {
   if (name == "text") return CheckFormat::kText;
   if (name == "json") return CheckFormat::kJson;
-  throw CLI::ValidationError("\"" + name + "\" is not a format: use text or json");
+  if (name == "sarif") return CheckFormat::kSarif;
+  throw CLI::ValidationError("\"" + name + "\" is not a format: use text, json or sarif");
+}
+
+ExplainFormat readExplainFormat(const std::string& name) {
+  if (name == "text") return ExplainFormat::kText;
+  if (name == "markdown") return ExplainFormat::kMarkdown;
+  throw CLI::ValidationError("\"" + name + "\" is not a format: use text or markdown");
 }
 
 FailOn readFailOn(const std::string& name) {
@@ -77,14 +85,17 @@ struct CommandLine {
   CLI::App app{"Turns lines of source with comment markers into a structured document."};
   CLI::App* parseCommand = nullptr;
   CLI::App* checkCommand = nullptr;
+  CLI::App* explainCommand = nullptr;
   CLI::App* replayCommand = nullptr;
   ParseOptions parseOptions;
   CheckOptions checkOptions;
+  ExplainOptions explainOptions;
   ReplayOptions replayOptions;
 
  private:
   void addParse();
   void addCheck();
+  void addExplain();
   void addReplay();
 };
 
@@ -94,6 +105,7 @@ CommandLine::CommandLine() {
   app.require_subcommand(1);
   addParse();
   addCheck();
+  addExplain();
   addReplay();
 }
 
@@ -122,7 +134,7 @@ void CommandLine::addCheck() {
       ->add_option_function<std::string>(
           "--format",
           [this](const std::string& name) { checkOptions.format = readCheckFormat(name); },
-          "How diagnostics are written: text (the default) or json.")
+          "How diagnostics are written: text (the default), json or sarif.")
       ->type_name("FORMAT");
   checkCommand
       ->add_option_function<std::string>(
@@ -139,6 +151,18 @@ void CommandLine::addCheck() {
   addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
 }
 
+void CommandLine::addExplain() {
+  explainCommand = app.add_subcommand("explain", "Say what a diagnostic of check means.");
+  explainCommand
+      ->add_option_function<std::string>(
+          "--format",
+          [this](const std::string& name) { explainOptions.format = readExplainFormat(name); },
+          "How it is written: text (the default) or markdown.")
+      ->type_name("FORMAT");
+  explainCommand->add_option("ID", explainOptions.id, "The diagnostic; without it, all are listed.")
+      ->type_name("");
+}
+
 void CommandLine::addReplay() {
   replayCommand = app.add_subcommand("replay", "Call the parsers as a file says, call by call.");
   addBundles(*replayCommand, replayOptions.bundles);
@@ -151,6 +175,7 @@ void CommandLine::addReplay() {
 int CommandLine::run() const {
   if (parseCommand->parsed()) return parse(parseOptions);
   if (checkCommand->parsed()) return check(checkOptions);
+  if (explainCommand->parsed()) return explain(explainOptions);
   return replay(replayOptions);
 }
 

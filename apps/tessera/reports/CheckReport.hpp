@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tessera/check/catalogue/CheckedFile.hpp"
+#include "tessera/diagnostics/Problem.hpp"
 
 namespace tessera::reports {
 
@@ -14,6 +15,10 @@ class CheckReport {
 
   /// Writes the diagnostics of one file. Throws OutputError.
   virtual void write(const check::catalogue::CheckedFile& file) = 0;
+
+  /// Notes that a file could not be checked, for formats that say so. The problem is on standard
+  /// error, too.
+  virtual void addProblem(const diagnostics::Problem& /*problem*/) {}
 
   /// Ends the report; call it once, after the last file. Throws OutputError.
   virtual void finish() = 0;

@@ -73,6 +73,12 @@ class CommandLine(ProgramTest):
                 '"xml" is not a format: use tree, json or ndjson; "tessera parse --help" lists what there is',
             ("parse", "--record", "", "a"):
                 '"" is not a file to record to: name a file; "tessera parse --help" lists what there is',
+            ("check", "--format", "xml", "a"):
+                '"xml" is not a format: use text, json or sarif; "tessera check --help" lists what there is',
+            ("explain", "--format", "html"):
+                '"html" is not a format: use text or markdown; "tessera explain --help" lists what there is',
+            ("explain", "damaged_marker", "unused_entry"):
+                'unknown command "unused_entry"; "tessera explain --help" lists what there is',
             ("check", "--color", "red", "a"):
                 '"red" is not a way to colour: use auto, always or never; "tessera check --help" lists what there is',
             ("parse", "--record", "-", "a"):
@@ -459,6 +465,28 @@ class Check(ProgramTest):
             self.assertEqual(excerpt[mark.index("^"):mark.rindex("~") + 1], "# <@task#a>")
         _, excerpt, _, _ = self.check_in_terminal(name, "--color", "never", columns=0).split("\n")
         self.assertEqual(len(excerpt), 100)
+
+
+class Explain(ProgramTest):
+    def test_without_an_id_all_diagnostics_are_listed(self):
+        done = tessera("explain")
+        rows = [row.split() for row in done.stdout.decode().splitlines()]
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        self.assertGreaterEqual(len(rows), 10)
+        for name, severity, *title in rows:
+            self.assertIn(severity, ("failure", "warning"))
+            self.assertTrue(title)
+            explained = tessera("explain", name).stdout.decode()
+            self.assertTrue(explained.startswith(f"{name} ({severity})\n{' '.join(title)}\n\n"), explained)
+
+    def test_an_unknown_id_is_an_error(self):
+        self.assertRefused(tessera("explain", "nothing\x1b"), 'tessera: error: there is no diagnostic '
+                           '"nothing\\u001b"; "tessera explain" lists them')
+
+    def test_markdown_of_one_diagnostic_is_its_section_of_the_catalogue(self):
+        section = tessera("explain", "--format", "markdown", "unused_entry").stdout.decode()
+        self.assertIn("Before:\n\n```text\n", section)
+        self.assertIn(section, tessera("explain", "--format", "markdown").stdout.decode())
 
 
 class Replay(ProgramTest):

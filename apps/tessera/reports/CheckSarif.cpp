@@ -1,0 +1,170 @@
+#include "tessera/reports/CheckSarif.hpp"
+
+#include <cstdint>
+#include <string_view>
+#include <utility>
+
+#include "foundation/json/Writer.hpp"
+#include "tessera/reports/LineFingerprints.hpp"
+#include "tessera/reports/artifactUri.hpp"
+#include "tessera/reports/sarifResult.hpp"
+#include "tessera/reports/sarifRules.hpp"
+
+namespace tessera::reports {
+
+using namespace check::catalogue;
+using foundation::json::Form;
+using foundation::json::Writer;
+
+namespace {
+
+// Services reject a run with more.
+constexpr std::size_t kMostResults = 25000;
+// Files that could not be checked; a list of any length is of no use.
+constexpr std::size_t kMostNotifications = 1000;
+
+void text(Writer& json, std::string_view key, std::string_view value) {
+  json.key(key);
+  json.text(value);
+}
+
+void writeMessage(Writer& json, std::string_view message) {
+  json.key("message");
+  json.beginObject();
+  text(json, "text", message);
+  json.endObject();
+}
+
+void writePlace(Writer& json, const diagnostics::Problem& problem) {
+  json.key("locations");
+  json.beginArray();
+  json.beginObject();
+  json.key("physicalLocation");
+  json.beginObject();
+  json.key("artifactLocation");
+  json.beginObject();
+  text(json, "uri", artifactUri(problem.file));
+  json.endObject();
+  if (problem.place) {
+    json.key("region");
+    json.beginObject();
+    json.key("startLine");
+    json.number(problem.place->line);
+    json.endObject();
+  }
+  json.endObject();
+  json.endObject();
+  json.endArray();
+}
+
+/// Returns a problem as a SARIF notification, compact JSON. It has no column, because that of a
+/// problem counts characters and not code units.
+std::string notificationOf(const diagnostics::Problem& problem) {
+  std::string notification;
+  Writer json(notification, Form::kCompact);
+  json.beginObject();
+  text(json, "level", "error");
+  writeMessage(json, problem.remedy.empty() ? problem.what : problem.what + "; " + problem.remedy);
+  writePlace(json, problem);
+  json.endObject();
+  return notification;
+}
+
+std::string notificationOf(std::size_t leftOut) {
+  std::string notification;
+  Writer json(notification, Form::kCompact);
+  json.beginObject();
+  text(json, "level", "warning");
+  writeMessage(json, std::to_string(leftOut) +
+                         " results are left out, because a run has at most 25,000; check fewer "
+                         "files at a time");
+  json.endObject();
+  return notification;
+}
+
+void writeTool(Writer& json) {
+  json.key("tool");
+  json.beginObject();
+  json.key("driver");
+  json.beginObject();
+  text(json, "name", "tessera");
+  text(json, "semanticVersion", TESSERA_VERSION);
+  json.key("rules");
+  writeSarifRules(json);
+  json.endObject();
+  json.endObject();
+}
+
+void writeInvocation(Writer& json, bool isSuccessful,
+                     const std::vector<std::string>& notifications) {
+  json.key("invocations");
+  json.beginArray();
+  json.beginObject();
+  json.key("executionSuccessful");
+  json.boolean(isSuccessful);
+  json.key("toolExecutionNotifications");
+  json.beginArray();
+  for (const std::string& notification : notifications) json.raw(notification);
+  json.endArray();
+  json.endObject();
+  json.endArray();
+}
+
+}  // namespace
+
+void CheckSarif::write(const CheckedFile& file) {
+  const std::string uri = artifactUri(file.path);
+  LineFingerprints fingerprints;
+  for (const Diagnostic& diagnostic : file.diagnostics) {
+    const CatalogueEntry& entry = entryOf(diagnostic.kind);
+    const auto line = file.lines.line(diagnostic.span.begin.line);
+    add(sarifResult(diagnostic, uri, fingerprints.next(entry.id, line)), entry.severity);
+  }
+}
+
+void CheckSarif::add(std::string result, Severity severity) {
+  if (resultCount == kMostResults) {
+    ++leftOut;
+    if (severity != Severity::kFailure || warnings.empty()) return;
+    results[warnings.back()].clear();
+    warnings.pop_back();
+    --resultCount;
+  }
+  if (severity == Severity::kWarning) warnings.push_back(results.size());
+  results.push_back(std::move(result));
+  ++resultCount;
+}
+
+void CheckSarif::addProblem(const diagnostics::Problem& problem) {
+  failed = true;
+  if (notifications.size() < kMostNotifications) notifications.push_back(notificationOf(problem));
+}
+
+void CheckSarif::finish() {
+  if (leftOut != 0) notifications.push_back(notificationOf(leftOut));
+  Writer json(output.text(), Form::kCompact);
+  json.beginObject();
+  text(json, "$schema", "https://json.schemastore.org/sarif-2.1.0.json");
+  text(json, "version", "2.1.0");
+  json.key("runs");
+  json.beginArray();
+  json.beginObject();
+  writeTool(json);
+  writeInvocation(json, !failed, notifications);
+  text(json, "columnKind", "utf16CodeUnits");
+  json.key("results");
+  json.beginArray();
+  for (const std::string& result : results) {
+    if (result.empty()) continue;
+    json.raw(result);
+    output.flushIfLarge();
+  }
+  json.endArray();
+  json.endObject();
+  json.endArray();
+  json.endObject();
+  output.text() += '\n';
+  output.flush();
+}
+
+}  // namespace tessera::reports

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tessera/check/catalogue/Catalogue.hpp"
+
+namespace tessera::reports {
+
+std::string_view sarifLevel(check::catalogue::Severity severity) noexcept;
+
+/// Returns `diagnostic` as a SARIF result, compact JSON; `uri` is that of its file.
+std::string sarifResult(const check::catalogue::Diagnostic& diagnostic, const std::string& uri,
+                        const std::string& fingerprint);
+
+}  // namespace tessera::reports
