@@ -29,6 +29,7 @@ struct CheckOptions {
   CheckFormat format = CheckFormat::kText;
   FailOn failOn = FailOn::kFailure;
   terminal::ColorMode color = terminal::ColorMode::kAuto;
+  std::vector<std::string> bundles;
   host::Pieces pieces = host::Pieces::kKept;
   std::vector<std::string> files;
 };

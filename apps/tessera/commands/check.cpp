@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "tessera/check/HeldFiles.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/checkFile.hpp"
 #include "tessera/commands/status.hpp"
@@ -24,6 +25,7 @@ namespace {
 using check::catalogue::CheckedFile;
 using check::catalogue::Diagnostic;
 using check::catalogue::Severity;
+using quenlith::syntax::Marker;
 
 std::unique_ptr<reports::CheckReport> makeReport(const CheckOptions& options,
                                                  files::OutputFile& output) {
@@ -45,17 +47,23 @@ bool mustFail(const CheckedFile& file, FailOn failOn) {
 }  // namespace
 
 int check(const CheckOptions& options) {
-  host::ServiceHost host({}, options.pieces);
+  host::ServiceHost host(options.bundles, options.pieces);
   session::SnippetSession session(host.snippetParsers(), nullptr, nullptr);
   session::FileParser parser(session, host.appendix(), nullptr);
+  const auto isAccepted = [parsers = host.codeElementParsers()](const Marker& marker) {
+    return std::ranges::any_of(parsers,
+                               [&marker](const auto& taker) { return taker->canParse(marker); });
+  };
   files::OutputFile standardOutput(STDOUT_FILENO, "standard output");
   const auto report = makeReport(options, standardOutput);
   int status = kFine;
+  check::HeldFiles files([&](const CheckedFile& file) {
+    if (mustFail(file, options.failOn)) status = std::max(status, kFailuresFound);
+    report->write(file);
+  });
   for (const std::string& name : options.files) {
     try {
-      const CheckedFile file = check::checkFile(name, parser.parse(name));
-      if (mustFail(file, options.failOn)) status = std::max(status, kFailuresFound);
-      report->write(file);
+      files.add(check::checkFile(name, parser.parse(name), isAccepted));
     } catch (const diagnostics::OutputError&) {
       throw;
     } catch (const diagnostics::ProblemError& error) {
@@ -64,6 +72,7 @@ int check(const CheckOptions& options) {
       status = kInputsFailed;
     }
   }
+  files.finish();
   report->finish();
   return status;
 }

@@ -148,6 +148,7 @@ void CommandLine::addCheck() {
           "When text is coloured: auto (the default; on a terminal), always or never.")
       ->type_name("WHEN");
   addBare(*checkCommand, checkOptions.pieces);
+  addBundles(*checkCommand, checkOptions.bundles);
   addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
 }
 

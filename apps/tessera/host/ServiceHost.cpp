@@ -192,6 +192,15 @@ std::vector<session::NamedParser> ServiceHost::snippetParsers() const {
   return parsers;
 }
 
+std::vector<std::shared_ptr<CodeElementParser>> ServiceHost::codeElementParsers() const {
+  auto context = running->framework->GetBundleContext();
+  std::vector<std::shared_ptr<CodeElementParser>> parsers;
+  for (const auto& reference : context.GetServiceReferences<CodeElementParser>(kOtherFilter)) {
+    if (auto parser = context.GetService(reference)) parsers.push_back(std::move(parser));
+  }
+  return parsers;
+}
+
 void ServiceHost::Running::stop() noexcept {
   setFramework(nullptr);
   try {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "quenlith/build/markup/code/CodeElementParser.hpp"
 #include "quenlith/shared/appendix/MarkerAppendix.hpp"
 #include "tessera/session/NamedParser.hpp"
 
@@ -32,6 +33,10 @@ class ServiceHost {
   /// Returns the snippet parsers in the order in which to ask them: service order, the default one
   /// last. Throws ProblemError when a snippet parser of the parsers' bundle cannot be created.
   std::vector<session::NamedParser> snippetParsers() const;
+
+  /// Returns the parsers of bundles for the text of markers, in no particular order.
+  std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>>
+  codeElementParsers() const;
 
   /// The appendix that the parsers look entries up in.
   quenlith::shared::appendix::MarkerAppendix& appendix() noexcept;

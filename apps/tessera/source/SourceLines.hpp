@@ -25,6 +25,11 @@ class SourceLines {
 
   std::uint64_t count() const noexcept { return lines.size(); }
 
+  /// Returns the code, whose lines end in LF. The views of its lines are views of it.
+  std::u16string_view code() const noexcept {
+    return blocks.empty() ? std::u16string_view() : blocks.front()->text;
+  }
+
   /// Returns the line `number`. Empty for the number after the last line.
   std::u16string_view line(std::uint64_t number) const noexcept;
 

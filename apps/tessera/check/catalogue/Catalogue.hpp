@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -17,6 +18,24 @@ namespace tessera::check::catalogue {
 /// it.
 enum class Severity : std::uint8_t { kWarning, kFailure };
 
+/// The forms of a message, one per reason. "%1" to "%9" are replaced by arguments.
+class MessageForms {
+ public:
+  template <class... Text>
+  // NOLINTNEXTLINE(google-explicit-constructor): the table lists texts.
+  constexpr MessageForms(const Text&... text) noexcept
+      : texts{std::string_view(text)...}, count(sizeof...(text)) {}
+
+  constexpr std::size_t size() const noexcept { return count; }
+  constexpr std::string_view operator[](std::size_t form) const noexcept { return texts[form]; }
+  constexpr const std::string_view* begin() const noexcept { return texts.data(); }
+  constexpr const std::string_view* end() const noexcept { return texts.data() + count; }
+
+ private:
+  std::array<std::string_view, 7> texts;
+  std::size_t count;
+};
+
 /// Everything that is said about one kind of diagnostic. All texts are ASCII.
 struct CatalogueEntry {
   DiagnosticKind kind;
@@ -25,11 +44,11 @@ struct CatalogueEntry {
   Severity severity;
   /// What is wrong, as a phrase: for headings and lists.
   std::string_view title;
-  /// The forms of the message, one per reason. "%1" to "%9" are replaced by arguments.
-  std::span<const std::string_view> messages;
+  MessageForms messages;
   /// What it means and what to do; sentences, several lines.
   std::string_view explanation;
-  /// A source that has the problem, and the same source without it. Lines end in LF.
+  /// A source that has the problem, and the same source without it; both empty where no source
+  /// shows it. Lines end in LF.
   std::string_view before;
   std::string_view after;
   /// What `check --fix` does, as a sentence; empty if it never corrects this.

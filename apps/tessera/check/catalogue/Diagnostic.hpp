@@ -64,6 +64,8 @@ struct Diagnostic {
   /// The other places, the most important one first.
   std::vector<Note> notes;
   std::optional<Fix> fix;
+  /// The id of a task marker of which no partner is known; another file of the run may have it.
+  std::optional<std::u16string> unpairedTask = std::nullopt;
 };
 
 }  // namespace tessera::check::catalogue

@@ -1,115 +1,283 @@
 #include "tessera/check/rules/appendix.hpp"
 
 #include <algorithm>
-#include <set>
+#include <span>
 #include <string>
-#include <utility>
+#include <unordered_map>
+#include <unordered_set>
 
-#include "quenlith/syntax/MarkerCandidate.hpp"
 #include "quenlith/syntax/markers.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/check/rules/markerText.hpp"
-#include "tessera/source/lines.hpp"
+#include "tessera/check/rules/settings.hpp"
+#include "tessera/check/scan/SimilarNames.hpp"
+#include "tessera/check/scan/markerText.hpp"
 
 namespace tessera::check::rules {
+
+using namespace scan;
 namespace {
 
+using namespace catalogue::forms;
 using catalogue::Diagnostic;
 using catalogue::DiagnosticKind;
 using catalogue::Span;
-using catalogue::spanOf;
 using quenlith::syntax::Marker;
-using quenlith::syntax::MarkerCandidate;
-using quenlith::syntax::MarkerProblem;
-using quenlith::syntax::core::MarkerInfo;
+using suspects::Suspect;
 
-using Key = std::pair<fl::i18n::ustring, fl::i18n::ustring>;
+// An id of one character resembles every other one.
+constexpr std::size_t kMinSimilar = 2;
 
-Key keyOf(const Marker& marker) {
-  return {marker.getElement(), marker.getId()};
+/// What an entry and its marker have in common. The element has no "#".
+std::u16string keyOf(std::u16string_view element, std::u16string_view id) {
+  std::u16string key(element);
+  key += u'#';
+  return key += id;
 }
 
-std::string entryName(const Marker& marker) {
-  return plainText(marker.elementView()) + " " + nameOf(marker);
+std::u16string keyOf(const FoundMarker& marker) {
+  return keyOf(marker.parts.element, marker.id);
 }
 
-/// Returns whether the author certainly meant a marker.
-bool isIntended(const MarkerCandidate& candidate) {
-  return isComplete(candidate.comment) && candidate.problem != MarkerProblem::kMissingElement &&
-         candidate.problem != MarkerProblem::kUnknownElement;
+std::string entryName(const FoundMarker& marker) {
+  return plainText(marker.parts.element) + " marker " + nameOf(marker);
 }
 
-/// Checks the lines of an appendix one by one.
-class AppendixCheck {
+using Index = std::unordered_map<std::u16string, const FoundMarker*>;
+
+class AppendixRule {
  public:
-  AppendixCheck(std::uint64_t lineBefore, std::set<Key> used, std::vector<Diagnostic>& found)
-      : number(lineBefore), used(std::move(used)), found(found) {}
-
-  void checkLine(const fl::i18n::ustring& line) {
-    using enum DiagnosticKind;
-    ++number;
-    const std::size_t text = line.find_first_not_of(u" \t");
-    if (text == line.npos) return;
-    const Span whole = spanOf(number, text, line.find_last_not_of(u" \t") + 1);
-    if (quenlith::syntax::isAppendixLine(line)) return report(kSecondAppendixLine, whole, {});
-    const std::vector<MarkerInfo> markers = quenlith::syntax::get_markers_from_snippet(line, false);
-    if (markers.empty()) return reportDamage(line, whole);
-    checkEntry(markers.front().marker, spanOf(markers.front()));
-    if (markers.size() > 1) report(kTextBesideEntry, spanOf(markers[1]), {});
-  }
-
- private:
-  Span spanOf(const MarkerInfo& info) const {
-    return catalogue::spanOf(number, info.position, info.position + info.length);
-  }
-
-  Span spanOf(std::uint64_t line, std::uint64_t begin, std::uint64_t end) const {
-    return catalogue::spanOf(line, begin, end);
-  }
-
-  void report(DiagnosticKind kind, Span span, std::initializer_list<std::string_view> arguments) {
-    found.push_back(catalogue::makeDiagnostic(kind, 0, span, arguments));
-  }
-
-  void reportDamage(std::u16string_view line, Span whole) {
-    using enum DiagnosticKind;
-    const auto damaged = quenlith::syntax::findDamagedMarkers(line);
-    const auto intended = std::ranges::find_if(damaged, isIntended);
-    if (intended == damaged.end()) return report(kTextInAppendix, whole, {});
-    const std::uint64_t at = intended->problemPosition;
-    const std::uint64_t end = at < line.size() ? at + 1 : at;
-    const bool isJson = *intended->jsonReason != '\0';
-    report(kDamagedMarker, catalogue::spanOf(number, at, end),
-           {isJson ? intended->jsonReason : describe(intended->problem)});
-  }
-
-  void checkEntry(const Marker& marker, Span span) {
-    using enum DiagnosticKind;
-    if (!entries.insert(keyOf(marker)).second) {
-      report(kDuplicateEntry, span, {entryName(marker)});
-    } else if (!used.contains(keyOf(marker))) {
-      report(kUnusedEntry, span, {entryName(marker)});
+  AppendixRule(const FileScan& scan, const TaskWalk& walk, Findings& findings)
+      : scan(scan), walk(walk), findings(findings) {
+    for (const FoundMarker& marker : scan.code) {
+      if (marker.isMarker()) codeMarkers.emplace(keyOf(marker), &marker);
+    }
+    for (const Suspect& suspect : findings.suspects.appendix) {
+      findings.reportedLines.insert(suspect.diagnostic.span.begin.line);
     }
   }
 
-  std::uint64_t number;
-  std::set<Key> used;
-  std::set<Key> entries;
-  std::vector<Diagnostic>& found;
+  void checkLines() {
+    if (scan.appendixLine == 0) return;
+    auto found = scan.appendix.begin();
+    for (std::uint64_t number = scan.appendixLine + 1; number <= scan.lines.count(); ++number) {
+      const auto lineEnd =
+          std::find_if(found, scan.appendix.end(),
+                       [number](const FoundMarker& other) { return other.line != number; });
+      checkLine(number, {found, lineEnd});
+      found = lineEnd;
+    }
+  }
+
+  /// Pairs entries and markers. What is left over on either side may be misspelt.
+  void checkPairs() {
+    for (const Task& task : walk.tasks) {
+      if (isWithoutEntry(task)) tasksWithoutEntry.push_back(task.open);
+    }
+    explainByDamage();
+    SimilarNames missing = indexMissing();
+    for (const FoundMarker* entry : unused) reportUnused(*entry, missing);
+    for (const FoundMarker* marker : tasksWithoutEntry) {
+      if (findings.brokenTasks.contains(marker->id)) continue;
+      report(DiagnosticKind::kMissingEntry, 0, marker->span(), {nameOf(*marker)});
+    }
+  }
+
+ private:
+  Diagnostic& report(DiagnosticKind kind, std::size_t form, Span span,
+                     std::initializer_list<std::string_view> arguments) {
+    findings.diagnostics.push_back(catalogue::makeDiagnostic(kind, form, span, arguments));
+    return findings.diagnostics.back();
+  }
+
+  void checkLine(std::uint64_t number, std::span<const FoundMarker> found) {
+    const std::u16string_view line = scan.lines.line(number);
+    const std::size_t begin = line.find_first_not_of(u" \t");
+    if (begin == line.npos) return;
+    const Span text = catalogue::spanOf(number, begin, line.find_last_not_of(u" \t") + 1);
+    const auto entry = std::ranges::find_if(found, &FoundMarker::isMarker);
+    if (entry != found.end()) {
+      takeEntry(*entry);
+      checkBeside(*entry, found, text);
+    } else if (quenlith::syntax::isAppendixLine(line)) {
+      reportSecondAppendix(number, text);
+    } else if (!findings.reportedLines.contains(number)) {
+      reportText(text);
+    }
+  }
+
+  void takeEntry(const FoundMarker& entry) {
+    const auto [first, isNew] = entries.emplace(keyOf(entry), &entry);
+    if (!isNew) {
+      const auto& reported = findings.reportedLines;
+      const bool isExplained =
+          reported.contains(entry.line) || reported.contains(first->second->line);
+      if (!isExplained) reportDuplicate(entry, *first->second);
+      return;
+    }
+    if (!codeMarkers.contains(first->first)) unused.push_back(&entry);
+    if (entry.isTask()) checkSettings(entry, findings);
+  }
+
+  void reportDuplicate(const FoundMarker& entry, const FoundMarker& first) {
+    Diagnostic& diagnostic =
+        report(DiagnosticKind::kDuplicateEntry, 0, entry.span(), {entryName(entry)});
+    diagnostic.notes.push_back({first.span(), "the first entry"});
+    const bool isEqual =
+        Marker(std::u16string(entry.text())) == Marker(std::u16string(first.text()));
+    const std::u16string_view line = entry.lineText;
+    const bool isAlone = line.find_first_not_of(u" \t") == entry.parts.position &&
+                         line.find_last_not_of(u" \t") + 1 == entry.end();
+    if (isEqual && isAlone) diagnostic.fix = removeLine(entry.line);
+  }
+
+  static catalogue::Fix removeLine(std::uint64_t number) {
+    return {"remove this line", {{{{number, 0}, {number + 1, 0}}, ""}}};
+  }
+
+  void checkBeside(const FoundMarker& entry, std::span<const FoundMarker> found, Span text) {
+    const auto kind = DiagnosticKind::kTextBesideEntry;
+    const auto second = std::ranges::find_if(
+        found, [&entry](const FoundMarker& m) { return m.isMarker() && &m != &entry; });
+    if (second != found.end()) {
+      report(kind, kMarkerAfter, second->span(), {});
+    } else if (findings.reportedLines.contains(entry.line)) {
+      return;
+    } else if (text.begin.unit < entry.parts.position) {
+      const auto before = entry.lineText.substr(0, entry.parts.position);
+      const std::uint64_t end = before.find_last_not_of(u" \t") + 1;
+      report(kind, kTextBefore, entry.spanOf(text.begin.unit, end), {});
+    } else if (text.end.unit > entry.end()) {
+      const std::uint64_t begin = entry.lineText.find_first_not_of(u" \t", entry.end());
+      report(kind, kTextAfter, entry.spanOf(begin, text.end.unit), {});
+    }
+  }
+
+  void reportSecondAppendix(std::uint64_t number, Span text) {
+    Diagnostic& diagnostic =
+        report(DiagnosticKind::kSecondAppendixLine, 0, text, {std::to_string(scan.appendixLine)});
+    diagnostic.notes.push_back(
+        {catalogue::spanOf(scan.appendixLine, 0, scan.lines.line(scan.appendixLine).size()),
+         "the appendix starts here"});
+    diagnostic.fix = removeLine(number);
+  }
+
+  /// Consecutive lines are one diagnostic.
+  void reportText(Span text) {
+    if (textLines > 0 && text.begin.line == textEnd + 1) {
+      Diagnostic& diagnostic = findings.diagnostics[textDiagnostic];
+      diagnostic.span.end = text.end;
+      diagnostic.message = catalogue::messageOf(DiagnosticKind::kTextInAppendix, kTextLines,
+                                                {std::to_string(++textLines)});
+    } else {
+      textLines = 1;
+      textDiagnostic = findings.diagnostics.size();
+      report(DiagnosticKind::kTextInAppendix, kTextLine, text, {});
+    }
+    textEnd = text.begin.line;
+  }
+
+  bool isWithoutEntry(const Task& task) const {
+    return !entries.contains(keyOf(*task.open)) && !findings.brokenTasks.contains(task.open->id);
+  }
+
+  /// A damaged entry explains a task without one, and a damaged marker explains an unused entry.
+  void explainByDamage() {
+    Index missing;
+    SimilarNames similar;
+    for (std::size_t i = 0; i < tasksWithoutEntry.size(); ++i) {
+      missing.emplace(tasksWithoutEntry[i]->id, tasksWithoutEntry[i]);
+      similar.add(tasksWithoutEntry[i]->id, i);
+    }
+    for (Suspect& suspect : findings.suspects.appendix) {
+      const FoundMarker* const marker = findMeant(suspect.ids, missing, similar, tasksWithoutEntry);
+      if (marker == nullptr || !findings.brokenTasks.insert(marker->id).second) continue;
+      suspect.diagnostic.notes.push_back(
+          {marker->span(), "so the task " + nameOf(*marker) + " has no settings"});
+    }
+    explainUnused();
+  }
+
+  /// Returns the marker that one of `names` is the name of, or at least resembles; null if there is
+  /// none.
+  static const FoundMarker* findMeant(const std::vector<std::u16string>& names, const Index& index,
+                                      const SimilarNames& similar,
+                                      const std::vector<const FoundMarker*>& markers) {
+    for (const std::u16string& name : names) {
+      if (const auto same = index.find(name); same != index.end()) return same->second;
+    }
+    for (const std::u16string& name : names) {
+      // The id may follow an element and "#".
+      const bool isShort = name.size() < kMinSimilar || name[name.size() - 2] == u'#';
+      const auto found = isShort ? std::nullopt : similar.find(name);
+      if (found) return markers[*found];
+    }
+    return nullptr;
+  }
+
+  void explainUnused() {
+    Index byKey;
+    SimilarNames similar;
+    for (std::size_t i = 0; i < unused.size(); ++i) {
+      byKey.emplace(keyOf(*unused[i]), unused[i]);
+      similar.add(keyOf(*unused[i]), i);
+    }
+    std::unordered_set<const FoundMarker*> explained;
+    for (Suspect& suspect : findings.suspects.code) {
+      std::vector<std::u16string> keys;
+      for (const std::u16string& id : suspect.ids) keys.push_back(keyOf(suspect.element, id));
+      const FoundMarker* const entry = findMeant(keys, byKey, similar, unused);
+      if (entry == nullptr || !explained.insert(entry).second) continue;
+      suspect.diagnostic.notes.push_back({entry->span(), "so this entry belongs to no marker"});
+    }
+    std::erase_if(unused, [&](const FoundMarker* entry) { return explained.contains(entry); });
+  }
+
+  /// The markers in the code that have no entry, by key.
+  SimilarNames indexMissing() {
+    SimilarNames missing;
+    for (const FoundMarker& marker : scan.code) {
+      if (!marker.isMarker() || marker.id.size() < kMinSimilar) continue;
+      const std::u16string key = keyOf(marker);
+      if (entries.contains(key) || codeMarkers.at(key) != &marker) continue;
+      missing.add(key, missingMarkers.size());
+      missingMarkers.push_back(&marker);
+    }
+    return missing;
+  }
+
+  void reportUnused(const FoundMarker& entry, const SimilarNames& missing) {
+    const auto index = entry.id.size() < kMinSimilar ? std::nullopt : missing.find(keyOf(entry));
+    if (!index) {
+      report(DiagnosticKind::kUnusedEntry, kEntryUnused, entry.span(), {entryName(entry)});
+      return;
+    }
+    const FoundMarker& marker = *missingMarkers[*index];
+    report(DiagnosticKind::kUnusedEntry, kEntrySimilar, entry.span(),
+           {entryName(entry), entryName(marker)})
+        .notes.push_back({marker.span(), "this marker has no entry"});
+    if (marker.isTask()) findings.brokenTasks.insert(marker.id);
+  }
+
+  const FileScan& scan;
+  const TaskWalk& walk;
+  Findings& findings;
+  // The first marker of each key.
+  Index codeMarkers;
+  Index entries;
+  std::vector<const FoundMarker*> unused;
+  std::vector<const FoundMarker*> tasksWithoutEntry;
+  std::vector<const FoundMarker*> missingMarkers;
+  std::uint64_t textLines = 0;
+  std::uint64_t textEnd = 0;
+  std::size_t textDiagnostic = 0;
 };
 
 }  // namespace
 
-void checkAppendix(const source::SourceText& source, const fl::i18n::ustring& code,
-                   std::vector<Diagnostic>& found) {
-  if (!source.appendix.any) return;
-  std::set<Key> used;
-  for (const MarkerInfo& info : quenlith::syntax::get_markers_from_snippet(code, false)) {
-    used.insert(keyOf(info.marker));
-  }
-  AppendixCheck check(source.appendixLine, std::move(used), found);
-  source::LineCursor cursor(source.appendix.text, source.appendix.any);
-  while (const auto line = cursor.next()) check.checkLine(fl::i18n::ustring(*line));
+void checkAppendix(const FileScan& scan, const TaskWalk& walk, Findings& findings) {
+  AppendixRule rule(scan, walk, findings);
+  rule.checkLines();
+  rule.checkPairs();
 }
 
 }  // namespace tessera::check::rules

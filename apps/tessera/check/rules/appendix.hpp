@@ -1,16 +1,13 @@
 #pragma once
 
-#include <vector>
-
-#include "fl/i18n/ustring.hpp"
-#include "tessera/check/catalogue/Diagnostic.hpp"
-#include "tessera/source/SourceText.hpp"
+#include "tessera/check/rules/Findings.hpp"
+#include "tessera/check/scan/FileScan.hpp"
+#include "tessera/check/scan/TaskWalk.hpp"
 
 namespace tessera::check::rules {
 
-/// Adds a diagnostic for each line of the appendix that is not a usable entry, and for each entry
-/// that no marker of `code` refers to.
-void checkAppendix(const source::SourceText& source, const fl::i18n::ustring& code,
-                   std::vector<catalogue::Diagnostic>& found);
+/// Reports the lines of the appendix that are not usable entries, entries that nothing refers to,
+/// and tasks without an entry.
+void checkAppendix(const scan::FileScan& scan, const scan::TaskWalk& walk, Findings& findings);
 
 }  // namespace tessera::check::rules

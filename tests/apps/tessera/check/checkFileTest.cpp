@@ -48,7 +48,7 @@ class CheckFile : public testing::Test {
 
   /// Checks the file, which is empty afterwards.
   std::vector<std::string> describe() {
-    const CheckedFile checked = checkFile("f", std::move(file));
+    const CheckedFile checked = checkFile("f", std::move(file), rejectAll);
     std::vector<std::string> texts;
     for (const auto& diagnostic : checked.diagnostics) {
       const auto& span = diagnostic.span;
@@ -59,35 +59,48 @@ class CheckFile : public testing::Test {
     return texts;
   }
 
+  static bool rejectAll(const quenlith::syntax::Marker& marker) {
+    static_cast<void>(marker);
+    return false;
+  }
+
   ParsedFile file;
 };
 
-TEST_F(CheckFile, AFailureIsReportedAtItsMarker) {
+TEST_F(CheckFile, AFailureIsReportedAtItsMarkerOrRange) {
   addLine(u"", {});
   addLine(u"\u00E4\U0001F3C6 # <@task#a>",
-          {makeFailure(u"overlapping_task_marker", u"task", u"a")});
-  addLine(u"# <@task#b> # <@output#b>", {makeFailure(u"invalid_position_data", u"output", u"b"),
-                                         makeFailure(u"missing_task_marker_pair", u"task", u"b")});
+          {makeFailure(u"missing_task_marker_pair", u"task", u"a")});
+  addLine(u"# <@output#b [9,9]> # <@task#b>",
+          {makeFailure(u"invalid_position_data", u"output", u"b"),
+           makeFailure(u"missing_task_marker_pair", u"task", u"b")});
   EXPECT_THAT(describe(),
-              ElementsAre("2:4-15 overlapping_task_marker", "3:0-11 missing_task_marker_pair",
-                          "3:12-25 invalid_position_data"));
+              ElementsAre("2:4-15 missing_task_marker_pair", "3:13-18 invalid_position_data",
+                          "3:20-31 missing_task_marker_pair"));
 }
 
-TEST_F(CheckFile, TheNthFailureRefersToTheNthMarkerWithItsId) {
-  ParserFailure second = makeFailure(u"invalid_position_data", u"output", u"a");
+TEST_F(CheckFile, TheNthFailureRefersToTheNthUnusableRangeOfItsId) {
+  const ParserFailure failure = makeFailure(u"invalid_position_data", u"output", u"a");
+  ParserFailure second = failure;
   second.setFailureData({{"position", foundation::json::Value(2.0)}});
-  ParserFailure third = second;
-  third.setFailureData({{"position", foundation::json::Value(3.0)}});
-  addLine(u"# <@output#a> # <@output#a>",
-          {makeFailure(u"invalid_position_data", u"output", u"a"), second, third});
+  addLine(u"# <@output#a [9,9]> # <@output#a> # <@output#a [3,2]>", {failure, second});
   EXPECT_THAT(describe(),
-              ElementsAre("1:0-13 invalid_position_data", "1:14-27 invalid_position_data",
-                          "1:14-27 invalid_position_data"));
+              ElementsAre("1:13-18 invalid_position_data", "1:47-52 invalid_position_data"));
+}
+
+// Another bundle may record failures with the ids of the program's own.
+TEST_F(CheckFile, AFailureWithoutItsMarkerIsReportedForItsLine) {
+  addLine(u"  x", {makeFailure(u"invalid_position_data", u"output", u"a"),
+                   makeFailure(u"missing_task_marker_pair", u"task", u"b")});
+  addLine(u"y", {makeFailure(u"overlapping_task_marker", u"task", u"c")});
+  EXPECT_THAT(describe(),
+              ElementsAre("1:0-3 missing_task_marker_pair", "1:0-3 invalid_position_data",
+                          "2:0-1 overlapping_task_marker"));
 }
 
 TEST_F(CheckFile, AFailureOfAnotherBundleIsReportedForItsLine) {
   addLine(u"  x", {makeFailure(u"other\n", u"thing", u"")});
-  const CheckedFile checked = checkFile("f", std::move(file));
+  const CheckedFile checked = checkFile("f", std::move(file), rejectAll);
   ASSERT_EQ(checked.diagnostics.size(), 1u);
   EXPECT_EQ(checked.diagnostics[0].message,
             "a parser reports \"other\\n\" for the thing marker without an id");
@@ -107,7 +120,7 @@ TEST_F(CheckFile, DiagnosticsAreInOrderOfTheirPlaces) {
   file.source.appendixLine = 2;
   file.source.appendixLineText = u"# <@appendix>";
   file.source.appendix = {u"?\n# <@task#z>\n# <@task#a>", true};
-  const CheckedFile checked = checkFile("f", std::move(file));
+  const CheckedFile checked = checkFile("f", std::move(file), rejectAll);
   std::vector<std::uint64_t> lines;
   for (const auto& diagnostic : checked.diagnostics) lines.push_back(diagnostic.span.begin.line);
   EXPECT_THAT(lines, ElementsAre(1, 3, 4));

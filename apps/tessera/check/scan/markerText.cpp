@@ -1,9 +1,9 @@
-#include "tessera/check/rules/markerText.hpp"
+#include "tessera/check/scan/markerText.hpp"
 
 #include "fl/i18n/ustring.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
 
-namespace tessera::check::rules {
+namespace tessera::check::scan {
 namespace {
 
 constexpr std::size_t kMaxUnits = 60;
@@ -27,6 +27,7 @@ std::u16string_view tailOf(std::u16string_view text, std::size_t size) {
 }  // namespace
 
 std::string quoted(std::u16string_view text) {
+  if (text == u"\"") return "'\"'";
   if (text.size() <= kMaxUnits) return diagnostics::quotedText(text);
   std::u16string shortened(headOf(text, kHeadUnits));
   shortened += u"...";
@@ -42,4 +43,4 @@ std::string plainText(std::u16string_view text) {
   return diagnostics::terminalText(fl::i18n::ustring_to_utf8(text));
 }
 
-}  // namespace tessera::check::rules
+}  // namespace tessera::check::scan

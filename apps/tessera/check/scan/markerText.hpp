@@ -5,9 +5,10 @@
 
 #include "quenlith/syntax/Marker.hpp"
 
-namespace tessera::check::rules {
+namespace tessera::check::scan {
 
-/// Returns `text` in quotes, as UTF-8 without control characters; long text is cut in the middle.
+/// Returns `text` in quotes, as UTF-8 without control characters. Long text is cut in the middle; a
+/// double quote alone is in single quotes.
 std::string quoted(std::u16string_view text);
 
 /// Returns how a message names a marker: its id in quotes, or "without an id".
@@ -16,4 +17,4 @@ std::string nameOf(const quenlith::syntax::Marker& marker);
 /// Returns `text` as UTF-8 without control characters.
 std::string plainText(std::u16string_view text);
 
-}  // namespace tessera::check::rules
+}  // namespace tessera::check::scan

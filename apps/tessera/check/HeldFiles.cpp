@@ -1,0 +1,55 @@
+#include "tessera/check/HeldFiles.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/markerText.hpp"
+#include "tessera/diagnostics/terminalText.hpp"
+
+namespace tessera::check {
+
+using catalogue::CheckedFile;
+using catalogue::Diagnostic;
+
+void HeldFiles::add(CheckedFile file) {
+  bool isUnpaired = false;
+  for (const Diagnostic& diagnostic : file.diagnostics) {
+    if (!diagnostic.unpairedTask) continue;
+    isUnpaired = true;
+    std::vector<Place>& known = places[*diagnostic.unpairedTask];
+    if (known.size() < 2) known.push_back({held.size(), diagnostic.span.begin});
+  }
+  if (held.empty() && !isUnpaired) return take(file);
+  // Only the lines with diagnostics are needed.
+  if (file.diagnostics.empty()) file.lines = {};
+  held.push_back(std::move(file));
+}
+
+void HeldFiles::finish() {
+  for (std::size_t i = 0; i < held.size(); ++i) explainUnpaired(i);
+  for (const CheckedFile& file : held) take(file);
+  held.clear();
+}
+
+void HeldFiles::explainUnpaired(std::size_t index) {
+  for (Diagnostic& diagnostic : held[index].diagnostics) {
+    if (!diagnostic.unpairedTask) continue;
+    const auto& known = places.at(*diagnostic.unpairedTask);
+    const auto other =
+        std::ranges::find_if(known, [index](const Place& place) { return place.file != index; });
+    if (other == known.end()) continue;
+    const CheckedFile& file = held[other->file];
+    const auto& [line, unit] = other->position;
+    const std::string id =
+        diagnostic.unpairedTask->empty() ? "without an id" : scan::quoted(*diagnostic.unpairedTask);
+    diagnostic.message =
+        catalogue::messageOf(diagnostic.kind, catalogue::forms::kPairInOtherFile, {id});
+    diagnostic.notes.push_back(
+        {diagnostic.span, "the other one is " + diagnostics::terminalText(file.path) + ':' +
+                              std::to_string(line) + ':' +
+                              std::to_string(file.lines.countCharactersBefore(line, unit) + 1)});
+  }
+}
+
+}  // namespace tessera::check

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace tessera::check::scan {
+
+/// Returns whether `a` and `b` differ only in the case of ASCII letters, or by one edit: a
+/// character inserted, removed or replaced, or two neighbours swapped. False for equal names.
+bool areSimilar(std::u16string_view a, std::u16string_view b);
+
+/// Finds a name that was perhaps meant by a misspelt one.
+///
+/// Each name is stored under all the texts that result from it when one character is removed, so
+/// that a search compares only a bounded number of names (the method of symmetric deletion). Names
+/// longer than 64 units are found only by their case. Linear in the length of all names.
+class SimilarNames {
+ public:
+  /// Adds a name under a number. The name is copied.
+  void add(std::u16string_view name, std::size_t number);
+
+  /// Returns the number of a name that is similar to `name`, the one that was added first.
+  std::optional<std::size_t> find(std::u16string_view name) const;
+
+ private:
+  struct Entry {
+    std::u16string name;
+    std::size_t number;
+  };
+
+  std::vector<Entry> entries;
+  // The indices of entries by the hashes of their keys. A key keeps few: more would make a search
+  // among many names with one key slow, and the first ones are as good as the others.
+  std::unordered_map<std::uint64_t, std::vector<std::size_t>> index;
+};
+
+}  // namespace tessera::check::scan

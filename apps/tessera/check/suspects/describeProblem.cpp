@@ -1,0 +1,409 @@
+#include "tessera/check/suspects/describeProblem.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "fl/i18n/ustring.hpp"
+#include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/markerText.hpp"
+#include "tessera/check/suspects/findRepair.hpp"
+#include "tessera/check/suspects/isIntended.hpp"
+
+namespace tessera::check::suspects {
+
+using namespace scan;
+namespace {
+
+using namespace std::string_view_literals;
+using namespace catalogue::forms;
+using catalogue::DiagnosticKind;
+using catalogue::Span;
+using quenlith::syntax::CommentForm;
+using quenlith::syntax::MarkerProblem;
+using Arguments = std::initializer_list<std::string_view>;
+
+bool isDigit(char16_t unit) {
+  return unit >= u'0' && unit <= u'9';
+}
+
+bool isBlank(char16_t unit) {
+  return unit == u' ' || unit == u'\t';
+}
+
+bool isWordUnit(char16_t unit) {
+  const auto lower = static_cast<char16_t>(unit | 0x20U);
+  return isDigit(unit) || (lower >= u'a' && lower <= u'z') || unit == u'_' || unit >= 0x80;
+}
+
+/// What was expected where JSON is damaged, for each reason that the lexer gives.
+std::string_view expectedInJson(std::string_view reason) {
+  constexpr std::array<std::pair<std::string_view, std::string_view>, 7> kExpected{{
+      {"a key in quotes is missing", "a key in double quotes"},
+      {"a ':' is missing", "\":\" after the key"},
+      {"a value is missing", "a value"},
+      {"a ',' or '}' is missing", "\",\" or \"}\""},
+      {"a ',' or ']' is missing", "\",\" or \"]\""},
+      {"a digit is missing", "a digit"},
+  }};
+  const auto found =
+      std::ranges::find(kExpected, reason, &std::pair<std::string_view, std::string_view>::first);
+  return found == kExpected.end() ? reason : found->second;
+}
+
+std::u16string_view closerOf(CommentForm form) {
+  switch (form) {
+    case CommentForm::kSlashStar:
+      return u"*/";
+    case CommentForm::kParenthesisStar:
+      return u"*)";
+    case CommentForm::kAngleBracket:
+      return u"-->";
+    default:
+      return u"-}";
+  }
+}
+
+/// Writes the diagnostic of one text.
+class ProblemWriter {
+ public:
+  ProblemWriter(const FoundMarker& found, std::uint64_t end, const FoundMarker* before)
+      : found(found), parts(found.parts), line(found.lineText), end(end), before(before) {
+    text = {found.line, line, parts.position, end, std::min(parts.problemPosition, end)};
+  }
+
+  Suspect write() {
+    suspect.element = parts.element;
+    addId(found.id);
+    dispatch();
+    return std::move(suspect);
+  }
+
+ private:
+  using enum DiagnosticKind;
+
+  void addId(std::u16string_view id) {
+    if (!id.empty()) suspect.ids.emplace_back(id);
+  }
+
+  void dispatch() {
+    switch (parts.problem) {
+      case MarkerProblem::kMissingElement:
+        return writeMissingElement();
+      case MarkerProblem::kUnknownElement:
+        return writeUnknownElement();
+      case MarkerProblem::kMissingType:
+        return report(kMissingType, 0, atProblem(), {});
+      case MarkerProblem::kMissingId:
+        return report(kInvalidId, kIdAbsent, atProblem(), {});
+      case MarkerProblem::kBadQuotedId:
+        return report(kInvalidId, kIdNotJson, atProblem(), {quotedIdProblem()});
+      case MarkerProblem::kMissingBlankBeforeRange:
+        return writeMissingBlank("range");
+      case MarkerProblem::kMissingBlankBeforeData:
+        return writeMissingBlank("data");
+      case MarkerProblem::kRangeNumberMissing:
+      case MarkerProblem::kRangeCommaMissing:
+      case MarkerProblem::kRangeBracketMissing:
+        return writeRange();
+      case MarkerProblem::kBadData:
+        return writeData();
+      case MarkerProblem::kMissingEnd:
+        return writeMissingEnd();
+      case MarkerProblem::kMissingCloser:
+        return writeMissingCloser();
+      case MarkerProblem::kBadAppendixLine:
+        return report(kInvalidAppendixLine, 0, found.span(), {});
+      default:
+        return writeMissingLeader();
+    }
+  }
+
+  void report(DiagnosticKind kind, std::size_t form, Span span, Arguments arguments) {
+    suspect.diagnostic = catalogue::makeDiagnostic(kind, form, span, arguments);
+  }
+
+  /// Like `report` at the problem, with the fix of a single wrong character if there is one.
+  void reportRepairable(DiagnosticKind kind, std::size_t form, Arguments arguments) {
+    report(kind, form, atProblem(), arguments);
+    suspect.diagnostic.fix = findRepair(text);
+  }
+
+  void fixBy(const Replacement& replacement) {
+    if (isRepairedBy(text, replacement)) suspect.diagnostic.fix = makeFix(text, replacement);
+  }
+
+  /// The word, or the one character, at the problem; empty at the end of the text.
+  std::u16string_view wordAtProblem() const {
+    const std::u16string_view rest = line.substr(text.problem, end - text.problem);
+    if (rest.empty()) return rest;
+    const auto wordEnd = std::ranges::find_if_not(rest, isWordUnit);
+    const auto length = static_cast<std::size_t>(wordEnd - rest.begin());
+    if (length > 0) return rest.substr(0, length);
+    return rest.substr(0, 1);
+  }
+
+  std::string foundAtProblem() const {
+    const std::u16string_view word = wordAtProblem();
+    return word.empty() ? "the end of the line" : quoted(word);
+  }
+
+  Span atProblem() const {
+    const std::uint64_t length = std::max<std::uint64_t>(wordAtProblem().size(), 0);
+    return found.spanOf(text.problem, text.problem + length);
+  }
+
+  void writeMissingElement() {
+    const std::uint64_t begin = parts.opening + 2;
+    const std::uint64_t element =
+        std::min<std::uint64_t>(line.find_first_not_of(u" \t", begin), end);
+    if (element == begin)
+      return report(kMissingElement, kElementAbsent, found.spanOf(parts.opening, begin), {});
+    const std::u16string_view rest = line.substr(element);
+    const auto nameEnd =
+        static_cast<std::size_t>(std::ranges::find_if_not(rest, isWordUnit) - rest.begin());
+    suspect.element = rest.substr(0, nameEnd);
+    if (nameEnd < rest.size() && rest[nameEnd] == u'#') addId(nameAt(element + nameEnd + 1));
+    report(kMissingElement, kElementAfterBlank, found.spanOf(begin, element),
+           {quoted(suspect.element)});
+    fixBy({begin, element - begin, u""});
+  }
+
+  std::u16string_view nameAt(std::uint64_t begin) const {
+    const std::u16string_view rest = line.substr(begin, end - begin);
+    const auto isOther = [](char16_t unit) {
+      return !isWordUnit(unit) && unit != u'-' && unit != u'.';
+    };
+    return rest.substr(
+        0, static_cast<std::size_t>(std::ranges::find_if(rest, isOther) - rest.begin()));
+  }
+
+  void writeUnknownElement() {
+    const Span span = found.spanOf(parts.element);
+    const std::u16string_view similar = similarElement(parts.element);
+    const std::u16string_view start = elementAtStart(parts.element);
+    if (!similar.empty() && !isJoined(start)) {
+      suspect.element = similar;
+      const bool isSameLength = similar.size() == parts.element.size();
+      const bool isCase = isSameLength && areEqualExceptCase(similar, parts.element);
+      report(kUnknownElement, isCase ? kElementUpperCase : kElementSimilar, span,
+             {quoted(parts.element), quoted(similar)});
+      return fixBy({found.positionOf(parts.element), parts.element.size(), similar});
+    }
+    if (start.empty()) return report(kUnknownElement, kElementOther, span, {quoted(parts.element)});
+    suspect.element = start;
+    writeJoinedElement(start, span);
+  }
+
+  /// Returns whether an id or type was probably joined to the element: "<@taskfit>", not
+  /// "<@tasks>".
+  bool isJoined(std::u16string_view start) const {
+    return !start.empty() && parts.id.empty() && parts.type.empty() &&
+           parts.element.substr(start.size()) != u"s";
+  }
+
+  static bool areEqualExceptCase(std::u16string_view a, std::u16string_view b) {
+    return std::ranges::equal(a, b, {}, {}, [](char16_t unit) {
+      return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit;
+    });
+  }
+
+  /// "<@taskfit>" and "<@textanchor#a>": the "#" or ":" after the element is missing.
+  void writeJoinedElement(std::u16string_view start, Span span) {
+    const bool isType = !parts.id.empty() || parts.element.substr(start.size()) == u"anchor";
+    if (!isType) addId(parts.element.substr(start.size()));
+    const std::u16string_view separator = isType ? u":" : u"#";
+    std::u16string meant(start);
+    meant += separator;
+    meant += parts.element.substr(start.size());
+    report(kUnknownElement, kElementSimilar, span, {quoted(parts.element), quoted(meant)});
+    const bool isCertain = !isType || parts.element.substr(start.size()) == u"anchor";
+    if (isCertain) fixBy({found.positionOf(parts.element) + start.size(), 0, separator});
+  }
+
+  std::string quotedIdProblem() const {
+    const std::string_view reason = parts.jsonReason;
+    if (text.problem >= end) return "its closing quote is missing";
+    if (line[text.problem] == u'\\') {
+      return plainText(line.substr(text.problem, 2)) + " is not an escape";
+    }
+    return std::string(reason);
+  }
+
+  void writeMissingBlank(std::string_view part) {
+    report(kMissingBlank, 0, found.spanOf(text.problem, text.problem + 1), {part});
+    fixBy({text.problem, 0, u" "});
+  }
+
+  void writeRange() {
+    const char16_t unit = text.problem < end ? line[text.problem] : u'\0';
+    const bool isNumberMissing = parts.problem == MarkerProblem::kRangeNumberMissing;
+    if (isNumberMissing && (unit == u'-' || unit == u'+')) {
+      return report(kInvalidRange, kRangeSign, atProblem(), {foundAtProblem()});
+    }
+    if (isNumberMissing) return reportRepairable(kInvalidRange, kRangeNumber, {foundAtProblem()});
+    if (parts.problem == MarkerProblem::kRangeCommaMissing) {
+      if (unit == u']') return report(kInvalidRange, kRangeOneNumber, atProblem(), {});
+      return reportRepairable(kInvalidRange, kRangeComma, {foundAtProblem()});
+    }
+    reportRepairable(kInvalidRange, kRangeClosingBracket, {foundAtProblem()});
+  }
+
+  void writeData() {
+    const std::string_view reason = parts.jsonReason;
+    if (reason.find("too deep") != reason.npos)
+      return report(kMarkerLimit, kLimitDepth, atProblem(), {});
+    if (reason.find("largest double") != reason.npos) {
+      return report(kMarkerLimit, kLimitNumber, found.spanOf(numberAtProblem()),
+                    {quoted(numberAtProblem())});
+    }
+    if (text.problem >= end) {
+      report(kInvalidData, kDataCutOff, atProblem(), {"its end"});
+      suspect.diagnostic.fix = findRepair(text);
+      return;
+    }
+    if (line[text.problem] == u'\\' && reason.find("escape") != reason.npos) {
+      const std::u16string_view escape = line.substr(text.problem, 2);
+      return report(kInvalidData, kDataEscape, found.spanOf(escape), {plainText(escape)});
+    }
+    if (reason.find("control character") != reason.npos) {
+      return report(kInvalidData, kDataControl, atProblem(), {foundAtProblem()});
+    }
+    reportRepairable(kInvalidData, kDataExpected, {expectedInJson(reason), foundAtProblem()});
+  }
+
+  std::u16string_view numberAtProblem() const {
+    const std::u16string_view rest = line.substr(text.problem, end - text.problem);
+    return rest.substr(0, std::min(rest.find_first_not_of(u"+-.0123456789eE"), rest.size()));
+  }
+
+  /// Something else is where the ">" must be: perhaps the rest of an id, a range or data.
+  void writeMissingEnd() {
+    const std::u16string_view rest = line.substr(text.problem, end - text.problem);
+    const bool isRest = std::ranges::all_of(rest, isBlank) || startsCloser(rest);
+    if (isRest) return reportRepairable(kUnclosedMarker, kEndAbsent, {});
+    if (rest.front() == u'[' && !parts.data.empty()) {
+      return report(kInvalidRange, kRangeAfterData, atProblem(), {});
+    }
+    if (looksLikeRange(rest))
+      return reportRepairable(kInvalidRange, kRangeOpeningBracket, {foundAtProblem()});
+    if (looksLikeData(rest)) return reportRepairable(kInvalidData, kDataBrace, {foundAtProblem()});
+    if (isInId()) return writeUnquotedId(rest);
+    reportRepairable(kUnclosedMarker, kEndOtherText, {foundAtProblem()});
+  }
+
+  bool startsCloser(std::u16string_view rest) const {
+    return isBlock(parts.comment) && rest.starts_with(closerOf(parts.comment));
+  }
+
+  static bool looksLikeRange(std::u16string_view rest) {
+    const std::size_t digits = u"({<"sv.find(rest.front()) != std::u16string_view::npos ? 1 : 0;
+    const std::size_t end = rest.find_first_not_of(u"0123456789 ,", digits);
+    const std::u16string_view numbers = rest.substr(0, end).substr(digits);
+    return end != rest.npos && u"])}>"sv.find(rest[end]) != std::u16string_view::npos &&
+           numbers.find(u',') != numbers.npos && std::ranges::any_of(numbers, isDigit);
+  }
+
+  static bool looksLikeData(std::u16string_view rest) {
+    return u"([\""sv.find(rest.front()) != std::u16string_view::npos &&
+           rest.find(u"\":") != rest.npos;
+  }
+
+  /// The id is the last part that was read, and is not quoted.
+  bool isInId() const {
+    return parts.range.empty() && parts.data.empty() && !parts.id.empty() &&
+           parts.id.front() != u'"';
+  }
+
+  void writeUnquotedId(std::u16string_view rest) {
+    const std::size_t close = rest.find(u'>');
+    if (close == rest.npos)
+      return reportRepairable(kUnclosedMarker, kEndOtherText, {foundAtProblem()});
+    const std::uint64_t begin = found.positionOf(parts.id);
+    const std::size_t other = std::min({close, rest.find(u" ["), rest.find(u" {")});
+    const std::u16string_view whole = line.substr(begin, text.problem + other - begin);
+    const std::u16string_view first = line.substr(begin + parts.id.size(), 1);
+    const std::string name = isBlank(first.front()) ? "a blank" : quoted(first);
+    addId(whole);
+    report(kInvalidId, kIdUnquoted, found.spanOf(whole), {name, quoted(whole)});
+    suspect.diagnostic.fix = findRepair(text);
+  }
+
+  void writeMissingCloser() {
+    const std::u16string_view closer = closerOf(parts.comment);
+    const std::uint64_t at =
+        std::min<std::uint64_t>(line.find_first_not_of(u" \t", text.problem), end);
+    if (at == line.size()) {
+      return report(kUnclosedComment, kCloserAbsent, found.span(), {quoted(closer)});
+    }
+    text.problem = at;
+    report(kUnclosedComment, kCloserOtherText, atProblem(), {quoted(closer), foundAtProblem()});
+  }
+
+  void writeMissingLeader() {
+    switch (parts.problem) {
+      case MarkerProblem::kLeaderTooShort:
+        return writeShortLeader();
+      case MarkerProblem::kMissingBlankAfterRemark: {
+        const std::u16string_view word =
+            line.substr(parts.position, parts.opening - parts.position);
+        report(kMissingLeader, kLeaderNoBlank, found.span(), {quoted(word)});
+        return fixBy({parts.opening, 0, u" "});
+      }
+      default:
+        return parts.followsMarker ? writeSecondMarker() : writeNoLeader();
+    }
+  }
+
+  void writeShortLeader() {
+    std::u16string_view leader = line.substr(parts.position, parts.opening - parts.position);
+    leader = leader.substr(0, leader.find_last_not_of(u" \t") + 1);
+    const char16_t last = leader.back();
+    if (last == u'*')
+      return report(kMissingLeader, kLeaderStar, found.spanOf(leader), {quoted(leader)});
+    const std::u16string repeated = std::u16string(leader) + last;
+    report(kMissingLeader, catalogue::forms::kLeaderTooShort, found.spanOf(leader),
+           {quoted(leader), quoted(repeated)});
+    fixBy({parts.position + leader.size(), 0, leader.substr(leader.size() - 1)});
+  }
+
+  void writeNoLeader() {
+    report(kMissingLeader, kLeaderAbsent, found.span(), {});
+    if (parts.opening > 0 && line[parts.opening - 1] == u'<') {
+      text.begin = 0;
+      suspect.diagnostic.fix.reset();
+    }
+  }
+
+  /// The leader of the marker before it can be repeated if that begins a line comment.
+  void writeSecondMarker() {
+    report(kMissingLeader, kLeaderOfOtherMarker, found.span(), {});
+    if (before == nullptr || before->parts.comment != CommentForm::kLine) return;
+    const auto& first = before->parts;
+    std::u16string_view leader =
+        before->lineText.substr(first.position, first.opening - first.position);
+    leader = leader.substr(0, leader.find_last_not_of(u" \t") + 1);
+    std::u16string inserted(leader);
+    inserted += u' ';
+    if (parts.opening > 0 && !isBlank(line[parts.opening - 1])) inserted.insert(0, u" ");
+    fixBy({parts.opening, 0, inserted});
+  }
+
+  const FoundMarker& found;
+  const quenlith::syntax::MarkerCandidate& parts;
+  std::u16string_view line;
+  std::uint64_t end;
+  const FoundMarker* before;
+  DamagedText text;
+  Suspect suspect;
+};
+
+}  // namespace
+
+Suspect describeProblem(const FoundMarker& found, std::uint64_t end, const FoundMarker* before) {
+  return ProblemWriter(found, end, before).write();
+}
+
+}  // namespace tessera::check::suspects

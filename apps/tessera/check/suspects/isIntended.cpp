@@ -1,0 +1,117 @@
+#include "tessera/check/suspects/isIntended.hpp"
+
+#include <algorithm>
+#include <array>
+
+#include "tessera/check/scan/SimilarNames.hpp"
+
+namespace tessera::check::suspects {
+
+using namespace scan;
+namespace {
+
+using quenlith::syntax::CommentForm;
+using quenlith::syntax::MarkerProblem;
+
+constexpr std::array<std::u16string_view, 5> kElements{u"control", u"output", u"task", u"text",
+                                                       u"appendix"};
+
+bool isKnown(std::u16string_view element) {
+  return std::ranges::find(kElements, element) != kElements.end();
+}
+
+/// Returns whether something of a marker besides the element is there.
+bool hasParts(const FoundMarker& found) {
+  const auto& parts = found.parts;
+  return !parts.type.empty() || !parts.id.empty() || !parts.range.empty() || !parts.data.empty();
+}
+
+bool differsInOneUnit(std::u16string_view a, std::u16string_view b) {
+  if (a.size() != b.size()) return false;
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) count += a[i] != b[i] ? 1U : 0U;
+  return count == 1;
+}
+
+bool isUnknownElementIntended(const FoundMarker& found) {
+  const auto& parts = found.parts;
+  if (!isComplete(parts.comment)) return false;
+  const bool isWhole = parts.bodyEnd.has_value();
+  // A whole marker of another element is one of a host that knows more elements, or a mistake.
+  if (isWhole && (!parts.range.empty() || !parts.id.empty())) return true;
+  if (similarElement(parts.element).empty() && elementAtStart(parts.element).empty()) return false;
+  if (hasParts(found)) return true;
+  // "<@test>" may be anything; "<@taks>" and "<@tasks>" may not.
+  return isWhole && !differsInOneUnit(similarElement(parts.element), parts.element);
+}
+
+/// Returns whether the text becomes a marker when blanks after "<@" are removed, or an element is
+/// put there.
+bool isElementMissing(const FoundMarker& found) {
+  if (!isComplete(found.parts.comment)) return false;
+  const std::uint64_t begin = found.parts.opening + 2;
+  const std::u16string_view line = found.lineText;
+  const std::uint64_t next = std::min(line.find_first_not_of(u" \t", begin), line.size());
+  std::u16string_view rest = line.substr(next);
+  if (next != begin && rest.starts_with(u"appendix>")) return true;
+  rest = rest.substr(0, rest.find(u"<@"));
+  std::u16string repaired(line.substr(found.parts.position, begin - found.parts.position));
+  if (next == begin) repaired += kElements.front();
+  repaired += rest;
+  const auto candidates = quenlith::syntax::findMarkerCandidates(repaired);
+  if (candidates.empty() || candidates.front().problem != MarkerProblem::kNone) return false;
+  const auto& parts = candidates.front();
+  return !parts.id.empty() || !parts.type.empty() || !parts.range.empty();
+}
+
+/// Returns whether a whole marker without a leader is likely to be meant as one: in running text, a
+/// quoted marker is none.
+bool isLeaderMissing(const FoundMarker& found) {
+  const auto& parts = found.parts;
+  if (parts.element == u"appendix") {
+    const std::u16string_view line = found.lineText;
+    return line.substr(0, parts.opening).find_last_not_of(u" \t") == line.npos &&
+           line.find_first_not_of(u" \t", *parts.bodyEnd) == line.npos;
+  }
+  if (parts.followsMarker) return true;
+  if (!hasParts(found)) return false;
+  const char16_t before = parts.opening == 0 ? u' ' : found.lineText[parts.opening - 1];
+  return before == u' ' || before == u'\t' || before == u'<';
+}
+
+}  // namespace
+
+std::u16string_view similarElement(std::u16string_view written) {
+  const auto found = std::ranges::find_if(
+      kElements, [written](std::u16string_view element) { return areSimilar(element, written); });
+  return found == kElements.end() ? std::u16string_view() : *found;
+}
+
+std::u16string_view elementAtStart(std::u16string_view written) {
+  const auto found = std::ranges::find_if(kElements, [written](std::u16string_view element) {
+    return element != u"appendix" && written.size() > element.size() &&
+           written.starts_with(element);
+  });
+  return found == kElements.end() ? std::u16string_view() : *found;
+}
+
+bool isIntended(const FoundMarker& found) {
+  const auto& parts = found.parts;
+  switch (parts.problem) {
+    case MarkerProblem::kUnknownElement:
+      return isUnknownElementIntended(found);
+    case MarkerProblem::kMissingElement:
+      return isElementMissing(found);
+    case MarkerProblem::kMissingLeader:
+      return isLeaderMissing(found);
+    case MarkerProblem::kLeaderTooShort:
+    case MarkerProblem::kMissingBlankAfterRemark:
+    case MarkerProblem::kMissingCloser:
+    case MarkerProblem::kBadAppendixLine:
+      return isKnown(parts.element);
+    default:
+      return isComplete(parts.comment) && isKnown(parts.element);
+  }
+}
+
+}  // namespace tessera::check::suspects

@@ -1,0 +1,4 @@
+a := `
+// <@text:anchor#a>
+`  // <@text:anchor#b>
+c := '`'  // <@text:anchor#c>

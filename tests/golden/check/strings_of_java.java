@@ -1,0 +1,3 @@
+String a = """
+  // <@text:anchor#a>
+  """;  // <@text:anchor#b>

@@ -1,0 +1,1 @@
+a = "// <@text:anchor#a>"
