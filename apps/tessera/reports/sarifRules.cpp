@@ -1,5 +1,6 @@
 #include "tessera/reports/sarifRules.hpp"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -37,7 +38,9 @@ void writeRule(Writer& json, const CatalogueEntry& entry) {
   json.key("id");
   json.text(entry.id);
   writeText(json, "shortDescription", entry.title);
-  writeText(json, "fullDescription", entry.explanation);
+  std::string explanation(entry.explanation);
+  std::ranges::replace(explanation, '\n', ' ');
+  writeText(json, "fullDescription", explanation);
   writeHelp(json, entry);
   json.key("defaultConfiguration");
   json.beginObject();

@@ -1,5 +1,6 @@
 #include "tessera/check/catalogue/describeEntry.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
@@ -9,25 +10,20 @@ namespace {
 constexpr std::size_t kColumns = 80;
 constexpr std::size_t kMarkdownColumns = 120;
 
-/// Appends `text` with its lines broken at blanks, so that each has at most `columns` characters
-/// where words allow it. Line breaks in `text` are kept.
+/// Appends `text` in lines of at most `columns` characters where words allow it, broken at its
+/// blanks and line breaks only.
 void appendWrapped(std::string& output, std::string_view text, std::size_t columns) {
   std::size_t column = 0;
   while (!text.empty()) {
-    const std::string_view word = text.substr(0, text.find_first_of(" \n"));
-    if (column != 0 && column + 1 + word.size() > columns) {
-      output += '\n';
-      column = 0;
+    const std::size_t length = std::min(text.find_first_of(" \n"), text.size());
+    if (column != 0) {
+      const bool fits = column + 1 + length <= columns;
+      output += fits ? ' ' : '\n';
+      column = fits ? column + 1 : 0;
     }
-    if (column != 0) output += ' ';
-    column += word.size() + (column == 0 ? 0 : 1);
-    output += word;
-    text.remove_prefix(word.size());
-    if (text.starts_with('\n')) {
-      output += '\n';
-      column = 0;
-    }
-    if (!text.empty()) text.remove_prefix(1);
+    output += text.substr(0, length);
+    column += length;
+    text.remove_prefix(std::min(length + 1, text.size()));
   }
   output += '\n';
 }

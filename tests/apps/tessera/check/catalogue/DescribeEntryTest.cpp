@@ -30,13 +30,13 @@ constexpr CatalogueEntry kEntry{.kind = DiagnosticKind::kParserFailure,
 
 TEST(DescribeEntry, TextHasTheExplanationAndTheExamplesIndented) {
   EXPECT_EQ(describeAsText(kEntry),
-            "an_id (warning)\nwhat is wrong\n\nFirst words.\nSecond words.\n\nBefore:\n\n"
+            "an_id (warning)\nwhat is wrong\n\nFirst words. Second words.\n\nBefore:\n\n"
             "    a\n\n      b\n\nAfter:\n\n    c\n\ntessera check --fix: Replaces a.\n");
 }
 
 TEST(DescribeEntry, MarkdownHasTheExamplesInFences) {
   EXPECT_EQ(describeAsMarkdown(kEntry),
-            "First words.\nSecond words.\n\nBefore:\n\n```text\na\n\n  b\n```\n\nAfter:\n\n"
+            "First words. Second words.\n\nBefore:\n\n```text\na\n\n  b\n```\n\nAfter:\n\n"
             "```text\nc\n```\n\n`tessera check --fix`: Replaces a.\n");
 }
 
@@ -44,8 +44,8 @@ TEST(DescribeEntry, WithoutExampleAndFixThereIsOnlyTheExplanation) {
   CatalogueEntry entry = kEntry;
   entry.before = entry.after = entry.fix = "";
   EXPECT_EQ(describeAsText(entry),
-            "an_id (warning)\nwhat is wrong\n\nFirst words.\nSecond words.\n");
-  EXPECT_EQ(describeAsMarkdown(entry), "First words.\nSecond words.\n");
+            "an_id (warning)\nwhat is wrong\n\nFirst words. Second words.\n");
+  EXPECT_EQ(describeAsMarkdown(entry), "First words. Second words.\n");
 }
 
 TEST(DescribeEntry, LongRowsAreBrokenBetweenWords) {
