@@ -106,8 +106,6 @@ class Factories : public testing::Test {
   void* library = dlopen(BUNDLE, RTLD_NOW | RTLD_LOCAL);
 };
 
-}  // namespace
-
 TEST(BundleFile, ExportsNineFunctionsAndNothingElse) {
   std::vector<std::string> expected{std::string("_us_set_bundle_context_instance_") +
                                     kSymbolicName};
@@ -229,3 +227,5 @@ TEST_F(Factories, ContextSlotTakesAnyHandle) {
   set(&library);
   set(nullptr);
 }
+
+}  // namespace

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <boost/uuid/uuid.hpp>
 
 #include "contributors/kdzero/ContributorData.hpp"
 #include "contributors/kdzero/LineData.hpp"
@@ -20,6 +19,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "kd/zero/ElementSequence.hpp"
 #include "kd/zero/Model.hpp"
+#include "support/nilUuid.hpp"
 #include "tessera/contentmodel/kdzero/LiveTaskData.hpp"
 
 namespace {
@@ -37,9 +37,8 @@ using document::kdzero::TextNode;
 using fl::i18n::ustring;
 using kd::zero::ElementSequence;
 using kd::zero::Model;
+using quenlith::test::kNil;
 using tessera::contentmodel::kdzero::LiveTaskData;
-
-const boost::uuids::uuid kNil{};
 
 /// A document, its model, and one node of every kind, detached.
 class DocumentModelContract : public testing::Test {

@@ -20,11 +20,11 @@ namespace {
 using document::kdzero::LineNode;
 using document::kdzero::Node;
 using document::kdzero::TesseraDocument;
-using failures::kdzero::MarkerInfo;
 using failures::kdzero::ParserFailure;
 using fl::i18n::ustring;
 using foundation::json::Value;
 using quenlith::syntax::Marker;
+using FailureMarker = failures::kdzero::MarkerInfo;
 using FailureData = std::map<std::string, Value>;
 
 template <typename Record>
@@ -34,14 +34,14 @@ constexpr bool isRecord() {
 }
 
 static_assert(isRecord<ParserFailure>());
-static_assert(isRecord<MarkerInfo>());
+static_assert(isRecord<FailureMarker>());
 static_assert(std::is_same_v<decltype(std::declval<const ParserFailure&>() ==
                                       std::declval<const ParserFailure&>()),
                              bool>);
 
 TEST(FailureRecordsContract, TheMarkerInfoIsFilledByChainedSetters) {
   const Marker marker(u"// <@text:anchor#intro>");
-  MarkerInfo info;
+  FailureMarker info;
   EXPECT_EQ(&info.setFeatureId(marker.getElement())
                  .setSubFeatureId(marker.getType())
                  .setMarkerId(marker.getId()),
@@ -52,7 +52,7 @@ TEST(FailureRecordsContract, TheMarkerInfoIsFilledByChainedSetters) {
 }
 
 TEST(FailureRecordsContract, AFreshMarkerInfoIsEmpty) {
-  const MarkerInfo info;
+  const FailureMarker info;
   EXPECT_EQ(info.getMarkerId(), u"");
   EXPECT_EQ(info.getFeatureId(), u"");
   EXPECT_EQ(info.getSubFeatureId(), u"");
@@ -61,7 +61,7 @@ TEST(FailureRecordsContract, AFreshMarkerInfoIsEmpty) {
 TEST(FailureRecordsContract, TheTextsAreAcceptedInEveryForm) {
   const ustring constant = u"constant";
   ustring changing = u"changing";
-  MarkerInfo info;
+  FailureMarker info;
   info.setMarkerId(constant).setFeatureId(changing).setSubFeatureId(ustring(u"temporary"));
   EXPECT_EQ(info.getMarkerId(), u"constant");
   EXPECT_EQ(info.getFeatureId(), u"changing");
@@ -81,7 +81,7 @@ TEST(FailureRecordsContract, TheTextsAreAcceptedInEveryForm) {
 }
 
 TEST(FailureRecordsContract, TheFailureIsFilledByChainedSetters) {
-  MarkerInfo info;
+  FailureMarker info;
   info.setMarkerId(u"m");
   FailureData data;
   data["position"] = Value(std::vector<Value>{Value(7.0), Value(3.0)});
@@ -98,19 +98,20 @@ TEST(FailureRecordsContract, TheFailureIsFilledByChainedSetters) {
 }
 
 TEST(FailureRecordsContract, TheParametersMayBeConstantOrTemporary) {
-  const MarkerInfo info;
+  const FailureMarker info;
   const FailureData data{{"key", Value(1.0)}};
   ParserFailure failure;
   failure.setMarkerInfo(info).setFailureData(data);
   EXPECT_EQ(failure.getFailureData().size(), 1U);
-  failure.setMarkerInfo(MarkerInfo().setFeatureId(u"task")).setFailureData(FailureData());
+  failure.setMarkerInfo(FailureMarker().setFeatureId(u"task")).setFailureData(FailureData());
   EXPECT_EQ(failure.getMarkerInfo().getFeatureId(), u"task");
   EXPECT_TRUE(failure.getFailureData().empty());
 }
 
 TEST(FailureRecordsContract, AFailureEqualsItsCopy) {
   ParserFailure failure;
-  failure.setFailureId(u"overlapping_task_marker").setMarkerInfo(MarkerInfo().setMarkerId(u"t1"));
+  failure.setFailureId(u"overlapping_task_marker")
+      .setMarkerInfo(FailureMarker().setMarkerId(u"t1"));
   const ParserFailure copy(failure);
   EXPECT_TRUE(copy == failure);
   ParserFailure assigned;
@@ -132,7 +133,7 @@ TEST(FailureRecordsContract, TheSameFailureTwiceOnANodeIsOneRecord) {
   const Node node = LineNode::Builder(document.getModel()).createLineNode(boost::uuids::uuid{});
   ParserFailure failure;
   failure.setFailureId(u"missing_task_marker_pair");
-  failure.setMarkerInfo(MarkerInfo().setFeatureId(u"task").setMarkerId(u"t1"));
+  failure.setMarkerInfo(FailureMarker().setFeatureId(u"task").setMarkerId(u"t1"));
   failure.setFailureData({{"text", Value(std::string("Fit"))}});
   node->getParserFailuresMutable().add(failure);
   node->getParserFailuresMutable().add(failure);

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <boost/uuid/uuid.hpp>
 
 #include "contributors/kdzero/LineData.hpp"
 #include "contributors/kdzero/NodeContributorData.hpp"
@@ -30,6 +29,7 @@
 #include "kd/zero/PrimitiveSequence.hpp"
 #include "kd/zero/ReferenceCollection.hpp"
 #include "kd/zero/meta/Property.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -47,10 +47,9 @@ using kd::zero::ModelElement;
 using kd::zero::OCDChange;
 using kd::zero::PrimitiveSequence;
 using kd::zero::ReferenceCollection;
+using quenlith::test::kNil;
 using FailureChange = kd::zero::OCDChangeOfPrimitiveSequence<ParserFailure>;
 using FailureDescriptor = kd::zero::OCDChangeDescriptorOfPrimitiveSequence<ParserFailure>;
-
-const boost::uuids::uuid kNil{};
 
 static_assert(std::is_base_of_v<AbstractOwnedCollection, ElementSequence<Node>>);
 static_assert(std::is_base_of_v<AbstractOwnedCollection, PrimitiveSequence<ParserFailure>>);

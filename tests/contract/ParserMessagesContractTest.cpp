@@ -25,7 +25,7 @@ using quenlith::build::markup::code::TaskSnippetParserImpl;
 using quenlith::syntax::Marker;
 using Messages = std::vector<std::string>;
 
-const ustring kPair = u"#<@task#t1>\n#<@task#t1>";
+const ustring kTaskBlock = u"#<@task#t1>\n#<@task#t1>";
 
 class ParserMessagesContract : public testing::Test {
  protected:
@@ -67,7 +67,7 @@ TEST_F(ParserMessagesContract, AnOpeningLineTracesTheHeader) {
   EXPECT_EQ(log.messages(), Messages{"Checking if parse as task"});
   appendix->addEntry(Marker(u"#<@task#t1 {\"uniqueId\":\"u1\"}>"));
   EXPECT_EQ(
-      ofTaskLine(u"#<@task#t1> #<@text:anchor#a>", 0, kPair),
+      ofTaskLine(u"#<@task#t1> #<@text:anchor#a>", 0, kTaskBlock),
       (Messages{"Parsing using the task parser", "Task marker found for first time",
                 "Adding task marker to the list of seen markers", "Parsing live task appendix data",
                 "finding Appendix Entry", "Adding Header node to tessera doc", "u1",
@@ -76,8 +76,8 @@ TEST_F(ParserMessagesContract, AnOpeningLineTracesTheHeader) {
 }
 
 TEST_F(ParserMessagesContract, AClosingLineTracesTheCount) {
-  ofTaskLine(u"#<@task#t1>", 0, kPair);
-  const Messages closing = ofTaskLine(u"#<@task#t1>", 3, kPair);
+  ofTaskLine(u"#<@task#t1>", 0, kTaskBlock);
+  const Messages closing = ofTaskLine(u"#<@task#t1>", 3, kTaskBlock);
   // The third record is some text field of the task's data.
   ASSERT_EQ(closing.size(), 4U);
   EXPECT_EQ(closing[0], "Parsing using the task parser");
@@ -102,15 +102,15 @@ TEST_F(ParserMessagesContract, AMissingPartnerIsTraced) {
 }
 
 TEST_F(ParserMessagesContract, AnOverlapIsTraced) {
-  ofTaskLine(u"#<@task#t1>", 0, kPair);
-  EXPECT_EQ(ofTaskLine(u"#<@task#t2>", 3, kPair),
+  ofTaskLine(u"#<@task#t1>", 0, kTaskBlock);
+  EXPECT_EQ(ofTaskLine(u"#<@task#t2>", 3, kTaskBlock),
             (Messages{"Parsing using the task parser", "In LineNodeParserService",
                       "Building an overlapping task marker failure", "finding Appendix Entry"}));
 }
 
 TEST_F(ParserMessagesContract, WithTheSeverityDisabledNothingIsTracedAndParsingIsTheSame) {
   RecordedLog::enable(false);
-  EXPECT_TRUE(ofTaskLine(u"#<@task#t1>", 0, kPair).empty());
+  EXPECT_TRUE(ofTaskLine(u"#<@task#t1>", 0, kTaskBlock).empty());
   EXPECT_EQ(document->getNumberOfChildren(), 2U);
   code.parse(document, Snippet{u"x", {0, 0}, u""});
   EXPECT_TRUE(log.messages().empty());

@@ -19,7 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-namespace constants = cppmicroservices::service::component::ComponentConstants;
+namespace component_constants = cppmicroservices::service::component::ComponentConstants;
 
 class DeclarativeServices : public FrameworkFixture {
  protected:
@@ -74,12 +74,13 @@ TEST_F(DeclarativeServices, ServiceHasThePropertiesOfTheManifest) {
 TEST_F(DeclarativeServices, ServiceHasNameAndIdOfTheComponent) {
   parts.Start();
   const ServiceReference<demo::Word> word = context.GetServiceReference<demo::Word>();
-  EXPECT_EQ(word.GetProperty(constants::COMPONENT_NAME), Any(std::string("demo::Plain")));
-  EXPECT_NE(cppmicroservices::any_cast<unsigned long>(word.GetProperty(constants::COMPONENT_ID)),
+  EXPECT_EQ(word.GetProperty(component_constants::COMPONENT_NAME), Any(std::string("demo::Plain")));
+  EXPECT_NE(cppmicroservices::any_cast<unsigned long>(
+                word.GetProperty(component_constants::COMPONENT_ID)),
             0U);
-  EXPECT_EQ(constants::COMPONENT_NAME, "component.name");
-  EXPECT_EQ(constants::COMPONENT_ID, "component.id");
-  EXPECT_EQ(constants::SERVICE_COMPONENT, "scr");
+  EXPECT_EQ(component_constants::COMPONENT_NAME, "component.name");
+  EXPECT_EQ(component_constants::COMPONENT_ID, "component.id");
+  EXPECT_EQ(component_constants::SERVICE_COMPONENT, "scr");
 }
 
 TEST_F(DeclarativeServices, IdsOfComponentsDiffer) {
@@ -87,8 +88,8 @@ TEST_F(DeclarativeServices, IdsOfComponentsDiffer) {
   parts.Start();
   std::vector<unsigned long> ids;
   for (const auto& word : context.GetServiceReferences<demo::Word>()) {
-    ids.push_back(
-        cppmicroservices::any_cast<unsigned long>(word.GetProperty(constants::COMPONENT_ID)));
+    ids.push_back(cppmicroservices::any_cast<unsigned long>(
+        word.GetProperty(component_constants::COMPONENT_ID)));
   }
   ASSERT_THAT(ids, SizeIs(2));
   EXPECT_NE(ids[0], ids[1]);

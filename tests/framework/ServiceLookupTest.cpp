@@ -44,8 +44,6 @@ class ServiceLookup : public FrameworkFixture {
   std::vector<std::string> refusals;
 };
 
-}  // namespace
-
 TEST_F(ServiceLookup, ListenerFindsTheServiceOfTheEvent) {
   context.AddServiceListener([this](const ServiceEvent& event) {
     if (event.GetType() == ServiceEvent::SERVICE_REGISTERED) counts.push_back(countWords());
@@ -96,3 +94,5 @@ TEST_F(ServiceLookup, FindsNoServiceOfAnotherFramework) {
   other.WaitForStop(std::chrono::milliseconds::zero());
   EXPECT_EQ(countWords(), 1U);
 }
+
+}  // namespace

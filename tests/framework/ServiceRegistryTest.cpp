@@ -271,8 +271,6 @@ class WordFactory : public cppmicroservices::ServiceFactory {
   bool empty = false;
 };
 
-}  // namespace
-
 class ServiceFactories : public ServiceRegistry {
  protected:
   void SetUp() override {
@@ -447,3 +445,5 @@ TEST_F(ServiceRegistry, MayBeUsedFromSeveralThreads) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_THAT(texts(), IsEmpty());
 }
+
+}  // namespace

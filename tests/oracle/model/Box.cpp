@@ -9,7 +9,6 @@ namespace {
 using kd::zero::Containment;
 using kd::zero::ModelElement;
 using kd::zero::ReferenceCollection;
-using kd::zero::Value;
 using kd::zero::meta::Property;
 using kd::zero::meta::Type;
 
@@ -59,7 +58,8 @@ const Property& ownedOnce() {
   return property;
 }
 
-Property::Traits single(std::u16string_view name, Value (*read)(const ModelElement::Impl&),
+Property::Traits single(std::u16string_view name,
+                        kd::zero::Value (*read)(const ModelElement::Impl&),
                         void (*assign)(ModelElement::Impl&, ModelElement::Impl&, const Property&)) {
   Property::Traits traits;
   traits.name = name;
@@ -93,7 +93,7 @@ const Property& head() {
   static const Property property(single(
       u"head",
       [](const ModelElement::Impl& element) {
-        return Value(static_cast<const Box::Impl&>(element).head);
+        return kd::zero::Value(static_cast<const Box::Impl&>(element).head);
       },
       [](ModelElement::Impl& element, ModelElement::Impl& owner, const Property&) {
         boxOf(element).head = &boxOf(owner);
@@ -115,7 +115,7 @@ const Property& number() {
       u"number",
       [](const ModelElement::Impl&) {
         static const Type::Impl type(u"oracle.Number");
-        return Value(type);
+        return kd::zero::Value(type);
       },
       [](ModelElement::Impl&, ModelElement::Impl&, const Property&) {}));
   return property;

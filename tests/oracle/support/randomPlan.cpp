@@ -7,8 +7,8 @@ namespace quenlith::oracle {
 
 namespace {
 
-constexpr std::array<std::u16string_view, 5> kElements = {u"output", u"control", u"text", u"task",
-                                                          u"output"};
+constexpr std::array<std::u16string_view, 5> kAcceptedElements = {u"output", u"control", u"text",
+                                                                  u"task", u"output"};
 
 AnswerRule randomRule(Random& random) {
   AnswerRule rule;
@@ -16,7 +16,7 @@ AnswerRule randomRule(Random& random) {
       AnswerRule::Kind::kNever,    AnswerRule::Kind::kAlways,  AnswerRule::Kind::kElement,
       AnswerRule::Kind::kByMarker, AnswerRule::Kind::kElement, AnswerRule::Kind::kByCall};
   rule.kind = random.pick(kKinds);
-  rule.element = random.pick(kElements);
+  rule.element = random.pick(kAcceptedElements);
   rule.salt = random.next();
   return rule;
 }

@@ -20,12 +20,12 @@ Object objectOf(std::u16string_view text) {
 }
 
 // Numbers, as members of an embedded object.
-struct NumberCase {
+struct LiteralCase {
   std::u16string text;
   Value value;
 };
 
-const std::vector<NumberCase> kNumbers{
+const std::vector<LiteralCase> kLiterals{
     // Whole numbers: signed where they fit, then unsigned, then double.
     {u"0", Value(std::int64_t{0})},
     {u"-0", Value(std::int64_t{0})},
@@ -71,7 +71,7 @@ const std::vector<NumberCase> kNumbers{
 };
 
 TEST(ReadNumber, TakesTheKindThatFits) {
-  for (const auto& [text, value] : kNumbers) {
+  for (const auto& [text, value] : kLiterals) {
     const Object object = objectOf(u"{\"n\":" + text + u"}");
     EXPECT_EQ(object.at("n"), value) << testing::PrintToString(text);
   }

@@ -11,7 +11,7 @@
 namespace quenlith::syntax {
 namespace {
 
-using test::GuardedMemory;
+using quenlith::test::GuardedMemory;
 
 constexpr std::u16string_view kText =
     u"x = 1  ## <@task#\"an id\" [1, 22] {\"a\": \"\\n plain text\", \"b\": [1.5, true]}> "

@@ -9,6 +9,7 @@
 #include "document/kdzero/PlainTextNode.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
 #include "platform/model/Box.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -22,10 +23,9 @@ using document::kdzero::TextNode;
 using kd::zero::Model;
 using kd::zero::ModelElement;
 using quenlith::test::Box;
+using quenlith::test::kNil;
 using quenlith::test::liveBoxes;
 using quenlith::test::makeBox;
-
-constexpr boost::uuids::uuid kNil{};
 
 class Handle : public testing::Test {
  protected:

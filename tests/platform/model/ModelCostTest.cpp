@@ -7,6 +7,7 @@
 #include "document/kdzero/PlainTextNode.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
 #include "support/CountedWork.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -17,8 +18,8 @@ using document::kdzero::TesseraDocument;
 using failures::kdzero::ParserFailure;
 using kd::zero::Model;
 using quenlith::test::countedWork;
+using quenlith::test::kNil;
 
-constexpr boost::uuids::uuid kNil{};
 constexpr std::size_t kFew = 10000;
 constexpr std::size_t kMany = 10 * kFew;
 

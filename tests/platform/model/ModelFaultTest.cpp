@@ -14,6 +14,7 @@
 #include "kd/zero/ChangeListener.hpp"
 #include "kd/zero/ModelStorage.hpp"
 #include "support/FailingAllocations.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -30,10 +31,10 @@ using foundation::json::Value;
 using kd::zero::Model;
 using quenlith::test::failEachAllocation;
 using quenlith::test::FailingAllocations;
+using quenlith::test::kNil;
 using quenlith::test::liveAllocations;
 using tessera::contentmodel::kdzero::LiveTaskData;
 
-constexpr boost::uuids::uuid kNil{};
 constexpr boost::uuids::uuid kSome{{1}};
 // Too long for the small-string buffer.
 const std::u16string kLong(300, u'x');

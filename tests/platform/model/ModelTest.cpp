@@ -9,6 +9,7 @@
 #include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
 #include "platform/model/Box.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -17,10 +18,9 @@ using document::kdzero::Node;
 using document::kdzero::TesseraDocument;
 using kd::zero::Model;
 using quenlith::test::Box;
+using quenlith::test::kNil;
 using quenlith::test::liveBoxes;
 using quenlith::test::makeBox;
-
-constexpr boost::uuids::uuid kNil{};
 
 TEST(Model, IsEmptyAtFirst) {
   const Model model;

@@ -14,6 +14,7 @@
 #include "foundation/core/except/Exception.hpp"
 #include "kd0/messages/ElementOfAnotherModel.hpp"
 #include "kd0/messages/ElementWithinItself.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -26,9 +27,8 @@ using document::kdzero::Node;
 using document::kdzero::PlainTextNode;
 using document::kdzero::TesseraDocument;
 using foundation::core::except::IMsgIDException;
-using foundation::json::Value;
+using quenlith::test::kNil;
 
-constexpr boost::uuids::uuid kNil{};
 constexpr boost::uuids::uuid kSome{{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}};
 
 class NodeOfADocument : public testing::Test {
@@ -219,12 +219,13 @@ TEST_F(NodeOfADocument, ContributorDataMovesToItsNewNode) {
 TEST_F(NodeOfADocument, LineDataKeepsWhatItIsFilledWith) {
   const LineData lineData = makeLineData();
   EXPECT_TRUE(lineData->getData().empty());
-  LineData::Impl::Data data{{"b", Value("text")}, {"a", Value(1.5)}};
+  LineData::Impl::Data data{{"b", foundation::json::Value("text")},
+                            {"a", foundation::json::Value(1.5)}};
   lineData->setData(data);
   data.clear();
   ASSERT_EQ(lineData->getData().size(), 2u);
   EXPECT_EQ(lineData->getData().begin()->first, "a");
-  EXPECT_EQ(lineData->getData().at("b"), Value("text"));
+  EXPECT_EQ(lineData->getData().at("b"), foundation::json::Value("text"));
 }
 
 // The document.

@@ -12,7 +12,7 @@
 
 #include "document/kdzero/LineNode.hpp"
 #include "failures/kdzero/KeyedHash.hpp"
-#include "kd/zero/ChangeListener.hpp"
+#include "platform/model/Witness.hpp"
 
 namespace {
 
@@ -21,6 +21,7 @@ using failures::kdzero::KeyedHash;
 using failures::kdzero::MarkerInfo;
 using failures::kdzero::ParserFailure;
 using foundation::json::Value;
+using quenlith::test::Witness;
 
 ParserFailure filled() {
   return ParserFailure()
@@ -152,16 +153,6 @@ TEST(ParserFailure, TellsTheKindsOfNumbersApart) {
 }
 
 // On a node.
-
-struct Witness final : kd::zero::ChangeListener {
-  void modifying(const kd::zero::AbstractOwnedCollection& collection,
-                 std::unique_ptr<kd::zero::OCDChange> change) override {
-    sizes.push_back(collection.size());
-    changes.push_back(std::move(change));
-  }
-  std::vector<std::size_t> sizes;
-  std::vector<std::unique_ptr<kd::zero::OCDChange>> changes;
-};
 
 class FailuresOfANode : public testing::Test {
  protected:

@@ -7,13 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include "kd/zero/ChangeListener.hpp"
 #include "platform/model/Box.hpp"
+#include "platform/model/Witness.hpp"
 
 namespace {
 
 using kd::zero::AbstractOwnedCollection;
-using kd::zero::ChangeListener;
 using kd::zero::Model;
 using kd::zero::OCDChange;
 using kd::zero::OCDChangeOfPrimitiveContainer;
@@ -22,25 +21,8 @@ using quenlith::test::Box;
 using quenlith::test::makeBox;
 using quenlith::test::Number;
 using quenlith::test::UnhashedNumber;
-
-struct Veto {};
-
-/// Records each notification and the size of the collection at that time.
-class Witness final : public ChangeListener {
- public:
-  void modifying(const AbstractOwnedCollection& collection,
-                 std::unique_ptr<OCDChange> change) override {
-    sizes.push_back(collection.size());
-    owners.push_back(collection.getOwner());
-    changes.push_back(std::move(change));
-    if (vetoes) throw Veto();
-  }
-
-  std::vector<std::size_t> sizes;
-  std::vector<kd::zero::ModelElement> owners;
-  std::vector<std::unique_ptr<OCDChange>> changes;
-  bool vetoes = false;
-};
+using quenlith::test::Veto;
+using quenlith::test::Witness;
 
 class PrimitiveSequence : public testing::Test {
  protected:

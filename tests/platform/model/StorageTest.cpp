@@ -11,6 +11,7 @@
 #include "document/kdzero/TesseraDocument.hpp"
 #include "kd/zero/ModelStorage.hpp"
 #include "platform/model/Box.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -19,9 +20,8 @@ using document::kdzero::PlainTextNode;
 using kd::zero::Model;
 using kd::zero::ModelStorage;
 using quenlith::test::Box;
+using quenlith::test::kNil;
 using quenlith::test::makeBox;
-
-constexpr boost::uuids::uuid kNil{};
 
 TEST(ModelStorage, GivesEveryBlockRoomOfItsOwn) {
   const Model model = Model::create();

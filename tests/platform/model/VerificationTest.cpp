@@ -10,6 +10,7 @@
 #include "document/kdzero/TesseraDocument.hpp"
 #include "kd/zero/Verification.hpp"
 #include "platform/model/Box.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -22,10 +23,9 @@ using failures::kdzero::ParserFailure;
 using kd::zero::Model;
 using kd::zero::ModelElement;
 using quenlith::test::Box;
+using quenlith::test::kNil;
 using quenlith::test::Loaded;
 using quenlith::test::makeBox;
-
-constexpr boost::uuids::uuid kNil{};
 
 /// Overwrites bytes of an object; the destructor restores them.
 class Corruption {

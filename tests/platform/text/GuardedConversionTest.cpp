@@ -16,14 +16,14 @@ namespace {
 
 using quenlith::test::GuardedMemory;
 
-constexpr std::size_t kMostUnits = 4096;
+constexpr std::size_t kMostInputUnits = 4096;
 
 TEST(GuardedConversion, StaysWithinTheBounds) {
   const std::uint64_t seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937_64 random(seed);
-  const GuardedMemory input(kMostUnits);
-  const GuardedMemory output(kMostUnits * kMaxUtf8BytesPerUnit);
+  const GuardedMemory input(kMostInputUnits);
+  const GuardedMemory output(kMostInputUnits * kMaxUtf8BytesPerUnit);
   for (int round = 0; round < 20'000; ++round) {
     const std::string bytes = twin::randomBytes(random);
     for (const auto& text : {input.copyToBegin<char>(bytes), input.copyToEnd<char>(bytes)}) {

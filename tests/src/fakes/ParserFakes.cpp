@@ -79,4 +79,8 @@ std::vector<ustring> childTexts(const Node& node) {
   return texts;
 }
 
+ustring kindText(const ustring& element) {
+  return Marker(element).toString();
+}
+
 }  // namespace quenlith::test

@@ -101,4 +101,7 @@ class FakeAppendix final : public shared::appendix::AppendixBuilder {
 /// The texts of the plain-text children of `node`, in order.
 std::vector<ustring> childTexts(const document::kdzero::Node& node);
 
+/// The name of a kind of marker in a result: the text of the marker with the element alone.
+ustring kindText(const ustring& element);
+
 }  // namespace quenlith::test

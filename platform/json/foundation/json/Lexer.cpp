@@ -5,6 +5,7 @@
 
 #include "fl/i18n/search.hpp"
 #include "fl/i18n/ustring.hpp"
+#include "foundation/json/digits.hpp"
 
 namespace foundation::json {
 
@@ -13,10 +14,6 @@ namespace {
 using fl::i18n::UnitRange;
 
 constexpr std::size_t kHexDigits = 4;
-
-bool isDigit(char16_t unit) {
-  return unit >= u'0' && unit <= u'9';
-}
 
 int hexValue(char16_t unit) {
   if (isDigit(unit)) {

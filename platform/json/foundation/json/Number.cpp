@@ -7,13 +7,11 @@
 #include <limits>
 #include <system_error>
 
+#include "foundation/json/digits.hpp"
+
 namespace foundation::json {
 
 namespace {
-
-bool isDigit(char16_t unit) {
-  return unit >= u'0' && unit <= u'9';
-}
 
 // The exact decimal form of the midpoint of two neighboring doubles has at most 768 significant
 // digits. All that matters about the digits after the first 800 is whether one of them is not 0,

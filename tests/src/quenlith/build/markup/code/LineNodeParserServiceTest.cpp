@@ -35,6 +35,7 @@ using quenlith::test::childTexts;
 using quenlith::test::FakeContributor;
 using quenlith::test::FakeElementParser;
 using quenlith::test::FakeProvider;
+using quenlith::test::kindText;
 using quenlith::test::LogRecords;
 using quenlith::test::ServiceFailure;
 using testing::ElementsAre;
@@ -42,10 +43,6 @@ using testing::IsEmpty;
 using Service = quenlith::build::markup::code::LineNodeParserService;
 using Texts = std::vector<ustring>;
 using Range = std::optional<std::pair<std::uint64_t, std::uint64_t>>;
-
-ustring kindText(const char16_t* element) {
-  return Marker(ustring(element)).toString();
-}
 
 /// Tests with the default parser "D", which is a fake, and no others.
 class LineNodeParserService : public testing::Test {

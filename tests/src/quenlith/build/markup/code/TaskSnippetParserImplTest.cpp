@@ -20,10 +20,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-ustring kindText(const char16_t* element) {
-  return Marker(ustring(element)).toString();
-}
-
 // Which lines are accepted.
 
 TEST_F(TaskSnippetParser, TakesLinesWithATaskMarkerAndThoseOfKind3) {

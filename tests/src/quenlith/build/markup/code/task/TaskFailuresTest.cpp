@@ -14,10 +14,6 @@ using syntax::Marker;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-ustring kindText(const char16_t* element) {
-  return Marker(ustring(element)).toString();
-}
-
 // Markers without a partner.
 
 TEST_F(TaskSnippetParser, AnIdThatDoesNotOccurTwiceInTheBlockIsAFailure) {

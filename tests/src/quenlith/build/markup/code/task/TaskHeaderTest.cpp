@@ -15,10 +15,6 @@ namespace {
 using syntax::Marker;
 using tessera::contentmodel::kdzero::LiveTaskData;
 
-ustring kindText(const char16_t* element) {
-  return Marker(ustring(element)).toString();
-}
-
 // The appendix.
 
 TEST_F(TaskSnippetParser, FillsTheTaskDataFromTheAppendix) {

@@ -16,10 +16,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Records = std::vector<std::string>;
 
-ustring kindText(const char16_t* element) {
-  return Marker(ustring(element)).toString();
-}
-
 // States that host and parser do not agree on: each row of the decision table for a line.
 
 TEST_F(TaskSnippetParser, WithoutAnOpenTaskALineWithoutAMarkerCountsAsTheFirst) {
