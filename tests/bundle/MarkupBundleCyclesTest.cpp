@@ -7,11 +7,14 @@
 
 #include "MarkupBundleFixture.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
+#include "support/testCycles.hpp"
 
 namespace {
 
 using quenlith::build::markup::Snippet;
 using quenlith::build::markup::SnippetParser;
+
+const int kCycles = quenlith::test::testCycles(CYCLES);
 
 // The numbers of children and of contributor data of a line with an output marker.
 using LineParts = std::pair<std::size_t, std::size_t>;
@@ -34,8 +37,8 @@ std::size_t liveBytes() {
 TEST_F(MarkupBundle, StartsAndStopsRepeatedly) {
   const auto registration = registerAppendix();
   std::size_t early = 0;
-  for (int cycle = 0; cycle < CYCLES; ++cycle) {
-    if (cycle == CYCLES / 10) early = liveBytes();
+  for (int cycle = 0; cycle < kCycles; ++cycle) {
+    if (cycle == kCycles / 10) early = liveBytes();
     bundle.Stop();
     ASSERT_EQ(parserCount(), 0U);
     bundle.Start();
@@ -47,8 +50,8 @@ TEST_F(MarkupBundle, StartsAndStopsRepeatedly) {
 TEST_F(MarkupBundle, AppendixIsRegisteredAndUnregisteredBetweenLines) {
   const auto defaultParser = parser(kDefault);
   std::size_t early = 0;
-  for (int cycle = 0; cycle < CYCLES; ++cycle) {
-    if (cycle == CYCLES / 10) early = liveBytes();
+  for (int cycle = 0; cycle < kCycles; ++cycle) {
+    if (cycle == kCycles / 10) early = liveBytes();
     auto registration = registerAppendix();
     ASSERT_EQ(parseLine(*parser(kTask), u"x = 1"), 1U);
     registration.Unregister();
@@ -61,9 +64,9 @@ TEST_F(MarkupBundle, AppendixIsRegisteredAndUnregisteredBetweenLines) {
 TEST_F(MarkupBundle, AppendixMayBeRegisteredInAnotherThread) {
   const auto defaultParser = parser(kDefault);
   std::thread host([this] {
-    for (int cycle = 0; cycle < CYCLES / 10; ++cycle) registerAppendix().Unregister();
+    for (int cycle = 0; cycle < kCycles / 10; ++cycle) registerAppendix().Unregister();
   });
-  for (int cycle = 0; cycle < CYCLES / 10; ++cycle) {
+  for (int cycle = 0; cycle < kCycles / 10; ++cycle) {
     ASSERT_EQ(parseLine(*defaultParser, u"y"), 1U);
     ASSERT_GE(parserCount(), 1U);
   }
@@ -73,8 +76,8 @@ TEST_F(MarkupBundle, AppendixMayBeRegisteredInAnotherThread) {
 
 TEST_F(MarkupBundle, ExtensionsStartAndStopBetweenLines) {
   std::size_t early = 0;
-  for (int cycle = 0; cycle < CYCLES; ++cycle) {
-    if (cycle == CYCLES / 10) early = liveBytes();
+  for (int cycle = 0; cycle < kCycles; ++cycle) {
+    if (cycle == kCycles / 10) early = liveBytes();
     // The provider looks contributors up until it finds one, but code element parsers only once.
     auto code = parser(kDefault);
     ASSERT_EQ(parseOutputLine(*code), LineParts(1, 0));

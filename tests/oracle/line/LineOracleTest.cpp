@@ -43,10 +43,10 @@ constexpr std::array<FactRow, 20> kFactRows = {{
     {"contribution", &LineFacts::contribution},
 }};
 
-Tally emptyTally() {
+Tally emptyTally(const RunSettings& settings) {
   Tally tally;
-  for (const FactRow& row : kFactRows) tally.addRow(row.name, kLeast);
-  tally.addRow("lines", kLeastLines);
+  for (const FactRow& row : kFactRows) tally.addRow(row.name, settings.leastOf(kLeast));
+  tally.addRow("lines", settings.leastOf(kLeastLines));
   return tally;
 }
 
@@ -73,7 +73,7 @@ bool runCase(const RunSettings& settings, std::size_t number, Tally& tally) {
 
 TEST(LineOracle, RandomLinesAgreeWithTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kCases);
-  Tally tally = emptyTally();
+  Tally tally = emptyTally(settings);
   if (settings.only) {
     runCase(settings, *settings.only, tally);
     return;
@@ -82,7 +82,6 @@ TEST(LineOracle, RandomLinesAgreeWithTheTwin) {
     if (!runCase(settings, number, tally)) return;
   }
   std::cout << tally;
-  if (!settings.isWhole(kCases)) return;
   for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
 }
 

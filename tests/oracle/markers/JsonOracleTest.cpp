@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
-#include <random>
 #include <string>
 
 #include "JsonTwin.hpp"
@@ -10,6 +8,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "foundation/json/Lexer.hpp"
 #include "foundation/json/parse.hpp"
+#include "oracle/support/RunSettings.hpp"
 
 namespace quenlith::oracle {
 namespace {
@@ -17,14 +16,8 @@ namespace {
 using fl::i18n::ustring_to_utf8;
 using foundation::json::Lexer;
 
-constexpr int kTexts = 10'000;
-constexpr int kLeastValues = 2'000;
-
-// Returns the seed of the run: MARKERS_SEED, or a random one.
-std::uint64_t chooseSeed() {
-  const char* given = std::getenv("MARKERS_SEED");
-  return given != nullptr ? std::strtoull(given, nullptr, 10) : std::random_device{}();
-}
+constexpr std::size_t kJsonTexts = 10'000;
+constexpr std::size_t kLeastValues = 2'000;
 
 bool isBlank(std::u16string_view text) {
   return text.find_first_not_of(u" \t\n\r") == text.npos;
@@ -57,27 +50,37 @@ bool compareEmbedded(std::u16string_view text, std::size_t from) {
   return twin.has_value();
 }
 
-TEST(JsonOracle, TheParserAgreesWithRapidJson) {
-  const std::uint64_t seed = chooseSeed();
-  std::cout << "seed " << seed << "\n";
-  RandomMarkers random(seed);
-  int whole = 0;
-  int embedded = 0;
-  for (int round = 0; round < kTexts && !HasFailure(); ++round) {
-    const std::u16string text = random.text();
-    for (std::size_t at = 0; at < text.size(); ++at) {
-      if (text[at] != u'{' && text[at] != u'"' && text[at] != u'[') continue;
-      if (text[at] == u'{') embedded += compareEmbedded(text, at) ? 1 : 0;
-      // From here to the last unit that can end the value, and one unit less.
-      const std::size_t last = text.find_last_of(u"}\"]");
-      for (std::size_t end = last; end <= last + 1 && end > at; ++end) {
-        whole += compareWhole(std::u16string_view(text).substr(at, end - at)) ? 1 : 0;
-      }
+struct JsonCounts {
+  std::size_t whole = 0;
+  std::size_t embedded = 0;
+};
+
+void compareParts(const std::u16string& text, JsonCounts& counts) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] != u'{' && text[at] != u'"' && text[at] != u'[') continue;
+    if (text[at] == u'{') counts.embedded += compareEmbedded(text, at) ? 1U : 0U;
+    // From here to the last unit that can end the value, and one unit less.
+    const std::size_t last = text.find_last_of(u"}\"]");
+    for (std::size_t end = last; end <= last + 1 && end > at; ++end) {
+      counts.whole += compareWhole(std::u16string_view(text).substr(at, end - at)) ? 1U : 0U;
     }
   }
-  std::cout << "whole: " << whole << "\nembedded: " << embedded << "\n";
-  EXPECT_GE(whole, kLeastValues);
-  EXPECT_GE(embedded, kLeastValues);
+}
+
+TEST(JsonOracle, TheParserAgreesWithRapidJson) {
+  const RunSettings settings = RunSettings::fromEnvironment(kJsonTexts);
+  JsonCounts counts;
+  if (settings.only) {
+    compareParts(RandomMarkers(settings.seedOf(*settings.only)).text(), counts);
+    return;
+  }
+  for (std::size_t number = 0; number < settings.cases; ++number) {
+    compareParts(RandomMarkers(settings.seedOf(number)).text(), counts);
+    if (HasFailure()) FAIL() << settings.repeatHint(number);
+  }
+  std::cout << "whole: " << counts.whole << "\nembedded: " << counts.embedded << "\n";
+  EXPECT_GE(counts.whole, settings.leastOf(kLeastValues));
+  EXPECT_GE(counts.embedded, settings.leastOf(kLeastValues));
 }
 
 // The rules that the twin adds to RapidJSON.

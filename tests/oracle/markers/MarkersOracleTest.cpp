@@ -1,15 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
 #include <map>
-#include <random>
 #include <set>
 #include <string>
 
 #include "MarkerTwin.hpp"
 #include "RandomMarkers.hpp"
 #include "fl/i18n/ustring.hpp"
+#include "oracle/support/RunSettings.hpp"
 #include "quenlith/syntax/MarkerCandidate.hpp"
 #include "quenlith/syntax/markers.hpp"
 
@@ -22,14 +21,8 @@ using syntax::Marker;
 using syntax::MarkerProblem;
 using syntax::core::MarkerInfo;
 
-constexpr int kTexts = 200'000;
-constexpr int kLeast = 1000;
-
-// Returns the seed of the run: MARKERS_SEED, or a random one.
-std::uint64_t chooseSeed() {
-  const char* given = std::getenv("MARKERS_SEED");
-  return given != nullptr ? std::strtoull(given, nullptr, 10) : std::random_device{}();
-}
+constexpr std::size_t kTexts = 200'000;
+constexpr std::size_t kLeast = 1'000;
 
 bool isKnown(std::u16string_view element) {
   return element == u"control" || element == u"output" || element == u"task" || element == u"text";
@@ -42,7 +35,7 @@ bool agrees(const MarkerInfo& real, const TwinMarker& twin) {
 }
 
 // Counts how many of the random texts and markers have each feature.
-class Tally {
+class FeatureCounts {
  public:
   void count(const ustring& text, const std::vector<TwinMarker>& known,
              const std::vector<TwinMarker>& any) {
@@ -64,14 +57,14 @@ class Tally {
     }
   }
 
-  void expectEnough() const {
+  void expectAtLeast(std::size_t least) const {
     for (const auto& [name, count] : counts) {
-      EXPECT_GE(count, kLeast) << name;
+      EXPECT_GE(count, least) << name;
     }
   }
 
  private:
-  void add(const std::string& name, bool seen) { counts[name] += seen ? 1 : 0; }
+  void add(const std::string& name, bool seen) { counts[name] += seen ? 1U : 0U; }
 
   static bool hides(const std::vector<TwinMarker>& known, const std::vector<TwinMarker>& any) {
     std::size_t alsoKnown = 0;
@@ -106,7 +99,7 @@ class Tally {
     add("markers at the greatest depth", text.find(ustring(62, u'[')) != ustring::npos);
   }
 
-  std::map<std::string, int> counts;
+  std::map<std::string, std::size_t> counts;
 };
 
 void compareScan(const ustring& text, bool anyElement, const std::vector<TwinMarker>& expected) {
@@ -145,23 +138,29 @@ void compareFeatures(const ustring& text, const std::vector<TwinMarker>& known) 
   }
 }
 
+void compareText(const ustring& text, FeatureCounts& counts) {
+  const auto known = twinMarkers(text, false);
+  const auto any = twinMarkers(text, true);
+  compareScan(text, false, known);
+  compareScan(text, true, any);
+  compareFeatures(text, known);
+  compareCandidates(text, known);
+  counts.count(text, known, any);
+}
+
 TEST(MarkersOracle, TheScannerAgreesWithTheTwin) {
-  const std::uint64_t seed = chooseSeed();
-  std::cout << "seed " << seed << "\n";
-  RandomMarkers random(seed);
-  Tally tally;
-  for (int round = 0; round < kTexts && !HasFatalFailure(); ++round) {
-    const ustring text = random.text();
-    const auto known = twinMarkers(text, false);
-    const auto any = twinMarkers(text, true);
-    compareScan(text, false, known);
-    compareScan(text, true, any);
-    compareFeatures(text, known);
-    compareCandidates(text, known);
-    tally.count(text, known, any);
+  const RunSettings settings = RunSettings::fromEnvironment(kTexts);
+  FeatureCounts counts;
+  if (settings.only) {
+    compareText(RandomMarkers(settings.seedOf(*settings.only)).text(), counts);
+    return;
   }
-  tally.print();
-  tally.expectEnough();
+  for (std::size_t number = 0; number < settings.cases; ++number) {
+    compareText(RandomMarkers(settings.seedOf(number)).text(), counts);
+    if (HasFailure()) FAIL() << settings.repeatHint(number);
+  }
+  counts.print();
+  counts.expectAtLeast(settings.leastOf(kLeast));
 }
 
 }  // namespace

@@ -237,7 +237,7 @@ bool runCase(const RunSettings& settings, std::size_t number, Tally& tally) {
 TEST(ModelOracle, RandomAppendsHaveTheSameResultsAsTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kCases);
   Tally tally;
-  for (const char* name : kAttempts) tally.addRow(name, kLeast);
+  for (const char* name : kAttempts) tally.addRow(name, settings.leastOf(kLeast));
   if (settings.only) {
     runCase(settings, *settings.only, tally);
     return;
@@ -246,7 +246,6 @@ TEST(ModelOracle, RandomAppendsHaveTheSameResultsAsTheTwin) {
     if (!runCase(settings, number, tally)) return;
   }
   std::cout << tally;
-  if (!settings.isWhole(kCases)) return;
   for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
 }
 

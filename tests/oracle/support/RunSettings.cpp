@@ -1,5 +1,6 @@
 #include "oracle/support/RunSettings.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <random>
@@ -23,17 +24,23 @@ std::uint64_t randomSeed() {
 
 }  // namespace
 
-const bool RunSettings::kTakesShare = ORACLE_SHARE > 1;
-
-RunSettings RunSettings::fromEnvironment(std::size_t defaultCases) {
+RunSettings RunSettings::fromEnvironment(std::size_t wholeCases) {
   RunSettings settings;
   const auto seed = numberFrom("ORACLE_SEED");
   settings.seed = seed ? *seed : randomSeed();
+  const std::uint64_t share =
+      std::max<std::uint64_t>(1, numberFrom("ORACLE_SHARE").value_or(ORACLE_SHARE));
+  settings.wholeCases = wholeCases;
   settings.cases =
-      static_cast<std::size_t>(numberFrom("ORACLE_CASES").value_or(defaultCases / ORACLE_SHARE));
+      static_cast<std::size_t>(numberFrom("ORACLE_CASES").value_or(wholeCases / share));
   if (const auto only = numberFrom("ORACLE_CASE")) settings.only = static_cast<std::size_t>(*only);
   std::cout << "ORACLE_SEED=" << settings.seed << " ORACLE_CASES=" << settings.cases << '\n';
   return settings;
+}
+
+std::size_t RunSettings::leastOf(std::size_t wholeLeast) const {
+  if (cases >= wholeCases) return wholeLeast;
+  return std::max<std::size_t>(1, wholeLeast * cases / wholeCases / 4);
 }
 
 std::uint64_t RunSettings::seedOf(std::size_t caseNumber) const {

@@ -12,17 +12,20 @@ namespace quenlith::oracle {
 struct RunSettings {
   std::uint64_t seed = 0;
   std::size_t cases = 0;
-  /// Whether the program runs only a share of the cases, as sanitized ones do.
-  static const bool kTakesShare;
+  /// The number of cases of a whole run.
+  std::size_t wholeCases = 0;
   /// The only case to run, when set.
   std::optional<std::size_t> only;
 
-  /// Reads ORACLE_SEED (default: random), ORACLE_CASES (default: `defaultCases`, or a share of them
-  /// in a sanitized program) and ORACLE_CASE from the environment, and prints the settings.
-  static RunSettings fromEnvironment(std::size_t defaultCases);
+  /// Reads the settings from the environment and prints them: ORACLE_SEED (default: random),
+  /// ORACLE_SHARE (n for the n-th part of the cases, 1 for a whole run; default: set by the build),
+  /// ORACLE_CASES (default: that part of `wholeCases`) and ORACLE_CASE.
+  static RunSettings fromEnvironment(std::size_t wholeCases);
 
-  /// True for a run of at least `defaultCases`: only such a run has minimum counts.
-  bool isWhole(std::size_t defaultCases) const { return !only && cases >= defaultCases; }
+  bool isWhole() const { return !only && cases >= wholeCases; }
+  /// Returns the minimum in this run of a count that has the minimum `wholeLeast` in a whole run.
+  /// It is not 0, but lower than this run's part, because small counts vary more.
+  std::size_t leastOf(std::size_t wholeLeast) const;
 
   std::uint64_t seedOf(std::size_t caseNumber) const;
   /// Returns how to repeat one case.

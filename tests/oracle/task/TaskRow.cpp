@@ -58,8 +58,8 @@ constexpr std::array<RowName, static_cast<std::size_t>(TaskRow::kCount)> kRows =
 
 }  // namespace
 
-void addTaskRows(Tally& tally) {
-  for (const RowName& row : kRows) tally.addRow(row.name, row.least);
+void addTaskRows(const RunSettings& settings, Tally& tally) {
+  for (const RowName& row : kRows) tally.addRow(row.name, settings.leastOf(row.least));
 }
 
 }  // namespace quenlith::oracle

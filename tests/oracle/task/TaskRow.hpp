@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "oracle/support/RunSettings.hpp"
 #include "oracle/support/Tally.hpp"
 
 namespace quenlith::oracle {
@@ -50,7 +51,7 @@ enum class TaskRow : std::size_t {
   kCount
 };
 
-/// Adds a row for each cell, in the order of the enumeration.
-void addTaskRows(Tally& tally);
+/// Adds a row for each cell, in the order of the enumeration, with its minimum in such a run.
+void addTaskRows(const RunSettings& settings, Tally& tally);
 
 }  // namespace quenlith::oracle

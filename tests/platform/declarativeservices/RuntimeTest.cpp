@@ -195,9 +195,10 @@ TEST_F(Runtime, ThreadsMayChangeServicesAndBundlesConcurrently) {
 TEST_F(Runtime, RepeatedRegistrationLeaksNothing) {
   startBoth();
   registration.Unregister();
+  const int cycles = quenlith::test::testCycles(CYCLES);
   std::size_t early = 0;
-  for (int round = 0; round < CYCLES; ++round) {
-    if (round == CYCLES / 10) early = mallinfo2().uordblks;
+  for (int round = 0; round < cycles; ++round) {
+    if (round == cycles / 10) early = mallinfo2().uordblks;
     registerHook();
     ASSERT_EQ(get<demo::Third>()->path(), "123");
     registration.Unregister();
