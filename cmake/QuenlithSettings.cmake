@@ -54,6 +54,9 @@ set(QUENLITH_TEST_OPTIONS $<$<CONFIG:Release,RelWithDebInfo>:-O1>
   # False reports of g++ 12 on std::string at -O1.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
 
+# Test programs only: an edit of a library's source then compiles nothing but that source.
+option(QUENLITH_UNITY "Compile several sources of a test program at once" OFF)
+
 # Sanitizers: a list such as "address,undefined" or "thread".
 set(QUENLITH_SANITIZE "" CACHE STRING "Sanitizers to build everything with")
 if(QUENLITH_SANITIZE)

@@ -1,26 +1,33 @@
 """lint.py BUILD: runs clang-tidy on the files that BUILD compiles, except those that passed before.
 
-A verdict depends on the content of the file, of every header of the tree that it includes (as the
-build recorded them), of the .clang-tidy files, and on the command that compiles it.
+A verdict depends on the content of the file, of every header of the tree that it includes, of the
+.clang-tidy files, and on the command that compiles it. BUILD need not be built, only configured.
+
+Most of the time goes into the headers of packages, which clang-tidy checks as well, only to drop the
+findings. So several sources of one test program are checked as one; those of a batch with a finding,
+or whose names clash, are then checked one by one.
 """
 
 import concurrent.futures
+import dataclasses
+import hashlib
+import itertools
 import json
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 
-from passed import ROOT, SOURCE_FOLDERS, Hasher, Passed
+from passed import ROOT, SOURCE_FOLDERS, Hasher, Passed, sources
 
 TOOL = "clang-tidy-14"
 # The commands are g++'s; clang does not know some of its warning options.
 ARGUMENTS = ["--quiet", "--warnings-as-errors=*", "--extra-arg=-Wno-unknown-warning-option"]
+BATCH_SIZE = 8
 
-
-# g++'s precompiled headers: clang cannot read them, and a source has to compile without them.
-PRECOMPILED = re.compile(r" -fpch-preprocess| -Winvalid-pch| -include \S*/cmake_pch\.hxx")
+INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*[<"]([^>"]+)[>"]', re.MULTILINE)
 
 
 def of_the_tree(path):
@@ -28,20 +35,38 @@ def of_the_tree(path):
     return path.is_relative_to(ROOT) and str(path.relative_to(ROOT)).startswith(SOURCE_FOLDERS)
 
 
-def recorded_includes(build):
-    """Returns the files of the tree that each object depends on, as Ninja recorded them."""
-    text = subprocess.run(
-        ["ninja", "-C", build, "-t", "deps"], capture_output=True, text=True, check=True
-    ).stdout
-    includes, current = {}, None
-    for line in text.splitlines():
-        if line.startswith("    "):
-            path = pathlib.Path(os.path.normpath(build / line.strip()))
-            if of_the_tree(path):
-                current.append(path)
-        elif ": #deps" in line:
-            current = includes.setdefault(line.split(": #deps")[0], [])
-    return includes
+class Includes:
+    """Finds the files of the tree that a file includes, conditional includes among them."""
+
+    def __init__(self, tree):
+        self._tree = {str(path): path for path in tree}
+        self._names = {}
+        self._found = {}
+
+    def names(self, path):
+        """Returns the names in the include directives of `path`."""
+        if path not in self._names:
+            self._names[path] = INCLUDE.findall(path.read_text())
+        return self._names[path]
+
+    def files(self, path, folders):
+        """Returns the files that `path` includes, directly or not, when `folders` are searched."""
+        found, todo = set(), [path]
+        while todo:
+            current = todo.pop()
+            for name in self.names(current):
+                header = self.find(name, (str(current.parent), *folders))
+                if header and header not in found:
+                    found.add(header)
+                    todo.append(header)
+        return sorted(found)
+
+    def find(self, name, folders):
+        if (name, folders) not in self._found:
+            places = (os.path.normpath(os.path.join(folder, name)) for folder in folders)
+            headers = (self._tree[place] for place in places if place in self._tree)
+            self._found[name, folders] = next(headers, None)
+        return self._found[name, folders]
 
 
 def configs_above(path):
@@ -51,57 +76,119 @@ def configs_above(path):
     ]
 
 
-def write_commands(build):
-    """Writes the commands of `build` without precompiled headers to build/lint; returns that folder."""
-    commands = json.loads((build / "compile_commands.json").read_text())
-    for entry in commands:
-        entry["command"] = PRECOMPILED.sub("", entry["command"])
-    folder = build / "lint"
-    folder.mkdir(exist_ok=True)
-    (folder / "compile_commands.json").write_text(json.dumps(commands))
-    return folder
+@dataclasses.dataclass
+class Job:
+    """A file to check, the options that it is compiled with, and the key of its verdict."""
+
+    path: pathlib.Path
+    options: list
+    key: str
+
+    def is_test(self):
+        return self.path.is_relative_to(ROOT / "tests")
 
 
-def jobs(build, commands):
-    """Yields each file to check with the key of its verdict."""
-    hasher, includes = Hasher(), recorded_includes(build)
-    for entry in json.loads((commands / "compile_commands.json").read_text()):
+def options_of(entry):
+    """Returns the options of a compile command that do not name its files."""
+    words = shlex.split(entry["command"])[1:]
+    out = words.index("-o")
+    del words[out : out + 2]
+    compiled = words.index("-c")
+    del words[compiled : compiled + 2]
+    return words
+
+
+def include_folders(options):
+    return [
+        option[2:] if option.startswith("-I") else following
+        for option, following in itertools.pairwise([*options, ""])
+        if option.startswith("-I") or option == "-isystem"
+    ]
+
+
+def jobs(build):
+    """Returns a job for each file of the tree that the build compiles."""
+    hasher, found = Hasher(), {}
+    includes = Includes(sources(".cpp", ".hpp", ".h"))
+    for entry in json.loads((build / "compile_commands.json").read_text()):
         path = pathlib.Path(entry["file"])
-        if not of_the_tree(path):
+        if not of_the_tree(path) or path in found:
             continue
-        object_name = entry["command"].split(" -o ")[1].split()[0]
-        files = [path, *includes.get(object_name, []), *configs_above(path)]
-        yield path, hasher.key([TOOL, *ARGUMENTS, entry["command"]], files)
+        options = options_of(entry)
+        files = [path, *includes.files(path, include_folders(options)), *configs_above(path)]
+        found[path] = Job(path, options, hasher.key([TOOL, *ARGUMENTS, *options], files))
+    return list(found.values())
 
 
-def check(commands, path):
-    done = subprocess.run(
-        [TOOL, "-p", commands, *ARGUMENTS, path], capture_output=True, text=True
-    )
-    # Standard error only counts the warnings in headers of packages, unless clang-tidy itself failed
-    # and printed nothing else.
-    return done.returncode == 0, done.stdout or done.stderr
+def batches(todo):
+    """Splits the jobs into lists that are checked together."""
+    programs = {}
+    for job in todo:
+        alone = str(job.path) if not job.is_test() else ""
+        programs.setdefault((alone, *job.options), []).append(job)
+    for program in programs.values():
+        for start in range(0, len(program), BATCH_SIZE):
+            yield program[start : start + BATCH_SIZE]
+
+
+class Checker:
+    """Runs clang-tidy. Batches are written to a folder of the build."""
+
+    def __init__(self, build):
+        self._build = build
+        # So that clang-tidy finds the same configuration for a batch as for its sources.
+        self._folder = build / "batches"
+        (self._folder / "tests").mkdir(parents=True, exist_ok=True)
+        config = ROOT / "tests" / ".clang-tidy"
+        (self._folder / "tests" / config.name).write_text(config.read_text())
+
+    def check(self, batch):
+        """Returns the jobs of the batch that passed, and what clang-tidy printed for the others."""
+        if len(batch) > 1 and self.together(batch):
+            return batch, []
+        passed, outputs = [], []
+        for job in batch:
+            good, output = self.run(["-p", self._build, *ARGUMENTS, job.path])
+            passed += [job] if good else []
+            outputs += [] if good else [output]
+        return passed, outputs
+
+    def together(self, batch):
+        # Copied, not included: some checks look at the main file only.
+        text = "".join(job.path.read_text() for job in batch)
+        name = hashlib.sha256(text.encode()).hexdigest()[:16]
+        source = self._folder / "tests" / f"{name}.cpp"
+        source.write_text(text)
+        folders = dict.fromkeys(str(job.path.parent) for job in batch)
+        quoted = [word for folder in folders for word in ("-iquote", folder)]
+        good, _ = self.run([*ARGUMENTS, source, "--", *batch[0].options, *quoted])
+        source.unlink()
+        return good
+
+    def run(self, arguments):
+        done = subprocess.run([TOOL, *arguments], capture_output=True, text=True)
+        # Standard error only counts the warnings in headers of packages, unless clang-tidy itself failed
+        # and printed nothing else.
+        return done.returncode == 0, done.stdout or done.stderr
 
 
 def main(build):
-    passed, keys, commands = Passed("lint"), {}, write_commands(build)
-    for path, key in jobs(build, commands):
-        keys.setdefault(path, key)
-    todo = [path for path, key in keys.items() if key not in passed]
+    passed, every, checker = Passed("lint"), jobs(build), Checker(build)
+    todo = [job for job in every if job.key not in passed]
     if todo:
-        print(f"clang-tidy: {len(todo)} of {len(keys)} files", file=sys.stderr, flush=True)
-    failed = 0
+        print(f"clang-tidy: {len(todo)} of {len(every)} files", file=sys.stderr, flush=True)
+    failed = False
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        running = {pool.submit(check, commands, path): path for path in todo}
+        running = [pool.submit(checker.check, batch) for batch in batches(todo)]
         for future in concurrent.futures.as_completed(running):
-            good, output = future.result()
-            if good:
-                passed.add(keys[running[future]])
-            else:
-                failed += 1
+            good, outputs = future.result()
+            for job in good:
+                passed.add(job.key)
+            for output in outputs:
+                failed = True
                 print(output, flush=True)
     if not failed:
-        passed.keep(keys.values())
+        passed.keep([job.key for job in every])
     return 1 if failed else 0
 
 

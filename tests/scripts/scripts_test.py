@@ -1,4 +1,5 @@
-"""scripts_test.py SOURCE: tests the total of test reports, and commands in scripts/ that cannot build."""
+"""scripts_test.py SOURCE: tests the total of test reports, what the lint checks, and commands in scripts/
+that cannot build."""
 
 import pathlib
 import shutil
@@ -7,7 +8,10 @@ import sys
 import tempfile
 import unittest
 
-SCRIPTS = pathlib.Path(sys.argv[1]) / "scripts"
+SCRIPTS = pathlib.Path(sys.argv[1]).resolve() / "scripts"
+sys.path.insert(0, str(SCRIPTS / "lib"))
+
+import lint  # noqa: E402
 
 CTEST = """<testsuite>
   <testcase name="parser_test" status="run"/>
@@ -70,6 +74,49 @@ class Scripts(unittest.TestCase):
         )
         self.assertEqual((done.returncode, done.stdout), (125, ""), done.stderr)
         self.assertIn("parse: the build failed", done.stderr)
+
+
+class Lint(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name).resolve()
+
+    def write(self, name, text):
+        path = self.folder / name
+        path.parent.mkdir(exist_ok=True)
+        path.write_text(text)
+        return path
+
+    def test_a_file_depends_on_what_its_includes_include(self):
+        source = self.write("a/a.cpp", '#include "own.hpp"\n#include <vector>\n # include "b.hpp"\n')
+        own = self.write("a/own.hpp", '#include "own.hpp"\n')
+        first = self.write("first/b.hpp", '#include "c/c.hpp"\n')
+        hidden = self.write("second/b.hpp", "")
+        nested = self.write("c/c.hpp", "#if 0\n#include <d.hpp>\n#endif\n")
+        conditional = self.write("second/d.hpp", "")
+        includes = lint.Includes([source, own, first, hidden, nested, conditional])
+        folders = [str(self.folder / name) for name in ("first", "second", ".")]
+        self.assertEqual(includes.files(source, folders), sorted([own, first, nested, conditional]))
+
+    def test_only_tests_with_equal_options_are_checked_together(self):
+        def job(name, *options):
+            return lint.Job(lint.ROOT / name, list(options), "")
+
+        todo = [job("tests/a.cpp", "-Ia"), job("src/a.cpp", "-Ia"), job("src/b.cpp", "-Ia"),
+                job("tests/b.cpp", "-Ia"), job("tests/c.cpp", "-Ib")]
+        names = [[job.path.name for job in batch] for batch in lint.batches(todo)]
+        self.assertEqual(names, [["a.cpp", "b.cpp"], ["a.cpp"], ["b.cpp"], ["c.cpp"]])
+
+    def test_no_batch_is_longer_than_its_limit(self):
+        todo = [lint.Job(lint.ROOT / f"tests/{n}.cpp", [], "") for n in range(2 * lint.BATCH_SIZE + 1)]
+        self.assertEqual([len(batch) for batch in lint.batches(todo)], [lint.BATCH_SIZE, lint.BATCH_SIZE, 1])
+
+    def test_options_name_no_file(self):
+        entry = {"command": "g++ -DA=\\\"b\\\" -Ix -isystem y -o a.o -c a.cpp"}
+        options = lint.options_of(entry)
+        self.assertEqual(options, ['-DA="b"', "-Ix", "-isystem", "y"])
+        self.assertEqual(lint.include_folders(options), ["x", "y"])
 
 
 if __name__ == "__main__":

@@ -13,6 +13,7 @@
 #include <cppmicroservices/ServiceEvent.h>
 
 #include "framework/FrameworkFixture.hpp"
+#include "support/testCycles.hpp"
 
 using cppmicroservices::Bundle;
 using cppmicroservices::ServiceEvent;
@@ -67,8 +68,6 @@ class Runtime : public FrameworkFixture {
   std::shared_ptr<Hook> hook = std::make_shared<Hook>();
   ServiceRegistration<demo::Ledger> registration;
 };
-
-}  // namespace
 
 TEST_F(Runtime, ConstructorGetsNullForItsOwnService) {
   startBoth();
@@ -206,3 +205,5 @@ TEST_F(Runtime, RepeatedRegistrationLeaksNothing) {
   }
   EXPECT_LT(mallinfo2().uordblks, early + 64 * 1024);
 }
+
+}  // namespace
