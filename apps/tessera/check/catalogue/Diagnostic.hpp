@@ -17,6 +17,7 @@ struct Position {
   /// Counts 16-bit code units from the start of the line, 0-based; at most the length of the line.
   std::uint64_t unit = 0;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 sees a null pointer here.
   auto operator<=>(const Position&) const = default;
 };
 
@@ -25,6 +26,7 @@ struct Span {
   Position begin;
   Position end;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 sees a null pointer here.
   auto operator<=>(const Span&) const = default;
 };
 

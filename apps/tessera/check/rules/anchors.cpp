@@ -31,8 +31,6 @@ class AnchorRule {
       if (!marker.isAnchor()) continue;
       if (marker.id.empty()) {
         report(marker, DiagnosticKind::kAnchorWithoutId, 0, {});
-      } else if (&marker == set) {
-        checkUnique(marker);
       } else if (set == nullptr) {
         reportBesideTask(marker, found);
       } else if (set->id != marker.id) {

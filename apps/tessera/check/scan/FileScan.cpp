@@ -30,8 +30,9 @@ FileScan::FileScan(const source::SourceLines& lines, std::uint64_t appendixLine)
 }
 
 std::span<const FoundMarker> FileScan::codeOfLine(std::uint64_t number) const noexcept {
-  const auto [begin, end] = std::ranges::equal_range(code, number, {}, &FoundMarker::line);
-  return {begin, end};
+  // Not equal_range: clang 14 cannot instantiate the subrange that it returns.
+  return {std::ranges::lower_bound(code, number, {}, &FoundMarker::line),
+          std::ranges::upper_bound(code, number, {}, &FoundMarker::line)};
 }
 
 }  // namespace tessera::check::scan

@@ -29,8 +29,8 @@ TEST(SourceLines, AFileMayLackCodeOrAppendix) {
 
 // Long lines are counted from the nearest of several known places, and a pair may lie across one.
 TEST(SourceLines, CountsCharactersOfShortAndLongLinesAlike) {
-  for (const std::size_t length : {10, 600, 1024, 5000}) {
-    for (const std::size_t shift : {0, 1}) {
+  for (const std::size_t length : {10U, 600U, 1024U, 5000U}) {
+    for (const std::size_t shift : {0U, 1U}) {
       std::u16string text(shift, u'x');
       while (text.size() < length) text += u"\U0001F3C6";
       const SourceLines lines({text, true}, u"", {u"", false});
