@@ -25,7 +25,12 @@ enum class CheckFormat { kText, kJson, kSarif };
 /// The lowest severity of a diagnostic that changes the exit status.
 enum class FailOn { kFailure, kWarning, kNever };
 
+/// What `check` does with fixes: leaves them to the user, writes them as a difference, or makes
+/// them.
+enum class Fixes { kNone, kShown, kApplied };
+
 struct CheckOptions {
+  Fixes fixes = Fixes::kNone;
   CheckFormat format = CheckFormat::kText;
   FailOn failOn = FailOn::kFailure;
   terminal::ColorMode color = terminal::ColorMode::kAuto;

@@ -130,12 +130,10 @@ void CommandLine::addParse() {
 
 void CommandLine::addCheck() {
   checkCommand = app.add_subcommand("check", "Say what is wrong with the markers of files.");
-  checkCommand
-      ->add_option_function<std::string>(
-          "--format",
-          [this](const std::string& name) { checkOptions.format = readCheckFormat(name); },
-          "How diagnostics are written: text (the default), json or sarif.")
-      ->type_name("FORMAT");
+  auto* const format = checkCommand->add_option_function<std::string>(
+      "--format", [this](const std::string& name) { checkOptions.format = readCheckFormat(name); },
+      "How diagnostics are written: text (the default), json or sarif.");
+  format->type_name("FORMAT");
   checkCommand
       ->add_option_function<std::string>(
           "--fail-on", [this](const std::string& name) { checkOptions.failOn = readFailOn(name); },
@@ -147,6 +145,15 @@ void CommandLine::addCheck() {
           "--color", [this](const std::string& name) { checkOptions.color = readColorMode(name); },
           "When text is coloured: auto (the default; on a terminal), always or never.")
       ->type_name("WHEN");
+  auto* const fix = checkCommand->add_flag_callback(
+      "--fix", [this] { checkOptions.fixes = Fixes::kApplied; },
+      "Make the fixes that are safe, and write what is left.");
+  checkCommand
+      ->add_flag_callback(
+          "--dry-run", [this] { checkOptions.fixes = Fixes::kShown; },
+          "With --fix: change nothing, and write the fixes as a unified diff.")
+      ->needs(fix)
+      ->excludes(format);
   addBare(*checkCommand, checkOptions.pieces);
   addBundles(*checkCommand, checkOptions.bundles);
   addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");

@@ -31,8 +31,12 @@ std::vector<fl::i18n::ustring> textsOf(const std::vector<quenlith::syntax::Marke
 }  // namespace
 
 ParsedFile FileParser::parse(const std::string& name) {
+  return parse(name, source::readSource(name));
+}
+
+ParsedFile FileParser::parse(const std::string& name, source::SourceText source) {
   ParsedFile file;
-  file.source = source::readSource(name);
+  file.source = std::move(source);
   const std::vector<quenlith::syntax::Marker> entries = source::readAppendix(file.source);
   appendix.replace(entries);
   if (recording != nullptr) recording->begin(textsOf(entries), file.source.code.text);

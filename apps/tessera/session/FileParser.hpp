@@ -29,6 +29,9 @@ class FileParser {
   /// read or a parser throws, and OutputError when the calls cannot be recorded.
   ParsedFile parse(const std::string& name);
 
+  /// Like `parse`, but with the text of the file, which is known already.
+  ParsedFile parse(const std::string& name, source::SourceText source);
+
  private:
   SnippetSession& session;
   Appendix& appendix;

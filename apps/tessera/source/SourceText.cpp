@@ -70,4 +70,12 @@ SourceText readSource(const std::string& name) {
   return splitSource(decoder.finish({buffer.get(), unused}));
 }
 
+SourceText decodeSource(const std::string& name, std::string_view bytes) {
+  SourceDecoder decoder(name, bytes.size());
+  while (bytes.size() > SourceDecoder::kChunkBytes) {
+    bytes.remove_prefix(decoder.append(bytes.substr(0, SourceDecoder::kChunkBytes)));
+  }
+  return splitSource(decoder.finish(bytes));
+}
+
 }  // namespace tessera::source

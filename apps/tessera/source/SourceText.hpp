@@ -23,6 +23,9 @@ struct SourceText {
 /// ProblemError.
 SourceText readSource(const std::string& name);
 
+/// Like `readSource`, but of the content `bytes` of the file `name`.
+SourceText decodeSource(const std::string& name, std::string_view bytes);
+
 /// Cuts `text`, whose lines end in LF, at the first line that starts an appendix. An LF at the
 /// end begins no further line.
 SourceText splitSource(std::u16string text);

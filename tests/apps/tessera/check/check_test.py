@@ -4,14 +4,21 @@
 check_test.py PROGRAM
 """
 import json
+import os
 import pathlib
 import random
+import resource
+import signal
+import stat
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+SOURCES = sorted(path for path in (pathlib.Path(__file__).resolve().parents[3] / "golden" / "check").iterdir()
+                 if path.suffix != ".expected")
 PIECES = ["# <@task#a>", "# <@task#a>", "# <@task#b>", "// <@task#bb>", "/* <@task#a> */", "x", "yy",
           "# <@output#o [0,2]>", "# <@output#o [4,2]>", "# <@output#p [0,9]>", "-- <@text:anchor#a [1,1]>",
           "# <@task#a", "# <@control#c [0,1] {]}>"]
@@ -27,7 +34,7 @@ def documents(output):
     return [json.loads(line) for line in output.decode().split("\n")[:-1]]
 
 
-class Check(unittest.TestCase):
+class CheckTest(unittest.TestCase):
     def setUp(self):
         holder = tempfile.TemporaryDirectory()
         self.addCleanup(holder.cleanup)
@@ -38,6 +45,8 @@ class Check(unittest.TestCase):
         path.write_bytes(content)
         return str(path)
 
+
+class Check(CheckTest):
     def headings(self, name, *options):
         """Returns the first row of each diagnostic of a file, without the file's name."""
         rows = tessera("check", *options, name).stdout.decode().split("\n")[:-1]
@@ -143,6 +152,163 @@ class Check(unittest.TestCase):
                 self.assertTrue(explained.get(line), (lines, line, failure))
             for diagnostic in checked["diagnostics"]:
                 self.assertNotRegex(diagnostic["message"], UNEXPLAINED, lines)
+
+
+def as_windows_writes_it(content):
+    """Returns the content with a byte order mark and CRLF."""
+    return b"\xef\xbb\xbf" + content.replace(b"\r\n", b"\n").replace(b"\n", b"\r\n")
+
+
+class Fix(CheckTest):
+    BROKEN = b'x  # <@output#a [0,1}>\n# <@ancor>\n# <@text:ancor#a>\n<!-- <@text:anchor#b -->\n'
+    FIXED = b'x  # <@output#a [0,1]>\n# <@ancor>\n# <@text:anchor#a>\n<!-- <@text:anchor#b> -->\n'
+
+    def fix(self, name, *options, **keywords):
+        return tessera("check", "--fix", *options, name, **keywords)
+
+    def read(self, name):
+        return pathlib.Path(name).read_bytes()
+
+    def test_the_fixes_are_made_and_counted(self):
+        name = self.write("f", self.BROKEN)
+        done = self.fix(name)
+        self.assertEqual(self.read(name), self.FIXED)
+        self.assertEqual((done.stdout, done.stderr.decode(), done.returncode), (b"", name + ": 3 fixes made\n", 0))
+        self.assertEqual(os.listdir(self.folder), ["f"])
+
+    def test_what_is_left_decides_the_status(self):
+        name = self.write("f", b"# <@task#a\n# <@task#b>\n")
+        done = self.fix(name)
+        self.assertEqual(self.read(name), b"# <@task#a>\n# <@task#b>\n")
+        self.assertEqual((done.stdout.count(b"failure:"), done.returncode), (2, 1))
+
+    def test_fixes_that_touch_are_made_one_after_the_other(self):
+        name = self.write("f", b'# <@appendix>\n# <@task#a {"txt":1,"collapsd":true}\n')
+        self.fix(name)
+        self.assertEqual(self.read(name), b'# <@appendix>\n# <@task#a {"text":"1","collapsed":"true"}>\n')
+
+    def test_a_dry_run_writes_what_patch_applies(self):
+        """For all golden sources, also with a byte order mark and CRLF, and without the last line ending."""
+        fixed = 0
+        for source in SOURCES:
+            original = source.read_bytes()
+            for change in (lambda content: content, as_windows_writes_it, lambda content: content.rstrip(b"\r\n")):
+                content = change(original)
+                name = self.write("source" + source.suffix, content)
+                difference = self.fix(name, "--dry-run").stdout
+                self.assertEqual(self.read(name), content)
+                patched = self.write("patched", content)
+                if difference:
+                    fixed += 1
+                    subprocess.run(["patch", "--binary", "-s", patched], input=difference, check=True)
+                self.fix(name)
+                self.assertEqual(self.read(name), self.read(patched), source)
+                # A second run has nothing to do.
+                again = self.fix(name)
+                self.assertEqual((again.stderr, self.read(name)), (b"", self.read(patched)), source)
+                [record] = documents(tessera("check", "--format", "json", name).stdout)
+                self.assertFalse([found for found in record["diagnostics"] if found["fix"]], source)
+        self.assertGreater(fixed, 60)
+
+    def test_everything_else_stays_byte_for_byte(self):
+        for source in SOURCES:
+            original = source.read_bytes()
+            if b"\r" in original:
+                continue
+            name = self.write("f" + source.suffix, original)
+            self.fix(name)
+            fixed = self.read(name)
+            name = self.write("f" + source.suffix, as_windows_writes_it(original))
+            self.fix(name)
+            self.assertEqual(self.read(name), as_windows_writes_it(fixed), source)
+
+    def test_unusual_file_names_are_quoted_for_patch(self):
+        for name in ("with blank", "tab\there", 'quo"te', "back\\slash", "\u00e9", "-x"):
+            path = self.write(name, self.BROKEN)
+            difference = subprocess.run([PROGRAM, "check", "--fix", "--dry-run", "./" + name], cwd=self.folder,
+                                        capture_output=True).stdout
+            subprocess.run(["patch", "-p0", "-s"], cwd=self.folder, input=difference, check=True)
+            self.assertEqual(self.read(path), self.FIXED, name)
+
+    def test_mode_and_symbolic_links_stay(self):
+        name = self.write("f", self.BROKEN)
+        os.chmod(name, 0o750)
+        (self.folder / "links").mkdir()
+        link = self.folder / "links" / "link"
+        link.symlink_to("../f")
+        self.fix(str(link))
+        self.assertTrue(link.is_symlink())
+        self.assertEqual((self.read(name), stat.S_IMODE(os.stat(name).st_mode)), (self.FIXED, 0o750))
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root may give files away")
+    def test_the_owner_stays(self):
+        name = self.write("f", self.BROKEN)
+        os.chown(name, 1234, 4321)
+        os.chmod(name, 0o4755)
+        self.fix(name)
+        status = os.stat(name)
+        self.assertEqual((status.st_uid, status.st_gid, stat.S_IMODE(status.st_mode)), (1234, 4321, 0o4755))
+
+    def assertNotFixed(self, done, name, message, status=3):
+        self.assertEqual(done.stderr.decode(), f"{name}: error: {message}\n")
+        self.assertEqual(done.returncode, status)
+
+    def test_standard_input_is_refused(self):
+        for options in ([], ["--dry-run"]):
+            self.assertNotFixed(self.fix("-", *options, stdin=self.BROKEN), "-",
+                                "standard input cannot be fixed; name a file, or check it without --fix", 2)
+
+    def test_what_is_no_regular_file_is_refused_and_the_others_are_fixed(self):
+        name = self.write("f", self.BROKEN)
+        done = tessera("check", "--fix", "/dev/null", name)
+        self.assertEqual(done.stderr.decode().splitlines(), [
+            "/dev/null: error: cannot be fixed: it is not a regular file; leave it out, or check it without --fix",
+            name + ": 3 fixes made"])
+        self.assertEqual((self.read(name), done.returncode), (self.FIXED, 3))
+
+    def test_a_file_that_may_not_be_written_is_refused_and_reported(self):
+        name = self.write("f", self.BROKEN)
+        os.chmod(name, 0o444)
+        self.folder.chmod(0o777)
+        done = self.fix(name, "--format", "json", **({"user": 65534} if os.geteuid() == 0 else {}))
+        self.assertNotFixed(done, name, "may not be written: Permission denied; ask for the right to write it and "
+                            "its folder, or check it without --fix")
+        self.assertEqual(len(documents(done.stdout)[0]["diagnostics"]), 3)
+        self.assertEqual((self.read(name), os.listdir(self.folder)), (self.BROKEN, ["f"]))
+
+    def test_a_file_with_several_names_is_refused(self):
+        name = self.write("f", self.BROKEN)
+        os.link(name, self.folder / "g")
+        self.assertNotFixed(self.fix(name), name, "has several names (hard links), and only one would get the new "
+                            "content; copy it, or correct it by hand")
+        self.assertEqual(self.read(name), self.BROKEN)
+
+    def test_a_disk_that_is_full_leaves_the_old_file(self):
+        name = self.write("f", self.BROKEN + b"x\n" * 100000)
+        before = self.read(name)
+
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+        done = self.fix(name, preexec_fn=limit)
+        self.assertNotFixed(done, name, "cannot be written: File too large; check it without --fix")
+        self.assertEqual((self.read(name), os.listdir(self.folder)), (before, ["f"]))
+
+    def test_a_kill_leaves_the_old_or_the_new_file(self):
+        old = self.BROKEN + b"x  # <@output#a [0,1}>\n" * 20000
+        new = self.FIXED + b"x  # <@output#a [0,1]>\n" * 20000
+        name = self.write("f", old)
+        started = time.monotonic()
+        self.fix(name)
+        whole = time.monotonic() - started
+        self.assertEqual(self.read(name), new)
+        for step in range(30):
+            self.write("f", old)
+            with subprocess.Popen([PROGRAM, "check", "--fix", name], stdout=subprocess.DEVNULL,
+                                  stderr=subprocess.DEVNULL) as run:
+                time.sleep(whole * (0.5 + step / 50))
+                run.kill()
+            self.assertIn(self.read(name), (old, new))
 
 
 if __name__ == "__main__":

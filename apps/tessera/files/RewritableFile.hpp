@@ -1,0 +1,42 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <string>
+#include <string_view>
+
+namespace tessera::files {
+
+/// A regular file that was read as a whole and can be replaced as a whole.
+class RewritableFile {
+ public:
+  /// Reads the file `name`; a symbolic link is followed. Throws ProblemError when it cannot be
+  /// read, is not a regular file, or changes while it is read.
+  explicit RewritableFile(const std::string& name);
+
+  const std::string& bytes() const noexcept { return content; }
+
+  /// Replaces the content of the file. Mode and, where the system allows it, owner stay.
+  ///
+  /// The new content is written to a file in the same folder, ".NAME.tessera-XXXXXX", which then
+  /// takes the place of the file: at any time the file is the old or the new one, complete. Throws
+  /// ProblemError, with the file unchanged, when it may not be written, has changed since it was
+  /// read, has several names (only one of them would get the new content), or on any other error.
+  void replace(std::string_view newContent);
+
+ private:
+  void read();
+  void requireUnchanged() const;
+  void requireWritable() const;
+  void writeTo(int descriptor, std::string_view newContent) const;
+  [[noreturn]] void fail(const std::string& what, const std::string& remedy) const;
+  [[noreturn]] void failWithError(const std::string& what, int error) const;
+
+  std::string name;
+  // Without symbolic links.
+  std::string target;
+  struct stat status = {};
+  std::string content;
+};
+
+}  // namespace tessera::files
