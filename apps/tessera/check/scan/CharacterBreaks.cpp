@@ -2,6 +2,9 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace tessera::check::scan {
 namespace {
 
@@ -24,27 +27,25 @@ utf8proc_int32_t codePointAt(std::u16string_view line, std::size_t at) {
 bool CharacterBreaks::isBreak(std::u16string_view line, std::uint64_t at) {
   if (at == 0 || at == line.size() || line[at] < kFirstJoining) return true;
   read(line);
-  return begins[at];
+  return std::ranges::binary_search(begins, at);
 }
 
 std::pair<std::uint64_t, std::uint64_t> CharacterBreaks::characterAround(std::u16string_view line,
                                                                          std::uint64_t at) {
   read(line);
-  std::uint64_t begin = at;
-  while (begin > 0 && !begins[begin]) --begin;
-  std::uint64_t end = at + 1;
-  while (end < line.size() && !begins[end]) ++end;
-  return {begin, end};
+  const auto next = std::ranges::upper_bound(begins, at);
+  const std::uint64_t end = next == begins.end() ? line.size() : *next;
+  return {*std::prev(next), end};
 }
 
 void CharacterBreaks::read(std::u16string_view line) {
   if (!begins.empty()) return;
-  begins.resize(line.size(), false);
   utf8proc_int32_t state = 0;
   utf8proc_int32_t previous = 0;
   for (std::size_t at = 0; at < line.size(); at += isPair(line, at) ? 2 : 1) {
     const utf8proc_int32_t current = codePointAt(line, at);
-    begins[at] = at == 0 || utf8proc_grapheme_break_stateful(previous, current, &state);
+    if (at == 0 || utf8proc_grapheme_break_stateful(previous, current, &state))
+      begins.push_back(at);
     previous = current;
   }
 }

@@ -21,8 +21,8 @@ class CharacterBreaks {
  private:
   void read(std::u16string_view line);
 
-  // Whether a character begins at each unit; empty before the line is read.
-  std::vector<bool> begins;
+  // Where characters begin, ascending; empty before the line is read.
+  std::vector<std::uint64_t> begins;
 };
 
 }  // namespace tessera::check::scan

@@ -187,40 +187,50 @@ class Fix(CheckTest):
         self.fix(name)
         self.assertEqual(self.read(name), b'# <@appendix>\n# <@task#a {"text":"1","collapsed":"true"}>\n')
 
-    def test_a_dry_run_writes_what_patch_applies(self):
-        """For all golden sources, also with a byte order mark and CRLF, and without the last line ending."""
-        fixed = 0
+    def write_sources(self, folder, change):
+        """Writes all golden sources, changed, to a folder of its own."""
+        path = self.folder / folder
+        path.mkdir()
         for source in SOURCES:
-            original = source.read_bytes()
-            for change in (lambda content: content, as_windows_writes_it, lambda content: content.rstrip(b"\r\n")):
-                content = change(original)
-                name = self.write("source" + source.suffix, content)
-                difference = self.fix(name, "--dry-run").stdout
-                self.assertEqual(self.read(name), content)
-                patched = self.write("patched", content)
-                if difference:
-                    fixed += 1
-                    subprocess.run(["patch", "--binary", "-s", patched], input=difference, check=True)
-                self.fix(name)
-                self.assertEqual(self.read(name), self.read(patched), source)
-                # A second run has nothing to do.
-                again = self.fix(name)
-                self.assertEqual((again.stderr, self.read(name)), (b"", self.read(patched)), source)
-                [record] = documents(tessera("check", "--format", "json", name).stdout)
-                self.assertFalse([found for found in record["diagnostics"] if found["fix"]], source)
-        self.assertGreater(fixed, 60)
+            (path / source.name).write_bytes(change(source.read_bytes()))
+        return path
+
+    def read_sources(self, path):
+        return {source.name: (path / source.name).read_bytes() for source in SOURCES}
+
+    def fix_in(self, path, *options):
+        return subprocess.run([PROGRAM, "check", "--fix", *options, *(source.name for source in SOURCES)], cwd=path,
+                              capture_output=True, timeout=120)
+
+    def test_a_dry_run_writes_what_patch_applies(self):
+        """Also with a byte order mark and CRLF, and without the last line ending."""
+        changes = {"as_is": bytes, "windows": as_windows_writes_it, "no_ending": lambda text: text.rstrip(b"\r\n")}
+        for name, change in changes.items():
+            fixed, patched = (self.write_sources(name + kind, change) for kind in ("_fixed", "_patched"))
+            difference = self.fix_in(fixed, "--dry-run").stdout
+            self.assertGreater(difference.count(b"\n+++ "), 20)
+            self.assertEqual(self.read_sources(fixed), self.read_sources(patched))
+            subprocess.run(["patch", "--binary", "-p0", "-s"], cwd=patched, input=difference, check=True)
+            self.assertRegex(self.fix_in(fixed).stderr, b"fixes made")
+            self.assertEqual(self.read_sources(fixed), self.read_sources(patched))
+            # A second run has nothing to do.
+            self.assertNotRegex(self.fix_in(fixed).stderr, b"made")
+            self.assertEqual(self.read_sources(fixed), self.read_sources(patched))
+
+    def test_a_fixed_file_has_no_fixes(self):
+        path = self.write_sources("sources", bytes)
+        self.fix_in(path)
+        done = tessera("check", "--format", "json", *(source.name for source in SOURCES), cwd=path)
+        for record in documents(done.stdout):
+            self.assertFalse([found for found in record["diagnostics"] if found["fix"]], record["file"])
 
     def test_everything_else_stays_byte_for_byte(self):
-        for source in SOURCES:
-            original = source.read_bytes()
-            if b"\r" in original:
-                continue
-            name = self.write("f" + source.suffix, original)
-            self.fix(name)
-            fixed = self.read(name)
-            name = self.write("f" + source.suffix, as_windows_writes_it(original))
-            self.fix(name)
-            self.assertEqual(self.read(name), as_windows_writes_it(fixed), source)
+        unix = self.write_sources("unix", lambda text: text.replace(b"\r\n", b"\n").removeprefix(b"\xef\xbb\xbf"))
+        windows = self.write_sources("windows", lambda text: as_windows_writes_it(text.removeprefix(b"\xef\xbb\xbf")))
+        self.fix_in(unix)
+        self.fix_in(windows)
+        for name, content in self.read_sources(unix).items():
+            self.assertEqual((windows / name).read_bytes(), as_windows_writes_it(content), name)
 
     def test_unusual_file_names_are_quoted_for_patch(self):
         for name in ("with blank", "tab\there", 'quo"te', "back\\slash", "\u00e9", "-x"):

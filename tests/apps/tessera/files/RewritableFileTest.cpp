@@ -1,0 +1,89 @@
+#include "tessera/files/RewritableFile.hpp"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "tessera/diagnostics/Problem.hpp"
+
+namespace {
+
+using tessera::diagnostics::ProblemError;
+using tessera::files::RewritableFile;
+
+class RewritableFileTest : public testing::Test {
+ protected:
+  static std::string read(const std::string& name) {
+    std::ifstream stream(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+  static void write(const std::string& name, const std::string& text) {
+    std::ofstream(name, std::ios::binary) << text;
+  }
+
+  /// Expects that `file` cannot be replaced for the reason `what`, and stays `content`.
+  void expectRefused(RewritableFile& file, const std::string& what, const std::string& content) {
+    try {
+      file.replace("new");
+      ADD_FAILURE() << "replaced";
+    } catch (const ProblemError& error) {
+      EXPECT_EQ(error.problem().file, name);
+      EXPECT_EQ(error.problem().what, what);
+      EXPECT_FALSE(error.problem().remedy.empty());
+    }
+    EXPECT_EQ(read(name), content);
+  }
+
+  const TemporaryFolder folder;
+  const std::string name = folder.write("file", "old\0text");
+};
+
+TEST_F(RewritableFileTest, ReplacesTheWholeContent) {
+  RewritableFile file(name);
+  EXPECT_EQ(file.bytes(), read(name));
+  file.replace("new");
+  EXPECT_EQ(read(name), "new");
+  EXPECT_EQ(std::distance(
+                std::filesystem::directory_iterator(std::filesystem::path(name).parent_path()), {}),
+            1);
+}
+
+TEST_F(RewritableFileTest, AFileThatWasWrittenMeanwhileStays) {
+  RewritableFile file(name);
+  write(name, "other text");
+  expectRefused(file, "changed after it was read", "other text");
+}
+
+TEST_F(RewritableFileTest, AFileThatWasReplacedMeanwhileStays) {
+  RewritableFile file(name);
+  const std::string other = name + "2";
+  write(other, file.bytes());
+  std::filesystem::rename(other, name);
+  expectRefused(file, "changed after it was read", file.bytes());
+}
+
+TEST_F(RewritableFileTest, AFileThatWasReplacedOnceIsNotReplacedAgain) {
+  RewritableFile file(name);
+  file.replace("once");
+  expectRefused(file, "changed after it was read", "once");
+}
+
+TEST_F(RewritableFileTest, AFileThatWasRemovedIsNotMadeAgain) {
+  RewritableFile file(name);
+  std::filesystem::remove(name);
+  EXPECT_THROW(file.replace("new"), ProblemError);
+  EXPECT_FALSE(std::filesystem::exists(name));
+}
+
+TEST_F(RewritableFileTest, OnlyARegularFileIsRead) {
+  EXPECT_THROW(RewritableFile("/dev/null"), ProblemError);
+  EXPECT_THROW(RewritableFile(std::filesystem::path(name).parent_path().string()), ProblemError);
+  EXPECT_THROW(RewritableFile(name + "none"), ProblemError);
+}
+
+}  // namespace
