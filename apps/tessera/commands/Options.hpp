@@ -47,6 +47,15 @@ struct ExplainOptions {
   std::string id;
 };
 
+enum class MarkersFormat { kText, kJson };
+
+struct MarkersOptions {
+  MarkersFormat format = MarkersFormat::kText;
+  host::Pieces pieces = host::Pieces::kKept;
+  std::vector<std::string> bundles;
+  std::vector<std::string> files;
+};
+
 struct ReplayOptions {
   std::vector<std::string> bundles;
   std::string file;

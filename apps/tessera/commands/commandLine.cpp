@@ -8,6 +8,7 @@
 
 #include "tessera/commands/check.hpp"
 #include "tessera/commands/explain.hpp"
+#include "tessera/commands/markers.hpp"
 #include "tessera/commands/parse.hpp"
 #include "tessera/commands/replay.hpp"
 #include "tessera/commands/status.hpp"
@@ -30,6 +31,12 @@ CheckFormat readCheckFormat(const std::string& name) {
   if (name == "json") return CheckFormat::kJson;
   if (name == "sarif") return CheckFormat::kSarif;
   throw CLI::ValidationError("\"" + name + "\" is not a format: use text, json or sarif");
+}
+
+MarkersFormat readMarkersFormat(const std::string& name) {
+  if (name == "text") return MarkersFormat::kText;
+  if (name == "json") return MarkersFormat::kJson;
+  throw CLI::ValidationError("\"" + name + "\" is not a format: use text or json");
 }
 
 ExplainFormat readExplainFormat(const std::string& name) {
@@ -85,16 +92,19 @@ struct CommandLine {
   CLI::App app{"Turns lines of source with comment markers into a structured document."};
   CLI::App* parseCommand = nullptr;
   CLI::App* checkCommand = nullptr;
+  CLI::App* markersCommand = nullptr;
   CLI::App* explainCommand = nullptr;
   CLI::App* replayCommand = nullptr;
   ParseOptions parseOptions;
   CheckOptions checkOptions;
+  MarkersOptions markersOptions;
   ExplainOptions explainOptions;
   ReplayOptions replayOptions;
 
  private:
   void addParse();
   void addCheck();
+  void addMarkers();
   void addExplain();
   void addReplay();
 };
@@ -105,6 +115,7 @@ CommandLine::CommandLine() {
   app.require_subcommand(1);
   addParse();
   addCheck();
+  addMarkers();
   addExplain();
   addReplay();
 }
@@ -159,6 +170,20 @@ void CommandLine::addCheck() {
   addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
 }
 
+void CommandLine::addMarkers() {
+  markersCommand =
+      app.add_subcommand("markers", "List the markers of files and what became of each.");
+  markersCommand
+      ->add_option_function<std::string>(
+          "--format",
+          [this](const std::string& name) { markersOptions.format = readMarkersFormat(name); },
+          "How markers are written: text (the default) or json.")
+      ->type_name("FORMAT");
+  addBare(*markersCommand, markersOptions.pieces);
+  addBundles(*markersCommand, markersOptions.bundles);
+  addFiles(*markersCommand, markersOptions.files, "The files to read; - is standard input.");
+}
+
 void CommandLine::addExplain() {
   explainCommand = app.add_subcommand("explain", "Say what a diagnostic of check means.");
   explainCommand
@@ -183,6 +208,7 @@ void CommandLine::addReplay() {
 int CommandLine::run() const {
   if (parseCommand->parsed()) return parse(parseOptions);
   if (checkCommand->parsed()) return check(checkOptions);
+  if (markersCommand->parsed()) return markers(markersOptions);
   if (explainCommand->parsed()) return explain(explainOptions);
   return replay(replayOptions);
 }

@@ -27,6 +27,7 @@ def run(program, arguments):
 # The commands, by the folder of their golden files. `parse_bare` uses the sources of `parse`.
 COMMANDS = {
     "check": ["check"],
+    "markers": ["markers"],
     "check_without_pieces": ["check", "--bare"],
     "parse": ["parse", "--format", "json", "--trace"],
     "parse_bare": ["parse", "--bare", "--format", "json", "--trace"],
