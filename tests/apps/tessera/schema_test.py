@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that docs/parse.schema.json accepts what the program writes and rejects damaged documents.
+"""Checks that the schemas in docs/ accept what the program writes and reject damaged documents.
 
 schema_test.py PROGRAM
 """
@@ -102,6 +102,46 @@ DAMAGE = {
 }
 
 
+# Each damages a record about a file in one way; the first diagnostic has a note and a fix.
+DAMAGED_CHECKS = {
+    "no schema version": lambda d: d.pop("schemaVersion"),
+    "no file": lambda d: d.pop("file"),
+    "an unknown key": lambda d: d.update(extra=1),
+    "an id with a blank": lambda d: d["diagnostics"][0].update(id="a b"),
+    "another severity": lambda d: d["diagnostics"][0].update(severity="error"),
+    "a line 0": lambda d: d["diagnostics"][0].update(line=0),
+    "a column that is a string": lambda d: d["diagnostics"][0].update(column="1"),
+    "no end": lambda d: d["diagnostics"][0].pop("endColumn"),
+    "an empty message": lambda d: d["diagnostics"][0].update(message=""),
+    "notes that are null": lambda d: d["diagnostics"][0].update(notes=None),
+    "a note without a message": lambda d: d["diagnostics"][0]["notes"][0].pop("message"),
+    "no fix": lambda d: d["diagnostics"][0].pop("fix"),
+    "a fix without edits": lambda d: d["diagnostics"][0]["fix"].update(edits=[]),
+    "an edit without its text": lambda d: d["diagnostics"][0]["fix"]["edits"][0].pop("text"),
+}
+
+
+def check_problems(program):
+    """Returns what is wrong with the records of `check`."""
+    validator = jsonschema.Draft7Validator(json.loads((ROOT / "docs" / "check.schema.json").read_text()))
+    validator.check_schema(validator.schema)
+    sources = [*EXAMPLES, *(path for path in (ROOT / "tests" / "golden" / "check").iterdir()
+                            if path.suffix != ".expected")]
+    done = subprocess.run([program, "check", "--format", "json", *map(str, sources)], capture_output=True, timeout=60)
+    records = [json.loads(line) for line in done.stdout.decode().split("\n")[:-1]]
+    problems = [f"{record['file']}: {error.message}" for record in records for error in validator.iter_errors(record)]
+    if len(records) != len(sources) or len(sources) < 40:
+        problems.append(f"{len(records)} records of {len(sources)} files")
+    record = next(record for record in records for diagnostic in record["diagnostics"][:1]
+                  if diagnostic["notes"] and diagnostic["fix"])
+    for name, damage in DAMAGED_CHECKS.items():
+        damaged = copy.deepcopy(record)
+        damage(damaged)
+        if validator.is_valid(damaged):
+            problems.append(f"{name}: the schema of check accepts it")
+    return problems
+
+
 def main():
     program = sys.argv[1]
     schema = json.loads((ROOT / "docs" / "parse.schema.json").read_text())
@@ -127,7 +167,8 @@ def main():
     node = {"kind": "CodeNode", "anchorId": "", "children": [], "contributorData": [], "parserFailures": []}
     foreign["nodes"] += [node, {**node, "text": "x"}]
     problems += [f"nodes of another bundle: {error.message}" for error in validator.iter_errors(foreign)]
-    print("\n".join(problems + [f"{len(documents)} documents, {len(DAMAGE) + len(DAMAGED_PIECES)} damaged ones"]))
+    problems += check_problems(program)
+    print("\n".join(problems + [f"{len(documents)} documents, {len(DAMAGE) + len(DAMAGED_PIECES) + len(DAMAGED_CHECKS)} damaged ones"]))
     return 1 if problems else 0
 
 
