@@ -9,6 +9,8 @@ import pathlib
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SOURCE_FOLDERS = ("platform", "src", "apps", "bundles", "tests", "bench", "examples/bundles")
+# Inputs of tests, which are not to be changed by a formatter.
+GOLDEN = ROOT / "tests" / "golden"
 
 
 def sources(*suffixes):
@@ -17,7 +19,7 @@ def sources(*suffixes):
         path
         for folder in SOURCE_FOLDERS
         for path in (ROOT / folder).rglob("*")
-        if path.suffix in suffixes and path.is_file()
+        if path.suffix in suffixes and path.is_file() and not path.is_relative_to(GOLDEN)
     )
 
 
