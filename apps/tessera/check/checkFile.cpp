@@ -8,6 +8,8 @@
 #include "tessera/check/rules/Findings.hpp"
 #include "tessera/check/rules/anchors.hpp"
 #include "tessera/check/rules/appendix.hpp"
+#include "tessera/check/rules/dropUncertainFixes.hpp"
+#include "tessera/check/rules/followingText.hpp"
 #include "tessera/check/rules/handling.hpp"
 #include "tessera/check/rules/otherFailures.hpp"
 #include "tessera/check/rules/strings.hpp"
@@ -62,12 +64,14 @@ CheckedFile checkFile(std::string path, session::ParsedFile file,
   rules::Findings findings;
   findings.suspects = suspects::findSuspects(scan);
   const scan::TaskWalk walk(scan);
+  rules::dropUncertainFixes(scan, walk, findings);
   rules::explainTaskFailures(scan, walk, failures.tasks, findings);
   rules::checkTasks(scan, walk, findings);
   rules::checkRanges(scan, failures.ranges, isAccepted, findings);
   rules::reportOtherFailures(scan, failures.others, findings);
   rules::checkAnchors(scan, walk, findings);
   rules::checkHandling(scan, isAccepted, findings);
+  rules::checkFollowingText(scan, findings);
   rules::checkStrings(scan, checked.path, findings);
   rules::checkAppendix(scan, walk, findings);
   addSuspects(findings.suspects.code, findings.diagnostics);

@@ -26,6 +26,7 @@ enum class DiagnosticKind : std::uint8_t {
   kMissingLeader,
   kUnclosedComment,
   kInvalidAppendixLine,
+  kTextAfterMarker,
   kMarkerInString,
 
   // Markers that do not do what their author expects.
@@ -95,7 +96,8 @@ enum InvalidData : std::uint8_t {
   kDataControl
 };
 enum MarkerLimit : std::uint8_t { kLimitDepth, kLimitNumber };
-enum UnclosedMarker : std::uint8_t { kEndAbsent, kEndOtherText };
+enum UnclosedMarker : std::uint8_t { kEndAbsent, kEndOtherText, kEndCutOff };
+enum IncompleteOpening : std::uint8_t { kOpeningIncomplete, kOpeningOther };
 enum MissingLeader : std::uint8_t {
   kLeaderAbsent,
   kLeaderTooShort,

@@ -91,7 +91,7 @@ inline constexpr std::array kFailureEntries = std::to_array<CatalogueEntry>({
                     "The marker keeps its id and data, but its text stays ordinary text.",
      .before = "total = 1  # <@output#total [0,50]>\n",
      .after = "total = 1  # <@output#total [0,5]>\n",
-     .fix = "Swaps the two numbers of a reversed range if the result can be used."},
+     .fix = ""},
     {.kind = DiagnosticKind::kParserFailure,
      .id = "parser_failure",
      .severity = Severity::kFailure,

@@ -36,7 +36,8 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .id = "incomplete_opening",
      .severity = Severity::kWarning,
      .title = "marker that lacks a character of \"<@\"",
-     .messages = {"%1 is missing here: a marker begins with \"<@\""},
+     .messages = {"%1 is missing here: a marker begins with \"<@\"",
+                  "a marker begins with \"<@\", not with %1"},
      .explanation = "A marker begins with the two characters \"<@\". To write a marker that is "
                     "deliberately not\n"
                     "used, put any character between the two.",
@@ -126,7 +127,8 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kWarning,
      .title = "marker without its \">\"",
      .messages = {"the marker has no \">\" at its end",
-                  "expected \">\" at the end of the marker, found %1"},
+                  "expected \">\" at the end of the marker, found %1",
+                  "the line ends inside the marker, after %1"},
      .explanation = "A marker ends with \">\" on the line on which it begins.",
      .before = "# <@text:anchor#results\n",
      .after = "# <@text:anchor#results>\n",
@@ -173,6 +175,17 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .before = "x = 1\n# <@appendix> settings\n",
      .after = "x = 1\n# <@appendix>\n",
      .fix = ""},
+    {.kind = DiagnosticKind::kTextAfterMarker,
+     .id = "text_after_marker",
+     .severity = Severity::kWarning,
+     .title = "text directly after a marker",
+     .messages = {"the marker has ended before %1: text after a marker needs a blank before it"},
+     .explanation = "A marker ends at its first \">\" outside of quotes. A word or a second \">\" "
+                    "directly after it was "
+                    "probably meant to be inside.",
+     .before = "# <@text:anchor#overvie>w\n",
+     .after = "# <@text:anchor#overview>\n",
+     .fix = "Removes a second \">\"."},
     {.kind = DiagnosticKind::kMarkerInString,
      .id = "marker_in_string",
      .severity = Severity::kWarning,

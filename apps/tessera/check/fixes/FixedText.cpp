@@ -77,11 +77,26 @@ std::size_t FixedText::apply(std::span<const catalogue::Diagnostic> diagnostics)
   }
   std::set<std::size_t> removed;
   for (const Edit* edit : selection.editsFromEnd()) replace(*edit);
-  std::erase_if(lines, [](const Line& line) { return line.bytes.empty(); });
+  if (count != 0) normalize();
   return count;
 }
 
-/// A line that becomes empty, without even an ending, is removed by the caller.
+/// Removes lines of which nothing is left, and joins a line without an ending to the next one.
+void FixedText::normalize() {
+  std::vector<Line> kept;
+  kept.reserve(lines.size());
+  for (Line& line : lines) {
+    if (line.bytes.empty()) continue;
+    if (kept.empty() || kept.back().bytes.ends_with('\n')) {
+      kept.push_back(std::move(line));
+    } else {
+      kept.back().bytes += line.bytes;
+    }
+  }
+  lines = std::move(kept);
+}
+
+/// Afterwards lines may be empty, or lack their ending.
 void FixedText::replace(const Edit& edit) {
   const auto& [begin, end] = edit.span;
   Line& first = lines[begin.line - 1];
@@ -90,15 +105,9 @@ void FixedText::replace(const Edit& edit) {
     first.bytes.replace(from, offsetOf(end) - from, edit.text);
     return;
   }
-  std::string tail;
-  if (end.line <= lines.size()) {
-    Line& last = lines[end.line - 1];
-    const std::size_t to = offsetOf(end);
-    // A whole line stays a line; only its beginning can be joined to the first one.
-    if (to != 0) tail = std::exchange(last.bytes, {}).substr(to);
-  }
+  if (end.line <= lines.size()) lines[end.line - 1].bytes.erase(0, offsetOf(end));
   for (std::size_t line = begin.line + 1; line < end.line; ++line) lines[line - 1].bytes.clear();
-  first.bytes.replace(from, first.bytes.npos, edit.text + tail);
+  first.bytes.replace(from, first.bytes.npos, edit.text);
 }
 
 std::size_t FixedText::offsetOf(const Position& position) const {

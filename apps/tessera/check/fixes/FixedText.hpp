@@ -36,6 +36,7 @@ class FixedText {
   };
 
   void replace(const catalogue::Edit& edit);
+  void normalize();
   std::size_t offsetOf(const catalogue::Position& position) const;
 
   std::vector<std::string> original;

@@ -52,7 +52,10 @@ class AppendixRule {
       if (marker.isMarker()) codeMarkers.emplace(keyOf(marker), &marker);
     }
     for (const Suspect& suspect : findings.suspects.appendix) {
-      findings.reportedLines.insert(suspect.diagnostic.span.begin.line);
+      const std::uint64_t line = suspect.diagnostic.span.begin.line;
+      findings.reportedLines.insert(line);
+      // The rest of the entry may be on the next line.
+      if (suspect.isCutOff) findings.reportedLines.insert(line + 1);
     }
   }
 
@@ -148,7 +151,11 @@ class AppendixRule {
       report(kind, kTextBefore, entry.spanOf(text.begin.unit, end), {});
     } else if (text.end.unit > entry.end()) {
       const std::uint64_t begin = entry.lineText.find_first_not_of(u" \t", entry.end());
-      report(kind, kTextAfter, entry.spanOf(begin, text.end.unit), {});
+      const auto span = entry.spanOf(begin, text.end.unit);
+      Diagnostic& diagnostic = report(kind, kTextAfter, span, {});
+      const bool isSecondEnd =
+          begin == entry.end() && begin + 1 == text.end.unit && entry.lineText[begin] == u'>';
+      if (isSecondEnd) diagnostic.fix = {"remove \">\"", {{span, ""}}};
     }
   }
 
@@ -189,7 +196,8 @@ class AppendixRule {
       similar.add(tasksWithoutEntry[i]->id, i);
     }
     for (Suspect& suspect : findings.suspects.appendix) {
-      const FoundMarker* const marker = findMeant(suspect.ids, missing, similar, tasksWithoutEntry);
+      const FoundMarker* marker = findMeant(suspect.ids, missing, similar, tasksWithoutEntry);
+      if (marker == nullptr && suspect.isCutOff) marker = findLonger(suspect, missing);
       if (marker == nullptr || !findings.brokenTasks.insert(marker->id).second) continue;
       suspect.diagnostic.notes.push_back(
           {marker->span(), "so the task " + nameOf(*marker) + " has no settings"});
@@ -212,6 +220,14 @@ class AppendixRule {
       if (found) return markers[*found];
     }
     return nullptr;
+  }
+
+  /// Returns the only task without an entry whose id continues that of a marker that is cut off.
+  static const FoundMarker* findLonger(const Suspect& suspect, const Index& missing) {
+    const bool isPossible = suspect.element == u"task" && missing.size() == 1;
+    if (!isPossible) return nullptr;
+    const auto& [id, marker] = *missing.begin();
+    return suspect.ids.empty() || id.starts_with(suspect.ids.front()) ? marker : nullptr;
   }
 
   void explainUnused() {

@@ -101,7 +101,8 @@ class LineCheck {
     const std::string range = nameOf(marker);
     switch (problem) {
       case RangeProblem::kReversed:
-        return fixReversed(marker, report(marker, kInvalidPositionData, kRangeReversed, {range}));
+        report(marker, kInvalidPositionData, kRangeReversed, {range});
+        return;
       case RangeProblem::kEmpty:
         report(marker, kInvalidPositionData, kRangeEmpty, {range});
         return;
@@ -117,14 +118,6 @@ class LineCheck {
   const std::string& lineLength() {
     if (length.empty()) length = describeLength(line);
     return length;
-  }
-
-  void fixReversed(const FoundMarker& marker, Diagnostic& diagnostic) {
-    const auto [begin, end] = *marker.range;
-    if (ranges.problemOf(end, begin) != RangeProblem::kNone) return;
-    const std::string swapped = "[" + std::to_string(end) + "," + std::to_string(begin) + "]";
-    diagnostic.fix = {"replace " + nameOf(marker) + " by " + swapped,
-                      {{marker.spanOf(marker.parts.range), swapped}}};
   }
 
   void reportTouching(const FoundMarker& marker) {

@@ -26,6 +26,9 @@ constexpr std::size_t kMaxNotes = 8;
 // An id of one character resembles every other one.
 constexpr std::size_t kMinSimilar = 2;
 
+// All of these are compared with an id.
+constexpr std::size_t kMaxCutOff = 4;
+
 /// The failures of the task markers of one id.
 struct Group {
   std::u16string_view id;
@@ -71,6 +74,7 @@ class TaskFailureRule {
       const bool isPossible = isSingle(groups[i]) || isTooMany(groups[i]);
       if (isPossible && groups[i].id.size() >= kMinSimilar) similarGroups.add(groups[i].id, i);
     }
+    explainByAppendixLine();
     // A single marker may be the misspelt one of several with another id.
     for (Group& group : groups) {
       if (!group.isMerged && isSingle(group)) explainSingle(group);
@@ -81,6 +85,29 @@ class TaskFailureRule {
   }
 
  private:
+  /// A damaged line that should start the appendix makes markers of all entries: that is one cause.
+  void explainByAppendixLine() {
+    if (scan.appendixLine != 0) return;
+    auto& suspects = findings.suspects.code;
+    const auto line = std::ranges::find(suspects, u"appendix", &Suspect::element);
+    if (line == suspects.end()) return;
+    const std::uint64_t number = line->diagnostic.span.begin.line;
+    Diagnostic* diagnostic = nullptr;
+    for (Group& group : groups) {
+      const bool hasEntry =
+          isTooMany(group) && group.markers->size() == 3 && group.markers->back()->line > number;
+      if (!hasEntry) continue;
+      group.isMerged = true;
+      findings.brokenTasks.insert(std::u16string(group.id));
+      if (diagnostic == nullptr) {
+        diagnostic = &reportMissing(group, kPairTooMany, std::to_string(group.markers->size()));
+        explainBy(*line, *diagnostic);
+      } else if (diagnostic->notes.size() < kMaxNotes) {
+        addNote(*diagnostic, *group.markers->back(), "this entry is a third marker, too");
+      }
+    }
+  }
+
   static bool isSingle(const Group& group) {
     return !group.isOverlap && group.markers != nullptr && group.markers->size() == 1;
   }
@@ -93,6 +120,7 @@ class TaskFailureRule {
     auto& suspects = findings.suspects.code;
     for (std::size_t i = 0; i < suspects.size(); ++i) {
       if (suspects[i].element != u"task") continue;
+      if (suspects[i].isCutOff && cutOff.size() < kMaxCutOff) cutOff.push_back(i);
       for (const std::u16string& id : suspects[i].ids) {
         suspectsById[id].push_back(i);
         if (id.size() >= kMinSimilar) similarSuspects.add(id, i);
@@ -149,6 +177,16 @@ class TaskFailureRule {
     reportMissing(group, kPairAlone).unpairedTask.emplace(group.id);
   }
 
+  /// A marker may be cut off in its id.
+  Suspect* findCutOff(std::u16string_view id) {
+    for (const std::size_t index : cutOff) {
+      Suspect& suspect = findings.suspects.code[index];
+      if (!suspect.isExplained && (suspect.ids.empty() || id.starts_with(suspect.ids.front())))
+        return &suspect;
+    }
+    return nullptr;
+  }
+
   Suspect* findSuspect(std::u16string_view id) {
     auto& suspects = findings.suspects.code;
     const auto same = suspectsById.find(std::u16string(id));
@@ -157,10 +195,9 @@ class TaskFailureRule {
         if (!suspects[index].isExplained) return &suspects[index];
       }
     }
-    if (id.size() < kMinSimilar) return nullptr;
-    const auto similar = similarSuspects.find(id);
-    if (!similar || suspects[*similar].isExplained) return nullptr;
-    return &suspects[*similar];
+    const auto similar = id.size() < kMinSimilar ? std::nullopt : similarSuspects.find(id);
+    if (similar && !suspects[*similar].isExplained) return &suspects[*similar];
+    return findCutOff(id);
   }
 
   /// A marker without data in the appendix is not an entry, and one of two with data is too much.
@@ -236,6 +273,8 @@ class TaskFailureRule {
   SimilarNames similarGroups;
   std::unordered_map<std::u16string, std::vector<std::size_t>> suspectsById;
   SimilarNames similarSuspects;
+  // The first few suspects whose line ends inside the marker.
+  std::vector<std::size_t> cutOff;
   std::unordered_map<std::u16string_view, const Overlap*> overlaps;
   std::unordered_map<const FoundMarker*, const Task*> tasksByOpening;
   std::unordered_map<std::u16string_view, Markers> appendixMarkers;

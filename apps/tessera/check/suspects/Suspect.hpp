@@ -14,6 +14,12 @@ struct Suspect {
   std::u16string element;
   /// The ids that the author may have meant.
   std::vector<std::u16string> ids;
+  /// The text that the fix makes of it, which begins with a marker; empty if it has no fix.
+  std::u16string repaired;
+  /// The line ends inside the marker.
+  bool isCutOff = false;
+  /// The fix adds the end of a marker that is cut off, so that more may be missing.
+  bool isCompleted = false;
   /// Another diagnostic reports it in a note.
   bool isExplained = false;
 };

@@ -69,9 +69,11 @@ std::u16string_view closerOf(CommentForm form) {
 /// Writes the diagnostic of one text.
 class ProblemWriter {
  public:
-  ProblemWriter(const FoundMarker& found, std::uint64_t end, const FoundMarker* before)
+  ProblemWriter(const FoundMarker& found, std::uint64_t end, const FoundMarker* before,
+                std::optional<std::u16string_view> nextLine)
       : found(found), parts(found.parts), line(found.lineText), end(end), before(before) {
-    text = {found.line, line, parts.position, end, std::min(parts.problemPosition, end)};
+    text = {found.line, line, parts.position, end, std::min(parts.problemPosition, end),
+            nextLine,   false};
   }
 
   Suspect write() {
@@ -128,12 +130,24 @@ class ProblemWriter {
   /// Like `report` at the problem, with the fix of a single wrong character if there is one.
   void reportRepairable(DiagnosticKind kind, std::size_t form, Arguments arguments) {
     report(kind, form, atProblem(), arguments);
-    suspect.diagnostic.fix = findRepair(text);
+    repair();
   }
 
-  void fixBy(const Replacement& replacement) {
-    if (isRepairedBy(text, replacement)) suspect.diagnostic.fix = makeFix(text, replacement);
+  void repair() {
+    suspect.isCutOff = line.find_first_not_of(u" \t", text.problem) == line.npos;
+    if (suspect.isCutOff) take(joinLines(text));
+    if (suspect.diagnostic.fix) return;
+    take(findRepair(text));
+    suspect.isCompleted = suspect.isCutOff;
   }
+
+  void take(std::optional<Repair> repair) {
+    if (!repair) return;
+    suspect.diagnostic.fix = std::move(repair->fix);
+    suspect.repaired = std::move(repair->text);
+  }
+
+  void fixBy(const Replacement& replacement) { take(repairBy(text, replacement)); }
 
   /// The word, or the one character, at the problem; empty at the end of the text.
   std::u16string_view wordAtProblem() const {
@@ -156,7 +170,11 @@ class ProblemWriter {
   }
 
   void writeMissingElement() {
+    const std::u16string_view written = writtenElement(found);
     const std::uint64_t begin = parts.opening + 2;
+    if (isBlankFrom(begin)) return writeCutOffElement(written);
+    if (line[begin] == u'@') return writeRepeatedSign();
+    if (!similarElement(written).empty()) return writeBrokenElement(written);
     const std::uint64_t element =
         std::min<std::uint64_t>(line.find_first_not_of(u" \t", begin), end);
     if (element == begin)
@@ -171,6 +189,20 @@ class ProblemWriter {
     fixBy({begin, element - begin, u""});
   }
 
+  bool isBlankFrom(std::uint64_t position) const {
+    return line.find_first_not_of(u" \t", position) == line.npos;
+  }
+
+  void writeRepeatedSign() {
+    const std::uint64_t second = parts.opening + 2;
+    report(kIncompleteOpening, kOpeningOther, found.spanOf(parts.opening, second + 1), {"\"<@@\""});
+    fixBy({second, 1, u""});
+    const auto candidates = quenlith::syntax::findMarkerCandidates(suspect.repaired);
+    if (candidates.empty()) return;
+    suspect.element = candidates.front().element;
+    addId(makeFoundMarker(candidates.front(), found.line, suspect.repaired).id);
+  }
+
   std::u16string_view nameAt(std::uint64_t begin) const {
     const std::u16string_view rest = line.substr(begin, end - begin);
     const auto isOther = [](char16_t unit) {
@@ -181,6 +213,10 @@ class ProblemWriter {
   }
 
   void writeUnknownElement() {
+    const std::u16string_view written = writtenElement(found);
+    if (isStartOfElement(written) && text.problem + written.size() == end)
+      return writeCutOffElement(written);
+    if (written != parts.element) return writeBrokenElement(written);
     const Span span = found.spanOf(parts.element);
     const std::u16string_view similar = similarElement(parts.element);
     const std::u16string_view start = elementAtStart(parts.element);
@@ -195,6 +231,26 @@ class ProblemWriter {
     if (start.empty()) return report(kUnknownElement, kElementOther, span, {quoted(parts.element)});
     suspect.element = start;
     writeJoinedElement(start, span);
+  }
+
+  /// The line ends in the element, or before it.
+  void writeCutOffElement(std::u16string_view written) {
+    text.problem = end;
+    report(kUnclosedMarker, kEndCutOff, found.spanOf(parts.opening, end),
+           {quoted(line.substr(parts.opening, end - parts.opening))});
+    if (written.size() > 1) suspect.element = elementStartingWith(written);
+    suspect.isCutOff = true;
+    take(joinLines(text));
+  }
+
+  /// A character that no name has is in the element.
+  void writeBrokenElement(std::u16string_view written) {
+    suspect.element = similarElement(written);
+    const std::uint64_t after = found.positionOf(written) + written.size();
+    if (after < end && line[after] == u'#') addId(nameAt(after + 1));
+    report(kUnknownElement, kElementSimilar, found.spanOf(written),
+           {quoted(written), quoted(suspect.element)});
+    fixBy({found.positionOf(written), written.size(), suspect.element});
   }
 
   /// Returns whether an id or type was probably joined to the element: "<@taskfit>", not
@@ -232,9 +288,15 @@ class ProblemWriter {
     return std::string(reason);
   }
 
+  /// "[0,5]{ " and "[0,5 ]{" have the blank on the wrong side.
   void writeMissingBlank(std::string_view part) {
     report(kMissingBlank, 0, found.spanOf(text.problem, text.problem + 1), {part});
-    fixBy({text.problem, 0, u" "});
+    const bool isAfter = text.problem + 1 < end && line[text.problem + 1] == u' ';
+    const std::u16string swapped{u' ', line[text.problem]};
+    if (isAfter) return fixBy({text.problem, 2, swapped});
+    const bool isInside =
+        text.problem > 1 && line[text.problem - 2] == u' ' && line[text.problem - 1] == u']';
+    fixBy(isInside ? Replacement{text.problem - 2, 2, u"] "} : Replacement{text.problem, 0, u" "});
   }
 
   void writeRange() {
@@ -261,8 +323,7 @@ class ProblemWriter {
     }
     if (text.problem >= end) {
       report(kInvalidData, kDataCutOff, atProblem(), {"its end"});
-      suspect.diagnostic.fix = findRepair(text);
-      return;
+      return repair();
     }
     if (line[text.problem] == u'\\' && reason.find("escape") != reason.npos) {
       const std::u16string_view escape = line.substr(text.problem, 2);
@@ -271,6 +332,7 @@ class ProblemWriter {
     if (reason.find("control character") != reason.npos) {
       return report(kInvalidData, kDataControl, atProblem(), {foundAtProblem()});
     }
+    text.mayMoveNames = true;
     reportRepairable(kInvalidData, kDataExpected, {expectedInJson(reason), foundAtProblem()});
   }
 
@@ -328,7 +390,7 @@ class ProblemWriter {
     const std::string name = isBlank(first.front()) ? "a blank" : quoted(first);
     addId(whole);
     report(kInvalidId, kIdUnquoted, found.spanOf(whole), {name, quoted(whole)});
-    suspect.diagnostic.fix = findRepair(text);
+    repair();
   }
 
   void writeMissingCloser() {
@@ -339,7 +401,7 @@ class ProblemWriter {
       return report(kUnclosedComment, kCloserAbsent, found.span(), {quoted(closer)});
     }
     text.problem = at;
-    report(kUnclosedComment, kCloserOtherText, atProblem(), {quoted(closer), foundAtProblem()});
+    reportRepairable(kUnclosedComment, kCloserOtherText, {quoted(closer), foundAtProblem()});
   }
 
   void writeMissingLeader() {
@@ -366,15 +428,28 @@ class ProblemWriter {
     const std::u16string repeated = std::u16string(leader) + last;
     report(kMissingLeader, catalogue::forms::kLeaderTooShort, found.spanOf(leader),
            {quoted(leader), quoted(repeated)});
-    fixBy({parts.position + leader.size(), 0, leader.substr(leader.size() - 1)});
+    if (startsComment(last))
+      fixBy({parts.position + leader.size(), 0, leader.substr(leader.size() - 1)});
+  }
+
+  /// Returns whether a leader of more of these characters may begin where the short one does. After
+  /// other text, or after one of them, something else is wrong.
+  bool startsComment(char16_t unit) const {
+    const std::u16string_view before = line.substr(0, parts.position);
+    const std::size_t last = before.find_last_not_of(u" \t");
+    return last == before.npos || (last + 1 < before.size() && before[last] != unit);
   }
 
   void writeNoLeader() {
-    report(kMissingLeader, kLeaderAbsent, found.span(), {});
-    if (parts.opening > 0 && line[parts.opening - 1] == u'<') {
-      text.begin = 0;
-      suspect.diagnostic.fix.reset();
+    if (parts.opening == 0 || line[parts.opening - 1] != u'<') {
+      return report(kMissingLeader, kLeaderAbsent, found.span(), {});
     }
+    report(kIncompleteOpening, kOpeningOther, found.spanOf(parts.opening - 1, parts.opening + 2),
+           {"\"<<@\""});
+    text.begin = std::min(line.substr(0, parts.opening - 1).find_last_not_of(u"#%;!/-*(<{ \t") + 1,
+                          parts.opening - 1);
+    while (text.begin < parts.opening - 1 && isBlank(line[text.begin])) ++text.begin;
+    fixBy({parts.opening - 1, 1, u""});
   }
 
   /// The leader of the marker before it can be repeated if that begins a line comment.
@@ -402,8 +477,9 @@ class ProblemWriter {
 
 }  // namespace
 
-Suspect describeProblem(const FoundMarker& found, std::uint64_t end, const FoundMarker* before) {
-  return ProblemWriter(found, end, before).write();
+Suspect describeProblem(const FoundMarker& found, std::uint64_t end, const FoundMarker* before,
+                        std::optional<std::u16string_view> nextLine) {
+  return ProblemWriter(found, end, before, nextLine).write();
 }
 
 }  // namespace tessera::check::suspects

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 #include "tessera/check/scan/FoundMarker.hpp"
 #include "tessera/check/suspects/Suspect.hpp"
@@ -8,8 +10,10 @@
 namespace tessera::check::suspects {
 
 /// Says what is wrong with a text that is almost a marker. The text ends at `end` at the latest;
-/// `before` is the marker or other "<@" before it on its line, or null.
+/// `before` is the marker or other "<@" before it on its line, or null; `nextLine` is the line
+/// after it.
 Suspect describeProblem(const scan::FoundMarker& found, std::uint64_t end,
-                        const scan::FoundMarker* before);
+                        const scan::FoundMarker* before,
+                        std::optional<std::u16string_view> nextLine);
 
 }  // namespace tessera::check::suspects

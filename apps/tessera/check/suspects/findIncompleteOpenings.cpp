@@ -1,11 +1,14 @@
 #include "tessera/check/suspects/findIncompleteOpenings.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "fl/i18n/search.hpp"
 #include "quenlith/syntax/MarkerCandidate.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/FoundMarker.hpp"
 #include "tessera/check/scan/markerText.hpp"
 #include "tessera/check/suspects/findRepair.hpp"
 
@@ -33,50 +36,120 @@ std::uint64_t findCommentStart(std::u16string_view line, std::uint64_t floor, st
   return at;
 }
 
-/// Reports the text at `at` if it becomes a marker with an id when `missing` is inserted there.
-void examine(std::uint64_t lineNumber, std::u16string_view line, std::uint64_t floor,
-             std::uint64_t at, std::u16string_view missing, std::vector<Suspect>& suspects) {
-  const std::uint64_t begin = findCommentStart(line, floor, at);
-  const std::uint64_t end = std::min(line.find_first_of(u"@<", at + 1), line.size());
-  const std::uint64_t insertion = missing == u"<" ? at : at + 1;
-  std::u16string patched(line.substr(begin, end - begin));
-  patched.insert(insertion - begin, missing);
-  const auto candidates = quenlith::syntax::findMarkerCandidates(patched);
-  if (candidates.size() != 1 || candidates[0].problem != quenlith::syntax::MarkerProblem::kNone ||
-      candidates[0].id.empty()) {
-    return;
+/// Finds the damaged openings of one line.
+class OpeningSearch {
+ public:
+  OpeningSearch(std::uint64_t lineNumber, std::u16string_view line, std::vector<Suspect>& suspects)
+      : lineNumber(lineNumber), line(line), suspects(suspects) {}
+
+  void run() {
+    using fl::i18n::findAny;
+    for (std::size_t at = findAny<u'@', u'<'>(line); at < line.size();
+         at = findAny<u'@', u'<'>(line, at + 1)) {
+      if (line[at] == u'@') {
+        examineSign(at);
+      } else {
+        examineBracket(at);
+      }
+    }
   }
-  // "<%@task#a>" is how a marker is written that is not to be used.
-  const std::uint64_t leader = begin + candidates[0].position;
-  if (leader > 0 && line[leader - 1] == u'<') return;
-  const DamagedText text{lineNumber, line, leader, end, at};
-  Suspect suspect;
-  suspect.diagnostic =
-      catalogue::makeDiagnostic(catalogue::DiagnosticKind::kIncompleteOpening, 0,
-                                catalogue::spanOf(lineNumber, at, at + 1), {quoted(missing)});
-  const Replacement replacement{insertion, 0, missing};
-  if (isRepairedBy(text, replacement)) suspect.diagnostic.fix = makeFix(text, replacement);
-  suspect.element = candidates[0].element;
-  suspect.ids.emplace_back(candidates[0].id);
-  suspects.push_back(std::move(suspect));
-}
+
+ private:
+  bool isAt(std::size_t at, char16_t unit) const { return at < line.size() && line[at] == unit; }
+
+  /// "@task#a>", with another character for "<" or with none.
+  void examineSign(std::size_t at) {
+    if (at > 0 && line[at - 1] == u'<') return;
+    // "<%@task#a>" is how a marker is written that is not to be used.
+    const bool isEscape = at > 1 && line[at - 2] == u'<';
+    if (isEscape || !startsBody(line.substr(at + 1))) return;
+    const bool isReplaced =
+        at > 0 && line[at - 1] != u' ' && attempt({at - 1, 1, u"<"}, at - 1, at + 1);
+    if (!isReplaced) attempt({at, 0, u"<"}, at, at + 1);
+  }
+
+  void examineBracket(std::size_t at) {
+    if (isAt(at + 1, u'@')) return;
+    if (startsBody(line.substr(at + 1))) {
+      // "@<task#a>" has the two characters swapped.
+      const bool isSwapped =
+          at > 0 && line[at - 1] == u'@' && attempt({at - 1, 2, u"<@"}, at - 1, at + 1);
+      if (!isSwapped) attempt({at + 1, 0, u"@"}, at, at + 1);
+    } else if (isAt(at + 2, u'@')) {
+      examineSwapped(at + 1);
+    } else if (at + 2 < line.size() && startsBody(line.substr(at + 2))) {
+      attempt({at + 1, 1, u"@"}, at, at + 2);
+    }
+  }
+
+  /// "<t@ask#a>": the "@" was swapped with the first character of the element.
+  void examineSwapped(std::size_t at) {
+    std::u16string body{line[at]};
+    body += line.substr(at + 2, 10);
+    if (!startsBody(body)) return;
+    const std::u16string swapped{u'@', line[at]};
+    attempt({at, 2, swapped}, at - 1, at + 2);
+  }
+
+  /// Reports the text [`begin`, `end`) if `replacement` makes a marker with an id of it.
+  bool attempt(const Replacement& replacement, std::size_t begin, std::size_t end) {
+    DamagedText text{lineNumber,   line, findCommentStart(line, floor, begin), 0, begin,
+                     std::nullopt, false};
+    text.end = std::min(line.find_first_of(u"@<", end), line.size());
+    const auto leader = findLeader(text, replacement);
+    if (!leader) return false;
+    text.begin = *leader;
+    auto repair = repairBy(text, replacement);
+    if (!repair) return false;
+    report(std::move(*repair), begin, end, replacement);
+    floor = end;
+    return true;
+  }
+
+  /// Returns the position of the leader that the repaired text would have.
+  std::optional<std::uint64_t> findLeader(const DamagedText& text,
+                                          const Replacement& replacement) const {
+    std::u16string repaired(line.substr(text.begin, text.end - text.begin));
+    repaired.replace(replacement.begin - text.begin, replacement.length, replacement.text);
+    const auto candidates = quenlith::syntax::findMarkerCandidates(repaired);
+    if (candidates.size() != 1 || candidates[0].problem != quenlith::syntax::MarkerProblem::kNone ||
+        candidates[0].id.empty()) {
+      return std::nullopt;
+    }
+    const std::uint64_t leader = text.begin + candidates[0].position;
+    if (leader > 0 && line[leader - 1] == u'<') return std::nullopt;
+    return leader;
+  }
+
+  void report(Repair repair, std::size_t begin, std::size_t end, const Replacement& replacement) {
+    using namespace catalogue::forms;
+    const auto candidates = quenlith::syntax::findMarkerCandidates(repair.text);
+    const FoundMarker marker = makeFoundMarker(candidates.front(), lineNumber, repair.text);
+    const bool isMissing = replacement.length == 0;
+    Suspect suspect;
+    suspect.diagnostic = catalogue::makeDiagnostic(
+        catalogue::DiagnosticKind::kIncompleteOpening,
+        isMissing ? kOpeningIncomplete : kOpeningOther, catalogue::spanOf(lineNumber, begin, end),
+        {quoted(isMissing ? replacement.text : line.substr(begin, end - begin))});
+    suspect.element = marker.parts.element;
+    suspect.ids.push_back(marker.id);
+    suspect.diagnostic.fix = std::move(repair.fix);
+    suspect.repaired = std::move(repair.text);
+    suspects.push_back(std::move(suspect));
+  }
+
+  std::uint64_t lineNumber;
+  std::u16string_view line;
+  std::vector<Suspect>& suspects;
+  // The end of the last text that was reported.
+  std::uint64_t floor = 0;
+};
 
 }  // namespace
 
 void findIncompleteOpenings(std::uint64_t lineNumber, std::u16string_view line,
                             std::vector<Suspect>& suspects) {
-  using fl::i18n::findAny;
-  std::uint64_t floor = 0;
-  for (std::size_t at = findAny<u'@', u'<'>(line); at < line.size();
-       at = findAny<u'@', u'<'>(line, at + 1)) {
-    if (!startsBody(line.substr(at + 1))) continue;
-    if (line[at] == u'<') {
-      examine(lineNumber, line, floor, at, u"@", suspects);
-    } else if (at == 0 || line[at - 1] != u'<') {
-      examine(lineNumber, line, floor, at, u"<", suspects);
-    }
-    floor = at + 1;
-  }
+  OpeningSearch(lineNumber, line, suspects).run();
 }
 
 }  // namespace tessera::check::suspects

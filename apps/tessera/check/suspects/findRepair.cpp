@@ -1,6 +1,7 @@
 #include "tessera/check/suspects/findRepair.hpp"
 
-#include <string>
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "fl/i18n/ustring.hpp"
@@ -10,6 +11,7 @@
 namespace tessera::check::suspects {
 
 using namespace scan;
+
 namespace {
 
 using namespace std::string_view_literals;
@@ -17,6 +19,25 @@ using catalogue::Fix;
 
 bool isBlank(char16_t unit) {
   return unit == u' ' || unit == u'\t';
+}
+
+/// Returns whether `text` is a marker, with nothing after it, or a blank if `mayContinue`.
+bool isWhole(std::u16string_view text, bool mayContinue) {
+  const auto candidates = quenlith::syntax::findMarkerCandidates(text);
+  if (candidates.size() != 1 || candidates[0].position != 0 ||
+      candidates[0].problem != quenlith::syntax::MarkerProblem::kNone) {
+    return false;
+  }
+  const std::u16string_view rest = text.substr(candidates[0].problemPosition);
+  const bool isEnd = rest.find_first_not_of(u" \t") == rest.npos;
+  return isEnd || (mayContinue && isBlank(rest.front()));
+}
+
+std::string describe(const DamagedText& text, const Replacement& replacement) {
+  const std::u16string_view removed = text.line.substr(replacement.begin, replacement.length);
+  if (removed.empty()) return "insert " + quoted(replacement.text);
+  if (replacement.text.empty()) return "remove " + quoted(removed);
+  return "replace " + quoted(removed) + " by " + quoted(replacement.text);
 }
 
 /// Collects the changes that make the text a marker.
@@ -34,11 +55,14 @@ class RepairSearch {
     }
     tryReplacements(at);
     tryRemovals(at, afterWord);
+    for (std::uint64_t first = std::max(text.begin + 2, at) - 2; first <= at; ++first)
+      trySwap(first);
     // "<@task t1>": the "#" was lost.
     if (afterWord + 1 == at) attempt({afterWord, 1, u"#"});
   }
 
-  std::vector<Replacement> found;
+  /// Different changes may have the same result; a repair is certain only if there is one result.
+  std::vector<Repair> found;
 
  private:
   std::uint64_t skipBlanksBack(std::uint64_t at) const {
@@ -47,21 +71,21 @@ class RepairSearch {
   }
 
   bool attempt(const Replacement& replacement) {
-    const bool isRepaired = isRepairedBy(text, replacement);
-    if (isRepaired) found.push_back(replacement);
-    return isRepaired;
+    auto repair = repairBy(text, replacement);
+    if (!repair) return false;
+    const bool isKnown = std::ranges::any_of(
+        found, [&repair](const Repair& other) { return other.text == repair->text; });
+    if (!isKnown) found.push_back(std::move(*repair));
+    return true;
   }
 
   /// Tries what is written in place of another bracket or separator.
   void tryReplacements(std::uint64_t at) {
     if (at == text.end) return;
-    constexpr std::u16string_view kClosing = u")]}>";
-    constexpr std::u16string_view kOpening = u"([{<";
-    constexpr std::u16string_view kSeparators = u",;.:=";
+    constexpr std::pair<std::u16string_view, std::u16string_view> kGroups[] = {
+        {u")]}>", u"]}>"}, {u"([{<", u"[{"}, {u",;.:=", u",:"}};
     const char16_t unit = text.line[at];
-    for (const auto& [group, replacements] :
-         {std::pair(kClosing, u"]}>"sv), std::pair(kOpening, u"[{"sv),
-          std::pair(kSeparators, u",:"sv)}) {
+    for (const auto& [group, replacements] : kGroups) {
       if (group.find(unit) == group.npos) continue;
       for (std::size_t i = 0; i < replacements.size(); ++i) {
         if (replacements[i] != unit) attempt({at, 1, replacements.substr(i, 1)});
@@ -69,59 +93,88 @@ class RepairSearch {
     }
   }
 
+  bool isPunctuation(std::uint64_t position) const {
+    return u"<@>[]{}(),:#\"-"sv.find(text.line[position]) != std::u16string_view::npos;
+  }
+
   /// Tries to remove a character that is written twice, and a comma after the last member.
   void tryRemovals(std::uint64_t at, std::uint64_t afterWord) {
-    const auto isPunctuation = [this](std::uint64_t position) {
-      return u"<@>[]{}(),:#\"-"sv.find(text.line[position]) != std::u16string_view::npos;
-    };
-    if (at < text.end && at > text.begin && isPunctuation(at) &&
-        text.line[at] == text.line[at - 1]) {
-      attempt({at, 1, u""});
-    }
+    const bool isTwice = at < text.end && at > text.begin && text.line[at] == text.line[at - 1];
+    if (isTwice && isPunctuation(at)) attempt({at, 1, u""});
     if (afterWord > text.begin && text.line[afterWord - 1] == u',')
       attempt({afterWord - 1, 1, u""});
+  }
+
+  /// Tries to swap two neighbours, of which one must be punctuation.
+  void trySwap(std::uint64_t first) {
+    if (first + 2 > text.end) return;
+    const int count = (isPunctuation(first) ? 1 : 0) + (isPunctuation(first + 1) ? 1 : 0);
+    if (count == 0 || (count == 1 && !text.mayMoveNames)) return;
+    const std::u16string swapped{text.line[first + 1], text.line[first]};
+    attempt({first, 2, swapped});
   }
 
   const DamagedText& text;
 };
 
-std::string describe(const DamagedText& text, const Replacement& replacement) {
-  const std::u16string_view removed = text.line.substr(replacement.begin, replacement.length);
-  if (removed.empty()) return "insert " + quoted(replacement.text);
-  if (replacement.text.empty()) return "remove " + quoted(removed);
-  return "replace " + quoted(removed) + " by " + quoted(replacement.text);
+/// Returns the position in `next` after blanks, the comment leader of `text`, and blanks.
+std::size_t skipLeader(const DamagedText& text, std::u16string_view next) {
+  constexpr std::u16string_view kLeaderUnits = u"#%;!/-*";
+  std::size_t at = std::min(next.find_first_not_of(u" \t"), next.size());
+  const char16_t leader = text.line[text.begin];
+  if (kLeaderUnits.find(leader) != kLeaderUnits.npos) {
+    at = std::min(next.find_first_not_of(leader, at), next.size());
+  }
+  return std::min(next.find_first_not_of(u" \t", at), next.size());
+}
+
+/// Returns the repair that removes the line break and the first `skipped` units of the next line,
+/// and puts `between` there.
+std::optional<Repair> joinAt(const DamagedText& text, std::size_t skipped,
+                             std::u16string_view between) {
+  std::u16string joined(text.line.substr(text.begin));
+  joined += between;
+  joined += text.nextLine->substr(skipped);
+  if (!isWhole(joined, false)) return std::nullopt;
+  Repair repair;
+  repair.fix.description = "join this line and the next one";
+  repair.fix.edits.push_back({{{text.lineNumber, text.line.size()}, {text.lineNumber + 1, skipped}},
+                              fl::i18n::ustring_to_utf8(between)});
+  repair.text = std::move(joined);
+  return repair;
 }
 
 }  // namespace
 
-bool isRepairedBy(const DamagedText& text, const Replacement& replacement) {
-  std::u16string patched(text.line.substr(text.begin, text.end - text.begin));
-  patched.replace(replacement.begin - text.begin, replacement.length, replacement.text);
-  const auto candidates = quenlith::syntax::findMarkerCandidates(patched);
-  if (candidates.size() != 1 || candidates[0].problem != quenlith::syntax::MarkerProblem::kNone) {
-    return false;
-  }
-  const std::u16string_view rest =
-      std::u16string_view(patched).substr(candidates[0].problemPosition);
-  const bool isEnd = rest.find_first_not_of(u" \t") == rest.npos;
-  if (candidates[0].position != 0) return false;
-  return isEnd || (replacement.text != u">" && isBlank(rest.front()));
+std::optional<Repair> repairBy(const DamagedText& text, const Replacement& replacement) {
+  Repair repair;
+  repair.text = text.line.substr(text.begin, text.end - text.begin);
+  repair.text.replace(replacement.begin - text.begin, replacement.length, replacement.text);
+  if (!isWhole(repair.text, replacement.text != u">")) return std::nullopt;
+  repair.fix.description = describe(text, replacement);
+  repair.fix.edits.push_back({catalogue::spanOf(text.lineNumber, replacement.begin,
+                                                replacement.begin + replacement.length),
+                              fl::i18n::ustring_to_utf8(replacement.text)});
+  return repair;
 }
 
-Fix makeFix(const DamagedText& text, const Replacement& replacement) {
-  Fix fix;
-  fix.description = describe(text, replacement);
-  fix.edits.push_back({catalogue::spanOf(text.lineNumber, replacement.begin,
-                                         replacement.begin + replacement.length),
-                       fl::i18n::ustring_to_utf8(replacement.text)});
-  return fix;
-}
-
-std::optional<Fix> findRepair(const DamagedText& text) {
+std::optional<Repair> findRepair(const DamagedText& text) {
   RepairSearch search(text);
   search.run();
   if (search.found.size() != 1) return std::nullopt;
-  return makeFix(text, search.found.front());
+  return std::move(search.found.front());
+}
+
+std::optional<Repair> joinLines(const DamagedText& text) {
+  // Only the start of a long line is of interest, and a marker in it is not part of this one.
+  if (!text.nextLine || text.end != text.line.size() ||
+      text.nextLine->find(u"<@") != std::u16string_view::npos) {
+    return std::nullopt;
+  }
+  if (auto repair = joinAt(text, 0, u"")) return repair;
+  const std::size_t skipped = skipLeader(text, *text.nextLine);
+  if (auto repair = joinAt(text, skipped, u" ")) return repair;
+  return joinAt(text, skipped, u"");
 }
 
 }  // namespace tessera::check::suspects

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "tessera/check/catalogue/Diagnostic.hpp"
@@ -16,6 +17,10 @@ struct DamagedText {
   std::uint64_t begin = 0;
   std::uint64_t end = 0;
   std::uint64_t problem = 0;
+  /// The line after it, if there is one.
+  std::optional<std::u16string_view> nextLine;
+  /// A letter may be swapped with punctuation: that is certain in JSON, but not in an id.
+  bool mayMoveNames = false;
 };
 
 /// One replacement in a line.
@@ -25,16 +30,21 @@ struct Replacement {
   std::u16string_view text;
 };
 
-/// Returns whether `text` becomes a marker by `replacement`, with a blank or nothing after it. A
-/// ">" that is inserted must be the end of the text.
-bool isRepairedBy(const DamagedText& text, const Replacement& replacement);
+/// A fix, and the text that results from it, which begins with a marker.
+struct Repair {
+  catalogue::Fix fix;
+  std::u16string text;
+};
 
-/// Returns the fix that makes this replacement.
-catalogue::Fix makeFix(const DamagedText& text, const Replacement& replacement);
+/// Returns the repair that consists of `replacement`, if that makes `text` a marker with a blank or
+/// nothing after it. A ">" that is inserted must be the end of the text.
+std::optional<Repair> repairBy(const DamagedText& text, const Replacement& replacement);
 
-/// Returns a fix that changes one character of `text`, at the problem or just before it, if exactly
-/// one such change makes it a marker. The change is one of those that cannot alter a name or a
-/// number.
-std::optional<catalogue::Fix> findRepair(const DamagedText& text);
+/// Returns the repair that changes or swaps characters of `text`, at the problem or just before it,
+/// if exactly one such change makes it a marker.
+std::optional<Repair> findRepair(const DamagedText& text);
+
+/// Returns the repair that joins the line to the next one, if the marker was broken there.
+std::optional<Repair> joinLines(const DamagedText& text);
 
 }  // namespace tessera::check::suspects

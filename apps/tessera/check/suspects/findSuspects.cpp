@@ -22,12 +22,15 @@ std::uint64_t segmentEnd(std::span<const FoundMarker> found, std::size_t index) 
   return isLast ? here.lineText.size() : found[index + 1].parts.position;
 }
 
-void addSuspects(std::span<const FoundMarker> found, std::vector<Suspect>& suspects) {
+void addSuspects(const FileScan& scan, std::span<const FoundMarker> found,
+                 std::vector<Suspect>& suspects) {
   for (std::size_t i = 0; i < found.size(); ++i) {
     if (found[i].isMarker() || found[i].isOnEscapedLine || !isIntended(found[i])) continue;
     const FoundMarker* const before =
         i > 0 && found[i - 1].line == found[i].line ? &found[i - 1] : nullptr;
-    suspects.push_back(describeProblem(found[i], segmentEnd(found, i), before));
+    std::optional<std::u16string_view> nextLine;
+    if (found[i].line < scan.lines.count()) nextLine = scan.lines.line(found[i].line + 1);
+    suspects.push_back(describeProblem(found[i], segmentEnd(found, i), before, nextLine));
   }
 }
 
@@ -47,8 +50,8 @@ void explainBy(Suspect& suspect, catalogue::Diagnostic& diagnostic) {
 
 Suspects findSuspects(const FileScan& scan) {
   Suspects suspects;
-  addSuspects(scan.code, suspects.code);
-  addSuspects(scan.appendix, suspects.appendix);
+  addSuspects(scan, scan.code, suspects.code);
+  addSuspects(scan, scan.appendix, suspects.appendix);
   for (std::uint64_t number = 1; number <= scan.lines.count(); ++number) {
     if (number == scan.appendixLine) continue;
     const bool isCode = scan.appendixLine == 0 || number < scan.appendixLine;

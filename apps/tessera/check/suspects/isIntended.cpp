@@ -39,6 +39,14 @@ bool isUnknownElementIntended(const FoundMarker& found) {
   const bool isWhole = parts.bodyEnd.has_value();
   // A whole marker of another element is one of a host that knows more elements, or a mistake.
   if (isWhole && (!parts.range.empty() || !parts.id.empty())) return true;
+  const std::u16string_view written = writtenElement(found);
+  const std::uint64_t after = found.positionOf(written) + written.size();
+  const std::u16string_view rest = found.lineText.substr(after);
+  const bool isAtEnd = rest.find_first_not_of(u" \t") == rest.npos;
+  if (isAtEnd && isStartOfElement(written)) return true;
+  if (written != parts.element) {
+    return !similarElement(written).empty() && (rest.starts_with(u'#') || rest.starts_with(u':'));
+  }
   if (similarElement(parts.element).empty() && elementAtStart(parts.element).empty()) return false;
   if (hasParts(found)) return true;
   // "<@test>" may be anything; "<@taks>" and "<@tasks>" may not.
@@ -52,11 +60,17 @@ bool isElementMissing(const FoundMarker& found) {
   const std::uint64_t begin = found.parts.opening + 2;
   const std::u16string_view line = found.lineText;
   const std::uint64_t next = std::min(line.find_first_not_of(u" \t", begin), line.size());
+  if (next == line.size()) return true;
+  const std::u16string_view written = writtenElement(found);
+  const std::uint64_t after = begin + written.size();
+  const bool hasPart = after < line.size() && (line[after] == u'#' || line[after] == u':');
+  if (hasPart && !similarElement(written).empty()) return true;
   std::u16string_view rest = line.substr(next);
   if (next != begin && rest.starts_with(u"appendix>")) return true;
   rest = rest.substr(0, rest.find(u"<@"));
   std::u16string repaired(line.substr(found.parts.position, begin - found.parts.position));
-  if (next == begin) repaired += kElements.front();
+  if (next == begin && !rest.starts_with(u'@')) repaired += kElements.front();
+  if (rest.starts_with(u'@')) rest.remove_prefix(1);
   repaired += rest;
   const auto candidates = quenlith::syntax::findMarkerCandidates(repaired);
   if (candidates.empty() || candidates.front().problem != MarkerProblem::kNone) return false;
@@ -92,6 +106,21 @@ std::u16string_view elementAtStart(std::u16string_view written) {
     return element != u"appendix" && written.size() > element.size() &&
            written.starts_with(element);
   });
+  return found == kElements.end() ? std::u16string_view() : *found;
+}
+
+std::u16string_view writtenElement(const FoundMarker& found) {
+  const std::u16string_view rest = found.lineText.substr(found.parts.opening + 2);
+  return rest.substr(0, std::min(rest.find_first_of(u":#[{> \t"), rest.size()));
+}
+
+bool isStartOfElement(std::u16string_view written) {
+  return !elementStartingWith(written).empty() && !isKnown(written);
+}
+
+std::u16string_view elementStartingWith(std::u16string_view written) {
+  const auto found = std::ranges::find_if(
+      kElements, [written](std::u16string_view element) { return element.starts_with(written); });
   return found == kElements.end() ? std::u16string_view() : *found;
 }
 

@@ -14,6 +14,17 @@ std::u16string_view similarElement(std::u16string_view written);
 /// after it, as in "taskfit"; empty if there is none.
 std::u16string_view elementAtStart(std::u16string_view written);
 
+/// Returns what is written in place of the element: the text from "<@" to a blank or a character
+/// that begins another part.
+std::u16string_view writtenElement(const scan::FoundMarker& found);
+
+/// Returns whether an element begins with `written`, and is longer. An empty text is the start of
+/// any.
+bool isStartOfElement(std::u16string_view written);
+
+/// Returns the first element that begins with `written`; empty if there is none.
+std::u16string_view elementStartingWith(std::u16string_view written);
+
 /// Returns whether the author certainly meant the text, which is not a marker, as one.
 ///
 /// Ordinary code contains "<@" too. So a comment leader and an element that is known or resembles

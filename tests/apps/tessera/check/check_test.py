@@ -177,15 +177,24 @@ class Fix(CheckTest):
         self.assertEqual(os.listdir(self.folder), ["f"])
 
     def test_what_is_left_decides_the_status(self):
-        name = self.write("f", b"# <@task#a\n# <@task#b>\n")
+        name = self.write("f", b"# <@text:ancor#a>\n# <@task#b>\n")
         done = self.fix(name)
-        self.assertEqual(self.read(name), b"# <@task#a>\n# <@task#b>\n")
-        self.assertEqual((done.stdout.count(b"failure:"), done.returncode), (2, 1))
+        self.assertEqual(self.read(name), b"# <@text:anchor#a>\n# <@task#b>\n")
+        self.assertEqual((done.stdout.count(b"failure:"), done.stdout.count(b"warning:"), done.returncode), (1, 0, 1))
+
+    def test_a_fix_that_the_file_does_not_confirm_is_not_made(self):
+        """A task marker must get a partner, an entry its marker; an anchor that is cut off must have an id."""
+        for text in (b"# <@task#a\n", b"# <@Task#a>\nx\n# <@task#bc>\n", b"# <@appendix>\n# <@task#a {}\n",
+                     b"# <@text:anchor\n", b"x  # <@output#a\n", b"# <@text:anchor#a results\n"):
+            name = self.write("f", text)
+            self.fix(name)
+            self.assertEqual(self.read(name), text)
 
     def test_fixes_that_touch_are_made_one_after_the_other(self):
-        name = self.write("f", b'# <@appendix>\n# <@task#a {"txt":1,"collapsd":true}\n')
+        code = b"# <@task#a>\nx\n# <@task#a>\n# <@appendix>\n"
+        name = self.write("f", code + b'# <@task#a {"txt":1,"collapsd":true}\n')
         self.fix(name)
-        self.assertEqual(self.read(name), b'# <@appendix>\n# <@task#a {"text":"1","collapsed":"true"}>\n')
+        self.assertEqual(self.read(name), code + b'# <@task#a {"text":"1","collapsed":"true"}>\n')
 
     def write_sources(self, folder, change):
         """Writes all golden sources, changed, to a folder of its own."""

@@ -1,0 +1,36 @@
+#include "tessera/check/rules/followingText.hpp"
+
+#include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/markerText.hpp"
+
+namespace tessera::check::rules {
+
+using namespace scan;
+
+namespace {
+
+bool isWordUnit(char16_t unit) {
+  const auto lower = static_cast<char16_t>(unit | 0x20U);
+  return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z');
+}
+
+}  // namespace
+
+void checkFollowingText(const FileScan& scan, Findings& findings) {
+  for (const FoundMarker& marker : scan.code) {
+    const bool isLineComment =
+        marker.isMarker() && marker.parts.comment == quenlith::syntax::CommentForm::kLine;
+    if (!isLineComment || marker.isOnEscapedLine || marker.end() == marker.lineText.size())
+      continue;
+    const std::uint64_t at = marker.end();
+    const char16_t unit = marker.lineText[at];
+    if (unit != u'>' && !isWordUnit(unit)) continue;
+    auto diagnostic = catalogue::makeDiagnostic(catalogue::DiagnosticKind::kTextAfterMarker, 0,
+                                                marker.spanOf(at, at + 1),
+                                                {quoted(marker.lineText.substr(at, 1))});
+    if (unit == u'>') diagnostic.fix = {"remove \">\"", {{marker.spanOf(at, at + 1), ""}}};
+    findings.diagnostics.push_back(std::move(diagnostic));
+  }
+}
+
+}  // namespace tessera::check::rules
