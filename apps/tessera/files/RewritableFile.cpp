@@ -1,8 +1,8 @@
 #include "tessera/files/RewritableFile.hpp"
 
 #include <fcntl.h>
-#include <stdlib.h>
 #include <unistd.h>
+#include <cstdlib>
 
 #include <cerrno>
 #include <cstdio>
