@@ -2,10 +2,10 @@
 
 #include <fcntl.h>
 #include <unistd.h>
-#include <cstdlib>
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
