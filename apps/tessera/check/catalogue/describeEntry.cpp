@@ -28,6 +28,18 @@ void appendWrapped(std::string& output, std::string_view text, std::size_t colum
   output += '\n';
 }
 
+/// Appends the paragraphs of `text`, which empty lines separate, each wrapped.
+void appendParagraphs(std::string& output, std::string_view text, std::size_t columns) {
+  constexpr std::string_view kSeparator = "\n\n";
+  for (;;) {
+    const std::size_t length = text.find(kSeparator);
+    appendWrapped(output, text.substr(0, length), columns);
+    if (length == text.npos) return;
+    output += '\n';
+    text.remove_prefix(length + kSeparator.size());
+  }
+}
+
 void appendIndented(std::string& output, std::string_view lines) {
   while (!lines.empty()) {
     const std::size_t length = lines.find('\n');
@@ -43,7 +55,7 @@ void appendFenced(std::string& output, std::string_view lines) {
 }
 
 void appendMarkdown(std::string& output, const CatalogueEntry& entry) {
-  appendWrapped(output, entry.explanation, kMarkdownColumns);
+  appendParagraphs(output, entry.explanation, kMarkdownColumns);
   if (!entry.before.empty()) {
     output += "\nBefore:\n\n";
     appendFenced(output, entry.before);
@@ -65,7 +77,7 @@ std::string describeAsText(const CatalogueEntry& entry) {
   std::string text;
   text.append(entry.id).append(" (").append(nameOf(entry.severity)).append(")\n");
   text.append(entry.title).append("\n\n");
-  appendWrapped(text, entry.explanation, kColumns);
+  appendParagraphs(text, entry.explanation, kColumns);
   if (!entry.before.empty()) {
     text += "\nBefore:\n\n";
     appendIndented(text, entry.before);

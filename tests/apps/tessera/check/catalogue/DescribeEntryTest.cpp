@@ -48,6 +48,15 @@ TEST(DescribeEntry, WithoutExampleAndFixThereIsOnlyTheExplanation) {
   EXPECT_EQ(describeAsMarkdown(entry), "First words. Second words.\n");
 }
 
+TEST(DescribeEntry, ParagraphsStayApart) {
+  CatalogueEntry entry = kEntry;
+  entry.explanation = "First\nwords.\n\nMore words.";
+  entry.before = entry.after = entry.fix = "";
+  EXPECT_EQ(describeAsText(entry),
+            "an_id (warning)\nwhat is wrong\n\nFirst words.\n\nMore words.\n");
+  EXPECT_EQ(describeAsMarkdown(entry), "First words.\n\nMore words.\n");
+}
+
 TEST(DescribeEntry, LongRowsAreBrokenBetweenWords) {
   CatalogueEntry entry = kEntry;
   std::string words;
