@@ -103,7 +103,8 @@ enum MissingLeader : std::uint8_t {
   kLeaderTooShort,
   kLeaderOfOtherMarker,
   kLeaderNoBlank,
-  kLeaderStar
+  kLeaderStar,
+  kLeaderReplacedBlank
 };
 enum UnclosedComment : std::uint8_t { kCloserAbsent, kCloserOtherText };
 enum SplitCharacter : std::uint8_t { kSplitsPair, kSplitsCombined };

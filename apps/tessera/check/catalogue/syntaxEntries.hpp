@@ -141,7 +141,8 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
          {"there is no comment leader before this marker", "%1 is not a comment leader: use %2",
           "each marker of a line needs its own comment leader, also after another marker",
           "there must be a blank between %1 and the marker",
-          "%1 alone does not begin a comment: this marker needs a leader, such as \"#\" or \"//\""},
+          "%1 alone does not begin a comment: this marker needs a leader, such as \"#\" or \"//\"",
+          "only blanks may be between a comment leader and its marker, not %1"},
      .explanation = "A marker is a comment: directly before \"<@\", apart from blanks, there must "
                     "be \"#\", \"%\", \";\",\n"
                     "\"!\", \"//\", \"--\" or REM, or the start of a block comment. The \"*\" that "

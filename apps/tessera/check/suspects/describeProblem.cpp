@@ -97,11 +97,11 @@ class ProblemWriter {
       case MarkerProblem::kUnknownElement:
         return writeUnknownElement();
       case MarkerProblem::kMissingType:
-        return report(kMissingType, 0, atProblem(), {});
+        return reportRepairable(kMissingType, 0, {});
       case MarkerProblem::kMissingId:
-        return report(kInvalidId, kIdAbsent, atProblem(), {});
+        return reportRepairable(kInvalidId, kIdAbsent, {});
       case MarkerProblem::kBadQuotedId:
-        return report(kInvalidId, kIdNotJson, atProblem(), {quotedIdProblem()});
+        return reportRepairable(kInvalidId, kIdNotJson, {quotedIdProblem()});
       case MarkerProblem::kMissingBlankBeforeRange:
         return writeMissingBlank("range");
       case MarkerProblem::kMissingBlankBeforeData:
@@ -441,6 +441,10 @@ class ProblemWriter {
   }
 
   void writeNoLeader() {
+    if (hasReplacedBlank(found)) {
+      const std::u16string_view replaced = line.substr(parts.opening - 1, 1);
+      return report(kMissingLeader, kLeaderReplacedBlank, found.span(), {quoted(replaced)});
+    }
     if (parts.opening == 0 || line[parts.opening - 1] != u'<') {
       return report(kMissingLeader, kLeaderAbsent, found.span(), {});
     }

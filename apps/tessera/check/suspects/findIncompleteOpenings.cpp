@@ -147,6 +147,28 @@ class OpeningSearch {
 
 }  // namespace
 
+void findBrokenOpening(std::uint64_t lineNumber, std::u16string_view line,
+                       std::u16string_view nextLine, std::vector<Suspect>& suspects) {
+  if (!line.ends_with(u'<') || !nextLine.starts_with(u'@') || !startsBody(nextLine.substr(1)))
+    return;
+  DamagedText text{lineNumber, line, 0, line.size(), line.size(), nextLine, false};
+  text.begin = line.substr(0, line.size() - 1).find_last_not_of(u"#%;!/-*({ \t") + 1;
+  text.begin = std::min<std::uint64_t>(line.find_first_not_of(u" \t", text.begin), line.size() - 1);
+  auto repair = joinLines(text);
+  if (!repair) return;
+  Suspect suspect;
+  suspect.diagnostic = catalogue::makeDiagnostic(
+      catalogue::DiagnosticKind::kUnclosedMarker, catalogue::forms::kEndCutOff,
+      catalogue::spanOf(lineNumber, line.size() - 1, line.size()), {"\"<\""});
+  const auto candidates = quenlith::syntax::findMarkerCandidates(repair->text);
+  suspect.element = candidates.front().element;
+  suspect.ids.push_back(makeFoundMarker(candidates.front(), lineNumber, repair->text).id);
+  suspect.isCutOff = true;
+  suspect.diagnostic.fix = std::move(repair->fix);
+  suspect.repaired = std::move(repair->text);
+  suspects.push_back(std::move(suspect));
+}
+
 void findIncompleteOpenings(std::uint64_t lineNumber, std::u16string_view line,
                             std::vector<Suspect>& suspects) {
   OpeningSearch(lineNumber, line, suspects).run();

@@ -8,6 +8,11 @@
 
 namespace tessera::check::suspects {
 
+/// Adds the text at the end of a line that is a marker if its "<" and the "@" at the start of the
+/// next line are joined.
+void findBrokenOpening(std::uint64_t lineNumber, std::u16string_view line,
+                       std::u16string_view nextLine, std::vector<Suspect>& suspects);
+
 /// Adds the texts of a line that would be markers with an id if one character of "<@" were not
 /// missing.
 void findIncompleteOpenings(std::uint64_t lineNumber, std::u16string_view line,

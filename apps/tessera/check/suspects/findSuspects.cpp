@@ -55,8 +55,11 @@ Suspects findSuspects(const FileScan& scan) {
   for (std::uint64_t number = 1; number <= scan.lines.count(); ++number) {
     if (number == scan.appendixLine) continue;
     const bool isCode = scan.appendixLine == 0 || number < scan.appendixLine;
-    findIncompleteOpenings(number, scan.lines.line(number),
-                           isCode ? suspects.code : suspects.appendix);
+    std::vector<Suspect>& found = isCode ? suspects.code : suspects.appendix;
+    const std::u16string_view line = scan.lines.line(number);
+    findIncompleteOpenings(number, line, found);
+    if (number < scan.lines.count())
+      findBrokenOpening(number, line, scan.lines.line(number + 1), found);
   }
   sortByPlace(suspects.code);
   sortByPlace(suspects.appendix);

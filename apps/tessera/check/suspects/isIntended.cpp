@@ -89,6 +89,7 @@ bool isLeaderMissing(const FoundMarker& found) {
   }
   if (parts.followsMarker) return true;
   if (!hasParts(found)) return false;
+  if (hasReplacedBlank(found)) return true;
   const char16_t before = parts.opening == 0 ? u' ' : found.lineText[parts.opening - 1];
   return before == u' ' || before == u'\t' || before == u'<';
 }
@@ -111,7 +112,27 @@ std::u16string_view elementAtStart(std::u16string_view written) {
 
 std::u16string_view writtenElement(const FoundMarker& found) {
   const std::u16string_view rest = found.lineText.substr(found.parts.opening + 2);
+  const auto broken = std::ranges::find_if(kElements, [rest](std::u16string_view element) {
+    if (rest.size() <= element.size() || !differsInOneUnit(rest.substr(0, element.size()), element))
+      return false;
+    return rest[element.size()] == u':' || rest[element.size()] == u'#';
+  });
+  if (broken != kElements.end()) return rest.substr(0, broken->size());
   return rest.substr(0, std::min(rest.find_first_of(u":#[{> \t"), rest.size()));
+}
+
+bool hasReplacedBlank(const FoundMarker& found) {
+  const std::uint64_t opening = found.parts.opening;
+  if (opening < 2 || found.lineText[opening - 1] == u'<') return false;
+  // The longest leader of interest; a longer run of characters ends with one.
+  const std::uint64_t begin = opening - std::min<std::uint64_t>(opening, 5);
+  std::u16string repaired(found.lineText.substr(begin, opening - begin));
+  repaired.back() = u' ';
+  const char16_t before = repaired[repaired.size() - 2];
+  if (before == u' ' || before == u'\t') return false;
+  repaired += u"<@task>";
+  const auto candidates = quenlith::syntax::findMarkerCandidates(repaired);
+  return candidates.size() == 1 && candidates.front().problem == MarkerProblem::kNone;
 }
 
 bool isStartOfElement(std::u16string_view written) {

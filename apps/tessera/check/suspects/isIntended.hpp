@@ -15,8 +15,13 @@ std::u16string_view similarElement(std::u16string_view written);
 std::u16string_view elementAtStart(std::u16string_view written);
 
 /// Returns what is written in place of the element: the text from "<@" to a blank or a character
-/// that begins another part.
+/// that begins another part. If such a character replaced one of the element, returns as much as
+/// the element has.
 std::u16string_view writtenElement(const scan::FoundMarker& found);
+
+/// Returns whether the text has a leader but for the character directly before its "<@", as in
+/// "#x<@task#a>".
+bool hasReplacedBlank(const scan::FoundMarker& found);
 
 /// Returns whether an element begins with `written`, and is longer. An empty text is the start of
 /// any.
