@@ -64,6 +64,7 @@ CheckedFile checkFile(std::string path, session::ParsedFile file,
   rules::Findings findings;
   findings.suspects = suspects::findSuspects(scan);
   const scan::TaskWalk walk(scan);
+  rules::checkFollowingText(scan, findings);
   rules::dropUncertainFixes(scan, walk, findings);
   rules::explainTaskFailures(scan, walk, failures.tasks, findings);
   rules::checkTasks(scan, walk, findings);
@@ -71,7 +72,6 @@ CheckedFile checkFile(std::string path, session::ParsedFile file,
   rules::reportOtherFailures(scan, failures.others, findings);
   rules::checkAnchors(scan, walk, findings);
   rules::checkHandling(scan, isAccepted, findings);
-  rules::checkFollowingText(scan, findings);
   rules::checkStrings(scan, checked.path, findings);
   rules::checkAppendix(scan, walk, findings);
   addSuspects(findings.suspects.code, findings.diagnostics);

@@ -1,5 +1,9 @@
 #include "tessera/check/rules/followingText.hpp"
 
+#include <algorithm>
+#include <string>
+#include <utility>
+
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/scan/markerText.hpp"
 
@@ -14,6 +18,11 @@ bool isWordUnit(char16_t unit) {
   return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z');
 }
 
+std::u16string wordAt(std::u16string_view text) {
+  const auto end = std::ranges::find_if_not(text, isWordUnit);
+  return std::u16string(text.begin(), end);
+}
+
 }  // namespace
 
 void checkFollowingText(const FileScan& scan, Findings& findings) {
@@ -25,11 +34,18 @@ void checkFollowingText(const FileScan& scan, Findings& findings) {
     const std::uint64_t at = marker.end();
     const char16_t unit = marker.lineText[at];
     if (unit != u'>' && !isWordUnit(unit)) continue;
-    auto diagnostic = catalogue::makeDiagnostic(catalogue::DiagnosticKind::kTextAfterMarker, 0,
-                                                marker.spanOf(at, at + 1),
-                                                {quoted(marker.lineText.substr(at, 1))});
-    if (unit == u'>') diagnostic.fix = {"remove \">\"", {{marker.spanOf(at, at + 1), ""}}};
-    findings.diagnostics.push_back(std::move(diagnostic));
+    suspects::Suspect suspect;
+    suspect.diagnostic = catalogue::makeDiagnostic(catalogue::DiagnosticKind::kTextAfterMarker, 0,
+                                                   marker.spanOf(at, at + 1),
+                                                   {quoted(marker.lineText.substr(at, 1))});
+    suspect.element = marker.parts.element;
+    suspect.takenId = marker.id;
+    if (unit == u'>') {
+      suspect.diagnostic.fix = {"remove \">\"", {{marker.spanOf(at, at + 1), ""}}};
+    } else {
+      suspect.ids.push_back(marker.id + wordAt(marker.lineText.substr(at)));
+    }
+    findings.suspects.code.push_back(std::move(suspect));
   }
 }
 

@@ -5,7 +5,8 @@
 
 namespace tessera::check::rules {
 
-/// Reports markers in line comments that are directly followed by a word or by a second ">".
+/// Adds suspects for the markers in line comments that are directly followed by a word or by a
+/// second ">".
 void checkFollowingText(const scan::FileScan& scan, Findings& findings);
 
 }  // namespace tessera::check::rules

@@ -75,6 +75,7 @@ class TaskFailureRule {
       if (isPossible && groups[i].id.size() >= kMinSimilar) similarGroups.add(groups[i].id, i);
     }
     explainByAppendixLine();
+    explainByEarlyEnd();
     // A single marker may be the misspelt one of several with another id.
     for (Group& group : groups) {
       if (!group.isMerged && isSingle(group)) explainSingle(group);
@@ -108,6 +109,30 @@ class TaskFailureRule {
     }
   }
 
+  /// A marker whose ">" came too early has another id than its partner: neither of them is a pair.
+  void explainByEarlyEnd() {
+    std::unordered_map<std::u16string_view, std::size_t> singles;
+    SimilarNames similar;
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+      if (!isSingle(groups[i])) continue;
+      singles.emplace(groups[i].id, i);
+      if (groups[i].id.size() >= kMinSimilar) similar.add(groups[i].id, i);
+    }
+    for (Suspect& suspect : findings.suspects.code) {
+      if (!suspect.takenId || suspect.ids.empty() || suspect.element != u"task") continue;
+      const auto taken = singles.find(*suspect.takenId);
+      const auto same = singles.find(suspect.ids.front());
+      const std::optional<std::size_t> meant =
+          same == singles.end() ? similar.find(suspect.ids.front()) : std::optional(same->second);
+      if (taken == singles.end() || !meant || groups[*meant].isMerged || *meant == taken->second)
+        continue;
+      groups[*meant].isMerged = true;
+      groups[taken->second].isMerged = true;
+      findings.brokenTasks.insert(*suspect.takenId);
+      explainBy(suspect, reportMissing(groups[*meant], kPairDamaged));
+    }
+  }
+
   static bool isSingle(const Group& group) {
     return !group.isOverlap && group.markers != nullptr && group.markers->size() == 1;
   }
@@ -119,7 +144,7 @@ class TaskFailureRule {
   void indexSuspects() {
     auto& suspects = findings.suspects.code;
     for (std::size_t i = 0; i < suspects.size(); ++i) {
-      if (suspects[i].element != u"task") continue;
+      if (suspects[i].element != u"task" || suspects[i].takenId) continue;
       if (suspects[i].isCutOff && cutOff.size() < kMaxCutOff) cutOff.push_back(i);
       for (const std::u16string& id : suspects[i].ids) {
         suspectsById[id].push_back(i);

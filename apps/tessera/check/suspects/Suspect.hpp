@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,8 @@ struct Suspect {
   std::u16string element;
   /// The ids that the author may have meant.
   std::vector<std::u16string> ids;
+  /// The id under which the text is a marker already, but not the one that was meant.
+  std::optional<std::u16string> takenId;
   /// The text that the fix makes of it, which begins with a marker; empty if it has no fix.
   std::u16string repaired;
   /// The line ends inside the marker.

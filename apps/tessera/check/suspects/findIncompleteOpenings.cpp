@@ -152,8 +152,12 @@ void findBrokenOpening(std::uint64_t lineNumber, std::u16string_view line,
   if (!line.ends_with(u'<') || !nextLine.starts_with(u'@') || !startsBody(nextLine.substr(1)))
     return;
   DamagedText text{lineNumber, line, 0, line.size(), line.size(), nextLine, false};
-  text.begin = line.substr(0, line.size() - 1).find_last_not_of(u"#%;!/-*({ \t") + 1;
-  text.begin = std::min<std::uint64_t>(line.find_first_not_of(u" \t", text.begin), line.size() - 1);
+  text.begin = findCommentStart(line, 0, line.size() - 1);
+  std::u16string joined(line.substr(text.begin));
+  joined += nextLine;
+  const auto leading = quenlith::syntax::findMarkerCandidates(joined);
+  if (leading.empty()) return;
+  text.begin += leading.front().position;
   auto repair = joinLines(text);
   if (!repair) return;
   Suspect suspect;

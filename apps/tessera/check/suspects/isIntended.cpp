@@ -132,7 +132,9 @@ bool hasReplacedBlank(const FoundMarker& found) {
   if (before == u' ' || before == u'\t') return false;
   repaired += u"<@task>";
   const auto candidates = quenlith::syntax::findMarkerCandidates(repaired);
-  return candidates.size() == 1 && candidates.front().problem == MarkerProblem::kNone;
+  if (candidates.size() != 1) return false;
+  const MarkerProblem problem = candidates.front().problem;
+  return problem == MarkerProblem::kNone || problem == MarkerProblem::kMissingCloser;
 }
 
 bool isStartOfElement(std::u16string_view written) {
