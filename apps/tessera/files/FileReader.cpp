@@ -12,7 +12,7 @@
 namespace tessera::files {
 namespace {
 
-const char* remedyFor(int error) {
+const char* remedyForReading(int error) {
   switch (error) {
     case ENOENT:
     case ENOTDIR:
@@ -65,7 +65,7 @@ void FileReader::fail(const char* what, int error) const {
       {.file = name,
        .place = {},
        .what = std::string(what) + ": " + std::generic_category().message(error),
-       .remedy = remedyFor(error)});
+       .remedy = remedyForReading(error)});
 }
 
 }  // namespace tessera::files

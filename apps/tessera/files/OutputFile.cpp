@@ -13,7 +13,7 @@
 namespace tessera::files {
 namespace {
 
-const char* remedyFor(int error) {
+const char* remedyForWriting(int error) {
   switch (error) {
     case ENOENT:
     case ENOTDIR:
@@ -66,7 +66,7 @@ void OutputFile::fail(const char* what) const {
       {.file = name,
        .place = {},
        .what = std::string(what) + ": " + std::generic_category().message(error),
-       .remedy = remedyFor(error)});
+       .remedy = remedyForWriting(error)});
 }
 
 }  // namespace tessera::files

@@ -10,7 +10,7 @@
 namespace tessera::formats {
 namespace {
 
-constexpr std::string_view kKey = "lines";
+constexpr std::string_view kLinesKey = "lines";
 
 void writeNumber(foundation::json::Writer& target, std::uint64_t number) {
   target.beginObject();
@@ -33,7 +33,7 @@ void LineJson::writeMember(const FileResult& result) {
   // Outcomes of this document may have the addresses of an earlier document's outcomes.
   pattern.outcome = nullptr;
   previous = nullptr;
-  json.key(kKey);
+  json.key(kLinesKey);
   json.beginArray();
   session::LineTable::Cursor cursor(result.parsed.lines);
   while (cursor.advance()) {
@@ -70,7 +70,7 @@ void LineJson::makePattern(const Line& line, const FileResult& result) {
   std::string text;
   foundation::json::Writer writer(text, form);
   writer.beginObject();
-  writer.key(kKey);
+  writer.key(kLinesKey);
   writer.beginArray();
   // An element before this one, so that the writer puts a comma between them.
   writer.null();

@@ -16,7 +16,7 @@ using namespace document::kdzero;
 
 namespace {
 
-constexpr std::string_view kKey = "nodes";
+constexpr std::string_view kNodesKey = "nodes";
 
 /// Returns the JSON of a plain line whose text is `text`, as it follows another node in the member.
 std::string renderPlainLine(foundation::json::Form form, std::u16string_view text) {
@@ -28,7 +28,7 @@ std::string renderPlainLine(foundation::json::Form form, std::u16string_view tex
   std::string rendered;
   foundation::json::Writer writer(rendered, form);
   writer.beginObject();
-  writer.key(kKey);
+  writer.key(kNodesKey);
   writer.beginArray();
   // In place of the previous node, so that the writer puts a comma before this one.
   writer.null();
@@ -50,7 +50,7 @@ NodeJson::NodeJson(files::OutputFile& output, foundation::json::Writer& json,
 }
 
 void NodeJson::writeMember(const kd::zero::ElementSequence<Node>& nodes) {
-  json.key(kKey);
+  json.key(kNodesKey);
   json.beginArray();
   for (const Node& node : nodes) {
     if (&node != nodes.begin() && isPlainLine(node)) {

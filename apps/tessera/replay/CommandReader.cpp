@@ -31,10 +31,6 @@ const std::vector<OperationRow>& operations() {
   return kRows;
 }
 
-std::string quoted(std::u16string_view text) {
-  return diagnostics::quotedText(text);
-}
-
 }  // namespace
 
 Command CommandReader::read() {
@@ -73,7 +69,7 @@ void CommandReader::readMember(const Key& key, Command& command) {
   } else if (key.name == u"view") {
     command.view = readText();
   } else {
-    fail(key.position, "unknown key " + quoted(key.name));
+    fail(key.position, "unknown key " + diagnostics::quotedText(key.name));
   }
 }
 
@@ -90,7 +86,7 @@ void CommandReader::readSnippet(CommandSnippet& snippet) {
     } else if (key.name == u"auxiliaryText") {
       snippet.auxiliaryText = readText();
     } else {
-      fail(key.position, "unknown key " + quoted(key.name));
+      fail(key.position, "unknown key " + diagnostics::quotedText(key.name));
     }
   }
   std::erase_if(keys, [](const Key& key) { return key.name == u"auxiliaryText"; });
@@ -118,7 +114,7 @@ void CommandReader::readEntries(std::vector<quenlith::syntax::Marker>& entries) 
     // The constructor also takes the bare name of an element, which is not the text of a marker.
     const std::u16string_view element = entries.back().elementView();
     if (element.empty() || element == json.text()) {
-      fail(json.begin(), "the entry " + quoted(json.text()) + " is no marker");
+      fail(json.begin(), "the entry " + diagnostics::quotedText(json.text()) + " is no marker");
     }
   }
   if (token != Token::kEndArray) fail(json.begin(), "an entry must be a string");
@@ -127,7 +123,8 @@ void CommandReader::readEntries(std::vector<quenlith::syntax::Marker>& entries) 
 Operation CommandReader::readOperation() {
   const fl::i18n::ustring name = readText();
   const auto row = std::ranges::find(operations(), std::u16string_view(name), &OperationRow::name);
-  if (row == operations().end()) fail(json.begin(), "unknown operation " + quoted(name));
+  if (row == operations().end())
+    fail(json.begin(), "unknown operation " + diagnostics::quotedText(name));
   return row->operation;
 }
 
@@ -136,7 +133,7 @@ bool CommandReader::nextKey(std::vector<Key>& keys) {
   if (next() == Token::kEndObject) return false;
   Key key{std::u16string(json.text()), json.begin()};
   if (std::ranges::find(keys, key.name, &Key::name) != keys.end()) {
-    fail(key.position, "the key " + quoted(key.name) + " stands twice");
+    fail(key.position, "the key " + diagnostics::quotedText(key.name) + " stands twice");
   }
   keys.push_back(std::move(key));
   return true;
@@ -147,12 +144,12 @@ void CommandReader::requireKeys(const std::vector<Key>& keys,
                                 std::span<const std::u16string_view> required) const {
   for (const Key& key : keys) {
     if (std::ranges::find(required, std::u16string_view(key.name)) == required.end()) {
-      fail(key.position, "the key " + quoted(key.name) + " does not belong here");
+      fail(key.position, "the key " + diagnostics::quotedText(key.name) + " does not belong here");
     }
   }
   for (const std::u16string_view name : required) {
     if (std::ranges::find(keys, name, &Key::name) == keys.end()) {
-      fail(json.begin(), "the key " + quoted(name) + " is missing");
+      fail(json.begin(), "the key " + diagnostics::quotedText(name) + " is missing");
     }
   }
 }

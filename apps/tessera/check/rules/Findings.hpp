@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -8,6 +10,10 @@
 #include "tessera/check/suspects/findSuspects.hpp"
 
 namespace tessera::check::rules {
+
+/// The most notes of a diagnostic: where more places have one cause, the message gives their
+/// number.
+constexpr std::size_t kMaxNotes = 8;
 
 /// What the rules have found in a file. A rule looks at what the rules before it found, so that one
 /// cause becomes one diagnostic.

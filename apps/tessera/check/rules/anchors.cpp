@@ -17,8 +17,6 @@ using namespace catalogue::forms;
 using catalogue::Diagnostic;
 using catalogue::DiagnosticKind;
 
-constexpr std::size_t kMaxNotes = 8;
-
 class AnchorRule {
  public:
   AnchorRule(const TaskWalk& walk, Findings& findings) : findings(findings) {

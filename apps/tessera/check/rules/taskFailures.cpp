@@ -20,9 +20,6 @@ using catalogue::DiagnosticKind;
 using suspects::Suspect;
 using Markers = std::vector<const FoundMarker*>;
 
-// Where more places have one cause, the message gives their number.
-constexpr std::size_t kMaxNotes = 8;
-
 // An id of one character resembles every other one.
 constexpr std::size_t kMinSimilar = 2;
 

@@ -15,8 +15,6 @@ using namespace catalogue::forms;
 using catalogue::Diagnostic;
 using catalogue::DiagnosticKind;
 
-constexpr std::size_t kMaxNotes = 8;
-
 bool isBlankText(std::u16string_view text) {
   return text.find_first_not_of(u" \t") == text.npos;
 }

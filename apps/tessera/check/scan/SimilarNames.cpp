@@ -6,7 +6,7 @@
 namespace tessera::check::scan {
 namespace {
 
-constexpr std::size_t kMaxUnits = 64;
+constexpr std::size_t kMaxNameUnits = 64;
 constexpr std::size_t kMaxPerKey = 4;
 
 std::u16string lowered(std::u16string_view name) {
@@ -59,7 +59,7 @@ bool areSimilar(std::u16string_view a, std::u16string_view b) {
   const std::u16string lowerA = lowered(a);
   const std::u16string lowerB = lowered(b);
   if (lowerA == lowerB) return true;
-  return lowerA.size() <= kMaxUnits && isOneEditApart(lowerA, lowerB);
+  return lowerA.size() <= kMaxNameUnits && isOneEditApart(lowerA, lowerB);
 }
 
 void SimilarNames::add(std::u16string_view name, std::size_t number) {
@@ -71,7 +71,7 @@ void SimilarNames::add(std::u16string_view name, std::size_t number) {
     if (!isThere && found.size() < kMaxPerKey) found.push_back(entry);
   };
   const std::u16string lower = lowered(name);
-  if (lower.size() > kMaxUnits) {
+  if (lower.size() > kMaxNameUnits) {
     insert(std::hash<std::u16string>()(lower));
   } else {
     forEachKey(lower, insert);
@@ -88,7 +88,7 @@ std::optional<std::size_t> SimilarNames::find(std::u16string_view name) const {
     }
   };
   const std::u16string lower = lowered(name);
-  if (lower.size() > kMaxUnits) {
+  if (lower.size() > kMaxNameUnits) {
     look(std::hash<std::u16string>()(lower));
   } else {
     forEachKey(lower, look);

@@ -6,7 +6,7 @@
 namespace tessera::check::scan {
 namespace {
 
-constexpr std::size_t kMaxUnits = 60;
+constexpr std::size_t kMaxQuotedUnits = 60;
 constexpr std::size_t kHeadUnits = 40;
 constexpr std::size_t kTailUnits = 15;
 
@@ -28,7 +28,7 @@ std::u16string_view tailOf(std::u16string_view text, std::size_t size) {
 
 std::string quoted(std::u16string_view text) {
   if (text == u"\"") return "'\"'";
-  if (text.size() <= kMaxUnits) return diagnostics::quotedText(text);
+  if (text.size() <= kMaxQuotedUnits) return diagnostics::quotedText(text);
   std::u16string shortened(headOf(text, kHeadUnits));
   shortened += u"...";
   shortened += tailOf(text, kTailUnits);

@@ -13,11 +13,11 @@ namespace {
 using quenlith::syntax::CommentForm;
 using quenlith::syntax::MarkerProblem;
 
-constexpr std::array<std::u16string_view, 5> kElements{u"control", u"output", u"task", u"text",
-                                                       u"appendix"};
+constexpr std::array<std::u16string_view, 5> kIntendedElements{u"control", u"output", u"task",
+                                                               u"text", u"appendix"};
 
 bool isKnown(std::u16string_view element) {
-  return std::ranges::find(kElements, element) != kElements.end();
+  return std::ranges::find(kIntendedElements, element) != kIntendedElements.end();
 }
 
 /// Returns whether something of a marker besides the element is there.
@@ -69,7 +69,7 @@ bool isElementMissing(const FoundMarker& found) {
   if (next != begin && rest.starts_with(u"appendix>")) return true;
   rest = rest.substr(0, rest.find(u"<@"));
   std::u16string repaired(line.substr(found.parts.position, begin - found.parts.position));
-  if (next == begin && !rest.starts_with(u'@')) repaired += kElements.front();
+  if (next == begin && !rest.starts_with(u'@')) repaired += kIntendedElements.front();
   if (rest.starts_with(u'@')) rest.remove_prefix(1);
   repaired += rest;
   const auto candidates = quenlith::syntax::findMarkerCandidates(repaired);
@@ -98,26 +98,28 @@ bool isLeaderMissing(const FoundMarker& found) {
 
 std::u16string_view similarElement(std::u16string_view written) {
   const auto found = std::ranges::find_if(
-      kElements, [written](std::u16string_view element) { return areSimilar(element, written); });
-  return found == kElements.end() ? std::u16string_view() : *found;
+      kIntendedElements,
+      [written](std::u16string_view element) { return areSimilar(element, written); });
+  return found == kIntendedElements.end() ? std::u16string_view() : *found;
 }
 
 std::u16string_view elementAtStart(std::u16string_view written) {
-  const auto found = std::ranges::find_if(kElements, [written](std::u16string_view element) {
-    return element != u"appendix" && written.size() > element.size() &&
-           written.starts_with(element);
-  });
-  return found == kElements.end() ? std::u16string_view() : *found;
+  const auto found =
+      std::ranges::find_if(kIntendedElements, [written](std::u16string_view element) {
+        return element != u"appendix" && written.size() > element.size() &&
+               written.starts_with(element);
+      });
+  return found == kIntendedElements.end() ? std::u16string_view() : *found;
 }
 
 std::u16string_view writtenElement(const FoundMarker& found) {
   const std::u16string_view rest = found.lineText.substr(found.parts.opening + 2);
-  const auto broken = std::ranges::find_if(kElements, [rest](std::u16string_view element) {
+  const auto broken = std::ranges::find_if(kIntendedElements, [rest](std::u16string_view element) {
     if (rest.size() <= element.size() || !differsInOneUnit(rest.substr(0, element.size()), element))
       return false;
     return rest[element.size()] == u':' || rest[element.size()] == u'#';
   });
-  if (broken != kElements.end()) return rest.substr(0, broken->size());
+  if (broken != kIntendedElements.end()) return rest.substr(0, broken->size());
   return rest.substr(0, std::min(rest.find_first_of(u":#[{> \t"), rest.size()));
 }
 
@@ -143,8 +145,9 @@ bool isStartOfElement(std::u16string_view written) {
 
 std::u16string_view elementStartingWith(std::u16string_view written) {
   const auto found = std::ranges::find_if(
-      kElements, [written](std::u16string_view element) { return element.starts_with(written); });
-  return found == kElements.end() ? std::u16string_view() : *found;
+      kIntendedElements,
+      [written](std::u16string_view element) { return element.starts_with(written); });
+  return found == kIntendedElements.end() ? std::u16string_view() : *found;
 }
 
 bool isIntended(const FoundMarker& found) {
