@@ -3,7 +3,7 @@
 # Links the sources of the libraries into the test program TARGET, compiled so that every basic block that
 # they run is counted (support/CountedWork.hpp). The libraries themselves must not be linked.
 function(quenlith_count_work target)
-  target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/CountedWork.cpp")
+  target_link_libraries(${target} PRIVATE test_counted_work)
   foreach(library IN LISTS ARGN)
     if(NOT TARGET counted_${library})
       quenlith_add_counted_library(${library} ${ARGN})

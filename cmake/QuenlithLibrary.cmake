@@ -57,17 +57,20 @@ function(quenlith_export_header target name)
   target_sources(${target} PUBLIC FILE_SET generated TYPE HEADERS BASE_DIRS "${root}" FILES "${header}")
 endfunction()
 
-# quenlith_add_test(NAME SOURCES ... [LINK ...])
+# quenlith_add_test(NAME [OPTIMIZED] SOURCES ... [LINK ...])
 #
 # Defines one GoogleTest program and one CTest test that runs it: discovering each case separately
-# takes longer than running them all.
+# takes longer than running them all. Without OPTIMIZED the program is hardly optimised, and neither are the
+# inline functions that it has in common with the libraries linked into it.
 function(quenlith_add_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "OPTIMIZED" "" "SOURCES;LINK")
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE quenlith_warnings ${arg_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
-  target_compile_options(${name} PRIVATE ${QUENLITH_TEST_OPTIONS})
-  quenlith_precompile(${name} TEST)
+  if(NOT arg_OPTIMIZED)
+    target_compile_options(${name} PRIVATE ${QUENLITH_TEST_OPTIONS})
+    quenlith_precompile(${name} TEST)
+  endif()
   add_test(NAME ${name} COMMAND ${name} "--gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${name}.xml")
 endfunction()
 
