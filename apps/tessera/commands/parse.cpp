@@ -71,7 +71,7 @@ int parseFiles(const ParseOptions& options, session::FileParser& parser,
       // The output of earlier files comes before the message.
       standardOutput.flush();
       diagnostics::report(error.what());
-      status = kUnusable;
+      status = kInputsFailed;
     }
   }
   standardOutput.flush();

@@ -152,8 +152,13 @@ class Parse(ProgramTest):
         for name, message in cases.items():
             with self.subTest(name=name):
                 done = tessera("parse", "--format", "ndjson", name, good)
-                self.assertRefused(done, name + message, expected)
-                self.assertEqual(tessera("parse", "--format", "ndjson", good, name).stdout, expected)
+                self.assertRefused(done, name + message, expected, status=3)
+                done = tessera("parse", "--format", "ndjson", good, name)
+                self.assertEqual((done.stdout, done.returncode), (expected, 3))
+                for command in ("check", "markers"):
+                    alone = tessera(command, "--format", "json", good).stdout
+                    self.assertRefused(tessera(command, "--format", "json", name, good), name + message, alone,
+                                       status=3)
 
     def test_a_message_follows_the_output_of_the_files_before_it(self):
         good, bad = self.write("good", b"x\n"), str(self.folder / "none")
@@ -176,7 +181,7 @@ class Parse(ProgramTest):
         except PermissionError:
             self.skipTest("the user nobody cannot run the program")
         self.assertRefused(done, name + ": error: cannot be opened: Permission denied; "
-                           "ask for the right to read it, or name another file")
+                           "ask for the right to read it, or name another file", status=3)
 
     def test_output_that_cannot_be_written_is_an_error(self):
         with open("/dev/full", "wb") as full:
@@ -203,13 +208,14 @@ class Parse(ProgramTest):
             "name a file that can be written\n", 2))
         self.assertTrue(pathlib.Path(record).read_bytes().startswith(expected))
         shell[2] = '"$0" parse --record "$1" "$2" none 2>&-'
-        self.assertEqual(subprocess.run(shell, stdout=subprocess.DEVNULL, timeout=60).returncode, 2)
+        self.assertEqual(subprocess.run(shell, stdout=subprocess.DEVNULL, timeout=60).returncode, 3)
         self.assertEqual(pathlib.Path(record).read_bytes(), expected)
         done = subprocess.run(["sh", "-c", '"$0" parse - <&-', PROGRAM], capture_output=True, timeout=60)
-        self.assertRefused(done, "-: error: cannot be read: Bad file descriptor; name a file that can be read")
+        self.assertRefused(done, "-: error: cannot be read: Bad file descriptor; name a file that can be read",
+                           status=3)
 
     def test_folders_are_refused_and_devices_and_pipes_are_read(self):
-        for command, status in ("parse", 2), ("check", 3), ("replay", 2):
+        for command, status in ("parse", 3), ("check", 3), ("markers", 3), ("replay", 2):
             self.assertRefused(tessera(command, str(self.folder)), str(self.folder) +
                                ": error: cannot be read: Is a directory; name the files in it", status=status)
             self.assertRefused(tessera(command, ""),
