@@ -77,6 +77,7 @@ CheckedFile checkFile(std::string path, session::ParsedFile file,
   addSuspects(findings.suspects.code, findings.diagnostics);
   addSuspects(findings.suspects.appendix, findings.diagnostics);
   checked.diagnostics = std::move(findings.diagnostics);
+  for (Diagnostic& diagnostic : checked.diagnostics) scan.escaped.mapToFile(diagnostic);
   std::ranges::stable_sort(checked.diagnostics, {},
                            [](const Diagnostic& diagnostic) { return diagnostic.span.begin; });
   return checked;

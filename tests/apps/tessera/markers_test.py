@@ -33,12 +33,12 @@ def parsed(text, *options):
 
 def random_line(rng, number):
     """Returns a line with up to four markers with ids of their own, and code in between."""
-    line = rng.choice(["", "  ", "x = 12345", "y = f(\U0001F3C6, 'a')"])
+    line = rng.choice(["", "  ", "x = 12345", "y = f(\U0001F3C6, 'a')", "9 %%\\ 8"])
     for part in range(rng.randrange(5)):
         element = rng.choice(["output", "control:slider", "text:anchor", "text", "text:other", "output:type"])
         begin = rng.randrange(12)
         position = rng.choice(["", f" [{begin},{begin + rng.randrange(-1, 9)}]"])
-        line += f" # <@{element}#m{number}-{part}{position}>" + rng.choice(["", " tail"])
+        line += f" # <@{element}#m{number}-{part}{position}>" + rng.choice(["", " tail", " %%\\"])
     return line
 
 

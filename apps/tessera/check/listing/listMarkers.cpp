@@ -208,6 +208,7 @@ ListedFile listMarkers(std::string path, session::ParsedFile file,
   forEachLine(scan.code, [&](auto line) { code.addLine(line, listed.markers); });
   EntryFates entries(listed.markers);
   forEachLine(scan.appendix, [&](auto line) { entries.addLine(line, listed.markers); });
+  for (ListedMarker& marker : listed.markers) marker.span = scan.escaped.inFile(marker.span);
   return listed;
 }
 

@@ -29,7 +29,7 @@ void checkFollowingText(const FileScan& scan, Findings& findings) {
   for (const FoundMarker& marker : scan.code) {
     const bool isLineComment =
         marker.isMarker() && marker.parts.comment == quenlith::syntax::CommentForm::kLine;
-    if (!isLineComment || marker.isOnEscapedLine || marker.end() == marker.lineText.size())
+    if (!isLineComment || marker.isOnAmbiguousLine || marker.end() == marker.lineText.size())
       continue;
     const std::uint64_t at = marker.end();
     const char16_t unit = marker.lineText[at];

@@ -51,7 +51,7 @@ Diagnostic describeType(const FoundMarker& marker) {
 
 void checkHandling(const FileScan& scan, const IsAccepted& isAccepted, Findings& findings) {
   for (const FoundMarker& marker : scan.code) {
-    if (!marker.isMarker() || marker.isOnEscapedLine) continue;
+    if (!marker.isMarker() || marker.isOnAmbiguousLine) continue;
     const bool isControl = marker.parts.element == u"control";
     const bool isOtherText = marker.parts.element == u"text" && !marker.isAnchor();
     if (!isControl && !isOtherText) continue;

@@ -21,7 +21,7 @@ Span spanOf(const FileScan& scan, const RecordedFailure& failure) {
                         marker.id == failure.markerId;
     if (isSame) return marker.span();
   }
-  return catalogue::spanOf(failure.line, 0, scan.lines.line(failure.line).size());
+  return catalogue::spanOf(failure.line, 0, scan.line(failure.line).size());
 }
 
 }  // namespace

@@ -193,10 +193,10 @@ class LineCheck {
 
 void reportUnexplained(const FileScan& scan, const RecordedFailure& failure, Findings& findings) {
   const std::string id = failure.markerId.empty() ? "without an id" : quoted(failure.markerId);
-  findings.diagnostics.push_back(catalogue::makeDiagnostic(
-      DiagnosticKind::kInvalidPositionData, kRangeUnexplained,
-      catalogue::spanOf(failure.line, 0, scan.lines.line(failure.line).size()),
-      {plainText(failure.element), id}));
+  findings.diagnostics.push_back(
+      catalogue::makeDiagnostic(DiagnosticKind::kInvalidPositionData, kRangeUnexplained,
+                                catalogue::spanOf(failure.line, 0, scan.line(failure.line).size()),
+                                {plainText(failure.element), id}));
 }
 
 }  // namespace
@@ -214,11 +214,11 @@ void checkRanges(const FileScan& scan, std::span<const RecordedFailure> failures
       reportUnexplained(scan, *failure, findings);
     }
     LineCheck check({found, lineEnd}, isAccepted, findings);
-    const bool escaped = found->isOnEscapedLine;
+    const bool isAmbiguous = found->isOnAmbiguousLine;
     for (; failure != failures.end() && failure->line == number; ++failure) {
-      if (escaped || !check.explain(*failure)) reportUnexplained(scan, *failure, findings);
+      if (isAmbiguous || !check.explain(*failure)) reportUnexplained(scan, *failure, findings);
     }
-    if (!escaped) check.checkUsable();
+    if (!isAmbiguous) check.checkUsable();
     found = lineEnd;
   }
   for (; failure != failures.end(); ++failure) reportUnexplained(scan, *failure, findings);

@@ -14,8 +14,11 @@ void checkStrings(const FileScan& scan, std::string_view path, Findings& finding
   StringLexer lexer(code, *syntax);
   for (const FoundMarker& marker : scan.code) {
     if (!marker.isMarker()) continue;
-    const auto lineStart = static_cast<std::size_t>(marker.lineText.data() - code.data());
-    if (!lexer.isInString(lineStart + marker.parts.opening)) continue;
+    const auto lineStart =
+        static_cast<std::size_t>(scan.lines.line(marker.line).data() - code.data());
+    const auto opening =
+        scan.escaped.inFile(marker.spanOf(marker.parts.opening, marker.parts.opening));
+    if (!lexer.isInString(lineStart + opening.begin.unit)) continue;
     findings.diagnostics.push_back(catalogue::makeDiagnostic(
         catalogue::DiagnosticKind::kMarkerInString, 0, marker.span(), {}));
   }

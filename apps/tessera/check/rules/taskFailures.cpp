@@ -179,7 +179,7 @@ class TaskFailureRule {
     const FoundMarker* const marker = markerOf(group);
     const catalogue::Span span =
         marker != nullptr ? marker->span()
-                          : catalogue::spanOf(group.line, 0, scan.lines.line(group.line).size());
+                          : catalogue::spanOf(group.line, 0, scan.line(group.line).size());
     findings.diagnostics.push_back(catalogue::makeDiagnostic(kind, form, span, arguments));
     return findings.diagnostics.back();
   }

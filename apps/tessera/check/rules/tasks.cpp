@@ -22,7 +22,7 @@ bool isBlankText(std::u16string_view text) {
 /// Returns whether a line contains nothing but blanks between position `begin` and its end, apart
 /// from the text of markers.
 bool isBlankBesideMarkers(const FileScan& scan, std::uint64_t number, std::uint64_t begin) {
-  const std::u16string_view line = scan.lines.line(number);
+  const std::u16string_view line = scan.line(number);
   std::uint64_t at = begin;
   for (const FoundMarker& found : scan.codeOfLine(number)) {
     if (!found.isMarker() || found.parts.position < at) continue;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "quenlith/syntax/Marker.hpp"
+#include "tessera/check/scan/EscapedLines.hpp"
 #include "tessera/check/scan/FoundMarker.hpp"
 #include "tessera/source/SourceLines.hpp"
 
@@ -21,10 +22,20 @@ struct FileScan {
   /// Returns those of `code` that are on line `number`.
   std::span<const FoundMarker> codeOfLine(std::uint64_t number) const noexcept;
 
+  /// Returns the line `number` as the parsers read it.
+  std::u16string_view line(std::uint64_t number) const noexcept {
+    return escaped.textOf(number, lines.line(number));
+  }
+
+  /// As the lines are in the file.
   const source::SourceLines& lines;
+  EscapedLines escaped;
   std::uint64_t appendixLine;
   std::vector<FoundMarker> code;
   std::vector<FoundMarker> appendix;
+
+ private:
+  std::vector<FoundMarker> scanCode(std::uint64_t number);
 };
 
 }  // namespace tessera::check::scan

@@ -16,10 +16,11 @@ struct FoundMarker {
   /// Its positions and views are those of `lineText`.
   quenlith::syntax::MarkerCandidate parts;
   std::uint64_t line = 1;
+  /// As the parsers read it: see EscapedLines.
   std::u16string_view lineText;
-  /// Whether the parsers change the line before they look for its markers: they remove the
-  /// backslash of "%%\\". Its markers and their positions may then be others.
-  bool isOnEscapedLine = false;
+  /// Whether it is unknown how the parsers take its line: the task parser and the line parser see
+  /// different task markers on it.
+  bool isOnAmbiguousLine = false;
   /// Without quotes and escapes; as written if the quotes are damaged.
   std::u16string id;
   /// Only if the range is well-formed. A number too large for 64 bits is 2^64 - 1.

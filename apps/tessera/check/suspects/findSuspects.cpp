@@ -25,11 +25,11 @@ std::uint64_t segmentEnd(std::span<const FoundMarker> found, std::size_t index) 
 void addSuspects(const FileScan& scan, std::span<const FoundMarker> found,
                  std::vector<Suspect>& suspects) {
   for (std::size_t i = 0; i < found.size(); ++i) {
-    if (found[i].isMarker() || found[i].isOnEscapedLine || !isIntended(found[i])) continue;
+    if (found[i].isMarker() || found[i].isOnAmbiguousLine || !isIntended(found[i])) continue;
     const FoundMarker* const before =
         i > 0 && found[i - 1].line == found[i].line ? &found[i - 1] : nullptr;
     std::optional<std::u16string_view> nextLine;
-    if (found[i].line < scan.lines.count()) nextLine = scan.lines.line(found[i].line + 1);
+    if (found[i].line < scan.lines.count()) nextLine = scan.line(found[i].line + 1);
     suspects.push_back(describeProblem(found[i], segmentEnd(found, i), before, nextLine));
   }
 }
@@ -56,10 +56,9 @@ Suspects findSuspects(const FileScan& scan) {
     if (number == scan.appendixLine) continue;
     const bool isCode = scan.appendixLine == 0 || number < scan.appendixLine;
     std::vector<Suspect>& found = isCode ? suspects.code : suspects.appendix;
-    const std::u16string_view line = scan.lines.line(number);
+    const std::u16string_view line = scan.line(number);
     findIncompleteOpenings(number, line, found);
-    if (number < scan.lines.count())
-      findBrokenOpening(number, line, scan.lines.line(number + 1), found);
+    if (number < scan.lines.count()) findBrokenOpening(number, line, scan.line(number + 1), found);
   }
   sortByPlace(suspects.code);
   sortByPlace(suspects.appendix);
