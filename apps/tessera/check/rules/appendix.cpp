@@ -24,9 +24,6 @@ using catalogue::Span;
 using quenlith::syntax::Marker;
 using suspects::Suspect;
 
-// An id of one character resembles every other one.
-constexpr std::size_t kMinSimilar = 2;
-
 /// What an entry and its marker have in common. The element has no "#".
 std::u16string keyOf(std::u16string_view element, std::u16string_view id) {
   std::u16string key(element);

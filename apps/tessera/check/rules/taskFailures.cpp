@@ -20,9 +20,6 @@ using catalogue::DiagnosticKind;
 using suspects::Suspect;
 using Markers = std::vector<const FoundMarker*>;
 
-// An id of one character resembles every other one.
-constexpr std::size_t kMinSimilar = 2;
-
 // All of these are compared with an id.
 constexpr std::size_t kMaxCutOff = 4;
 

@@ -10,6 +10,10 @@
 
 namespace tessera::check::scan {
 
+/// The least length of an id that is compared with others: one of a single character resembles
+/// every other one.
+inline constexpr std::size_t kMinSimilar = 2;
+
 /// Returns whether `a` and `b` differ only in the case of ASCII letters, or by one edit: a
 /// character inserted, removed or replaced, or two neighbours swapped. False for equal names.
 bool areSimilar(std::u16string_view a, std::u16string_view b);

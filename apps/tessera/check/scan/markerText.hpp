@@ -7,6 +7,10 @@
 
 namespace tessera::check::scan {
 
+constexpr bool isBlank(char16_t unit) noexcept {
+  return unit == u' ' || unit == u'\t';
+}
+
 /// Returns `text` in quotes, as UTF-8 without control characters. Long text is cut in the middle; a
 /// double quote alone is in single quotes.
 std::string quoted(std::u16string_view text);

@@ -29,10 +29,6 @@ bool isDigit(char16_t unit) {
   return unit >= u'0' && unit <= u'9';
 }
 
-bool isBlank(char16_t unit) {
-  return unit == u' ' || unit == u'\t';
-}
-
 bool isWordUnit(char16_t unit) {
   const auto lower = static_cast<char16_t>(unit | 0x20U);
   return isDigit(unit) || (lower >= u'a' && lower <= u'z') || unit == u'_' || unit >= 0x80;

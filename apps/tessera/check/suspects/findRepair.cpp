@@ -17,10 +17,6 @@ namespace {
 using namespace std::string_view_literals;
 using catalogue::Fix;
 
-bool isBlank(char16_t unit) {
-  return unit == u' ' || unit == u'\t';
-}
-
 /// Returns whether `text` is a marker, with nothing after it, or a blank if `mayContinue`.
 bool isWhole(std::u16string_view text, bool mayContinue) {
   const auto candidates = quenlith::syntax::findMarkerCandidates(text);
