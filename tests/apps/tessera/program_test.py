@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the program as its users do: arguments, standard streams, exit status.
 
-program_test.py PROGRAM
+program_test.py PROGRAM SLIDER_BUNDLE
 """
 import fcntl
 import json
@@ -20,6 +20,7 @@ import unittest
 import zipfile
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+SLIDER_BUNDLE = pathlib.Path(sys.argv.pop(1)).resolve()
 EXAMPLES = pathlib.Path(__file__).resolve().parents[3] / "examples"
 FILES = sorted(str(path) for path in EXAMPLES.iterdir() if path.is_file())
 LINKED = subprocess.run(["ldd", PROGRAM], capture_output=True).stdout.decode()
@@ -159,6 +160,16 @@ class Parse(ProgramTest):
                     alone = tessera(command, "--format", "json", good).stdout
                     self.assertRefused(tessera(command, "--format", "json", name, good), name + message, alone,
                                        status=3)
+
+    def test_a_parser_that_throws_ends_its_file(self):
+        good = self.write("good", b"x\n")
+        bad = self.write("bad", b"x\ny = 1  # <@control:slider#stuck [4,5]>\nz\n")
+        for command in ("parse", "check", "markers"):
+            arguments = [command, "--format", "json", "--bundle", str(SLIDER_BUNDLE)]
+            done = tessera(*arguments, bad, good)
+            self.assertRefused(done, bad + ":2:1: error: a parser gave up: the slider is stuck; leave the bundle out "
+                               "that it comes from, or report it with the calls that --record writes",
+                               tessera(*arguments, good).stdout, status=3)
 
     def test_a_message_follows_the_output_of_the_files_before_it(self):
         good, bad = self.write("good", b"x\n"), str(self.folder / "none")

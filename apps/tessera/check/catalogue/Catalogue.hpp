@@ -47,12 +47,14 @@ struct CatalogueEntry {
   MessageForms messages;
   /// What it means and what to do; sentences, several lines.
   std::string_view explanation;
-  /// A source that has the problem, and the same source without it; both empty where no source
-  /// shows it. Lines end in LF.
+  /// A source that has the problem, and the same source without it. Lines end in LF. A line that
+  /// ends in "# and N lines more" is N + 1 such lines.
   std::string_view before;
   std::string_view after;
   /// What `check --fix` does, as a sentence; empty if it never corrects this.
   std::string_view fix;
+  /// The options of `check` with which the example has the problem.
+  std::string_view exampleOptions = "";
 };
 
 /// Returns all entries in the order of `DiagnosticKind`: a kind is an index of this table.

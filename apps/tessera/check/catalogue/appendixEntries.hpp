@@ -93,10 +93,9 @@ inline constexpr std::array kAppendixEntries = std::to_array<CatalogueEntry>({
      .messages = {"the text before this entry is ignored", "the text after this entry is ignored",
                   "this marker is ignored: a line of the appendix has one entry"},
      .explanation = "Each line of the appendix contains one marker, and nothing else.",
-     .before = "# <@task#a>\nx = 1\n# <@task#a>\n# <@appendix>\n# <@task#a {\"text\":\"A\"}> the "
-               "settings\n",
+     .before = "# <@task#a>\nx = 1\n# <@task#a>\n# <@appendix>\n# <@task#a {\"text\":\"A\"}>>\n",
      .after = "# <@task#a>\nx = 1\n# <@task#a>\n# <@appendix>\n# <@task#a {\"text\":\"A\"}>\n",
-     .fix = ""},
+     .fix = "Removes a second \">\"."},
     {.kind = DiagnosticKind::kTextInAppendix,
      .id = "text_in_appendix",
      .severity = Severity::kWarning,

@@ -54,14 +54,18 @@ void appendFenced(std::string& output, std::string_view lines) {
   output.append("```text\n").append(lines).append("```\n");
 }
 
+/// Returns what precedes the source with the problem.
+std::string headingOfBefore(const CatalogueEntry& entry) {
+  if (entry.exampleOptions.empty()) return "\nBefore:\n\n";
+  return "\nBefore (with " + std::string(entry.exampleOptions) + "):\n\n";
+}
+
 void appendMarkdown(std::string& output, const CatalogueEntry& entry) {
   appendParagraphs(output, entry.explanation, kMarkdownColumns);
-  if (!entry.before.empty()) {
-    output += "\nBefore:\n\n";
-    appendFenced(output, entry.before);
-    output += "\nAfter:\n\n";
-    appendFenced(output, entry.after);
-  }
+  output += headingOfBefore(entry);
+  appendFenced(output, entry.before);
+  output += "\nAfter:\n\n";
+  appendFenced(output, entry.after);
   if (entry.fix.empty()) return;
   output += '\n';
   appendWrapped(output, "`tessera check --fix`: " + std::string(entry.fix), kMarkdownColumns);
@@ -78,12 +82,10 @@ std::string describeAsText(const CatalogueEntry& entry) {
   text.append(entry.id).append(" (").append(nameOf(entry.severity)).append(")\n");
   text.append(entry.title).append("\n\n");
   appendParagraphs(text, entry.explanation, kColumns);
-  if (!entry.before.empty()) {
-    text += "\nBefore:\n\n";
-    appendIndented(text, entry.before);
-    text += "\nAfter:\n\n";
-    appendIndented(text, entry.after);
-  }
+  text += headingOfBefore(entry);
+  appendIndented(text, entry.before);
+  text += "\nAfter:\n\n";
+  appendIndented(text, entry.after);
   if (entry.fix.empty()) return text;
   text += '\n';
   appendWrapped(text, "tessera check --fix: " + std::string(entry.fix), kColumns);

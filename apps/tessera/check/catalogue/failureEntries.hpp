@@ -28,6 +28,7 @@ inline constexpr std::array kFailureEntries = std::to_array<CatalogueEntry>({
          "Add the missing marker, correct its id, or remove the markers that are too many.",
      .before = "# <@task#fit>\n"
                "y = model.fit(x)\n"
+               "# <@taks#fit>\n"
                "# <@appendix>\n"
                "# <@task#fit {\"text\":\"Fit\"}>\n",
      .after = "# <@task#fit>\n"
@@ -97,12 +98,16 @@ inline constexpr std::array kFailureEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kFailure,
      .title = "failure reported by another bundle",
      .messages = {"a parser reports \"%2\" for the %1"},
-     .explanation = "A parser of a bundle that was added to the program recorded this failure in "
-                    "the document.\n"
-                    "The documentation of that bundle says what it means.",
-     .before = "",
-     .after = "",
-     .fix = ""},
+     .explanation =
+         "A parser of a bundle that was added to the program with --bundle recorded this "
+         "failure in the\n"
+         "document. The documentation of that bundle says what it means. In the "
+         "example, the bundle\n"
+         "wants a number as the minimum of a slider.",
+     .before = "speed = 3  # <@control:slider#speed [8,9] {\"min\":\"low\"}>\n",
+     .after = "speed = 3  # <@control:slider#speed [8,9] {\"min\":1}>\n",
+     .fix = "",
+     .exampleOptions = "--bundle FILE"},
 });
 
 }  // namespace tessera::check::catalogue

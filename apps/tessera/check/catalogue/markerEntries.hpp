@@ -77,12 +77,18 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kWarning,
      .title = "marker that no parser handles",
      .messages = {"no parser handles this %1 marker: its own text stays in the document"},
-     .explanation = "The parsers handle a control marker only if a bundle has a parser for it. The "
-                    "program has one\n"
-                    "unless --bare is given. Without it, the marker is ordinary text of its line.",
-     .before = "",
-     .after = "",
-     .fix = ""},
+     .explanation =
+         "A control marker needs a parser of a bundle. The program has one unless --bare "
+         "is given.\n"
+         "Without a parser, the marker is ordinary text of its line.\n"
+         "\n"
+         "Leave out --bare, add a bundle that has a parser for the marker with "
+         "--bundle, or remove the\n"
+         "marker.",
+     .before = "width = 12  # <@control:slider#width [8,10]>\n",
+     .after = "width = 12\n",
+     .fix = "",
+     .exampleOptions = "--bare"},
     {.kind = DiagnosticKind::kAnchorWithoutId,
      .id = "anchor_without_id",
      .severity = Severity::kWarning,
@@ -154,8 +160,12 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
      .explanation = "The lines of a task are counted in 16 bits. At line 65,536 the parser takes "
                     "the task for closed, and\n"
                     "the document does not say how many lines it has. Split the task.",
-     .before = "",
-     .after = "",
+     .before = "# <@task#fit>\nstep()  # and 65,534 lines more\n# <@task#fit>\n"
+               "# <@appendix>\n# <@task#fit {\"text\":\"Fit\"}>\n",
+     .after = "# <@task#fit-1>\nstep()  # and 32,766 lines more\n# <@task#fit-1>\n"
+              "# <@task#fit-2>\nstep()  # and 32,766 lines more\n# <@task#fit-2>\n"
+              "# <@appendix>\n# <@task#fit-1 {\"text\":\"Fit 1\"}>\n# <@task#fit-2 {\"text\":\"Fit "
+              "2\"}>\n",
      .fix = ""},
 });
 

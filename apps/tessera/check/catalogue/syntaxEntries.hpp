@@ -52,9 +52,9 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .explanation = "After \":\" follows the type of the marker, as in \"text:anchor\". A marker "
                     "without a type has\n"
                     "no \":\" either.",
-     .before = "# <@text:#results>\n",
+     .before = "# <@text:\nanchor#results>\n",
      .after = "# <@text:anchor#results>\n",
-     .fix = ""},
+     .fix = "Joins the line and the next one where a line break is in the marker."},
     {.kind = DiagnosticKind::kInvalidId,
      .id = "invalid_id",
      .severity = Severity::kWarning,
@@ -64,9 +64,11 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .explanation = "An id consists of letters, digits, \"_\", \"-\", \".\" and characters beyond "
                     "ASCII. Any other id is\n"
                     "written as a JSON string, in double quotes.",
-     .before = "# <@text:anchor#first results>\n",
+     .before = "# <@text:anchor#\"first results>\n",
      .after = "# <@text:anchor#\"first results\">\n",
-     .fix = ""},
+     .fix =
+         "Inserts a missing quote, or joins the line and the next one where a line break is in the "
+         "marker,\nif only one such change makes a marker."},
     {.kind = DiagnosticKind::kInvalidRange,
      .id = "invalid_range",
      .severity = Severity::kWarning,
@@ -98,7 +100,7 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
                     "members separated by commas, no comma after the last one, and true, false and "
                     "null in lower\n"
                     "case.",
-     .before = "y = 2  # <@output#y [0,1] {\"format\":short}>\n",
+     .before = "y = 2  # <@output#y [0,1] {\"format\":\"short\"]>\n",
      .after = "y = 2  # <@output#y [0,1] {\"format\":\"short\"}>\n",
      .fix = "Corrects one character where only one correction makes a marker."},
     {.kind = DiagnosticKind::kMarkerLimit,
@@ -163,7 +165,8 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
                     "apart from blanks.",
      .before = "/* <@text:anchor#results> the results */\n",
      .after = "/* <@text:anchor#results> */ /* the results */\n",
-     .fix = "Inserts the end of the comment where the comment is not closed anywhere else."},
+     .fix = "Adds or corrects the end of the comment if no later line closes it. Text between the "
+            "marker and\nthe end of the comment becomes a separate comment."},
     {.kind = DiagnosticKind::kInvalidAppendixLine,
      .id = "invalid_appendix_line",
      .severity = Severity::kWarning,
@@ -184,7 +187,7 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .explanation = "A marker ends at its first \">\" outside of quotes. A word or a second \">\" "
                     "directly after it was "
                     "probably meant to be inside.",
-     .before = "# <@text:anchor#overvie>w\n",
+     .before = "# <@text:anchor#overview>>\n",
      .after = "# <@text:anchor#overview>\n",
      .fix = "Removes a second \">\"."},
     {.kind = DiagnosticKind::kMarkerInString,

@@ -8,6 +8,7 @@
 
 #include "fl/i18n/ustring.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/BlockComments.hpp"
 #include "tessera/check/scan/markerText.hpp"
 #include "tessera/check/suspects/findRepair.hpp"
 #include "tessera/check/suspects/isIntended.hpp"
@@ -49,19 +50,6 @@ std::string_view expectedInJson(std::string_view reason) {
   return found == kExpected.end() ? reason : found->second;
 }
 
-std::u16string_view closerOf(CommentForm form) {
-  switch (form) {
-    case CommentForm::kSlashStar:
-      return u"*/";
-    case CommentForm::kParenthesisStar:
-      return u"*)";
-    case CommentForm::kAngleBracket:
-      return u"-->";
-    default:
-      return u"-}";
-  }
-}
-
 /// Writes the diagnostic of one text.
 class ProblemWriter {
  public:
@@ -97,7 +85,7 @@ class ProblemWriter {
       case MarkerProblem::kMissingId:
         return reportRepairable(kInvalidId, kIdAbsent, {});
       case MarkerProblem::kBadQuotedId:
-        return reportRepairable(kInvalidId, kIdNotJson, {quotedIdProblem()});
+        return writeQuotedId();
       case MarkerProblem::kMissingBlankBeforeRange:
         return writeMissingBlank("range");
       case MarkerProblem::kMissingBlankBeforeData:
@@ -275,6 +263,21 @@ class ProblemWriter {
     if (isCertain) fixBy({found.positionOf(parts.element) + start.size(), 0, separator});
   }
 
+  void writeQuotedId() {
+    reportRepairable(kInvalidId, kIdNotJson, {quotedIdProblem()});
+    if (!suspect.diagnostic.fix && text.problem >= end) closeQuote();
+  }
+
+  /// Takes what is before the ">" for the id, unless a range or data may be part of it.
+  void closeQuote() {
+    const std::size_t begin = line.find(u'"', parts.opening) + 1;
+    const std::u16string_view rest = line.substr(begin, end - begin);
+    const std::size_t length = rest.find(u'>');
+    if (length == rest.npos || rest.find_first_of(u"\"[{") != rest.npos) return;
+    addId(rest.substr(0, length));
+    fixBy({begin + length, 0, u"\""});
+  }
+
   std::string quotedIdProblem() const {
     const std::string_view reason = parts.jsonReason;
     if (text.problem >= end) return "its closing quote is missing";
@@ -353,7 +356,7 @@ class ProblemWriter {
   }
 
   bool startsCloser(std::u16string_view rest) const {
-    return isBlock(parts.comment) && rest.starts_with(closerOf(parts.comment));
+    return isBlock(parts.comment) && rest.starts_with(commentEndsOf(parts.comment).closer);
   }
 
   static bool looksLikeRange(std::u16string_view rest) {
@@ -390,7 +393,7 @@ class ProblemWriter {
   }
 
   void writeMissingCloser() {
-    const std::u16string_view closer = closerOf(parts.comment);
+    const std::u16string_view closer = commentEndsOf(parts.comment).closer;
     const std::uint64_t at =
         std::min<std::uint64_t>(line.find_first_not_of(u" \t", text.problem), end);
     if (at == line.size()) {

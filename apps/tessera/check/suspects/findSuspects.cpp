@@ -5,6 +5,8 @@
 #include <string>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/BlockComments.hpp"
+#include "tessera/check/suspects/closeComment.hpp"
 #include "tessera/check/suspects/describeProblem.hpp"
 #include "tessera/check/suspects/findIncompleteOpenings.hpp"
 #include "tessera/check/suspects/isIntended.hpp"
@@ -22,7 +24,7 @@ std::uint64_t segmentEnd(std::span<const FoundMarker> found, std::size_t index) 
   return isLast ? here.lineText.size() : found[index + 1].parts.position;
 }
 
-void addSuspects(const FileScan& scan, std::span<const FoundMarker> found,
+void addSuspects(const FileScan& scan, BlockComments& comments, std::span<const FoundMarker> found,
                  std::vector<Suspect>& suspects) {
   for (std::size_t i = 0; i < found.size(); ++i) {
     if (found[i].isMarker() || found[i].isOnAmbiguousLine || !isIntended(found[i])) continue;
@@ -30,7 +32,13 @@ void addSuspects(const FileScan& scan, std::span<const FoundMarker> found,
         i > 0 && found[i - 1].line == found[i].line ? &found[i - 1] : nullptr;
     std::optional<std::u16string_view> nextLine;
     if (found[i].line < scan.lines.count()) nextLine = scan.line(found[i].line + 1);
-    suspects.push_back(describeProblem(found[i], segmentEnd(found, i), before, nextLine));
+    const std::uint64_t end = segmentEnd(found, i);
+    suspects.push_back(describeProblem(found[i], end, before, nextLine));
+    const bool isCloserMissing =
+        found[i].parts.problem == quenlith::syntax::MarkerProblem::kMissingCloser;
+    if (isCloserMissing && !suspects.back().diagnostic.fix) {
+      closeComment(found[i], end, comments, suspects.back());
+    }
   }
 }
 
@@ -50,8 +58,9 @@ void explainBy(Suspect& suspect, catalogue::Diagnostic& diagnostic) {
 
 Suspects findSuspects(const FileScan& scan) {
   Suspects suspects;
-  addSuspects(scan, scan.code, suspects.code);
-  addSuspects(scan, scan.appendix, suspects.appendix);
+  BlockComments comments(scan);
+  addSuspects(scan, comments, scan.code, suspects.code);
+  addSuspects(scan, comments, scan.appendix, suspects.appendix);
   for (std::uint64_t number = 1; number <= scan.lines.count(); ++number) {
     if (number == scan.appendixLine) continue;
     const bool isCode = scan.appendixLine == 0 || number < scan.appendixLine;

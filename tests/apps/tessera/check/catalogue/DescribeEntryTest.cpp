@@ -40,21 +40,27 @@ TEST(DescribeEntry, MarkdownHasTheExamplesInFences) {
             "```text\nc\n```\n\n`tessera check --fix`: Replaces a.\n");
 }
 
-TEST(DescribeEntry, WithoutExampleAndFixThereIsOnlyTheExplanation) {
+TEST(DescribeEntry, WithoutAFixNothingFollowsTheExample) {
   CatalogueEntry entry = kEntry;
-  entry.before = entry.after = entry.fix = "";
-  EXPECT_EQ(describeAsText(entry),
-            "an_id (warning)\nwhat is wrong\n\nFirst words. Second words.\n");
-  EXPECT_EQ(describeAsMarkdown(entry), "First words. Second words.\n");
+  entry.fix = "";
+  EXPECT_TRUE(describeAsText(entry).ends_with("After:\n\n    c\n"));
+  EXPECT_TRUE(describeAsMarkdown(entry).ends_with("After:\n\n```text\nc\n```\n"));
+}
+
+TEST(DescribeEntry, TheOptionsOfTheExampleAreInItsHeading) {
+  CatalogueEntry entry = kEntry;
+  entry.exampleOptions = "--bare";
+  EXPECT_NE(describeAsText(entry).find("\n\nBefore (with --bare):\n\n    a\n"), std::string::npos);
+  EXPECT_NE(describeAsMarkdown(entry).find("\n\nBefore (with --bare):\n\n```text\na\n"),
+            std::string::npos);
 }
 
 TEST(DescribeEntry, ParagraphsStayApart) {
   CatalogueEntry entry = kEntry;
   entry.explanation = "First\nwords.\n\nMore words.";
-  entry.before = entry.after = entry.fix = "";
-  EXPECT_EQ(describeAsText(entry),
-            "an_id (warning)\nwhat is wrong\n\nFirst words.\n\nMore words.\n");
-  EXPECT_EQ(describeAsMarkdown(entry), "First words.\n\nMore words.\n");
+  EXPECT_TRUE(describeAsText(entry).starts_with(
+      "an_id (warning)\nwhat is wrong\n\nFirst words.\n\nMore words.\n\nBefore:\n"));
+  EXPECT_TRUE(describeAsMarkdown(entry).starts_with("First words.\n\nMore words.\n\nBefore:\n"));
 }
 
 TEST(DescribeEntry, LongRowsAreBrokenBetweenWords) {
@@ -64,8 +70,8 @@ TEST(DescribeEntry, LongRowsAreBrokenBetweenWords) {
   const std::string longWord(100, 'x');
   words += longWord + " end";
   entry.explanation = words;
-  entry.before = entry.after = entry.fix = "";
-  const auto rows = rowsOf(describeAsText(entry));
+  auto rows = rowsOf(describeAsText(entry));
+  rows.erase(std::ranges::find(rows, "Before:") - 1, rows.end());
   EXPECT_EQ(std::ranges::count(rows, longWord), 1);
   std::string joined;
   for (std::size_t i = 3; i < rows.size(); ++i) {
@@ -91,8 +97,8 @@ TEST(DescribeEntry, ARowOfEightyColumnsFits) {
 TEST(DescribeEntry, EveryEntryCanBeShown) {
   for (const CatalogueEntry& entry : catalogue()) {
     SCOPED_TRACE(entry.id);
-    EXPECT_TRUE(entry.before.empty() || entry.before.ends_with('\n'));
-    EXPECT_TRUE(entry.after.empty() || entry.after.ends_with('\n'));
+    EXPECT_TRUE(entry.before.ends_with('\n'));
+    EXPECT_TRUE(entry.after.ends_with('\n'));
     // A fence in an example would end the example; a bar would end a cell of the table.
     for (const std::string_view example : {entry.before, entry.after}) {
       EXPECT_EQ(example.find("```"), example.npos);
