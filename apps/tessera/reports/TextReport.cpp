@@ -1,5 +1,8 @@
 #include "tessera/reports/TextReport.hpp"
 
+#include <algorithm>
+#include <cstddef>
+#include <span>
 #include <string>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
@@ -10,6 +13,9 @@ namespace tessera::reports {
 using namespace check::catalogue;
 
 namespace {
+
+// A reader needs a few places to see what they have in common.
+constexpr std::size_t kMostNotes = 5;
 
 constexpr std::string_view kBold = "\x1b[1m";
 constexpr std::string_view kPlain = "\x1b[0m";
@@ -72,14 +78,27 @@ void TextReport::writeDiagnostic(const CheckedFile& file, const Diagnostic& diag
                 diagnostic.message, style);
   text.append(" [").append(entry.id).append("]\n");
   appendExcerpt(text, file, diagnostic.span, style);
-  for (const Note& note : diagnostic.notes) {
+  writeNotes(file, diagnostic);
+  if (!diagnostic.fix) return;
+  appendHeading(text, placeOf(file, diagnostic.fix->edits.front().span.begin), kFixKind,
+                diagnostic.fix->description, style);
+  text += '\n';
+}
+
+void TextReport::writeNotes(const CheckedFile& file, const Diagnostic& diagnostic) {
+  std::string& text = output.text();
+  const auto& notes = diagnostic.notes;
+  for (const Note& note : std::span(notes).first(std::min(notes.size(), kMostNotes))) {
     appendHeading(text, placeOf(file, note.span.begin), kNoteKind, note.message, style);
     text += '\n';
     appendExcerpt(text, file, note.span, style);
   }
-  if (!diagnostic.fix) return;
-  appendHeading(text, placeOf(file, diagnostic.fix->edits.front().span.begin), kFixKind,
-                diagnostic.fix->description, style);
+  if (notes.size() <= kMostNotes) return;
+  const std::size_t others = notes.size() - kMostNotes;
+  appendHeading(text, placeOf(file, notes[kMostNotes].span.begin), kNoteKind,
+                "and " + std::to_string(others) +
+                    (others == 1 ? " more place" : " more places; --format json lists all"),
+                style);
   text += '\n';
 }
 

@@ -7,7 +7,7 @@
 namespace tessera::reports {
 
 /// Writes diagnostics as text: "file:line:column: severity: message [id]" and the line with a caret
-/// below the place. Each second place follows as a note in the same form.
+/// below the place. Other places follow as notes in the same form, the first five of them.
 class TextReport : public CheckReport {
  public:
   /// Borrows `output`.
@@ -19,6 +19,8 @@ class TextReport : public CheckReport {
  private:
   void writeDiagnostic(const check::catalogue::CheckedFile& file,
                        const check::catalogue::Diagnostic& diagnostic);
+  void writeNotes(const check::catalogue::CheckedFile& file,
+                  const check::catalogue::Diagnostic& diagnostic);
 
   files::OutputFile& output;
   terminal::Style style;

@@ -11,10 +11,6 @@
 
 namespace tessera::check::rules {
 
-/// The most notes of a diagnostic: where more places have one cause, the message gives their
-/// number.
-constexpr std::size_t kMaxNotes = 8;
-
 /// What the rules have found in a file. A rule looks at what the rules before it found, so that one
 /// cause becomes one diagnostic.
 struct Findings {

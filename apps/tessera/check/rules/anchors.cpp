@@ -80,8 +80,8 @@ class AnchorRule {
              {nameOf(marker), std::to_string(before.first->line)})
           .notes.push_back({before.first->span(), "the first anchor with this id"});
     } else {
-      auto& notes = findings.diagnostics[before.diagnostic].notes;
-      if (notes.size() < kMaxNotes) notes.push_back({marker.span(), "another anchor with this id"});
+      findings.diagnostics[before.diagnostic].notes.push_back(
+          {marker.span(), "another anchor with this id"});
     }
   }
 

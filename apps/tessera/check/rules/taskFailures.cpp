@@ -42,11 +42,8 @@ void addNote(Diagnostic& diagnostic, const FoundMarker& marker, std::string mess
 /// Adds the markers other than `primary` as notes.
 void addMarkers(Diagnostic& diagnostic, const Markers& markers, const FoundMarker* primary,
                 const std::string& message) {
-  std::size_t added = 0;
   for (const FoundMarker* marker : markers) {
-    if (marker == primary) continue;
-    if (++added > kMaxNotes) return;
-    addNote(diagnostic, *marker, message);
+    if (marker != primary) addNote(diagnostic, *marker, message);
   }
 }
 
@@ -97,7 +94,7 @@ class TaskFailureRule {
       if (diagnostic == nullptr) {
         diagnostic = &reportMissing(group, kPairTooMany, std::to_string(group.markers->size()));
         explainBy(*line, *diagnostic);
-      } else if (diagnostic->notes.size() < kMaxNotes) {
+      } else {
         addNote(*diagnostic, *group.markers->back(), "this entry is a third marker, too");
       }
     }

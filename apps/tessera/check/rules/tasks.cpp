@@ -60,8 +60,8 @@ void checkIgnored(const TaskWalk& walk, Findings& findings) {
     if (findings.brokenTasks.contains(ignored.marker->id)) continue;
     const auto [known, isNew] = reported.emplace(ignored.marker->id, findings.diagnostics.size());
     if (!isNew) {
-      auto& notes = findings.diagnostics[known->second].notes;
-      if (notes.size() <= kMaxNotes) notes.push_back({ignored.marker->span(), "this one, too"});
+      findings.diagnostics[known->second].notes.push_back(
+          {ignored.marker->span(), "this one, too"});
       continue;
     }
     Diagnostic& diagnostic = report(findings, DiagnosticKind::kIgnoredTaskMarker, 0,

@@ -110,6 +110,22 @@ class Check(CheckTest):
             self.assertTrue(line.startswith(f':1:{range_column}: failure: '), line)
             column += len(f"# <@output#\u00e9{number} [9,1]> ")
 
+    def test_a_hundred_thousand_markers_of_one_id_are_one_diagnostic_with_all_places(self):
+        count = 100000
+        for separator, last in ((b"\n", (count, 1)), (b" ", (1, (count - 1) * 12 + 1))):
+            name = self.write("f", separator.join([b"# <@task#a>"] * count))
+            [record] = documents(tessera("check", "--format", "json", name).stdout)
+            [diagnostic] = record["diagnostics"]
+            notes = diagnostic["notes"]
+            self.assertEqual((len(notes), (notes[-1]["line"], notes[-1]["column"])), (count - 1, last))
+            text = tessera("check", name).stdout.decode().split("\n")
+            self.assertEqual(len([row for row in text if ": note: " in row]), 6)
+            self.assertTrue(text[-2].endswith(f": note: and {count - 6} more places; --format json lists all"))
+            [run] = json.loads(tessera("check", "--format", "sarif", name).stdout)["runs"]
+            [result] = run["results"]
+            self.assertEqual(len(result["relatedLocations"]), 100)
+            self.assertTrue(result["message"]["text"].endswith(f"\n(and {count - 101} more)"))
+
     def test_partners_in_other_files_of_the_run_are_found(self):
         names = [self.write(f"{number}.py", text) for number, text in enumerate(
             (b"# <@task#a>\n", b"x\n", "\u00e9 # <@task#a>\n# <@task#b>\n".encode(), b"# <@task#c>\n"))]

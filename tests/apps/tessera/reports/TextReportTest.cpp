@@ -67,6 +67,28 @@ TEST_F(TextReportTest, ARangeOfSeveralLinesIsMarkedToTheEndOfItsFirstLine) {
             "       |   ^~~\n");
 }
 
+TEST_F(TextReportTest, AfterFiveNotesTheOthersAreCounted) {
+  file.path = "a";
+  Diagnostic diagnostic{.kind = DiagnosticKind::kUnusedEntry,
+                        .message = "m",
+                        .span = spanOf(1, 0, 1),
+                        .notes = {},
+                        .fix = {}};
+  diagnostic.notes.assign(5, {spanOf(1, 4, 5), "n"});
+  const std::string caret = "     1 | x = 1\n       |     ^\n";
+  std::string expected = "a:1:1: warning: m [unused_entry]\n     1 | x = 1\n       | ^\n";
+  for (int i = 0; i < 5; ++i) expected += "a:1:5: note: n\n" + caret;
+  file.diagnostics = {diagnostic};
+  EXPECT_EQ(write(), expected);
+  diagnostic.notes.push_back({spanOf(2, 1, 2), "n"});
+  file.diagnostics = {diagnostic};
+  EXPECT_EQ(write(), expected + expected + "a:2:2: note: and 1 more place\n");
+  diagnostic.notes.resize(12, {spanOf(1, 4, 5), "n"});
+  file.diagnostics = {diagnostic};
+  EXPECT_EQ(write(), expected + expected + "a:2:2: note: and 1 more place\n" + expected +
+                         "a:2:2: note: and 7 more places; --format json lists all\n");
+}
+
 TEST_F(TextReportTest, ColoursDistinguishTheKindsOfRow) {
   file.path = "a";
   file.diagnostics.push_back({.kind = DiagnosticKind::kUnusedEntry,
