@@ -106,7 +106,7 @@ enum MissingLeader : std::uint8_t {
   kLeaderStar,
   kLeaderReplacedBlank
 };
-enum UnclosedComment : std::uint8_t { kCloserAbsent, kCloserOtherText };
+enum UnclosedComment : std::uint8_t { kCloserAbsent, kCloserOtherText, kOpenerAbsent };
 enum SplitCharacter : std::uint8_t { kSplitsPair, kSplitsCombined };
 enum HiddenRange : std::uint8_t { kRangeHidden, kRangePartlyHidden, kRangeHiddenBySeveral };
 enum UnknownType : std::uint8_t { kTypeSimilar, kTypeAbsent, kTypeOther };

@@ -159,7 +159,8 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kWarning,
      .title = "block comment that does not end right after its marker",
      .messages = {"the block comment must end after the marker, on the same line: %1 is missing",
-                  "the block comment must end right after the marker: expected %1, found %2"},
+                  "the block comment must end right after the marker: expected %1, found %2",
+                  "%1 ends a block comment, but %2 does not begin one before this marker"},
      .explanation = "A marker in a block comment is alone in it: the end of the comment follows "
                     "the \">\" directly,\n"
                     "apart from blanks.",

@@ -3,6 +3,7 @@
 #include <string>
 #include <unordered_set>
 
+#include "tessera/check/rules/settings.hpp"
 #include "tessera/check/scan/FoundMarker.hpp"
 
 namespace tessera::check::rules {
@@ -33,6 +34,7 @@ void dropUncertainFixes(const FileScan& scan, const TaskWalk& walk, Findings& fi
       const auto same = walk.byId.find(marker.id);
       return same != walk.byId.end() && same->second.size() == 1;
     }
+    if (suspect.isKeyCompleted) return false;
     if (!suspect.isCompleted) return true;
     return element == u"text" ? marker.isAnchor() && !marker.id.empty() : marker.range.has_value();
   });
@@ -40,7 +42,8 @@ void dropUncertainFixes(const FileScan& scan, const TaskWalk& walk, Findings& fi
   for (const FoundMarker& entry : scan.appendix) {
     if (entry.isTask()) entries.insert(entry.id);
   }
-  keepConfirmed(findings.suspects.appendix, [&](const Suspect&, const FoundMarker& marker) {
+  keepConfirmed(findings.suspects.appendix, [&](const Suspect& suspect, const FoundMarker& marker) {
+    if (suspect.isKeyCompleted && !hasKnownSettings(marker)) return false;
     if (marker.parts.element != u"task") return true;
     return walk.byId.contains(marker.id) && !entries.contains(marker.id);
   });

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/commentEnd.hpp"
 #include "tessera/check/scan/markerText.hpp"
 
 namespace tessera::check::rules {
@@ -13,39 +14,78 @@ using namespace scan;
 
 namespace {
 
-bool isWordUnit(char16_t unit) {
+bool isNameUnit(char16_t unit) {
   const auto lower = static_cast<char16_t>(unit | 0x20U);
-  return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z');
+  return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z') || unit == u'_' ||
+         unit == u'-' || unit == u'.';
+}
+
+bool isWordUnit(char16_t unit) {
+  return isNameUnit(unit) && unit != u'.' && unit != u'-' && unit != u'_';
 }
 
 std::u16string wordAt(std::u16string_view text) {
-  const auto end = std::ranges::find_if_not(text, isWordUnit);
+  const auto end = std::ranges::find_if_not(text, isNameUnit);
   return std::u16string(text.begin(), end);
+}
+
+/// Returns whether `rest`, which directly follows a marker, was probably meant to be inside: a
+/// word, or text that ends like a marker itself.
+bool isPartOfMarker(std::u16string_view rest) {
+  const char16_t unit = rest.front();
+  if (unit == u' ' || unit == u'\t') return false;
+  if (unit == u'>' || isWordUnit(unit)) return true;
+  return rest.substr(0, rest.find(u"<@")).find(u'>') != rest.npos;
+}
+
+suspects::Suspect describeRest(const FoundMarker& marker) {
+  const std::uint64_t at = marker.end();
+  const std::u16string_view rest = marker.lineText.substr(at);
+  suspects::Suspect suspect;
+  suspect.diagnostic =
+      catalogue::makeDiagnostic(catalogue::DiagnosticKind::kTextAfterMarker, 0,
+                                marker.spanOf(at, at + 1), {quoted(rest.substr(0, 1))});
+  suspect.element = marker.parts.element;
+  suspect.takenId = marker.id;
+  if (rest.front() == u'>') {
+    suspect.diagnostic.fix = {"remove \">\"", {{marker.spanOf(at, at + 1), ""}}};
+  } else {
+    suspect.ids.push_back(marker.id + wordAt(rest));
+  }
+  return suspect;
+}
+
+suspects::Suspect describeCommentEnd(const FoundMarker& marker, std::u16string_view commentEnd) {
+  suspects::Suspect suspect;
+  suspect.diagnostic = catalogue::makeDiagnostic(
+      catalogue::DiagnosticKind::kUnclosedComment, catalogue::forms::kOpenerAbsent,
+      marker.spanOf(commentEnd), {quoted(commentEnd), quoted(openerOf(commentEnd))});
+  suspect.element = marker.parts.element;
+  suspect.takenId = marker.id;
+  return suspect;
 }
 
 }  // namespace
 
 void checkFollowingText(const FileScan& scan, Findings& findings) {
+  const FoundMarker* before = nullptr;
   for (const FoundMarker& marker : scan.code) {
+    const bool isOnLine = before != nullptr && before->line == marker.line;
+    const std::uint64_t floor = isOnLine ? before->end() : 0;
+    before = &marker;
     const bool isLineComment =
         marker.isMarker() && marker.parts.comment == quenlith::syntax::CommentForm::kLine;
     if (!isLineComment || marker.isOnAmbiguousLine || marker.end() == marker.lineText.size())
       continue;
-    const std::uint64_t at = marker.end();
-    const char16_t unit = marker.lineText[at];
-    if (unit != u'>' && !isWordUnit(unit)) continue;
-    suspects::Suspect suspect;
-    suspect.diagnostic = catalogue::makeDiagnostic(catalogue::DiagnosticKind::kTextAfterMarker, 0,
-                                                   marker.spanOf(at, at + 1),
-                                                   {quoted(marker.lineText.substr(at, 1))});
-    suspect.element = marker.parts.element;
-    suspect.takenId = marker.id;
-    if (unit == u'>') {
-      suspect.diagnostic.fix = {"remove \">\"", {{marker.spanOf(at, at + 1), ""}}};
-    } else {
-      suspect.ids.push_back(marker.id + wordAt(marker.lineText.substr(at)));
+    const std::u16string_view rest = marker.lineText.substr(marker.end());
+    const std::u16string_view commentEnd = commentEndAt(rest);
+    if (!commentEnd.empty()) {
+      const auto text = marker.lineText.substr(floor, marker.parts.position - floor);
+      const bool isInComment = text.find(openerOf(commentEnd)) != text.npos;
+      if (!isInComment) findings.suspects.code.push_back(describeCommentEnd(marker, commentEnd));
+    } else if (isPartOfMarker(rest)) {
+      findings.suspects.code.push_back(describeRest(marker));
     }
-    findings.suspects.code.push_back(std::move(suspect));
   }
 }
 

@@ -59,6 +59,18 @@ std::vector<Setting> readSettings(std::u16string_view data) {
   return settings;
 }
 
+bool isOtherCase(std::u16string_view a, std::u16string_view b) {
+  const auto lower = [](char16_t unit) {
+    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit;
+  };
+  return a != b && std::ranges::equal(a, b, {}, lower, lower);
+}
+
+bool isKnownInOtherCase(const Setting& setting) {
+  return std::ranges::any_of(
+      kSettings, [&setting](std::u16string_view known) { return isOtherCase(known, setting.key); });
+}
+
 class SettingRule {
  public:
   SettingRule(const FoundMarker& entry, Findings& findings) : entry(entry), findings(findings) {
@@ -99,7 +111,10 @@ class SettingRule {
                                     setting.keyText, {name, quoted(*similar)});
     const bool isThere = std::ranges::any_of(
         settings, [similar](const Setting& other) { return other.key == *similar; });
-    if (isThere) return;
+    // If the case of several keys has changed, that of the texts has probably, too.
+    const bool isCaseLost =
+        isKnownInOtherCase(setting) && std::ranges::count_if(settings, isKnownInOtherCase) > 1;
+    if (isThere || isCaseLost) return;
     diagnostic.fix = {"replace " + name + " by " + quoted(*similar),
                       {{entry.spanOf(setting.keyText), quoted(*similar)}}};
   }
@@ -130,6 +145,13 @@ class SettingRule {
 
 std::span<const std::u16string_view> knownSettings() noexcept {
   return kSettings;
+}
+
+bool hasKnownSettings(const FoundMarker& entry) {
+  if (entry.parts.data.empty()) return true;
+  return std::ranges::all_of(readSettings(entry.parts.data), [](const Setting& setting) {
+    return std::ranges::find(kSettings, setting.key) != kSettings.end();
+  });
 }
 
 void checkSettings(const FoundMarker& entry, Findings& findings) {

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_set>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/scan/SimilarNames.hpp"
@@ -87,7 +88,7 @@ class TaskFailureRule {
     Diagnostic* diagnostic = nullptr;
     for (Group& group : groups) {
       const bool hasEntry =
-          isTooMany(group) && group.markers->size() == 3 && group.markers->back()->line > number;
+          isTooMany(group) && group.markers->size() == 3 && group.markers->back()->line >= number;
       if (!hasEntry) continue;
       group.isMerged = true;
       findings.brokenTasks.insert(std::u16string(group.id));
@@ -104,10 +105,16 @@ class TaskFailureRule {
   void explainByEarlyEnd() {
     std::unordered_map<std::u16string_view, std::size_t> singles;
     SimilarNames similar;
+    std::unordered_set<std::u16string_view> takenIds;
+    for (const Suspect& suspect : findings.suspects.code) {
+      if (suspect.takenId) takenIds.insert(*suspect.takenId);
+    }
     for (std::size_t i = 0; i < groups.size(); ++i) {
       if (!isSingle(groups[i])) continue;
       singles.emplace(groups[i].id, i);
-      if (groups[i].id.size() >= kMinSimilar) similar.add(groups[i].id, i);
+      // The id that was meant resembles the shorter one, too.
+      const bool isTaken = takenIds.contains(groups[i].id);
+      if (!isTaken && groups[i].id.size() >= kMinSimilar) similar.add(groups[i].id, i);
     }
     for (Suspect& suspect : findings.suspects.code) {
       if (!suspect.takenId || suspect.ids.empty() || suspect.element != u"task") continue;

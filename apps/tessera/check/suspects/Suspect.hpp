@@ -23,6 +23,8 @@ struct Suspect {
   bool isCutOff = false;
   /// The fix adds the end of a marker that is cut off, so that more may be missing.
   bool isCompleted = false;
+  /// The fix adds the first quote of a key, which may be another one.
+  bool isKeyCompleted = false;
   /// Another diagnostic reports it in a note.
   bool isExplained = false;
 };

@@ -9,6 +9,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/scan/BlockComments.hpp"
+#include "tessera/check/scan/commentEnd.hpp"
 #include "tessera/check/scan/markerText.hpp"
 #include "tessera/check/suspects/findRepair.hpp"
 #include "tessera/check/suspects/isIntended.hpp"
@@ -56,8 +57,7 @@ class ProblemWriter {
   ProblemWriter(const FoundMarker& found, std::uint64_t end, const FoundMarker* before,
                 std::optional<std::u16string_view> nextLine)
       : found(found), parts(found.parts), line(found.lineText), end(end), before(before) {
-    text = {found.line, line, parts.position, end, std::min(parts.problemPosition, end),
-            nextLine,   false};
+    text = {found.line, line, parts.position, end, std::min(parts.problemPosition, end), nextLine};
   }
 
   Suspect write() {
@@ -123,6 +123,10 @@ class ProblemWriter {
     if (suspect.diagnostic.fix) return;
     take(findRepair(text));
     suspect.isCompleted = suspect.isCutOff;
+    // After a range and a blank, data may have been there.
+    const bool isDataLost =
+        suspect.isCutOff && isBlank(line.back()) && !parts.range.empty() && parts.data.empty();
+    if (isDataLost) suspect.diagnostic.fix.reset();
   }
 
   void take(std::optional<Repair> repair) {
@@ -200,7 +204,8 @@ class ProblemWriter {
     const std::u16string_view written = writtenElement(found);
     if (isStartOfElement(written) && text.problem + written.size() == end)
       return writeCutOffElement(written);
-    if (written != parts.element) return writeBrokenElement(written);
+    if (written != parts.element && !similarElement(written).empty())
+      return writeBrokenElement(written);
     const Span span = found.spanOf(parts.element);
     const std::u16string_view similar = similarElement(parts.element);
     const std::u16string_view start = elementAtStart(parts.element);
@@ -210,11 +215,26 @@ class ProblemWriter {
       const bool isCase = isSameLength && areEqualExceptCase(similar, parts.element);
       report(kUnknownElement, isCase ? kElementUpperCase : kElementSimilar, span,
              {quoted(parts.element), quoted(similar)});
+      if (!isCertainElement(similar, isCase)) return;
       return fixBy({found.positionOf(parts.element), parts.element.size(), similar});
     }
     if (start.empty()) return report(kUnknownElement, kElementOther, span, {quoted(parts.element)});
     suspect.element = start;
     writeJoinedElement(start, span);
+  }
+
+  /// Returns whether nothing but the element is wrong when `similar` is meant: "<@TASK:FIT>" is
+  /// upper case as a whole, and the last two characters of "<@outputt#otal>" may be swapped.
+  bool isCertainElement(std::u16string_view similar, bool isCase) const {
+    if (isCase) {
+      const auto isLower = [](char16_t unit) { return unit >= u'a' && unit <= u'z'; };
+      const std::u16string_view marker = line.substr(parts.opening, end - parts.opening);
+      return std::ranges::any_of(marker, isLower) || parts.id.empty();
+    }
+    const bool isLonger =
+        parts.element.size() > similar.size() && parts.element.starts_with(similar);
+    const bool isPlural = isLonger && parts.element.back() == u's';
+    return !isLonger || isPlural || similar == u"task";
   }
 
   /// The line ends in the element, or before it.
@@ -295,7 +315,10 @@ class ProblemWriter {
     if (isAfter) return fixBy({text.problem, 2, swapped});
     const bool isInside =
         text.problem > 1 && line[text.problem - 2] == u' ' && line[text.problem - 1] == u']';
-    fixBy(isInside ? Replacement{text.problem - 2, 2, u"] "} : Replacement{text.problem, 0, u" "});
+    if (isInside) return fixBy({text.problem - 2, 2, u"] "});
+    const bool isInId =
+        text.problem > 1 && line[text.problem - 2] == u' ' && line[text.problem - 1] == u'"';
+    fixBy(isInId ? Replacement{text.problem - 2, 2, u"\" "} : Replacement{text.problem, 0, u" "});
   }
 
   void writeRange() {
@@ -332,7 +355,10 @@ class ProblemWriter {
       return report(kInvalidData, kDataControl, atProblem(), {foundAtProblem()});
     }
     text.mayMoveNames = true;
+    text.isKey = reason == "a key in quotes is missing";
     reportRepairable(kInvalidData, kDataExpected, {expectedInJson(reason), foundAtProblem()});
+    suspect.isKeyCompleted =
+        text.isKey && suspect.diagnostic.fix && suspect.diagnostic.fix->edits.front().text == "\"";
   }
 
   std::u16string_view numberAtProblem() const {
@@ -424,11 +450,14 @@ class ProblemWriter {
     const char16_t last = leader.back();
     if (last == u'*')
       return report(kMissingLeader, kLeaderStar, found.spanOf(leader), {quoted(leader)});
-    const std::u16string repeated = std::u16string(leader) + last;
+    const bool isBlock =
+        last == u'/' && parts.bodyEnd && commentEndAt(line.substr(*parts.bodyEnd)).ends_with(last);
+    const std::u16string_view missing = isBlock ? u"*"sv : leader.substr(leader.size() - 1);
+    std::u16string complete(leader);
+    complete += missing;
     report(kMissingLeader, catalogue::forms::kLeaderTooShort, found.spanOf(leader),
-           {quoted(leader), quoted(repeated)});
-    if (startsComment(last))
-      fixBy({parts.position + leader.size(), 0, leader.substr(leader.size() - 1)});
+           {quoted(leader), quoted(complete)});
+    if (startsComment(last)) fixBy({parts.position + leader.size(), 0, missing});
   }
 
   /// Returns whether a leader of more of these characters may begin where the short one does. After

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "fl/i18n/ustring.hpp"
+#include "quenlith/syntax/Marker.hpp"
 #include "quenlith/syntax/MarkerCandidate.hpp"
 #include "tessera/check/scan/markerText.hpp"
 
@@ -16,6 +17,7 @@ namespace {
 
 using namespace std::string_view_literals;
 using catalogue::Fix;
+using quenlith::syntax::Marker;
 
 /// Returns whether `text` is a marker, with nothing after it, or a blank if `mayContinue`.
 bool isWhole(std::u16string_view text, bool mayContinue) {
@@ -45,6 +47,9 @@ class RepairSearch {
     const std::uint64_t at = text.problem;
     const std::uint64_t afterWord = skipBlanksBack(at);
     for (const auto inserted : {u">"sv, u"]"sv, u"}"sv, u","sv, u":"sv, u"\""sv, u"["sv, u"{"sv}) {
+      // A word after a missing quote may have taken the place of the quote: only a key can be
+      // known.
+      if (inserted == u"\"" && isWordAt(at) && !text.isKey) continue;
       // Where blanks precede the problem, the character belongs before them.
       const bool isBeforeBlanks = afterWord != at && attempt({afterWord, 0, inserted});
       if (!isBeforeBlanks) attempt({at, 0, inserted});
@@ -89,6 +94,12 @@ class RepairSearch {
     }
   }
 
+  bool isWordAt(std::uint64_t at) const {
+    if (at == text.end) return false;
+    const auto lower = static_cast<char16_t>(text.line[at] | 0x20U);
+    return (lower >= u'a' && lower <= u'z') || (lower >= u'0' && lower <= u'9');
+  }
+
   bool isPunctuation(std::uint64_t position) const {
     return u"<@>[]{}(),:#\"-"sv.find(text.line[position]) != std::u16string_view::npos;
   }
@@ -113,14 +124,17 @@ class RepairSearch {
   const DamagedText& text;
 };
 
-/// Returns the position in `next` after blanks, the comment leader of `text`, and blanks.
+/// Returns the position in `next` after blanks, the leader or opener of `text`, and blanks.
 std::size_t skipLeader(const DamagedText& text, std::u16string_view next) {
   constexpr std::u16string_view kLeaderUnits = u"#%;!/-*";
   std::size_t at = std::min(next.find_first_not_of(u" \t"), next.size());
-  const char16_t leader = text.line[text.begin];
-  if (kLeaderUnits.find(leader) != kLeaderUnits.npos) {
-    at = std::min(next.find_first_not_of(leader, at), next.size());
-  }
+  const std::size_t opening = text.line.find(u'<', text.begin + 1);
+  std::u16string_view leader = text.line.substr(text.begin, opening - text.begin);
+  leader = leader.substr(0, leader.find_last_not_of(u" \t") + 1);
+  if (leader.size() > 1 && next.substr(at).starts_with(leader)) at += leader.size();
+  const char16_t unit = text.line[text.begin];
+  if (kLeaderUnits.find(unit) != kLeaderUnits.npos)
+    at = std::min(next.find_first_not_of(unit, at), next.size());
   return std::min(next.find_first_not_of(u" \t", at), next.size());
 }
 
@@ -167,10 +181,19 @@ std::optional<Repair> joinLines(const DamagedText& text) {
       text.nextLine->find(u"<@") != std::u16string_view::npos) {
     return std::nullopt;
   }
-  if (auto repair = joinAt(text, 0, u"")) return repair;
   const std::size_t skipped = skipLeader(text, *text.nextLine);
-  if (auto repair = joinAt(text, skipped, u" ")) return repair;
-  return joinAt(text, skipped, u"");
+  auto plain = joinAt(text, 0, u"");
+  auto spaced = joinAt(text, skipped, u" ");
+  // Whoever continues a comment on the next line breaks it at a blank.
+  if (skipped > 0) {
+    if (spaced) return spaced;
+    return plain ? std::move(plain) : joinAt(text, skipped, u"");
+  }
+  // In a string it cannot be told whether a blank was lost.
+  const bool isAmbiguous =
+      plain && spaced && !isBlank(text.line.back()) && Marker(plain->text) != Marker(spaced->text);
+  if (isAmbiguous) return std::nullopt;
+  return plain ? std::move(plain) : std::move(spaced);
 }
 
 }  // namespace tessera::check::suspects

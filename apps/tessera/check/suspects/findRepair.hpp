@@ -21,6 +21,8 @@ struct DamagedText {
   std::optional<std::u16string_view> nextLine;
   /// A letter may be swapped with punctuation: that is certain in JSON, but not in an id.
   bool mayMoveNames = false;
+  /// A key of JSON must be there.
+  bool isKey = false;
 };
 
 /// One replacement in a line.

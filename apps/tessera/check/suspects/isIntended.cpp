@@ -4,6 +4,7 @@
 #include <array>
 
 #include "tessera/check/scan/SimilarNames.hpp"
+#include "tessera/check/scan/commentEnd.hpp"
 
 namespace tessera::check::suspects {
 
@@ -33,12 +34,28 @@ bool differsInOneUnit(std::u16string_view a, std::u16string_view b) {
   return count == 1;
 }
 
+/// Returns whether the text after "<@" ends like the range or the data of a marker.
+bool endsLikeMarker(const FoundMarker& found) {
+  std::u16string_view rest = found.lineText.substr(found.parts.opening + 2);
+  rest = rest.substr(0, rest.find(u"<@"));
+  for (const std::u16string_view end : {u"}>", u"]>"}) {
+    const std::size_t last = rest.rfind(end);
+    if (last == rest.npos) continue;
+    std::u16string_view after = rest.substr(last + end.size());
+    const std::u16string_view commentEnd = commentEndAt(after);
+    if (!commentEnd.empty()) after.remove_prefix(after.find(commentEnd) + commentEnd.size());
+    if (after.find_first_not_of(u" \t") == after.npos) return true;
+  }
+  return false;
+}
+
 bool isUnknownElementIntended(const FoundMarker& found) {
   const auto& parts = found.parts;
   if (!isComplete(parts.comment)) return false;
   const bool isWhole = parts.bodyEnd.has_value();
   // A whole marker of another element is one of a host that knows more elements, or a mistake.
   if (isWhole && (!parts.range.empty() || !parts.id.empty())) return true;
+  if (endsLikeMarker(found)) return true;
   const std::u16string_view written = writtenElement(found);
   const std::uint64_t after = found.positionOf(written) + written.size();
   const std::u16string_view rest = found.lineText.substr(after);
@@ -57,6 +74,7 @@ bool isUnknownElementIntended(const FoundMarker& found) {
 /// put there.
 bool isElementMissing(const FoundMarker& found) {
   if (!isComplete(found.parts.comment)) return false;
+  if (endsLikeMarker(found)) return true;
   const std::uint64_t begin = found.parts.opening + 2;
   const std::u16string_view line = found.lineText;
   const std::uint64_t next = std::min(line.find_first_not_of(u" \t", begin), line.size());
@@ -90,6 +108,7 @@ bool isLeaderMissing(const FoundMarker& found) {
   if (parts.followsMarker) return true;
   if (!hasParts(found)) return false;
   if (hasReplacedBlank(found)) return true;
+  if (!commentEndAt(found.lineText.substr(*parts.bodyEnd)).empty()) return true;
   const char16_t before = parts.opening == 0 ? u' ' : found.lineText[parts.opening - 1];
   return before == u' ' || before == u'\t' || before == u'<';
 }
