@@ -78,9 +78,12 @@ void closeComment(const FoundMarker& found, std::uint64_t end, BlockComments& co
     repair = repairBy(text, {rest.bodyEnd, 0, *inserted});
   } else if (end == found.lineText.size() &&
              comments.isNeverClosed(found.parts.comment, found.line)) {
-    if (rest.begin == rest.end) repair = repairBy(text, {rest.bodyEnd, 0, closer});
+    if (rest.begin == rest.end) repair = repairBy(text, {rest.bodyEnd, end - rest.bodyEnd, closer});
     const bool isDamaged = isDamagedCloser(rest.text(), ends.closer);
-    if (isDamaged) repair = repairBy(text, {rest.begin, rest.end - rest.begin, ends.closer});
+    // What is too much directly after the marker took the place of the blank there.
+    const bool isBlankLost = rest.begin == rest.bodyEnd && rest.text().size() > ends.closer.size();
+    const std::u16string_view replacement = isBlankLost ? closer : ends.closer;
+    if (isDamaged) repair = repairBy(text, {rest.begin, rest.end - rest.begin, replacement});
   }
   if (!repair) return;
   suspect.diagnostic.fix = std::move(repair->fix);
