@@ -11,13 +11,11 @@
 #include <vector>
 
 #include "document/kdzero/LineNode.hpp"
-#include "failures/kdzero/KeyedHash.hpp"
 #include "platform/model/Witness.hpp"
 
 namespace {
 
 using document::kdzero::LineNode;
-using failures::kdzero::KeyedHash;
 using failures::kdzero::MarkerInfo;
 using failures::kdzero::ParserFailure;
 using foundation::json::Value;
@@ -108,26 +106,6 @@ TEST(ParserFailure, SharesEqualDataWithTheRecordBefore) {
   changed.setFailureData({{"key", Value(2.0)}});
   EXPECT_EQ(first.getFailureData(), data);
   EXPECT_NE(changed, first);
-}
-
-TEST(KeyedHash, IsThePublishedFunction) {
-  // The first of the test vectors that are published with SipHash-1-3: of the empty text.
-  KeyedHash hash({0x0706050403020100, 0x0f0e0d0c0b0a0908});
-  EXPECT_EQ(hash.finish(), 0xabac0158050fc4dcu);
-}
-
-TEST(KeyedHash, DependsOnTheKeyAndOnWhereATextEnds) {
-  const auto hashWith = [](KeyedHash::Key key, std::string_view first, std::string_view second) {
-    KeyedHash hash(key);
-    hash.add(first);
-    hash.add(second);
-    return hash.finish();
-  };
-  EXPECT_EQ(hashWith({1, 2}, "ab", "c"), hashWith({1, 2}, "ab", "c"));
-  EXPECT_NE(hashWith({1, 2}, "ab", "c"), hashWith({1, 2}, "a", "bc"));
-  EXPECT_NE(hashWith({1, 2}, "ab", "c"), hashWith({1, 3}, "ab", "c"));
-  EXPECT_NE(hashWith({1, 2}, "ab", "c"), hashWith({2, 2}, "ab", "c"));
-  EXPECT_NE(hashWith({1, 2}, "ab", std::string_view("c\0", 2)), hashWith({1, 2}, "ab", "c"));
 }
 
 TEST(ParserFailure, DiffersWhenOneFieldDoes) {

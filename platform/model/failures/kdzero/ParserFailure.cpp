@@ -4,15 +4,15 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "failures/kdzero/KeyedHash.hpp"
+#include "fl/i18n/KeyedHash.hpp"
 
 namespace failures::kdzero {
 
+using fl::i18n::KeyedHash;
 using foundation::json::Array;
 using foundation::json::Object;
 using foundation::json::Value;
@@ -28,13 +28,6 @@ std::shared_ptr<const ParserFailure::Data> ParserFailure::share(Data data) {
 }
 
 namespace {
-
-KeyedHash::Key drawKey() {
-  std::random_device source;
-  const auto word = [&source] { return std::uint64_t{source()} << 32 | source(); };
-  const std::uint64_t first = word();
-  return {first, word()};
-}
 
 /// Adds the same for both zeros, which compare equal, and the same for all NaNs.
 void addNumber(KeyedHash& hash, double number) noexcept {
@@ -87,9 +80,8 @@ void addData(KeyedHash& hash, const ParserFailure::Data& data) {
 std::size_t std::hash<failures::kdzero::ParserFailure>::operator()(
     const failures::kdzero::ParserFailure& failure) const {
   using namespace failures::kdzero;
-  static const KeyedHash::Key key = drawKey();
   const MarkerInfo& marker = failure.getMarkerInfo();
-  KeyedHash hash(key);
+  KeyedHash hash(KeyedHash::keyOfProcess());
   for (const ParserFailure::ustring* text : {&failure.getFailureId(), &marker.getMarkerId(),
                                              &marker.getFeatureId(), &marker.getSubFeatureId()}) {
     hash.add(std::u16string_view(*text));

@@ -5,17 +5,24 @@
 #include <cstdint>
 #include <string_view>
 
-#include "quenlith/export/model.hpp"
+#include "quenlith/export/text.hpp"
 
-namespace failures::kdzero {
+namespace fl::i18n {
 
 /// Computes SipHash-1-3 (J.-P. Aumasson and D. J. Bernstein, "SipHash: a fast short-input PRF",
 /// 2012) of a sequence of 64-bit words.
-class QUENLITH_MODEL_EXPORT KeyedHash {
+///
+/// For hash tables whose keys come from files: nobody who does not know the key can choose keys
+/// with equal hashes.
+class QUENLITH_TEXT_EXPORT KeyedHash {
  public:
   using Key = std::array<std::uint64_t, 2>;
 
   explicit KeyedHash(const Key& key) noexcept;
+
+  /// Returns the key of this process, which is drawn on the first call. Throws what
+  /// std::random_device throws; the next call tries again.
+  static const Key& keyOfProcess();
 
   void add(std::uint64_t word) noexcept;
   /// Adds the length and the bytes of `bytes`, padded with zeros to a whole word.
@@ -34,4 +41,4 @@ class QUENLITH_MODEL_EXPORT KeyedHash {
   std::uint64_t words = 0;
 };
 
-}  // namespace failures::kdzero
+}  // namespace fl::i18n

@@ -1,10 +1,27 @@
-#include "failures/kdzero/KeyedHash.hpp"
+#include "fl/i18n/KeyedHash.hpp"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <random>
 
-namespace failures::kdzero {
+namespace fl::i18n {
+
+namespace {
+
+KeyedHash::Key drawKey() {
+  std::random_device source;
+  const auto word = [&source] { return std::uint64_t{source()} << 32 | source(); };
+  const std::uint64_t first = word();
+  return {first, word()};
+}
+
+}  // namespace
+
+const KeyedHash::Key& KeyedHash::keyOfProcess() {
+  static const Key key = drawKey();
+  return key;
+}
 
 KeyedHash::KeyedHash(const Key& key) noexcept
     : state{key[0] ^ 0x736f6d6570736575U, key[1] ^ 0x646f72616e646f6dU,
@@ -59,4 +76,4 @@ void KeyedHash::round() noexcept {
   v2 = std::rotl(v2, 32);
 }
 
-}  // namespace failures::kdzero
+}  // namespace fl::i18n
