@@ -1,11 +1,20 @@
 #include "quenlith/shared/appendix/MarkerAppendix.hpp"
 
+#include "fl/i18n/KeyedHash.hpp"
+
 namespace quenlith::shared::appendix {
 
 using quenlith::syntax::Marker;
 
 MarkerAppendix::Key MarkerAppendix::keyOf(const Marker& marker) noexcept {
   return {marker.elementView(), marker.idView()};
+}
+
+std::size_t MarkerAppendix::KeyHash::operator()(const Key& key) const {
+  fl::i18n::KeyedHash hash(fl::i18n::KeyedHash::keyOfProcess());
+  hash.add(key.first);
+  hash.add(key.second);
+  return static_cast<std::size_t>(hash.finish());
 }
 
 void MarkerAppendix::addEntry(const Marker& entry) {
