@@ -30,12 +30,8 @@ std::optional<MarkerMatch> matchWhole(std::u16string_view text) {
 // Makes the parts of a marker from a bare element name or the text of a marker; null for any other
 // text.
 MarkerParts::Pointer makeParts(std::u16string_view text) {
-  MarkerMatch elementOnly;
-  elementOnly.known = findKnownElement(text);
-  elementOnly.element = text;
-  if (elementOnly.known != KnownElement::kOther) {
-    return MarkerParts::make(elementOnly);
-  }
+  const KnownElement known = findKnownElement(text);
+  if (known != KnownElement::kOther) return MarkerParts::bare(known);
   const auto match = matchWhole(text);
   return match ? MarkerParts::make(*match) : nullptr;
 }
@@ -103,6 +99,7 @@ const Marker::Data& Marker::dataView() const {
 }
 
 ustring Marker::toString() const {
+  if (parts && !parts->bareText().empty()) return ustring(parts->bareText());
   ustring result = u"%<@";
   result.append(elementView());
   if (!typeView().empty()) {
@@ -111,7 +108,7 @@ ustring Marker::toString() const {
   if (!idView().empty()) {
     appendId(result, idView());
   }
-  if (!dataView().empty()) {
+  if (hasData()) {
     std::string json;
     foundation::json::Writer(json, foundation::json::Form::kCanonical).object(dataView());
     result.append(1, u' ').append(fl::i18n::utf8_to_ustring(json));

@@ -59,6 +59,9 @@ class QUENLITH_MARKERS_EXPORT Marker {
   bool operator==(Marker other) const;
 
  private:
+  // Parses no data where there is none.
+  bool hasData() const { return parts && !parts->dataText().empty() && !dataView().empty(); }
+
   // Null for the marker whose parts are all empty.
   MarkerParts::Pointer parts;
 };

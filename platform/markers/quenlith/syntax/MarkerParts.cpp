@@ -14,19 +14,22 @@ namespace quenlith::syntax {
 
 namespace {
 
+std::u16string_view lastPartOf(const MarkerMatch& match) noexcept {
+  if (!match.data.empty()) return match.data;
+  if (!match.id.empty()) return match.id;
+  return match.type.empty() ? match.element : match.type;
+}
+
 // The text of a match from its element to the end of its last part.
 std::u16string_view extentOf(const MarkerMatch& match) noexcept {
-  const char16_t* end = match.element.data() + match.element.size();
-  for (const std::u16string_view part : {match.type, match.id, match.data}) {
-    if (!part.empty()) end = part.data() + part.size();
-  }
+  const std::u16string_view last = lastPartOf(match);
+  const char16_t* end = last.data() + last.size();
   return {match.element.data(), static_cast<std::size_t>(end - match.element.data())};
 }
 
 }  // namespace
 
-MarkerParts::MarkerParts(const MarkerMatch& match) noexcept {
-  const std::u16string_view extent = extentOf(match);
+MarkerParts::MarkerParts(const MarkerMatch& match, std::u16string_view extent) noexcept {
   const auto partOf = [extent](std::u16string_view part) {
     if (part.empty()) return Part();
     return Part{static_cast<std::size_t>(part.data() - extent.data()), part.size()};
@@ -46,12 +49,13 @@ MarkerParts::Pointer MarkerParts::make(const MarkerMatch& match) {
   const bool isQuoted = !match.id.empty() && match.id.front() == u'"';
   if (isQuoted) return unquote(match);
   const bool isBare = match.type.empty() && match.id.empty() && match.data.empty();
-  return isBare && match.known != KnownElement::kOther ? bare(match.known) : copy(match);
+  if (isBare && match.known != KnownElement::kOther) return bare(match.known);
+  return copy(match, extentOf(match));
 }
 
-MarkerParts::Pointer MarkerParts::copy(const MarkerMatch& match) {
-  const std::size_t textBytes = extentOf(match).size() * sizeof(char16_t);
-  return Pointer(new (::operator new(sizeof(MarkerParts) + textBytes)) MarkerParts(match), false);
+MarkerParts::Pointer MarkerParts::copy(const MarkerMatch& match, std::u16string_view extent) {
+  void* block = ::operator new(sizeof(MarkerParts) + extent.size() * sizeof(char16_t));
+  return Pointer(new (block) MarkerParts(match, extent), false);
 }
 
 // Makes the parts with the decoded id. They are copied into one text first, because the constructor
@@ -75,14 +79,19 @@ MarkerParts::Pointer MarkerParts::unquote(const MarkerMatch& match) {
   unquoted.id = take(id.size());
   unquoted.data = rest;
   const bool isBare = text.size() == match.element.size();
-  return isBare && match.known != KnownElement::kOther ? bare(match.known) : copy(unquoted);
+  if (isBare && match.known != KnownElement::kOther) return bare(match.known);
+  return copy(unquoted, text);
 }
 
 const MarkerParts::Pointer& MarkerParts::bare(KnownElement element) {
   const auto makeBare = [](std::u16string_view name) {
+    const std::u16string_view opening = u"%<@";
+    const fl::i18n::ustring text = fl::i18n::ustring(opening).append(name).append(1, u'>');
     MarkerMatch match;
-    match.element = name;
-    return copy(match);
+    match.element = std::u16string_view(text).substr(opening.size(), name.size());
+    Pointer parts = copy(match, text);
+    parts->references.store(kNotCounted, std::memory_order_relaxed);
+    return parts;
   };
   // In the order of KnownElement.
   static const std::array<Pointer, 4> kBare{makeBare(u"control"), makeBare(u"output"),
