@@ -47,10 +47,14 @@ class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
   static const kd::zero::meta::Class kMetaClass;
 
   void assignText(std::u16string_view newText) {
-    if (!placeAfterNode(newText)) replaceText(newText);
+    if (newText.empty()) {
+      length = 0;
+    } else if (!placeAfterNode(newText)) {
+      replaceText(newText);
+    }
   }
-  /// Stores the first text in the block of the node, if that block is the last one of its chunk and
-  /// the chunk has space left; otherwise does nothing and returns false.
+  /// Stores the first text, which is not empty, in the block of the node, if that block is the last
+  /// one of its chunk and the chunk has space left; otherwise does nothing and returns false.
   ///
   /// A parser sets the text of a node before it allocates anything else, so nearly every text is
   /// stored this way: without a separate block, and in the cache lines after its node. An object of
@@ -73,7 +77,7 @@ class QUENLITH_MODEL_EXPORT TextNode::Impl : public Node::Impl {
 inline bool TextNode::Impl::placeAfterNode(std::u16string_view newText) noexcept {
   constexpr std::size_t kLargest =
       (kd::zero::ModelStorage::kLargestBlock - sizeof(Impl)) / sizeof(char16_t);
-  if (text != nullptr || newText.empty() || newText.size() > kLargest) return false;
+  if (text != nullptr || newText.size() > kLargest) return false;
   if (!extendBlock(afterNode(), newText.size() * sizeof(char16_t))) return false;
   text = afterNode();
   length = static_cast<std::uint32_t>(newText.size());

@@ -144,7 +144,12 @@ template <char16_t first, char16_t second>
     return {_mm_movemask_epi8(firsts) != 0, _mm_movemask_epi8(seconds) != 0};
   }
 #endif
-  return {findAny<first>(text) != text.size(), findAny<second>(text) != text.size()};
+  Occurrence found;
+  for (const char16_t unit : text) {
+    found.first |= unit == first;
+    found.second |= unit == second;
+  }
+  return found;
 }
 
 /// Returns the position of the first `first` of `text` at or after `from` that is followed by
