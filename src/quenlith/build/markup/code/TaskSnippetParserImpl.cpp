@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <ostream>
+#include <string_view>
 #include <utility>
 
 #include "document/kdzero/LiveAppLineNode.hpp"
@@ -26,6 +27,7 @@ using line::MarkerKind;
 using quenlith::shared::logging::trace;
 using quenlith::shared::logging::traceWith;
 using syntax::Marker;
+using namespace std::string_view_literals;
 
 /// The state of the parse of one line.
 struct TaskSnippetParserImpl::Line {
@@ -76,7 +78,7 @@ void TaskSnippetParserImpl::reset() {
 
 bool TaskSnippetParserImpl::canParse(const Snippet& snippet) {
   trace("Checking if parse as task");
-  return syntax::has_feature(snippet.text, u"task") || snippet.type.kind == 3;
+  return syntax::has_feature(snippet.text, ustring(u"task"sv)) || snippet.type.kind == 3;
 }
 
 ParseResult TaskSnippetParserImpl::parse(std::shared_ptr<TesseraDocument> document,

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string_view>
 
 namespace fl::i18n {
@@ -12,7 +11,5 @@ struct Occurrence {
 };
 template <char16_t first, char16_t second>
 Occurrence findOccurrence(std::u16string_view text) noexcept;
-template <char16_t first, char16_t second>
-std::size_t findPair(std::u16string_view text, std::size_t from = 0) noexcept;
 
 }  // namespace fl::i18n

@@ -93,7 +93,9 @@ void LineSegmenter::fillGaps(std::size_t lineLength, Runs& found) const {
 
 LineSegmenter::Segments LineSegmenter::split(std::u16string_view line) {
   namespace views = ranges::views;
-  const Runs all = runs(line.size());
+  const Runs found = runs(line.size());
+  // A span and not the vector: its views read the bounds once.
+  const std::span<const Run> all(found.data(), found.size());
   const auto isText = [](const Run& run) { return !run.isMarkerText; };
   const auto sameOwner = [](const Run& a, const Run& b) { return a.owner == b.owner; };
 

@@ -14,9 +14,9 @@ class ScannedLine {
   const fl::i18n::ustring& text() const noexcept { return lineText; }
 
   /// Returns whether the line contains neither a marker nor an escaped leader. Most lines do not.
-  bool isPlainText() const noexcept { return !occurrence.first && !occurrence.second; }
+  bool isPlainText() const noexcept { return !occurrence.first && !mayContainEscapedLeader(); }
   bool mayContainEscapedLeader() const noexcept {
-    return occurrence.second && fl::i18n::findPair<u'%', u'\\'>(lineText) < lineText.size();
+    return occurrence.second && fl::i18n::findOccurrence<u'%', u'\\'>(lineText).first;
   }
 
  private:

@@ -24,6 +24,7 @@ using document::kdzero::LineNode;
 using fl::i18n::ustring;
 using quenlith::shared::logging::trace;
 using syntax::Marker;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -64,7 +65,7 @@ void LineParser::parse(const ustring& line) {
     appendPlainText(line);
     return;
   }
-  hasTask = syntax::has_feature(markers, u"task");
+  hasTask = syntax::has_feature(markers, ustring(u"task"sv));
   lineLength = line.size();
   for (const MarkerInfo& info : markers) parseMarker(info);
   appendSegments(segmenter.split(line));
