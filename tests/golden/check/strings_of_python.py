@@ -7,4 +7,4 @@ x = "a"  # "a" <@text:anchor#d>
 # <@text:anchor#f>
 """  # <@text:anchor#g>
 y = 'it'  # it's # <@text:anchor#h>
-z = r"\"  # <@text:anchor#i>
+z = r"\"  # <@text:anchor#i>"

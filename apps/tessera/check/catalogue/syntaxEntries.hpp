@@ -196,11 +196,18 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kWarning,
      .title = "marker inside a string",
      .messages = {"this marker is inside a string, and is used all the same"},
-     .explanation = "The scanner does not know the languages of the files: it takes a marker "
-                    "inside a string for a\n"
-                    "marker. To write a marker that is not used, put a character between \"<\" and "
-                    "\"@\", for\n"
-                    "example as two strings that are joined.",
+     .explanation =
+         "The scanner does not know the languages of the files: it takes a marker "
+         "inside a string for a\n"
+         "marker. To write a marker that is not used, put a character between \"<\" and "
+         "\"@\", for\n"
+         "example as two strings that are joined.\n"
+         "\n"
+         "This is found where the extension of the file tells the language and its "
+         "strings are certain:\n"
+         "C, C++, C#, CSS, Dart, Go, Haskell, Java, JSON, Kotlin, Lua, PHP, Python, Rust, "
+         "Scala, Swift\n"
+         "and TOML.",
      .before = "print(\"# <@text:anchor#results>\")\n",
      .after = "print(\"# <\" \"@text:anchor#results>\")\n",
      .fix = ""},

@@ -8,8 +8,8 @@ namespace tessera::check::rules {
 using namespace scan;
 
 void checkStrings(const FileScan& scan, std::string_view path, Findings& findings) {
-  const auto syntax = stringSyntaxOf(path);
-  if (!syntax || scan.code.empty()) return;
+  const StringSyntax* const syntax = stringSyntaxOf(path);
+  if (syntax == nullptr || scan.code.empty()) return;
   const std::u16string_view code = scan.lines.code();
   StringLexer lexer(code, *syntax);
   for (const FoundMarker& marker : scan.code) {

@@ -2,34 +2,24 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
+
+#include "tessera/check/scan/StringSyntax.hpp"
 
 namespace tessera::check::scan {
 
-/// How a language writes strings and comments.
-struct StringSyntax {
-  /// "#" begins a comment; else "//" and "/*" do.
-  bool hasHashComments = false;
-  /// Three quotes begin a string of several lines.
-  bool hasTripleQuotes = false;
-  /// R"x( begins a string that )x" ends.
-  bool hasRawStrings = false;
-  /// A backtick begins a string without escapes, of several lines.
-  bool hasBackticks = false;
-};
-
-/// Returns the syntax of the language that the extension of a file name tells; nothing for a
-/// language whose strings cannot be told from its other text with certainty.
-std::optional<StringSyntax> stringSyntaxOf(std::string_view path);
-
 /// Tells whether positions of a source are inside strings. Positions are asked for in ascending
 /// order; the source is read once.
+///
+/// In doubt, a position is not inside a string: a string that does not end on its line as it must,
+/// and everything after a string of several lines that does not end.
 class StringLexer {
  public:
-  /// Borrows `text`, whose lines end in LF.
-  StringLexer(std::u16string_view text, StringSyntax syntax) : text(text), syntax(syntax) {}
+  /// Borrows `text`, whose lines end in LF, and `syntax`.
+  StringLexer(std::u16string_view text, const StringSyntax& syntax);
 
-  /// Returns whether the unit at `position` is inside a string, its quotes not included.
+  /// Returns whether the unit at `position` is inside a string; its closing quote counts as inside.
   bool isInString(std::size_t position);
 
  private:
@@ -39,22 +29,49 @@ class StringLexer {
     bool isString = false;
   };
 
+  /// A string that begins at some position.
+  struct Opened {
+    /// After the opener.
+    std::size_t begin = 0;
+    /// Null if `delimiter` is the closer.
+    const StringForm* form = nullptr;
+    std::u16string delimiter;
+  };
+
   Token next();
-  Token readComment(std::size_t begin);
-  Token readString(std::size_t begin);
-  Token readRawString(std::size_t begin);
-  std::size_t findEnd(std::u16string_view closer, std::size_t from, bool hasEscapes) const;
-  bool isRawPrefix(std::size_t quote) const;
+  std::optional<Token> readComment(std::size_t begin) const;
+  Token readBlockComment(std::size_t begin) const;
+  Token readString(const Opened& opened) const;
+  Token readCharacter(std::size_t begin) const;
+  Token readPattern(std::size_t begin);
+
+  std::optional<Opened> openString(std::size_t begin) const;
+  std::optional<Opened> openDelimited(std::size_t begin) const;
+  std::optional<Opened> openParenthesis(std::size_t begin) const;
+  std::optional<Opened> openHashes(std::size_t begin) const;
+  bool matches(const StringForm& form, std::size_t begin) const;
+  bool hasPrefix(std::size_t begin, std::u16string_view prefix) const;
+  std::u16string_view nameBefore(std::size_t end) const;
   bool isDigitSeparator(std::size_t quote) const;
-  bool startsWith(std::size_t at, std::u16string_view part) const {
-    return text.substr(at, part.size()) == part;
+
+  std::size_t endOf(const Opened& opened, std::size_t depth) const;
+  std::size_t findDelimiter(const Opened& opened) const;
+  std::size_t findCloser(const StringForm& form, std::size_t from, std::size_t depth) const;
+  std::size_t skipEscape(std::size_t backslash) const;
+  std::size_t skipCode(const StringForm& form, std::size_t begin, std::size_t depth) const;
+  std::size_t lineEndAfter(std::size_t position) const;
+  std::size_t run(std::size_t begin, char16_t unit) const;
+  bool startsWith(std::size_t begin, std::u16string_view part) const {
+    return !part.empty() && text.substr(begin, part.size()) == part;
   }
 
   std::u16string_view text;
-  StringSyntax syntax;
+  const StringSyntax& syntax;
   std::size_t at = 0;
-  // The string or comment read last.
+  // The string, character or comment read last.
   Token last;
+  // The first quote or line end from some position on; for patterns.
+  std::size_t quoteOrLineEnd = 0;
 };
 
 }  // namespace tessera::check::scan
