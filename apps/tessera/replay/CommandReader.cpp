@@ -114,7 +114,7 @@ void CommandReader::readEntries(std::vector<quenlith::syntax::Marker>& entries) 
     // The constructor also takes the bare name of an element, which is not the text of a marker.
     const std::u16string_view element = entries.back().elementView();
     if (element.empty() || element == json.text()) {
-      fail(json.begin(), "the entry " + diagnostics::quotedText(json.text()) + " is no marker");
+      fail(json.begin(), "the entry " + diagnostics::quotedText(json.text()) + " is not a marker");
     }
   }
   if (token != Token::kEndArray) fail(json.begin(), "an entry must be a string");
@@ -133,7 +133,7 @@ bool CommandReader::nextKey(std::vector<Key>& keys) {
   if (next() == Token::kEndObject) return false;
   Key key{std::u16string(json.text()), json.begin()};
   if (std::ranges::find(keys, key.name, &Key::name) != keys.end()) {
-    fail(key.position, "the key " + diagnostics::quotedText(key.name) + " stands twice");
+    fail(key.position, "the key " + diagnostics::quotedText(key.name) + " appears twice");
   }
   keys.push_back(std::move(key));
   return true;

@@ -132,7 +132,7 @@ void Replay::setView(const Command& command) {
   if (!task) {
     throw CommandError{
         .column = command.subjectColumn,
-        .what = "the node " + std::to_string(command.node) + " is no header of a task",
+        .what = "the node " + std::to_string(command.node) + " is not the header of a task",
         .remedy = "count the top-level nodes from 0, as \"nodes\" shows them"};
   }
   auto data = task->getLiveTaskData();

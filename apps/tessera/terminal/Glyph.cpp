@@ -120,7 +120,7 @@ class Layout {
     hasCluster = true;
     state = 0;
     last = character.code;
-    // A combining character without a base is shown in a column of its own.
+    // A combining character without a base takes one column.
     append({at, at + character.units, std::max<std::size_t>(character.columns(), 1),
             utf8Of(at, character.units), false});
   }

@@ -39,7 +39,7 @@ inline constexpr std::array kAppendixEntries = std::to_array<CatalogueEntry>({
      .id = "duplicate_entry",
      .severity = Severity::kWarning,
      .title = "second appendix entry of one marker",
-     .messages = {"a second entry for the %1; only the first one is used"},
+     .messages = {"this is a second entry for the %1; only the first one is used"},
      .explanation = "Of several entries with the same element and id, the first one is used.",
      .before =
          "# <@task#fit>\ny = model.fit(x)\n# <@task#fit>\n"
@@ -112,7 +112,7 @@ inline constexpr std::array kAppendixEntries = std::to_array<CatalogueEntry>({
      .id = "second_appendix_line",
      .severity = Severity::kWarning,
      .title = "second line that starts an appendix",
-     .messages = {"the appendix has already started in line %1"},
+     .messages = {"the appendix has already started on line %1"},
      .explanation = "A file has one appendix, from the first line that starts one to the end of "
                     "the file. A second such\n"
                     "line does nothing.",

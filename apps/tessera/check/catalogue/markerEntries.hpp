@@ -12,9 +12,10 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
      .id = "split_character",
      .severity = Severity::kWarning,
      .title = "range that cuts a character",
-     .messages = {"the range %1 cuts %2 in two: this character takes the positions %3 and %4",
+     .messages = {"the range %1 cuts %2 in two: this character takes the positions %3 and %4; did "
+                  "you mean %5?",
                   "the range %1 cuts %2 in two: readers see the text from position %3 to %4 as one "
-                  "character"},
+                  "character; did you mean %5?"},
      .explanation = "Positions count 16-bit code units. Emoji and other characters beyond U+FFFF "
                     "take two, and what a\n"
                     "reader sees as one character may be a base with combining marks or several "
@@ -27,7 +28,7 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
      .id = "blank_range",
      .severity = Severity::kWarning,
      .title = "range that contains only blanks",
-     .messages = {"the text of the range %1 is blank"},
+     .messages = {"the range %1 selects only blanks"},
      .explanation = "The range selects blanks only. Often the line was indented or edited after "
                     "the range was written.",
      .before = "y = 2    # <@output#y [6,8]>\n",
@@ -115,7 +116,7 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
      .id = "duplicate_anchor",
      .severity = Severity::kWarning,
      .title = "several anchors with one id",
-     .messages = {"the anchor %1 is already set in line %2"},
+     .messages = {"the anchor %1 is already set on line %2"},
      .explanation = "The id of an anchor should be unique in its file: a reference to it finds "
                     "only one of them.",
      .before = "# <@text:anchor#results>\nx = 1\n# <@text:anchor#results>\n",
@@ -156,7 +157,7 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
      .id = "task_too_long",
      .severity = Severity::kWarning,
      .title = "task of more than 65,535 lines",
-     .messages = {"the task %1 ends after 65,535 lines: its last marker is in line %2"},
+     .messages = {"the task %1 ends after 65,535 lines: its last marker is on line %2"},
      .explanation = "The lines of a task are counted in 16 bits. At line 65,536 the parser takes "
                     "the task for closed, and\n"
                     "the document does not say how many lines it has. Split the task.",

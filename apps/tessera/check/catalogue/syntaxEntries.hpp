@@ -73,7 +73,7 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .id = "invalid_range",
      .severity = Severity::kWarning,
      .title = "range that is not well-formed",
-     .messages = {"a range has no signs: expected a whole number, found %1",
+     .messages = {"a range cannot have a sign: expected a whole number, found %1",
                   "expected a whole number in the range, found %1",
                   "a range has two numbers, [begin,end]",
                   "expected \",\" between the two numbers of the range, found %1",
@@ -140,7 +140,8 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kWarning,
      .title = "marker that is not in a comment",
      .messages =
-         {"there is no comment leader before this marker", "%1 is not a comment leader: use %2",
+         {"there is no comment leader before this marker: write one, such as \"#\" or \"//\"",
+          "%1 is not a comment leader: use %2",
           "each marker of a line needs its own comment leader, also after another marker",
           "there must be a blank between %1 and the marker",
           "%1 alone does not begin a comment: this marker needs a leader, such as \"#\" or \"//\"",
@@ -195,7 +196,8 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .id = "marker_in_string",
      .severity = Severity::kWarning,
      .title = "marker inside a string",
-     .messages = {"this marker is inside a string, and is used all the same"},
+     .messages = {"this marker is inside a string, but it is used: to prevent that, put a "
+                  "character between \"<\" and \"@\""},
      .explanation =
          "The scanner does not know the languages of the files: it takes a marker "
          "inside a string for a\n"

@@ -153,14 +153,23 @@ class LineCheck {
     if (breaks.isBreak(line, at)) return false;
     const auto [begin, end] = breaks.characterAround(line, at);
     const std::u16string_view character = line.substr(begin, end - begin);
+    const std::string meant = widened(marker, begin, end);
     if (end - begin == 2 && at == begin + 1 && (line[at] & 0xFC00) == 0xDC00) {
       report(marker, kSplitCharacter, kSplitsPair,
-             {nameOf(marker), quoted(character), std::to_string(begin), std::to_string(begin + 1)});
+             {nameOf(marker), quoted(character), std::to_string(begin), std::to_string(begin + 1),
+              meant});
     } else {
-      report(marker, kSplitCharacter, kSplitsCombined,
-             {nameOf(marker), quoted(character), std::to_string(begin), std::to_string(end)});
+      report(
+          marker, kSplitCharacter, kSplitsCombined,
+          {nameOf(marker), quoted(character), std::to_string(begin), std::to_string(end), meant});
     }
     return true;
+  }
+
+  /// Returns the range of the marker with the whole character [`begin`, `end`) in it.
+  static std::string widened(const FoundMarker& marker, std::uint64_t begin, std::uint64_t end) {
+    return '[' + std::to_string(std::min(begin, marker.range->first)) + ',' +
+           std::to_string(std::max(end, marker.range->second)) + ']';
   }
 
   static catalogue::forms::HiddenRange formOf(const scan::HiddenRange& hidden) {

@@ -149,10 +149,10 @@ TEST_F(Replay, AParserOrNodeThatDoesNotExistEndsTheRun) {
       errorOf(uR"({"op":"reset","parser":"Q"})"),
       "24 there is no parser \"Q\"; name \"P\" or start the bundle that has it with --bundle");
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":0,"view":""})"),
-            "24 the node 0 is no header of a task; " + kCount);
+            "24 the node 0 is not the header of a task; " + kCount);
   run(uR"({"op":"addLine","text":""})");
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":0,"view":""})"),
-            "24 the node 0 is no header of a task; " + kCount);
+            "24 the node 0 is not the header of a task; " + kCount);
   parser->parses = [](auto& document, const Snippet&) {
     document.addChild(nodes::makeTaskLine(document.getModel()));
     auto odd = nodes::makeTaskLine(document.getModel());
@@ -162,9 +162,9 @@ TEST_F(Replay, AParserOrNodeThatDoesNotExistEndsTheRun) {
   };
   run(kParse);
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":1,"view":""})"),
-            "24 the node 1 is no header of a task; " + kCount);
+            "24 the node 1 is not the header of a task; " + kCount);
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":2,"view":""})"),
-            "24 the node 2 is no header of a task; " + kCount);
+            "24 the node 2 is not the header of a task; " + kCount);
 }
 
 }  // namespace
