@@ -36,6 +36,13 @@ class Readme(unittest.TestCase):
     def test_the_sample_gives_the_document_that_is_shown(self):
         self.assertEqual(self.parse(block_after("Given this file")), block_after("`scripts/parse fit.py`"))
 
+    def test_check_prints_what_is_shown(self):
+        (self.folder / "report.py").write_text(block_after("`report.py`:"), encoding="utf-8")
+        done = subprocess.run(
+            [TESSERA, "check", "report.py"], cwd=self.folder, stdout=subprocess.PIPE, encoding="utf-8"
+        )
+        self.assertEqual((done.stdout, done.returncode), (block_after("`tessera check report.py` prints"), 1))
+
     def test_the_first_marker_is_one(self):
         shown = json.loads(self.parse(block_after("## A marker in ten lines"), "--format", "json"))
         self.assertEqual(shown["lines"][0]["markerTypes"], ["%<@output>"])

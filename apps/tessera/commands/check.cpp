@@ -41,7 +41,8 @@ std::unique_ptr<reports::CheckReport> makeReport(const CheckOptions& options,
   if (options.format == CheckFormat::kJson) return std::make_unique<reports::CheckJson>(output);
   if (options.format == CheckFormat::kSarif) return std::make_unique<reports::CheckSarif>(output);
   const terminal::Style style{.color = terminal::wantsColor(options.color, STDOUT_FILENO),
-                              .columns = terminal::columnsOf(STDOUT_FILENO)};
+                              .columns = terminal::columnsOf(STDOUT_FILENO),
+                              .isTerminal = ::isatty(STDOUT_FILENO) != 0};
   return std::make_unique<reports::TextReport>(output, style);
 }
 

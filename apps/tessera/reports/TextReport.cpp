@@ -7,6 +7,7 @@
 
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
+#include "tessera/terminal/wrapWords.hpp"
 
 namespace tessera::reports {
 
@@ -44,12 +45,24 @@ void appendStyled(std::string& text, std::string_view styled, std::string_view s
   if (style.color) text += kPlain;
 }
 
-/// Appends "file:line:column: kind: message".
+/// Appends the row "file:line:column: kind: message".
 void appendHeading(std::string& text, std::string_view place, const Kind& kind,
                    std::string_view message, const terminal::Style& style) {
   appendStyled(text, place, kBold, style);
   appendStyled(text, kind.word, kind.color, style);
-  text.append(": ").append(message);
+  text += ": ";
+  if (style.isTerminal) {
+    const std::size_t column = terminal::widthOf(place) + kind.word.size() + 2;
+    text += terminal::wrapWords(message, column, style.columns);
+  } else {
+    text += message;
+  }
+  text += '\n';
+}
+
+/// Returns "1 failure" or "2 failures".
+std::string counted(std::size_t count, std::string_view one, std::string_view several) {
+  return (std::to_string(count) + ' ').append(count == 1 ? one : several);
 }
 
 void appendExcerpt(std::string& text, const CheckedFile& file, const Span& span,
@@ -73,16 +86,18 @@ void TextReport::write(const CheckedFile& file) {
 void TextReport::writeDiagnostic(const CheckedFile& file, const Diagnostic& diagnostic) {
   const CatalogueEntry& entry = entryOf(diagnostic.kind);
   std::string& text = output.text();
-  appendHeading(text, placeOf(file, diagnostic.span.begin),
-                entry.severity == Severity::kFailure ? kFailureKind : kWarningKind,
-                diagnostic.message, style);
-  text.append(" [").append(entry.id).append("]\n");
+  const bool isFailure = entry.severity == Severity::kFailure;
+  ++(isFailure ? failureCount : warningCount);
+  std::string message = diagnostic.message;
+  message.append(" [").append(entry.id).append("]");
+  appendHeading(text, placeOf(file, diagnostic.span.begin), isFailure ? kFailureKind : kWarningKind,
+                message, style);
   appendExcerpt(text, file, diagnostic.span, style);
   writeNotes(file, diagnostic);
   if (!diagnostic.fix) return;
+  ++fixCount;
   appendHeading(text, placeOf(file, diagnostic.fix->edits.front().span.begin), kFixKind,
                 diagnostic.fix->description, style);
-  text += '\n';
 }
 
 void TextReport::writeNotes(const CheckedFile& file, const Diagnostic& diagnostic) {
@@ -90,7 +105,6 @@ void TextReport::writeNotes(const CheckedFile& file, const Diagnostic& diagnosti
   const auto& notes = diagnostic.notes;
   for (const Note& note : std::span(notes).first(std::min(notes.size(), kMostNotes))) {
     appendHeading(text, placeOf(file, note.span.begin), kNoteKind, note.message, style);
-    text += '\n';
     appendExcerpt(text, file, note.span, style);
   }
   if (notes.size() <= kMostNotes) return;
@@ -99,7 +113,21 @@ void TextReport::writeNotes(const CheckedFile& file, const Diagnostic& diagnosti
                 "and " + std::to_string(others) +
                     (others == 1 ? " more place" : " more places; --format json lists all"),
                 style);
-  text += '\n';
+}
+
+void TextReport::finish() {
+  if (style.isTerminal && failureCount + warningCount != 0) writeSummary();
+  output.flush();
+}
+
+void TextReport::writeSummary() {
+  std::string summary;
+  if (failureCount != 0) summary = counted(failureCount, "failure", "failures");
+  if (failureCount != 0 && warningCount != 0) summary += " and ";
+  if (warningCount != 0) summary += counted(warningCount, "warning", "warnings");
+  if (fixCount != 0) summary += "; --fix corrects " + std::to_string(fixCount);
+  summary += "; \"tessera explain ID\" says more";
+  output.text().append("\n").append(terminal::wrapWords(summary, 0, style.columns)).append("\n");
 }
 
 }  // namespace tessera::reports

@@ -12,6 +12,8 @@ struct Style {
   bool color = false;
   /// The longest row. Excerpts have at least a few columns of text, however small this is.
   std::size_t columns = 100;
+  /// A person reads it: long messages are broken between words.
+  bool isTerminal = false;
 };
 
 /// The part of a line that a message is about: the code units [begin, end), clipped to the line. An

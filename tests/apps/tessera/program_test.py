@@ -392,22 +392,24 @@ class CheckInATerminal(ProgramTest):
         self.assertNotIn("\x1b", plain)
         self.assertIn("\x1b[1;31mfailure\x1b[0m", coloured)
         self.assertEqual(re.sub("\x1b\\[[0-9;]*m", "", coloured), plain)
-        self.assertEqual(self.check_in_terminal(name), coloured)
-        self.assertEqual(self.check_in_terminal(name, "--color", "auto", NO_COLOR=""), coloured)
-        self.assertEqual(self.check_in_terminal(name, "--color", "never"), plain)
-        self.assertEqual(self.check_in_terminal(name, NO_COLOR="1"), plain)
-        self.assertEqual(self.check_in_terminal(name, TERM="dumb"), plain)
-        self.assertEqual(self.check_in_terminal(name, "--color", "always", NO_COLOR="1"), coloured)
+        summary = '\n1 failure; "tessera explain ID" says more\n'
+        for options, environment, expected in (
+                ([], {}, coloured), (["--color", "auto"], {"NO_COLOR": ""}, coloured),
+                (["--color", "never"], {}, plain), ([], {"NO_COLOR": "1"}, plain), ([], {"TERM": "dumb"}, plain),
+                (["--color", "always"], {"NO_COLOR": "1"}, coloured)):
+            self.assertEqual(self.check_in_terminal(name, *options, columns=400, **environment), expected + summary)
         self.assertNotIn("\x1b", self.check_in_terminal(name, "--format", "json"))
 
     def test_long_lines_are_cut_to_the_width_of_the_terminal(self):
         name = self.write("f", b"x" * 1000 + b" # <@task#a> " + b"y" * 1000 + b"\n")
         for columns in (60, 200):
-            _, excerpt, mark, _ = self.check_in_terminal(name, "--color", "never", columns=columns).split("\n")
+            rows = self.check_in_terminal(name, "--color", "never", columns=columns).split("\n")
+            excerpt, mark = next((row, below) for row, below in zip(rows, rows[1:]) if row.startswith("     1 | "))
             self.assertEqual(len(excerpt), columns)
+            self.assertLessEqual(max(map(len, rows[1:])), columns)
             self.assertEqual(excerpt[mark.index("^"):mark.rindex("~") + 1], "# <@task#a>")
-        _, excerpt, _, _ = self.check_in_terminal(name, "--color", "never", columns=0).split("\n")
-        self.assertEqual(len(excerpt), 100)
+        rows = self.check_in_terminal(name, "--color", "never", columns=0).split("\n")
+        self.assertEqual([len(row) for row in rows if row.startswith("     1 | ")], [100])
 
 
 class Explain(ProgramTest):
@@ -488,7 +490,7 @@ class Replay(ProgramTest):
             b'{"op":"jump"}': ':2:7: error: unknown operation "jump"' + remedy,
             b'{"op":"reset","parser":"none"}': ':2:24: error: there is no parser "none"; name '
                 '"TaskSnippetParserImpl" or "CodeSnippetParserImpl" or start the bundle that has it with --bundle\n',
-            b'{"op":"setView","node":0,"view":""}': ":2:24: error: the node 0 is no header of a task; "
+            b'{"op":"setView","node":0,"view":""}': ":2:24: error: the node 0 is not the header of a task; "
                 'count the top-level nodes from 0, as "nodes" shows them\n',
             b'{"op":"addLine","text":"\xc3\xa4\xff"}': ":2:26: error: a byte is not valid UTF-8; "
                 "convert the file to UTF-8\n",

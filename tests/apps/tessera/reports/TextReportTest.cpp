@@ -89,6 +89,58 @@ TEST_F(TextReportTest, AfterFiveNotesTheOthersAreCounted) {
                          "a:2:2: note: and 7 more places; --format json lists all\n");
 }
 
+TEST_F(TextReportTest, OnATerminalMessagesAreWrappedAndCounted) {
+  file.path = "a";
+  Diagnostic diagnostic{.kind = DiagnosticKind::kUnusedEntry,
+                        .message = "one two three four five six seven",
+                        .span = spanOf(1, 0, 1),
+                        .notes = {{spanOf(1, 0, 1), "one two three four five six seven"}},
+                        .fix = Fix{"remove one two three four five six", {{spanOf(1, 0, 1), ""}}}};
+  file.diagnostics = {diagnostic};
+  TextReport report(output, {.color = false, .columns = 40, .isTerminal = true});
+  const std::string caret = "     1 | x = 1\n       | ^\n";
+  const std::string expected =
+      "a:1:1: warning: one two three four five\n    six seven [unused_entry]\n" + caret +
+      "a:1:1: note: one two three four five six\n    seven\n" + caret +
+      "a:1:1: fix: remove one two three four\n    five six\n";
+  report.write(file);
+  EXPECT_EQ(folder.read("out"), expected);
+  report.finish();
+  EXPECT_EQ(folder.read("out"), expected +
+                                    "\n1 warning; --fix corrects 1; \"tessera\n"
+                                    "    explain ID\" says more\n");
+}
+
+TEST_F(TextReportTest, FailuresAndWarningsAreCountedApart) {
+  file.path = "a";
+  const auto add = [this](DiagnosticKind kind) {
+    file.diagnostics.push_back(
+        {.kind = kind, .message = "m", .span = spanOf(1, 0, 1), .notes = {}, .fix = {}});
+  };
+  add(DiagnosticKind::kOverlappingTaskMarker);
+  const auto summaryOf = [this] {
+    TextReport report(output, {.color = false, .columns = 200, .isTerminal = true});
+    report.write(file);
+    report.finish();
+    const std::string text = folder.read("out");
+    return text.substr(text.rfind("\n\n") + 2);
+  };
+  const std::string end = "; \"tessera explain ID\" says more\n";
+  EXPECT_EQ(summaryOf(), "1 failure" + end);
+  add(DiagnosticKind::kUnusedEntry);
+  add(DiagnosticKind::kUnusedEntry);
+  EXPECT_EQ(summaryOf(), "1 failure and 2 warnings" + end);
+  add(DiagnosticKind::kOverlappingTaskMarker);
+  EXPECT_EQ(summaryOf(), "2 failures and 2 warnings" + end);
+}
+
+TEST_F(TextReportTest, WithoutDiagnosticsThereIsNoSummary) {
+  TextReport report(output, {.color = false, .columns = 40, .isTerminal = true});
+  report.write(file);
+  report.finish();
+  EXPECT_EQ(folder.read("out"), "");
+}
+
 TEST_F(TextReportTest, ColoursDistinguishTheKindsOfRow) {
   file.path = "a";
   file.diagnostics.push_back({.kind = DiagnosticKind::kUnusedEntry,
