@@ -10,6 +10,7 @@
 #include "harness/MarkdownTable.hpp"
 #include "harness/Subject.hpp"
 #include "programs/Program.hpp"
+#include "programs/writeMarkedFile.hpp"
 
 namespace bench::programs {
 
@@ -21,6 +22,9 @@ const std::string kParse = "parsing in memory";
 const std::string kWrite = "writing as many bytes";
 const std::string kOneLine = "a C++ program that prints one line";
 const std::string kTenLines = "tessera parse, ten lines";
+const std::string kParseMarked = "tessera parse --format ndjson, marked lines, to a file";
+const std::string kCheckMarked = "tessera check, marked lines";
+constexpr std::size_t kMarkedLines = 100'000;
 
 /// The time that a program measured itself.
 RunTimes ownTime(const std::vector<std::string>& arguments) {
@@ -68,13 +72,16 @@ ProgramContest::ProgramContest(std::string programFolder, std::string source)
     : folder(std::move(programFolder)),
       sourceFile(std::move(source)),
       tenLinesFile(sourceFile + ".10"),
+      markedFile(sourceFile + ".marked"),
       outputFile(sourceFile + ".json") {
   copyLines(sourceFile, tenLinesFile, 10);
   runToFile({program("tessera"), "parse", "--format", "json", sourceFile}, outputFile);
   expectCount("tessera, text nodes", textNodesOf(outputFile), linesOf(sourceFile));
   outputBytes = std::filesystem::file_size(outputFile);
+  writeMarkedFile(sourceFile, markedFile, kMarkedLines);
   addFileToFile();
   addStarts();
+  addCheck();
 }
 
 void ProgramContest::addFileToFile() {
@@ -96,8 +103,23 @@ void ProgramContest::addStarts() {
   rounds.add(kTenLines, [this] { return startTime({program("tessera"), "parse", tenLinesFile}); });
 }
 
+void ProgramContest::addCheck() {
+  rounds.add(kParseMarked, [this] {
+    const std::vector<std::string> parse{program("tessera"), "parse", "--format", "ndjson",
+                                         markedFile};
+    return RunTimes{runToFile(parse, outputFile).processorSeconds, 0};
+  });
+  rounds.add(kCheckMarked, [this] {
+    // With this option, the run fails if there is anything to say.
+    const std::vector<std::string> check{program("tessera"), "check", "--fail-on", "warning",
+                                         markedFile};
+    return RunTimes{bench::programs::run(check).processorSeconds, 0};
+  });
+}
+
 void ProgramContest::run(int roundCount) {
   rounds.run(roundCount);
+  std::filesystem::remove(markedFile);
   std::filesystem::remove(outputFile);
   std::filesystem::remove(tenLinesFile);
 }
@@ -114,7 +136,8 @@ void ProgramContest::write(std::ostream& out) const {
 
 void ProgramContest::writeTimes(std::ostream& out) const {
   MarkdownTable table({"what", "ms"});
-  for (const auto* name : {&kFileToFile, &kRead, &kParse, &kWrite, &kOneLine, &kTenLines}) {
+  for (const auto* name : {&kFileToFile, &kRead, &kParse, &kWrite, &kOneLine, &kTenLines,
+                           &kParseMarked, &kCheckMarked}) {
     table.add({*name, decimal(seconds(*name) * 1e3, 2)});
   }
   table.write(out);
@@ -127,6 +150,8 @@ void ProgramContest::writeAims(std::ostream& out) const {
                 parts / seconds(kFileToFile), 0.5);
   table.atMost("tessera parse of ten lines, ms more than a program that prints one line",
                (seconds(kTenLines) - seconds(kOneLine)) * 1e3, 8);
+  table.atMost("tessera check, in times of tessera parse --format ndjson",
+               seconds(kCheckMarked) / seconds(kParseMarked), 1.5);
   table.write(out);
 }
 

@@ -23,6 +23,7 @@ class ProgramContest {
   std::string program(const std::string& name) const { return folder + '/' + name; }
   void addFileToFile();
   void addStarts();
+  void addCheck();
   void writeTimes(std::ostream& out) const;
   void writeAims(std::ostream& out) const;
   double seconds(const std::string& name) const { return rounds.best(name).seconds; }
@@ -30,6 +31,7 @@ class ProgramContest {
   std::string folder;
   std::string sourceFile;
   std::string tenLinesFile;
+  std::string markedFile;
   std::string outputFile;
   std::uintmax_t outputBytes = 0;
   Rounds rounds;
