@@ -141,7 +141,7 @@ void LineParser::appendOwned(const LineSegment& segment) {
 }  // namespace
 
 void parseMarkedLine(const kd::zero::Model& model, const LineNode& lineNode,
-                     const ParserLists& parsers, const ScannedLine& line, ParseResult& result) {
+                     const ParserLists& parsers, ScannedLine line, ParseResult& result) {
   LineParser parser(model, lineNode, parsers, result);
   if (line.mayContainEscapedLeader()) {
     parser.parse(normaliseLine(line.text()));

@@ -13,6 +13,6 @@ namespace quenlith::build::markup::code::line {
 ///
 /// Propagates what a parser throws; `lineNode` and `result` may then contain a part of this.
 void parseMarkedLine(const kd::zero::Model& model, const document::kdzero::LineNode& lineNode,
-                     const ParserLists& parsers, const ScannedLine& line, ParseResult& result);
+                     const ParserLists& parsers, ScannedLine line, ParseResult& result);
 
 }  // namespace quenlith::build::markup::code::line
