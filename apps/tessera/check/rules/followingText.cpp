@@ -65,6 +65,25 @@ suspects::Suspect describeCommentEnd(const FoundMarker& marker, std::u16string_v
   return suspect;
 }
 
+/// Returns whether the marker is in a block comment after all, because its leader took the place of
+/// a blank: "/*;<@task> */".
+bool isLeaderTyped(const FoundMarker& marker) {
+  const std::uint64_t position = marker.parts.position;
+  const char16_t before = position == 0 ? u' ' : marker.lineText[position - 1];
+  return marker.parts.opening == position + 1 && (before == u'*' || before == u'-');
+}
+
+suspects::Suspect describeTypedLeader(const FoundMarker& marker) {
+  const std::uint64_t position = marker.parts.position;
+  suspects::Suspect suspect;
+  suspect.diagnostic = catalogue::makeDiagnostic(
+      catalogue::DiagnosticKind::kMissingLeader, catalogue::forms::kLeaderReplacedBlank,
+      marker.spanOf(position, position + 1), {quoted(marker.lineText.substr(position, 1))});
+  suspect.element = marker.parts.element;
+  suspect.takenId = marker.id;
+  return suspect;
+}
+
 }  // namespace
 
 void checkFollowingText(const FileScan& scan, Findings& findings) {
@@ -82,7 +101,11 @@ void checkFollowingText(const FileScan& scan, Findings& findings) {
     if (!commentEnd.empty()) {
       const auto text = marker.lineText.substr(floor, marker.parts.position - floor);
       const bool isInComment = text.find(openerOf(commentEnd)) != text.npos;
-      if (!isInComment) findings.suspects.code.push_back(describeCommentEnd(marker, commentEnd));
+      if (!isInComment) {
+        findings.suspects.code.push_back(describeCommentEnd(marker, commentEnd));
+      } else if (isLeaderTyped(marker)) {
+        findings.suspects.code.push_back(describeTypedLeader(marker));
+      }
     } else if (isPartOfMarker(rest)) {
       findings.suspects.code.push_back(describeRest(marker));
     }

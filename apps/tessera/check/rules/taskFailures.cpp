@@ -78,27 +78,36 @@ class TaskFailureRule {
   }
 
  private:
-  /// A damaged line that should start the appendix makes markers of all entries: that is one cause.
+  /// Without the line that starts the appendix, all entries are markers: that is one cause. The
+  /// line may be damaged or gone.
   void explainByAppendixLine() {
     if (scan.appendixLine != 0) return;
     auto& suspects = findings.suspects.code;
     const auto line = std::ranges::find(suspects, u"appendix", &Suspect::element);
-    if (line == suspects.end()) return;
-    const std::uint64_t number = line->diagnostic.span.begin.line;
+    const bool isDamaged = line != suspects.end();
+    const std::uint64_t number = isDamaged ? line->diagnostic.span.begin.line : 0;
     Diagnostic* diagnostic = nullptr;
     for (Group& group : groups) {
-      const bool hasEntry =
-          isTooMany(group) && group.markers->size() == 3 && group.markers->back()->line >= number;
-      if (!hasEntry) continue;
+      if (!isTooMany(group) || !isPairWithEntry(*group.markers, number)) continue;
       group.isMerged = true;
       findings.brokenTasks.insert(std::u16string(group.id));
       if (diagnostic == nullptr) {
         diagnostic = &reportMissing(group, kPairTooMany, std::to_string(group.markers->size()));
-        explainBy(*line, *diagnostic);
+        if (isDamaged) explainBy(*line, *diagnostic);
+        if (!isDamaged)
+          addNote(*diagnostic, *group.markers->back(),
+                  "this one is an entry, but no line before it starts the appendix");
       } else {
         addNote(*diagnostic, *group.markers->back(), "this entry is a third marker, too");
       }
     }
+  }
+
+  /// Returns whether `markers` are a pair and, in line `number` or below, their entry.
+  static bool isPairWithEntry(const Markers& markers, std::uint64_t number) {
+    const auto hasData = [](const FoundMarker* marker) { return !marker->parts.data.empty(); };
+    return markers.size() == 3 && markers.back()->line >= number && hasData(markers.back()) &&
+           std::none_of(markers.begin(), markers.end() - 1, hasData);
   }
 
   /// A marker whose ">" came too early has another id than its partner: neither of them is a pair.

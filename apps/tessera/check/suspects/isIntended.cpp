@@ -61,6 +61,8 @@ bool isUnknownElementIntended(const FoundMarker& found) {
   const std::u16string_view rest = found.lineText.substr(after);
   const bool isAtEnd = rest.find_first_not_of(u" \t") == rest.npos;
   if (isAtEnd && isStartOfElement(written)) return true;
+  const bool isWord = isStartOfElement(written) || !similarElement(written).empty();
+  if (isWord && isBlock(parts.comment) && !commentEndAt(rest).empty()) return true;
   if (written != parts.element) {
     return !similarElement(written).empty() && (rest.starts_with(u'#') || rest.starts_with(u':'));
   }
