@@ -68,7 +68,8 @@ class Copy:
         """Returns the lines of the other markers with the id of the damaged one, and of the tasks that it overlaps."""
         old = damages.markers_of(self.lines)
         damaged = [self.damage.marker, *(marker for marker in old if marker.line not in self.same)]
-        ids = {marker.id for marker in damaged}
+        new = [marker for marker in damages.markers_of(self.damage.lines) if marker.line in self.changed]
+        ids = {marker.id for marker in [*damaged, *new]}
         if self.original.appendix not in self.same:
             ids |= {marker.id for marker in old if marker.element == "task"}
         partners = {self.same[marker.line] for marker in old if marker.id in ids and marker.line in self.same}

@@ -108,7 +108,8 @@ def is_whole_without_comment(line, opening):
     if not body or body[0][0] not in ELEMENTS:
         return False
     before = line[opening - 1 : opening] if opening else " "
-    is_apart = before in grammar.BLANKS + "<-/" or grammar.comment_before(line[: opening - 1] + " <@", opening, 0)
+    is_apart = before in grammar.BLANKS + "<-/" or any(
+        grammar.comment_before(line[:end] + " <@", end + 1, 0) for end in (opening - 1, opening))
     return bool(is_apart or CLOSER.match(line, body[1]))
 
 
