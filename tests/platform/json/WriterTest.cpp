@@ -143,4 +143,85 @@ TEST(Writer, DeepValuesAreWrittenWithoutRecursion) {
 }
 
 }  // namespace
+TEST(Writer, OmitsMembersWhoseValueIsEmpty) {
+  std::string output;
+  Writer json(output, Form::kCompact, foundation::json::EmptyMembers::kOmitted);
+  const auto writeEmpty = [&json] {
+    json.key("text");
+    json.text(std::u16string_view());
+    json.key("utf8");
+    json.text(std::string_view());
+    json.key("double");
+    json.number(0.0);
+    json.key("float");
+    json.number(-0.0F);
+    json.key("signed");
+    json.number(std::int64_t{0});
+    json.key("unsigned");
+    json.number(std::uint64_t{0});
+    json.key("false");
+    json.boolean(false);
+    json.key("null");
+    json.null();
+    json.key("object");
+    json.object({});
+    json.key("array");
+    json.beginArray();
+    json.endArray();
+  };
+  json.beginObject();
+  writeEmpty();
+  json.key("a");
+  json.number(std::uint64_t{1});
+  writeEmpty();
+  // What contains nothing but empty members is empty.
+  json.key("nested");
+  json.beginObject();
+  writeEmpty();
+  json.key("deeper");
+  json.beginObject();
+  writeEmpty();
+  json.endObject();
+  json.endObject();
+  json.key("b");
+  json.beginObject();
+  writeEmpty();
+  json.key("c");
+  json.boolean(true);
+  json.endObject();
+  // Elements stay, also empty ones.
+  json.key("d");
+  json.beginArray();
+  json.text(std::string_view());
+  json.number(std::uint64_t{0});
+  json.null();
+  json.beginObject();
+  writeEmpty();
+  json.endObject();
+  json.beginArray();
+  json.endArray();
+  json.endArray();
+  // A value is written with everything in it.
+  json.key("e");
+  json.object({{"empty", Value("")}, {"list", Value(foundation::json::Array{})}});
+  writeEmpty();
+  json.endObject();
+  EXPECT_EQ(output, R"({"a":1,"b":{"c":true},"d":["",0,null,{},[]],"e":{"empty":"","list":[]}})");
+}
+
+TEST(Writer, OmitsTheFirstMemberOfAnIndentedObject) {
+  std::string output;
+  Writer json(output, Form::kIndented, foundation::json::EmptyMembers::kOmitted);
+  json.beginObject();
+  json.key("a");
+  json.beginArray();
+  json.endArray();
+  json.key("b");
+  json.boolean(true);
+  json.key("c");
+  json.null();
+  json.endObject();
+  EXPECT_EQ(output, "{\n  \"b\": true\n}");
+}
+
 }  // namespace foundation::json

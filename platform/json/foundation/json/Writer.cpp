@@ -68,6 +68,7 @@ struct Writer::Walk {
 };
 
 void Writer::key(std::string_view name) {
+  lastKey = {output.size(), isFirst};
   separate();
   quoted(name);
   output.append(form == Form::kIndented ? ": " : ":");
@@ -75,41 +76,49 @@ void Writer::key(std::string_view name) {
 }
 
 void Writer::text(std::u16string_view value) {
+  if (omits(value.empty())) return;
   separate();
   appendQuoted(output, value);
 }
 
 void Writer::text(std::string_view utf8) {
+  if (omits(utf8.empty())) return;
   separate();
   quoted(utf8);
 }
 
 void Writer::number(double value) {
+  if (omits(value == 0)) return;
   separate();
   form == Form::kCanonical ? appendCanonicalNumber(output, value) : appendNumber(output, value);
 }
 
 void Writer::number(float value) {
+  if (omits(value == 0)) return;
   separate();
   appendNumber(output, value);
 }
 
 void Writer::number(std::int64_t value) {
+  if (omits(value == 0)) return;
   separate();
   appendInteger(output, value);
 }
 
 void Writer::number(std::uint64_t value) {
+  if (omits(value == 0)) return;
   separate();
   appendInteger(output, value);
 }
 
 void Writer::boolean(bool value) {
+  if (omits(!value)) return;
   separate();
   output.append(value ? "true" : "false");
 }
 
 void Writer::null() {
+  if (omits(true)) return;
   separate();
   output.append("null");
 }
@@ -120,15 +129,20 @@ void Writer::raw(std::string_view json) {
 }
 
 void Writer::value(const Value& value) {
+  isVerbatim = true;
   Walk walk(*this);
   walk.enter(value);
   walk.run();
+  isVerbatim = false;
 }
 
 void Writer::object(const Object& members) {
+  if (omits(members.empty())) return;
+  isVerbatim = true;
   Walk walk(*this);
   walk.enter(members);
   walk.run();
+  isVerbatim = false;
 }
 
 // Writes what separates a token from the one before it: nothing after a key, and nothing at depth
@@ -151,7 +165,19 @@ void Writer::breakLine() {
   }
 }
 
+/// Takes the key back if its value is empty and such members are omitted. Returns whether it did.
+bool Writer::omits(bool isEmpty) {
+  if (!isEmpty || !isAfterKey || isVerbatim || emptyMembers == EmptyMembers::kWritten) return false;
+  output.resize(lastKey.size);
+  isFirst = lastKey.isFirst;
+  isAfterKey = false;
+  return true;
+}
+
 void Writer::open(char bracket) {
+  if (emptyMembers == EmptyMembers::kOmitted) {
+    containers.push_back(isAfterKey && !isVerbatim ? lastKey : MemberBegin());
+  }
   separate();
   output.append(1, bracket);
   ++depth;
@@ -160,6 +186,15 @@ void Writer::open(char bracket) {
 
 void Writer::close(char bracket) {
   --depth;
+  if (emptyMembers == EmptyMembers::kOmitted) {
+    const MemberBegin begin = containers.back();
+    containers.pop_back();
+    if (isFirst && begin.size != std::string::npos) {
+      output.resize(begin.size);
+      isFirst = begin.isFirst;
+      return;
+    }
+  }
   if (!isFirst) {
     breakLine();
   }
