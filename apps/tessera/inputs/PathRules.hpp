@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tessera::inputs {
+
+/// Rules in the syntax of .gitignore, each of which selects paths. libgit2 reads and matches them;
+/// it is loaded when it is first needed, because that takes as long as the rest of a short run.
+///
+/// Operations throw ProblemError when libgit2 cannot be loaded or reports an error.
+class PathRules {
+ public:
+  /// The rules of the .gitignore files in `folder` and below.
+  static PathRules inFolder(const std::string& folder);
+  /// The rules `lines`, in order: a later one counts more.
+  static PathRules fromLines(const std::vector<std::string>& lines);
+
+  ~PathRules();
+  PathRules(PathRules&& other) noexcept;
+  PathRules& operator=(PathRules&& other) noexcept;
+
+  /// Returns whether the rules select `path`, which is relative to the folder and ends in "/" if it
+  /// is a directory, or a directory above it.
+  bool select(const std::string& path) const;
+
+ private:
+  struct GitLibrary;
+  struct Repository;
+
+  explicit PathRules(std::unique_ptr<Repository> repository);
+
+  std::unique_ptr<Repository> repository;
+};
+
+}  // namespace tessera::inputs

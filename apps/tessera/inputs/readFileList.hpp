@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tessera::inputs {
+
+/// Returns the paths that the file `name` lists, "-" for standard input. Each ends in a NUL or
+/// in a line feed; the last one may lack it. Empty ones are skipped. Throws ProblemError.
+std::vector<std::string> readFileList(const std::string& name, bool isNulSeparated);
+
+}  // namespace tessera::inputs
