@@ -1,9 +1,13 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <string>
 #include <vector>
 
+#include "foundation/json/Writer.hpp"
 #include "tessera/host/ServiceHost.hpp"
+#include "tessera/inputs/InputOptions.hpp"
 #include "tessera/terminal/settings.hpp"
 
 namespace tessera::commands {
@@ -13,11 +17,21 @@ enum class ParseFormat { kTree, kJson, kNdjson };
 struct ParseOptions {
   ParseFormat format = ParseFormat::kTree;
   bool trace = false;
+  foundation::json::EmptyMembers emptyMembers = foundation::json::EmptyMembers::kWritten;
   host::Pieces pieces = host::Pieces::kKept;
   /// Empty: the calls are not recorded.
   std::string recordFile;
+  /// Whether the recording may replace a file that is not a recording.
+  bool replacesAnyFile = false;
+  /// Empty: standard output.
+  std::string outputFile;
+  /// Whether the run continues what an interrupted one has written to `outputFile`.
+  bool resumes = false;
+  std::size_t workers = 1;
+  /// How long a worker may take for a file. Zero: no limit.
+  std::chrono::milliseconds timeout{0};
   std::vector<std::string> bundles;
-  std::vector<std::string> files;
+  inputs::InputOptions inputs;
 };
 
 enum class CheckFormat { kText, kJson, kSarif };
@@ -36,7 +50,7 @@ struct CheckOptions {
   terminal::ColorMode color = terminal::ColorMode::kAuto;
   std::vector<std::string> bundles;
   host::Pieces pieces = host::Pieces::kKept;
-  std::vector<std::string> files;
+  inputs::InputOptions inputs;
 };
 
 enum class ExplainFormat { kText, kMarkdown };
@@ -53,7 +67,7 @@ struct MarkersOptions {
   MarkersFormat format = MarkersFormat::kText;
   host::Pieces pieces = host::Pieces::kKept;
   std::vector<std::string> bundles;
-  std::vector<std::string> files;
+  inputs::InputOptions inputs;
 };
 
 struct ReplayOptions {

@@ -21,6 +21,7 @@
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/files/RewritableFile.hpp"
 #include "tessera/host/ServiceHost.hpp"
+#include "tessera/inputs/listInputs.hpp"
 #include "tessera/reports/CheckJson.hpp"
 #include "tessera/reports/CheckSarif.hpp"
 #include "tessera/reports/TextReport.hpp"
@@ -68,7 +69,8 @@ class CheckRun {
         files([this](const CheckedFile& file) { take(file); }) {}
 
   int run() {
-    for (const std::string& name : options.files) {
+    const auto inputs = inputs::listInputs(options.inputs, inputs::BinaryFiles::kLeftOut);
+    for (const auto& [name, isFound] : inputs) {
       try {
         files.add(options.fixes == Fixes::kNone ? check(parser.parse(name), name) : fix(name));
       } catch (const diagnostics::OutputError&) {
@@ -161,7 +163,7 @@ class CheckRun {
 
 int check(const CheckOptions& options) {
   if (options.fixes != Fixes::kNone &&
-      std::ranges::find(options.files, "-") != options.files.end()) {
+      std::ranges::find(options.inputs.paths, "-") != options.inputs.paths.end()) {
     throw diagnostics::ProblemError({.file = "-",
                                      .place = {},
                                      .what = "standard input cannot be fixed",

@@ -1,9 +1,17 @@
 #include "tessera/commands/commandLine.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <string_view>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "tessera/commands/check.hpp"
@@ -79,8 +87,74 @@ void addBare(CLI::App& command, host::Pieces& pieces) {
       "Drop the pieces of output and control markers, as the parsers do without other bundles.");
 }
 
-void addFiles(CLI::App& command, std::vector<std::string>& files, const std::string& description) {
-  command.add_option("FILE", files, description)->type_name("")->required();
+std::string readOutputFile(const std::string& name) {
+  if (name.empty()) throw CLI::ValidationError("\"\" is not a file to write: name a file");
+  return name == "-" ? std::string() : name;
+}
+
+std::uint64_t readCount(std::string_view digits) {
+  std::uint64_t count = 0;
+  const auto [end, error] = std::from_chars(digits.begin(), digits.end(), count);
+  return error == std::errc() && end == digits.end() ? count : 0;
+}
+
+inputs::Shard readShard(const std::string& text) {
+  const std::size_t slash = std::min(text.find('/'), text.size());
+  const std::string_view index = std::string_view(text).substr(0, slash);
+  const std::string_view count = std::string_view(text).substr(std::min(slash + 1, text.size()));
+  const inputs::Shard shard{.index = readCount(index), .count = readCount(count)};
+  if (shard.index != 0 && shard.index <= shard.count) return shard;
+  throw CLI::ValidationError("\"" + text + "\" is not a shard: use I/N with 1 <= I <= N");
+}
+
+std::size_t readWorkers(const std::string& text) {
+  constexpr std::uint64_t kMostWorkers = 1024;
+  const std::uint64_t count = readCount(text);
+  if (count != 0 && count <= kMostWorkers) return count;
+  throw CLI::ValidationError("\"" + text + "\" is not a number of workers: use 1 to 1024");
+}
+
+std::chrono::milliseconds readTimeout(const std::string& text) {
+  constexpr double kMostSeconds = 1e6;
+  double seconds = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  if (error == std::errc() && end == text.data() + text.size() && seconds >= 0.001 &&
+      seconds <= kMostSeconds) {
+    return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+  }
+  throw CLI::ValidationError("\"" + text + "\" is not a time: use seconds, for example 30 or 0.5");
+}
+
+void addInputs(CLI::App& command, inputs::InputOptions& inputs) {
+  auto* const paths = command.add_option(
+      "PATH", inputs.paths, "Files, directories with all that is below, and - for standard input.");
+  paths->type_name("");
+  auto* const list =
+      command
+          .add_option("--files-from", inputs.listFile,
+                      "Read more paths from a file, one a line; - is standard input.")
+          ->type_name("FILE");
+  command
+      .add_flag("-0", inputs.isNulSeparated, "Paths in that file end in NUL, not in a line feed.")
+      ->needs(list);
+  command
+      .add_option(
+          "--glob", inputs.globs,
+          "Of directories, take files that match (as in .gitignore); \"!GLOB\" leaves files "
+          "out. May be repeated.")
+      ->type_name("GLOB")
+      ->allow_extra_args(false);
+  command.add_flag_callback(
+      "--no-ignore", [&inputs] { inputs.respectsIgnoreFiles = false; },
+      "Of directories, also take files that .gitignore excludes.");
+  command
+      .add_option_function<std::string>(
+          "--shard", [&inputs](const std::string& text) { inputs.shard = readShard(text); },
+          "Take every N-th file, from the I-th on.")
+      ->type_name("I/N");
+  command.callback([paths, list] {
+    if (paths->empty() && list->empty()) throw CLI::RequiredError("PATH");
+  });
 }
 
 /// The options of all commands, and how arguments set them.
@@ -103,6 +177,7 @@ struct CommandLine {
 
  private:
   void addParse();
+  void addRun();
   void addCheck();
   void addMarkers();
   void addExplain();
@@ -127,6 +202,10 @@ void CommandLine::addParse() {
           "--format", [this](const std::string& name) { parseOptions.format = readFormat(name); },
           "How documents are written: tree (the default), json or ndjson.")
       ->type_name("FORMAT");
+  parseCommand->add_flag_callback(
+      "--omit-empty",
+      [this] { parseOptions.emptyMembers = foundation::json::EmptyMembers::kOmitted; },
+      "Leave out JSON members whose value is empty: \"\", [], {}, null, false or 0.");
   parseCommand->add_flag("--trace", parseOptions.trace, "Show the records that the parsers emit.");
   parseCommand
       ->add_option_function<std::string>(
@@ -134,9 +213,38 @@ void CommandLine::addParse() {
           [this](const std::string& name) { parseOptions.recordFile = readRecordFile(name); },
           "Write the calls of the parsers for tessera replay.")
       ->type_name("FILE");
+  parseCommand->add_flag("--force", parseOptions.replacesAnyFile,
+                         "With --record: also replace a file that is not a recording.");
   addBare(*parseCommand, parseOptions.pieces);
   addBundles(*parseCommand, parseOptions.bundles);
-  addFiles(*parseCommand, parseOptions.files, "The files to parse; - is standard input.");
+  addInputs(*parseCommand, parseOptions.inputs);
+  addRun();
+}
+
+/// Adds the options that say how many files are parsed.
+void CommandLine::addRun() {
+  parseOptions.workers = std::max(1U, std::thread::hardware_concurrency());
+  parseCommand
+      ->add_option_function<std::string>(
+          "-j,--jobs",
+          [this](const std::string& text) { parseOptions.workers = readWorkers(text); },
+          "The number of worker processes; without it, that of the processor's cores.")
+      ->type_name("N");
+  parseCommand
+      ->add_option_function<std::string>(
+          "--timeout",
+          [this](const std::string& text) { parseOptions.timeout = readTimeout(text); },
+          "Give up a file after that time.")
+      ->type_name("SECONDS");
+  auto* const output = parseCommand->add_option_function<std::string>(
+      "-o,--output",
+      [this](const std::string& name) { parseOptions.outputFile = readOutputFile(name); },
+      "Write to a file, which appears when it is complete.");
+  output->type_name("FILE");
+  auto* const resume = parseCommand->add_flag("--resume", parseOptions.resumes,
+                                              "Continue what an interrupted run has written to "
+                                              "FILE.partial (with --format ndjson and -o).");
+  resume->needs(output);
 }
 
 void CommandLine::addCheck() {
@@ -167,7 +275,7 @@ void CommandLine::addCheck() {
       ->excludes(format);
   addBare(*checkCommand, checkOptions.pieces);
   addBundles(*checkCommand, checkOptions.bundles);
-  addFiles(*checkCommand, checkOptions.files, "The files to check; - is standard input.");
+  addInputs(*checkCommand, checkOptions.inputs);
 }
 
 void CommandLine::addMarkers() {
@@ -181,7 +289,7 @@ void CommandLine::addMarkers() {
       ->type_name("FORMAT");
   addBare(*markersCommand, markersOptions.pieces);
   addBundles(*markersCommand, markersOptions.bundles);
-  addFiles(*markersCommand, markersOptions.files, "The files to read; - is standard input.");
+  addInputs(*markersCommand, markersOptions.inputs);
 }
 
 void CommandLine::addExplain() {

@@ -10,6 +10,7 @@
 #include "tessera/diagnostics/report.hpp"
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/host/ServiceHost.hpp"
+#include "tessera/inputs/listInputs.hpp"
 #include "tessera/reports/MarkerReport.hpp"
 #include "tessera/session/FileParser.hpp"
 
@@ -26,7 +27,8 @@ int markers(const MarkersOptions& options) {
                                                              : &reports::appendMarkerRows;
   files::OutputFile output(STDOUT_FILENO, "standard output");
   int status = kFine;
-  for (const std::string& name : options.files) {
+  const auto inputs = inputs::listInputs(options.inputs, inputs::BinaryFiles::kLeftOut);
+  for (const auto& [name, isFound] : inputs) {
     try {
       append(output.text(), check::listing::listMarkers(name, parser.parse(name), isAccepted));
     } catch (const diagnostics::ProblemError& error) {

@@ -1,10 +1,10 @@
 #include "tessera/files/OutputFile.hpp"
 
-#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -30,43 +30,47 @@ const char* remedyForWriting(int error) {
 
 }  // namespace
 
+void failOutput(const std::string& name, const std::string& what, int error) {
+  throw diagnostics::OutputError({.file = name,
+                                  .place = {},
+                                  .what = what + ": " + std::generic_category().message(error),
+                                  .remedy = remedyForWriting(error)});
+}
+
 OutputFile::OutputFile(int descriptor, std::string name)
     : name(std::move(name)), descriptor(descriptor) {}
 
-OutputFile::OutputFile(const std::string& name)
-    : name(name),
-      descriptor(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)),
-      owned(true) {
-  if (descriptor < 0) fail("cannot be created");
+void OutputFile::writeThrough(std::string_view piece) {
+  flush();
+  write(piece);
 }
 
-OutputFile::~OutputFile() {
-  if (owned) ::close(descriptor);
+bool OutputFile::takeBack(std::uint64_t size) noexcept {
+  struct stat status;
+  if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  // The position is right also in a file that is only appended to.
+  const off_t end = ::lseek(descriptor, 0, SEEK_CUR) - static_cast<off_t>(size);
+  return end >= 0 && ::ftruncate(descriptor, end) == 0 && ::lseek(descriptor, end, SEEK_SET) == end;
 }
 
-void OutputFile::flush() {
-  std::string_view rest = buffered;
-  while (!rest.empty()) {
-    const ssize_t count = ::write(descriptor, rest.data(), rest.size());
+void OutputFile::write(std::string_view piece) {
+  while (!piece.empty()) {
+    const ssize_t count = ::write(descriptor, piece.data(), piece.size());
     if (count >= 0) {
-      rest.remove_prefix(static_cast<std::size_t>(count));
+      piece.remove_prefix(static_cast<std::size_t>(count));
+    } else if (errno == EAGAIN) {
+      awaitRoom();
     } else if (errno != EINTR) {
-      const int error = errno;
-      buffered.clear();
-      errno = error;
-      fail("cannot be written");
+      failOutput(name, "cannot be written", errno);
     }
   }
-  buffered.clear();
 }
 
-void OutputFile::fail(const char* what) const {
-  const int error = errno;
-  throw diagnostics::OutputError(
-      {.file = name,
-       .place = {},
-       .what = std::string(what) + ": " + std::generic_category().message(error),
-       .remedy = remedyForWriting(error)});
+void OutputFile::awaitRoom() const {
+  pollfd stream{.fd = descriptor, .events = POLLOUT, .revents = 0};
+  if (::poll(&stream, 1, -1) < 0 && errno != EINTR) {
+    failOutput(name, "cannot be written", errno);
+  }
 }
 
 }  // namespace tessera::files

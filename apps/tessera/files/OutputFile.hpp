@@ -1,42 +1,36 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
+
+#include "tessera/files/OutputText.hpp"
 
 namespace tessera::files {
 
-/// Writes text to a file in large pieces: callers append to `text()` and flush between records.
-class OutputFile {
+/// Writes text to an open file. A short write, an interrupted one and a pipe that does not block
+/// are continued until all is written.
+class OutputFile final : public OutputText {
  public:
   /// Borrows the open file `descriptor`; `name` names it in errors.
   OutputFile(int descriptor, std::string name);
-  /// Creates the file `name`, or truncates an existing one. Throws OutputError.
-  explicit OutputFile(const std::string& name);
-  /// Closes the file if this object opened it. Text that was not flushed is lost.
-  ~OutputFile();
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
 
-  /// The text that is still to be written; append to it.
-  std::string& text() noexcept { return buffered; }
+  /// Writes all of `piece` at once, after what is buffered. Throws OutputError.
+  void writeThrough(std::string_view piece);
 
-  /// Like `flush`, but only if much is buffered.
-  void flushIfLarge() {
-    if (buffered.size() >= kLargeBytes) flush();
-  }
-
-  /// Writes the buffered text. Throws OutputError; the text is then dropped, so that a later call
-  /// does not write it twice.
-  void flush();
+  /// Removes the last `size` bytes that were written, and returns whether that was possible: it is
+  /// for a regular file.
+  bool takeBack(std::uint64_t size) noexcept;
 
  private:
-  static constexpr std::size_t kLargeBytes = 256 * 1024;
-
-  [[noreturn]] void fail(const char* what) const;
+  void write(std::string_view piece) override;
+  void awaitRoom() const;
 
   std::string name;
-  std::string buffered;
   int descriptor;
-  bool owned = false;
 };
+
+/// Throws OutputError for the file `name`: `what` happened, for the reason `error` (an errno).
+[[noreturn]] void failOutput(const std::string& name, const std::string& what, int error);
 
 }  // namespace tessera::files

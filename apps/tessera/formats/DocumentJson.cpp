@@ -1,21 +1,18 @@
 #include "tessera/formats/DocumentJson.hpp"
 
-#include <cstdint>
+#include "tessera/formats/DocumentRecord.hpp"
 
 namespace tessera::formats {
 
-DocumentJson::DocumentJson(files::OutputFile& output, foundation::json::Form form, Records records)
+DocumentJson::DocumentJson(files::OutputText& output, JsonLayout layout, Records records)
     : output(output),
-      json(output.text(), form),
-      nodes(output, json, form),
-      lines(output, json, form, records) {}
+      json(output.text(), layout.form, layout.emptyMembers),
+      nodes(output, json, layout),
+      lines(output, json, layout, records) {}
 
 void DocumentJson::write(const FileResult& result) {
   json.beginObject();
-  json.key("schemaVersion");
-  json.number(std::uint64_t{1});
-  json.key("file");
-  json.text(std::string_view(result.file));
+  writeRecordHead(json, result.file);
   nodes.writeMember(result.parsed.document->getChildren());
   lines.writeMember(result);
   json.endObject();

@@ -2,6 +2,7 @@
 
 #include "foundation/json/Writer.hpp"
 #include "tessera/formats/DocumentWriter.hpp"
+#include "tessera/formats/JsonLayout.hpp"
 #include "tessera/formats/LineJson.hpp"
 #include "tessera/formats/NodeJson.hpp"
 
@@ -11,12 +12,12 @@ namespace tessera::formats {
 class DocumentJson final : public DocumentWriter {
  public:
   /// Borrows `output`.
-  DocumentJson(files::OutputFile& output, foundation::json::Form form, Records records);
+  DocumentJson(files::OutputText& output, JsonLayout layout, Records records);
 
   void write(const FileResult& result) override;
 
  private:
-  files::OutputFile& output;
+  files::OutputText& output;
   foundation::json::Writer json;
   NodeJson nodes;
   LineJson lines;

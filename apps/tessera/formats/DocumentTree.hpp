@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "document/kdzero/Node.hpp"
-#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/OutputText.hpp"
 #include "tessera/formats/DocumentWriter.hpp"
 
 namespace tessera::formats {
@@ -16,7 +16,7 @@ namespace tessera::formats {
 class DocumentTree final : public DocumentWriter {
  public:
   /// Borrows `output`.
-  DocumentTree(files::OutputFile& output, Records records) : output(output), records(records) {}
+  DocumentTree(files::OutputText& output, Records records) : output(output), records(records) {}
 
   void write(const FileResult& result) override;
 
@@ -30,7 +30,7 @@ class DocumentTree final : public DocumentWriter {
   void beginRow(std::size_t depth);
   void row(std::size_t depth, std::string_view text);
 
-  files::OutputFile& output;
+  files::OutputText& output;
   Records records;
   // The number of the line until its first row is written, then 0.
   std::uint64_t lineNumber = 0;

@@ -68,7 +68,7 @@ bool LineJson::matchesPattern(const Line& line) {
 
 void LineJson::makePattern(const Line& line, const FileResult& result) {
   std::string text;
-  foundation::json::Writer writer(text, form);
+  foundation::json::Writer writer(text, layout.form, layout.emptyMembers);
   writer.beginObject();
   writer.key(kLinesKey);
   writer.beginArray();

@@ -5,18 +5,19 @@
 #include <string>
 
 #include "foundation/json/Writer.hpp"
-#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/OutputText.hpp"
 #include "tessera/formats/DocumentWriter.hpp"
+#include "tessera/formats/JsonLayout.hpp"
 
 namespace tessera::formats {
 
 /// Writes the lines of a document as JSON.
 class LineJson {
  public:
-  /// Borrows both; `json` writes to the text of `output` in the form `form`.
-  LineJson(files::OutputFile& output, foundation::json::Writer& json, foundation::json::Form form,
+  /// Borrows both; `json` writes to the text of `output` in the layout `layout`.
+  LineJson(files::OutputText& output, foundation::json::Writer& json, JsonLayout layout,
            Records records)
-      : output(output), json(json), form(form), records(records) {}
+      : output(output), json(json), layout(layout), records(records) {}
 
   /// Writes the member "lines" of an outermost object. Throws OutputError.
   void writeMember(const FileResult& result);
@@ -42,9 +43,9 @@ class LineJson {
                          const FileResult& result) const;
   void writeRest(foundation::json::Writer& target, const Line& line) const;
 
-  files::OutputFile& output;
+  files::OutputText& output;
   foundation::json::Writer& json;
-  foundation::json::Form form;
+  JsonLayout layout;
   Records records;
   Pattern pattern;
   // The outcome of the line written last.

@@ -19,14 +19,14 @@ namespace {
 constexpr std::string_view kNodesKey = "nodes";
 
 /// Returns the JSON of a plain line whose text is `text`, as it follows another node in the member.
-std::string renderPlainLine(foundation::json::Form form, std::u16string_view text) {
+std::string renderPlainLine(JsonLayout layout, std::u16string_view text) {
   const kd::zero::Model model = kd::zero::Model::create();
   LineNode line = LineNode::Builder(model).createLineNode(boost::uuids::uuid());
   PlainTextNode child = PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid());
   child->setText(text);
   line->getChildrenMutable().add(child);
   std::string rendered;
-  foundation::json::Writer writer(rendered, form);
+  foundation::json::Writer writer(rendered, layout.form, layout.emptyMembers);
   writer.beginObject();
   writer.key(kNodesKey);
   writer.beginArray();
@@ -39,11 +39,10 @@ std::string renderPlainLine(foundation::json::Form form, std::u16string_view tex
 
 }  // namespace
 
-NodeJson::NodeJson(files::OutputFile& output, foundation::json::Writer& json,
-                   foundation::json::Form form)
-    : output(output), json(json) {
+NodeJson::NodeJson(files::OutputText& output, foundation::json::Writer& json, JsonLayout layout)
+    : output(output), json(json), emptyLine(renderPlainLine(layout, {})) {
   constexpr std::string_view kSample = "\"the text\"";
-  const std::string line = renderPlainLine(form, u"the text");
+  const std::string line = renderPlainLine(layout, u"the text");
   const std::size_t place = line.find(kSample);
   beforeText = line.substr(0, place);
   afterText = line.substr(place + kSample.size());
@@ -64,6 +63,10 @@ void NodeJson::writeMember(const kd::zero::ElementSequence<Node>& nodes) {
 }
 
 void NodeJson::writePlainLine(std::u16string_view text) {
+  if (text.empty()) {
+    output.text() += emptyLine;
+    return;
+  }
   output.text() += beforeText;
   foundation::json::appendQuoted(output.text(), text);
   output.text() += afterText;

@@ -5,15 +5,16 @@
 
 #include "document/kdzero/Node.hpp"
 #include "foundation/json/Writer.hpp"
-#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/OutputText.hpp"
+#include "tessera/formats/JsonLayout.hpp"
 
 namespace tessera::formats {
 
 /// Writes a document's nodes as JSON.
 class NodeJson {
  public:
-  /// Borrows both; `json` writes to the text of `output` in the form `form`.
-  NodeJson(files::OutputFile& output, foundation::json::Writer& json, foundation::json::Form form);
+  /// Borrows both; `json` writes to the text of `output` in the layout `layout`.
+  NodeJson(files::OutputText& output, foundation::json::Writer& json, JsonLayout layout);
 
   /// Writes the member "nodes" of an outermost object. Throws OutputError.
   void writeMember(const kd::zero::ElementSequence<document::kdzero::Node>& nodes);
@@ -21,12 +22,14 @@ class NodeJson {
  private:
   void writePlainLine(std::u16string_view text);
 
-  files::OutputFile& output;
+  files::OutputText& output;
   foundation::json::Writer& json;
   // The JSON before and after the text of a plain line that is not the first node. Most lines are
   // plain, and copying these parts is several times as fast as writing every member anew.
   std::string beforeText;
   std::string afterText;
+  // The JSON of a plain line without text.
+  std::string emptyLine;
 };
 
 }  // namespace tessera::formats

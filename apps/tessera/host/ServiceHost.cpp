@@ -76,7 +76,9 @@ struct RequiredParser {
 }  // namespace
 
 struct ServiceHost::Running {
-  explicit Running(Pieces pieces) : pieces(pieces) {}
+  Running(Pieces pieces, StartEvents startEvents)
+      : pieces(pieces),
+        isSilent(std::make_shared<std::atomic<bool>>(startEvents == StartEvents::kDropped)) {}
   ~Running() { stop(); }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
@@ -96,13 +98,17 @@ struct ServiceHost::Running {
   cppmicroservices::ServiceRegistration<AppendixBuilder> registration;
   std::vector<cppmicroservices::Bundle> bundles;
   const BundleFiles files = findBundles();
+  // Whether events are not reported to the user.
+  std::shared_ptr<std::atomic<bool>> isSilent;
   // Whether the framework has reported an error of one of the program's bundles.
   std::shared_ptr<std::atomic<bool>> hasFailed = std::make_shared<std::atomic<bool>>(false);
 };
 
-ServiceHost::ServiceHost(const std::vector<std::string>& extensionBundles, Pieces pieces)
-    : running(std::make_unique<Running>(pieces)) {
+ServiceHost::ServiceHost(const std::vector<std::string>& extensionBundles, Pieces pieces,
+                         StartEvents startEvents)
+    : running(std::make_unique<Running>(pieces, startEvents)) {
   running->start(extensionBundles);
+  *running->isSilent = false;
 }
 
 ServiceHost::~ServiceHost() = default;
@@ -126,8 +132,9 @@ void ServiceHost::Running::start(const std::vector<std::string>& extensionBundle
 
 void ServiceHost::Running::listen() {
   // Shared, because the framework may outlive this object.
-  const auto listener = [failed = hasFailed, own = files](const FrameworkEvent& event) {
-    reportEvent(event);
+  const auto listener = [silent = isSilent, failed = hasFailed,
+                         own = files](const FrameworkEvent& event) {
+    if (!*silent) reportEvent(event);
     if (event.GetType() != FrameworkEvent::FRAMEWORK_ERROR || !event.GetBundle()) return;
     const std::string location = event.GetBundle().GetLocation();
     if (location == own.parsers || location == own.pieces) *failed = true;

@@ -15,6 +15,10 @@ namespace tessera::host {
 /// marker.
 enum class Pieces { kKept, kDropped };
 
+/// Whether errors and warnings of the framework while it starts are reported. One process of
+/// several that do the same does.
+enum class StartEvents { kReported, kDropped };
+
 /// Runs the framework and the program's bundles in it.
 class ServiceHost {
  public:
@@ -22,7 +26,8 @@ class ServiceHost {
   /// pieces if they are kept and, in this order, `extensionBundles`, and registers an appendix as a
   /// service. Throws ProblemError, with everything stopped again, when a bundle cannot be used or a
   /// parser that the program needs is not registered.
-  ServiceHost(const std::vector<std::string>& extensionBundles, Pieces pieces);
+  ServiceHost(const std::vector<std::string>& extensionBundles, Pieces pieces,
+              StartEvents startEvents = StartEvents::kReported);
 
   /// Stops everything in the opposite order. Parsers that are still held may be released later,
   /// but not used.

@@ -18,12 +18,12 @@ using quenlith::build::markup::ParseResult;
 using quenlith::build::markup::SnippetParser;
 
 Replay::Replay(std::vector<session::NamedParser> parsers, Appendix& appendix,
-               files::OutputFile& output)
+               files::OutputText& output)
     : parsers(std::move(parsers)),
       appendix(appendix),
       output(output),
       json(output.text(), foundation::json::Form::kCompact),
-      nodes(output, json, foundation::json::Form::kCompact),
+      nodes(output, json, {.form = foundation::json::Form::kCompact}),
       document(std::make_shared<TesseraDocument>()) {}
 
 void Replay::run(const Command& command) {

@@ -7,7 +7,7 @@
 #include "document/kdzero/TesseraDocument.hpp"
 #include "foundation/json/Writer.hpp"
 #include "quenlith/shared/appendix/MarkerAppendix.hpp"
-#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/OutputText.hpp"
 #include "tessera/formats/NodeJson.hpp"
 #include "tessera/replay/Command.hpp"
 #include "tessera/session/LogCollector.hpp"
@@ -21,7 +21,7 @@ class Replay {
   using Appendix = quenlith::shared::appendix::MarkerAppendix;
 
   /// Borrows `appendix` and `output`.
-  Replay(std::vector<session::NamedParser> parsers, Appendix& appendix, files::OutputFile& output);
+  Replay(std::vector<session::NamedParser> parsers, Appendix& appendix, files::OutputText& output);
 
   /// Executes `command` and writes the answer, one line. An exception of a parser is an answer
   /// too. Throws CommandError when the command names a parser or a node that does not exist,
@@ -43,7 +43,7 @@ class Replay {
 
   std::vector<session::NamedParser> parsers;
   Appendix& appendix;
-  files::OutputFile& output;
+  files::OutputText& output;
   foundation::json::Writer json;
   formats::NodeJson nodes;
   session::LogCollector log;

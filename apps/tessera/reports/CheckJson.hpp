@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/json/Writer.hpp"
-#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/OutputText.hpp"
 #include "tessera/reports/CheckReport.hpp"
 
 namespace tessera::reports {
@@ -10,7 +10,7 @@ namespace tessera::reports {
 class CheckJson : public CheckReport {
  public:
   /// Borrows `output`.
-  explicit CheckJson(files::OutputFile& output)
+  explicit CheckJson(files::OutputText& output)
       : output(output), json(output.text(), foundation::json::Form::kCompact) {}
 
   void write(const check::catalogue::CheckedFile& file) override;
@@ -23,7 +23,7 @@ class CheckJson : public CheckReport {
   void writeFix(const CheckedFile& file, const check::catalogue::Diagnostic& diagnostic);
   void writeSpan(const CheckedFile& file, const check::catalogue::Span& span);
 
-  files::OutputFile& output;
+  files::OutputText& output;
   foundation::json::Writer json;
 };
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/OutputText.hpp"
 #include "tessera/reports/CheckReport.hpp"
 
 namespace tessera::reports {
@@ -18,7 +18,7 @@ namespace tessera::reports {
 class CheckSarif : public CheckReport {
  public:
   /// Borrows `output`.
-  explicit CheckSarif(files::OutputFile& output) : output(output) {}
+  explicit CheckSarif(files::OutputText& output) : output(output) {}
 
   void write(const check::catalogue::CheckedFile& file) override;
   void addProblem(const diagnostics::Problem& problem) override;
@@ -27,7 +27,7 @@ class CheckSarif : public CheckReport {
  private:
   void add(std::string result, check::catalogue::Severity severity);
 
-  files::OutputFile& output;
+  files::OutputText& output;
   // Each as JSON; empty for a warning that a failure has displaced.
   std::vector<std::string> results;
   // The places of the warnings in `results`.

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/OutputText.hpp"
 #include "tessera/reports/CheckReport.hpp"
 #include "tessera/terminal/Excerpt.hpp"
 
@@ -14,7 +14,7 @@ namespace tessera::reports {
 class TextReport : public CheckReport {
  public:
   /// Borrows `output`.
-  TextReport(files::OutputFile& output, terminal::Style style) : output(output), style(style) {}
+  TextReport(files::OutputText& output, terminal::Style style) : output(output), style(style) {}
 
   void write(const check::catalogue::CheckedFile& file) override;
   void finish() override;
@@ -27,7 +27,7 @@ class TextReport : public CheckReport {
 
   void writeSummary();
 
-  files::OutputFile& output;
+  files::OutputText& output;
   terminal::Style style;
   std::size_t failureCount = 0;
   std::size_t warningCount = 0;

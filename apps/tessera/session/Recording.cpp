@@ -6,8 +6,8 @@ namespace tessera::session {
 
 using quenlith::build::markup::Snippet;
 
-Recording::Recording(const std::string& name)
-    : file(name), json(file.text(), foundation::json::Form::kCompact) {}
+Recording::Recording(files::OutputText& file)
+    : file(file), json(file.text(), foundation::json::Form::kCompact) {}
 
 void Recording::begin(const std::vector<fl::i18n::ustring>& appendixEntries,
                       std::u16string_view code) {

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "foundation/json/Writer.hpp"
 #include "quenlith/build/markup/Snippet.hpp"
-#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/OutputText.hpp"
 
 namespace tessera::session {
 
@@ -14,9 +13,8 @@ namespace tessera::session {
 /// is complete even if the call ends the process.
 class Recording {
  public:
-  /// Creates the file `name`, or truncates an existing one. Throws OutputError, as all operations
-  /// do.
-  explicit Recording(const std::string& name);
+  /// Borrows `file`. All operations throw OutputError.
+  explicit Recording(files::OutputText& file);
 
   /// Begins a file with a new document and the entries of its appendix; `code` is the
   /// auxiliary text of all its snippets.
@@ -33,7 +31,7 @@ class Recording {
   void call(std::string_view operation, std::string_view parser,
             const quenlith::build::markup::Snippet& snippet);
 
-  files::OutputFile file;
+  files::OutputText& file;
   foundation::json::Writer json;
   // The auxiliary text that a reader of the recording assumes for a snippet without one.
   fl::i18n::ustring auxiliaryText;

@@ -43,6 +43,7 @@ ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
     source::LineCursor cursor(snippet.auxiliaryText, code.any);
     while (const auto line = cursor.next()) {
       ++number;
+      if (currentLine != nullptr) currentLine->store(number, std::memory_order_relaxed);
       snippet.text.assign(*line);
       LineOutcome outcome = parseLine(parsed.document, snippet);
       snippet.type = outcome.result.type;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -53,6 +54,9 @@ class SnippetSession {
   /// reset again by the next call.
   ParsedSnippet parse(source::JoinedLines code);
 
+  /// From now on, `line` is set to the 1-based number of each line before it is parsed. Borrowed.
+  void showLineIn(std::atomic<std::uint64_t>& line) noexcept { currentLine = &line; }
+
  private:
   void resetParsers();
   std::size_t choose(const quenlith::build::markup::Snippet& snippet);
@@ -62,6 +66,7 @@ class SnippetSession {
   std::vector<NamedParser> parsersInOrder;
   LogCollector* log;
   Recording* recording;
+  std::atomic<std::uint64_t>* currentLine = nullptr;
 };
 
 }  // namespace tessera::session

@@ -66,7 +66,7 @@ class CommandLine(ProgramTest):
             (): 'A subcommand is required; "tessera --help" lists what there is',
             ("jump",): 'unknown command "jump"; "tessera --help" lists what there is',
             ("--jump",): 'unknown option "--jump"; "tessera --help" lists what there is',
-            ("parse",): 'FILE is required; "tessera parse --help" lists what there is',
+            ("parse",): 'PATH is required; "tessera parse --help" lists what there is',
             ("parse", "--jump", "a"): 'unknown option "--jump"; "tessera parse --help" lists what there is',
             ("parse", "--\x1b[1m", "a"):
                 'unknown option "--\\u001b[1m"; "tessera parse --help" lists what there is',
@@ -147,15 +147,17 @@ class Parse(ProgramTest):
         bad = self.write("bad", "one\ntwö\n".encode() + b"\xc3\xa4\xff")
         cases = {
             str(self.folder / "none"): ": error: cannot be opened: No such file or directory; check the name",
-            str(self.folder): ": error: cannot be read: Is a directory; name the files in it",
             bad: ":3:2: error: byte 0xFF is not valid UTF-8; convert the file to UTF-8",
         }
         for name, message in cases.items():
             with self.subTest(name=name):
                 done = tessera("parse", "--format", "ndjson", name, good)
-                self.assertRefused(done, name + message, expected, status=3)
+                refusal, document = done.stdout.splitlines(keepends=True)
+                self.assertRefused(done, name + message, refusal + expected, status=3)
+                self.assertEqual(document, expected)
                 done = tessera("parse", "--format", "ndjson", good, name)
-                self.assertEqual((done.stdout, done.returncode), (expected, 3))
+                self.assertEqual((done.stdout, done.returncode), (expected + refusal, 3))
+                self.assertEqual(tessera("parse", "--format", "json", name).stdout, b"")
                 for command in ("check", "markers"):
                     alone = tessera(command, "--format", "json", good).stdout
                     self.assertRefused(tessera(command, "--format", "json", name, good), name + message, alone,
@@ -225,10 +227,10 @@ class Parse(ProgramTest):
         self.assertRefused(done, "-: error: cannot be read: Bad file descriptor; name a file that can be read",
                            status=3)
 
-    def test_folders_are_refused_and_devices_and_pipes_are_read(self):
+    def test_devices_and_pipes_are_read_and_replay_refuses_a_folder(self):
+        self.assertRefused(tessera("replay", str(self.folder)), str(self.folder) +
+                           ": error: cannot be read: Is a directory; name the files in it")
         for command, status in ("parse", 3), ("check", 3), ("markers", 3), ("replay", 2):
-            self.assertRefused(tessera(command, str(self.folder)), str(self.folder) +
-                               ": error: cannot be read: Is a directory; name the files in it", status=status)
             self.assertRefused(tessera(command, ""),
                                '"": error: cannot be opened: No such file or directory; check the name', status=status)
             self.assertEqual(tessera(command, "/dev/null").returncode, 0)
@@ -244,8 +246,9 @@ class Parse(ProgramTest):
         name = self.write("f", b"x\n")
         once = tessera("parse", name).stdout
         self.assertEqual(tessera("parse", name, name).stdout, once + once)
-        done = tessera("parse", "-", "-", stdin=b"x\n")
-        self.assertEqual((done.stdout, done.returncode), (once.replace(name.encode(), b"-") + b"-\n", 0))
+        self.assertEqual(tessera("parse", "-", stdin=b"x\n").stdout, once.replace(name.encode(), b"-"))
+        self.assertRefused(tessera("parse", "-", "-", stdin=b"x\n"),
+                           "-: error: standard input is named 2 times, and can be read once; name it once")
 
     def test_invalid_utf8_is_located_around_every_chunk_boundary(self):
         # The file is read in chunks of 64 KiB.
@@ -465,7 +468,7 @@ class Replay(ProgramTest):
         self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "one of the files to parse"))
         with open(name, "ab") as target:
             done = subprocess.run([PROGRAM, "parse", "--record", name, other], stdout=target, stderr=subprocess.PIPE)
-        self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "where standard output goes"))
+        self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "where the output goes"))
         self.assertEqual((self.folder / "f").read_bytes(), b"x")
 
     def test_a_recording_that_cannot_be_written_is_an_error(self):

@@ -3,6 +3,7 @@
 
 schema_test.py PROGRAM
 """
+import base64
 import copy
 import json
 import pathlib
@@ -102,6 +103,18 @@ DAMAGE = {
 }
 
 
+# Each damages the record of a file that could not be parsed in one way.
+DAMAGED_ERRORS = {
+    "an error and nodes": lambda d: d.update(nodes=[]),
+    "no line": lambda d: d["error"].pop("line"),
+    "a column below 0": lambda d: d["error"].update(column=-1),
+    "an empty message": lambda d: d["error"].update(message=""),
+    "no remedy": lambda d: d["error"].pop("remedy"),
+    "an unknown key in an error": lambda d: d["error"].update(extra=1),
+    "bytes that are not base64": lambda d: d.update(fileBytes="/w="),
+}
+
+
 # Each damages a record about a file in one way; the first diagnostic has a note and a fix.
 DAMAGED_CHECKS = {
     "no schema version": lambda d: d.pop("schemaVersion"),
@@ -142,6 +155,22 @@ def check_problems(program):
     return problems
 
 
+def error_problems(program, validator):
+    """Returns what is wrong with the record of a file that could not be parsed."""
+    name = b"none \xff"
+    done = subprocess.run([program, "parse", "--format", "ndjson", name], capture_output=True, timeout=60)
+    record = json.loads(done.stdout)
+    problems = [f"error record: {error.message}" for error in validator.iter_errors(record)]
+    if record.get("fileBytes") != base64.b64encode(name).decode():
+        problems.append(f"error record: {record}")
+    for what, damage in DAMAGED_ERRORS.items():
+        damaged = copy.deepcopy(record)
+        damage(damaged)
+        if validator.is_valid(damaged):
+            problems.append(f"{what}: the schema accepts it")
+    return problems
+
+
 def main():
     program = sys.argv[1]
     schema = json.loads((ROOT / "docs" / "parse.schema.json").read_text())
@@ -167,8 +196,10 @@ def main():
     node = {"kind": "CodeNode", "anchorId": "", "children": [], "contributorData": [], "parserFailures": []}
     foreign["nodes"] += [node, {**node, "text": "x"}]
     problems += [f"nodes of another bundle: {error.message}" for error in validator.iter_errors(foreign)]
+    problems += error_problems(program, validator)
     problems += check_problems(program)
-    print("\n".join(problems + [f"{len(documents)} documents, {len(DAMAGE) + len(DAMAGED_PIECES) + len(DAMAGED_CHECKS)} damaged ones"]))
+    damaged_count = sum(map(len, (DAMAGE, DAMAGED_PIECES, DAMAGED_ERRORS, DAMAGED_CHECKS)))
+    print("\n".join(problems + [f"{len(documents)} documents, {damaged_count} damaged ones"]))
     return 1 if problems else 0
 
 

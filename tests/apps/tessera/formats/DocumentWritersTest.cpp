@@ -4,7 +4,7 @@
 #include <limits>
 #include <string>
 
-#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "apps/tessera/support/WrittenText.hpp"
 #include "apps/tessera/support/nodes.hpp"
 #include "platform/model/NoteNode.hpp"
 #include "tessera/formats/DocumentJson.hpp"
@@ -71,7 +71,7 @@ class DocumentWriters : public testing::Test {
   }
 
   std::string json(Form form = Form::kCompact, Records records = Records::kHidden) {
-    DocumentJson(output, form, records).write({file, parsed, parsers});
+    DocumentJson(output, {form}, records).write({file, parsed, parsers});
     return std::exchange(output.text(), {});
   }
 
@@ -80,8 +80,7 @@ class DocumentWriters : public testing::Test {
     return std::exchange(output.text(), {});
   }
 
-  TemporaryFolder folder;
-  tessera::files::OutputFile output{folder.path("out")};
+  WrittenText output;
   std::string file = "a.py";
   tessera::session::ParsedSnippet parsed;
   std::vector<tessera::session::NamedParser> parsers{{"P", nullptr}, {"", nullptr}};
@@ -97,7 +96,7 @@ TEST_F(DocumentWriters, AnEmptyDocumentHasEmptyLists) {
 
 TEST_F(DocumentWriters, FilesFollowOneAnother) {
   const std::string one = json(Form::kIndented);
-  DocumentJson writer(output, Form::kIndented, Records::kHidden);
+  DocumentJson writer(output, {Form::kIndented}, Records::kHidden);
   writer.write({file, parsed, parsers});
   writer.write({file, parsed, parsers});
   EXPECT_EQ(output.text(), one + one);
@@ -287,7 +286,7 @@ TEST_F(DocumentWriters, PlainLinesAreWrittenLikeAnyOther) {
              "\"parserFailures\":[]}],\"contributorData\":[],\"parserFailures\":[]}";
   }
   const std::string end = json();
-  const std::string written = folder.read("out") + end;
+  const std::string written = output.all() + end;
   EXPECT_EQ(written.substr(written.find("\"nodes\""), nodes.size() + 1), nodes + "]");
 }
 
@@ -313,7 +312,7 @@ TEST_F(DocumentWriters, SimilarLinesHaveConsecutiveNumbers) {
              "],\"log\":[\"nodes\",\"\\\"nodes\\\":[8]\"]}";
   }
   const std::string end = json(Form::kCompact, Records::kShown);
-  const std::string written = folder.read("out") + end;
+  const std::string written = output.all() + end;
   EXPECT_EQ(written.substr(written.find("\"lines\"")), lines + "]}\n");
 }
 
@@ -378,7 +377,7 @@ TEST_F(DocumentWriters, NodesMayNestVeryDeep) {
   std::size_t count = 0;
   // Most of the text is flushed to the file while it is written.
   const std::string end = json();
-  const std::string written = folder.read("out") + end;
+  const std::string written = output.all() + end;
   for (auto at = written.find("LineNode"); at != written.npos;
        at = written.find("LineNode", at + 1)) {
     ++count;
@@ -386,7 +385,7 @@ TEST_F(DocumentWriters, NodesMayNestVeryDeep) {
   EXPECT_EQ(count, kDepth + 1u);
   // Rows are indented only up to a limit, so the text does not grow with the square of the depth.
   const std::string tail = tree();
-  EXPECT_LT(folder.read("out").size() - (written.size() - end.size()) + tail.size(), kDepth * 100u);
+  EXPECT_LT(output.all().size() - (written.size() - end.size()) + tail.size(), kDepth * 100u);
 }
 
 TEST_F(DocumentWriters, ATextNodeWithAnAnchorHasItsOwnRow) {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "apps/tessera/support/FakeParser.hpp"
-#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "apps/tessera/support/WrittenText.hpp"
 #include "apps/tessera/support/nodes.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 #include "tessera/replay/CommandReader.hpp"
@@ -38,10 +38,9 @@ class Replay : public testing::Test {
     }
   }
 
-  TemporaryFolder folder;
   std::shared_ptr<FakeParser> parser = std::make_shared<FakeParser>();
   quenlith::shared::appendix::MarkerAppendix appendix;
-  tessera::files::OutputFile output{folder.path("answers")};
+  WrittenText output;
   tessera::replay::Replay replay{{{"P", parser}}, appendix, output};
 };
 

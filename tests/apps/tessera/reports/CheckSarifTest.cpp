@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "apps/tessera/support/WrittenText.hpp"
 #include "fl/i18n/ustring.hpp"
 #include "foundation/json/parse.hpp"
 
@@ -42,7 +42,7 @@ class CheckSarifTest : public testing::Test {
   Object run() {
     report.write(file);
     report.finish();
-    const std::string text = folder.read("out");
+    const std::string text = output.all();
     const auto parsed = foundation::json::parse(fl::i18n::utf8_to_ustring(text));
     log = parsed.value.value().get<Object>();
     return log.at("runs").get<Array>().at(0).get<Object>();
@@ -55,8 +55,7 @@ class CheckSarifTest : public testing::Test {
     return at(value, "message").at("text").get<std::string>();
   }
 
-  TemporaryFolder folder;
-  tessera::files::OutputFile output{folder.path("out")};
+  WrittenText output;
   CheckSarif report{output};
   CheckedFile file;
   Object log;

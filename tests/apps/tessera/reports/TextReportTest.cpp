@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "apps/tessera/support/WrittenText.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
 
 namespace {
@@ -24,11 +24,10 @@ class TextReportTest : public testing::Test {
 
   std::string write(bool color = false) {
     TextReport(output, {.color = color, .columns = 100}).write(file);
-    return folder.read("out");
+    return output.all();
   }
 
-  TemporaryFolder folder;
-  tessera::files::OutputFile output{folder.path("out")};
+  WrittenText output;
   CheckedFile file;
 };
 
@@ -104,11 +103,11 @@ TEST_F(TextReportTest, OnATerminalMessagesAreWrappedAndCounted) {
       "a:1:1: note: one two three four five six\n    seven\n" + caret +
       "a:1:1: fix: remove one two three four\n    five six\n";
   report.write(file);
-  EXPECT_EQ(folder.read("out"), expected);
+  EXPECT_EQ(output.all(), expected);
   report.finish();
-  EXPECT_EQ(folder.read("out"), expected +
-                                    "\n1 warning; --fix corrects 1; \"tessera\n"
-                                    "    explain ID\" says more\n");
+  EXPECT_EQ(output.all(), expected +
+                              "\n1 warning; --fix corrects 1; \"tessera\n"
+                              "    explain ID\" says more\n");
 }
 
 TEST_F(TextReportTest, FailuresAndWarningsAreCountedApart) {
@@ -122,7 +121,7 @@ TEST_F(TextReportTest, FailuresAndWarningsAreCountedApart) {
     TextReport report(output, {.color = false, .columns = 200, .isTerminal = true});
     report.write(file);
     report.finish();
-    const std::string text = folder.read("out");
+    const std::string text = output.all();
     return text.substr(text.rfind("\n\n") + 2);
   };
   const std::string end = "; \"tessera explain ID\" says more\n";
@@ -138,7 +137,7 @@ TEST_F(TextReportTest, WithoutDiagnosticsThereIsNoSummary) {
   TextReport report(output, {.color = false, .columns = 40, .isTerminal = true});
   report.write(file);
   report.finish();
-  EXPECT_EQ(folder.read("out"), "");
+  EXPECT_EQ(output.all(), "");
 }
 
 TEST_F(TextReportTest, ColoursDistinguishTheKindsOfRow) {

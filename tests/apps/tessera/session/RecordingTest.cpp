@@ -4,20 +4,24 @@
 
 #include "apps/tessera/support/TemporaryFolder.hpp"
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/PartialFile.hpp"
 
 namespace {
 
 using quenlith::build::markup::Snippet;
+using tessera::files::Leftover;
+using tessera::files::PartialFile;
 using tessera::session::Recording;
 
 TEST(Recording, WritesEachCallInAdvance) {
   const TemporaryFolder folder;
-  Recording recording(folder.path("r"));
+  PartialFile file(folder.path("r"), Leftover::kReplaced);
+  Recording recording(file.output());
   recording.begin({u"%<@task#a>"}, u"code");
   recording.reset("P");
   recording.canParse("P", Snippet{u"co\"de", {1, 3}, u"code"});
   // Everything is in the file before the call is made, because the call may end the process.
-  EXPECT_EQ(folder.read("r"),
+  EXPECT_EQ(folder.read("r.partial"),
             "{\"op\":\"document\"}\n"
             "{\"op\":\"appendix\",\"entries\":[\"%<@task#a>\"]}\n"
             "{\"op\":\"reset\",\"parser\":\"P\"}\n"
@@ -28,9 +32,10 @@ TEST(Recording, WritesEachCallInAdvance) {
 
 TEST(Recording, WritesTheAuxiliaryTextOnlyWhenItChanges) {
   const TemporaryFolder folder;
-  Recording recording(folder.path("r"));
+  PartialFile file(folder.path("r"), Leftover::kReplaced);
+  Recording recording(file.output());
   const auto countOf = [&](std::string_view wanted) {
-    const std::string text = folder.read("r");
+    const std::string text = folder.read("r.partial");
     std::size_t count = 0;
     for (auto at = text.find(wanted); at != text.npos; at = text.find(wanted, at + 1)) ++count;
     return count;
@@ -40,7 +45,7 @@ TEST(Recording, WritesTheAuxiliaryTextOnlyWhenItChanges) {
   recording.parse("P", Snippet{u"", {}, u""});
   EXPECT_EQ(countOf("auxiliaryText"), 0u);
   recording.end();
-  for (int file = 0; file < 2; ++file) {
+  for (int round = 0; round < 2; ++round) {
     recording.begin({}, u"same");
     recording.parse("P", Snippet{u"same", {}, u"same"});
     recording.parse("P", Snippet{u"same", {}, u"same"});
@@ -54,9 +59,9 @@ TEST(Recording, WritesTheAuxiliaryTextOnlyWhenItChanges) {
 }
 
 TEST(Recording, AFileThatCannotBeWrittenIsAnError) {
-  EXPECT_THROW(Recording("/"), tessera::diagnostics::OutputError);
-  Recording full("/dev/full");
-  EXPECT_THROW(full.reset("P"), tessera::diagnostics::OutputError);
+  PartialFile full("/dev/full", Leftover::kReplaced);
+  Recording recording(full.output());
+  EXPECT_THROW(recording.reset("P"), tessera::diagnostics::OutputError);
 }
 
 }  // namespace

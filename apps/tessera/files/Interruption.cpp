@@ -1,0 +1,59 @@
+#include "tessera/files/Interruption.hpp"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <climits>
+#include <cstddef>
+#include <stdexcept>
+
+namespace tessera::files {
+namespace {
+
+/// A path in memory that a signal handler may read.
+struct RemovedPath {
+  std::atomic<bool> isUsed = false;
+  std::array<char, PATH_MAX> path{};
+};
+
+std::array<RemovedPath, 4> removedPaths;
+
+extern "C" void endProcess(int signal) {
+  for (const RemovedPath& entry : removedPaths) {
+    if (entry.isUsed) ::unlink(entry.path.data());
+  }
+  ::_exit(128 + signal);
+}
+
+}  // namespace
+
+void endOnInterruption() noexcept {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction action = {};
+    ::sigaction(number, nullptr, &action);
+    if (action.sa_handler == SIG_IGN) continue;
+    action.sa_handler = endProcess;
+    ::sigaction(number, &action, nullptr);
+  }
+}
+
+RemovedOnInterruption::RemovedOnInterruption(const std::string& path) {
+  const auto free =
+      std::ranges::find_if(removedPaths, [](const auto& entry) { return !entry.isUsed; });
+  if (free == removedPaths.end() || path.size() >= PATH_MAX) {
+    throw std::length_error("the path of an output is too long");
+  }
+  std::ranges::copy(path, free->path.begin());
+  free->path[path.size()] = '\0';
+  free->isUsed = true;
+  slot = static_cast<std::size_t>(free - removedPaths.begin());
+}
+
+RemovedOnInterruption::~RemovedOnInterruption() {
+  removedPaths[slot].isUsed = false;
+}
+
+}  // namespace tessera::files

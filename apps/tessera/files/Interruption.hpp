@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+namespace tessera::files {
+
+/// From now on, a signal of the user or the system to end (SIGINT, SIGTERM, SIGHUP) ends the
+/// process at once with status 128 + its number, after the files are removed that are then to be
+/// removed. A signal that is ignored stays so.
+void endOnInterruption() noexcept;
+
+/// A file that an interruption removes, as long as this object exists. There may be few of them.
+class RemovedOnInterruption {
+ public:
+  /// Throws std::length_error when there are too many or the path is too long.
+  explicit RemovedOnInterruption(const std::string& path);
+  ~RemovedOnInterruption();
+  RemovedOnInterruption(const RemovedOnInterruption&) = delete;
+  RemovedOnInterruption& operator=(const RemovedOnInterruption&) = delete;
+
+ private:
+  std::size_t slot;
+};
+
+}  // namespace tessera::files

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tessera::files {
+
+/// Collects text and writes it in large pieces: callers append to `text()` and flush between
+/// records.
+class OutputText {
+ public:
+  OutputText() = default;
+  /// Text that was not flushed is lost.
+  virtual ~OutputText() = default;
+  OutputText(const OutputText&) = delete;
+  OutputText& operator=(const OutputText&) = delete;
+
+  /// The text that is still to be written; append to it.
+  std::string& text() noexcept { return buffered; }
+
+  /// Like `flush`, but only if much is buffered.
+  void flushIfLarge() {
+    if (buffered.size() >= kLargeBytes) flush();
+  }
+
+  /// Writes the buffered text. Throws OutputError; the text is then dropped, so that a later call
+  /// does not write it twice.
+  void flush();
+
+ private:
+  static constexpr std::size_t kLargeBytes = 256 * 1024;
+
+  /// Writes all of `piece`, which is not empty. Throws OutputError.
+  virtual void write(std::string_view piece) = 0;
+
+  std::string buffered;
+};
+
+}  // namespace tessera::files

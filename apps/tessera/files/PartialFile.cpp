@@ -1,0 +1,109 @@
+#include "tessera/files/PartialFile.hpp"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+#include "tessera/diagnostics/Problem.hpp"
+
+namespace tessera::files {
+namespace {
+
+/// Returns the file that `name` leads to: through symbolic links, if it exists.
+std::string resolve(const std::string& name) {
+  std::error_code error;
+  const auto target = std::filesystem::canonical(name, error);
+  return error ? name : target.string();
+}
+
+bool isDirectlyWritten(const std::string& name) {
+  struct stat status;
+  return ::stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
+int openFor(const std::string& name, const std::string& partial) {
+  // Not through a symbolic link that somebody put in the way.
+  return partial.empty() ? ::open(name.c_str(), O_WRONLY | O_CLOEXEC)
+                         : ::open(partial.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+}
+
+/// Returns whether `name` is the open file `descriptor`.
+bool isCalled(int descriptor, const std::string& name) {
+  struct stat held;
+  struct stat named;
+  return ::fstat(descriptor, &held) == 0 && ::stat(name.c_str(), &named) == 0 &&
+         held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+}
+
+/// Opens `partial` and locks it, or `name` if `partial` is empty.
+int openLocked(const std::string& name, const std::string& partial) {
+  while (true) {
+    const int descriptor = openFor(name, partial);
+    if (descriptor < 0) failOutput(name, "cannot be created", errno);
+    if (partial.empty()) return descriptor;
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+      ::close(descriptor);
+      throw diagnostics::OutputError({.file = partial,
+                                      .place = {},
+                                      .what = "another run is writing it",
+                                      .remedy = "wait for that run, or name another file"});
+    }
+    // Another run may have completed and renamed it before the lock was there.
+    if (isCalled(descriptor, partial)) return descriptor;
+    ::close(descriptor);
+  }
+}
+
+}  // namespace
+
+PartialFile::PartialFile(const std::string& givenName, Leftover leftover)
+    : name(resolve(givenName)),
+      partial(isDirectlyWritten(name) ? std::string() : name + ".partial"),
+      number(openLocked(name, partial)),
+      file(number, givenName) {
+  if (partial.empty()) return;
+  removal.emplace(partial);
+  if (leftover == Leftover::kReplaced) cutAfter(0);
+}
+
+void PartialFile::keepIncomplete() noexcept {
+  removal.reset();
+}
+
+PartialFile::~PartialFile() {
+  if (number < 0) return;
+  struct stat status;
+  const bool isEmpty = ::fstat(number, &status) == 0 && status.st_size == 0;
+  if (!partial.empty() && isIncomplete && (removal || isEmpty)) ::unlink(partial.c_str());
+  ::close(number);
+}
+
+bool PartialFile::cutAfter(std::uint64_t size) {
+  if (partial.empty()) return false;
+  const auto end = static_cast<off_t>(size);
+  if (::ftruncate(number, end) != 0 || ::lseek(number, end, SEEK_SET) < 0) {
+    failOutput(name, "cannot be written", errno);
+  }
+  return true;
+}
+
+void PartialFile::complete() {
+  file.flush();
+  if (partial.empty()) return;
+  struct stat old;
+  if (::stat(name.c_str(), &old) == 0) static_cast<void>(::fchmod(number, old.st_mode & 07777));
+  if (::fdatasync(number) != 0) failOutput(name, "cannot be written", errno);
+  if (::rename(partial.c_str(), name.c_str()) != 0) {
+    failOutput(name, "cannot be replaced", errno);
+  }
+  isIncomplete = false;
+  removal.reset();
+}
+
+}  // namespace tessera::files

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "tessera/files/Interruption.hpp"
+#include "tessera/files/OutputFile.hpp"
+
+namespace tessera::files {
+
+/// What to do with the `.partial` file that an earlier run left.
+enum class Leftover { kReplaced, kContinued };
+
+/// A file that appears under its name only when it is complete: until then it is NAME.partial,
+/// which is locked, so that two runs cannot write it at the same time.
+///
+/// A device or a pipe is written directly. A symbolic link is followed.
+class PartialFile {
+ public:
+  /// Creates or opens NAME.partial. Throws OutputError, and leaves `name` untouched, when that
+  /// cannot be written or another run holds its lock.
+  PartialFile(const std::string& name, Leftover leftover);
+
+  /// Removes NAME.partial unless it was renamed or is to be kept. An interruption does the same.
+  ~PartialFile();
+  PartialFile(const PartialFile&) = delete;
+  PartialFile& operator=(const PartialFile&) = delete;
+
+  /// For text at the end of the file.
+  OutputFile& output() noexcept { return file; }
+  int descriptor() const noexcept { return number; }
+
+  /// The name of the file while it is incomplete; empty when it is written directly.
+  const std::string& partialName() const noexcept { return partial; }
+
+  /// Cuts the file off after `size` bytes and continues there. Returns false when it is written
+  /// directly and cannot be cut. Throws OutputError.
+  bool cutAfter(std::uint64_t size);
+
+  /// Keeps NAME.partial, unless it is empty, if the run ends before `complete`, for a later one to
+  /// continue.
+  void keepIncomplete() noexcept;
+
+  /// Writes what is buffered to the disk and renames the file. Throws OutputError.
+  void complete();
+
+ private:
+  std::string name;
+  std::string partial;
+  int number = -1;
+  bool isIncomplete = true;
+  std::optional<RemovedOnInterruption> removal;
+  OutputFile file;
+};
+
+}  // namespace tessera::files

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tessera/workers/Job.hpp"
+
+namespace tessera::workers {
+
+/// Why there is no result of an input.
+struct Loss {
+  /// What happened, for example "the process that worked on it was ended by signal 11
+  /// (Segmentation fault)".
+  std::string reason;
+  /// The line that the worker was at; 0 if it was at none.
+  std::uint64_t line = 0;
+};
+
+/// Takes the results of a run, in the order of the inputs.
+class Collector {
+ public:
+  virtual ~Collector() = default;
+
+  /// The next piece of the output of the current input.
+  virtual void addText(std::string_view piece) = 0;
+  virtual void addMessage(std::string_view message) = 0;
+  virtual void endInput(std::size_t index, Outcome outcome) = 0;
+  /// The worker was lost with the current input. Takes back the pieces that were added.
+  virtual void loseInput(std::size_t index, const Loss& loss) = 0;
+};
+
+}  // namespace tessera::workers

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "tessera/files/OutputText.hpp"
+
+namespace tessera::workers {
+
+/// What became of an input.
+enum class Outcome : std::uint8_t {
+  kDone,
+  /// It could not be used, and a problem says why.
+  kFailed,
+  /// It is none, for example a binary file in a directory.
+  kSkipped,
+};
+
+/// Takes the messages of a job. They appear on standard error in the order of the inputs.
+class Messages {
+ public:
+  virtual ~Messages() = default;
+  virtual void report(std::string_view message) = 0;
+};
+
+/// The work on the inputs of a run, one after the other.
+class Job {
+ public:
+  virtual ~Job() = default;
+
+  /// Works on the input numbered `index`. Throws what ends the run.
+  virtual Outcome run(std::size_t index) = 0;
+};
+
+/// What a job uses; it outlives the job.
+struct JobContext {
+  /// The text of the inputs.
+  files::OutputText& output;
+  Messages& messages;
+  /// To be set to the 1-based line of the input that the job is at, so that it can be named when
+  /// the process ends there. 0 is none.
+  std::atomic<std::uint64_t>& line;
+  /// Whether an earlier process has made the same job: what that reported is not reported again.
+  bool isRepeated = false;
+};
+
+using MakeJob = std::function<std::unique_ptr<Job>(const JobContext& context)>;
+
+}  // namespace tessera::workers

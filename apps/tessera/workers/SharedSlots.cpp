@@ -1,0 +1,41 @@
+#include "tessera/workers/SharedSlots.hpp"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+
+namespace tessera::workers {
+
+SharedSlots::SharedSlots() {
+  void* memory = ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE,
+                        MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (memory == MAP_FAILED) throw std::bad_alloc();
+  shared = new (memory) Shared;
+  shared->line = 0;
+  ::sem_init(&shared->free, 1, kSlots);
+}
+
+SharedSlots::~SharedSlots() {
+  ::sem_destroy(&shared->free);
+  ::munmap(shared, sizeof(Shared));
+}
+
+void SharedSlots::fill(std::string_view text) noexcept {
+  while (::sem_wait(&shared->free) != 0 && errno == EINTR) {
+  }
+  std::ranges::copy(text, shared->slots[filled % kSlots]);
+  ++filled;
+}
+
+std::string_view SharedSlots::oldest(std::size_t size) const noexcept {
+  return {shared->slots[released % kSlots], size};
+}
+
+void SharedSlots::release() noexcept {
+  ++released;
+  ::sem_post(&shared->free);
+}
+
+}  // namespace tessera::workers

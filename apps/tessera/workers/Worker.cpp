@@ -1,0 +1,208 @@
+#include "tessera/workers/Worker.hpp"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+#include "tessera/workers/runWorker.hpp"
+
+namespace tessera::workers {
+namespace {
+
+/// How long a worker may take to stop its bundles.
+constexpr std::chrono::seconds kStopPatience{10};
+
+/// The ends of a channel, closed unless they are taken.
+struct Channel {
+  Channel() {
+    // Not a pipe: a send to a process that has ended must not raise a signal.
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+      throw std::system_error(errno, std::generic_category(), "no channel to a worker");
+    }
+  }
+  ~Channel() {
+    for (const int end : ends) {
+      if (end >= 0) ::close(end);
+    }
+  }
+  Channel(const Channel&) = delete;
+  Channel& operator=(const Channel&) = delete;
+
+  int takeParentEnd() noexcept { return std::exchange(ends[0], -1); }
+  int takeWorkerEnd() noexcept { return std::exchange(ends[1], -1); }
+
+  std::array<int, 2> ends{-1, -1};
+};
+
+/// Prepares the process of a worker: it ends with its parent, which alone reacts to the terminal.
+void settle(pid_t parent) noexcept {
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (::getppid() != parent) std::_Exit(EXIT_FAILURE);
+  ::signal(SIGINT, SIG_IGN);
+  ::signal(SIGTERM, SIG_DFL);
+  ::signal(SIGHUP, SIG_IGN);
+}
+
+std::string describeStatus(int status) {
+  if (WIFSIGNALED(status)) {
+    const int signal = WTERMSIG(status);
+    return "the process that worked on it was ended by signal " + std::to_string(signal) + " (" +
+           ::strsignal(signal) + ")";
+  }
+  return "the process that worked on it exited with status " + std::to_string(WEXITSTATUS(status));
+}
+
+int awaitEnd(pid_t process) noexcept {
+  int status = 0;
+  while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
+}  // namespace
+
+Worker::~Worker() {
+  if (process > 0) {
+    finish();
+    // The channel ends with the process.
+    pollfd ended{.fd = socket, .events = 0, .revents = 0};
+    const auto patience = std::chrono::milliseconds(kStopPatience).count();
+    if (::poll(&ended, 1, static_cast<int>(patience)) <= 0) ::kill(process, SIGKILL);
+    awaitEnd(process);
+  }
+  closeParentSide();
+}
+
+bool Worker::start() {
+  Channel channel;
+  const pid_t parent = ::getpid();
+  process = ::fork();
+  if (process < 0) {
+    throw std::system_error(errno, std::generic_category(), "a worker cannot be started");
+  }
+  if (process == 0) {
+    settle(parent);
+    socket = channel.takeWorkerEnd();
+    return false;
+  }
+  socket = channel.takeParentEnd();
+  return true;
+}
+
+void Worker::work(const MakeJob& makeJob, bool isRepeated) {
+  runWorker(makeJob, isRepeated, slots, socket);
+}
+
+void Worker::closeParentSide() noexcept {
+  if (socket >= 0) ::close(std::exchange(socket, -1));
+}
+
+void Worker::give(std::size_t index) {
+  if (unfinished() == 0) since = Clock::now();
+  inputs.push_back(index);
+  send(index);
+}
+
+void Worker::finish() noexcept {
+  send(kNoMoreInputs);
+}
+
+/// A process that has ended does not read it; `receive` notices.
+void Worker::send(std::uint64_t command) const noexcept {
+  static_cast<void>(::send(socket, &command, sizeof command, MSG_NOSIGNAL));
+}
+
+std::deque<std::size_t> Worker::receive() {
+  while (true) {
+    std::array<Frame, 64> arrived;
+    const ssize_t count = ::recv(socket, arrived.data(), sizeof arrived, MSG_DONTWAIT);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0 && errno == EAGAIN) return {};
+    // The end, or an error when the process has left commands unread.
+    if (count <= 0) break;
+    const auto frameCount = static_cast<std::size_t>(count) / sizeof(Frame);
+    for (std::size_t i = 0; i < frameCount; ++i) add(arrived[i]);
+  }
+  end();
+  return loseInput();
+}
+
+void Worker::add(const Frame& frame) {
+  if (frame.kind == Frame::Kind::kReady) {
+    ready = true;
+  } else if (frame.kind == Frame::Kind::kUnusable) {
+    unusable = true;
+  } else if (!ready) {
+    reason = slots.oldest(frame.size);
+    slots.release();
+  } else {
+    frames.push_back(frame);
+    if (frame.kind != Frame::Kind::kEnd) {
+      ++slotsInUse;
+    } else {
+      ++finished;
+      since = Clock::now();
+    }
+  }
+}
+
+/// The process has ended: the channel has.
+void Worker::end() {
+  const int status = awaitEnd(std::exchange(process, 0));
+  closeParentSide();
+  if (unusable) return;
+  reason = isLate ? "it took longer than --timeout allows" : describeStatus(status);
+}
+
+std::deque<std::size_t> Worker::loseInput() {
+  if (unfinished() == 0 || !ready) return {};
+  frames.push_back({.kind = Frame::Kind::kLost});
+  const auto lost = inputs.begin() + static_cast<std::ptrdiff_t>(finished);
+  std::deque<std::size_t> notBegun(lost + 1, inputs.end());
+  inputs.erase(lost + 1, inputs.end());
+  ++finished;
+  return notBegun;
+}
+
+Worker::Clock::time_point Worker::deadline(std::chrono::milliseconds timeout) const noexcept {
+  return unfinished() == 0 ? Clock::time_point::max() : since + timeout;
+}
+
+void Worker::endIfLate(std::chrono::milliseconds timeout) {
+  if (!isRunning() || Clock::now() < deadline(timeout)) return;
+  if (slotsInUse == SharedSlots::kSlots) {
+    since = Clock::now();
+  } else {
+    isLate = true;
+    ::kill(process, SIGKILL);
+  }
+}
+
+std::optional<std::size_t> Worker::currentInput() const noexcept {
+  if (inputs.empty()) return std::nullopt;
+  return inputs.front();
+}
+
+void Worker::removeFrame() noexcept {
+  const Frame::Kind kind = frames.front().kind;
+  frames.pop_front();
+  if (kind == Frame::Kind::kText || kind == Frame::Kind::kMessage) {
+    slots.release();
+    --slotsInUse;
+  } else {
+    inputs.pop_front();
+    --finished;
+  }
+}
+
+}  // namespace tessera::workers

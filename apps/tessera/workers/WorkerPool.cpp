@@ -1,0 +1,159 @@
+#include "tessera/workers/WorkerPool.hpp"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+
+#include "tessera/diagnostics/Problem.hpp"
+
+namespace tessera::workers {
+namespace {
+
+// One that is worked on and one that waits, so that no worker waits for its parent.
+constexpr std::size_t kInputsPerWorker = 2;
+
+// The text of an input is passed on as a whole if it needs no more slots: then nothing has to be
+// taken back when the worker ends within it.
+constexpr std::size_t kSlotsHeldBack = SharedSlots::kSlots / 2;
+
+}  // namespace
+
+WorkerPool::WorkerPool(const PoolSettings& settings, MakeJob makeJob, Collector& collector)
+    : settings(settings), makeJob(std::move(makeJob)), collector(collector) {}
+
+void WorkerPool::run(std::size_t first, std::size_t endOfInputs) {
+  nextToGive = first;
+  nextResult = first;
+  end = endOfInputs;
+  const std::size_t count = std::min(settings.workers, end - first);
+  for (std::size_t i = 0; i < count; ++i) startWorker({});
+  while (nextResult < end) {
+    giveInputs();
+    awaitFrames();
+    receiveFrames();
+    passResultsOn();
+    removeEnded();
+  }
+  for (const auto& worker : workers) worker->finish();
+  workers.clear();
+}
+
+/// Starts a worker that is to work on `inputs` first.
+void WorkerPool::startWorker(std::deque<std::size_t> inputs) {
+  auto worker = std::make_unique<Worker>();
+  if (!worker->start()) {
+    for (const auto& other : workers) other->closeParentSide();
+    worker->work(makeJob, hasStarted);
+    // Not back to the caller: what that owns belongs to the parent.
+    std::exit(EXIT_SUCCESS);
+  }
+  hasStarted = true;
+  for (const std::size_t index : inputs) worker->give(index);
+  workers.push_back(std::move(worker));
+}
+
+void WorkerPool::giveInputs() {
+  // In turn, so that each has one before any has two.
+  for (std::size_t wanted = 1; wanted <= kInputsPerWorker; ++wanted) {
+    for (const auto& worker : workers) {
+      if (nextToGive == end) return;
+      if (worker->isRunning() && worker->unfinished() < wanted) worker->give(nextToGive++);
+    }
+  }
+}
+
+int WorkerPool::pollTimeout() const {
+  if (settings.timeout.count() == 0) return -1;
+  auto deadline = Worker::Clock::time_point::max();
+  for (const auto& worker : workers) {
+    if (worker->isRunning()) deadline = std::min(deadline, worker->deadline(settings.timeout));
+  }
+  if (deadline == Worker::Clock::time_point::max()) return -1;
+  const auto rest = std::chrono::ceil<std::chrono::milliseconds>(deadline - Worker::Clock::now());
+  return static_cast<int>(std::clamp<std::int64_t>(rest.count(), 0, INT_MAX));
+}
+
+void WorkerPool::awaitFrames() {
+  std::vector<pollfd> pipes;
+  for (const auto& worker : workers) {
+    if (!worker->isRunning()) continue;
+    pipes.push_back({.fd = worker->descriptor(), .events = POLLIN, .revents = 0});
+  }
+  if (::poll(pipes.data(), pipes.size(), pollTimeout()) < 0 && errno != EINTR) {
+    throw std::system_error(errno, std::generic_category(), "waiting for a worker");
+  }
+}
+
+void WorkerPool::receiveFrames() {
+  std::vector<std::deque<std::size_t>> notBegun;
+  for (const auto& worker : workers) {
+    if (!worker->isRunning()) continue;
+    if (settings.timeout.count() != 0) worker->endIfLate(settings.timeout);
+    std::deque<std::size_t> inputs = worker->receive();
+    requireUsable(*worker);
+    const bool needsSuccessor = !inputs.empty() || nextToGive < end;
+    if (!worker->isRunning() && needsSuccessor) notBegun.push_back(std::move(inputs));
+  }
+  for (auto& inputs : notBegun) startWorker(std::move(inputs));
+}
+
+void WorkerPool::requireUsable(const Worker& worker) const {
+  if (worker.isUnusable()) throw WorkerUnusable(worker.endReason());
+  if (worker.isRunning() || worker.isReady()) return;
+  throw WorkerUnusable(
+      diagnostics::describe({.file = "tessera",
+                             .place = {},
+                             .what = "the bundles cannot be started: " + worker.endReason(),
+                             .remedy = "leave out the bundle that ends the process"}));
+}
+
+void WorkerPool::passResultsOn() {
+  while (nextResult < end) {
+    Worker* const worker = findWorkerOf(nextResult);
+    if (worker == nullptr) return;
+    if (!worker->isComplete() && worker->filledSlots() < kSlotsHeldBack) return;
+    while (worker->hasFrame() && passFrameOn(*worker)) {
+    }
+    if (worker->currentInput() == nextResult) return;
+    ++nextResult;
+  }
+}
+
+Worker* WorkerPool::findWorkerOf(std::size_t index) const {
+  const auto found = std::ranges::find_if(
+      workers, [index](const auto& worker) { return worker->currentInput() == index; });
+  return found == workers.end() ? nullptr : found->get();
+}
+
+/// Returns whether the current input has more frames.
+bool WorkerPool::passFrameOn(Worker& worker) {
+  const Frame frame = worker.frame();
+  switch (frame.kind) {
+    case Frame::Kind::kText:
+      collector.addText(worker.text());
+      break;
+    case Frame::Kind::kMessage:
+      collector.addMessage(worker.text());
+      break;
+    case Frame::Kind::kLost:
+      collector.loseInput(nextResult, {worker.endReason(), worker.lastLine()});
+      break;
+    default:
+      collector.endInput(nextResult, frame.outcome);
+      break;
+  }
+  worker.removeFrame();
+  return frame.kind == Frame::Kind::kText || frame.kind == Frame::Kind::kMessage;
+}
+
+void WorkerPool::removeEnded() {
+  std::erase_if(workers,
+                [](const auto& worker) { return !worker->isRunning() && !worker->hasFrame(); });
+}
+
+}  // namespace tessera::workers

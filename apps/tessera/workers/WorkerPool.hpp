@@ -1,0 +1,66 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "tessera/workers/Collector.hpp"
+#include "tessera/workers/Job.hpp"
+#include "tessera/workers/Worker.hpp"
+
+namespace tessera::workers {
+
+/// Thrown when the job of a worker cannot be made or ends with an error: that ends the run.
+class WorkerUnusable : public std::runtime_error {
+ public:
+  /// `message` is complete, and meant for the user.
+  using std::runtime_error::runtime_error;
+};
+
+/// How many processes work, and how long one may take for an input.
+struct PoolSettings {
+  std::size_t workers = 1;
+  /// Zero: no limit.
+  std::chrono::milliseconds timeout{0};
+};
+
+/// Works on inputs in several processes and passes the results on in the order of the inputs.
+///
+/// A process that ends loses the input that it was at; another one takes its place. No process is
+/// ahead of the results by more than its slots.
+class WorkerPool {
+ public:
+  /// Borrows `collector`.
+  WorkerPool(const PoolSettings& settings, MakeJob makeJob, Collector& collector);
+
+  /// Works on the inputs numbered from `first` up to, but not including, `end`. Throws
+  /// WorkerUnusable, what the collector throws, and std::system_error.
+  void run(std::size_t first, std::size_t end);
+
+ private:
+  void startWorker(std::deque<std::size_t> inputs);
+  void giveInputs();
+  void awaitFrames();
+  void receiveFrames();
+  void requireUsable(const Worker& worker) const;
+  void passResultsOn();
+  Worker* findWorkerOf(std::size_t index) const;
+  bool passFrameOn(Worker& worker);
+  void removeEnded();
+  int pollTimeout() const;
+
+  PoolSettings settings;
+  MakeJob makeJob;
+  Collector& collector;
+  std::vector<std::unique_ptr<Worker>> workers;
+  // The next input to give to a worker, the one whose result is the next, and the end of all.
+  std::size_t nextToGive = 0;
+  std::size_t nextResult = 0;
+  std::size_t end = 0;
+  bool hasStarted = false;
+};
+
+}  // namespace tessera::workers

@@ -1,0 +1,111 @@
+#include "tessera/workers/runWorker.hpp"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <string_view>
+
+#include "tessera/diagnostics/Problem.hpp"
+#include "tessera/workers/Frame.hpp"
+
+namespace tessera::workers {
+namespace {
+
+/// Sends frames to the parent.
+class FrameSender {
+ public:
+  FrameSender(int descriptor, SharedSlots& slots) : descriptor(descriptor), slots(slots) {}
+
+  void send(const Frame& frame) {
+    // A frame is so small that it is written as a whole.
+    while (::write(descriptor, &frame, sizeof frame) < 0) {
+      if (errno != EINTR) std::_Exit(EXIT_FAILURE);
+    }
+  }
+
+  void sendInSlot(Frame::Kind kind, std::string_view text) {
+    slots.fill(text);
+    send({.kind = kind, .size = static_cast<std::uint32_t>(text.size())});
+  }
+
+ private:
+  int descriptor;
+  SharedSlots& slots;
+};
+
+class SlotOutput final : public files::OutputText {
+ public:
+  explicit SlotOutput(FrameSender& frames) : frames(frames) {}
+
+ private:
+  void write(std::string_view piece) override {
+    while (!piece.empty()) {
+      const auto part = piece.substr(0, SharedSlots::kSlotBytes);
+      frames.sendInSlot(Frame::Kind::kText, part);
+      piece.remove_prefix(part.size());
+    }
+  }
+
+  FrameSender& frames;
+};
+
+class SlotMessages final : public Messages {
+ public:
+  SlotMessages(FrameSender& frames, SlotOutput& output) : frames(frames), output(output) {}
+
+  void report(std::string_view message) override {
+    output.flush();
+    frames.sendInSlot(Frame::Kind::kMessage, message.substr(0, SharedSlots::kSlotBytes));
+  }
+
+ private:
+  FrameSender& frames;
+  SlotOutput& output;
+};
+
+/// Reads the number of an input; `kNoMoreInputs` at the end of the channel.
+std::uint64_t readCommand(int descriptor) {
+  std::uint64_t command = 0;
+  ssize_t count = 0;
+  do {
+    count = ::read(descriptor, &command, sizeof command);
+  } while (count < 0 && errno == EINTR);
+  return count == sizeof command ? command : kNoMoreInputs;
+}
+
+}  // namespace
+
+void runWorker(const MakeJob& makeJob, bool isRepeated, SharedSlots& slots, int socket) {
+  FrameSender frames(socket, slots);
+  SlotOutput output(frames);
+  SlotMessages messages(frames, output);
+  std::string reason;
+  try {
+    const std::unique_ptr<Job> job = makeJob(
+        {.output = output, .messages = messages, .line = slots.line(), .isRepeated = isRepeated});
+    frames.send({.kind = Frame::Kind::kReady});
+    for (auto index = readCommand(socket); index != kNoMoreInputs; index = readCommand(socket)) {
+      slots.line() = 0;
+      const Outcome outcome = job->run(index);
+      output.flush();
+      frames.send({.kind = Frame::Kind::kEnd, .outcome = outcome});
+    }
+    return;
+  } catch (const diagnostics::ProblemError& error) {
+    reason = error.what();
+  } catch (const std::exception& error) {
+    reason =
+        diagnostics::describe({.file = "tessera",
+                               .place = {},
+                               .what = error.what(),
+                               .remedy = "report it, or try again with fewer or smaller files"});
+  }
+  messages.report(reason);
+  frames.send({.kind = Frame::Kind::kUnusable});
+}
+
+}  // namespace tessera::workers

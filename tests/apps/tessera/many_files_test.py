@@ -1,0 +1,384 @@
+#!/usr/bin/env python3
+"""Runs `tessera parse` on many files: how they are named, worker processes, faults, interrupted runs.
+
+many_files_test.py PROGRAM FAULTY_BUNDLE
+
+TESSERA_KILLS is the number of runs that are killed at a random moment and resumed (default: 20).
+"""
+import base64
+import fcntl
+import json
+import os
+import pathlib
+import random
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+FAULTY = str(pathlib.Path(sys.argv.pop(2)).resolve())
+PROGRAM = str(pathlib.Path(sys.argv.pop(1)).resolve())
+KILLS = int(os.environ.get("TESSERA_KILLS", "20"))
+
+
+def tessera(*arguments, stdin=b"", **options):
+    return subprocess.run([PROGRAM, *arguments], input=stdin, capture_output=True, timeout=120, **options)
+
+
+def records(output):
+    return [json.loads(line) for line in output.decode().split("\n")[:-1]]
+
+
+class ManyFiles(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+
+    def write(self, name, data=b"x\n"):
+        path = os.path.join(os.fsencode(self.folder), os.fsencode(name))
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "wb") as file:
+            file.write(data)
+        return os.fsdecode(path)
+
+    def parse(self, *arguments, status=0, **options):
+        done = tessera("parse", "--format", "ndjson", *arguments, cwd=self.folder, **options)
+        self.assertEqual(done.returncode, status, done.stderr)
+        return done
+
+    def files(self, *arguments, **options):
+        return [record["file"] for record in records(self.parse(*arguments, **options).stdout)]
+
+    def assertNoLeftovers(self):
+        self.assertEqual([path.name for path in self.folder.rglob("*.partial")], [])
+
+
+class Inputs(ManyFiles):
+    def test_a_directory_is_its_files_in_byte_order_of_their_paths(self):
+        for name in ("t/b.py", "t/a/z", "t/a.b", "t/a-", "t/a/b/c", "t/B"):
+            self.write(name)
+        expected = ["t/B", "t/a-", "t/a.b", "t/a/b/c", "t/a/z", "t/b.py"]
+        self.assertEqual(self.files("t"), expected)
+        self.assertEqual(self.files("t/"), expected)
+        self.assertEqual(self.files("t/b.py", "t/a"), ["t/b.py", "t/a/b/c", "t/a/z"])
+
+    def test_hidden_files_links_and_binary_files_of_a_directory_are_no_inputs(self):
+        for name in ("t/a", "t/.b", "t/.c/d"):
+            self.write(name)
+        self.write("t/late", b"x" * 8191 + b"\0")
+        self.write("t/later", b"x" * 8192 + b"\0")
+        os.symlink("a", self.folder / "t/link")
+        os.symlink("..", self.folder / "t/up")
+        self.assertEqual(self.files("t"), ["t/a", "t/later"])
+        # Named, each is one.
+        self.assertEqual(self.files("t/.b", "t/late", "t/link"), ["t/.b", "t/late", "t/link"])
+
+    def test_gitignore_excludes_files_of_directories(self):
+        self.write("t/.gitignore", b"*.o\nbuild/\n!keep.o\n")
+        self.write("t/sub/.gitignore", b"/only\n")
+        for name in ("t/a.o", "t/a.c", "t/keep.o", "t/build/x", "t/sub/only", "t/sub/deep/only", "t/sub/build/y"):
+            self.write(name)
+        self.assertEqual(self.files("t"), ["t/a.c", "t/keep.o", "t/sub/deep/only"])
+        self.assertIn("t/build/x", self.files("t", "--no-ignore"))
+        # Only the files of a work tree have a say above the directory.
+        self.assertEqual(self.files("t/sub"), ["t/sub/build/y", "t/sub/deep/only"])
+        (self.folder / "t/.git").mkdir()
+        self.assertEqual(self.files("t/sub"), ["t/sub/deep/only"])
+        # Who names an excluded directory wants its files.
+        self.assertEqual(self.files("t/build"), ["t/build/x"])
+
+    def test_globs_choose_among_the_files_of_directories(self):
+        for name in ("t/a.py", "t/b.c", "t/s/c.py", "t/s/d.c"):
+            self.write(name)
+        self.assertEqual(self.files("t", "--glob", "*.py"), ["t/a.py", "t/s/c.py"])
+        self.assertEqual(self.files("t", "--glob", "!*.py"), ["t/b.c", "t/s/d.c"])
+        self.assertEqual(self.files("t", "--glob", "*.py", "--glob", "!c.*"), ["t/a.py"])
+        self.assertEqual(self.files("t", "--glob", "/s/*.c", "--glob", "**/a.py"), ["t/a.py", "t/s/d.c"])
+        self.assertEqual(self.files("t/b.c", "--glob", "*.py"), ["t/b.c"])
+        self.parse("t", "--glob", "", status=2)
+
+    def test_a_list_names_more_paths(self):
+        for name in ("a", "b", "d/c"):
+            self.write(name)
+        self.write("list", b"b\n\nd\na")
+        self.assertEqual(self.files("--files-from", "list"), ["b", "d/c", "a"])
+        self.assertEqual(self.files("a", "--files-from", "-", stdin=b"b\n"), ["a", "b"])
+        self.assertEqual(self.files("-0", "--files-from", "-", stdin=b"b\0a\0"), ["b", "a"])
+        self.write("two\nlines")
+        self.assertEqual(self.files("-0", "--files-from", "-", stdin=b"two\nlines\0"), ["two\nlines"])
+        message = self.parse("-", "--files-from", "-", status=2).stderr
+        self.assertIn(b"standard input is named 2 times", message)
+        self.parse("--files-from", "missing", status=2)
+        self.parse(status=2)
+        self.parse("-0", "a", status=2)
+
+    def test_shards_share_out_the_inputs(self):
+        for number in range(7):
+            self.write(f"t/{number}")
+        # A binary file is not counted.
+        self.write("t/1b", b"\0")
+        self.assertEqual(self.files("t", "--shard", "1/3"), ["t/0", "t/3", "t/6"])
+        self.assertEqual(self.files("t", "--shard", "3/3"), ["t/2", "t/5"])
+        self.assertEqual(self.files("t/0", "--shard", "2/2"), [])
+        for text in ("0/1", "2/1", "1", "a/2", "1/0", "-1/2", "1/2/3", "/"):
+            self.parse("t", "--shard", text, status=2)
+
+    def test_names_of_any_bytes_survive(self):
+        self.write(b"t/\xff\n\"", b"x\n")
+        [record] = records(self.parse("t").stdout)
+        self.assertEqual(record["file"], "t/\ufffd\n\"")
+        self.assertEqual(base64.b64decode(record["fileBytes"]), b"t/\xff\n\"")
+        self.assertEqual(list(record)[:3], ["schemaVersion", "file", "fileBytes"])
+
+    def test_each_input_gives_one_record(self):
+        self.write("bad", b"ab\xff\n")
+        self.write("good")
+        found = records(self.parse("bad", "missing", "good", status=3).stdout)
+        self.assertEqual([record["file"] for record in found], ["bad", "missing", "good"])
+        self.assertEqual(found[0]["error"], {
+            "line": 1, "column": 3, "message": "byte 0xFF is not valid UTF-8",
+            "remedy": "convert the file to UTF-8"})
+        self.assertEqual(found[1]["error"]["line"], 0)
+        self.assertNotIn("error", found[2])
+
+
+class Workers(ManyFiles):
+    def write_sources(self, count=60):
+        for number in range(count):
+            self.write(f"t/{number:03}", b"# %<@text:anchor#a>\nx = 1\n" * (number * number % 97))
+
+    def test_the_output_does_not_depend_on_their_number(self):
+        self.write_sources()
+        self.write("t/050", b"\xff")
+        self.write("t/large", b"a line of text\n" * 200_000)
+        expected = self.parse("t", "-j", "1", status=3)
+        for workers in ("2", "5"):
+            done = self.parse("t", "-j", workers, status=3)
+            self.assertTrue(done.stdout == expected.stdout)
+            self.assertEqual(done.stderr, expected.stderr)
+        for text in ("0", "x", "-1", "1025", "1.5"):
+            self.parse("t", "-j", text, status=2)
+
+    def test_a_lost_worker_loses_one_file(self):
+        self.write_sources(20)
+        expected = records(self.parse("t").stdout)
+        reasons = {"segv": "was ended by signal 11 (Segmentation fault)", "abort": "was ended by signal 6 (Aborted)",
+                   "exit": "exited with status 7"}
+        for name, fault in (("007", "segv"), ("008", "abort"), ("019", "exit")):
+            self.write(f"t/{name}", f"a\nb\n# %<@text:anchor#{fault}>\n".encode())
+        for workers in ("2", "4"):
+            done = self.parse("t", "-j", workers, "--bundle", FAULTY, status=3)
+            found = records(done.stdout)
+            self.assertEqual([record["file"] for record in found], [record["file"] for record in expected])
+            for record, (name, fault) in zip((found[7], found[8], found[19]), (("007", "segv"), ("008", "abort"),
+                                                                               ("019", "exit"))):
+                error = record["error"]
+                self.assertEqual((error["line"], error["column"]), (3, 1))
+                self.assertIn(reasons[fault], error["message"])
+                self.assertIn(f"t/{name}:3:1: error: ".encode(), done.stderr)
+            for number in set(range(20)) - {7, 8, 19}:
+                self.assertEqual(found[number], expected[number])
+
+    def test_a_file_that_takes_too_long_is_given_up(self):
+        self.write_sources(6)
+        self.write("t/003", b"# %<@text:anchor#hang>\n")
+        for workers in ("1", "2"):
+            found = records(self.parse("t", "-j", workers, "--timeout", "0.5", "--bundle", FAULTY, status=3).stdout)
+            self.assertEqual(len(found), 6)
+            self.assertEqual(["error" in record for record in found], [number == 3 for number in range(6)])
+            self.assertIn("--timeout", found[3]["error"]["message"])
+        for text in ("0", "-1", "x", "1s", "nan", "inf"):
+            self.parse("t", "--timeout", text, status=2)
+
+    def test_a_bundle_that_ends_the_process_when_it_starts_is_unusable(self):
+        self.write_sources(3)
+        environment = dict(os.environ, TESSERA_TEST_FAULT="abort")
+        # The component is made when the first line asks for it.
+        done = tessera("parse", "t", "--bundle", FAULTY, cwd=self.folder, env=environment)
+        self.assertIn(done.returncode, (2, 3))
+        self.assertIn(b"signal 6", done.stderr)
+
+    def test_a_bundle_that_cannot_be_used_is_reported_once(self):
+        self.write_sources(4)
+        done = self.parse("t", "-j", "4", "--bundle", "missing.so", status=2)
+        self.assertEqual(done.stderr.count(b"missing.so: error: "), 1)
+        self.assertEqual(done.stdout, b"")
+
+
+class Outputs(ManyFiles):
+    def test_a_file_is_complete_or_untouched(self):
+        self.write("a")
+        self.write("out", b"old")
+        self.parse("a", "-o", "out", "--bundle", "missing.so", status=2)
+        self.assertEqual((self.folder / "out").read_bytes(), b"old")
+        self.assertNoLeftovers()
+        expected = self.parse("a").stdout
+        self.assertEqual(self.parse("a", "-o", "out").stdout, b"")
+        self.assertEqual((self.folder / "out").read_bytes(), expected)
+        self.assertEqual(self.parse("a", "-o", "-").stdout, expected)
+        self.assertNoLeftovers()
+        # Also one that lacks some documents.
+        self.parse("a", "missing", "-o", "out", status=3)
+        self.assertEqual(len(records((self.folder / "out").read_bytes())), 2)
+
+    def test_a_link_is_followed_and_a_device_is_written(self):
+        self.write("a")
+        self.write("real", b"old")
+        os.symlink("real", self.folder / "link")
+        self.parse("a", "-o", "link")
+        self.assertTrue((self.folder / "link").is_symlink())
+        self.assertEqual(len(records((self.folder / "real").read_bytes())), 1)
+        self.parse("a", "-o", "/dev/null")
+        self.assertIn(b"No space left", self.parse("a", "-o", "/dev/full", status=2).stderr)
+        # Nothing is written through a link that somebody put in the way.
+        os.symlink("a", self.folder / "fresh.partial")
+        self.parse("a", "-o", "fresh", status=2)
+        self.assertEqual((self.folder / "a").read_bytes(), b"x\n")
+
+    def test_an_input_is_not_overwritten(self):
+        self.write("t/a", b"source\n")
+        for option in ("-o", "--record"):
+            for name in ("t/a", "./t/../t/a"):
+                done = self.parse("t/a", option, name, "--force", status=2)
+                self.assertIn(b"is one of the files to parse", done.stderr)
+            self.write("t/out.partial", b"")
+            self.parse("t/out.partial", option, "t/out", status=2)
+            os.unlink(self.folder / "t/out.partial")
+        self.assertEqual((self.folder / "t/a").read_bytes(), b"source\n")
+        # In a directory, the output of an earlier run is no input.
+        for _ in range(2):
+            self.parse("t", "-o", "t/out")
+            self.assertEqual([record["file"] for record in records((self.folder / "t/out").read_bytes())], ["t/a"])
+
+    def test_only_a_recording_is_replaced_by_a_recording(self):
+        self.write("a")
+        self.write("other", b"mine\n")
+        self.assertIn(b"is not a recording", self.parse("a", "--record", "other", status=2).stderr)
+        self.assertEqual((self.folder / "other").read_bytes(), b"mine\n")
+        self.parse("a", "--record", "other", "--force")
+        first = (self.folder / "other").read_bytes()
+        self.assertTrue(first.startswith(b'{"op":"document"}\n'))
+        self.parse("a", "--record", "other")
+        # A run that fails leaves the old one.
+        self.parse("a", "--record", "other", "--bundle", "missing.so", status=2)
+        self.assertEqual((self.folder / "other").read_bytes(), first)
+        self.write("empty", b"")
+        self.parse("a", "--record", "empty")
+        self.assertNoLeftovers()
+
+    def test_two_runs_do_not_mix(self):
+        self.write("a")
+        with open(self.folder / "out.partial", "wb") as held:
+            fcntl.flock(held, fcntl.LOCK_EX)
+            self.assertIn(b"another run is writing it", self.parse("a", "-o", "out", status=2).stderr)
+
+    def test_a_pipe_that_does_not_block_gets_everything(self):
+        self.write("a", b"a line of text\n" * 20_000)
+        expected = self.parse("a").stdout
+        reader, writer = os.pipe()
+        os.set_blocking(writer, False)
+        process = subprocess.Popen([PROGRAM, "parse", "--format", "ndjson", "a"], stdout=writer, cwd=self.folder)
+        os.close(writer)
+        time.sleep(0.2)
+        with open(reader, "rb") as pipe:
+            self.assertTrue(pipe.read() == expected)
+        self.assertEqual(process.wait(), 0)
+
+    def start_and_interrupt(self, number, *arguments):
+        """Interrupts a run that hangs at its second file, and returns its exit status."""
+        self.write("t/a")
+        self.write("t/b", b"# %<@text:anchor#hang>\n")
+        partial = self.folder / "out.partial"
+        partial.unlink(missing_ok=True)
+        process = subprocess.Popen([PROGRAM, "parse", "--format", "ndjson", "--bundle", FAULTY, "t", *arguments],
+                                   cwd=self.folder, stdout=subprocess.PIPE, start_new_session=True)
+        while process.poll() is None and not (partial.exists() and partial.stat().st_size != 0):
+            time.sleep(0.01)
+        os.killpg(process.pid, number)
+        status = process.wait()
+        # The pipe is closed when no process is left.
+        process.stdout.read()
+        process.stdout.close()
+        return status
+
+    def test_an_interruption_ends_all_processes(self):
+        # In an interrupted run the complete records are kept for --resume.
+        self.assertEqual(self.start_and_interrupt(signal.SIGINT, "-o", "out", "-j", "2"), 130)
+        self.assertFalse((self.folder / "out").exists())
+        self.assertEqual(len(records((self.folder / "out.partial").read_bytes())), 1)
+        self.assertEqual(self.start_and_interrupt(signal.SIGTERM, "-o", "out", "-j", "2"), 143)
+        self.assertEqual(self.start_and_interrupt(signal.SIGKILL, "-o", "out", "-j", "2"), -9)
+
+
+class Resume(ManyFiles):
+    def test_a_killed_run_is_continued(self):
+        generator = random.Random(5)
+        for number in range(120):
+            self.write(f"t/{number:03}", b"x = 1\n" * generator.randrange(1500))
+        self.write("t/060", b"\xff")
+        self.write("t/061", b"\0")
+        expected = self.parse("t", status=3).stdout
+        begin = time.monotonic()
+        self.parse("t", "-o", "whole", status=3)
+        duration = time.monotonic() - begin
+        continued = 0
+        for number in range(KILLS):
+            name = f"out{number}"
+            workers = str(generator.choice((1, 2, 3)))
+            process = subprocess.Popen([PROGRAM, "parse", "--format", "ndjson", "t", "-o", name, "-j", workers],
+                                       cwd=self.folder, stderr=subprocess.DEVNULL)
+            time.sleep(generator.uniform(0, duration))
+            process.kill()
+            process.wait()
+            partial = self.folder / (name + ".partial")
+            continued += partial.exists() and 0 < partial.stat().st_size < len(expected)
+            self.assertFalse((self.folder / name).exists() and partial.exists())
+            is_complete = (self.folder / name).exists()
+            self.parse("t", "-o", name, "-j", workers, "--resume", status=0 if is_complete else 3)
+            self.assertTrue((self.folder / name).read_bytes() == expected)
+            self.assertNoLeftovers()
+        print(f"{KILLS} runs killed, {continued} of them within their output", file=sys.stderr)
+        self.assertGreater(continued, 0)
+
+    def test_the_complete_records_are_kept(self):
+        for name in ("t/a", "t/b", "t/c"):
+            self.write(name)
+        whole = self.parse("t").stdout
+        lines = whole.splitlines(keepends=True)
+        for kept in (b"", lines[0], lines[0] + lines[1][:-1], lines[0] + lines[1], whole, whole + b"{"):
+            self.write("out.partial", kept)
+            self.parse("t", "-o", "out", "--resume")
+            self.assertEqual((self.folder / "out").read_bytes(), whole)
+            os.unlink(self.folder / "out")
+        # Without --resume they are not.
+        self.write("out.partial", lines[1])
+        self.parse("t", "-o", "out")
+        self.assertEqual((self.folder / "out").read_bytes(), whole)
+        # Everything is done already.
+        self.write("out", b"done")
+        self.parse("t", "-o", "out", "--resume")
+        self.assertEqual((self.folder / "out").read_bytes(), b"done")
+
+    def test_records_of_another_run_are_refused(self):
+        for name in ("t/a", "t/b"):
+            self.write(name)
+        lines = self.parse("t").stdout.splitlines(keepends=True)
+        for kept in (lines[1], lines[0] + lines[0], lines[0] + lines[1] + lines[1], b"{}\n", b"\n"):
+            self.write("out.partial", kept)
+            done = self.parse("t", "-o", "out", "--resume", status=2)
+            self.assertIn(b"out.partial: error: record ", done.stderr)
+            self.assertEqual((self.folder / "out.partial").read_bytes(), kept)
+
+    def test_it_is_for_records_in_a_file(self):
+        self.write("a")
+        self.parse("a", "--resume", status=2)
+        done = tessera("parse", "a", "--format", "json", "-o", "out", "--resume", cwd=self.folder)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b"--format ndjson", done.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[1:]])
