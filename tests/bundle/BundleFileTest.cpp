@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include <cppmicroservices/BundleContext.h>
 #include <cppmicroservices/servicecomponent/detail/ComponentInstance.hpp>
 
 #include "FailingAllocation.hpp"
@@ -221,10 +222,10 @@ TEST_F(Factories, ReturnsNullWhenAnyAllocationFails) {
 
 TEST_F(Factories, ContextSlotTakesAnyHandle) {
   ASSERT_NE(library, nullptr) << dlerror();
-  const auto set =
-      symbol<void (*)(void*)>(std::string("_us_set_bundle_context_instance_") + kSymbolicName);
+  const auto set = symbol<void (*)(cppmicroservices::BundleContextPrivate*)>(
+      std::string("_us_set_bundle_context_instance_") + kSymbolicName);
   ASSERT_NE(set, nullptr);
-  set(&library);
+  set(reinterpret_cast<cppmicroservices::BundleContextPrivate*>(&library));
   set(nullptr);
 }
 
