@@ -189,7 +189,7 @@ std::vector<session::NamedParser> ServiceHost::snippetParsers() const {
     for (const ParserReference& reference : context.GetServiceReferences<SnippetParser>(filter)) {
       const std::string name = testIdOf(reference);
       if (auto parser = context.GetService(reference)) {
-        parsers.push_back({name, std::move(parser)});
+        parsers.push_back({name, std::move(parser), reference.GetBundle().GetSymbolicName()});
       } else if (std::ranges::find(kRequiredParsers, name) != std::end(kRequiredParsers)) {
         throwUnusable({name, running->files.parsers}, "cannot be created");
       }

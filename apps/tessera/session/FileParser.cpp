@@ -23,9 +23,8 @@ std::vector<fl::i18n::ustring> textsOf(const std::vector<quenlith::syntax::Marke
   throw diagnostics::ProblemError(
       {.file = file,
        .place = place,
-       .what = std::string("a parser gave up: ") + error.what(),
-       .remedy = "leave the bundle out that it comes from, or report it with the "
-                 "calls that --record writes"});
+       .what = error.parser().empty() ? error.what() : error.parser() + " threw: " + error.what(),
+       .remedy = "leave out bundles, or report it with the calls that --record writes"});
 }
 
 }  // namespace

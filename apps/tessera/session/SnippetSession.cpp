@@ -23,8 +23,12 @@ std::uint64_t nextBlockVersion() noexcept {
 
 }  // namespace
 
-ParserError::ParserError(std::uint64_t lineNumber, std::string reason)
-    : lineNumber(lineNumber), reason(std::move(reason)) {}
+ParserError::ParserError(std::uint64_t lineNumber, const NamedParser* parser, std::string reason)
+    : lineNumber(lineNumber), reason(std::move(reason)) {
+  if (parser == nullptr) return;
+  parserPhrase = parser->name.empty() ? "a parser" : "the parser " + parser->name;
+  if (!parser->bundle.empty()) parserPhrase += " of the bundle " + parser->bundle;
+}
 
 SnippetSession::SnippetSession(std::vector<NamedParser> parsersInOrder, LogCollector* log,
                                Recording* recording)
@@ -52,7 +56,7 @@ ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
   } catch (const diagnostics::ProblemError&) {
     throw;
   } catch (...) {
-    throw ParserError(number, diagnostics::describeException());
+    throw ParserError(number, std::exchange(called, nullptr), diagnostics::describeException());
   }
   parsed.code.text = std::move(snippet.auxiliaryText);
   return parsed;
@@ -61,8 +65,10 @@ ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
 void SnippetSession::resetParsers() {
   for (const NamedParser& entry : parsersInOrder) {
     if (recording != nullptr) recording->reset(entry.name);
+    called = &entry;
     entry.parser->reset();
   }
+  called = nullptr;
   // Records of a reset do not belong to a line.
   if (log != nullptr) log->take();
 }
@@ -70,8 +76,10 @@ void SnippetSession::resetParsers() {
 std::size_t SnippetSession::choose(const Snippet& snippet) {
   for (std::size_t i = 0; i < parsersInOrder.size(); ++i) {
     if (recording != nullptr) recording->canParse(parsersInOrder[i].name, snippet);
-    if (parsersInOrder[i].parser->canParse(snippet)) return i;
+    called = &parsersInOrder[i];
+    if (called->parser->canParse(snippet)) return i;
   }
+  called = nullptr;
   throw std::runtime_error("no snippet parser takes the line");
 }
 
@@ -83,6 +91,7 @@ LineOutcome SnippetSession::parseLine(const std::shared_ptr<TesseraDocument>& do
   if (recording != nullptr) recording->parse(chosen.name, snippet);
   outcome.firstNode = document->getNumberOfChildren();
   outcome.result = chosen.parser->parse(document, snippet);
+  called = nullptr;
   outcome.nodeCount = document->getNumberOfChildren() - outcome.firstNode;
   if (log != nullptr) outcome.log = log->take();
   return outcome;

@@ -28,14 +28,18 @@ struct ParsedSnippet {
 /// Thrown when a parser throws or when no parser accepts a line.
 class ParserError : public std::exception {
  public:
-  ParserError(std::uint64_t lineNumber, std::string reason);
+  /// `parser` is null if no parser threw.
+  ParserError(std::uint64_t lineNumber, const NamedParser* parser, std::string reason);
 
   /// 1-based; 0 when it happened before the first line.
   std::uint64_t line() const noexcept { return lineNumber; }
+  /// Returns the name and the bundle of the parser that threw, as a phrase; empty if none did.
+  const std::string& parser() const noexcept { return parserPhrase; }
   const char* what() const noexcept override { return reason.c_str(); }
 
  private:
   std::uint64_t lineNumber;
+  std::string parserPhrase;
   std::string reason;
 };
 
@@ -67,6 +71,8 @@ class SnippetSession {
   LogCollector* log;
   Recording* recording;
   std::atomic<std::uint64_t>* currentLine = nullptr;
+  // The parser that is being called; null between calls.
+  const NamedParser* called = nullptr;
 };
 
 }  // namespace tessera::session

@@ -169,8 +169,9 @@ class Parse(ProgramTest):
         for command in ("parse", "check", "markers"):
             arguments = [command, "--format", "json", "--bundle", str(SLIDER_BUNDLE)]
             done = tessera(*arguments, bad, good)
-            self.assertRefused(done, bad + ":2:1: error: a parser gave up: the slider is stuck; leave the bundle out "
-                               "that it comes from, or report it with the calls that --record writes",
+            self.assertRefused(done, bad + ":2:1: error: the parser CodeSnippetParserImpl of the bundle "
+                               "com_velquorin_quenlith_build_markup_code threw: the slider is stuck; leave out "
+                               "bundles, or report it with the calls that --record writes",
                                tessera(*arguments, good).stdout, status=3)
 
     def test_a_message_follows_the_output_of_the_files_before_it(self):

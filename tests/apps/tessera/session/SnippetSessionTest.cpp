@@ -26,7 +26,7 @@ using testing::ElementsAre;
 class SnippetSessionTest : public testing::Test {
  protected:
   SnippetSession makeSession(LogCollector* log = nullptr) {
-    return SnippetSession({{"first", first}, {"last", last}}, log, nullptr);
+    return SnippetSession({{"first", first, "one"}, {"", last, "two"}}, log, nullptr);
   }
 
   static void addNode(FakeParser::Document& document) {
@@ -138,6 +138,7 @@ TEST_F(SnippetSessionTest, AParserThatThrowsEndsTheSnippet) {
   } catch (const ParserError& error) {
     EXPECT_EQ(error.line(), 2u);
     EXPECT_STREQ(error.what(), "broken");
+    EXPECT_EQ(error.parser(), "a parser of the bundle two");
   }
   EXPECT_EQ(first->parsed.size(), 1u);
   // The next snippet is parsed as if nothing had happened.
@@ -153,6 +154,7 @@ TEST_F(SnippetSessionTest, ExceptionsOfAnyTypeFromAnyCallEndTheSnippet) {
   } catch (const ParserError& error) {
     EXPECT_EQ(error.line(), 1u);
     EXPECT_STREQ(error.what(), "an exception of a kind that is not known");
+    EXPECT_EQ(error.parser(), "the parser first of the bundle one");
   }
   first->onReset = [] { throw std::runtime_error("no reset"); };
   try {
@@ -161,6 +163,7 @@ TEST_F(SnippetSessionTest, ExceptionsOfAnyTypeFromAnyCallEndTheSnippet) {
   } catch (const ParserError& error) {
     EXPECT_EQ(error.line(), 0u);
     EXPECT_STREQ(error.what(), "no reset");
+    EXPECT_EQ(error.parser(), "the parser first of the bundle one");
   }
 }
 
@@ -171,6 +174,7 @@ TEST_F(SnippetSessionTest, ALineThatNoParserAcceptsIsAnError) {
     ADD_FAILURE();
   } catch (const ParserError& error) {
     EXPECT_STREQ(error.what(), "no snippet parser takes the line");
+    EXPECT_EQ(error.parser(), "");
   }
 }
 
