@@ -9,6 +9,7 @@
 #include "tessera/reports/artifactUri.hpp"
 #include "tessera/reports/sarifResult.hpp"
 #include "tessera/reports/sarifRules.hpp"
+#include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
 
@@ -23,18 +24,6 @@ constexpr std::size_t kMostResults = 25000;
 // Files that could not be checked; a list of any length is of no use.
 constexpr std::size_t kMostNotifications = 1000;
 
-void text(Writer& json, std::string_view key, std::string_view value) {
-  json.key(key);
-  json.text(value);
-}
-
-void writeMessage(Writer& json, std::string_view message) {
-  json.key("message");
-  json.beginObject();
-  text(json, "text", message);
-  json.endObject();
-}
-
 void writePlace(Writer& json, const diagnostics::Problem& problem) {
   json.key("locations");
   json.beginArray();
@@ -43,13 +32,12 @@ void writePlace(Writer& json, const diagnostics::Problem& problem) {
   json.beginObject();
   json.key("artifactLocation");
   json.beginObject();
-  text(json, "uri", artifactUri(problem.file));
+  writeMember(json, "uri", artifactUri(problem.file));
   json.endObject();
   if (problem.place) {
     json.key("region");
     json.beginObject();
-    json.key("startLine");
-    json.number(problem.place->line);
+    writeMember(json, "startLine", problem.place->line);
     json.endObject();
   }
   json.endObject();
@@ -63,8 +51,9 @@ std::string notificationOf(const diagnostics::Problem& problem) {
   std::string notification;
   Writer json(notification, Form::kCompact);
   json.beginObject();
-  text(json, "level", "error");
-  writeMessage(json, problem.remedy.empty() ? problem.what : problem.what + "; " + problem.remedy);
+  writeMember(json, "level", "error");
+  writeMessage(json, "message",
+               problem.remedy.empty() ? problem.what : problem.what + "; " + problem.remedy);
   writePlace(json, problem);
   json.endObject();
   return notification;
@@ -74,10 +63,11 @@ std::string notificationOf(std::size_t leftOut) {
   std::string notification;
   Writer json(notification, Form::kCompact);
   json.beginObject();
-  text(json, "level", "warning");
-  writeMessage(json, std::to_string(leftOut) +
-                         " results are left out, because a run has at most 25,000; check fewer "
-                         "files at a time");
+  writeMember(json, "level", "warning");
+  writeMessage(json, "message",
+               std::to_string(leftOut) +
+                   " results are left out, because a run has at most 25,000; check fewer "
+                   "files at a time");
   json.endObject();
   return notification;
 }
@@ -87,8 +77,8 @@ void writeTool(Writer& json) {
   json.beginObject();
   json.key("driver");
   json.beginObject();
-  text(json, "name", "tessera");
-  text(json, "semanticVersion", TESSERA_VERSION);
+  writeMember(json, "name", "tessera");
+  writeMember(json, "semanticVersion", TESSERA_VERSION);
   json.key("rules");
   writeSarifRules(json);
   json.endObject();
@@ -144,14 +134,14 @@ void CheckSarif::finish() {
   if (leftOut != 0) notifications.push_back(notificationOf(leftOut));
   Writer json(output.text(), Form::kCompact);
   json.beginObject();
-  text(json, "$schema", "https://json.schemastore.org/sarif-2.1.0.json");
-  text(json, "version", "2.1.0");
+  writeMember(json, "$schema", "https://json.schemastore.org/sarif-2.1.0.json");
+  writeMember(json, "version", "2.1.0");
   json.key("runs");
   json.beginArray();
   json.beginObject();
   writeTool(json);
   writeInvocation(json, !failed, notifications);
-  text(json, "columnKind", "utf16CodeUnits");
+  writeMember(json, "columnKind", "utf16CodeUnits");
   json.key("results");
   json.beginArray();
   for (const std::string& result : results) {

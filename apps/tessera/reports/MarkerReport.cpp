@@ -6,6 +6,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "foundation/json/Writer.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
+#include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
 
@@ -58,9 +59,8 @@ class MarkerJson {
 
   void write() {
     json.beginObject();
-    number("schemaVersion", 1);
-    json.key("file");
-    json.text(std::string_view(file.path));
+    writeMember(json, "schemaVersion", std::uint64_t{1});
+    writeMember(json, "file", std::string_view(file.path));
     json.key("markers");
     json.beginArray();
     for (const ListedMarker& listed : file.markers) writeMarker(listed);
@@ -71,13 +71,13 @@ class MarkerJson {
  private:
   void writeMarker(const ListedMarker& listed) {
     json.beginObject();
-    number("line", listed.span.begin.line);
-    number("column", columnOf(file, listed.span.begin));
-    number("endLine", listed.span.end.line);
-    number("endColumn", columnOf(file, listed.span.end));
-    text("element", listed.marker.elementView());
-    text("type", listed.marker.typeView());
-    text("id", listed.marker.idView());
+    writeMember(json, "line", listed.span.begin.line);
+    writeMember(json, "column", columnOf(file, listed.span.begin));
+    writeMember(json, "endLine", listed.span.end.line);
+    writeMember(json, "endColumn", columnOf(file, listed.span.end));
+    writeMember(json, "element", listed.marker.elementView());
+    writeMember(json, "type", listed.marker.typeView());
+    writeMember(json, "id", listed.marker.idView());
     writeRange(listed);
     json.key("data");
     json.object(listed.marker.dataView());
@@ -99,16 +99,6 @@ class MarkerJson {
     json.number(listed.range->first);
     json.number(listed.range->second);
     json.endArray();
-  }
-
-  void number(std::string_view key, std::uint64_t value) {
-    json.key(key);
-    json.number(value);
-  }
-
-  void text(std::string_view key, std::u16string_view value) {
-    json.key(key);
-    json.text(value);
   }
 
   Writer json;

@@ -5,6 +5,7 @@
 
 #include "foundation/json/Writer.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
 
@@ -36,14 +37,14 @@ class ResultWriter {
   void write(const std::string& fingerprint) {
     const CatalogueEntry& entry = entryOf(diagnostic.kind);
     json.beginObject();
-    text("ruleId", entry.id);
-    number("ruleIndex", static_cast<std::uint64_t>(diagnostic.kind));
-    text("level", sarifLevel(entry.severity));
-    writeMessage("message", messageText());
+    writeMember(json, "ruleId", entry.id);
+    writeMember(json, "ruleIndex", static_cast<std::uint64_t>(diagnostic.kind));
+    writeMember(json, "level", sarifLevel(entry.severity));
+    writeMessage(json, "message", messageText());
     writeLocations();
     json.key("partialFingerprints");
     json.beginObject();
-    text("primaryLocationLineHash", fingerprint);
+    writeMember(json, "primaryLocationLineHash", fingerprint);
     json.endObject();
     if (diagnostic.fix) writeFix(*diagnostic.fix);
     json.endObject();
@@ -78,9 +79,9 @@ class ResultWriter {
     json.beginArray();
     for (std::size_t i = 0; i < relatedCount(); ++i) {
       json.beginObject();
-      number("id", i + 1);
+      writeMember(json, "id", std::uint64_t{i + 1});
       writePlace(diagnostic.notes[i].span);
-      writeMessage("message", diagnostic.notes[i].message);
+      writeMessage(json, "message", diagnostic.notes[i].message);
       json.endObject();
     }
     json.endArray();
@@ -90,7 +91,7 @@ class ResultWriter {
     json.key("fixes");
     json.beginArray();
     json.beginObject();
-    writeMessage("description", fix.description);
+    writeMessage(json, "description", fix.description);
     json.key("artifactChanges");
     json.beginArray();
     json.beginObject();
@@ -108,7 +109,7 @@ class ResultWriter {
   void writeReplacement(const Edit& edit) {
     json.beginObject();
     writeRegion("deletedRegion", edit.span);
-    if (!edit.text.empty()) writeMessage("insertedContent", edit.text);
+    if (!edit.text.empty()) writeMessage(json, "insertedContent", edit.text);
     json.endObject();
   }
 
@@ -123,35 +124,18 @@ class ResultWriter {
   void writeArtifact() {
     json.key("artifactLocation");
     json.beginObject();
-    text("uri", uri);
+    writeMember(json, "uri", uri);
     json.endObject();
   }
 
   void writeRegion(std::string_view key, const Span& span) {
     json.key(key);
     json.beginObject();
-    number("startLine", span.begin.line);
-    number("startColumn", span.begin.unit + 1);
-    number("endLine", span.end.line);
-    number("endColumn", span.end.unit + 1);
+    writeMember(json, "startLine", span.begin.line);
+    writeMember(json, "startColumn", span.begin.unit + 1);
+    writeMember(json, "endLine", span.end.line);
+    writeMember(json, "endColumn", span.end.unit + 1);
     json.endObject();
-  }
-
-  void writeMessage(std::string_view key, std::string_view message) {
-    json.key(key);
-    json.beginObject();
-    text("text", message);
-    json.endObject();
-  }
-
-  void text(std::string_view key, std::string_view value) {
-    json.key(key);
-    json.text(value);
-  }
-
-  void number(std::string_view key, std::uint64_t value) {
-    json.key(key);
-    json.number(value);
   }
 
   Writer json;

@@ -7,6 +7,7 @@
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/catalogue/describeEntry.hpp"
 #include "tessera/reports/sarifResult.hpp"
+#include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
 
@@ -15,37 +16,25 @@ using foundation::json::Writer;
 
 namespace {
 
-void writeText(Writer& json, std::string_view key, std::string_view text) {
-  json.key(key);
-  json.beginObject();
-  json.key("text");
-  json.text(text);
-  json.endObject();
-}
-
 void writeHelp(Writer& json, const CatalogueEntry& entry) {
   json.key("help");
   json.beginObject();
-  json.key("text");
-  json.text(std::string_view(describeAsText(entry)));
-  json.key("markdown");
-  json.text(std::string_view(describeAsMarkdown(entry)));
+  writeMember(json, "text", std::string_view(describeAsText(entry)));
+  writeMember(json, "markdown", std::string_view(describeAsMarkdown(entry)));
   json.endObject();
 }
 
 void writeRule(Writer& json, const CatalogueEntry& entry) {
   json.beginObject();
-  json.key("id");
-  json.text(entry.id);
-  writeText(json, "shortDescription", entry.title);
+  writeMember(json, "id", entry.id);
+  writeMessage(json, "shortDescription", entry.title);
   std::string explanation(entry.explanation);
   std::ranges::replace(explanation, '\n', ' ');
-  writeText(json, "fullDescription", explanation);
+  writeMessage(json, "fullDescription", explanation);
   writeHelp(json, entry);
   json.key("defaultConfiguration");
   json.beginObject();
-  json.key("level");
-  json.text(sarifLevel(entry.severity));
+  writeMember(json, "level", sarifLevel(entry.severity));
   json.endObject();
   json.endObject();
 }
