@@ -163,7 +163,7 @@ std::uint64_t CommandReader::readWhole(std::uint64_t most) {
   expect(Token::kNumber, "a number");
   const auto* number = std::get_if<std::int64_t>(&json.number());
   if (number == nullptr || *number < 0 || static_cast<std::uint64_t>(*number) > most) {
-    fail(json.begin(), "a whole number from 0 to " + std::to_string(most) + " must stand here");
+    fail(json.begin(), "a whole number from 0 to " + std::to_string(most) + " is expected here");
   }
   return static_cast<std::uint64_t>(*number);
 }
@@ -175,7 +175,7 @@ CommandReader::Token CommandReader::next() {
 }
 
 void CommandReader::expect(Token token, const char* wanted) {
-  if (next() != token) fail(json.begin(), std::string(wanted) + " must stand here");
+  if (next() != token) fail(json.begin(), std::string(wanted) + " is expected here");
 }
 
 std::uint64_t CommandReader::columnOf(std::size_t position) const {
