@@ -105,7 +105,8 @@ void TextReport::writeNotes(const CheckedFile& file, const Diagnostic& diagnosti
   const auto& notes = diagnostic.notes;
   for (const Note& note : std::span(notes).first(std::min(notes.size(), kMostNotes))) {
     appendHeading(text, placeOf(file, note.span.begin), kNoteKind, note.message, style);
-    appendExcerpt(text, file, note.span, style);
+    // A note about another file has the place of the diagnostic.
+    if (note.span != diagnostic.span) appendExcerpt(text, file, note.span, style);
   }
   if (notes.size() <= kMostNotes) return;
   const std::size_t others = notes.size() - kMostNotes;

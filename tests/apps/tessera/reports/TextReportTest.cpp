@@ -66,6 +66,20 @@ TEST_F(TextReportTest, ARangeOfSeveralLinesIsMarkedToTheEndOfItsFirstLine) {
             "       |   ^~~\n");
 }
 
+TEST_F(TextReportTest, TheLineIsNotRepeatedForANoteAtTheSamePlace) {
+  file.path = "a";
+  file.diagnostics.push_back({.kind = DiagnosticKind::kUnusedEntry,
+                              .message = "m",
+                              .span = spanOf(1, 0, 1),
+                              .notes = {{spanOf(1, 0, 1), "the other one is b:1:1"}},
+                              .fix = {}});
+  EXPECT_EQ(write(),
+            "a:1:1: warning: m [unused_entry]\n"
+            "     1 | x = 1\n"
+            "       | ^\n"
+            "a:1:1: note: the other one is b:1:1\n");
+}
+
 TEST_F(TextReportTest, AfterFiveNotesTheOthersAreCounted) {
   file.path = "a";
   Diagnostic diagnostic{.kind = DiagnosticKind::kUnusedEntry,
@@ -93,14 +107,14 @@ TEST_F(TextReportTest, OnATerminalMessagesAreWrappedAndCounted) {
   Diagnostic diagnostic{.kind = DiagnosticKind::kUnusedEntry,
                         .message = "one two three four five six seven",
                         .span = spanOf(1, 0, 1),
-                        .notes = {{spanOf(1, 0, 1), "one two three four five six seven"}},
+                        .notes = {{spanOf(1, 4, 5), "one two three four five six seven"}},
                         .fix = Fix{"remove one two three four five six", {{spanOf(1, 0, 1), ""}}}};
   file.diagnostics = {diagnostic};
   TextReport report(output, {.color = false, .columns = 40, .isTerminal = true});
   const std::string caret = "     1 | x = 1\n       | ^\n";
   const std::string expected =
       "a:1:1: warning: one two three four five\n    six seven [unused_entry]\n" + caret +
-      "a:1:1: note: one two three four five six\n    seven\n" + caret +
+      "a:1:5: note: one two three four five six\n    seven\n     1 | x = 1\n       |     ^\n" +
       "a:1:1: fix: remove one two three four\n    five six\n";
   report.write(file);
   EXPECT_EQ(output.all(), expected);
@@ -149,7 +163,7 @@ TEST_F(TextReportTest, ColoursDistinguishTheKindsOfRow) {
                               .fix = {}});
   const std::string caret = "     1 | x = 1\n       | \x1b[1;32m^\x1b[0m\n";
   EXPECT_EQ(write(true), "\x1b[1ma:1:1: \x1b[0m\x1b[1;35mwarning\x1b[0m: m [unused_entry]\n" +
-                             caret + "\x1b[1ma:1:1: \x1b[0m\x1b[1;36mnote\x1b[0m: n\n" + caret);
+                             caret + "\x1b[1ma:1:1: \x1b[0m\x1b[1;36mnote\x1b[0m: n\n");
 }
 
 }  // namespace
