@@ -52,7 +52,7 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kWarning,
      .title = "range whose text is left out of the document",
      .messages = {"the document loses %2: no parser takes the range %1 of this %3 marker"},
-     .explanation = "The text of a range is handed to the parser of its marker. Without a parser, "
+     .explanation = "The text of a range is passed to the parser of its marker. Without a parser, "
                     "the text is left out\n"
                     "of the document. Task and text markers have none, so they should have no "
                     "range; for output and\n"

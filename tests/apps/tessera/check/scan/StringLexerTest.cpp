@@ -90,6 +90,8 @@ TEST(StringLexer, APrefixMakesAStringRaw) {
                 "..ss..ss");
   expectStrings("a.cs", uR"(@"a""b"c)",  //
                 "..sssss.");
+  expectStrings("a.cs", uR"(@"""a""" b)",  //
+                "..ssssss..");
   expectStrings("a.swift", uR"x(#""a"\"# b)x",  //
                 "..ssssss..");
   expectStrings("a.swift", u"##\"\"\"\n\"\"\"#\n\"\"\"## b",  //
@@ -140,6 +142,8 @@ TEST(StringLexer, ASingleQuoteMayBeginACharacterOrNothing) {
                 "...................ss");
   expectStrings("a.rs", u"<'a,'b>(\"c\", '\U0001F3C6', \"d\")",  //
                 ".........ss.........ss.");
+  expectStrings("a.rs", u"['\U0001F3C6','\"', \"a\"]",  //
+                "............ss.");
   expectStrings("a.hs", uR"(f' '"' g'' '\'' "a")",  //
                 ".................ss");
   expectStrings("a.cs", u"#region don't\n\"a\" '\"' \"b\"",  //
