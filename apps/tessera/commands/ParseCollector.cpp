@@ -5,10 +5,18 @@
 #include "tessera/diagnostics/report.hpp"
 
 namespace tessera::commands {
+namespace {
+
+constexpr std::size_t kLargePieceBytes = 64 * 1024;
+
+}  // namespace
 
 void ParseCollector::addText(std::string_view piece) {
   writtenBytes += piece.size();
-  output.writeThrough(piece);
+  if (piece.size() >= kLargePieceBytes) return output.writeThrough(piece);
+  // Small documents are written together.
+  output.text() += piece;
+  output.flushIfLarge();
 }
 
 void ParseCollector::report(std::string_view message) {
@@ -30,6 +38,7 @@ void ParseCollector::loseInput(std::size_t index, const workers::Loss& loss) {
        .what = "no document could be made: " + loss.reason,
        .remedy = "leave the bundle out that causes it, or report it with the calls that --record "
                  "writes"});
+  output.flush();
   if (writtenBytes != 0 && !output.takeBack(writtenBytes)) {
     throw diagnostics::OutputError(
         {.file = file,

@@ -24,6 +24,7 @@ class ParseCollector final : public workers::Collector, public workers::Messages
 
   // Operations throw OutputError.
   void addText(std::string_view piece) override;
+  void rest() override { output.flush(); }
   void addMessage(std::string_view message) override { report(message); }
   void endInput(std::size_t index, workers::Outcome outcome) override;
   /// Throws OutputError when a part of the document was written and cannot be taken back.

@@ -27,6 +27,8 @@ class Collector {
   virtual void addText(std::string_view piece) = 0;
   virtual void addMessage(std::string_view message) = 0;
   virtual void endInput(std::size_t index, Outcome outcome) = 0;
+  /// Nothing more has come for a while: what is buffered is to be written.
+  virtual void rest() = 0;
   /// The worker was lost with the current input. Takes back the pieces that were added.
   virtual void loseInput(std::size_t index, const Loss& loss) = 0;
 };

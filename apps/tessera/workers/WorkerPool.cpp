@@ -1,7 +1,5 @@
 #include "tessera/workers/WorkerPool.hpp"
 
-#include <poll.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -20,6 +18,9 @@ constexpr std::size_t kInputsPerWorker = 2;
 // The text of an input is passed on as a whole if it needs no more slots: then nothing has to be
 // taken back when the worker ends within it.
 constexpr std::size_t kSlotsHeldBack = SharedSlots::kSlots / 2;
+
+// After so long without a result, those that have come are written.
+constexpr int kRestMilliseconds = 20;
 
 }  // namespace
 
@@ -67,6 +68,7 @@ void WorkerPool::giveInputs() {
   }
 }
 
+/// Returns the time in milliseconds to the first deadline; -1 without one.
 int WorkerPool::pollTimeout() const {
   if (settings.timeout.count() == 0) return -1;
   auto deadline = Worker::Clock::time_point::max();
@@ -79,21 +81,31 @@ int WorkerPool::pollTimeout() const {
 }
 
 void WorkerPool::awaitFrames() {
-  std::vector<pollfd> pipes;
+  sockets.clear();
   for (const auto& worker : workers) {
-    if (!worker->isRunning()) continue;
-    pipes.push_back({.fd = worker->descriptor(), .events = POLLIN, .revents = 0});
+    // Of one that has ended the descriptor is negative, which poll() leaves out.
+    sockets.push_back({.fd = worker->descriptor(), .events = POLLIN, .revents = 0});
   }
-  if (::poll(pipes.data(), pipes.size(), pollTimeout()) < 0 && errno != EINTR) {
+  if (poll(kRestMilliseconds) != 0) return;
+  collector.rest();
+  poll(pollTimeout());
+}
+
+/// Returns how many workers have sent something.
+int WorkerPool::poll(int timeoutMilliseconds) {
+  const int count = ::poll(sockets.data(), sockets.size(), timeoutMilliseconds);
+  if (count < 0 && errno != EINTR) {
     throw std::system_error(errno, std::generic_category(), "waiting for a worker");
   }
+  return count;
 }
 
 void WorkerPool::receiveFrames() {
   std::vector<std::deque<std::size_t>> notBegun;
-  for (const auto& worker : workers) {
-    if (!worker->isRunning()) continue;
+  for (std::size_t i = 0; i < workers.size(); ++i) {
+    const auto& worker = workers[i];
     if (settings.timeout.count() != 0) worker->endIfLate(settings.timeout);
+    if (sockets[i].revents == 0) continue;
     std::deque<std::size_t> inputs = worker->receive();
     requireUsable(*worker);
     const bool needsSuccessor = !inputs.empty() || nextToGive < end;

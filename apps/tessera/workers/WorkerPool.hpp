@@ -1,5 +1,7 @@
 #pragma once
 
+#include <poll.h>
+
 #include <chrono>
 #include <cstddef>
 #include <deque>
@@ -44,6 +46,7 @@ class WorkerPool {
   void startWorker(std::deque<std::size_t> inputs);
   void giveInputs();
   void awaitFrames();
+  int poll(int timeoutMilliseconds);
   void receiveFrames();
   void requireUsable(const Worker& worker) const;
   void passResultsOn();
@@ -56,6 +59,8 @@ class WorkerPool {
   MakeJob makeJob;
   Collector& collector;
   std::vector<std::unique_ptr<Worker>> workers;
+  // Those of the workers, in the same order.
+  std::vector<pollfd> sockets;
   // The next input to give to a worker, the one whose result is the next, and the end of all.
   std::size_t nextToGive = 0;
   std::size_t nextResult = 0;

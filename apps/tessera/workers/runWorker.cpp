@@ -8,6 +8,7 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/workers/Frame.hpp"
@@ -15,26 +16,38 @@
 namespace tessera::workers {
 namespace {
 
-/// Sends frames to the parent.
+/// Sends frames to the parent, those of a small document together.
 class FrameSender {
  public:
   FrameSender(int descriptor, SharedSlots& slots) : descriptor(descriptor), slots(slots) {}
 
   void send(const Frame& frame) {
-    // A frame is so small that it is written as a whole.
-    while (::write(descriptor, &frame, sizeof frame) < 0) {
-      if (errno != EINTR) std::_Exit(EXIT_FAILURE);
-    }
+    pending.push_back(frame);
+    flush();
   }
 
   void sendInSlot(Frame::Kind kind, std::string_view text) {
     slots.fill(text);
-    send({.kind = kind, .size = static_cast<std::uint32_t>(text.size())});
+    pending.push_back({.kind = kind, .size = static_cast<std::uint32_t>(text.size())});
+    // The parent has to know of some slots to free them, or this process would wait forever.
+    if (text.size() == SharedSlots::kSlotBytes || pending.size() == kMostPending) flush();
   }
 
  private:
+  static constexpr std::size_t kMostPending = SharedSlots::kSlots / 4;
+
+  void flush() {
+    const std::size_t size = pending.size() * sizeof(Frame);
+    // So few bytes are written as a whole.
+    while (::write(descriptor, pending.data(), size) < 0) {
+      if (errno != EINTR) std::_Exit(EXIT_FAILURE);
+    }
+    pending.clear();
+  }
+
   int descriptor;
   SharedSlots& slots;
+  std::vector<Frame> pending;
 };
 
 class SlotOutput final : public files::OutputText {
