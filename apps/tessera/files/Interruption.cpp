@@ -1,12 +1,12 @@
 #include "tessera/files/Interruption.hpp"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <climits>
+#include <csignal>
 #include <cstddef>
 #include <stdexcept>
 

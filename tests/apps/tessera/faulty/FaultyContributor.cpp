@@ -1,8 +1,8 @@
 #include "FaultyContributor.hpp"
 
-#include <signal.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <string>
 
