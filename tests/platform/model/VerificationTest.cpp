@@ -232,7 +232,8 @@ TEST_F(Verify, FindsACycleOfFreeBlocks) {
 TEST_F(Verify, FindsAChunkOfAnotherModel) {
   const auto offset = reinterpret_cast<std::uintptr_t>(line.get()) & std::uintptr_t{0xFFFF};
   const char* chunk = reinterpret_cast<const char*>(line.get()) - offset;
-  const Corruption corruption(chunk, 0, nullptr);
+  const TesseraDocument other;
+  const Corruption corruption(chunk, 0, &other.getModel().storage());
   EXPECT_EQ(broken(), "a chunk begins with the address of its storage");
 }
 
