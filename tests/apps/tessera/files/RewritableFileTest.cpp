@@ -89,7 +89,7 @@ TEST_F(RewritableFileTest, OnlyARegularFileIsRead) {
 TEST_F(RewritableFileTest, AFileWithMoreBytesThanItsSizeSaysIsRefused) {
   // The size of such a file is 0, as if all of it were written while it is read.
   try {
-    RewritableFile("/proc/self/status");
+    const RewritableFile file("/proc/self/status");
     ADD_FAILURE() << "read";
   } catch (const ProblemError& error) {
     EXPECT_EQ(error.problem().what, "changed while it was read");
