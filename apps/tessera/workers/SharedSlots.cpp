@@ -2,8 +2,8 @@
 
 #include <sys/mman.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <new>
 
 namespace tessera::workers {
@@ -14,6 +14,7 @@ SharedSlots::SharedSlots() {
   if (memory == MAP_FAILED) throw std::bad_alloc();
   shared = new (memory) Shared;
   shared->line = 0;
+  shared->begun = 0;
   ::sem_init(&shared->free, 1, kSlots);
 }
 
@@ -25,7 +26,7 @@ SharedSlots::~SharedSlots() {
 void SharedSlots::fill(std::string_view text) noexcept {
   while (::sem_wait(&shared->free) != 0 && errno == EINTR) {
   }
-  std::ranges::copy(text, shared->slots[filled % kSlots]);
+  std::memcpy(shared->slots[filled % kSlots], text.data(), text.size());
   ++filled;
 }
 

@@ -35,10 +35,14 @@ class SharedSlots {
   /// The line of its input that the worker is at.
   std::atomic<std::uint64_t>& line() noexcept { return shared->line; }
 
+  /// How many inputs the worker has begun.
+  std::atomic<std::uint64_t>& begun() noexcept { return shared->begun; }
+
  private:
   struct Shared {
     sem_t free;
     std::atomic<std::uint64_t> line;
+    std::atomic<std::uint64_t> begun;
     char slots[kSlots][kSlotBytes];
   };
 

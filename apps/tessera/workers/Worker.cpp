@@ -151,6 +151,7 @@ void Worker::add(const Frame& frame) {
       ++slotsInUse;
     } else {
       ++finished;
+      ++endCount;
       since = Clock::now();
     }
   }
@@ -164,14 +165,20 @@ void Worker::end() {
   reason = isLate ? "it took longer than --timeout allows" : describeStatus(status);
 }
 
+/// Returns the inputs that are not done, without the one that the process was at: that one is lost.
 std::deque<std::size_t> Worker::loseInput() {
-  if (unfinished() == 0 || !ready) return {};
+  const auto firstUndone = inputs.begin() + static_cast<std::ptrdiff_t>(finished);
+  std::deque<std::size_t> undone(firstUndone, inputs.end());
+  inputs.erase(firstUndone, inputs.end());
+  const std::uint64_t begun = slots.begun();
+  if (begun <= endCount) return undone;
+  // Inputs before it may be done, but their frames were held back.
+  const auto lost = undone.begin() + static_cast<std::ptrdiff_t>(begun - endCount - 1);
+  inputs.push_back(*lost);
+  undone.erase(lost);
   frames.push_back({.kind = Frame::Kind::kLost});
-  const auto lost = inputs.begin() + static_cast<std::ptrdiff_t>(finished);
-  std::deque<std::size_t> notBegun(lost + 1, inputs.end());
-  inputs.erase(lost + 1, inputs.end());
   ++finished;
-  return notBegun;
+  return undone;
 }
 
 Worker::Clock::time_point Worker::deadline(std::chrono::milliseconds timeout) const noexcept {

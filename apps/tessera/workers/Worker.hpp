@@ -50,8 +50,8 @@ class Worker {
   /// Tells the process that there are no more inputs.
   void finish() noexcept;
 
-  /// Reads the frames that have arrived. At the end of the process, whose first unfinished input is
-  /// lost, returns the inputs that were not begun.
+  /// Reads the frames that have arrived. At the end of the process, which loses the input that it
+  /// was at, returns the other inputs that are not done.
   std::deque<std::size_t> receive();
 
   /// When the process is to be ended if it is still at the same input.
@@ -92,6 +92,8 @@ class Worker {
   // complete.
   std::deque<std::size_t> inputs;
   std::size_t finished = 0;
+  // How many ends have arrived.
+  std::uint64_t endCount = 0;
   std::deque<Frame> frames;
   std::size_t slotsInUse = 0;
   Clock::time_point since = Clock::now();

@@ -12,8 +12,10 @@
 namespace tessera::workers {
 namespace {
 
-// One that is worked on and one that waits, so that no worker waits for its parent.
-constexpr std::size_t kInputsPerWorker = 2;
+// One that is worked on and some that wait, so that no worker waits for its parent. Fewer at the
+// end, so that all workers end at about the same time.
+constexpr std::size_t kLeastInputsPerWorker = 2;
+constexpr std::size_t kMostInputsPerWorker = 8;
 
 // The text of an input is passed on as a whole if it needs no more slots: then nothing has to be
 // taken back when the worker ends within it.
@@ -59,8 +61,10 @@ void WorkerPool::startWorker(std::deque<std::size_t> inputs) {
 }
 
 void WorkerPool::giveInputs() {
+  const std::size_t share = (end - nextToGive) / (4 * std::max(workers.size(), std::size_t{1}));
+  const std::size_t most = std::clamp(share, kLeastInputsPerWorker, kMostInputsPerWorker);
   // In turn, so that each has one before any has two.
-  for (std::size_t wanted = 1; wanted <= kInputsPerWorker; ++wanted) {
+  for (std::size_t wanted = 1; wanted <= most; ++wanted) {
     for (const auto& worker : workers) {
       if (nextToGive == end) return;
       if (worker->isRunning() && worker->unfinished() < wanted) worker->give(nextToGive++);

@@ -1,8 +1,10 @@
 #include "tessera/workers/runWorker.hpp"
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
@@ -16,38 +18,60 @@
 namespace tessera::workers {
 namespace {
 
-/// Sends frames to the parent, those of a small document together.
+/// Sends frames to the parent, those of small documents together: each time costs as much as to
+/// parse some hundred lines.
 class FrameSender {
  public:
   FrameSender(int descriptor, SharedSlots& slots) : descriptor(descriptor), slots(slots) {}
 
-  void send(const Frame& frame) {
-    pending.push_back(frame);
-    flush();
-  }
-
   void sendInSlot(Frame::Kind kind, std::string_view text) {
     slots.fill(text);
-    pending.push_back({.kind = kind, .size = static_cast<std::uint32_t>(text.size())});
-    // The parent has to know of some slots to free them, or this process would wait forever.
-    if (text.size() == SharedSlots::kSlotBytes || pending.size() == kMostPending) flush();
+    add({.kind = kind, .size = static_cast<std::uint32_t>(text.size())});
   }
 
- private:
-  static constexpr std::size_t kMostPending = SharedSlots::kSlots / 4;
+  void sendEnd(Outcome outcome) {
+    add({.kind = Frame::Kind::kEnd, .outcome = outcome});
+    // The parent may assume that an input of which it has a part, but not the end, is not done. It
+    // measures times from one end to the next.
+    if (isPartSent || Clock::now() - lastTime > kLongestDelay) flush();
+    isPartSent = false;
+  }
+
+  void send(const Frame& frame) {
+    add(frame);
+    flush();
+  }
 
   void flush() {
     const std::size_t size = pending.size() * sizeof(Frame);
     // So few bytes are written as a whole.
-    while (::write(descriptor, pending.data(), size) < 0) {
+    while (size != 0 && ::write(descriptor, pending.data(), size) < 0) {
       if (errno != EINTR) std::_Exit(EXIT_FAILURE);
     }
     pending.clear();
+    lastTime = Clock::now();
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr std::chrono::milliseconds kLongestDelay{5};
+  // The parent has to know of most slots to free them, or this process would wait forever.
+  static constexpr std::size_t kMostPending = SharedSlots::kSlots / 2;
+
+  void add(const Frame& frame) {
+    pending.push_back(frame);
+    if (pending.size() < kMostPending) return;
+    flush();
+    isPartSent = true;
   }
 
   int descriptor;
   SharedSlots& slots;
   std::vector<Frame> pending;
+  // Whether frames of the current input were sent.
+  bool isPartSent = false;
+  Clock::time_point lastTime = Clock::now();
 };
 
 class SlotOutput final : public files::OutputText {
@@ -80,13 +104,17 @@ class SlotMessages final : public Messages {
   SlotOutput& output;
 };
 
-/// Reads the number of an input; `kNoMoreInputs` at the end of the channel.
-std::uint64_t readCommand(int descriptor) {
+/// Reads the number of an input; `kNoMoreInputs` at the end of the channel. Frames that are held
+/// back are sent before it waits.
+std::uint64_t readCommand(int descriptor, FrameSender& frames) {
   std::uint64_t command = 0;
-  ssize_t count = 0;
-  do {
-    count = ::read(descriptor, &command, sizeof command);
-  } while (count < 0 && errno == EINTR);
+  ssize_t count = ::recv(descriptor, &command, sizeof command, MSG_DONTWAIT);
+  if (count < 0) {
+    frames.flush();
+    do {
+      count = ::recv(descriptor, &command, sizeof command, 0);
+    } while (count < 0 && errno == EINTR);
+  }
   return count == sizeof command ? command : kNoMoreInputs;
 }
 
@@ -101,11 +129,13 @@ void runWorker(const MakeJob& makeJob, bool isRepeated, SharedSlots& slots, int 
     const std::unique_ptr<Job> job = makeJob(
         {.output = output, .messages = messages, .line = slots.line(), .isRepeated = isRepeated});
     frames.send({.kind = Frame::Kind::kReady});
-    for (auto index = readCommand(socket); index != kNoMoreInputs; index = readCommand(socket)) {
+    for (auto index = readCommand(socket, frames); index != kNoMoreInputs;
+         index = readCommand(socket, frames)) {
       slots.line() = 0;
+      ++slots.begun();
       const Outcome outcome = job->run(index);
       output.flush();
-      frames.send({.kind = Frame::Kind::kEnd, .outcome = outcome});
+      frames.sendEnd(outcome);
     }
     return;
   } catch (const diagnostics::ProblemError& error) {
