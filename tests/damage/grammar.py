@@ -67,7 +67,7 @@ def comment_before(line, opening, floor):
     found = LEADER.search(text)
     if not found and text != before:
         found = REMARK.search(text)
-        # The character before "REM" may be the last one of an earlier marker, which is no letter.
+        # The character before "REM" may be the last one of an earlier marker, which is not a letter.
     return (floor + found.start(), "") if found else None
 
 

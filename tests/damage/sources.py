@@ -49,7 +49,7 @@ def load():
 
 
 def copy(source, number, chance: random.Random):
-    """Returns the lines of a copy whose tasks have ids of its own.
+    """Returns the lines of a copy whose tasks have ids that no other copy has.
 
     `check` looks for the partner of a task marker in the other files of a run, too. Nothing else
     that it says about a file depends on other files.

@@ -56,17 +56,25 @@ Outcome ParseJob::run(std::size_t index) {
     throw;
   } catch (const diagnostics::ProblemError& error) {
     return fail(error);
+  }
+}
+
+/// Parses `path` or throws ProblemError. Without memory for its document, only this file is lost; a
+/// document that was written in part would be another matter.
+session::ParsedFile ParseJob::read(const std::string& path) {
+  try {
+    return parser.parse(path);
   } catch (const std::bad_alloc&) {
-    return fail(diagnostics::ProblemError({.file = input.path,
-                                           .place = {},
-                                           .what = "there is not enough memory to parse it",
-                                           .remedy = "run fewer workers (-j), or split the file"}));
+    throw diagnostics::ProblemError({.file = path,
+                                     .place = {},
+                                     .what = "there is not enough memory to parse it",
+                                     .remedy = "run fewer workers (-j), or split the file"});
   }
 }
 
 /// The memory of a file is freed before the next one is read.
 void ParseJob::parse(const std::string& path) {
-  session::ParsedFile file = parser.parse(path);
+  session::ParsedFile file = read(path);
   file.snippet.code = {};
   writer->write({path, file.snippet, session.parsers()});
 }

@@ -15,7 +15,7 @@
 
 namespace tessera::commands {
 
-/// Parses files and writes their documents, in one process with a framework of its own.
+/// Parses files and writes their documents. Starts a framework in the process that makes it.
 class ParseJob final : public workers::Job {
  public:
   /// Borrows all; `recording` may be null. Throws ProblemError when the services cannot be used.
@@ -26,6 +26,7 @@ class ParseJob final : public workers::Job {
   workers::Outcome run(std::size_t index) override;
 
  private:
+  session::ParsedFile read(const std::string& path);
   void parse(const std::string& path);
   workers::Outcome fail(const diagnostics::ProblemError& error);
 

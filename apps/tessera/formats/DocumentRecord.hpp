@@ -15,7 +15,7 @@ void writeRecordHead(foundation::json::Writer& json, std::string_view file);
 /// Returns the compact record of `file` up to the end of its head, without the comma that follows.
 std::string recordHead(std::string_view file);
 
-/// What follows the head of a record that says why there is no document.
+/// What follows the head of a record that says why a file has no document.
 inline constexpr std::string_view kErrorRecordMark = ",\"error\":";
 
 /// Appends the compact record, with a line feed, of a file that could not be parsed.

@@ -8,7 +8,7 @@ namespace tessera::inputs {
 struct Input {
   /// As the user named it, or below a directory that the user named. "-" is standard input.
   std::string path;
-  /// Whether it was found in a directory: there, binary files are no inputs.
+  /// Whether it was found in a directory: binary files found there are left out.
   bool isFound = false;
 };
 

@@ -76,7 +76,7 @@ void PathRules::GitLibrary::check(int result, const std::string& what) const {
        .remedy = "correct it, or add --no-ignore"});
 }
 
-/// A repository in memory: rules only, no files of its own.
+/// A repository in memory that consists of rules only.
 struct PathRules::Repository {
   Repository() { git.check(git.newRepository(&repository), "repository"); }
   ~Repository() { git.freeRepository(repository); }

@@ -44,9 +44,12 @@ void requireOneStandardInput(const InputOptions& options, const std::vector<std:
 void keepShard(std::vector<Input>& inputs, const Shard& shard) {
   if (shard.count == 1) return;
   std::size_t kept = 0;
-  for (std::size_t i = shard.index - 1; i < inputs.size(); i += shard.count) {
+  for (std::size_t i = shard.index - 1; i < inputs.size();) {
     if (kept != i) inputs[kept] = std::move(inputs[i]);
     ++kept;
+    // The next number may be past the largest one that there is.
+    if (inputs.size() - i <= shard.count) break;
+    i += shard.count;
   }
   inputs.resize(kept);
 }

@@ -9,7 +9,7 @@
 
 namespace tessera::workers {
 
-/// Why there is no result of an input.
+/// Why an input has no result.
 struct Loss {
   /// What happened, for example "the process that worked on it was ended by signal 11
   /// (Segmentation fault)".

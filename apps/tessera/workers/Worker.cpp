@@ -73,6 +73,8 @@ int awaitEnd(pid_t process) noexcept {
 
 Worker::~Worker() {
   if (process > 0) {
+    // With work left the run has failed, and the process may wait for a slot forever.
+    if (unfinished() != 0) ::kill(process, SIGKILL);
     finish();
     // The channel ends with the process.
     pollfd ended{.fd = socket, .events = 0, .revents = 0};
@@ -140,6 +142,7 @@ std::deque<std::size_t> Worker::receive() {
 void Worker::add(const Frame& frame) {
   if (frame.kind == Frame::Kind::kReady) {
     ready = true;
+    since = Clock::now();
   } else if (frame.kind == Frame::Kind::kUnusable) {
     unusable = true;
   } else if (!ready) {
@@ -182,7 +185,7 @@ std::deque<std::size_t> Worker::loseInput() {
 }
 
 Worker::Clock::time_point Worker::deadline(std::chrono::milliseconds timeout) const noexcept {
-  return unfinished() == 0 ? Clock::time_point::max() : since + timeout;
+  return unfinished() == 0 || !ready ? Clock::time_point::max() : since + timeout;
 }
 
 void Worker::endIfLate(std::chrono::milliseconds timeout) {

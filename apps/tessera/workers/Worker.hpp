@@ -54,7 +54,8 @@ class Worker {
   /// was at, returns the other inputs that are not done.
   std::deque<std::size_t> receive();
 
-  /// When the process is to be ended if it is still at the same input.
+  /// When the process is to be ended if it is still at the same input. It has all the time to
+  /// start.
   Clock::time_point deadline(std::chrono::milliseconds timeout) const noexcept;
   /// Ends a process that is past its deadline, unless it only waits until text is taken from it.
   void endIfLate(std::chrono::milliseconds timeout);

@@ -26,12 +26,13 @@ void cause(const std::string& fault) {
   while (fault == "hang") ::pause();
 }
 
-}  // namespace
-
-FaultyContributor::FaultyContributor() {
+/// Runs when the library is loaded.
+__attribute__((constructor)) void causeAtLoad() {
   const char* fault = std::getenv("TESSERA_TEST_FAULT");
   if (fault != nullptr) cause(fault);
 }
+
+}  // namespace
 
 bool FaultyContributor::isApplicable(const quenlith::syntax::Marker& marker) {
   cause(fl::i18n::ustring_to_utf8(marker.getId()));
