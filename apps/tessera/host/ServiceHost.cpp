@@ -19,6 +19,8 @@
 #include "cppmicroservices/ServiceRegistration.h"
 #include "foundation/cppmicroservices/getFramework.hpp"
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
+#include "quenlith/elf/checkBundleLibrary.hpp"
+#include "quenlith/elf/loadedLibraries.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/host/findBundles.hpp"
 #include "tessera/host/reportEvent.hpp"
@@ -143,8 +145,13 @@ void ServiceHost::Running::listen() {
 }
 
 void ServiceHost::Running::startBundle(const std::string& file) {
+  const auto framework = quenlith::elf::loadedFramework();
+  if (const auto fault = quenlith::elf::checkBundleLibrary(file, framework.value_or(""))) {
+    throw diagnostics::ProblemError(
+        {.file = file, .place = {}, .what = fault->what, .remedy = fault->remedy});
+  }
   try {
-    for (cppmicroservices::Bundle& bundle : framework->GetBundleContext().InstallBundles(file)) {
+    for (cppmicroservices::Bundle& bundle : this->framework->GetBundleContext().InstallBundles(file)) {
       bundles.push_back(bundle);
       bundle.Start();
     }

@@ -9,6 +9,9 @@
 #include "lifecycle/FrameworkCore.hpp"
 #include "manifest/bundleManifests.hpp"
 #include "properties/text.hpp"
+#include "quenlith/elf/checkBundleLibrary.hpp"
+#include "quenlith/elf/describeLoadError.hpp"
+#include "quenlith/elf/loadedLibraries.hpp"
 
 // The header of activators requires the name of a bundle, which does not matter here.
 #define US_BUNDLE_NAME framework
@@ -21,6 +24,12 @@ namespace {
 const std::string kSetContext = "_us_set_bundle_context_instance_";
 const std::string kCreateActivator = "_us_create_activator_";
 const std::string kDestroyActivator = "_us_destroy_activator_";
+
+namespace elf = quenlith::elf;
+
+std::string ownFile() {
+  return elf::fileOfCode(reinterpret_cast<const void*>(&ownFile));
+}
 
 bool hasActivator(const AnyMap& headers) {
   const auto entry = headers.find(Constants::BUNDLE_ACTIVATOR);
@@ -107,10 +116,14 @@ void LibraryBundle::finishStop() {
 
 void LibraryBundle::loadLibrary() {
   if (library != nullptr) return;
+  // A bundle for another framework must not be loaded: that would run its code, and it would crash.
+  if (const auto fault = elf::checkBundleLibrary(location, ownFile())) {
+    refuseBundle(location, fault->what, fault->remedy);
+  }
   library = dlopen(location.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) {
-    refuseBundle(location, std::string("the library cannot be loaded (") + dlerror() + ")",
-                 "link it with every library that it uses, and install those");
+    const elf::Fault fault = elf::describeLoadError(location, dlerror());
+    refuseBundle(location, fault.what, fault.remedy);
   }
 }
 

@@ -76,11 +76,11 @@ const std::vector<BrokenBundle>& brokenBundles() {
        "FILE: the zip archive at the end of the file has no manifest; append a zip archive that "
        "holds <symbolic name>/manifest.json to the library, after it was stripped"},
       {"NoLibrary", Make::kArchiveOnly, named(""),
-       "FILE: the library cannot be loaded (FILE: invalid ELF header); link it with every library "
-       "that it uses, and install those"},
+       "FILE: it is not a shared library: it does not begin as an ELF file; name the library of a "
+       "bundle"},
       {"OtherMachine", Make::kOtherMachine, named(""),
-       "FILE: the library cannot be loaded (FILE: wrong ELF class: ELFCLASS32); link it with every "
-       "library that it uses, and install those"},
+       "FILE: it is a 32-bit library, and this is a 64-bit process; build it for the machine that "
+       "the program was built for"},
       // The manifest.
       {"EmptyManifest", Make::kBundle, "",
        "FILE: broken/manifest.json cannot be used: it is no JSON at line 1, column 1: syntax error "

@@ -1,0 +1,60 @@
+#include "quenlith/elf/describeLoadError.hpp"
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "quenlith/elf/readSharedLibrary.hpp"
+
+namespace quenlith::elf {
+namespace {
+
+constexpr std::string_view kNotFound = ": cannot open shared object file";
+constexpr std::string_view kUndefined = "undefined symbol: ";
+
+std::string demangle(const std::string& symbol) {
+  int status = 0;
+  const std::unique_ptr<char, decltype(&std::free)> text(
+      abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status), &std::free);
+  return text ? text.get() : symbol;
+}
+
+std::string join(const std::vector<std::string>& texts) {
+  std::string joined;
+  for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
+  return joined;
+}
+
+Fault missingLibrary(const std::string& path, const std::string& library) {
+  std::vector<std::string> folders;
+  try {
+    folders = readSharedLibrary(path).searchPaths;
+  } catch (const UnusableLibrary&) {
+    // The loader has said what is wrong.
+  }
+  const std::string places = folders.empty() ? "" : " (it is looked for in " + join(folders) + ")";
+  return {"the library " + library + ", which it needs, is not found" + places,
+          "install that library, or put it beside the bundle"};
+}
+
+}  // namespace
+
+Fault describeLoadError(const std::string& path, std::string_view error) {
+  if (const auto end = error.find(kNotFound); end != std::string_view::npos) {
+    return missingLibrary(path, std::string(error.substr(0, end)));
+  }
+  if (const auto begin = error.find(kUndefined); begin != std::string_view::npos) {
+    std::string_view symbol = error.substr(begin + kUndefined.size());
+    symbol = symbol.substr(0, symbol.find_first_of(",( "));
+    return {"it uses " + demangle(std::string(symbol)) +
+                ", which none of the libraries that it is linked with defines",
+            "link it with the library that does, or build it again with the libraries that are "
+            "installed"};
+  }
+  return {"the library cannot be loaded (" + std::string(error) + ")",
+          "link it with every library that it uses, and install those"};
+}
+
+}  // namespace quenlith::elf
