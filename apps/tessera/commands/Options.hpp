@@ -1,13 +1,11 @@
 #pragma once
 
-#include <chrono>
-#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "foundation/json/Writer.hpp"
 #include "tessera/host/ServiceHost.hpp"
-#include "tessera/inputs/InputOptions.hpp"
+#include "tessera/run/RunOptions.hpp"
 #include "tessera/terminal/settings.hpp"
 
 namespace tessera::commands {
@@ -23,15 +21,8 @@ struct ParseOptions {
   std::string recordFile;
   /// Whether the recording may replace a file that is not a recording.
   bool replacesAnyFile = false;
-  /// Empty: standard output.
-  std::string outputFile;
-  /// Whether the run continues what an interrupted one has written to `outputFile`.
-  bool resumes = false;
-  std::size_t workers = 1;
-  /// How long a worker may take for a file. Zero: no limit.
-  std::chrono::milliseconds timeout{0};
   std::vector<std::string> bundles;
-  inputs::InputOptions inputs;
+  run::RunOptions run;
 };
 
 enum class CheckFormat { kText, kJson, kSarif };
@@ -50,7 +41,7 @@ struct CheckOptions {
   terminal::ColorMode color = terminal::ColorMode::kAuto;
   std::vector<std::string> bundles;
   host::Pieces pieces = host::Pieces::kKept;
-  inputs::InputOptions inputs;
+  run::RunOptions run;
 };
 
 enum class ExplainFormat { kText, kMarkdown };
@@ -67,7 +58,7 @@ struct MarkersOptions {
   MarkersFormat format = MarkersFormat::kText;
   host::Pieces pieces = host::Pieces::kKept;
   std::vector<std::string> bundles;
-  inputs::InputOptions inputs;
+  run::RunOptions run;
 };
 
 struct ReplayOptions {

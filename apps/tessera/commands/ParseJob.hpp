@@ -1,43 +1,27 @@
 #pragma once
 
-#include <cstddef>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "tessera/commands/Options.hpp"
 #include "tessera/formats/DocumentWriter.hpp"
-#include "tessera/host/ServiceHost.hpp"
-#include "tessera/inputs/Input.hpp"
-#include "tessera/session/FileParser.hpp"
-#include "tessera/session/LogCollector.hpp"
-#include "tessera/session/Recording.hpp"
-#include "tessera/workers/Job.hpp"
+#include "tessera/run/FileJob.hpp"
 
 namespace tessera::commands {
 
-/// Parses files and writes their documents. Starts a framework in the process that makes it.
-class ParseJob final : public workers::Job {
+/// Parses files and writes their documents.
+class ParseJob final : public run::FileJob {
  public:
   /// Borrows all; `recording` may be null. Throws ProblemError when the services cannot be used.
   ParseJob(const ParseOptions& options, const std::vector<inputs::Input>& inputs,
            session::Recording* recording, const workers::JobContext& context);
 
-  /// Throws OutputError.
-  workers::Outcome run(std::size_t index) override;
-
  private:
-  session::ParsedFile read(const std::string& path);
-  void parse(const std::string& path);
-  workers::Outcome fail(const diagnostics::ProblemError& error);
+  void work(const std::string& path) override;
+  void addProblem(const diagnostics::Problem& problem) override;
 
   const ParseOptions& options;
-  const std::vector<inputs::Input>& inputs;
-  files::OutputText& output;
-  workers::Messages& messages;
-  host::ServiceHost host;
-  std::unique_ptr<session::LogCollector> log;
-  session::SnippetSession session;
-  session::FileParser parser;
   std::unique_ptr<formats::DocumentWriter> writer;
 };
 

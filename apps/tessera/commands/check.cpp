@@ -4,172 +4,96 @@
 
 #include <algorithm>
 #include <memory>
-#include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "tessera/check/HeldFiles.hpp"
-#include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/check/checkFile.hpp"
-#include "tessera/check/fixes/FixedText.hpp"
-#include "tessera/check/fixes/fixText.hpp"
+#include "tessera/commands/CheckCollector.hpp"
+#include "tessera/commands/CheckJob.hpp"
 #include "tessera/commands/status.hpp"
 #include "tessera/diagnostics/Problem.hpp"
-#include "tessera/diagnostics/report.hpp"
-#include "tessera/diagnostics/terminalText.hpp"
-#include "tessera/files/OutputFile.hpp"
-#include "tessera/files/RewritableFile.hpp"
-#include "tessera/host/ServiceHost.hpp"
-#include "tessera/inputs/listInputs.hpp"
-#include "tessera/reports/CheckJson.hpp"
-#include "tessera/reports/CheckSarif.hpp"
-#include "tessera/reports/TextReport.hpp"
-#include "tessera/session/FileParser.hpp"
-#include "tessera/source/SourceText.hpp"
+#include "tessera/files/Interruption.hpp"
+#include "tessera/reports/recordHead.hpp"
+#include "tessera/run/FileRun.hpp"
+#include "tessera/run/listFiles.hpp"
 #include "tessera/terminal/settings.hpp"
 
 namespace tessera::commands {
 namespace {
 
-using check::catalogue::CheckedFile;
-using check::catalogue::Diagnostic;
-using check::catalogue::Severity;
-using quenlith::syntax::Marker;
-
-std::unique_ptr<reports::CheckReport> makeReport(const CheckOptions& options,
-                                                 files::OutputFile& output) {
-  if (options.format == CheckFormat::kJson) return std::make_unique<reports::CheckJson>(output);
-  if (options.format == CheckFormat::kSarif) return std::make_unique<reports::CheckSarif>(output);
-  const terminal::Style style{.color = terminal::wantsColor(options.color, STDOUT_FILENO),
-                              .columns = terminal::columnsOf(STDOUT_FILENO),
-                              .isTerminal = ::isatty(STDOUT_FILENO) != 0};
-  return std::make_unique<reports::TextReport>(output, style);
+/// Says which records of an interrupted run are kept. `status` becomes kFailuresFound when one of
+/// them has a diagnostic at or above `failOn`.
+///
+/// The marker that a task lacks may be in any file of the run: a record with one is written again.
+run::RecordRules recordRules(FailOn failOn, int& status) {
+  // In text, quotes are escaped: these are members.
+  const auto examine = [failOn, &status](std::string_view content) {
+    if (content.find("\"id\":\"missing_task_marker_pair\"") != content.npos) {
+      return run::Keep::kNothingFromHere;
+    }
+    const std::string_view mark =
+        failOn == FailOn::kFailure ? "\"severity\":\"failure\"" : "\"severity\":";
+    const bool isFound = failOn != FailOn::kNever && content.find(mark) != content.npos;
+    if (isFound) status = kFailuresFound;
+    return run::Keep::kRecord;
+  };
+  return {.head = &reports::recordHead, .hasErrorRecords = false, .examine = examine};
 }
 
-bool mustFail(const CheckedFile& file, FailOn failOn) {
-  if (failOn == FailOn::kNever) return false;
-  if (failOn == FailOn::kWarning) return !file.diagnostics.empty();
-  return std::ranges::any_of(file.diagnostics, [](const Diagnostic& diagnostic) {
-    return check::catalogue::severityOf(diagnostic) == Severity::kFailure;
-  });
+void requireFixable(const CheckOptions& options) {
+  if (options.fixes == Fixes::kNone) return;
+  const auto& inputs = options.run.inputs;
+  if (std::ranges::find(inputs.paths, "-") == inputs.paths.end()) return;
+  throw diagnostics::ProblemError({.file = "-",
+                                   .place = {},
+                                   .what = "standard input cannot be fixed",
+                                   .remedy = "name a file, or check it without --fix"});
 }
 
-/// Checks the files of a run and, if asked to, fixes them.
-class CheckRun {
- public:
-  explicit CheckRun(const CheckOptions& options)
-      : options(options),
-        host(options.bundles, options.pieces),
-        session(host.snippetParsers(), nullptr, nullptr),
-        parser(session, host.appendix(), nullptr),
-        parsers(host.codeElementParsers()),
-        output(STDOUT_FILENO, "standard output"),
-        report(makeReport(options, output)),
-        files([this](const CheckedFile& file) { take(file); }) {}
+void requireRecords(const CheckOptions& options) {
+  const bool hasRecords = options.format == CheckFormat::kJson && options.fixes == Fixes::kNone;
+  if (!options.run.resumes || (hasRecords && !options.run.outputFile.empty())) return;
+  throw diagnostics::ProblemError(
+      {.file = "tessera",
+       .place = {},
+       .what = "--resume continues the records of a file",
+       .remedy = "add --format json and -o FILE without --fix, or leave --resume out"});
+}
 
-  int run() {
-    const auto inputs = inputs::listInputs(options.inputs, inputs::BinaryFiles::kLeftOut);
-    for (const auto& [name, isFound] : inputs) {
-      try {
-        files.add(options.fixes == Fixes::kNone ? check(parser.parse(name), name) : fix(name));
-      } catch (const diagnostics::OutputError&) {
-        throw;
-      } catch (const diagnostics::ProblemError& error) {
-        reportProblem(error);
-      }
-    }
-    files.finish();
-    if (options.fixes == Fixes::kShown) {
-      output.flush();
-    } else {
-      report->finish();
-    }
-    return status;
-  }
+terminal::Style styleOf(const CheckOptions& options, int descriptor) {
+  return {.color = terminal::wantsColor(options.color, descriptor),
+          .columns = terminal::columnsOf(descriptor),
+          .isTerminal = ::isatty(descriptor) != 0};
+}
 
- private:
-  CheckedFile check(session::ParsedFile file, const std::string& name) {
-    return check::checkFile(name, std::move(file), [this](const Marker& marker) {
-      return std::ranges::any_of(parsers,
-                                 [&marker](const auto& taker) { return taker->canParse(marker); });
-    });
-  }
-
-  /// Fixes a file, or shows how. If it may not be replaced, its diagnostics are those before the
-  /// fixes.
-  CheckedFile fix(const std::string& name) {
-    files::RewritableFile file(name);
-    const auto checkBytes = [&](const std::string& bytes) {
-      return check(parser.parse(name, source::decodeSource(name, bytes)), name);
-    };
-    check::fixes::FixedText text(file.bytes());
-    check::fixes::FixResult fixed = check::fixes::fixText(text, checkBytes);
-    if (options.fixes == Fixes::kShown) {
-      showDifference(text.diff(name));
-    } else if (fixed.count != 0) {
-      try {
-        file.replace(text.bytes());
-        reportFixed(name, fixed.count);
-      } catch (const diagnostics::ProblemError& error) {
-        reportProblem(error);
-        return checkBytes(file.bytes());
-      }
-    }
-    return std::move(fixed.checked);
-  }
-
-  /// A terminal gets no control characters; `patch` gets the text as it is.
-  void showDifference(const std::string& difference) {
-    if (::isatty(STDOUT_FILENO) == 0) {
-      output.text() += difference;
-    } else {
-      std::istringstream lines(difference);
-      for (std::string line; std::getline(lines, line);) {
-        output.text() += diagnostics::terminalText(line) + '\n';
-      }
-    }
-    output.flushIfLarge();
-  }
-
-  static void reportFixed(const std::string& name, std::size_t count) {
-    diagnostics::report(diagnostics::terminalText(name) + ": " + std::to_string(count) +
-                        (count == 1 ? " fix made" : " fixes made"));
-  }
-
-  void reportProblem(const diagnostics::ProblemError& error) {
-    diagnostics::report(error.what());
-    report->addProblem(error.problem());
-    status = kInputsFailed;
-  }
-
-  void take(const CheckedFile& file) {
-    if (mustFail(file, options.failOn)) status = std::max(status, kFailuresFound);
-    if (options.fixes != Fixes::kShown) report->write(file);
-  }
-
-  const CheckOptions& options;
-  host::ServiceHost host;
-  session::SnippetSession session;
-  session::FileParser parser;
-  std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>> parsers;
-  files::OutputFile output;
-  std::unique_ptr<reports::CheckReport> report;
-  check::HeldFiles files;
-  int status = kFine;
-};
+int runCheck(const CheckOptions& options, std::vector<inputs::Input> files) {
+  int resumedStatus = kFine;
+  const run::RecordRules rules = recordRules(options.failOn, resumedStatus);
+  run::FileRun run(options.run, std::move(files),
+                   options.format == CheckFormat::kJson ? &rules : nullptr);
+  CheckCollector collector(options, run.inputs(), run.output(),
+                           styleOf(options, run.outputDescriptor()));
+  const auto makeJob = [&](const workers::JobContext& context) {
+    return std::make_unique<CheckJob>(options, run.inputs(), context);
+  };
+  // A file that is named twice is fixed once and then found to be correct.
+  run.work(makeJob, collector,
+           options.fixes == Fixes::kApplied ? run::Processes::kOne : run::Processes::kAny);
+  collector.finish();
+  run.complete();
+  return std::max(resumedStatus, collector.status());
+}
 
 }  // namespace
 
 int check(const CheckOptions& options) {
-  if (options.fixes != Fixes::kNone &&
-      std::ranges::find(options.inputs.paths, "-") != options.inputs.paths.end()) {
-    throw diagnostics::ProblemError({.file = "-",
-                                     .place = {},
-                                     .what = "standard input cannot be fixed",
-                                     .remedy = "name a file, or check it without --fix"});
-  }
-  return CheckRun(options).run();
+  requireFixable(options);
+  requireRecords(options);
+  if (run::isCompleted(options.run)) return kFine;
+  std::vector<inputs::Input> files = run::listFiles(options.run);
+  files::endOnInterruption();
+  return runCheck(options, std::move(files));
 }
 
 }  // namespace tessera::commands

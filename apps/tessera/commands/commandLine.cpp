@@ -23,6 +23,7 @@
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/diagnostics/report.hpp"
 #include "tessera/files/standardStreams.hpp"
+#include "tessera/workers/WorkerPool.hpp"
 
 namespace tessera::commands {
 namespace {
@@ -132,7 +133,7 @@ void addInputs(CLI::App& command, inputs::InputOptions& inputs) {
   auto* const list =
       command
           .add_option("--files-from", inputs.listFile,
-                      "Read more paths from a file, one a line; - is standard input.")
+                      "Read more paths from a file, one per line; - is standard input.")
           ->type_name("FILE");
   command
       .add_flag("-0", inputs.isNulSeparated, "Paths in that file end in NUL, not in a line feed.")
@@ -157,6 +158,33 @@ void addInputs(CLI::App& command, inputs::InputOptions& inputs) {
   });
 }
 
+/// Adds the options that say which files are read, in how many processes, and where the output
+/// goes. `resumable` names the output that --resume continues.
+void addRun(CLI::App& command, run::RunOptions& options, const std::string& resumable) {
+  addInputs(command, options.inputs);
+  options.workers = std::max(1U, std::thread::hardware_concurrency());
+  command
+      .add_option_function<std::string>(
+          "-j,--jobs", [&options](const std::string& text) { options.workers = readWorkers(text); },
+          "The number of worker processes; without it, that of the processor's cores.")
+      ->type_name("N");
+  command
+      .add_option_function<std::string>(
+          "--timeout", [&options](const std::string& text) { options.timeout = readTimeout(text); },
+          "Give up a file after that time.")
+      ->type_name("SECONDS");
+  auto* const output = command.add_option_function<std::string>(
+      "-o,--output",
+      [&options](const std::string& name) { options.outputFile = readOutputFile(name); },
+      "Write to a file, which appears when it is complete.");
+  output->type_name("FILE");
+  command
+      .add_flag("--resume", options.resumes,
+                "Continue what an interrupted run has written to FILE.partial (with " + resumable +
+                    " and -o).")
+      ->needs(output);
+}
+
 /// The options of all commands, and how arguments set them.
 struct CommandLine {
   CommandLine();
@@ -177,7 +205,6 @@ struct CommandLine {
 
  private:
   void addParse();
-  void addRun();
   void addCheck();
   void addMarkers();
   void addExplain();
@@ -217,34 +244,7 @@ void CommandLine::addParse() {
                          "With --record: also replace a file that is not a recording.");
   addBare(*parseCommand, parseOptions.pieces);
   addBundles(*parseCommand, parseOptions.bundles);
-  addInputs(*parseCommand, parseOptions.inputs);
-  addRun();
-}
-
-/// Adds the options that say how many files are parsed.
-void CommandLine::addRun() {
-  parseOptions.workers = std::max(1U, std::thread::hardware_concurrency());
-  parseCommand
-      ->add_option_function<std::string>(
-          "-j,--jobs",
-          [this](const std::string& text) { parseOptions.workers = readWorkers(text); },
-          "The number of worker processes; without it, that of the processor's cores.")
-      ->type_name("N");
-  parseCommand
-      ->add_option_function<std::string>(
-          "--timeout",
-          [this](const std::string& text) { parseOptions.timeout = readTimeout(text); },
-          "Give up a file after that time.")
-      ->type_name("SECONDS");
-  auto* const output = parseCommand->add_option_function<std::string>(
-      "-o,--output",
-      [this](const std::string& name) { parseOptions.outputFile = readOutputFile(name); },
-      "Write to a file, which appears when it is complete.");
-  output->type_name("FILE");
-  auto* const resume = parseCommand->add_flag("--resume", parseOptions.resumes,
-                                              "Continue what an interrupted run has written to "
-                                              "FILE.partial (with --format ndjson and -o).");
-  resume->needs(output);
+  addRun(*parseCommand, parseOptions.run, "--format ndjson");
 }
 
 void CommandLine::addCheck() {
@@ -275,7 +275,7 @@ void CommandLine::addCheck() {
       ->excludes(format);
   addBare(*checkCommand, checkOptions.pieces);
   addBundles(*checkCommand, checkOptions.bundles);
-  addInputs(*checkCommand, checkOptions.inputs);
+  addRun(*checkCommand, checkOptions.run, "--format json");
 }
 
 void CommandLine::addMarkers() {
@@ -289,7 +289,7 @@ void CommandLine::addMarkers() {
       ->type_name("FORMAT");
   addBare(*markersCommand, markersOptions.pieces);
   addBundles(*markersCommand, markersOptions.bundles);
-  addInputs(*markersCommand, markersOptions.inputs);
+  addRun(*markersCommand, markersOptions.run, "--format json");
 }
 
 void CommandLine::addExplain() {
@@ -366,6 +366,8 @@ int runCommandLine(int argumentCount, char** arguments) {
     if (error.get_exit_code() == 0) return showHelp(line, error);
     return reportUsage(line, error);
   } catch (const diagnostics::ProblemError& error) {
+    diagnostics::report(error.what());
+  } catch (const workers::WorkerUnusable& error) {
     diagnostics::report(error.what());
   } catch (const std::exception& error) {
     diagnostics::report(

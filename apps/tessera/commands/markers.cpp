@@ -1,43 +1,75 @@
 #include "tessera/commands/markers.hpp"
 
-#include <unistd.h>
-
-#include <algorithm>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "tessera/check/listing/listMarkers.hpp"
 #include "tessera/commands/status.hpp"
 #include "tessera/diagnostics/Problem.hpp"
-#include "tessera/diagnostics/report.hpp"
-#include "tessera/files/OutputFile.hpp"
-#include "tessera/host/ServiceHost.hpp"
-#include "tessera/inputs/listInputs.hpp"
+#include "tessera/files/Interruption.hpp"
 #include "tessera/reports/MarkerReport.hpp"
-#include "tessera/session/FileParser.hpp"
+#include "tessera/reports/recordHead.hpp"
+#include "tessera/run/FileJob.hpp"
+#include "tessera/run/FileRun.hpp"
+#include "tessera/run/TextCollector.hpp"
+#include "tessera/run/listFiles.hpp"
 
 namespace tessera::commands {
+namespace {
+
+class MarkersJob final : public run::FileJob {
+ public:
+  MarkersJob(const MarkersOptions& options, const std::vector<inputs::Input>& inputs,
+             const workers::JobContext& context)
+      : FileJob({.bundles = options.bundles, .pieces = options.pieces}, inputs, context),
+        append(options.format == MarkersFormat::kJson ? &reports::appendMarkerJson
+                                                      : &reports::appendMarkerRows) {}
+
+ private:
+  void work(const std::string& path) override {
+    const auto listed = loseWithoutMemory(path, [&] {
+      return check::listing::listMarkers(path, files().parse(path),
+                                         [this](const auto& marker) { return isAccepted(marker); });
+    });
+    append(output().text(), listed);
+  }
+
+  void (*append)(std::string& text, const check::listing::ListedFile& file);
+};
+
+void requireRecords(const MarkersOptions& options) {
+  const bool hasRecords = options.format == MarkersFormat::kJson;
+  if (!options.run.resumes || (hasRecords && !options.run.outputFile.empty())) return;
+  throw diagnostics::ProblemError(
+      {.file = "tessera",
+       .place = {},
+       .what = "--resume continues the records of a file",
+       .remedy = "add --format json and -o FILE, or leave --resume out"});
+}
+
+}  // namespace
 
 int markers(const MarkersOptions& options) {
-  host::ServiceHost host(options.bundles, options.pieces);
-  session::SnippetSession session(host.snippetParsers(), nullptr, nullptr);
-  session::FileParser parser(session, host.appendix(), nullptr);
-  const auto isAccepted = [parsers = host.codeElementParsers()](const auto& marker) {
-    return std::ranges::any_of(parsers, [&](const auto& taker) { return taker->canParse(marker); });
+  requireRecords(options);
+  if (run::isCompleted(options.run)) return kFine;
+  std::vector<inputs::Input> files = run::listFiles(options.run);
+  files::endOnInterruption();
+  const run::RecordRules rules{.head = &reports::recordHead,
+                               .hasErrorRecords = false,
+                               .examine = [](std::string_view) { return run::Keep::kRecord; }};
+  run::FileRun run(options.run, std::move(files),
+                   options.format == MarkersFormat::kJson ? &rules : nullptr);
+  run::TextCollector collector(run.inputs(), run.output(),
+                               {.what = "its markers could not be listed", .appendRecord = {}});
+  const auto makeJob = [&](const workers::JobContext& context) {
+    return std::make_unique<MarkersJob>(options, run.inputs(), context);
   };
-  const auto append = options.format == MarkersFormat::kJson ? &reports::appendMarkerJson
-                                                             : &reports::appendMarkerRows;
-  files::OutputFile output(STDOUT_FILENO, "standard output");
-  int status = kFine;
-  const auto inputs = inputs::listInputs(options.inputs, inputs::BinaryFiles::kLeftOut);
-  for (const auto& [name, isFound] : inputs) {
-    try {
-      append(output.text(), check::listing::listMarkers(name, parser.parse(name), isAccepted));
-    } catch (const diagnostics::ProblemError& error) {
-      diagnostics::report(error.what());
-      status = kInputsFailed;
-    }
-    output.flush();
-  }
-  return status;
+  run.work(makeJob, collector, run::Processes::kAny);
+  run.complete();
+  return collector.hasFailed() ? kInputsFailed : kFine;
 }
 
 }  // namespace tessera::commands

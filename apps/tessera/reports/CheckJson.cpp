@@ -5,6 +5,7 @@
 
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/catalogue/describeEntry.hpp"
+#include "tessera/reports/recordHead.hpp"
 #include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
@@ -13,8 +14,7 @@ using namespace check::catalogue;
 
 void CheckJson::write(const CheckedFile& file) {
   json.beginObject();
-  writeMember(json, "schemaVersion", std::uint64_t{1});
-  writeMember(json, "file", std::string_view(file.path));
+  writeRecordHead(json, file.path);
   json.key("diagnostics");
   json.beginArray();
   for (const Diagnostic& diagnostic : file.diagnostics) {
@@ -24,7 +24,7 @@ void CheckJson::write(const CheckedFile& file) {
   json.endArray();
   json.endObject();
   output.text() += '\n';
-  output.flush();
+  output.flushIfLarge();
 }
 
 void CheckJson::writeDiagnostic(const CheckedFile& file, const Diagnostic& diagnostic) {

@@ -6,6 +6,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "foundation/json/Writer.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
+#include "tessera/reports/recordHead.hpp"
 #include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
@@ -59,8 +60,7 @@ class MarkerJson {
 
   void write() {
     json.beginObject();
-    writeMember(json, "schemaVersion", std::uint64_t{1});
-    writeMember(json, "file", std::string_view(file.path));
+    writeRecordHead(json, file.path);
     json.key("markers");
     json.beginArray();
     for (const ListedMarker& listed : file.markers) writeMarker(listed);

@@ -1,5 +1,6 @@
 #include "tessera/source/SourceLines.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessera::source {
@@ -31,12 +32,23 @@ SourceLines::SourceLines(JoinedLines code, std::u16string appendixLine, JoinedLi
   for (const auto& block : blocks) add(*block);
 }
 
+SourceLines::SourceLines(std::vector<std::uint64_t> numbers, JoinedLines texts)
+    : numbers(std::move(numbers)) {
+  blocks.push_back(std::make_unique<const JoinedLines>(std::move(texts)));
+  add(*blocks.front());
+}
+
 void SourceLines::add(const JoinedLines& block) {
   LineCursor cursor(block.text, block.any);
   while (const auto line = cursor.next()) lines.push_back(*line);
 }
 
 std::u16string_view SourceLines::line(std::uint64_t number) const noexcept {
+  if (!numbers.empty()) {
+    const auto found = std::ranges::lower_bound(numbers, number);
+    if (found == numbers.end() || *found != number) return {};
+    return lines[static_cast<std::size_t>(found - numbers.begin())];
+  }
   return number <= lines.size() ? lines[number - 1] : std::u16string_view();
 }
 

@@ -11,7 +11,7 @@
 
 namespace tessera::source {
 
-/// The lines of a whole file, code and appendix, by number.
+/// The lines of a file, code and appendix, by number: all of them or some.
 ///
 /// Lines have no ending. Line numbers are 1-based, positions in a line count 16-bit code units from
 /// 0.
@@ -23,6 +23,11 @@ class SourceLines {
   /// appendix, and the lines after it.
   SourceLines(JoinedLines code, std::u16string appendixLine, JoinedLines appendix);
 
+  /// Takes some lines of a file: `texts` are those that `numbers` names, in ascending order. The
+  /// others are empty.
+  SourceLines(std::vector<std::uint64_t> numbers, JoinedLines texts);
+
+  /// Returns how many lines it has.
   std::uint64_t count() const noexcept { return lines.size(); }
 
   /// Returns the code, whose lines end in LF. The views of its lines are views of it.
@@ -43,6 +48,8 @@ class SourceLines {
   // The views of `lines` refer to these texts, which never move: short strings would.
   std::vector<std::unique_ptr<const JoinedLines>> blocks;
   std::vector<std::u16string_view> lines;
+  // The numbers of `lines`; empty if it has all lines of the file.
+  std::vector<std::uint64_t> numbers;
   // For each long line that was asked for: the number of characters before every kStride-th unit.
   mutable std::unordered_map<std::uint64_t, std::vector<std::uint64_t>> counts;
 };

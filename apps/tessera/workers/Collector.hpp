@@ -25,7 +25,9 @@ class Collector {
 
   /// The next piece of the output of the current input.
   virtual void addText(std::string_view piece) = 0;
+  /// A message for the user.
   virtual void addMessage(std::string_view message) = 0;
+  /// All of the current input has been added.
   virtual void endInput(std::size_t index, Outcome outcome) = 0;
   /// Nothing more has come for a while: what is buffered is to be written.
   virtual void rest() = 0;

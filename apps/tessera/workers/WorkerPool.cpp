@@ -29,12 +29,11 @@ constexpr int kRestMilliseconds = 20;
 WorkerPool::WorkerPool(const PoolSettings& settings, MakeJob makeJob, Collector& collector)
     : settings(settings), makeJob(std::move(makeJob)), collector(collector) {}
 
-void WorkerPool::run(std::size_t first, std::size_t endOfInputs) {
-  nextToGive = first;
-  nextResult = first;
-  end = endOfInputs;
-  const std::size_t count = std::min(settings.workers, end - first);
-  for (std::size_t i = 0; i < count; ++i) startWorker({});
+void WorkerPool::run(std::size_t count) {
+  nextToGive = 0;
+  nextResult = 0;
+  end = count;
+  for (std::size_t i = 0; i < std::min(settings.workers, count); ++i) startWorker({});
   while (nextResult < end) {
     giveInputs();
     awaitFrames();

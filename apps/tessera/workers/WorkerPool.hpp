@@ -38,9 +38,9 @@ class WorkerPool {
   /// Borrows `collector`.
   WorkerPool(const PoolSettings& settings, MakeJob makeJob, Collector& collector);
 
-  /// Works on the inputs numbered from `first` up to, but not including, `end`. Throws
-  /// WorkerUnusable, what the collector throws, and std::system_error.
-  void run(std::size_t first, std::size_t end);
+  /// Works on the inputs numbered from 0 up to, but not including, `count`. Throws WorkerUnusable,
+  /// what the collector throws, and std::system_error.
+  void run(std::size_t count);
 
  private:
   void startWorker(std::deque<std::size_t> inputs);

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs `tessera parse` on many files: how they are named, worker processes, faults, interrupted runs.
+"""Runs `tessera parse`, `check` and `markers` on many files: how they are named, worker processes, faults,
+interrupted runs.
 
 many_files_test.py PROGRAM FAULTY_BUNDLE
 
@@ -20,6 +21,7 @@ import unittest
 
 FAULTY = str(pathlib.Path(sys.argv.pop(2)).resolve())
 PROGRAM = str(pathlib.Path(sys.argv.pop(1)).resolve())
+ROOT = pathlib.Path(__file__).resolve().parents[3]
 KILLS = int(os.environ.get("TESSERA_KILLS", "20"))
 
 
@@ -209,6 +211,163 @@ class Workers(ManyFiles):
         self.assertEqual(done.stdout, b"")
 
 
+REPORTS = (["check"], ["check", "--format", "json"], ["check", "--format", "sarif"], ["check", "--fix", "--dry-run"],
+           ["check", "--fail-on", "warning"], ["markers"], ["markers", "--format", "json"])
+
+
+class Reports(ManyFiles):
+    """`check` and `markers` in several processes."""
+
+    def write_marked(self):
+        """Writes files with diagnostics of many kinds, some about two files."""
+        for source in sorted((ROOT / "tests/golden/check").rglob("*.in")):
+            self.write(f"t/{source.name}", source.read_bytes())
+        for number in range(0, 40, 3):
+            self.write(f"t/{number:02}.py", b"x = 1\n" * number + b"# <@text:anchr#a> \xf0\x9f\x8f\x86 <@output#b [0,1]>\n")
+        # The partner of the marker in the first file is in the last one.
+        self.write("t/00.py", b"# <@task#shared>\nx = 1\n")
+        self.write("t/zz.py", b"y = 1\n# <@task#shared>\n")
+        self.write("t/bad.py", b"x\n\xff")
+        self.write("t/binary", b"\0")
+
+    def run_report(self, *arguments, **options):
+        return tessera(*arguments, cwd=self.folder, **options)
+
+    def test_the_report_does_not_depend_on_the_number_of_workers(self):
+        self.write_marked()
+        for command in REPORTS:
+            expected = self.run_report(*command, "t", "missing", "-j", "1")
+            self.assertEqual(expected.returncode, 3)
+            self.assertIn(b"t/bad.py:2:1: error: ", expected.stderr)
+            self.assertNotEqual(expected.stdout, b"")
+            for workers in ("2", "5"):
+                done = self.run_report(*command, "t", "missing", "-j", workers)
+                self.assertTrue(done.stdout == expected.stdout, command)
+                self.assertEqual((done.stderr, done.returncode), (expected.stderr, 3))
+        # The status without files that cannot be used.
+        for name in ("t/bad.py", "missing"):
+            (self.folder / name).unlink(missing_ok=True)
+        for command, status in ((["check"], 1), (["check", "--fail-on", "never"], 0), (["markers"], 0)):
+            for workers in ("1", "3"):
+                self.assertEqual(self.run_report(*command, "t", "-j", workers).returncode, status)
+
+    def test_partners_in_other_files_are_found(self):
+        self.write_marked()
+        for workers in ("1", "3"):
+            found = records(self.run_report("check", "--format", "json", "t", "-j", workers).stdout)
+            [first] = [record["diagnostics"] for record in found if record["file"] == "t/00.py"]
+            notes = [note["message"] for diagnostic in first for note in diagnostic["notes"]]
+            self.assertIn("the other one is t/zz.py:2:1", notes)
+
+    def test_a_lost_worker_is_a_problem_of_the_report(self):
+        for number in range(8):
+            self.write(f"t/{number}", b"x\n# <@task#a>\n")
+        self.write("t/3", b"a\n# %<@text:anchor#segv>\n")
+        for command in REPORTS:
+            for workers in ("2", "4"):
+                done = self.run_report(*command, "t", "-j", workers, "--bundle", FAULTY)
+                self.assertEqual(done.returncode, 3)
+                self.assertIn(b"t/3:2:1: error: ", done.stderr)
+                self.assertIn(b"signal 11 (Segmentation fault)", done.stderr)
+                # All the others are there.
+                os.rename(self.folder / "t/3", self.folder / "aside")
+                rest = self.run_report(*command, "t", "-j", workers)
+                os.rename(self.folder / "aside", self.folder / "t/3")
+                if "sarif" not in command:
+                    self.assertEqual(done.stdout, rest.stdout)
+                    continue
+                [log] = json.loads(done.stdout)["runs"]
+                [notification] = log["invocations"][0]["toolExecutionNotifications"]
+                self.assertIn("signal 11", notification["message"]["text"])
+                self.assertFalse(log["invocations"][0]["executionSuccessful"])
+                self.assertEqual(log["results"], json.loads(rest.stdout)["runs"][0]["results"])
+
+    def test_a_file_that_takes_too_long_is_given_up(self):
+        self.write("t/a", b"# <@text:anchor>\n")
+        self.write("t/b", b"# %<@text:anchor#hang>\n")
+        for command in ("check", "markers"):
+            done = self.run_report(command, "t", "-j", "1", "--timeout", "0.5", "--bundle", FAULTY)
+            self.assertEqual(done.returncode, 3)
+            self.assertIn(b"t/b:1:1: error: ", done.stderr)
+            self.assertIn(b"--timeout", done.stderr)
+            self.assertTrue(done.stdout.startswith(b"t/a:1:1: "), done.stdout)
+
+    def test_the_report_is_written_to_a_file(self):
+        self.write_marked()
+        for command in REPORTS:
+            expected = self.run_report(*command, "t")
+            self.write("out", b"old")
+            done = self.run_report(*command, "t", "-o", "out", "--bundle", "missing.so")
+            self.assertEqual(((self.folder / "out").read_bytes(), done.returncode), (b"old", 2))
+            done = self.run_report(*command, "t", "-o", "out")
+            self.assertEqual((done.stdout, done.stderr, done.returncode), (b"", expected.stderr, expected.returncode))
+            self.assertTrue((self.folder / "out").read_bytes() == expected.stdout)
+            self.assertNoLeftovers()
+        self.assertIn(b"is one of the inputs", self.run_report("check", "t/00.py", "-o", "t/00.py").stderr)
+
+    def test_files_are_fixed_in_one_process(self):
+        self.write("a", b"# <@text:anchr#a>\n")
+        self.write("b", b"# <@text:anchr#b>\n")
+        done = self.run_report("check", "--fix", "a", "b", "a", "-j", "4")
+        self.assertEqual(done.stderr, b"a: 1 fix made\nb: 1 fix made\n")
+        self.assertEqual((self.folder / "a").read_bytes(), b"# <@text:anchor#a>\n")
+
+    def test_a_report_of_records_is_resumed(self):
+        self.write_marked()
+        (self.folder / "t/00.py").unlink()
+        for command in ("check", "markers"):
+            whole = self.run_report(command, "--format", "json", "t", "missing")
+            lines = whole.stdout.splitlines(keepends=True)
+            for count in (0, 1, 5, len(lines) // 2, len(lines) - 1, len(lines)):
+                self.write("out.partial", b"".join(lines[:count]) + b'{"half')
+                done = self.run_report(command, "--format", "json", "t", "missing", "-o", "out", "--resume")
+                self.assertEqual((done.returncode, done.stdout), (whole.returncode, b""), done.stderr)
+                # Files without a record are tried again, and reported again.
+                self.assertEqual(sorted(done.stderr.splitlines()), sorted(whole.stderr.splitlines()))
+                self.assertTrue((self.folder / "out").read_bytes() == whole.stdout)
+                os.unlink(self.folder / "out")
+            self.write("out.partial", lines[1] + lines[0])
+            done = self.run_report(command, "--format", "json", "t", "-o", "out", "--resume")
+            self.assertEqual(done.returncode, 2)
+            self.assertEqual((self.folder / "out.partial").read_bytes(), lines[1] + lines[0])
+            for arguments in (["--format", "json", "--resume"], ["--resume", "-o", "out"]):
+                self.assertEqual(self.run_report(command, "t", *arguments).returncode, 2)
+
+    def test_a_resumed_report_knows_the_files_before(self):
+        # Records: without a diagnostic, with a failure, with a marker whose partner is in the last file.
+        self.write("t/a", b"x\n")
+        self.write("t/b", b"# <@output#a [5,3]>\n")
+        self.write("t/c", b"# <@task#a>\n")
+        self.write("t/d", b"# <@task#a>\n")
+        check = ["check", "--format", "json", "t"]
+        whole = self.run_report(*check)
+        self.assertIn(b"the other one is t/c:1:1", whole.stdout)
+        lines = whole.stdout.splitlines(keepends=True)
+        for count in range(5):
+            self.write("out.partial", b"".join(lines[:count]))
+            self.assertEqual(self.run_report(*check, "-o", "out", "--resume").returncode, 1)
+            self.assertEqual((self.folder / "out").read_bytes(), whole.stdout)
+            os.unlink(self.folder / "out")
+        # The status also counts what is in the records that are kept.
+        for name in ("t/c", "t/d"):
+            os.unlink(self.folder / name)
+        for options, status in (([], 1), (["--fail-on", "warning"], 1), (["--fail-on", "never"], 0)):
+            self.write("out.partial", b"".join(lines[:2]))
+            self.assertEqual(self.run_report(*check, *options, "-o", "out", "--resume").returncode, status)
+            os.unlink(self.folder / "out")
+
+    def test_a_file_that_has_a_record_only_now_ends_a_resumed_run(self):
+        for name in ("t/a", "t/b"):
+            self.write(name)
+        for command in ("check", "markers"):
+            lines = self.run_report(command, "--format", "json", "t").stdout.splitlines(keepends=True)
+            self.write("out.partial", lines[1])
+            done = self.run_report(command, "--format", "json", "t", "-o", "out", "--resume")
+            self.assertEqual(done.returncode, 2)
+            self.assertIn(b"t/a: error: it has no record in the output of the interrupted run", done.stderr)
+            self.assertEqual((self.folder / "out.partial").read_bytes(), lines[1])
+
+
 class Outputs(ManyFiles):
     def test_a_file_is_complete_or_untouched(self):
         self.write("a")
@@ -244,7 +403,7 @@ class Outputs(ManyFiles):
         for option in ("-o", "--record"):
             for name in ("t/a", "./t/../t/a"):
                 done = self.parse("t/a", option, name, "--force", status=2)
-                self.assertIn(b"is one of the files to parse", done.stderr)
+                self.assertIn(b"is one of the inputs", done.stderr)
             self.write("t/out.partial", b"")
             self.parse("t/out.partial", option, "t/out", status=2)
             os.unlink(self.folder / "t/out.partial")
@@ -283,8 +442,14 @@ class Outputs(ManyFiles):
     def test_two_runs_do_not_mix(self):
         self.write("a")
         with open(self.folder / "out.partial", "wb") as held:
-            fcntl.flock(held, fcntl.LOCK_EX)
+            fcntl.lockf(held, fcntl.LOCK_EX)
             self.assertIn(b"another run is writing it", self.parse("a", "-o", "out", status=2).stderr)
+        # Nor do the two outputs of one.
+        self.write("link", b"")
+        os.symlink("link", self.folder / "other")
+        for name in ("link", "./link", "other"):
+            self.parse("a", "-o", "link", "--record", name, status=2)
+            self.assertEqual((self.folder / "link").read_bytes(), b"")
 
     def test_a_pipe_that_does_not_block_gets_everything(self):
         self.write("a", b"a line of text\n" * 20_000)

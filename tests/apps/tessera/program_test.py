@@ -457,8 +457,8 @@ class Replay(ProgramTest):
     def test_the_recording_must_not_be_an_input(self):
         name = self.write("f", b"x")
         self.assertRefused(tessera("parse", "--record", str(self.folder / "." / "f"), name),
-                           str(self.folder / "." / "f") + ": error: the file to record to is one of the files "
-                           "to parse; name another file after --record")
+                           str(self.folder / "." / "f") + ": error: the file to record to is one of the inputs; "
+                           "name another file after --record")
         self.assertEqual((self.folder / "f").read_bytes(), b"x")
 
     def test_the_recording_must_not_be_a_standard_stream(self):
@@ -466,7 +466,7 @@ class Replay(ProgramTest):
         message = ": error: the file to record to is %s; name another file after --record\n"
         with open(name, "rb") as source:
             done = subprocess.run([PROGRAM, "parse", "--record", name, "-"], stdin=source, capture_output=True)
-        self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "one of the files to parse"))
+        self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "one of the inputs"))
         with open(name, "ab") as target:
             done = subprocess.run([PROGRAM, "parse", "--record", name, other], stdout=target, stderr=subprocess.PIPE)
         self.assertEqual((done.returncode, done.stderr.decode()), (2, name + message % "where the output goes"))

@@ -27,6 +27,16 @@ TEST(SourceLines, AFileMayLackCodeOrAppendix) {
   EXPECT_EQ(SourceLines({u"", false}, u"%<@appendix>", {u"x", true}).line(2), u"x");
 }
 
+TEST(SourceLines, SomeLinesHaveTheirNumbers) {
+  const SourceLines lines({2, 7}, {u"b\n\xD83C\xDFC6z", true});
+  EXPECT_EQ(lines.line(1), u"");
+  EXPECT_EQ(lines.line(2), u"b");
+  EXPECT_EQ(lines.line(3), u"");
+  EXPECT_EQ(lines.line(7), u"\xD83C\xDFC6z");
+  EXPECT_EQ(lines.countCharactersBefore(7, 2), 1u);
+  EXPECT_EQ(lines.line(8), u"");
+}
+
 // Long lines are counted from the nearest of several known places, and a pair may lie across one.
 TEST(SourceLines, CountsCharactersOfShortAndLongLinesAlike) {
   for (const std::size_t length : {10U, 600U, 1024U, 5000U}) {

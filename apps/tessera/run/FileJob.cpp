@@ -1,0 +1,56 @@
+#include "tessera/run/FileJob.hpp"
+
+#include <algorithm>
+
+#include "tessera/inputs/isBinaryFile.hpp"
+
+namespace tessera::run {
+namespace {
+
+host::StartEvents startEventsOf(const workers::JobContext& context) {
+  return context.isRepeated ? host::StartEvents::kDropped : host::StartEvents::kReported;
+}
+
+}  // namespace
+
+FileJob::FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inputs,
+                 const workers::JobContext& context)
+    : inputs(inputs),
+      text(context.output),
+      messageTarget(context.messages),
+      host(setup.bundles, setup.pieces, startEventsOf(context)),
+      log(setup.keepsRecords ? std::make_unique<session::LogCollector>() : nullptr),
+      session(host.snippetParsers(), log.get(), setup.recording),
+      parser(session, host.appendix(), setup.recording),
+      elementParsers(host.codeElementParsers()) {
+  session.showLineIn(context.line);
+}
+
+workers::Outcome FileJob::run(std::size_t index) {
+  const inputs::Input& input = inputs[index];
+  if (input.isFound && inputs::isBinaryFile(input.path)) return workers::Outcome::kSkipped;
+  try {
+    work(input.path);
+    return workers::Outcome::kDone;
+  } catch (const diagnostics::OutputError&) {
+    throw;
+  } catch (const diagnostics::ProblemError& error) {
+    messageTarget.report(error.what());
+    addProblem(error.problem());
+    return workers::Outcome::kFailed;
+  }
+}
+
+bool FileJob::isAccepted(const quenlith::syntax::Marker& marker) const {
+  return std::ranges::any_of(elementParsers,
+                             [&marker](const auto& taker) { return taker->canParse(marker); });
+}
+
+void FileJob::failWithoutMemory(const std::string& path) {
+  throw diagnostics::ProblemError({.file = path,
+                                   .place = {},
+                                   .what = "there is not enough memory for it",
+                                   .remedy = "run fewer workers (-j), or split the file"});
+}
+
+}  // namespace tessera::run

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "quenlith/build/markup/code/CodeElementParser.hpp"
+#include "tessera/diagnostics/Problem.hpp"
+#include "tessera/host/ServiceHost.hpp"
+#include "tessera/inputs/Input.hpp"
+#include "tessera/session/FileParser.hpp"
+#include "tessera/session/LogCollector.hpp"
+#include "tessera/session/Recording.hpp"
+#include "tessera/workers/Job.hpp"
+
+namespace tessera::run {
+
+/// The parsers of a job.
+struct ParserSetup {
+  const std::vector<std::string>& bundles;
+  host::Pieces pieces = host::Pieces::kKept;
+  /// Whether the records that the parsers emit are kept.
+  bool keepsRecords = false;
+  /// May be null.
+  session::Recording* recording = nullptr;
+};
+
+/// Parses files and does something with each. Starts a framework in the process that makes it.
+class FileJob : public workers::Job {
+ public:
+  /// Skips a binary file that was found in a directory. Throws OutputError.
+  workers::Outcome run(std::size_t index) final;
+
+ protected:
+  /// Borrows all. Throws ProblemError when the services cannot be used.
+  FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inputs,
+          const workers::JobContext& context);
+
+  /// Works on the file `path`. Throws ProblemError when it cannot be used, and OutputError.
+  virtual void work(const std::string& path) = 0;
+  /// The file cannot be used; the user was told.
+  virtual void addProblem(const diagnostics::Problem& /*problem*/) {}
+
+  session::FileParser& files() noexcept { return parser; }
+  const std::vector<session::NamedParser>& parsers() const noexcept { return session.parsers(); }
+  /// Returns whether a parser of a bundle accepts the marker.
+  bool isAccepted(const quenlith::syntax::Marker& marker) const;
+  files::OutputText& output() noexcept { return text; }
+  workers::Messages& messages() noexcept { return messageTarget; }
+
+  /// Returns what `step` returns. Without memory for it, only the file `path` is lost: throws
+  /// ProblemError. `step` must not write a part of the output.
+  template <typename Step>
+  static auto loseWithoutMemory(const std::string& path, Step step) {
+    try {
+      return step();
+    } catch (const std::bad_alloc&) {
+      failWithoutMemory(path);
+    }
+  }
+
+ private:
+  [[noreturn]] static void failWithoutMemory(const std::string& path);
+
+  const std::vector<inputs::Input>& inputs;
+  files::OutputText& text;
+  workers::Messages& messageTarget;
+  host::ServiceHost host;
+  std::unique_ptr<session::LogCollector> log;
+  session::SnippetSession session;
+  session::FileParser parser;
+  std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>> elementParsers;
+};
+
+}  // namespace tessera::run

@@ -1,0 +1,90 @@
+#include "tessera/run/FileRun.hpp"
+
+#include <filesystem>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "tessera/diagnostics/Problem.hpp"
+#include "tessera/workers/WorkerPool.hpp"
+#include "tessera/workers/runHere.hpp"
+
+namespace tessera::run {
+namespace {
+
+/// Passes results on, and ends the run when one of the first inputs has a record: that would be out
+/// of order.
+class FailureGuard final : public workers::Collector {
+ public:
+  FailureGuard(const std::vector<inputs::Input>& inputs, std::size_t failedBefore,
+               workers::Collector& next)
+      : inputs(inputs), failedBefore(failedBefore), next(next) {}
+
+  void addText(std::string_view piece) override {
+    if (ended >= failedBefore) return next.addText(piece);
+    held += piece;
+  }
+  void addMessage(std::string_view message) override { next.addMessage(message); }
+  void rest() override { next.rest(); }
+  void loseInput(std::size_t index, const workers::Loss& loss) override {
+    held.clear();
+    ++ended;
+    next.loseInput(index, loss);
+  }
+
+  void endInput(std::size_t index, workers::Outcome outcome) override {
+    if (index < failedBefore && outcome == workers::Outcome::kDone) {
+      throw diagnostics::ProblemError(
+          {.file = inputs[index].path,
+           .place = {},
+           .what = "it has no record in the output of the interrupted run, but has one now",
+           .remedy = "run without --resume"});
+    }
+    if (!held.empty()) next.addText(std::exchange(held, {}));
+    ++ended;
+    next.endInput(index, outcome);
+  }
+
+ private:
+  const std::vector<inputs::Input>& inputs;
+  std::size_t failedBefore;
+  workers::Collector& next;
+  std::size_t ended = 0;
+  // What one of the first inputs has given so far.
+  std::string held;
+};
+
+}  // namespace
+
+FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
+                 const RecordRules* rules)
+    : options(options),
+      target(options, rules == nullptr ? IncompleteOutput::kRemoved : IncompleteOutput::kKept),
+      files(std::move(files)) {
+  if (!options.resumes) return;
+  ResumedInputs resumed = resumeRecords(target.file(), std::move(this->files), *rules);
+  failedBefore = resumed.failed.size();
+  this->files = std::move(resumed.failed);
+  this->files.insert(this->files.end(), std::move_iterator(resumed.rest.begin()),
+                     std::move_iterator(resumed.rest.end()));
+}
+
+void FileRun::work(const workers::MakeJob& makeJob, workers::Collector& collector,
+                   Processes processes) {
+  FailureGuard guard(files, failedBefore, collector);
+  if (processes == Processes::kOne || (options.workers == 1 && options.timeout.count() == 0)) {
+    workers::runHere(makeJob, guard, files.size());
+    return;
+  }
+  workers::WorkerPool pool({.workers = options.workers, .timeout = options.timeout}, makeJob,
+                           guard);
+  pool.run(files.size());
+}
+
+bool isCompleted(const RunOptions& options) {
+  return options.resumes && std::filesystem::exists(options.outputFile) &&
+         !std::filesystem::exists(options.outputFile + ".partial");
+}
+
+}  // namespace tessera::run

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+
+#include "tessera/files/OutputFile.hpp"
+#include "tessera/files/PartialFile.hpp"
+#include "tessera/run/RunOptions.hpp"
+
+namespace tessera::run {
+
+/// Whether the output of a run that ends early is of use: complete records can be continued.
+enum class IncompleteOutput { kRemoved, kKept };
+
+/// Where the output of a run goes: standard output, or a file that appears when it is complete.
+class RunOutput {
+ public:
+  /// Throws OutputError when the file cannot be written.
+  RunOutput(const RunOptions& options, IncompleteOutput incomplete);
+
+  files::OutputFile& text() noexcept { return partial ? partial->output() : standardOutput; }
+  /// The open file that the text goes to.
+  int descriptor() const noexcept;
+  /// The file that is written; valid with an output file only.
+  files::PartialFile& file() noexcept { return *partial; }
+
+  /// Writes what is buffered, and renames the file. Throws OutputError.
+  void complete();
+
+ private:
+  files::OutputFile standardOutput;
+  std::optional<files::PartialFile> partial;
+};
+
+}  // namespace tessera::run
