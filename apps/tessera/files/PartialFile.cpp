@@ -1,7 +1,6 @@
 #include "tessera/files/PartialFile.hpp"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,13 +40,22 @@ bool isCalled(int descriptor, const std::string& name) {
          held.st_dev == named.st_dev && held.st_ino == named.st_ino;
 }
 
+/// Locks an open file for this process, unless another one has a lock. Workers do not inherit it:
+/// when this process is killed, another run can begin though they may take a moment to end.
+bool lock(int descriptor) {
+  struct flock whole = {};
+  whole.l_type = F_WRLCK;
+  whole.l_whence = SEEK_SET;
+  return ::fcntl(descriptor, F_SETLK, &whole) == 0;
+}
+
 /// Opens `partial` and locks it, or `name` if `partial` is empty.
 int openLocked(const std::string& name, const std::string& partial) {
   while (true) {
     const int descriptor = openFor(name, partial);
     if (descriptor < 0) failOutput(name, "cannot be created", errno);
     if (partial.empty()) return descriptor;
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    if (!lock(descriptor)) {
       ::close(descriptor);
       throw diagnostics::OutputError({.file = partial,
                                       .place = {},
