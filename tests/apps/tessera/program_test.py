@@ -25,6 +25,8 @@ EXAMPLES = pathlib.Path(__file__).resolve().parents[3] / "examples"
 FILES = sorted(str(path) for path in EXAMPLES.iterdir() if path.is_file())
 LINKED = subprocess.run(["ldd", PROGRAM], capture_output=True).stdout.decode()
 SYSTEM_FRAMEWORK = "libquenlith_cppmicroservices" not in LINKED
+# Sanitizers reserve address space by the terabyte. Their run time is a library or part of the program.
+SANITIZED = any(name in PROGRAM.read_bytes() for name in (b"__asan_init", b"__tsan_init"))
 
 
 def tessera(*arguments, stdin=b"", **options):
@@ -282,8 +284,9 @@ class Parse(ProgramTest):
     def test_memory_is_proportional_to_the_length_of_a_line(self):
         size = 24 << 20
         name = self.write("long", b"x" * size)
-        done = tessera("parse", "--format", "ndjson", name, preexec_fn=lambda: resource.setrlimit(
-            resource.RLIMIT_AS, (size * 24, size * 24)) if "libasan" not in LINKED and "libtsan" not in LINKED else None)
+        limit = resource.RLIM_INFINITY if SANITIZED else size * 24
+        done = tessera("parse", "--format", "ndjson", name,
+                       preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertEqual(len(documents(done.stdout)[0]["nodes"][0]["children"][0]["text"]), size)
 
