@@ -18,11 +18,13 @@
 #include <cppmicroservices/BundleContext.h>
 #include <cppmicroservices/servicecomponent/detail/ComponentInstance.hpp>
 
-#include "FailingAllocation.hpp"
+#include "support/FailingAllocations.hpp"
 
 namespace {
 
 using cppmicroservices::service::component::detail::ComponentInstance;
+using quenlith::test::allocationCount;
+using quenlith::test::FailingAllocations;
 
 constexpr const char* kSymbolicName = "com_velquorin_quenlith_build_markup_code";
 constexpr std::array kComponents = {
@@ -208,11 +210,12 @@ TEST_F(Factories, ReturnsNullWhenAnyAllocationFails) {
     std::size_t failures = 0;
     for (bool failed = true; failed; ++failures) {
       ComponentInstance* instance = nullptr;
+      const std::size_t before = allocationCount();
       {
-        const FailingAllocation failing(failures);
+        const FailingAllocations failing(failures);
         instance = create();
-        failed = failing.hasFailed();
       }
+      failed = allocationCount() - before > failures;
       EXPECT_EQ(instance == nullptr, failed) << component << " " << failures;
       remover(component)(instance);
     }
