@@ -4,10 +4,10 @@
 #include <deque>
 #include <functional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "tessera/check/catalogue/CheckedFile.hpp"
+#include "tessera/check/scan/KeyedMap.hpp"
 
 namespace tessera::check {
 
@@ -36,7 +36,7 @@ class HeldFiles {
   Take take;
   std::deque<catalogue::CheckedFile> held;
   // The first two files with an unpaired marker of each id.
-  std::unordered_map<std::u16string, std::vector<Place>> places;
+  scan::KeyedMap<std::u16string, std::vector<Place>> places;
 };
 
 }  // namespace tessera::check

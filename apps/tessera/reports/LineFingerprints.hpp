@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace tessera::reports {
 
@@ -17,7 +17,8 @@ class LineFingerprints {
   std::string next(std::string_view id, std::u16string_view line);
 
  private:
-  std::unordered_map<std::uint64_t, std::uint64_t> counts;
+  // Not a hash table: a file can be written so that many of its lines have one bucket.
+  std::map<std::uint64_t, std::uint64_t> counts;
 };
 
 }  // namespace tessera::reports

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <span>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/KeyedMap.hpp"
 
 namespace tessera::check::rules {
 
@@ -94,7 +94,7 @@ class AnchorRule {
 
   Findings& findings;
   std::unordered_set<std::uint64_t> openingLines;
-  std::unordered_map<std::u16string_view, Seen> seen;
+  KeyedMap<std::u16string_view, Seen> seen;
 };
 
 }  // namespace

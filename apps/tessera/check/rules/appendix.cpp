@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <span>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "quenlith/syntax/markers.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/rules/settings.hpp"
+#include "tessera/check/scan/KeyedMap.hpp"
 #include "tessera/check/scan/SimilarNames.hpp"
 #include "tessera/check/scan/markerText.hpp"
 
@@ -39,7 +39,7 @@ std::string entryName(const FoundMarker& marker) {
   return plainText(marker.parts.element) + " marker " + nameOf(marker);
 }
 
-using Index = std::unordered_map<std::u16string, const FoundMarker*>;
+using Index = KeyedMap<std::u16string, const FoundMarker*>;
 
 class AppendixRule {
  public:

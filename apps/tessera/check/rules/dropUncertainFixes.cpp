@@ -1,10 +1,10 @@
 #include "tessera/check/rules/dropUncertainFixes.hpp"
 
 #include <string>
-#include <unordered_set>
 
 #include "tessera/check/rules/settings.hpp"
 #include "tessera/check/scan/FoundMarker.hpp"
+#include "tessera/check/scan/KeyedMap.hpp"
 
 namespace tessera::check::rules {
 
@@ -38,7 +38,7 @@ void dropUncertainFixes(const FileScan& scan, const TaskWalk& walk, Findings& fi
     if (!suspect.isCompleted) return true;
     return element == u"text" ? marker.isAnchor() && !marker.id.empty() : marker.range.has_value();
   });
-  std::unordered_set<std::u16string_view> entries;
+  KeyedSet<std::u16string_view> entries;
   for (const FoundMarker& entry : scan.appendix) {
     if (entry.isTask()) entries.insert(entry.id);
   }

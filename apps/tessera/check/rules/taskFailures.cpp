@@ -1,12 +1,12 @@
 #include "tessera/check/rules/taskFailures.hpp"
 
 #include <algorithm>
-#include <map>
 #include <optional>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/KeyedMap.hpp"
 #include "tessera/check/scan/SimilarNames.hpp"
 #include "tessera/check/scan/markerText.hpp"
 
@@ -112,9 +112,9 @@ class TaskFailureRule {
 
   /// A marker whose ">" came too early has another id than its partner: neither of them is a pair.
   void explainByEarlyEnd() {
-    std::unordered_map<std::u16string_view, std::size_t> singles;
+    KeyedMap<std::u16string_view, std::size_t> singles;
     SimilarNames similar;
-    std::unordered_set<std::u16string_view> takenIds;
+    KeyedSet<std::u16string_view> takenIds;
     for (const Suspect& suspect : findings.suspects.code) {
       if (suspect.takenId) takenIds.insert(*suspect.takenId);
     }
@@ -161,7 +161,7 @@ class TaskFailureRule {
   }
 
   void makeGroups(std::span<const RecordedFailure> failures) {
-    std::unordered_map<std::u16string_view, std::size_t> byId;
+    KeyedMap<std::u16string_view, std::size_t> byId;
     for (const RecordedFailure& failure : failures) {
       const bool isOverlap = failure.failureId == u"overlapping_task_marker";
       const auto [known, isNew] = byId.emplace(failure.markerId, groups.size());
@@ -221,7 +221,7 @@ class TaskFailureRule {
 
   Suspect* findSuspect(std::u16string_view id) {
     auto& suspects = findings.suspects.code;
-    const auto same = suspectsById.find(std::u16string(id));
+    const auto same = suspectsById.find(id);
     if (same != suspectsById.end()) {
       for (const std::size_t index : same->second) {
         if (!suspects[index].isExplained) return &suspects[index];
@@ -303,13 +303,13 @@ class TaskFailureRule {
   Findings& findings;
   std::vector<Group> groups;
   SimilarNames similarGroups;
-  std::unordered_map<std::u16string, std::vector<std::size_t>> suspectsById;
+  KeyedMap<std::u16string, std::vector<std::size_t>> suspectsById;
   SimilarNames similarSuspects;
   // The first few suspects whose line ends inside the marker.
   std::vector<std::size_t> cutOff;
-  std::unordered_map<std::u16string_view, const Overlap*> overlaps;
+  KeyedMap<std::u16string_view, const Overlap*> overlaps;
   std::unordered_map<const FoundMarker*, const Task*> tasksByOpening;
-  std::unordered_map<std::u16string_view, Markers> appendixMarkers;
+  KeyedMap<std::u16string_view, Markers> appendixMarkers;
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "tessera/check/scan/SimilarNames.hpp"
 
 #include <algorithm>
-#include <functional>
 
 namespace tessera::check::scan {
 namespace {
@@ -72,7 +71,7 @@ void SimilarNames::add(std::u16string_view name, std::size_t number) {
   };
   const std::u16string lower = lowered(name);
   if (lower.size() > kMaxNameUnits) {
-    insert(std::hash<std::u16string>()(lower));
+    insert(KeyedHasher()(lower));
   } else {
     forEachKey(lower, insert);
   }
@@ -89,7 +88,7 @@ std::optional<std::size_t> SimilarNames::find(std::u16string_view name) const {
   };
   const std::u16string lower = lowered(name);
   if (lower.size() > kMaxNameUnits) {
-    look(std::hash<std::u16string>()(lower));
+    look(KeyedHasher()(lower));
   } else {
     forEachKey(lower, look);
   }

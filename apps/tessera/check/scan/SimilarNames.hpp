@@ -5,8 +5,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
+
+#include "tessera/check/scan/KeyedMap.hpp"
 
 namespace tessera::check::scan {
 
@@ -40,7 +41,7 @@ class SimilarNames {
   std::vector<Entry> entries;
   // The indices of entries by the hashes of their keys. A key keeps few: more would make a search
   // among many names with one key slow, and the first ones are as good as the others.
-  std::unordered_map<std::uint64_t, std::vector<std::size_t>> index;
+  KeyedMap<std::uint64_t, std::vector<std::size_t>> index;
 };
 
 }  // namespace tessera::check::scan

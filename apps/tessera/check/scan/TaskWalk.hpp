@@ -2,11 +2,10 @@
 
 #include <cstdint>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "tessera/check/scan/FileScan.hpp"
+#include "tessera/check/scan/KeyedMap.hpp"
 
 namespace tessera::check::scan {
 
@@ -44,7 +43,7 @@ class TaskWalk {
   std::vector<IgnoredTaskMarker> ignored;
 
   /// The task markers of each id, in order.
-  using ById = std::unordered_map<std::u16string_view, std::vector<const FoundMarker*>>;
+  using ById = KeyedMap<std::u16string_view, std::vector<const FoundMarker*>>;
   ById byId;
 
  private:
@@ -57,7 +56,7 @@ class TaskWalk {
 
   // The index of the open task plus 1; 0 when none is open.
   std::size_t openTask = 0;
-  std::unordered_set<std::u16string_view> overlappingIds;
+  KeyedSet<std::u16string_view> overlappingIds;
 };
 
 }  // namespace tessera::check::scan
