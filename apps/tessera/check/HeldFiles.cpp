@@ -5,7 +5,6 @@
 
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/scan/markerText.hpp"
-#include "tessera/diagnostics/terminalText.hpp"
 
 namespace tessera::check {
 
@@ -18,7 +17,7 @@ void HeldFiles::add(CheckedFile file) {
     if (!diagnostic.unpairedTask) continue;
     isUnpaired = true;
     std::vector<Place>& known = places[*diagnostic.unpairedTask];
-    if (known.size() < 2) known.push_back({held.size(), diagnostic.span.begin});
+    if (known.size() < 2) known.push_back({held.size(), diagnostic.span});
   }
   if (held.empty() && !isUnpaired) return take(file);
   // Only the lines with diagnostics are needed.
@@ -39,16 +38,12 @@ void HeldFiles::explainUnpaired(std::size_t index) {
     const auto other =
         std::ranges::find_if(known, [index](const Place& place) { return place.file != index; });
     if (other == known.end()) continue;
-    const CheckedFile& file = held[other->file];
-    const auto& [line, unit] = other->position;
     const std::string id =
         diagnostic.unpairedTask->empty() ? "without an id" : scan::quoted(*diagnostic.unpairedTask);
     diagnostic.message =
         catalogue::messageOf(diagnostic.kind, catalogue::forms::kPairInOtherFile, {id});
     diagnostic.notes.push_back(
-        {diagnostic.span, "the other one is " + diagnostics::terminalText(file.path) + ':' +
-                              std::to_string(line) + ':' +
-                              std::to_string(file.lines.countCharactersBefore(line, unit) + 1)});
+        {other->span, "the other task marker with this id", &held[other->file]});
   }
 }
 

@@ -28,7 +28,7 @@ class HeldFiles {
   /// Where an unpaired marker is.
   struct Place {
     std::size_t file = 0;
-    catalogue::Position position;
+    catalogue::Span span;
   };
 
   void explainUnpaired(std::size_t index);

@@ -5,6 +5,7 @@
 
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/catalogue/describeEntry.hpp"
+#include "tessera/reports/placeOf.hpp"
 #include "tessera/reports/recordHead.hpp"
 #include "tessera/reports/writeMember.hpp"
 
@@ -36,14 +37,19 @@ void CheckJson::writeDiagnostic(const CheckedFile& file, const Diagnostic& diagn
   writeMember(json, "message", std::string_view(diagnostic.message));
   json.key("notes");
   json.beginArray();
-  for (const Note& note : diagnostic.notes) {
-    json.beginObject();
-    writeSpan(file, note.span);
-    writeMember(json, "message", std::string_view(note.message));
-    json.endObject();
-  }
+  for (const Note& note : diagnostic.notes) writeNote(file, diagnostic, note);
   json.endArray();
   writeFix(file, diagnostic);
+  json.endObject();
+}
+
+void CheckJson::writeNote(const CheckedFile& file, const Diagnostic& diagnostic, const Note& note) {
+  json.beginObject();
+  writeSpan(file, note.otherFile == nullptr ? note.span : diagnostic.span);
+  std::string message = note.message;
+  // A note has no member for a file.
+  if (note.otherFile != nullptr) message += " is at " + placeOf(*note.otherFile, note.span.begin);
+  writeMember(json, "message", std::string_view(message));
   json.endObject();
 }
 

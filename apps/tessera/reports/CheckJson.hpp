@@ -20,6 +20,8 @@ class CheckJson : public CheckReport {
   using CheckedFile = check::catalogue::CheckedFile;
 
   void writeDiagnostic(const CheckedFile& file, const check::catalogue::Diagnostic& diagnostic);
+  void writeNote(const CheckedFile& file, const check::catalogue::Diagnostic& diagnostic,
+                 const check::catalogue::Note& note);
   void writeFix(const CheckedFile& file, const check::catalogue::Diagnostic& diagnostic);
   void writeSpan(const CheckedFile& file, const check::catalogue::Span& span);
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/diagnostics/terminalText.hpp"
+#include "tessera/reports/placeOf.hpp"
 #include "tessera/terminal/wrapWords.hpp"
 
 namespace tessera::reports {
@@ -32,12 +32,6 @@ constexpr Kind kWarningKind{"warning", "\x1b[1;35m"};
 constexpr Kind kNoteKind{"note", "\x1b[1;36m"};
 constexpr Kind kFixKind{"fix", "\x1b[1;32m"};
 
-std::string placeOf(const CheckedFile& file, const Position& position) {
-  const auto before = file.lines.countCharactersBefore(position.line, position.unit);
-  return diagnostics::terminalText(file.path) + ':' + std::to_string(position.line) + ':' +
-         std::to_string(before + 1) + ": ";
-}
-
 void appendStyled(std::string& text, std::string_view styled, std::string_view sequence,
                   const terminal::Style& style) {
   if (style.color) text += sequence;
@@ -46,8 +40,9 @@ void appendStyled(std::string& text, std::string_view styled, std::string_view s
 }
 
 /// Appends the row "file:line:column: kind: message".
-void appendHeading(std::string& text, std::string_view place, const Kind& kind,
-                   std::string_view message, const terminal::Style& style) {
+void appendHeading(std::string& text, std::string place, const Kind& kind, std::string_view message,
+                   const terminal::Style& style) {
+  place += ": ";
   appendStyled(text, place, kBold, style);
   appendStyled(text, kind.word, kind.color, style);
   text += ": ";
@@ -104,9 +99,10 @@ void TextReport::writeNotes(const CheckedFile& file, const Diagnostic& diagnosti
   std::string& text = output.text();
   const auto& notes = diagnostic.notes;
   for (const Note& note : std::span(notes).first(std::min(notes.size(), kMostNotes))) {
-    appendHeading(text, placeOf(file, note.span.begin), kNoteKind, note.message, style);
-    // A note about another file has the place of the diagnostic.
-    if (note.span != diagnostic.span) appendExcerpt(text, file, note.span, style);
+    const CheckedFile& noted = note.otherFile == nullptr ? file : *note.otherFile;
+    appendHeading(text, placeOf(noted, note.span.begin), kNoteKind, note.message, style);
+    const bool isRepeated = note.otherFile == nullptr && note.span == diagnostic.span;
+    if (!isRepeated) appendExcerpt(text, noted, note.span, style);
   }
   if (notes.size() <= kMostNotes) return;
   const std::size_t others = notes.size() - kMostNotes;

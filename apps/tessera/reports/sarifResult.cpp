@@ -5,6 +5,8 @@
 
 #include "foundation/json/Writer.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/catalogue/CheckedFile.hpp"
+#include "tessera/reports/artifactUri.hpp"
 #include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
@@ -71,7 +73,7 @@ class ResultWriter {
     json.key("locations");
     json.beginArray();
     json.beginObject();
-    writePlace(diagnostic.span);
+    writePlace(diagnostic.span, uri);
     json.endObject();
     json.endArray();
     if (relatedCount() == 0) return;
@@ -80,8 +82,9 @@ class ResultWriter {
     for (std::size_t i = 0; i < relatedCount(); ++i) {
       json.beginObject();
       writeMember(json, "id", std::uint64_t{i + 1});
-      writePlace(diagnostic.notes[i].span);
-      writeMessage(json, "message", diagnostic.notes[i].message);
+      const Note& note = diagnostic.notes[i];
+      writePlace(note.span, note.otherFile == nullptr ? uri : artifactUri(note.otherFile->path));
+      writeMessage(json, "message", note.message);
       json.endObject();
     }
     json.endArray();
@@ -95,7 +98,7 @@ class ResultWriter {
     json.key("artifactChanges");
     json.beginArray();
     json.beginObject();
-    writeArtifact();
+    writeArtifact(uri);
     json.key("replacements");
     json.beginArray();
     for (const Edit& edit : fix.edits) writeReplacement(edit);
@@ -113,18 +116,18 @@ class ResultWriter {
     json.endObject();
   }
 
-  void writePlace(const Span& span) {
+  void writePlace(const Span& span, const std::string& artifact) {
     json.key("physicalLocation");
     json.beginObject();
-    writeArtifact();
+    writeArtifact(artifact);
     writeRegion("region", span);
     json.endObject();
   }
 
-  void writeArtifact() {
+  void writeArtifact(const std::string& artifact) {
     json.key("artifactLocation");
     json.beginObject();
-    writeMember(json, "uri", uri);
+    writeMember(json, "uri", artifact);
     json.endObject();
   }
 

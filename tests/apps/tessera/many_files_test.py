@@ -257,7 +257,7 @@ class Reports(ManyFiles):
             found = records(self.run_report("check", "--format", "json", "t", "-j", workers).stdout)
             [first] = [record["diagnostics"] for record in found if record["file"] == "t/00.py"]
             notes = [note["message"] for diagnostic in first for note in diagnostic["notes"]]
-            self.assertIn("the other one is t/zz.py:2:1", notes)
+            self.assertIn("the other task marker with this id is at t/zz.py:2:1", notes)
 
     def test_a_lost_worker_is_a_problem_of_the_report(self):
         for number in range(8):
@@ -341,7 +341,7 @@ class Reports(ManyFiles):
         self.write("t/d", b"# <@task#a>\n")
         check = ["check", "--format", "json", "t"]
         whole = self.run_report(*check)
-        self.assertIn(b"the other one is t/c:1:1", whole.stdout)
+        self.assertIn(b"the other task marker with this id is at t/c:1:1", whole.stdout)
         lines = whole.stdout.splitlines(keepends=True)
         for count in range(5):
             self.write("out.partial", b"".join(lines[:count]))

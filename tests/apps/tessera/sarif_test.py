@@ -111,6 +111,15 @@ class Sarif(unittest.TestCase):
         region = run["results"][0]["locations"][0]["physicalLocation"]["region"]
         self.assertEqual((region["startColumn"], region["endColumn"]), (11, 22))
 
+    def test_a_related_location_may_be_in_another_file(self):
+        first, second = self.write("1.py", "x\n# <@task#a>\n"), self.write("2.py", "\U0001F3C6  # <@task#a>\n")
+        [here, there] = [result["relatedLocations"][0] for result in run_of(first, second)["results"]]
+        self.assertEqual([place["physicalLocation"]["artifactLocation"]["uri"] for place in (here, there)],
+                         ["file://" + second, "file://" + first])
+        self.assertEqual([place["physicalLocation"]["region"] for place in (here, there)],
+                         [{"startLine": 1, "startColumn": 5, "endLine": 1, "endColumn": 16},
+                          {"startLine": 2, "startColumn": 1, "endLine": 2, "endColumn": 12}])
+
     def test_names_of_files_are_uris(self):
         self.write("a b%#?ä.py", "# <@task#a>\n")
         relative = run_of("./a b%#?ä.py", cwd=self.folder)["results"][0]

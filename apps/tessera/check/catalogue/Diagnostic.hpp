@@ -35,10 +35,15 @@ constexpr Span spanOf(std::uint64_t line, std::uint64_t begin, std::uint64_t end
   return {{line, begin}, {line, end}};
 }
 
-/// A second place that a diagnostic is about. The message is UTF-8 without control characters.
+struct CheckedFile;
+
+/// A second place that a diagnostic is about.
 struct Note {
   Span span;
+  /// UTF-8 without control characters. A noun phrase if the place is in another file.
   std::string message;
+  /// The other file that the place is in, borrowed; null for the file of the diagnostic.
+  const CheckedFile* otherFile = nullptr;
 };
 
 /// Replaces the text of `span` by `text`, which is UTF-8; its line endings, if any, are LF.

@@ -135,12 +135,25 @@ class Check(CheckTest):
                    for record in documents(tessera("check", "--format", "json", *names).stdout)]
         elsewhere = 'the task marker "a" has no partner in this file: the other one is in another file'
         alone = 'the task marker "%s" has no partner: no other task marker in the code has this id'
-        self.assertEqual(checked, [[(elsewhere, [f"the other one is {second}:1:3"])], [],
-                                   [(elsewhere, [f"the other one is {first}:1:1"]), (alone % "b", [])],
+        other = "the other task marker with this id is at "
+        self.assertEqual(checked, [[(elsewhere, [f"{other}{second}:1:3"])], [],
+                                   [(elsewhere, [f"{other}{first}:1:1"]), (alone % "b", [])],
                                    [(alone % "c", [])]])
         # A file that is clean or explained by itself is in its place.
         records = documents(tessera("check", "--format", "json", clean, *names).stdout)
         self.assertEqual([record["file"] for record in records], [clean, *names])
+
+    def test_a_note_about_another_file_has_the_place_there(self):
+        first, second = self.write("1.py", b"x\n# <@task#a>\n"), self.write("2.py", "\u00e9  # <@task#a>\n".encode())
+        rows = tessera("check", first, second).stdout.decode().split("\n")
+        note = ": note: the other task marker with this id"
+        self.assertEqual(rows[3:6], [f"{second}:1:4{note}", "     1 | \u00e9  # <@task#a>", "       |    ^~~~~~~~~~~"])
+        self.assertEqual(rows[9:], [f"{first}:2:1{note}", "     2 | # <@task#a>", "       | ^~~~~~~~~~~", ""])
+        # The members of a note have no file: its place is that of the diagnostic.
+        [record, _] = documents(tessera("check", "--format", "json", first, second).stdout)
+        [diagnostic] = record["diagnostics"]
+        place = ("line", "column", "endLine", "endColumn")
+        self.assertEqual([diagnostic["notes"][0][key] for key in place], [diagnostic[key] for key in place])
 
     def test_a_task_of_65536_lines_is_reported(self):
         for count, ids in ((65535, []), (65536, ["task_too_long"]), (70000, ["task_too_long"])):
