@@ -40,6 +40,7 @@ enum class DiagnosticKind : std::uint8_t {
   kAnchorNotSet,
   kDuplicateAnchor,
   kIgnoredTaskMarker,
+  kEscapedTaskMarker,
   kEmptyTask,
   kTaskTooLong,
 
@@ -111,6 +112,7 @@ enum SplitCharacter : std::uint8_t { kSplitsPair, kSplitsCombined };
 enum HiddenRange : std::uint8_t { kRangeHidden, kRangePartlyHidden, kRangeHiddenBySeveral };
 enum UnknownType : std::uint8_t { kTypeSimilar, kTypeAbsent, kTypeOther };
 enum AnchorNotSet : std::uint8_t { kAnchorBesideTask, kAnchorReplaced };
+enum EscapedTaskMarker : std::uint8_t { kEscapeBeforeTask, kEscapeInTask };
 enum EmptyTask : std::uint8_t { kTaskWithoutText, kTaskDropsLine };
 enum UnusedEntry : std::uint8_t { kEntrySimilar, kEntryUnused };
 enum UnknownSetting : std::uint8_t { kSettingSimilar, kSettingUnknown };

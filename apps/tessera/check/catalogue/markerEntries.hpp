@@ -137,6 +137,25 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
      .after = "# <@task#a>\nx = 1\n# <@task#a>\n# <@task#b>\ny = 2\n# <@task#b>\n"
               "# <@appendix>\n# <@task#a {\"text\":\"A\"}>\n# <@task#b {\"text\":\"B\"}>\n",
      .fix = ""},
+    {.kind = DiagnosticKind::kEscapedTaskMarker,
+     .id = "escaped_task_marker",
+     .severity = Severity::kWarning,
+     .title = "task marker with a backslash after \"%%\"",
+     .messages =
+         {"no task begins or ends at the task marker %1, because a backslash is before it",
+          "the backslash in the task marker %1 counts only where tasks are looked for: elsewhere, "
+          "\"%%\\\" is read as \"%%\""},
+     .explanation =
+         "In a line of code, \"%%\\\" is read as \"%%\", so that anchors, outputs and controls "
+         "after it have an\n"
+         "effect. Tasks are looked for before that: the backslash separates a task marker from its "
+         "leader,\n"
+         "so there is no task, but the marker is left out of the document.",
+     .before = "%%\\ <@task#fit>\ny = model.fit(x)\n%%\\ <@task#fit>\n"
+               "%% <@appendix>\n%% <@task#fit {\"text\":\"Fit\"}>\n",
+     .after = "%% <@task#fit>\ny = model.fit(x)\n%% <@task#fit>\n"
+              "%% <@appendix>\n%% <@task#fit {\"text\":\"Fit\"}>\n",
+     .fix = ""},
     {.kind = DiagnosticKind::kEmptyTask,
      .id = "empty_task",
      .severity = Severity::kWarning,

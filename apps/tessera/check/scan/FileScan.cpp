@@ -17,12 +17,11 @@ std::vector<FoundMarker> scanLine(std::uint64_t number, std::u16string_view line
   return found;
 }
 
-std::vector<std::u16string_view> taskTexts(const std::vector<FoundMarker>& found) {
-  std::vector<std::u16string_view> texts;
-  for (const FoundMarker& marker : found) {
-    if (marker.isTask()) texts.push_back(marker.text());
-  }
-  return texts;
+/// Returns whether both are the same marker of a file, in which `begin` is the position of that in
+/// a text without backslashes.
+bool isSame(const FoundMarker& marker, std::uint64_t begin, const FoundMarker& inFile) {
+  return begin == inFile.parts.opening && marker.id == inFile.id &&
+         marker.parts.data == inFile.parts.data;
 }
 
 void append(std::vector<FoundMarker>&& found, std::vector<FoundMarker>& all) {
@@ -51,10 +50,28 @@ std::vector<FoundMarker> FileScan::scanCode(std::uint64_t number) {
   std::vector<FoundMarker> found = scanLine(number, text);
   if (text.size() == inFile.size()) return found;
   std::vector<FoundMarker> foundInFile = scanLine(number, inFile);
-  if (taskTexts(found) == taskTexts(foundInFile)) return found;
+  if (markEscapedTasks(found, foundInFile)) return found;
   escaped.remove(number);
   for (FoundMarker& marker : foundInFile) marker.isOnAmbiguousLine = true;
   return foundInFile;
+}
+
+/// Marks the task markers that are not in `foundInFile`. Returns whether those in `foundInFile` are
+/// the others.
+bool FileScan::markEscapedTasks(std::vector<FoundMarker>& found,
+                                const std::vector<FoundMarker>& foundInFile) const {
+  const auto nextTask = [&foundInFile](auto from) {
+    return std::find_if(from, foundInFile.end(), [](const FoundMarker& m) { return m.isTask(); });
+  };
+  auto inFile = nextTask(foundInFile.begin());
+  for (FoundMarker& marker : found) {
+    if (!marker.isTask()) continue;
+    const std::uint64_t opening = marker.parts.opening;
+    const std::uint64_t begin = escaped.inFile(marker.spanOf(opening, opening)).begin.unit;
+    marker.isEscapedTask = inFile == foundInFile.end() || !isSame(marker, begin, *inFile);
+    if (!marker.isEscapedTask) inFile = nextTask(inFile + 1);
+  }
+  return inFile == foundInFile.end();
 }
 
 std::span<const FoundMarker> FileScan::codeOfLine(std::uint64_t number) const noexcept {

@@ -36,6 +36,8 @@ struct FileScan {
 
  private:
   std::vector<FoundMarker> scanCode(std::uint64_t number);
+  bool markEscapedTasks(std::vector<FoundMarker>& found,
+                        const std::vector<FoundMarker>& foundInFile) const;
 };
 
 }  // namespace tessera::check::scan

@@ -18,8 +18,11 @@ struct FoundMarker {
   std::uint64_t line = 1;
   /// As the parsers read it: see EscapedLines.
   std::u16string_view lineText;
-  /// Whether it is unknown how the parsers take its line: the task parser and the line parser see
-  /// different task markers on it.
+  /// A task marker that the task parser does not see, because a backslash is between it and its
+  /// leader "%%".
+  bool isEscapedTask = false;
+  /// Whether a task marker of its line contains "%%\\", so that the task parser and the line parser
+  /// read different markers there.
   bool isOnAmbiguousLine = false;
   /// Without quotes and escapes; as written if the quotes are damaged.
   std::u16string id;

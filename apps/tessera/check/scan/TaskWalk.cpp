@@ -10,6 +10,10 @@ namespace {
 // The parser counts the lines of a task in 16 bits.
 constexpr std::uint64_t kCountedLines = 65536;
 
+bool isSeen(const FoundMarker& marker) {
+  return marker.isTask() && !marker.isEscapedTask;
+}
+
 /// Returns whether there are at least two markers and all of them are equal.
 bool isOneMarkerRepeated(const std::vector<const FoundMarker*>& markers) {
   using quenlith::syntax::Marker;
@@ -24,7 +28,7 @@ bool isOneMarkerRepeated(const std::vector<const FoundMarker*>& markers) {
 
 TaskWalk::TaskWalk(const FileScan& scan) {
   for (const FoundMarker& found : scan.code) {
-    if (found.isTask()) byId[found.id].push_back(&found);
+    if (isSeen(found)) byId[found.id].push_back(&found);
   }
   const auto& code = scan.code;
   for (auto found = code.begin(); found != code.end();) {
@@ -32,7 +36,7 @@ TaskWalk::TaskWalk(const FileScan& scan) {
         found, code.end(), [found](const FoundMarker& other) { return other.line != found->line; });
     Line markers;
     for (auto marker = found; marker != lineEnd; ++marker) {
-      if (marker->isTask()) markers.push_back(&*marker);
+      if (isSeen(*marker)) markers.push_back(&*marker);
     }
     if (!markers.empty()) {
       takeLine(markers,

@@ -8,6 +8,7 @@
 #include "tessera/check/scan/BlockComments.hpp"
 #include "tessera/check/suspects/closeComment.hpp"
 #include "tessera/check/suspects/describeProblem.hpp"
+#include "tessera/check/suspects/findEscapedTasks.hpp"
 #include "tessera/check/suspects/findIncompleteOpenings.hpp"
 #include "tessera/check/suspects/isIntended.hpp"
 
@@ -61,6 +62,7 @@ Suspects findSuspects(const FileScan& scan) {
   BlockComments comments(scan);
   addSuspects(scan, comments, scan.code, suspects.code);
   addSuspects(scan, comments, scan.appendix, suspects.appendix);
+  findEscapedTasks(scan, suspects.code);
   for (std::uint64_t number = 1; number <= scan.lines.count(); ++number) {
     if (number == scan.appendixLine) continue;
     const bool isCode = scan.appendixLine == 0 || number < scan.appendixLine;
