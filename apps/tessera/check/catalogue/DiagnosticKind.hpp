@@ -117,7 +117,7 @@ enum EmptyTask : std::uint8_t { kTaskWithoutText, kTaskDropsLine };
 enum UnusedEntry : std::uint8_t { kEntrySimilar, kEntryUnused };
 enum UnknownSetting : std::uint8_t { kSettingSimilar, kSettingUnknown };
 enum TextInAppendix : std::uint8_t { kTextLine, kTextLines };
-enum TextBesideEntry : std::uint8_t { kTextBefore, kTextAfter, kMarkerAfter };
+enum TextBesideEntry : std::uint8_t { kTextBefore, kTextAfter, kEntryEndsEarly, kMarkerAfter };
 
 }  // namespace forms
 

@@ -91,6 +91,7 @@ inline constexpr std::array kAppendixEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kWarning,
      .title = "text beside an appendix entry",
      .messages = {"the text before this entry is ignored", "the text after this entry is ignored",
+                  "the entry ends before %1, and the text after it is ignored",
                   "this marker is ignored: a line of the appendix has one entry"},
      .explanation = "Each line of the appendix contains one marker, and nothing else.",
      .before = "# <@task#a>\nx = 1\n# <@task#a>\n# <@appendix>\n# <@task#a {\"text\":\"A\"}>>\n",

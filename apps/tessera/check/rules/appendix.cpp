@@ -73,8 +73,9 @@ class AppendixRule {
     for (const Task& task : walk.tasks) {
       if (isWithoutEntry(task)) tasksWithoutEntry.push_back(task.open);
     }
+    const SimilarNames missing = indexMissing();
+    explainByEarlyEnds(missing);
     explainByDamage();
-    SimilarNames missing = indexMissing();
     for (const FoundMarker* entry : unused) reportUnused(*entry, missing);
     for (const FoundMarker* marker : tasksWithoutEntry) {
       if (findings.brokenTasks.contains(marker->id)) continue;
@@ -147,13 +148,24 @@ class AppendixRule {
       const std::uint64_t end = before.find_last_not_of(u" \t") + 1;
       report(kind, kTextBefore, entry.spanOf(text.begin.unit, end), {});
     } else if (text.end.unit > entry.end()) {
-      const std::uint64_t begin = entry.lineText.find_first_not_of(u" \t", entry.end());
-      const auto span = entry.spanOf(begin, text.end.unit);
-      Diagnostic& diagnostic = report(kind, kTextAfter, span, {});
-      const bool isSecondEnd =
-          begin == entry.end() && begin + 1 == text.end.unit && entry.lineText[begin] == u'>';
-      if (isSecondEnd) diagnostic.fix = {"remove \">\"", {{span, ""}}};
+      checkAfter(entry, text.end.unit);
     }
+  }
+
+  void checkAfter(const FoundMarker& entry, std::uint64_t textEnd) {
+    const std::uint64_t begin = entry.lineText.find_first_not_of(u" \t", entry.end());
+    const auto span = entry.spanOf(begin, textEnd);
+    const bool isDirect = begin == entry.end();
+    const std::u16string_view rest = entry.lineText.substr(begin, textEnd - begin);
+    if (!isDirect) {
+      report(DiagnosticKind::kTextBesideEntry, kTextAfter, span, {});
+      return;
+    }
+    earlyEnds.push_back(
+        {&entry, keyOf(entry) + std::u16string(nameAtStartOf(rest)), findings.diagnostics.size()});
+    Diagnostic& diagnostic = report(DiagnosticKind::kTextBesideEntry, kEntryEndsEarly, span,
+                                    {quoted(rest.substr(0, 1))});
+    if (rest == u">") diagnostic.fix = {"remove \">\"", {{span, ""}}};
   }
 
   void reportSecondAppendix(std::uint64_t number, Span text) {
@@ -182,6 +194,26 @@ class AppendixRule {
 
   bool isWithoutEntry(const Task& task) const {
     return !entries.contains(keyOf(*task.open)) && !findings.brokenTasks.contains(task.open->id);
+  }
+
+  /// An entry whose ">" came too early has another id than its marker: it explains that the marker
+  /// has no entry, and that the entry has no marker.
+  void explainByEarlyEnds(const SimilarNames& missing) {
+    for (const EarlyEnd& early : earlyEnds) {
+      const FoundMarker* const marker = findMarker(early.key, missing);
+      if (marker == nullptr || std::erase(unused, early.entry) == 0) continue;
+      findings.brokenTasks.insert(marker->id);
+      findings.diagnostics[early.diagnostic].notes.push_back(
+          {marker->span(), "so this marker has no entry"});
+    }
+  }
+
+  /// Returns the marker without an entry that `key` names or resembles; null if there is none.
+  const FoundMarker* findMarker(const std::u16string& key, const SimilarNames& missing) const {
+    const auto same = codeMarkers.find(key);
+    if (same != codeMarkers.end()) return entries.contains(key) ? nullptr : same->second;
+    const auto similar = missing.find(key);
+    return similar ? missingMarkers[*similar] : nullptr;
   }
 
   /// A damaged entry explains a task without one, and a damaged marker explains an unused entry.
@@ -271,6 +303,14 @@ class AppendixRule {
     if (marker.isTask()) findings.brokenTasks.insert(marker.id);
   }
 
+  /// An entry with text directly after its ">".
+  struct EarlyEnd {
+    const FoundMarker* entry = nullptr;
+    /// The key that it has if the text is part of its id.
+    std::u16string key;
+    std::size_t diagnostic = 0;
+  };
+
   const FileScan& scan;
   const TaskWalk& walk;
   Findings& findings;
@@ -280,6 +320,7 @@ class AppendixRule {
   std::vector<const FoundMarker*> unused;
   std::vector<const FoundMarker*> tasksWithoutEntry;
   std::vector<const FoundMarker*> missingMarkers;
+  std::vector<EarlyEnd> earlyEnds;
   std::uint64_t textLines = 0;
   std::uint64_t textEnd = 0;
   std::size_t textDiagnostic = 0;

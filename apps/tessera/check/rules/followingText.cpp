@@ -1,6 +1,5 @@
 #include "tessera/check/rules/followingText.hpp"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -14,19 +13,9 @@ using namespace scan;
 
 namespace {
 
-bool isNameUnit(char16_t unit) {
-  const auto lower = static_cast<char16_t>(unit | 0x20U);
-  return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z') || unit == u'_' ||
-         unit == u'-' || unit == u'.';
-}
-
 bool isWordUnit(char16_t unit) {
-  return isNameUnit(unit) && unit != u'.' && unit != u'-' && unit != u'_';
-}
-
-std::u16string wordAt(std::u16string_view text) {
-  const auto end = std::ranges::find_if_not(text, isNameUnit);
-  return std::u16string(text.begin(), end);
+  const auto lower = static_cast<char16_t>(unit | 0x20U);
+  return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z');
 }
 
 /// Returns whether `rest`, which directly follows a marker, was probably meant to be inside: a
@@ -50,7 +39,7 @@ suspects::Suspect describeRest(const FoundMarker& marker) {
   if (rest.front() == u'>') {
     suspect.diagnostic.fix = {"remove \">\"", {{marker.spanOf(at, at + 1), ""}}};
   } else {
-    suspect.ids.push_back(marker.id + wordAt(rest));
+    suspect.ids.push_back(marker.id + std::u16string(nameAtStartOf(rest)));
   }
   return suspect;
 }

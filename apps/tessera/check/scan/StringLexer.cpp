@@ -47,12 +47,14 @@ StringLexer::StringLexer(std::u16string_view text, const StringSyntax& syntax)
   if (isUncertain || !text.starts_with(syntax.requiredStart)) at = text.size();
 }
 
-bool StringLexer::isInString(std::size_t position) {
+std::optional<FoundString> StringLexer::stringAt(std::size_t position) {
   while (last.end <= position && at < text.size()) {
     last = next();
     at = last.end;
   }
-  return last.isString && last.begin <= position && position < last.end;
+  const bool isInside = last.isString && last.begin <= position && position < last.end;
+  if (!isInside) return std::nullopt;
+  return FoundString{last.begin, last.end, last.hasPlainQuotes && hasLongString};
 }
 
 /// Returns the next string, without its opener, or other text in which no string begins.
@@ -104,10 +106,17 @@ StringLexer::Token StringLexer::readBlockComment(std::size_t begin) const {
   return {begin, i, false};
 }
 
-StringLexer::Token StringLexer::readString(const Opened& opened) const {
+StringLexer::Token StringLexer::readString(const Opened& opened) {
   const std::size_t end = endOf(opened, 0);
-  if (end != kNone) return {opened.begin, end, true};
-  const bool spansLines = opened.form == nullptr || opened.form->spansLines;
+  const StringForm* const form = opened.form;
+  const bool spansLines = form == nullptr || form->spansLines;
+  const bool hasPlainQuotes =
+      spansLines && form != nullptr && form->opener == form->closer && form->opener.size() == 1;
+  if (end != kNone) {
+    const std::u16string_view string = text.substr(opened.begin, end - opened.begin);
+    hasLongString = hasLongString || (hasPlainQuotes && string.find(u'\n') != kNone);
+    return {opened.begin, end, true, hasPlainQuotes};
+  }
   return {opened.begin, spansLines ? text.size() : lineEndAfter(opened.begin), false};
 }
 

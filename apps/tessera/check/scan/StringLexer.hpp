@@ -9,6 +9,15 @@
 
 namespace tessera::check::scan {
 
+/// A string: the text [`begin`, `end`) of a source, from after its opener to after its closer.
+struct FoundString {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  /// Whether it may be the text between two strings: its closer also opens strings, and this one or
+  /// one before it goes over several lines, as it does after a quote that is missing or too much.
+  bool mayBeReversed = false;
+};
+
 /// Tells whether positions of a source are inside strings. Positions are asked for in ascending
 /// order; the source is read once.
 ///
@@ -19,14 +28,16 @@ class StringLexer {
   /// Borrows `text`, whose lines end in LF, and `syntax`.
   StringLexer(std::u16string_view text, const StringSyntax& syntax);
 
-  /// Returns whether the unit at `position` is inside a string; its closing quote counts as inside.
-  bool isInString(std::size_t position);
+  /// Returns the string that contains the unit at `position`, if there is one; its closing quote
+  /// counts as inside.
+  std::optional<FoundString> stringAt(std::size_t position);
 
  private:
   struct Token {
     std::size_t begin = 0;
     std::size_t end = 0;
     bool isString = false;
+    bool hasPlainQuotes = false;
   };
 
   /// A string that begins at some position.
@@ -41,7 +52,7 @@ class StringLexer {
   Token next();
   std::optional<Token> readComment(std::size_t begin) const;
   Token readBlockComment(std::size_t begin) const;
-  Token readString(const Opened& opened) const;
+  Token readString(const Opened& opened);
   Token readCharacter(std::size_t begin) const;
   Token readPattern(std::size_t begin);
 
@@ -70,6 +81,8 @@ class StringLexer {
   std::size_t at = 0;
   // The string, character or comment read last.
   Token last;
+  // Whether a string with plain quotes had several lines.
+  bool hasLongString = false;
   // The first quote or line end from some position on; for patterns.
   std::size_t quoteOrLineEnd = 0;
 };

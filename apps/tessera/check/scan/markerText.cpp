@@ -1,5 +1,7 @@
 #include "tessera/check/scan/markerText.hpp"
 
+#include <algorithm>
+
 #include "fl/i18n/ustring.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
 
@@ -9,6 +11,12 @@ namespace {
 constexpr std::size_t kMaxQuotedUnits = 60;
 constexpr std::size_t kHeadUnits = 40;
 constexpr std::size_t kTailUnits = 15;
+
+bool isNameUnit(char16_t unit) {
+  const auto lower = static_cast<char16_t>(unit | 0x20U);
+  return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z') || unit == u'_' ||
+         unit == u'-' || unit == u'.';
+}
 
 bool isTrail(char16_t unit) {
   return (unit & 0xFC00) == 0xDC00;
@@ -25,6 +33,11 @@ std::u16string_view tailOf(std::u16string_view text, std::size_t size) {
 }
 
 }  // namespace
+
+std::u16string_view nameAtStartOf(std::u16string_view text) {
+  const auto end = std::ranges::find_if_not(text, isNameUnit);
+  return text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
 
 std::string quoted(std::u16string_view text) {
   if (text == u"\"") return "'\"'";

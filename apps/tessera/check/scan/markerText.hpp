@@ -11,6 +11,9 @@ constexpr bool isBlank(char16_t unit) noexcept {
   return unit == u' ' || unit == u'\t';
 }
 
+/// Returns the ASCII letters, digits, "_", "-" and "." at the start of `text`.
+std::u16string_view nameAtStartOf(std::u16string_view text);
+
 /// Returns `text` in quotes, as UTF-8 without control characters. Long text is cut in the middle; a
 /// double quote alone is in single quotes.
 std::string quoted(std::u16string_view text);

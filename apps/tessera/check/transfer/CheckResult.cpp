@@ -62,7 +62,9 @@ class Encoder {
     add(problem.remedy);
   }
 
+  // Notes about other files are added later, when all files are known.
   void addParts(const Note& note) {
+    assert(note.otherFile == nullptr);
     add(note.span);
     add(note.message);
   }

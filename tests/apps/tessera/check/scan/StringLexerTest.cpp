@@ -16,7 +16,7 @@ std::string stringsOf(const char* path, const std::u16string& text) {
   if (syntax == nullptr) return "unknown";
   StringLexer lexer(text, *syntax);
   std::string marked;
-  for (std::size_t i = 0; i < text.size(); ++i) marked += lexer.isInString(i) ? 's' : '.';
+  for (std::size_t i = 0; i < text.size(); ++i) marked += lexer.stringAt(i) ? 's' : '.';
   return marked;
 }
 
@@ -215,6 +215,29 @@ TEST(StringLexer, StringsOfDataLanguages) {
                 "..ssss.........");
   expectStrings("a.css", u"url(a//b) \"c\\\nd\" e",  //
                 "...........sssss..");
+}
+
+/// Returns which of the units "x" of `text` are in strings that may be the text between strings:
+/// "r" for such a string, "s" for another one, "." for no string.
+std::string reversedOf(const char* path, const std::u16string& text) {
+  StringLexer lexer(text, *stringSyntaxOf(path));
+  std::string marked;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != u'x') continue;
+    const auto found = lexer.stringAt(i);
+    marked += !found ? '.' : found->mayBeReversed ? 'r' : 's';
+  }
+  return marked;
+}
+
+TEST(StringLexer, StringsMayBeReversedFromTheFirstOneOfSeveralLines) {
+  EXPECT_EQ(reversedOf("a.rs", u"\"x\" x \"\nx\" x \"x\""), "s.r.r");
+  EXPECT_EQ(reversedOf("a.php", u"<?php \"x\" '\n' 'x'"), "sr");
+  EXPECT_EQ(reversedOf("a.go", u"`\n` \"x\" `x`"), "sr");
+  // No quote that is missing or too much makes strings of other text here.
+  EXPECT_EQ(reversedOf("a.py", u"\"\"\"\nx\"\"\" \"x\""), "ss");
+  EXPECT_EQ(reversedOf("a.rs", u"r#\"\nx\"# \"x\""), "ss");
+  EXPECT_EQ(reversedOf("a.c", u"\"\\\nx\" \"x\""), "ss");
 }
 
 }  // namespace
