@@ -1,5 +1,7 @@
 #include "tessera/commands/ParseJob.hpp"
 
+#include <cstdint>
+
 #include "tessera/formats/DocumentJson.hpp"
 #include "tessera/formats/DocumentRecord.hpp"
 #include "tessera/formats/DocumentTree.hpp"
@@ -19,6 +21,15 @@ std::unique_ptr<formats::DocumentWriter> makeWriter(const ParseOptions& options,
       output, formats::JsonLayout{form, options.emptyMembers}, records);
 }
 
+// Writing a document takes longer than parsing its file.
+constexpr std::uint64_t kParsingShare = progress::InputProgress::kWhole / 5 * 2;
+
+/// Snippet parsers of other bundles may look at earlier nodes, and a record or a recording may
+/// tell where the nodes of a line are in the document.
+bool sparesPlainLines(const ParseOptions& options) {
+  return options.bundles.empty() && !options.trace && options.recordFile.empty();
+}
+
 }  // namespace
 
 ParseJob::ParseJob(const ParseOptions& options, const std::vector<inputs::Input>& inputs,
@@ -26,16 +37,19 @@ ParseJob::ParseJob(const ParseOptions& options, const std::vector<inputs::Input>
     : FileJob({.bundles = options.bundles,
                .pieces = options.pieces,
                .keepsRecords = options.trace,
-               .recording = recording},
+               .recording = recording,
+               .sparesPlainLines = sparesPlainLines(options),
+               .parsingShare = kParsingShare},
               inputs, context),
       options(options),
+      writing({&context.progress, kParsingShare}),
       writer(makeWriter(options, output())) {}
 
 /// The memory of a file is freed before the next one is read.
 void ParseJob::work(const std::string& path) {
   session::ParsedFile file = loseWithoutMemory(path, [&] { return files().parse(path); });
-  file.snippet.code = {};
-  writer->write({path, file.snippet, parsers()});
+  if (!file.snippet.parts.needsText()) file.snippet.code = {};
+  writer->write({path, file.snippet, parsers(), writing});
 }
 
 void ParseJob::addProblem(const diagnostics::Problem& problem) {

@@ -22,6 +22,7 @@ class ParseJob final : public run::FileJob {
   void addProblem(const diagnostics::Problem& problem) override;
 
   const ParseOptions& options;
+  progress::Stage writing;
   std::unique_ptr<formats::DocumentWriter> writer;
 };
 

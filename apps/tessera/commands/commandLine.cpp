@@ -68,6 +68,12 @@ terminal::ColorMode readColorMode(const std::string& name) {
   throw CLI::ValidationError("\"" + name + "\" is not a way to colour: use auto, always or never");
 }
 
+progress::Mode readProgressMode(const std::string& name) {
+  if (name == "always") return progress::Mode::kAlways;
+  if (name == "never") return progress::Mode::kNever;
+  throw CLI::ValidationError("\"" + name + "\" is not a way to show progress: use always or never");
+}
+
 std::string readRecordFile(const std::string& name) {
   if (!name.empty() && name != "-") return name;
   throw CLI::ValidationError("\"" + name + "\" is not a file to record to: name a file");
@@ -173,6 +179,12 @@ void addRun(CLI::App& command, run::RunOptions& options, const std::string& resu
           "--timeout", [&options](const std::string& text) { options.timeout = readTimeout(text); },
           "Give up a file after that time.")
       ->type_name("SECONDS");
+  command
+      .add_option_function<std::string>(
+          "--progress",
+          [&options](const std::string& name) { options.progress = readProgressMode(name); },
+          "Whether to show how far the run is: always or never; without it, on a terminal.")
+      ->type_name("WHEN");
   auto* const output = command.add_option_function<std::string>(
       "-o,--output",
       [&options](const std::string& name) { options.outputFile = readOutputFile(name); },

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <stdexcept>
 
+#include "tessera/diagnostics/StatusLine.hpp"
+
 namespace tessera::files {
 namespace {
 
@@ -25,6 +27,7 @@ extern "C" void endProcess(int signal) {
   for (const RemovedPath& entry : removedPaths) {
     if (entry.isUsed) ::unlink(entry.path.data());
   }
+  diagnostics::removeStatusAtExit();
   ::_exit(128 + signal);
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/diagnostics/StatusLine.hpp"
 
 namespace tessera::files {
 namespace {
@@ -38,7 +39,7 @@ void failOutput(const std::string& name, const std::string& what, int error) {
 }
 
 OutputFile::OutputFile(int descriptor, std::string name)
-    : name(std::move(name)), descriptor(descriptor) {}
+    : name(std::move(name)), descriptor(descriptor), isTerminal(::isatty(descriptor) != 0) {}
 
 void OutputFile::writeThrough(std::string_view piece) {
   flush();
@@ -54,6 +55,13 @@ bool OutputFile::takeBack(std::uint64_t size) noexcept {
 }
 
 void OutputFile::write(std::string_view piece) {
+  if (!isTerminal) return writeAll(piece);
+  diagnostics::StatusPause pause;
+  writeAll(piece);
+  pause.wrote(piece);
+}
+
+void OutputFile::writeAll(std::string_view piece) {
   while (!piece.empty()) {
     const ssize_t count = ::write(descriptor, piece.data(), piece.size());
     if (count >= 0) {

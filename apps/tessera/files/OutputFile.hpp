@@ -24,10 +24,12 @@ class OutputFile final : public OutputText {
 
  private:
   void write(std::string_view piece) override;
+  void writeAll(std::string_view piece);
   void awaitRoom() const;
 
   std::string name;
   int descriptor;
+  bool isTerminal;
 };
 
 /// Throws OutputError for the file `name`: `what` happened, for the reason `error` (an errno).

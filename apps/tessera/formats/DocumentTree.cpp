@@ -9,6 +9,7 @@
 #include "tessera/diagnostics/terminalText.hpp"
 #include "tessera/formats/NodeKind.hpp"
 #include "tessera/pieces/PieceNode.hpp"
+#include "tessera/session/plainLine.hpp"
 
 namespace tessera::formats {
 namespace {
@@ -63,15 +64,23 @@ std::string describeContribution(const contributors::kdzero::NodeContributorData
 
 void DocumentTree::write(const FileResult& result) {
   output.text() += diagnostics::terminalText(result.file) + "\n";
+  session::NodeCursor nodes(result.parsed);
   session::LineTable::Cursor cursor(result.parsed.lines);
-  while (cursor.advance()) writeLine(cursor.line(), result);
+  const std::uint64_t total = nodes.count();
+  while (cursor.advance()) {
+    writeLine(cursor.line(), nodes, result);
+    const std::uint64_t number = cursor.line().number;
+    if (number % progress::kStepsPerShow == 0) result.stage.show(number, total);
+  }
 }
 
-void DocumentTree::writeLine(const session::LineTable::Line& line, const FileResult& result) {
+void DocumentTree::writeLine(const session::LineTable::Line& line, session::NodeCursor& nodes,
+                             const FileResult& result) {
   lineNumber = line.number;
   if (line.outcome.nodeCount == 0) row(0, "(no node)");
-  const auto& nodes = result.parsed.document->getChildren();
-  for (std::uint64_t i = 0; i < line.outcome.nodeCount; ++i) writeTree(nodes[line.firstNode + i]);
+  for (std::uint64_t i = 0; i < line.outcome.nodeCount; ++i) {
+    writeTree(nodes.at(line.firstNode + i));
+  }
   writeOutcome(line.outcome, result.parsers[line.outcome.parser].name);
   output.flushIfLarge();
 }
@@ -114,11 +123,11 @@ void DocumentTree::writeTree(const Node& top) {
 const Node* DocumentTree::writeNode(const Node& node, std::size_t depth) {
   const auto& children = node->getChildren();
   const bool showsChild =
-      kindOf(node) == NodeKind::kLine && children.size() == 1 && isBareText(children[0]);
+      kindOf(node) == NodeKind::kLine && children.size() == 1 && session::isBareText(children[0]);
   std::string text =
       diagnostics::terminalText(fl::i18n::ustring_to_utf8(node->getMetaClass().getName()));
-  if (hasText(node)) text += " " + diagnostics::quotedText(textOf(node));
-  if (showsChild) text += " " + diagnostics::quotedText(textOf(children[0]));
+  if (hasText(node)) text += " " + diagnostics::quotedText(session::textOf(node));
+  if (showsChild) text += " " + diagnostics::quotedText(session::textOf(children[0]));
   appendNamed(text, "anchor", node->getAnchorId());
   if (kindOf(node) == NodeKind::kPiece) appendPiece(text, node);
   if (kindOf(node) == NodeKind::kTask) {

@@ -7,6 +7,7 @@
 #include "document/kdzero/Node.hpp"
 #include "tessera/files/OutputText.hpp"
 #include "tessera/formats/DocumentWriter.hpp"
+#include "tessera/session/NodeCursor.hpp"
 
 namespace tessera::formats {
 
@@ -21,7 +22,8 @@ class DocumentTree final : public DocumentWriter {
   void write(const FileResult& result) override;
 
  private:
-  void writeLine(const session::LineTable::Line& line, const FileResult& result);
+  void writeLine(const session::LineTable::Line& line, session::NodeCursor& nodes,
+                 const FileResult& result);
   void writeOutcome(const session::LineOutcome& outcome, std::string_view parser);
   void writeTree(const document::kdzero::Node& top);
   const document::kdzero::Node* writeNode(const document::kdzero::Node& node, std::size_t depth);

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "tessera/progress/InputProgress.hpp"
 #include "tessera/session/SnippetSession.hpp"
 
 namespace tessera::formats {
@@ -17,6 +18,8 @@ struct FileResult {
   const session::ParsedSnippet& parsed;
   /// The parsers that the outcomes of lines refer to.
   const std::vector<session::NamedParser>& parsers;
+  /// What writing it is of the work on the file.
+  progress::Stage stage = {};
 };
 
 /// Writes parsed files in one format.

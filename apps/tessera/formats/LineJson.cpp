@@ -5,6 +5,7 @@
 #include <limits>
 #include <string_view>
 
+#include "tessera/session/NodeCursor.hpp"
 #include "tessera/session/ResultJson.hpp"
 
 namespace tessera::formats {
@@ -36,7 +37,11 @@ void LineJson::writeMember(const FileResult& result) {
   json.key(kLinesKey);
   json.beginArray();
   session::LineTable::Cursor cursor(result.parsed.lines);
+  const std::uint64_t total = session::NodeCursor(result.parsed).count();
   while (cursor.advance()) {
+    // Nearly every line has one node.
+    const std::uint64_t number = cursor.line().number;
+    if (number % progress::kStepsPerShow == 0) result.stage.show(number, total);
     writeLine(cursor.line(), result);
     output.flushIfLarge();
   }

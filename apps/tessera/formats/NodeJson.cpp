@@ -1,14 +1,15 @@
 #include "tessera/formats/NodeJson.hpp"
 
 #include <boost/uuid/uuid.hpp>
+#include <cstdint>
 #include <string_view>
 
 #include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
-#include "document/kdzero/TesseraDocument.hpp"
 #include "foundation/json/format.hpp"
-#include "tessera/formats/NodeKind.hpp"
 #include "tessera/formats/NodeWriter.hpp"
+#include "tessera/session/NodeCursor.hpp"
+#include "tessera/session/plainLine.hpp"
 
 namespace tessera::formats {
 
@@ -48,12 +49,16 @@ NodeJson::NodeJson(files::OutputText& output, foundation::json::Writer& json, Js
   afterText = line.substr(place + kSample.size());
 }
 
-void NodeJson::writeMember(const kd::zero::ElementSequence<Node>& nodes) {
+void NodeJson::writeMember(const session::ParsedSnippet& parsed, const progress::Stage& stage) {
   json.key(kNodesKey);
   json.beginArray();
-  for (const Node& node : nodes) {
-    if (&node != nodes.begin() && isPlainLine(node)) {
-      writePlainLine(textOf(node->getChildren()[0]));
+  session::NodeCursor nodes(parsed);
+  const std::uint64_t total = nodes.count();
+  for (std::uint64_t number = 0; nodes.advance(); ++number) {
+    if (number % progress::kStepsPerShow == 0) stage.show(number, total);
+    const Node& node = nodes.node();
+    if (number != 0 && session::isPlainLine(node)) {
+      writePlainLine(session::textOf(node->getChildren()[0]));
     } else {
       NodeWriter(json).write(node);
     }

@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 
-#include "document/kdzero/Node.hpp"
 #include "foundation/json/Writer.hpp"
 #include "tessera/files/OutputText.hpp"
 #include "tessera/formats/JsonLayout.hpp"
+#include "tessera/session/SnippetSession.hpp"
 
 namespace tessera::formats {
 
@@ -16,8 +16,9 @@ class NodeJson {
   /// Borrows both; `json` writes to the text of `output` in the layout `layout`.
   NodeJson(files::OutputText& output, foundation::json::Writer& json, JsonLayout layout);
 
-  /// Writes the member "nodes" of an outermost object. Throws OutputError.
-  void writeMember(const kd::zero::ElementSequence<document::kdzero::Node>& nodes);
+  /// Writes the member "nodes" of an outermost object, and shows the progress in `stage`. Throws
+  /// OutputError.
+  void writeMember(const session::ParsedSnippet& parsed, const progress::Stage& stage);
 
  private:
   void writePlainLine(std::u16string_view text);

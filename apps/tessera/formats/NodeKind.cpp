@@ -13,15 +13,6 @@ using namespace document::kdzero;
 using pieces::ControlNode;
 using pieces::OutputNode;
 
-namespace {
-
-bool hasNoExtras(const Node& node) noexcept {
-  return node->getAnchorId().empty() && node->getParserFailures().empty() &&
-         node->getContributorData().empty();
-}
-
-}  // namespace
-
 NodeKind kindOf(const Node& node) noexcept {
   // Comparing addresses is enough: no class is derived from these.
   const auto* const nodeClass = &node->getMetaClass();
@@ -34,22 +25,8 @@ NodeKind kindOf(const Node& node) noexcept {
   return NodeKind::kOther;
 }
 
-bool isBareText(const Node& node) noexcept {
-  return kindOf(node) == NodeKind::kPlainText && node->getChildren().size() == 0 &&
-         hasNoExtras(node);
-}
-
-bool isPlainLine(const Node& node) noexcept {
-  return kindOf(node) == NodeKind::kLine && node->getChildren().size() == 1 &&
-         isBareText(node->getChildren()[0]) && hasNoExtras(node);
-}
-
 bool hasText(const Node& node) noexcept {
   return node->isKindOf(TextNode::Impl::classOf());
-}
-
-std::u16string_view textOf(const Node& node) noexcept {
-  return static_cast<const TextNode::Impl*>(node.get())->getText();
 }
 
 }  // namespace tessera::formats

@@ -6,6 +6,7 @@
 #include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
 #include "tessera/formats/NodeKind.hpp"
 #include "tessera/pieces/PieceNode.hpp"
+#include "tessera/session/plainLine.hpp"
 
 namespace tessera::formats {
 
@@ -36,7 +37,7 @@ void NodeWriter::write(const Node& top) {
 void NodeWriter::beginNode(const Node& node) {
   json.beginObject();
   member("kind", node->getMetaClass().getName());
-  if (hasText(node)) member("text", textOf(node));
+  if (hasText(node)) member("text", session::textOf(node));
   const NodeKind kind = kindOf(node);
   if (kind == NodeKind::kPiece) writePiece(node);
   if (kind == NodeKind::kTask) writeTask(node);

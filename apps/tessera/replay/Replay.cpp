@@ -108,8 +108,10 @@ void Replay::answerCall(const Call& call) {
 }
 
 void Replay::writeNodes() {
+  session::ParsedSnippet snippet;
+  snippet.document = document;
   json.beginObject();
-  nodes.writeMember(document->getChildren());
+  nodes.writeMember(snippet, {});
   json.endObject();
 }
 

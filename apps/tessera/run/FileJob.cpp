@@ -23,7 +23,8 @@ FileJob::FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inp
       session(host.snippetParsers(), log.get(), setup.recording),
       parser(session, host.appendix(), setup.recording),
       elementParsers(host.codeElementParsers()) {
-  session.showLineIn(context.line);
+  session.showIn({&context.progress, 0, setup.parsingShare});
+  if (setup.sparesPlainLines) session.sparePlainLines();
 }
 
 workers::Outcome FileJob::run(std::size_t index) {

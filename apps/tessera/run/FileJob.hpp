@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <string>
@@ -24,6 +25,10 @@ struct ParserSetup {
   bool keepsRecords = false;
   /// May be null.
   session::Recording* recording = nullptr;
+  /// Whether the nodes of most plain lines are not kept (`SnippetSession::sparePlainLines`).
+  bool sparesPlainLines = false;
+  /// How much of the work on a file is done once it is parsed.
+  std::uint64_t parsingShare = progress::InputProgress::kWhole;
 };
 
 /// Parses files and does something with each. Starts a framework in the process that makes it.

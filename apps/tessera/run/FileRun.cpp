@@ -73,13 +73,16 @@ FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
 void FileRun::work(const workers::MakeJob& makeJob, workers::Collector& collector,
                    Processes processes) {
   FailureGuard guard(files, failedBefore, collector);
+  progress::RunProgress progress(options.progress, files);
   if (processes == Processes::kOne || (options.workers == 1 && options.timeout.count() == 0)) {
-    workers::runHere(makeJob, guard, files.size());
-    return;
+    workers::runHere(makeJob, guard, files.size(), progress);
+  } else {
+    workers::WorkerPool pool(
+        {.workers = options.workers, .timeout = options.timeout, .progress = &progress}, makeJob,
+        guard);
+    pool.run(files.size());
   }
-  workers::WorkerPool pool({.workers = options.workers, .timeout = options.timeout}, makeJob,
-                           guard);
-  pool.run(files.size());
+  progress.finish();
 }
 
 bool isCompleted(const RunOptions& options) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tessera/inputs/InputOptions.hpp"
+#include "tessera/progress/RunProgress.hpp"
 
 namespace tessera::run {
 
@@ -18,6 +19,7 @@ struct RunOptions {
   std::size_t workers = 1;
   /// How long a worker may take for a file. Zero: no limit.
   std::chrono::milliseconds timeout{0};
+  progress::Mode progress = progress::Mode::kAuto;
 };
 
 }  // namespace tessera::run

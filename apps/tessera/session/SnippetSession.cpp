@@ -12,6 +12,7 @@ namespace tessera::session {
 
 using document::kdzero::TesseraDocument;
 using quenlith::build::markup::Snippet;
+using quenlith::build::markup::SnippetType;
 
 namespace {
 
@@ -44,15 +45,7 @@ ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
   std::uint64_t number = 0;
   try {
     resetParsers();
-    source::LineCursor cursor(snippet.auxiliaryText, code.any);
-    while (const auto line = cursor.next()) {
-      ++number;
-      if (currentLine != nullptr) currentLine->store(number, std::memory_order_relaxed);
-      snippet.text.assign(*line);
-      LineOutcome outcome = parseLine(parsed.document, snippet);
-      snippet.type = outcome.result.type;
-      parsed.lines.add(std::move(outcome));
-    }
+    parseLines(snippet, parsed, number);
   } catch (const diagnostics::ProblemError&) {
     throw;
   } catch (...) {
@@ -60,6 +53,39 @@ ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
   }
   parsed.code.text = std::move(snippet.auxiliaryText);
   return parsed;
+}
+
+void SnippetSession::showPlace(std::uint64_t number, std::size_t place,
+                               std::size_t size) const noexcept {
+  if (stage.progress == nullptr) return;
+  stage.progress->line.store(number, std::memory_order_relaxed);
+  if (number % progress::kStepsPerShow == 0) stage.show(place, size);
+}
+
+/// `number` becomes that of the current line.
+void SnippetSession::parseLines(Snippet& snippet, ParsedSnippet& parsed, std::uint64_t& number) {
+  const std::u16string_view text = snippet.auxiliaryText;
+  source::LineCursor cursor(text, parsed.code.any);
+  std::size_t partBegin = 0;
+  std::uint64_t partLines = 0;
+  while (const auto line = cursor.next()) {
+    ++number;
+    const auto place = static_cast<std::size_t>(line->data() - text.data());
+    showPlace(number, place, text.size());
+    if (partLines == 0) partBegin = place;
+    snippet.text.assign(*line);
+    LineOutcome outcome = parseLine(parsed.document, snippet);
+    outcome.firstNode += parsed.parts.nodeCount();
+    snippet.type = outcome.result.type;
+    parsed.lines.add(std::move(outcome));
+    ++partLines;
+    // While a task is open, the task parser refers to its header by its index in the document.
+    if (!sparesPlainLines || partLines < parsed.parts.nextSize() || snippet.type != SnippetType())
+      continue;
+    parsed.parts.add(std::exchange(parsed.document, std::make_shared<TesseraDocument>()), partBegin,
+                     text.substr(partBegin, place + line->size() - partBegin));
+    partLines = 0;
+  }
 }
 
 void SnippetSession::resetParsers() {

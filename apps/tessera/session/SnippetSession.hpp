@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -8,9 +7,11 @@
 #include <vector>
 
 #include "document/kdzero/TesseraDocument.hpp"
+#include "tessera/progress/InputProgress.hpp"
 #include "tessera/session/LineTable.hpp"
 #include "tessera/session/LogCollector.hpp"
 #include "tessera/session/NamedParser.hpp"
+#include "tessera/session/NodeParts.hpp"
 #include "tessera/source/lines.hpp"
 
 namespace tessera::session {
@@ -21,6 +22,9 @@ class Recording;
 struct ParsedSnippet {
   /// The text that was parsed.
   source::JoinedLines code;
+  /// The first nodes; none if plain lines are not spared.
+  NodeParts parts;
+  /// The other nodes.
   std::shared_ptr<document::kdzero::TesseraDocument> document;
   LineTable lines;
 };
@@ -58,19 +62,29 @@ class SnippetSession {
   /// reset again by the next call.
   ParsedSnippet parse(source::JoinedLines code);
 
-  /// From now on, `line` is set to the 1-based number of each line before it is parsed. Borrowed.
-  void showLineIn(std::atomic<std::uint64_t>& line) noexcept { currentLine = &line; }
+  /// From now on, the nodes of most plain lines are not kept: documents are replaced by new ones
+  /// between lines, where no task is open. The snippet parsers must not keep anything else about a
+  /// document from one line to the next.
+  void sparePlainLines() noexcept { sparesPlainLines = true; }
+
+  /// From now on, the progress of `shown` gets the number of each line before it is parsed, and the
+  /// share of the text that is parsed.
+  void showIn(const progress::Stage& shown) noexcept { stage = shown; }
 
  private:
   void resetParsers();
   std::size_t choose(const quenlith::build::markup::Snippet& snippet);
+  void showPlace(std::uint64_t number, std::size_t place, std::size_t size) const noexcept;
+  void parseLines(quenlith::build::markup::Snippet& snippet, ParsedSnippet& parsed,
+                  std::uint64_t& number);
   LineOutcome parseLine(const std::shared_ptr<document::kdzero::TesseraDocument>& document,
                         const quenlith::build::markup::Snippet& snippet);
 
   std::vector<NamedParser> parsersInOrder;
   LogCollector* log;
   Recording* recording;
-  std::atomic<std::uint64_t>* currentLine = nullptr;
+  bool sparesPlainLines = false;
+  progress::Stage stage;
   // The parser that is being called; null between calls.
   const NamedParser* called = nullptr;
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -8,6 +7,7 @@
 #include <string_view>
 
 #include "tessera/files/OutputText.hpp"
+#include "tessera/progress/InputProgress.hpp"
 
 namespace tessera::workers {
 
@@ -41,9 +41,8 @@ struct JobContext {
   /// The text of the inputs.
   files::OutputText& output;
   Messages& messages;
-  /// To be set to the 1-based line of the input that the job is at, so that it can be named when
-  /// the process ends there. 0 is none.
-  std::atomic<std::uint64_t>& line;
+  /// To be set to how far the job is: its line is named when the process ends there.
+  progress::InputProgress& progress;
   /// Whether an earlier process has made the same job: what that reported is not reported again.
   bool isRepeated = false;
 };

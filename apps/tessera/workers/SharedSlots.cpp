@@ -13,7 +13,6 @@ SharedSlots::SharedSlots() {
                         MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (memory == MAP_FAILED) throw std::bad_alloc();
   shared = new (memory) Shared;
-  shared->line = 0;
   shared->begun = 0;
   ::sem_init(&shared->free, 1, kSlots);
 }

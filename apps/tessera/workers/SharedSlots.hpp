@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "tessera/progress/InputProgress.hpp"
+
 namespace tessera::workers {
 
 /// A ring of text buffers in memory that a worker shares with its parent. The worker fills slots in
@@ -32,8 +34,8 @@ class SharedSlots {
   std::string_view oldest(std::size_t size) const noexcept;
   void release() noexcept;
 
-  /// The line of its input that the worker is at.
-  std::atomic<std::uint64_t>& line() noexcept { return shared->line; }
+  /// How far the worker is with its current input.
+  progress::InputProgress& progress() noexcept { return shared->progress; }
 
   /// How many inputs the worker has begun.
   std::atomic<std::uint64_t>& begun() noexcept { return shared->begun; }
@@ -41,7 +43,7 @@ class SharedSlots {
  private:
   struct Shared {
     sem_t free;
-    std::atomic<std::uint64_t> line;
+    progress::InputProgress progress;
     std::atomic<std::uint64_t> begun;
     char slots[kSlots][kSlotBytes];
   };

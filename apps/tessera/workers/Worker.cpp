@@ -198,6 +198,15 @@ void Worker::endIfLate(std::chrono::milliseconds timeout) {
   }
 }
 
+void Worker::appendProgress(std::vector<progress::RunProgress::Current>& current) {
+  for (std::size_t i = 0; i < finished; ++i) {
+    current.push_back({inputs[i], progress::InputProgress::kWhole});
+  }
+  if (isRunning() && finished < inputs.size()) {
+    current.push_back({inputs[finished], slots.progress().share});
+  }
+}
+
 std::optional<std::size_t> Worker::currentInput() const noexcept {
   if (inputs.empty()) return std::nullopt;
   return inputs.front();

@@ -8,7 +8,9 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "tessera/progress/RunProgress.hpp"
 #include "tessera/workers/Frame.hpp"
 #include "tessera/workers/Job.hpp"
 #include "tessera/workers/SharedSlots.hpp"
@@ -60,6 +62,9 @@ class Worker {
   /// Ends a process that is past its deadline, unless it only waits until text is taken from it.
   void endIfLate(std::chrono::milliseconds timeout);
 
+  /// Appends the inputs that it has finished or is at, and how far each is.
+  void appendProgress(std::vector<progress::RunProgress::Current>& current);
+
   /// The input whose frames are the next ones, if there is one.
   std::optional<std::size_t> currentInput() const noexcept;
   /// Whether all frames of the current input have arrived.
@@ -75,7 +80,7 @@ class Worker {
 
   /// Why the process ended, and at which line. Valid after it has ended.
   const std::string& endReason() const noexcept { return reason; }
-  std::uint64_t lastLine() noexcept { return slots.line(); }
+  std::uint64_t lastLine() noexcept { return slots.progress().line; }
 
  private:
   void send(std::uint64_t command) const noexcept;

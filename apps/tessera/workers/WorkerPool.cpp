@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/diagnostics/StatusLine.hpp"
 
 namespace tessera::workers {
 namespace {
@@ -36,6 +37,7 @@ void WorkerPool::run(std::size_t count) {
   for (std::size_t i = 0; i < std::min(settings.workers, count); ++i) startWorker({});
   while (nextResult < end) {
     giveInputs();
+    showProgress();
     awaitFrames();
     receiveFrames();
     passResultsOn();
@@ -50,6 +52,7 @@ void WorkerPool::startWorker(std::deque<std::size_t> inputs) {
   auto worker = std::make_unique<Worker>();
   if (!worker->start()) {
     for (const auto& other : workers) other->closeParentSide();
+    if (showsProgress()) diagnostics::expectForeignStatus();
     worker->work(makeJob, hasStarted);
     // Not back to the caller: what that owns belongs to the parent.
     std::exit(EXIT_SUCCESS);
@@ -71,9 +74,30 @@ void WorkerPool::giveInputs() {
   }
 }
 
-/// Returns the time in milliseconds to the first deadline; -1 without one.
+bool WorkerPool::showsProgress() const noexcept {
+  return settings.progress != nullptr && settings.progress->isActive();
+}
+
+void WorkerPool::showProgress() {
+  if (!showsProgress()) return;
+  settings.progress->setDone(nextResult);
+  std::vector<progress::RunProgress::Current> current;
+  for (const auto& worker : workers) worker->appendProgress(current);
+  settings.progress->show(current);
+}
+
+/// Returns the time in milliseconds after which there is something to do though no worker has sent
+/// anything; -1 without one.
 int WorkerPool::pollTimeout() const {
-  if (settings.timeout.count() == 0) return -1;
+  constexpr auto kInterval = static_cast<int>(progress::RunProgress::kInterval.count());
+  if (settings.timeout.count() == 0) return showsProgress() ? kInterval : -1;
+  const int rest = timeToDeadline();
+  if (!showsProgress()) return rest;
+  return rest < 0 ? kInterval : std::min(rest, kInterval);
+}
+
+/// Returns the time in milliseconds to the first deadline; -1 without one.
+int WorkerPool::timeToDeadline() const {
   auto deadline = Worker::Clock::time_point::max();
   for (const auto& worker : workers) {
     if (worker->isRunning()) deadline = std::min(deadline, worker->deadline(settings.timeout));

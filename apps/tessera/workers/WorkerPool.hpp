@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "tessera/progress/RunProgress.hpp"
 #include "tessera/workers/Collector.hpp"
 #include "tessera/workers/Job.hpp"
 #include "tessera/workers/Worker.hpp"
@@ -27,6 +28,8 @@ struct PoolSettings {
   std::size_t workers = 1;
   /// Zero: no limit.
   std::chrono::milliseconds timeout{0};
+  /// Borrowed.
+  progress::RunProgress* progress = nullptr;
 };
 
 /// Works on inputs in several processes and passes the results on in the order of the inputs.
@@ -45,6 +48,7 @@ class WorkerPool {
  private:
   void startWorker(std::deque<std::size_t> inputs);
   void giveInputs();
+  void showProgress();
   void awaitFrames();
   int poll(int timeoutMilliseconds);
   void receiveFrames();
@@ -53,7 +57,9 @@ class WorkerPool {
   Worker* findWorkerOf(std::size_t index) const;
   bool passFrameOn(Worker& worker);
   void removeEnded();
+  bool showsProgress() const noexcept;
   int pollTimeout() const;
+  int timeToDeadline() const;
 
   PoolSettings settings;
   MakeJob makeJob;

@@ -1,8 +1,11 @@
 #include "tessera/workers/runHere.hpp"
 
 #include <atomic>
-#include <cstdint>
+#include <condition_variable>
+#include <mutex>
+#include <stop_token>
 #include <string_view>
+#include <thread>
 
 namespace tessera::workers {
 namespace {
@@ -32,18 +35,46 @@ class CollectedMessages final : public Messages {
   CollectedOutput& output;
 };
 
+/// Shows the progress until it is destroyed.
+class ProgressThread {
+ public:
+  ProgressThread(progress::RunProgress& shown, const progress::InputProgress& progress,
+                 const std::atomic<std::size_t>& current) {
+    if (!shown.isActive()) return;
+    thread = std::jthread([&](const std::stop_token& stop) {
+      std::mutex mutex;
+      std::unique_lock lock(mutex);
+      std::condition_variable_any ended;
+      while (!stop.stop_requested()) {
+        const progress::RunProgress::Current input{current, progress.share};
+        shown.show({&input, 1});
+        ended.wait_for(lock, stop, progress::RunProgress::kInterval, [] { return false; });
+      }
+    });
+  }
+
+ private:
+  std::jthread thread;
+};
+
 }  // namespace
 
-void runHere(const MakeJob& makeJob, Collector& collector, std::size_t count) {
+void runHere(const MakeJob& makeJob, Collector& collector, std::size_t count,
+             progress::RunProgress& shown) {
   CollectedOutput output(collector);
   CollectedMessages messages(collector, output);
-  std::atomic<std::uint64_t> line = 0;
+  progress::InputProgress progress;
+  std::atomic<std::size_t> current = 0;
   const std::unique_ptr<Job> job =
-      makeJob({.output = output, .messages = messages, .line = line, .isRepeated = false});
+      makeJob({.output = output, .messages = messages, .progress = progress, .isRepeated = false});
+  const ProgressThread thread(shown, progress, current);
   for (std::size_t i = 0; i < count; ++i) {
+    progress.begin();
+    current = i;
     const Outcome outcome = job->run(i);
     output.flush();
     collector.endInput(i, outcome);
+    shown.setDone(i + 1);
   }
 }
 

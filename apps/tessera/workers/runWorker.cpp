@@ -126,12 +126,14 @@ void runWorker(const MakeJob& makeJob, bool isRepeated, SharedSlots& slots, int 
   SlotMessages messages(frames, output);
   std::string reason;
   try {
-    const std::unique_ptr<Job> job = makeJob(
-        {.output = output, .messages = messages, .line = slots.line(), .isRepeated = isRepeated});
+    const std::unique_ptr<Job> job = makeJob({.output = output,
+                                              .messages = messages,
+                                              .progress = slots.progress(),
+                                              .isRepeated = isRepeated});
     frames.send({.kind = Frame::Kind::kReady});
     for (auto index = readCommand(socket, frames); index != kNoMoreInputs;
          index = readCommand(socket, frames)) {
-      slots.line() = 0;
+      slots.progress().begin();
       ++slots.begun();
       const Outcome outcome = job->run(index);
       output.flush();

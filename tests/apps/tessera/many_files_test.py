@@ -11,17 +11,22 @@ import fcntl
 import json
 import os
 import pathlib
+import pty
 import random
+import re
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 import unittest
 
 FAULTY = str(pathlib.Path(sys.argv.pop(2)).resolve())
 PROGRAM = str(pathlib.Path(sys.argv.pop(1)).resolve())
 ROOT = pathlib.Path(__file__).resolve().parents[3]
+IS_SANITIZED = any(name in pathlib.Path(PROGRAM).read_bytes() for name in (b"__asan_init", b"__tsan_init"))
 KILLS = int(os.environ.get("TESSERA_KILLS", "20"))
 
 
@@ -366,6 +371,164 @@ class Reports(ManyFiles):
             self.assertEqual(done.returncode, 2)
             self.assertIn(b"t/a: error: it has no record in the output of the interrupted run", done.stderr)
             self.assertEqual((self.folder / "out.partial").read_bytes(), lines[1])
+
+
+class LargeFiles(ManyFiles):
+    """A document is written from the text of the file where its nodes say nothing else."""
+
+    def write_mixed(self, generator, lines):
+        """Writes a file in which plain parts, markers and tasks take turns."""
+        text, task = [], 0
+        while len(text) < lines:
+            kind = generator.randrange(4)
+            if kind == 0:
+                text.append(generator.choice(["# <@text:anchor#a> x", "y # <@output#o [0,1]>", "z = 1 # %%\\ escaped",
+                                              "# <@task#alone>", "\u00e9\U0001F3C6 # <@control:slider#c>"]))
+            elif kind == 1:
+                # Longer than a part, or shorter; another marker or task may be within it.
+                task += 1
+                text += [f"# <@task#{task}>", *["a = 1"] * generator.randrange(600),
+                         generator.choice(["b", "# <@task#other>", "# <@output>"]), f"# <@task#{task}>"]
+            else:
+                text += [generator.choice(["x = 1", "", "\u00e9\U0001F3C6", "  # \\ @"])] * generator.randrange(900)
+        return self.write("large", "\n".join(text[:lines]).encode())
+
+    def test_the_document_is_the_same_as_from_its_nodes(self):
+        generator = random.Random(7)
+        for lines in (255, 256, 257, 512, 5000, 20000, 0):
+            self.write_mixed(generator, lines)
+            # No part is plain.
+            if lines == 0: self.write("large", b"x\n# <@output#o [0,1]>\n" * 2000)
+            for options in (["--format", "tree"], ["--format", "json"], ["--format", "ndjson"],
+                            ["--format", "ndjson", "--omit-empty"]):
+                done = tessera("parse", *options, "large", "-j", "1", cwd=self.folder)
+                self.assertEqual((done.returncode, done.stderr), (0, b""))
+                # With another bundle, all nodes are kept.
+                whole = tessera("parse", *options, "large", "-j", "1", "--bundle", FAULTY, cwd=self.folder)
+                self.assertTrue(done.stdout == whole.stdout, (lines, options))
+
+    @unittest.skipIf(IS_SANITIZED, "a sanitizer needs more memory")
+    def test_the_memory_is_a_few_times_the_file(self):
+        line = b"    value = compute(value, other)  # x\n"
+        size = len(line) * 500_000
+        self.write("large", line * 500_000)
+        for form in ("json", "ndjson"):
+            command = [PROGRAM, "parse", "--format", form, "-j", "1", "-o", "out", "large"]
+            process = subprocess.Popen(command, cwd=self.folder)
+            _, status, usage = os.wait4(process.pid, 0)
+            process.returncode = status
+            self.assertEqual(status, 0)
+            self.assertLess(usage.ru_maxrss * 1024, 3.6 * size)
+
+
+def screen(data):
+    """Returns the rows that a terminal shows after `data`: text, CR, LF and "erase to the end of the row"."""
+    rows, row, column = [], "", 0
+    for part in re.findall(r"\x1b\[K|\r|\n|[^\r\n\x1b]+", data.decode()):
+        if part == "\x1b[K":
+            row = row[:column]
+        elif part == "\r":
+            column = 0
+        elif part == "\n":
+            rows, row, column = rows + [row], "", 0
+        else:
+            row, column = row[:column] + part + row[column + len(part):], column + len(part)
+    return rows + [row]
+
+
+class Terminal:
+    """The program on a terminal; what is not given is standard output and standard error."""
+
+    def __init__(self, folder, *arguments, **streams):
+        self.reader, writer = pty.openpty()
+        fcntl.ioctl(writer, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 100, 0, 0))
+        environment = {**os.environ, "TERM": "xterm"}
+        self.process = subprocess.Popen([PROGRAM, *arguments], cwd=folder, env=environment, start_new_session=True,
+                                        **{"stdin": subprocess.DEVNULL, "stdout": writer, "stderr": writer, **streams})
+        os.close(writer)
+        self.data = b""
+
+    def read_until(self, pattern):
+        """Reads until the terminal got something that matches. A program that ends before ends the test."""
+        while not re.search(pattern, self.data):
+            self.data += os.read(self.reader, 4096)
+
+    def finish(self):
+        """Returns the rows at the end and the status."""
+        try:
+            while piece := os.read(self.reader, 4096):
+                self.data += piece
+        except OSError:  # The other side is closed.
+            pass
+        os.close(self.reader)
+        return screen(self.data), self.process.wait()
+
+
+class Progress(ManyFiles):
+    def test_it_is_shown_on_a_terminal_and_gone_at_the_end(self):
+        for number in range(3):
+            self.write(f"t/{number}", b"x = 1\n# %<@text:anchor#a>\n")
+        self.write("t/1", b"# %<@text:anchor#hang>\n")
+        self.write("t/bad", b"\xff\n")
+        command = ["parse", "t", "--bundle", FAULTY, "--timeout", "1"]
+        expected, status = Terminal(self.folder, *command, "--progress", "never").finish()
+        self.assertEqual(status, 3)
+        self.assertEqual(sum("error: " in row for row in expected), 2)
+        terminal = Terminal(self.folder, *command, "--progress", "always")
+        # One file is done, one hangs.
+        terminal.read_until(rb"\d %  [1-3] of 4 files  \d+ B of \d+ B")
+        self.assertEqual(terminal.finish(), (expected, status))
+
+    def test_it_is_shown_without_being_asked_for_when_it_takes_long(self):
+        self.write("t/a", b"# %<@text:anchor#hang>\n")
+        self.write("t/b")
+        terminal = Terminal(self.folder, "parse", "t", "--bundle", FAULTY, "--timeout", "3")
+        terminal.read_until(rb"\d of 2 files")
+        self.assertEqual(terminal.finish()[1], 3)
+
+    def test_an_interruption_removes_it(self):
+        self.write("t/a", b"# %<@text:anchor#hang>\n")
+        self.write("t/b")
+        terminal = Terminal(self.folder, "parse", "t", "--bundle", FAULTY, "--progress", "always")
+        terminal.read_until(rb"of 2 files")
+        os.killpg(terminal.process.pid, signal.SIGINT)
+        self.assertEqual(terminal.finish(), ([""], 130))
+
+    def test_it_is_shown_of_one_process(self):
+        self.write("a", b"x = 1\n")
+        for source in ("-", "fifo"):
+            os.mkfifo(self.folder / "fifo")
+            terminal = Terminal(self.folder, "parse", "a", source, "-j", "1", "--progress", "always",
+                                stdin=subprocess.PIPE)
+            terminal.read_until(rb"1 of 2 files")
+            if source == "fifo": terminal.process.stdin.close()
+            with (terminal.process.stdin if source == "-" else open(self.folder / "fifo", "wb")) as writer:
+                writer.write(b"y = 1\n")
+            self.assertEqual(terminal.finish(), (["a", '     1  LineNode "x = 1"', source, '     1  LineNode "y = 1"', ""],
+                                                 0))
+            os.unlink(self.folder / "fifo")
+
+    def test_it_advances_within_a_file(self):
+        self.write("large", b"a line of text\n" * 1_000_000)
+        for workers in ("1", "2"):
+            terminal = Terminal(self.folder, "parse", "large", "--format", "ndjson", "-j", workers, "--progress", "always",
+                                stdout=subprocess.DEVNULL)
+            terminal.finish()
+            shown = [int(percent) for percent in re.findall(rb"(\d+) %", terminal.data)]
+            self.assertEqual(shown, sorted(shown))
+            self.assertTrue(any(0 < percent < 100 for percent in shown), shown)
+
+    def test_elsewhere_it_is_lines(self):
+        for name in ("t/a", "t/b", "t/c"):
+            self.write(name)
+        for workers in ("1", "2"):
+            for arguments in (["t", "-j", workers], ["t", "-j", workers, "--progress", "never"]):
+                self.assertEqual(self.parse(*arguments).stderr, b"")
+            lines = self.parse("t", "-j", workers, "--progress", "always").stderr.decode().splitlines()
+            self.assertRegex(lines[-1], r"^tessera: 3 files, 6 B in \d+ s")
+            for line in lines[:-1]:
+                self.assertRegex(line, r"^tessera: .*files")
+        self.parse("t", "--progress", "auto", status=2)
 
 
 class Outputs(ManyFiles):
