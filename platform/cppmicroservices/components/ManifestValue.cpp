@@ -65,7 +65,7 @@ void ManifestValue::allowKeys(std::initializer_list<std::string_view> keys) cons
 
 void ManifestValue::fail(const std::string& problem) const {
   throw std::runtime_error(location + ": " + path + " " + problem +
-                           "; mend the manifest of the bundle");
+                           "; correct the manifest of the bundle");
 }
 
 void ManifestValue::refuse(const std::string& feature, const std::string& instead) const {

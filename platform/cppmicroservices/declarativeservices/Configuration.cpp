@@ -86,7 +86,7 @@ std::unique_ptr<Instance> Configuration::make() {
   } catch (const std::exception& problem) {
     fail(std::string("cannot be made: ") + problem.what() + kAdvice);
   } catch (...) {
-    fail(std::string("cannot be made: it threw something that is no std::exception") + kAdvice);
+    fail(std::string("cannot be made: it threw something that is not a std::exception") + kAdvice);
   }
 }
 

@@ -42,7 +42,7 @@ class ManifestBuilder {
                    const Json::exception& error) {
     // The text before "at line 1, column 2: ..." is the JSON library's code for the problem.
     const std::string text = error.what();
-    return fail("it is no JSON " + text.substr(text.find("at line")));
+    return fail("it is not JSON " + text.substr(text.find("at line")));
   }
 
   // The JSON library requires this member of every builder; text contains no binary values.
@@ -65,7 +65,7 @@ class ManifestBuilder {
   }
 
   bool open(bool isObject) {
-    if (containers.empty() && !isObject) return fail("it is no object");
+    if (containers.empty() && !isObject) return fail("it is not an object");
     if (containers.size() == kMaximumDepth) return fail("its values are nested too deeply");
     containers.push_back({isObject, {}, {}, {}});
     return true;
@@ -82,7 +82,7 @@ class ManifestBuilder {
   }
 
   bool put(Any value) {
-    if (containers.empty()) return fail("it is no object");
+    if (containers.empty()) return fail("it is not an object");
     Container& container = containers.back();
     if (container.isObject) {
       container.map.emplace(std::move(container.key), std::move(value));

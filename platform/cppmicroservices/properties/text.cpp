@@ -11,7 +11,7 @@ std::string currentExceptionText() {
   } catch (const std::exception& exception) {
     return exception.what();
   } catch (...) {
-    return "an exception that is no std::exception";
+    return "an exception that is not a std::exception";
   }
 }
 

@@ -83,15 +83,16 @@ const std::vector<BrokenBundle>& brokenBundles() {
        "the program was built for"},
       // The manifest.
       {"EmptyManifest", Make::kBundle, "",
-       "FILE: broken/manifest.json cannot be used: it is no JSON at line 1, column 1: syntax error "
+       "FILE: broken/manifest.json cannot be used: it is not JSON at line 1, column 1: syntax "
+       "error "
        "while parsing value - unexpected end of input; expected '[', '{', or a literal; correct "
        "the manifest and append the archive again"},
       {"BadJson", Make::kBundle, R"({"bundle.symbolic_name":"broken",})",
-       "FILE: broken/manifest.json cannot be used: it is no JSON at line 1, column 34: syntax "
+       "FILE: broken/manifest.json cannot be used: it is not JSON at line 1, column 34: syntax "
        "error while parsing object key - unexpected '}'; expected string literal; correct the "
        "manifest and append the archive again"},
       {"ManifestIsAList", Make::kBundle, R"(["broken"])",
-       "FILE: broken/manifest.json cannot be used: it is no object; correct the manifest and "
+       "FILE: broken/manifest.json cannot be used: it is not an object; correct the manifest and "
        "append the archive again"},
       {"KeyTwice", Make::kBundle, named(R"(,"a":1,"a":2)"),
        "FILE: broken/manifest.json cannot be used: the key \"a\" occurs twice; correct the "
@@ -120,75 +121,81 @@ const std::vector<BrokenBundle>& brokenBundles() {
        "file that is compiled with US_BUNDLE_NAME=broken, or set \"bundle.activator\" to false"},
       // The descriptions of the components.
       {"ScrIsAList", Make::kBundle, named(R"(,"scr":[])"),
-       "FILE: scr must be an object; mend the manifest of the bundle"},
+       "FILE: scr must be an object; correct the manifest of the bundle"},
       {"NoVersion", Make::kBundle, named(R"(,"scr":{"components":[]})"),
-       "FILE: scr must have the key \"version\"; mend the manifest of the bundle"},
+       "FILE: scr must have the key \"version\"; correct the manifest of the bundle"},
       {"OtherVersion", Make::kBundle, named(R"(,"scr":{"version":2,"components":[]})"),
-       "FILE: scr.version must be 1; mend the manifest of the bundle"},
+       "FILE: scr.version must be 1; correct the manifest of the bundle"},
       {"VersionIsAText", Make::kBundle, named(R"(,"scr":{"version":"1","components":[]})"),
-       "FILE: scr.version must be 1; mend the manifest of the bundle"},
+       "FILE: scr.version must be 1; correct the manifest of the bundle"},
       {"NoComponents", Make::kBundle, named(R"(,"scr":{"version":1})"),
-       "FILE: scr must have the key \"components\"; mend the manifest of the bundle"},
+       "FILE: scr must have the key \"components\"; correct the manifest of the bundle"},
       {"ComponentsAreEmpty", Make::kBundle, named(R"(,"scr":{"version":1,"components":[]})"),
-       "FILE: scr.components must not be empty; mend the manifest of the bundle"},
+       "FILE: scr.components must not be empty; correct the manifest of the bundle"},
       {"ComponentsAreNoList", Make::kBundle, named(R"(,"scr":{"version":1,"components":{}})"),
-       "FILE: scr.components must be a list; mend the manifest of the bundle"},
+       "FILE: scr.components must be a list; correct the manifest of the bundle"},
       {"UnknownKeyOfScr", Make::kBundle, named(R"(,"scr":{"version":1,"componets":[]})"),
-       "FILE: scr has the key \"componets\", which Declarative Services do not know; mend the "
+       "FILE: scr has the key \"componets\", which Declarative Services do not know; correct the "
        "manifest of the bundle"},
       {"ComponentIsAText", Make::kBundle,
        named(R"(,"scr":{"version":1,"components":["demo::Fine"]})"),
-       "FILE: scr.components[0] must be an object; mend the manifest of the bundle"},
+       "FILE: scr.components[0] must be an object; correct the manifest of the bundle"},
       {"NoClass", Make::kBundle, component(R"("service":{"interfaces":["demo::Broken"]})"),
-       "FILE: scr.components[0] must have the key \"implementation-class\"; mend the manifest of "
+       "FILE: scr.components[0] must have the key \"implementation-class\"; correct the manifest "
+       "of "
        "the bundle"},
       {"ClassIsANumber", Make::kBundle, component(R"("implementation-class":7)"),
-       "FILE: scr.components[0].implementation-class must be a text; mend the manifest of the "
+       "FILE: scr.components[0].implementation-class must be a text; correct the manifest of the "
        "bundle"},
       {"ClassIsEmpty", Make::kBundle, component(R"("implementation-class":"")"),
-       "FILE: scr.components[0].implementation-class must not be empty; mend the manifest of the "
+       "FILE: scr.components[0].implementation-class must not be empty; correct the manifest of "
+       "the "
        "bundle"},
       {"NameTwice", Make::kBundle,
        named(
            R"(,"scr":{"version":1,"components":[)"
            R"({"implementation-class":"demo::Fine","service":{"interfaces":["demo::Broken"]}},)"
            R"({"implementation-class":"demo::Fine","service":{"interfaces":["demo::Broken"]}}]})"),
-       "FILE: scr.components[1] is the second one named demo::Fine; mend the manifest of the "
+       "FILE: scr.components[1] is the second one named demo::Fine; correct the manifest of the "
        "bundle"},
       {"NoInterfaces", Make::kBundle,
        component(R"("implementation-class":"demo::Fine","service":{})"),
-       "FILE: scr.components[0] (demo::Fine).service must have the key \"interfaces\"; mend the "
+       "FILE: scr.components[0] (demo::Fine).service must have the key \"interfaces\"; correct the "
        "manifest of the bundle"},
       {"InterfacesAreEmpty", Make::kBundle,
        component(R"("implementation-class":"demo::Fine","service":{"interfaces":[]})"),
-       "FILE: scr.components[0] (demo::Fine).service.interfaces must not be empty; mend the "
+       "FILE: scr.components[0] (demo::Fine).service.interfaces must not be empty; correct the "
        "manifest of the bundle"},
       {"InterfacesAreAText", Make::kBundle,
        component(R"("implementation-class":"demo::Fine","service":{"interfaces":"demo::Broken"})"),
-       "FILE: scr.components[0] (demo::Fine).service.interfaces must be a list; mend the manifest "
+       "FILE: scr.components[0] (demo::Fine).service.interfaces must be a list; correct the "
+       "manifest "
        "of the bundle"},
       {"InterfaceIsANumber", Make::kBundle,
        component(R"("implementation-class":"demo::Fine","service":{"interfaces":[7]})"),
-       "FILE: scr.components[0] (demo::Fine).service.interfaces[0] must be a text; mend the "
+       "FILE: scr.components[0] (demo::Fine).service.interfaces[0] must be a text; correct the "
        "manifest of the bundle"},
       {"PropertiesAreAList", Make::kBundle, fine(R"(,"properties":[])"),
-       "FILE: scr.components[0] (demo::Fine).properties must be an object; mend the manifest of "
+       "FILE: scr.components[0] (demo::Fine).properties must be an object; correct the manifest of "
        "the bundle"},
       {"UnknownKeyOfAComponent", Make::kBundle, fine(R"(,"refrences":[])"),
        "FILE: scr.components[0] (demo::Fine) has the key \"refrences\", which Declarative Services "
-       "do not know; mend the manifest of the bundle"},
+       "do not know; correct the manifest of the bundle"},
       {"ReferencesAreNoList", Make::kBundle, fine(R"(,"inject-references":true,"references":{})"),
-       "FILE: scr.components[0] (demo::Fine).references must be a list; mend the manifest of the "
+       "FILE: scr.components[0] (demo::Fine).references must be a list; correct the manifest of "
+       "the "
        "bundle"},
       {"ReferenceHasNoName", Make::kBundle, reference(R"("interface":"demo::Word")"),
-       "FILE: scr.components[0] (demo::Needs).references[0] must have the key \"name\"; mend the "
+       "FILE: scr.components[0] (demo::Needs).references[0] must have the key \"name\"; correct "
+       "the "
        "manifest of the bundle"},
       {"ReferenceHasNoInterface", Make::kBundle, reference(R"("name":"word")"),
-       "FILE: scr.components[0] (demo::Needs).references[0] must have the key \"interface\"; mend "
+       "FILE: scr.components[0] (demo::Needs).references[0] must have the key \"interface\"; "
+       "correct "
        "the manifest of the bundle"},
       {"UnknownKeyOfAReference", Make::kBundle, reference(kFineName + R"(,"cardinalty":"1..1")"),
        "FILE: scr.components[0] (demo::Needs).references[0] has the key \"cardinalty\", which "
-       "Declarative Services do not know; mend the manifest of the bundle"},
+       "Declarative Services do not know; correct the manifest of the bundle"},
       // Features that only an installed framework has.
       {"NoService", Make::kBundle, component(R"("implementation-class":"demo::Fine")"),
        "FILE: scr.components[0] (demo::Fine): the embedded framework has no components without a "
@@ -259,7 +266,7 @@ const std::vector<BrokenBundle>& brokenBundles() {
        "no luck; let its constructor do nothing that can fail, or ask for the service again"},
       {"ConstructorThrowsANumber", Make::kBundle, withClass("demo::ThrowsNumber"),
        "a service factory threw an exception: FILE: component demo::ThrowsNumber: cannot be made: "
-       "it threw something that is no std::exception; let its constructor do nothing that can "
+       "it threw something that is not a std::exception; let its constructor do nothing that can "
        "fail, or ask for the service again"},
       {"OtherInterface", Make::kBundle,
        component(

@@ -127,7 +127,7 @@ TEST_F(Manifests, RootIsAnObject) {
       context.InstallBundles(path);
       ADD_FAILURE() << text;
     } catch (const std::runtime_error& error) {
-      EXPECT_NE(std::string(error.what()).find("it is no object"), std::string::npos) << text;
+      EXPECT_NE(std::string(error.what()).find("it is not an object"), std::string::npos) << text;
     }
   }
 }
