@@ -90,12 +90,15 @@ class InstalledTree(unittest.TestCase):
         line = self.parse(*self.bundle("output_data"), *self.bundle("output_text"))[1]
         self.assertEqual((len(line["contributorData"]), len(line["children"])), (1, 2))
 
-    def test_a_broken_bundle_leaves_the_rest_running(self):
-        broken = self.tessera(self.prefix / "bin" / "tessera", *self.bundle("broken"))
-        self.assertEqual(json.loads(broken.stdout)["nodes"], self.parse())
-        # An installed framework has other messages.
-        said = "ServiceFactory" if FRAMEWORK else "the dictionary of BrokenParser is missing"
-        self.assertIn(said, broken.stderr)
+    def test_a_bundle_whose_component_cannot_be_created_is_refused(self):
+        bundle = self.bundle("broken")[1]
+        for command in (["parse", SAMPLE], ["doctor"]):
+            done = run(self.prefix / "bin" / "tessera", *command, "--bundle", bundle, status=2,
+                       cwd="/", env=bare_environment())
+            said = done.stdout if command[0] == "doctor" else done.stderr
+            self.assertIn(f"{bundle}: error: ", said)
+            # An installed framework has other messages.
+            self.assertIn("ServiceFactory" if FRAMEWORK else "the dictionary of BrokenParser is missing", said)
 
     def test_the_tree_can_be_moved(self):
         before = self.parse(*self.bundle("output_text"))

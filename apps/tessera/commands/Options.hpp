@@ -61,6 +61,13 @@ struct MarkersOptions {
   run::RunOptions run;
 };
 
+enum class DoctorFormat { kText, kJson };
+
+struct DoctorOptions {
+  DoctorFormat format = DoctorFormat::kText;
+  std::vector<std::string> bundles;
+};
+
 struct ReplayOptions {
   std::vector<std::string> bundles;
   std::string file;

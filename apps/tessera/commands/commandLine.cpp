@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "tessera/commands/check.hpp"
+#include "tessera/commands/doctor.hpp"
 #include "tessera/commands/explain.hpp"
 #include "tessera/commands/markers.hpp"
 #include "tessera/commands/parse.hpp"
@@ -52,6 +53,12 @@ ExplainFormat readExplainFormat(const std::string& name) {
   if (name == "text") return ExplainFormat::kText;
   if (name == "markdown") return ExplainFormat::kMarkdown;
   throw CLI::ValidationError("\"" + name + "\" is not a format: use text or markdown");
+}
+
+DoctorFormat readDoctorFormat(const std::string& name) {
+  if (name == "text") return DoctorFormat::kText;
+  if (name == "json") return DoctorFormat::kJson;
+  throw CLI::ValidationError("\"" + name + "\" is not a format: use text or json");
 }
 
 FailOn readFailOn(const std::string& name) {
@@ -209,11 +216,13 @@ struct CommandLine {
   CLI::App* markersCommand = nullptr;
   CLI::App* explainCommand = nullptr;
   CLI::App* replayCommand = nullptr;
+  CLI::App* doctorCommand = nullptr;
   ParseOptions parseOptions;
   CheckOptions checkOptions;
   MarkersOptions markersOptions;
   ExplainOptions explainOptions;
   ReplayOptions replayOptions;
+  DoctorOptions doctorOptions;
 
  private:
   void addParse();
@@ -221,6 +230,7 @@ struct CommandLine {
   void addMarkers();
   void addExplain();
   void addReplay();
+  void addDoctor();
 };
 
 CommandLine::CommandLine() {
@@ -232,6 +242,7 @@ CommandLine::CommandLine() {
   addMarkers();
   addExplain();
   addReplay();
+  addDoctor();
 }
 
 void CommandLine::addParse() {
@@ -325,11 +336,24 @@ void CommandLine::addReplay() {
       ->required();
 }
 
+void CommandLine::addDoctor() {
+  doctorCommand = app.add_subcommand(
+      "doctor", "Show what the program is made of and would load, and what is wrong with it.");
+  doctorCommand
+      ->add_option_function<std::string>(
+          "--format",
+          [this](const std::string& name) { doctorOptions.format = readDoctorFormat(name); },
+          "How it is written: text (the default) or json.")
+      ->type_name("FORMAT");
+  addBundles(*doctorCommand, doctorOptions.bundles);
+}
+
 int CommandLine::run() const {
   if (parseCommand->parsed()) return parse(parseOptions);
   if (checkCommand->parsed()) return check(checkOptions);
   if (markersCommand->parsed()) return markers(markersOptions);
   if (explainCommand->parsed()) return explain(explainOptions);
+  if (doctorCommand->parsed()) return doctor(doctorOptions);
   return replay(replayOptions);
 }
 

@@ -5,20 +5,13 @@
 #include "tessera/inputs/isBinaryFile.hpp"
 
 namespace tessera::run {
-namespace {
-
-host::StartEvents startEventsOf(const workers::JobContext& context) {
-  return context.isRepeated ? host::StartEvents::kDropped : host::StartEvents::kReported;
-}
-
-}  // namespace
 
 FileJob::FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inputs,
                  const workers::JobContext& context)
     : inputs(inputs),
       text(context.output),
       messageTarget(context.messages),
-      host(setup.bundles, setup.pieces, startEventsOf(context)),
+      host(setup.bundles, setup.pieces),
       log(setup.keepsRecords ? std::make_unique<session::LogCollector>() : nullptr),
       session(host.snippetParsers(), log.get(), setup.recording),
       parser(session, host.appendix(), setup.recording),

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tessera/doctor/Diagnosis.hpp"
+
+namespace tessera::doctor {
+
+/// Starts the program's bundles and `extensionBundles` as `tessera parse` does, and returns what
+/// there is and what is wrong. A bundle that cannot be used does not keep the others from being
+/// started.
+Diagnosis diagnose(const std::vector<std::string>& extensionBundles);
+
+}  // namespace tessera::doctor

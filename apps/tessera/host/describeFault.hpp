@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tessera/diagnostics/Problem.hpp"
+
+namespace tessera::host {
+
+/// Returns what the framework's `message` about the bundle `file` says, without the name of the
+/// file and with the remedy on its own. `location` is the name that the framework uses for the
+/// file.
+diagnostics::Problem describeFault(const std::string& file, const std::string& location,
+                                   std::string_view message);
+
+}  // namespace tessera::host
