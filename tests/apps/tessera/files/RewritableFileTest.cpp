@@ -1,6 +1,7 @@
 #include "tessera/files/RewritableFile.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -37,6 +38,10 @@ class RewritableFileTest : public testing::Test {
       EXPECT_FALSE(error.problem().remedy.empty());
     }
     EXPECT_EQ(read(name), content);
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(name).parent_path())) {
+      EXPECT_EQ(entry.path().string().find(".tessera-"), std::string::npos) << entry.path();
+    }
   }
 
   const TemporaryFolder folder;
@@ -59,6 +64,20 @@ TEST_F(RewritableFileTest, AFileThatWasWrittenMeanwhileStays) {
   expectRefused(file, "changed after it was read", "other text");
 }
 
+TEST_F(RewritableFileTest, AFileWhoseModeWasChangedMeanwhileStays) {
+  RewritableFile file(name);
+  struct stat before = {};
+  struct stat after = {};
+  ASSERT_EQ(::stat(name.c_str(), &before), 0);
+  // The clock of the file system may be slower than two calls.
+  do {
+    ASSERT_EQ(::chmod(name.c_str(), 0640), 0);
+    ASSERT_EQ(::stat(name.c_str(), &after), 0);
+  } while (after.st_ctim.tv_sec == before.st_ctim.tv_sec &&
+           after.st_ctim.tv_nsec == before.st_ctim.tv_nsec);
+  expectRefused(file, "changed after it was read", file.bytes());
+}
+
 TEST_F(RewritableFileTest, AFileThatWasReplacedMeanwhileStays) {
   RewritableFile file(name);
   const std::string other = name + "2";
@@ -78,6 +97,27 @@ TEST_F(RewritableFileTest, AFileThatWasRemovedIsNotMadeAgain) {
   std::filesystem::remove(name);
   EXPECT_THROW(file.replace("new"), ProblemError);
   EXPECT_FALSE(std::filesystem::exists(name));
+}
+
+TEST_F(RewritableFileTest, TheModeStays) {
+  std::filesystem::permissions(name, std::filesystem::perms(0751));
+  RewritableFile(name).replace("new");
+  EXPECT_EQ(std::filesystem::status(name).permissions(), std::filesystem::perms(0751));
+}
+
+TEST_F(RewritableFileTest, ASymbolicLinkStaysOne) {
+  const std::string link = name + "-link";
+  std::filesystem::create_symlink(name, link);
+  RewritableFile(link).replace("new");
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_EQ(read(name), "new");
+}
+
+TEST_F(RewritableFileTest, AFileWithSeveralNamesIsRefused) {
+  std::filesystem::create_hard_link(name, name + "2");
+  RewritableFile file(name);
+  expectRefused(file, "has several names (hard links), and only one would get the new content",
+                file.bytes());
 }
 
 TEST_F(RewritableFileTest, OnlyARegularFileIsRead) {

@@ -86,6 +86,8 @@ TEST(StringLexer, APrefixMakesAStringRaw) {
                 "....sssss");
   expectStrings("a.dart", uR"(r'\' '\' ')",  //
                 "..ss..ssss");
+  expectStrings("a.dart", uR"(for'\'x' y)",  //
+                "....ssss..");
   expectStrings("a.cs", uR"(@"\" "a")",  //
                 "..ss..ss");
   expectStrings("a.cs", uR"(@"a""b"c)",  //
@@ -98,7 +100,16 @@ TEST(StringLexer, APrefixMakesAStringRaw) {
                 ".....sssssssssss..");
 }
 
+TEST(StringLexer, ADelimiterInCppHasAtMost16Units) {
+  expectStrings("a.cpp", uR"x(R"0123456789abcdef(")0123456789abcdef" x)x",  //
+                "...................sssssssssssssssssss..");
+  expectStrings("a.cpp", uR"x(R"0123456789abcdefg(")0123456789abcdefg x)x",  //
+                "..sssssssssssssssssss....................");
+}
+
 TEST(StringLexer, TheOpenerDecidesWhatClosesAString) {
+  expectStrings("a.cs", uR"("" + "a")",  //
+                ".s....ss");
   expectStrings("a.cs", uR"(""""a"""b"""" c)",  //
                 "....sssssssss..");
   expectStrings("a.lua", u"[[a\n\"]] b",  //
@@ -126,6 +137,10 @@ TEST(StringLexer, CodeInStringsMayHaveStrings) {
                 "..sssssss..sss..");
   expectStrings("a.php", uR"(<?php "{$a["}"]}" b)",  //
                 ".......ssssssssss..");
+  expectStrings("a.kt", uR"("${'"'}" a)",  //
+                ".sssssss..");
+  expectStrings("a.kt", u"\"${a\n}\" \"b",  //
+                ".......ss.");
   // Nine levels of strings in code in strings are certain, ten are not.
   const auto nested = [](int levels) {
     std::u16string text;
@@ -148,6 +163,8 @@ TEST(StringLexer, ASingleQuoteMayBeginACharacterOrNothing) {
                 ".................ss");
   expectStrings("a.cs", u"#region don't\n\"a\" '\"' \"b\"",  //
                 "...............ss......ss");
+  expectStrings("a.cs", u"#region x'\n'\"' \"b\"",  //
+                "................ss");
 }
 
 TEST(StringLexer, BlockCommentsNestWhereTheLanguageSaysSo) {
