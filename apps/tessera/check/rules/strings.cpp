@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
@@ -16,13 +17,19 @@ namespace {
 class StringRule {
  public:
   StringRule(const FileScan& scan, const StringSyntax& syntax, Findings& findings)
-      : scan(scan), code(scan.lines.code()), lexer(code, syntax), findings(findings) {}
+      : scan(scan), code(scan.lines.code()), lexer(code, syntax), findings(findings) {
+    for (std::size_t i = 0; i < findings.diagnostics.size(); ++i) {
+      const auto& known = findings.diagnostics[i];
+      if (known.kind == catalogue::DiagnosticKind::kMissingTaskMarkerPair)
+        unpaired.emplace(known.span, i);
+    }
+  }
 
   void check(const FoundMarker& marker) {
     const auto opening =
         scan.escaped.inFile(marker.spanOf(marker.parts.opening, marker.parts.opening));
     const auto found = lexer.stringAt(startOf(marker.line) + opening.begin.unit);
-    if (!found) return;
+    if (!found || explainUnpaired(marker)) return;
     if (isSameCause(*found)) {
       findings.diagnostics[diagnostic].notes.push_back({marker.span(), "this one, too"});
     } else {
@@ -35,6 +42,15 @@ class StringRule {
   }
 
  private:
+  /// A task marker that only seems to be one has no partner.
+  bool explainUnpaired(const FoundMarker& marker) {
+    const auto known = unpaired.find(marker.span());
+    if (known == unpaired.end()) return false;
+    findings.diagnostics[known->second].notes.push_back(
+        {marker.span(), catalogue::messageOf(catalogue::DiagnosticKind::kMarkerInString, 0, {})});
+    return true;
+  }
+
   /// Returns whether the string is the one of the marker before, or both may be strings only
   /// because a quote is missing or too much before them.
   bool isSameCause(const FoundString& found) const {
@@ -62,6 +78,8 @@ class StringRule {
   std::u16string_view code;
   StringLexer lexer;
   Findings& findings;
+  // The diagnostics about task markers without a partner.
+  std::map<catalogue::Span, std::size_t> unpaired;
   std::optional<FoundString> last;
   // The diagnostic about the string `last`.
   std::size_t diagnostic = 0;

@@ -1,0 +1,5 @@
+print("# <@task#a>")
+"""
+# <@task#b>
+# <@text:anchor#c>
+"""
