@@ -79,7 +79,13 @@ enum InvalidPositionData : std::uint8_t {
 };
 enum UnknownElement : std::uint8_t { kElementSimilar, kElementUpperCase, kElementOther };
 enum MissingElement : std::uint8_t { kElementAfterBlank, kElementAbsent };
-enum InvalidId : std::uint8_t { kIdAbsent, kIdNotJson, kIdUnquoted };
+enum InvalidId : std::uint8_t {
+  kIdAbsent,
+  kIdNotJson,
+  kIdUnquoted,
+  kIdAfterBlank,
+  kIdSingleQuotes
+};
 enum InvalidRange : std::uint8_t {
   kRangeSign,
   kRangeNumber,

@@ -60,15 +60,17 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .severity = Severity::kWarning,
      .title = "id that is not well-formed",
      .messages = {"the id is missing after \"#\"", "the quoted id is not a JSON string: %1",
-                  "an id with %1 in it needs quotes: write #%2"},
+                  "an id with %1 in it needs quotes: write #%2",
+                  "there is a blank before the \"#\" of the id",
+                  "a quoted id is in double quotes, not in single ones"},
      .explanation = "An id consists of letters, digits, \"_\", \"-\", \".\" and characters beyond "
                     "ASCII. Any other id is\n"
                     "written as a JSON string, in double quotes.",
      .before = "# <@text:anchor#\"first results>\n",
      .after = "# <@text:anchor#\"first results\">\n",
-     .fix =
-         "Inserts a missing quote, or joins the line and the next one where a line break is in the "
-         "marker,\nif only one such change makes a marker."},
+     .fix = "Inserts a missing quote, removes a blank before \"#\", or joins the line and the next "
+            "one where a line break is in the "
+            "marker,\nif only one such change makes a marker."},
     {.kind = DiagnosticKind::kInvalidRange,
      .id = "invalid_range",
      .severity = Severity::kWarning,

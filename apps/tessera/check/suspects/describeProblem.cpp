@@ -83,7 +83,7 @@ class ProblemWriter {
       case MarkerProblem::kMissingType:
         return reportRepairable(kMissingType, 0, {});
       case MarkerProblem::kMissingId:
-        return reportRepairable(kInvalidId, kIdAbsent, {});
+        return writeMissingId();
       case MarkerProblem::kBadQuotedId:
         return writeQuotedId();
       case MarkerProblem::kMissingBlankBeforeRange:
@@ -218,9 +218,17 @@ class ProblemWriter {
       if (!isCertainElement(similar, isCase)) return;
       return fixBy({found.positionOf(parts.element), parts.element.size(), similar});
     }
+    if (parts.element == u"anchor" && parts.type.empty()) return writeAnchorElement(span);
     if (start.empty()) return report(kUnknownElement, kElementOther, span, {quoted(parts.element)});
     suspect.element = start;
     writeJoinedElement(start, span);
+  }
+
+  /// "<@anchor#a>" lacks the element of anchors.
+  void writeAnchorElement(Span span) {
+    suspect.element = u"text";
+    report(kUnknownElement, kElementSimilar, span, {quoted(parts.element), "\"text:anchor\""});
+    fixBy({found.positionOf(parts.element), 0, u"text:"});
   }
 
   /// Returns whether nothing but the element is wrong when `similar` is meant: "<@TASK:FIT>" is
@@ -281,6 +289,11 @@ class ProblemWriter {
     report(kUnknownElement, kElementSimilar, span, {quoted(parts.element), quoted(meant)});
     const bool isCertain = !isType || parts.element.substr(start.size()) == u"anchor";
     if (isCertain) fixBy({found.positionOf(parts.element) + start.size(), 0, separator});
+  }
+
+  void writeMissingId() {
+    const bool isQuote = text.problem < end && line[text.problem] == u'\'';
+    reportRepairable(kInvalidId, isQuote ? kIdSingleQuotes : kIdAbsent, {});
   }
 
   void writeQuotedId() {
@@ -374,6 +387,7 @@ class ProblemWriter {
     if (rest.front() == u'[' && !parts.data.empty()) {
       return report(kInvalidRange, kRangeAfterData, atProblem(), {});
     }
+    if (rest.front() == u'#' && isInName()) return writeIdAfterBlank();
     if (looksLikeRange(rest))
       return reportRepairable(kInvalidRange, kRangeOpeningBracket, {foundAtProblem()});
     if (looksLikeData(rest)) return reportRepairable(kInvalidData, kDataBrace, {foundAtProblem()});
@@ -396,6 +410,16 @@ class ProblemWriter {
   static bool looksLikeData(std::u16string_view rest) {
     return u"([\""sv.find(rest.front()) != std::u16string_view::npos &&
            rest.find(u"\":") != rest.npos;
+  }
+
+  /// The element or type is the last part that was read.
+  bool isInName() const { return parts.range.empty() && parts.data.empty() && parts.id.empty(); }
+
+  void writeIdAfterBlank() {
+    const std::uint64_t begin = line.find_last_not_of(u" \t", text.problem - 1) + 1;
+    addId(nameAt(text.problem + 1));
+    report(kInvalidId, kIdAfterBlank, found.spanOf(begin, text.problem), {});
+    fixBy({begin, text.problem - begin, u""});
   }
 
   /// The id is the last part that was read, and is not quoted.

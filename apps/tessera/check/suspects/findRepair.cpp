@@ -46,6 +46,7 @@ class RepairSearch {
   void run() {
     const std::uint64_t at = text.problem;
     const std::uint64_t afterWord = skipBlanksBack(at);
+    if (removeLastComma(at, afterWord)) return;
     for (const auto inserted : {u">"sv, u"]"sv, u"}"sv, u","sv, u":"sv, u"\""sv, u"["sv, u"{"sv}) {
       // A word after a missing quote may have taken the place of the quote: only a key can be
       // known.
@@ -58,8 +59,10 @@ class RepairSearch {
     tryRemovals(at, afterWord);
     for (std::uint64_t first = std::max(text.begin + 2, at) - 2; first <= at; ++first)
       trySwap(first);
-    // "<@task t1>": the "#" was lost.
-    if (afterWord + 1 == at) attempt({afterWord, 1, u"#"});
+    // "<@task t1>" and "<@text anchor#a>": the "#" or ":" was lost.
+    if (afterWord + 1 != at || attempt({afterWord, 1, u"#"})) return;
+    // A ":" that was lost in JSON is inserted beside the blank.
+    if (!text.mayMoveNames) attempt({afterWord, 1, u":"});
   }
 
   /// Different changes may have the same result; a repair is certain only if there is one result.
@@ -84,7 +87,7 @@ class RepairSearch {
   void tryReplacements(std::uint64_t at) {
     if (at == text.end) return;
     constexpr std::pair<std::u16string_view, std::u16string_view> kGroups[] = {
-        {u")]}>", u"]}>"}, {u"([{<", u"[{"}, {u",;.:=", u",:"}};
+        {u")]}>", u"]}>"}, {u"([{<", u"[{"}, {u",;.:=", u",:#"}};
     const char16_t unit = text.line[at];
     for (const auto& [group, replacements] : kGroups) {
       if (group.find(unit) == group.npos) continue;
@@ -92,6 +95,12 @@ class RepairSearch {
         if (replacements[i] != unit) attempt({at, 1, replacements.substr(i, 1)});
       }
     }
+  }
+
+  /// A comma before "}" is a habit from other languages, and hardly ever the end of a text.
+  bool removeLastComma(std::uint64_t at, std::uint64_t afterWord) {
+    return at < text.end && text.line[at] == u'}' && afterWord > text.begin &&
+           text.line[afterWord - 1] == u',' && attempt({afterWord - 1, 1, u""});
   }
 
   bool isWordAt(std::uint64_t at) const {
@@ -104,7 +113,7 @@ class RepairSearch {
     return u"<@>[]{}(),:#\"-"sv.find(text.line[position]) != std::u16string_view::npos;
   }
 
-  /// Tries to remove a character that is written twice, and a comma after the last member.
+  /// Tries to remove a character that is written twice, and a comma before the problem.
   void tryRemovals(std::uint64_t at, std::uint64_t afterWord) {
     const bool isTwice = at < text.end && at > text.begin && text.line[at] == text.line[at - 1];
     if (isTwice && isPunctuation(at)) attempt({at, 1, u""});
