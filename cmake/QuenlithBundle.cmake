@@ -3,7 +3,9 @@
 # Makes the target NAME, a bundle for the framework: a loadable library with the manifest in its
 # resources. The manifest decides: its "bundle.symbolic_name" becomes the define US_BUNDLE_NAME and the
 # initialization code, its components become the list of exported functions; nothing else is exported.
-# After each link, a check fails unless the library defines exactly the functions that the manifest needs.
+# After each link, a check fails unless the library defines exactly the functions that the manifest needs, and
+# each component provides the interfaces that the manifest lists for it. Unknown keys of "scr" stop the
+# configure step.
 # Each component takes one line in a file of SOURCES, see quenlith/bundle/component.hpp.
 #
 # Install a bundle with quenlith_install_bundle: install(TARGETS) may strip it, and stripping removes the
@@ -94,6 +96,10 @@ endfunction()
 # component, which is named after its class unless it has a "name".
 function(quenlith_read_components manifest text factoriesVariable)
   set(factories)
+  string(JSON record ERROR_VARIABLE error GET "${text}" scr)
+  if(NOT error)
+    quenlith_allow_keys("${manifest}" "${text}" "scr" "version;components")
+  endif()
   string(JSON count ERROR_VARIABLE error LENGTH "${text}" scr components)
   if(NOT error AND count GREATER 0)
     math(EXPR last "${count} - 1")
@@ -102,6 +108,7 @@ function(quenlith_read_components manifest text factoriesVariable)
       if(error)
         message(FATAL_ERROR "${manifest}: component ${index} of \"scr\" has no \"implementation-class\"")
       endif()
+      quenlith_check_component_keys("${manifest}" "${text}" ${index})
       string(JSON component ERROR_VARIABLE error GET "${text}" scr components ${index} name)
       if(error)
         set(component "${class}")
@@ -111,6 +118,46 @@ function(quenlith_read_components manifest text factoriesVariable)
     endforeach()
   endif()
   set(${factoriesVariable} "${factories}" PARENT_SCOPE)
+endfunction()
+
+# The keys that Declarative Services define.
+function(quenlith_check_component_keys manifest text index)
+  quenlith_allow_keys("${manifest}" "${text}" "scr;components;${index}"
+    "implementation-class;name;service;properties;references;inject-references;enabled;immediate;\
+configuration-policy;configuration-pid;factory;factory-properties")
+  string(JSON type ERROR_VARIABLE error TYPE "${text}" scr components ${index} service)
+  if(type STREQUAL "OBJECT")
+    quenlith_allow_keys("${manifest}" "${text}" "scr;components;${index};service" "interfaces;scope")
+  endif()
+  string(JSON count ERROR_VARIABLE error LENGTH "${text}" scr components ${index} references)
+  if(NOT error AND count GREATER 0)
+    math(EXPR last "${count} - 1")
+    foreach(reference RANGE ${last})
+      quenlith_allow_keys("${manifest}" "${text}" "scr;components;${index};references;${reference}"
+        "name;interface;cardinality;policy;policy-option;scope;target")
+    endforeach()
+  endif()
+endfunction()
+
+# Stops unless each key of the object at `path`, a list of keys and indices, is one of `allowed`.
+function(quenlith_allow_keys manifest text path allowed)
+  list(JOIN path "." place)
+  string(JSON count ERROR_VARIABLE error LENGTH "${text}" ${path})
+  string(JSON type ERROR_VARIABLE error TYPE "${text}" ${path})
+  if(NOT type STREQUAL "OBJECT")
+    message(FATAL_ERROR "${manifest}: ${place} must be an object")
+  elseif(count EQUAL 0)
+    return()
+  endif()
+  math(EXPR last "${count} - 1")
+  foreach(index RANGE ${last})
+    string(JSON key MEMBER "${text}" ${path} ${index})
+    if(NOT key IN_LIST allowed)
+      list(JOIN allowed ", " known)
+      message(FATAL_ERROR "${manifest}: ${place} has the key \"${key}\", which Declarative Services do not know; "
+        "correct it, or use one of ${known}")
+    endif()
+  endforeach()
 endfunction()
 
 # On ELF the resources are a zip archive appended to the library; a version script hides all other symbols.

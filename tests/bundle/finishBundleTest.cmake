@@ -10,6 +10,7 @@ set(complete ${all})
 list(REMOVE_ITEM complete DeleteInstance_demo_Half)
 file(MAKE_DIRECTORY "${WORK}")
 file(WRITE "${WORK}/manifest.json" "{}")
+file(WRITE "${WORK}/MANIFEST" "{}")
 set(library "${WORK}/bundle.so")
 
 # Runs the step for a library that should export `exports` and expects `expected` in its message.
@@ -26,12 +27,40 @@ function(expect_message name symbolicName exports expected)
   endif()
 endfunction()
 
-expect_message(MissingFactory broken "${all}" "MANIFEST has a component with the class demo_Half (\"::\" as \"_\"), but DeleteInstance_demo_Half is not defined; add QUENLITH_COMPONENT(demo_Half, Class, Provides<Interface>) to a file in SOURCES")
+expect_message(MissingFactory broken "${all}" "MANIFEST has a component with the class demo_Half (\"::\" as \"_\"), but DeleteInstance_demo_Half is not defined (defined are the functions of demo_Fine, demo_Half, demo_Needs, demo_Null, demo_Thrower, demo_ThrowsError, demo_ThrowsNumber); correct the name, or add QUENLITH_COMPONENT(demo_Half, Class, Provides<Interface>) to a file in SOURCES")
 expect_message(OtherName other "_us_set_bundle_context_instance_other" "US_BUNDLE_NAME is 'broken', but \"bundle.symbolic_name\" in MANIFEST is 'other'; leave US_BUNDLE_NAME to quenlith_add_bundle")
 expect_message(MissingActivator broken "${complete};_us_create_activator_broken" "MANIFEST has \"bundle.activator\": true, but _us_create_activator_broken is not defined; add CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(Class) to a source, or set \"bundle.activator\" to false")
 set(fewer ${complete})
 list(REMOVE_ITEM fewer NewInstance_demo_Fine)
 expect_message(FactoryTooMany broken "${fewer}" "NewInstance_demo_Fine is defined, but MANIFEST has no entry that calls for it; add the component (or \"bundle.activator\": true) to the manifest, or remove the function")
+
+# Runs the step with a manifest in which the class Fine provides `interfaces`, a JSON list.
+function(expect_interfaces name interfaces expected)
+  set(manifest "${WORK}/${name}.json")
+  file(WRITE "${manifest}" "{\"scr\":{\"version\":1,\"components\":[{\"implementation-class\":\"demo::Fine\",\
+\"service\":{\"interfaces\":${interfaces}}}]}}")
+  file(COPY_FILE "${BASE}" "${library}")
+  execute_process(COMMAND "${CMAKE_COMMAND}" "-DLIBRARY=${library}" "-DMANIFEST=${manifest}"
+      -DSYMBOLIC_NAME=broken "-DEXPORTS=${complete}" "-DWORK=${WORK}" "-DNM=${NM}" -DSTRIP= "-DZIP=${ZIP}"
+      -P "${SCRIPT}"
+    RESULT_VARIABLE result ERROR_VARIABLE said)
+  string(REGEX REPLACE "[ \n]+" " " said "${said}")
+  if(expected)
+    set(expected "${name}.json lists the interface ${expected} for the class demo::Fine, which provides demo::Broken; correct \"interfaces\", or derive the class from ${expected} and add it to Provides<...> in QUENLITH_COMPONENT")
+    string(FIND "${said}" "${expected}" place)
+    if(result EQUAL 0 OR place EQUAL -1 OR EXISTS "${library}")
+      message(SEND_ERROR "${name}: expected a failure with \"${expected}\", got ${result}: ${said}")
+    endif()
+  elseif(NOT result EQUAL 0)
+    message(SEND_ERROR "${name}: expected no failure, got ${result}: ${said}")
+  endif()
+endfunction()
+
+expect_interfaces(SameInterface [=[["demo::Broken"]]=] "")
+expect_interfaces(MisspeltInterface [=[["demo::BrokenInterface"]]=] "demo::BrokenInterface")
+expect_interfaces(OneInterfaceTooMany [=[["demo::Broken","demo::Number"]]=] "demo::Number")
+# The identifier of an interface that is declared with another one than its name is a text of the library.
+expect_interfaces(OtherIdentifier [=[["NewInstance_demo_Fine"]]=] "")
 
 # A library that matches is kept, with the manifest appended to it.
 file(COPY_FILE "${BASE}" "${library}")
