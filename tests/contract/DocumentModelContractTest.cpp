@@ -146,6 +146,9 @@ TEST_F(DocumentModelContract, TheDocumentKeepsAReferenceToItsNodes) {
   document.addChild(std::move(line));
   EXPECT_FALSE(line);
   EXPECT_EQ(document.getChildAt(0).get(), element);
+  // A released node's memory is used for the next node.
+  const LineNode next = LineNode::Builder(model).createLineNode(kNil);
+  EXPECT_NE(next.get(), element);
   document.getChildAt(0)->setAnchorId(u"still usable");
   EXPECT_EQ(document.getChildAt(0)->getAnchorId(), u"still usable");
 }
@@ -170,6 +173,9 @@ TEST_F(DocumentModelContract, CopiesOfAHandleReferToTheSameElement) {
   EXPECT_EQ(copy.get(), line.get());
   EXPECT_EQ(assigned.get(), line.get());
   line = LineNode();
+  // A released node's memory is used for the next node.
+  const LineNode next = LineNode::Builder(model).createLineNode(kNil);
+  EXPECT_NE(next.get(), copy.get());
   assigned->setAnchorId(u"alive");
   EXPECT_EQ(copy->getAnchorId(), u"alive");
 }

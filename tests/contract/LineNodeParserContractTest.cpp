@@ -157,11 +157,11 @@ TEST_F(LineNodeParserContract, EveryFeatureIsRecordedUnderItsElement) {
   EXPECT_TRUE(parse(u"#<@text#a>").markerTypes.empty());
 }
 
-TEST_F(LineNodeParserContract, TheLastAnchorWinsUnlessTheLineHasATask) {
+TEST_F(LineNodeParserContract, TheLastAnchorWithAnIdWinsUnlessTheLineHasATask) {
   parse(u"x #<@text:anchor#one> #<@text:anchor#two>");
   EXPECT_EQ(lastLine()->getAnchorId(), u"two");
-  parse(u"x #<@text:anchor>");
-  EXPECT_EQ(lastLine()->getAnchorId(), u"");
+  parse(u"x #<@text:anchor#one> #<@text:anchor>");
+  EXPECT_EQ(lastLine()->getAnchorId(), u"one");
   parse(u"x #<@text:anchor#one> #<@task#t1>");
   EXPECT_EQ(lastLine()->getAnchorId(), u"");
 }
@@ -176,13 +176,14 @@ TEST_F(LineNodeParserContract, ARangeIsCheckedAgainstLineAndMarkers) {
   for (const char16_t* const good : {u"[3,10]", u"[0,10]", u"[0,1]"}) {
     EXPECT_EQ(failuresOf(begin + good + u">"), 0U) << testing::PrintToString(ustring(good));
   }
+  // Past the end of the line, with no marker before it.
+  EXPECT_EQ(failuresOf(u"#<@output [19,29]>0123456789"), 1U);
 }
 
 TEST_F(LineNodeParserContract, ARangeAfterAMarkerBeginsPastItsEnd) {
   // "#<@output [nn,28]>" covers the code units 0 to 17.
   EXPECT_EQ(failuresOf(u"#<@output [18,28]>0123456789"), 1U);
   EXPECT_EQ(failuresOf(u"#<@output [19,28]>0123456789"), 0U);
-  EXPECT_EQ(failuresOf(u"#<@output [19,29]>0123456789"), 1U);
 }
 
 TEST_F(LineNodeParserContract, AnUnusableRangeIsRecordedOnTheLine) {

@@ -90,12 +90,14 @@ TEST(MarkersContract, MarkersOfDifferentElementsDiffer) {
 TEST(MarkersContract, AMarkerIsCopiedMovedAndAssigned) {
   const Marker original(u"// <@text:anchor#intro>");
   Marker copy(original);
+  // The operand of the comparison is a copy, too, so the parts are checked separately.
+  EXPECT_EQ(copy.toString(), u"%<@text:anchor#intro>");
   EXPECT_TRUE(copy == original);
   Marker assigned(u"task");
   assigned = copy;
-  EXPECT_TRUE(assigned == original);
+  EXPECT_EQ(assigned.toString(), original.toString());
   const Marker moved(std::move(copy));
-  EXPECT_TRUE(moved == original);
+  EXPECT_EQ(moved.toString(), original.toString());
   copy = Marker(u"output");
   EXPECT_EQ(copy.getElement(), u"output");
 }

@@ -178,15 +178,27 @@ TEST_F(ModelCollectionsContract, NoElementOfThisModelIsAProxy) {
   EXPECT_FALSE(element->isProxy());
 }
 
-TEST_F(ModelCollectionsContract, AnOperationIsOpenedOnACollectionAndCommitted) {
+TEST_F(ModelCollectionsContract, WhatAnOperationAppendsStaysOnlyWhenItIsCommitted) {
   ElementSequence<Node>& children = line->getChildrenMutable();
+  PrimitiveSequence<ParserFailure>& failures = line->getParserFailuresMutable();
   {
-    AbstractOwnedCollection::Operation operation(children);
-    operation.commit();
+    AbstractOwnedCollection::Operation ofChildren(children);
+    AbstractOwnedCollection::Operation ofFailures(failures);
+    children.add(makeText());
+    failures.add(failureNamed(u"kept"));
+    ofChildren.commit();
+    ofFailures.commit();
   }
-  { const AbstractOwnedCollection::Operation abandoned(line->getParserFailuresMutable()); }
-  children.add(makeText());
   EXPECT_EQ(children.size(), 1U);
+  EXPECT_EQ(failures.size(), 1U);
+  {
+    const AbstractOwnedCollection::Operation ofChildren(children);
+    const AbstractOwnedCollection::Operation ofFailures(failures);
+    children.add(makeText());
+    failures.add(failureNamed(u"abandoned"));
+  }
+  EXPECT_EQ(children.size(), 1U);
+  EXPECT_EQ(failures.size(), 1U);
 }
 
 TEST_F(ModelCollectionsContract, AFailureIsAnnouncedBeforeItIsStored) {

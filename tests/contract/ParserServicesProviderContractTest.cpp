@@ -152,28 +152,33 @@ TEST_F(ParserServicesProviderInAFramework, ContributorsAreLookedUpUntilThereIsOn
   EXPECT_EQ(provider.getLineContributorDataParsers(), Contributors{first});
 }
 
-TEST_F(ParserServicesProviderInAFramework, EveryCallGivesACopy) {
-  registerDefault();
-  registerContributor();
+TEST_F(ParserServicesProviderInAFramework, EveryCallGivesACopyOfTheListThatTheProviderKeeps) {
+  const auto last = registerDefault();
+  const auto contributor = registerContributor();
   ParserServicesProvider& shared = provider;
-  CodeElementParsers parsers = shared.getCodeElementParsers();
-  Contributors contributors = shared.getLineContributorDataParsers();
-  parsers.clear();
-  contributors.clear();
-  EXPECT_EQ(shared.getCodeElementParsers().size(), 1U);
-  EXPECT_EQ(shared.getLineContributorDataParsers().size(), 1U);
+  shared.getCodeElementParsers().clear();
+  shared.getLineContributorDataParsers().clear();
+  // A provider that gave its list away would look again and find these, too.
+  registerParser();
+  registerContributor();
+  EXPECT_EQ(shared.getCodeElementParsers(), CodeElementParsers{last});
+  EXPECT_EQ(shared.getLineContributorDataParsers(), Contributors{contributor});
 }
 
 TEST_F(ParserServicesProviderInAFramework, TheProviderKeepsItsServicesAliveUntilItIsDestroyed) {
-  auto owned = std::make_unique<ParserServicesProviderImpl>();
-  const auto last = registerDefault();
-  const long before = last.use_count();
+  std::shared_ptr<CodeElementParser> parser = std::make_shared<PieceParser>(u"output");
+  const std::weak_ptr<CodeElementParser> watched = parser;
+  auto registration = framework->GetBundleContext().RegisterService<CodeElementParser>(
+      parser, {{"priority", std::string("default")}});
+  parser.reset();
+  std::unique_ptr<ParserServicesProvider> owned = std::make_unique<ParserServicesProviderImpl>();
   owned->getCodeElementParsers();
-  EXPECT_GE(last.use_count(), before);
-  const std::weak_ptr<CodeElementParser> cached = owned->getCodeElementParsers().back();
-  EXPECT_FALSE(cached.expired());
-  const std::unique_ptr<ParserServicesProvider> interface = std::move(owned);
-  EXPECT_EQ(interface->getCodeElementParsers().back(), last);
+  registration.Unregister();
+  registration = nullptr;
+  ASSERT_FALSE(watched.expired());
+  EXPECT_EQ(owned->getCodeElementParsers().back(), watched.lock());
+  owned.reset();
+  EXPECT_TRUE(watched.expired());
 }
 
 TEST_F(ParserServicesProviderInAFramework, AFilterIsMadeFromAString) {

@@ -123,6 +123,9 @@ TEST_F(ParserServicesProvider, GivesEachCallerItsOwnList) {
   const auto c = addContributor();
   provider.getCodeElementParsers().clear();
   provider.getLineContributorDataParsers().clear();
+  // A provider that gave its list away would look again and find these, too.
+  addElementParser();
+  addContributor();
   EXPECT_THAT(provider.getCodeElementParsers(), ElementsAre(d));
   EXPECT_THAT(provider.getLineContributorDataParsers(), ElementsAre(c));
 }
