@@ -23,7 +23,7 @@ std::vector<fl::i18n::ustring> textsOf(const std::vector<quenlith::syntax::Marke
   throw diagnostics::ProblemError(
       {.file = file,
        .place = place,
-       .what = error.parser().empty() ? error.what() : error.parser() + " threw: " + error.what(),
+       .what = error.parser().empty() ? error.what() : error.parser() + ' ' + error.what(),
        .remedy = "leave out bundles, or report it with the calls that --record writes"});
 }
 

@@ -22,6 +22,9 @@ std::uint64_t nextBlockVersion() noexcept {
   return ++last;
 }
 
+/// A parser has accepted a line and added nothing for it.
+struct NodeMissing {};
+
 }  // namespace
 
 ParserError::ParserError(std::uint64_t lineNumber, const NamedParser* parser, std::string reason)
@@ -48,8 +51,13 @@ ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
     parseLines(snippet, parsed, number);
   } catch (const diagnostics::ProblemError&) {
     throw;
+  } catch (const NodeMissing&) {
+    throw ParserError(number, std::exchange(called, nullptr),
+                      "accepted the line and added no node for it");
   } catch (...) {
-    throw ParserError(number, std::exchange(called, nullptr), diagnostics::describeException());
+    const NamedParser* parser = std::exchange(called, nullptr);
+    throw ParserError(number, parser,
+                      (parser == nullptr ? "" : "threw: ") + diagnostics::describeException());
   }
   parsed.code.text = std::move(snippet.auxiliaryText);
   return parsed;
@@ -117,8 +125,9 @@ LineOutcome SnippetSession::parseLine(const std::shared_ptr<TesseraDocument>& do
   if (recording != nullptr) recording->parse(chosen.name, snippet);
   outcome.firstNode = document->getNumberOfChildren();
   outcome.result = chosen.parser->parse(document, snippet);
-  called = nullptr;
   outcome.nodeCount = document->getNumberOfChildren() - outcome.firstNode;
+  if (outcome.nodeCount == 0) throw NodeMissing();
+  called = nullptr;
   if (log != nullptr) outcome.log = log->take();
   return outcome;
 }

@@ -29,16 +29,18 @@ struct ParsedSnippet {
   LineTable lines;
 };
 
-/// Thrown when a parser throws or when no parser accepts a line.
+/// Thrown when a parser throws, when it adds no node for a line that it has accepted, so that the
+/// text would be lost, or when no parser accepts a line.
 class ParserError : public std::exception {
  public:
-  /// `parser` is null if no parser threw.
+  /// `parser` is null if no parser is to blame.
   ParserError(std::uint64_t lineNumber, const NamedParser* parser, std::string reason);
 
   /// 1-based; 0 when it happened before the first line.
   std::uint64_t line() const noexcept { return lineNumber; }
-  /// Returns the name and the bundle of the parser that threw, as a phrase; empty if none did.
+  /// Returns the name and the bundle of the parser, as a phrase; empty without one.
   const std::string& parser() const noexcept { return parserPhrase; }
+  /// Says what the parser did, as a predicate: "threw: ..."; without a parser, what happened.
   const char* what() const noexcept override { return reason.c_str(); }
 
  private:

@@ -3,6 +3,7 @@
 
 #include <cppmicroservices/BundleInitialization.h>
 
+#include "quenlith/build/markup/SnippetParser.hpp"
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
 #include "quenlith/bundle/component.hpp"
@@ -13,6 +14,9 @@ CPPMICROSERVICES_INITIALIZE_BUNDLE
 
 namespace faults {
 
+using quenlith::build::markup::ParseResult;
+using quenlith::build::markup::Snippet;
+using quenlith::build::markup::SnippetParser;
 using quenlith::build::markup::code::CodeElement;
 using quenlith::build::markup::code::CodeElementParser;
 using quenlith::build::markup::services::ParserServicesProvider;
@@ -41,11 +45,22 @@ class ThrowsNumber : public Fine {
   ThrowsNumber() { throw 7; }
 };
 
+/// Accepts lines that begin with "silent", and adds nothing for them.
+class Silent : public SnippetParser {
+ public:
+  bool canParse(const Snippet& snippet) override { return snippet.text.starts_with(u"silent"); }
+  ParseResult parse(std::shared_ptr<document::kdzero::TesseraDocument> /*document*/,
+                    const Snippet& /*snippet*/) override {
+    return {};
+  }
+};
+
 }  // namespace faults
 
 QUENLITH_COMPONENT(faults_Fine, faults::Fine, Provides<faults::CodeElementParser>)
 QUENLITH_COMPONENT(faults_Needs, faults::Needs, Provides<faults::CodeElementParser>,
                    Reference<"provider", faults::ParserServicesProvider>)
+QUENLITH_COMPONENT(faults_Silent, faults::Silent, Provides<faults::SnippetParser>)
 QUENLITH_COMPONENT(faults_Throws, faults::Throws, Provides<faults::CodeElementParser>)
 QUENLITH_COMPONENT(faults_ThrowsNumber, faults::ThrowsNumber, Provides<faults::CodeElementParser>)
 

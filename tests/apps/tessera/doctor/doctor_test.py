@@ -342,6 +342,29 @@ class Faults(DoctorTest):
         self.assertEqual([entry["state"] for entry in diagnosis["bundles"][3]["components"]], ["ready", "ready"])
         self.assertEqual(run("parse", "--bundle", made, self.source).returncode, 0)
 
+    def test_everything_that_a_component_waits_for_is_named(self):
+        made = self.workshop.components(
+            component("faults::Needs", ["some::First"], [("a", "some::Second")]),
+            component("faults::Fine", ["some::Second"], [("b", "some::Third"), ("c", "some::Fourth"), ("d", PROVIDER)]))
+        diagnosis = self.diagnose("--bundle", made, status=2)
+        first, second = diagnosis["bundles"][3]["components"]
+        self.assertEqual((first["state"], second["state"]), ("waiting", "waiting"))
+        self.assertEqual(first["waitsFor"],
+                         [{"reference": "a", "interface": "some::Second", "provider": "faults::Fine"}])
+        self.assertEqual([wait["interface"] for wait in second["waitsFor"]], ["some::Third", "some::Fourth"])
+        self.assertEqual([problem["message"].split(", which ")[1] for problem in diagnosis["problems"]],
+                         ["only the component faults::Fine provides, and that is not registered either",
+                          *["neither the program nor a bundle provides"] * 2])
+
+    def test_a_snippet_parser_that_adds_no_node_is_named(self):
+        made = self.workshop.components(component("faults::Silent", ["quenlith::build::markup::SnippetParser"]))
+        self.source.write_text("x\nsilent\n")
+        parsed = run("parse", "--bundle", made, self.source)
+        self.assertEqual((parsed.returncode, parsed.stdout), (3, b""))
+        self.assertEqual(parsed.stderr.decode(), f"{self.source}:2:1: error: a parser of the bundle faults accepted the "
+                         "line and added no node for it; leave out bundles, or report it with the calls that --record "
+                         "writes\n")
+
     def test_there_are_40_faults(self):
         names = [row[0] for row in FAULTS + EMBEDDED_FAULTS]
         self.assertEqual(len(names), len(set(names)))

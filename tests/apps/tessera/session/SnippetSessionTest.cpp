@@ -29,11 +29,6 @@ class SnippetSessionTest : public testing::Test {
     return SnippetSession({{"first", first, "one"}, {"", last, "two"}}, log, nullptr);
   }
 
-  static void addNode(FakeParser::Document& document) {
-    using document::kdzero::LineNode;
-    document.addChild(LineNode::Builder(document.getModel()).createLineNode(boost::uuids::uuid()));
-  }
-
   std::shared_ptr<FakeParser> first = std::make_shared<FakeParser>();
   std::shared_ptr<FakeParser> last = std::make_shared<FakeParser>();
 };
@@ -56,7 +51,8 @@ TEST_F(SnippetSessionTest, TheFirstParserThatAcceptsParsesTheLine) {
 
 TEST_F(SnippetSessionTest, TheTypeOfAResultIsPassedWithTheNextLine) {
   std::uint8_t kind = 0;
-  first->parses = [&](auto&, const Snippet&) {
+  first->parses = [&](auto& document, const Snippet&) {
+    FakeParser::addNode(document);
     ParseResult result;
     result.type = {7, ++kind};
     return result;
@@ -115,13 +111,13 @@ TEST_F(SnippetSessionTest, ASnippetWithoutLinesHasAnEmptyDocument) {
 TEST_F(SnippetSessionTest, EachLineHasTheNodesThatItAdded) {
   first->parses = [](auto& document, const Snippet& snippet) {
     for (const char16_t unit : snippet.text) {
-      if (unit == u'n') addNode(document);
+      if (unit == u'n') FakeParser::addNode(document);
     }
     return ParseResult();
   };
-  const ParsedSnippet parsed = makeSession().parse({u"nn\n\nn", true});
+  const ParsedSnippet parsed = makeSession().parse({u"nn\nn\nnnn", true});
   LineTable::Cursor cursor(parsed.lines);
-  for (const auto& [from, count] : {std::pair(0u, 2u), std::pair(2u, 0u), std::pair(2u, 1u)}) {
+  for (const auto& [from, count] : {std::pair(0u, 2u), std::pair(2u, 1u), std::pair(3u, 3u)}) {
     ASSERT_TRUE(cursor.advance());
     EXPECT_EQ(cursor.line().firstNode, from);
     EXPECT_EQ(cursor.line().outcome.nodeCount, count);
@@ -137,7 +133,7 @@ TEST_F(SnippetSessionTest, AParserThatThrowsEndsTheSnippet) {
     ADD_FAILURE();
   } catch (const ParserError& error) {
     EXPECT_EQ(error.line(), 2u);
-    EXPECT_STREQ(error.what(), "broken");
+    EXPECT_STREQ(error.what(), "threw: broken");
     EXPECT_EQ(error.parser(), "a parser of the bundle two");
   }
   EXPECT_EQ(first->parsed.size(), 1u);
@@ -153,7 +149,7 @@ TEST_F(SnippetSessionTest, ExceptionsOfAnyTypeFromAnyCallEndTheSnippet) {
     ADD_FAILURE();
   } catch (const ParserError& error) {
     EXPECT_EQ(error.line(), 1u);
-    EXPECT_STREQ(error.what(), "an exception of a kind that is not known");
+    EXPECT_STREQ(error.what(), "threw: an exception of a kind that is not known");
     EXPECT_EQ(error.parser(), "the parser first of the bundle one");
   }
   first->onReset = [] { throw std::runtime_error("no reset"); };
@@ -162,7 +158,7 @@ TEST_F(SnippetSessionTest, ExceptionsOfAnyTypeFromAnyCallEndTheSnippet) {
     ADD_FAILURE();
   } catch (const ParserError& error) {
     EXPECT_EQ(error.line(), 0u);
-    EXPECT_STREQ(error.what(), "no reset");
+    EXPECT_STREQ(error.what(), "threw: no reset");
     EXPECT_EQ(error.parser(), "the parser first of the bundle one");
   }
 }
@@ -178,6 +174,21 @@ TEST_F(SnippetSessionTest, ALineThatNoParserAcceptsIsAnError) {
   }
 }
 
+TEST_F(SnippetSessionTest, AParserThatAddsNoNodeForALineIsNamed) {
+  first->accepts = [](const Snippet& snippet) { return snippet.text == u"b"; };
+  first->parses = [](auto&, const Snippet&) { return ParseResult(); };
+  SnippetSession session = makeSession();
+  try {
+    session.parse({u"a\nb\nc", true});
+    ADD_FAILURE() << "the line was lost";
+  } catch (const ParserError& error) {
+    EXPECT_EQ(error.line(), 2u);
+    EXPECT_STREQ(error.what(), "accepted the line and added no node for it");
+    EXPECT_EQ(error.parser(), "the parser first of the bundle one");
+  }
+  EXPECT_EQ(last->parsed.size(), 1u);
+}
+
 TEST_F(SnippetSessionTest, RecordsOfALineAreThoseOfItsCallsInOrder) {
   first->accepts = [](const Snippet&) {
     trace("first asked");
@@ -187,7 +198,8 @@ TEST_F(SnippetSessionTest, RecordsOfALineAreThoseOfItsCallsInOrder) {
     trace("last asked");
     return true;
   };
-  last->parses = [](auto&, const Snippet&) {
+  last->parses = [](auto& document, const Snippet&) {
+    FakeParser::addNode(document);
     trace("parsed");
     return ParseResult();
   };

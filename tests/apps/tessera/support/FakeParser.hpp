@@ -1,9 +1,11 @@
 #pragma once
 
+#include <boost/uuid/uuid.hpp>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "document/kdzero/LineNode.hpp"
 #include "quenlith/build/markup/SnippetParser.hpp"
 
 /// A snippet parser whose answers a test sets, and that records its calls.
@@ -12,6 +14,11 @@ class FakeParser final : public quenlith::build::markup::SnippetParser {
   using Document = document::kdzero::TesseraDocument;
   using ParseResult = quenlith::build::markup::ParseResult;
   using Snippet = quenlith::build::markup::Snippet;
+
+  static void addNode(Document& document) {
+    using ::document::kdzero::LineNode;
+    document.addChild(LineNode::Builder(document.getModel()).createLineNode(boost::uuids::uuid()));
+  }
 
   bool canParse(const Snippet& snippet) override {
     asked.push_back(snippet);
@@ -27,7 +34,10 @@ class FakeParser final : public quenlith::build::markup::SnippetParser {
   }
 
   std::function<bool(const Snippet&)> accepts = [](const Snippet&) { return true; };
-  std::function<ParseResult(Document&, const Snippet&)> parses = [](Document&, const Snippet&) {
+  // Adds a node, as a parser must.
+  std::function<ParseResult(Document&, const Snippet&)> parses = [](Document& document,
+                                                                    const Snippet&) {
+    addNode(document);
     return ParseResult();
   };
   std::function<void()> onReset = [] {};
