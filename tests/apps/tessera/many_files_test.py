@@ -14,6 +14,7 @@ import pathlib
 import pty
 import random
 import re
+import resource
 import signal
 import struct
 import subprocess
@@ -200,6 +201,31 @@ class Workers(ManyFiles):
             self.assertIn("--timeout", found[3]["error"]["message"])
         for text in ("0", "-1", "x", "1s", "nan", "inf"):
             self.parse("t", "--timeout", text, status=2)
+
+    def test_the_start_of_a_process_is_not_part_of_the_time_of_a_file(self):
+        self.write_sources(4)
+        environment = dict(os.environ, TESSERA_TEST_FAULT="start slowly")
+        done = self.parse("t", "-j", "2", "--timeout", "1", "--bundle", FAULTY, env=environment)
+        self.assertEqual(len(records(done.stdout)), 4)
+
+    @unittest.skipIf(IS_SANITIZED, "a sanitizer reserves more address space than there is")
+    def test_a_file_without_memory_for_it_is_lost_alone(self):
+        self.write("a")
+        self.write("b")
+        # Its blocks are never written or read: the text of such a size cannot be allocated.
+        self.write("huge")
+        os.truncate(self.folder / "huge", 4 << 30)
+        limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (1 << 30, 1 << 30))
+        for workers in ("1", "2"):
+            done = self.parse("a", "huge", "b", "-j", workers, status=3, preexec_fn=limit)
+            found = records(done.stdout)
+            self.assertEqual([record["file"] for record in found], ["a", "huge", "b"])
+            self.assertEqual(["error" in record for record in found], [False, True, False])
+            self.assertIn("not enough memory", found[1]["error"]["message"])
+            for command in ("check", "markers"):
+                done = tessera(command, "a", "huge", "b", "-j", workers, cwd=self.folder, preexec_fn=limit)
+                self.assertEqual(done.returncode, 3)
+                self.assertIn(b"huge: error: there is not enough memory", done.stderr)
 
     def test_a_bundle_that_ends_the_process_when_it_starts_is_unusable(self):
         self.write_sources(3)

@@ -24,6 +24,7 @@ void cause(const std::string& fault) {
   if (fault == "segv") endBySignal(SIGSEGV);
   if (fault == "exit") std::_Exit(7);
   while (fault == "hang") ::pause();
+  if (fault == "start slowly") ::sleep(2);
 }
 
 /// Runs when the library is loaded.
