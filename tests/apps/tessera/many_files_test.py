@@ -264,6 +264,11 @@ class Reports(ManyFiles):
     def run_report(self, *arguments, **options):
         return tessera(*arguments, cwd=self.folder, **options)
 
+    def run_mixed(self, *arguments):
+        """Returns what both standard streams get, in its order."""
+        return subprocess.run([PROGRAM, *arguments], cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, timeout=120).stdout
+
     def test_the_report_does_not_depend_on_the_number_of_workers(self):
         self.write_marked()
         for command in REPORTS:
@@ -271,7 +276,9 @@ class Reports(ManyFiles):
             self.assertEqual(expected.returncode, 3)
             self.assertIn(b"t/bad.py:2:1: error: ", expected.stderr)
             self.assertNotEqual(expected.stdout, b"")
+            mixed = self.run_mixed(*command, "t", "missing", "-j", "1")
             for workers in ("2", "5"):
+                self.assertTrue(self.run_mixed(*command, "t", "missing", "-j", workers) == mixed, command)
                 done = self.run_report(*command, "t", "missing", "-j", workers)
                 self.assertTrue(done.stdout == expected.stdout, command)
                 self.assertEqual((done.stderr, done.returncode), (expected.stderr, 3))
@@ -336,6 +343,18 @@ class Reports(ManyFiles):
             self.assertNoLeftovers()
         self.assertIn(b"is one of the inputs", self.run_report("check", "t/00.py", "-o", "t/00.py").stderr)
 
+    def test_an_interruption_removes_what_cannot_be_continued(self):
+        self.write("t/a", b"# <@text:anchr>\n" * 10)
+        self.write("t/b", b"# %<@text:anchor#hang>\n")
+        for command in (["check"], ["check", "--format", "sarif"], ["markers"]):
+            process = subprocess.Popen([PROGRAM, *command, "t", "-o", "out", "--bundle", FAULTY], cwd=self.folder,
+                                       start_new_session=True)
+            while not (self.folder / "out.partial").exists():
+                time.sleep(0.01)
+            os.killpg(process.pid, signal.SIGTERM)
+            self.assertEqual(process.wait(), 143)
+            self.assertNoLeftovers()
+
     def test_files_are_fixed_in_one_process(self):
         self.write("a", b"# <@text:anchr#a>\n")
         self.write("b", b"# <@text:anchr#b>\n")
@@ -388,8 +407,9 @@ class Reports(ManyFiles):
             os.unlink(self.folder / "out")
 
     def test_a_file_that_has_a_record_only_now_ends_a_resumed_run(self):
-        for name in ("t/a", "t/b"):
-            self.write(name)
+        # A record so large that it is written in pieces.
+        self.write("t/a", b"# <@output#a [0,1]>\n" * 5000)
+        self.write("t/b")
         for command in ("check", "markers"):
             lines = self.run_report(command, "--format", "json", "t").stdout.splitlines(keepends=True)
             self.write("out.partial", lines[1])
@@ -542,6 +562,7 @@ class Progress(ManyFiles):
             terminal.finish()
             shown = [int(percent) for percent in re.findall(rb"(\d+) %", terminal.data)]
             self.assertEqual(shown, sorted(shown))
+            self.assertEqual(screen(terminal.data), [""])
             self.assertTrue(any(0 < percent < 100 for percent in shown), shown)
 
     def test_elsewhere_it_is_lines(self):
@@ -583,9 +604,10 @@ class Outputs(ManyFiles):
         self.parse("a", "-o", "/dev/null")
         self.assertIn(b"No space left", self.parse("a", "-o", "/dev/full", status=2).stderr)
         # Nothing is written through a link that somebody put in the way.
-        os.symlink("a", self.folder / "fresh.partial")
+        self.write("other", b"mine")
+        os.symlink("other", self.folder / "fresh.partial")
         self.parse("a", "-o", "fresh", status=2)
-        self.assertEqual((self.folder / "a").read_bytes(), b"x\n")
+        self.assertEqual((self.folder / "other").read_bytes(), b"mine")
 
     def test_an_input_is_not_overwritten(self):
         self.write("t/a", b"source\n")
