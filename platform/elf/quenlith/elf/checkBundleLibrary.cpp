@@ -39,7 +39,7 @@ class Check {
   explicit Check(const std::string& frameworkFile)
       : running(nameOf(frameworkFile)), frameworkFile(frameworkFile) {
     for (const std::string& file : loadedLibraries()) {
-      loaded.push_back(LibraryName(nameOf(file)));
+      loaded.emplace_back(nameOf(file));
       loadedFiles.push_back(file);
     }
   }
