@@ -1,7 +1,6 @@
 #include "tessera/check/suspects/describeProblem.hpp"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "tessera/check/scan/markerText.hpp"
 #include "tessera/check/suspects/findRepair.hpp"
 #include "tessera/check/suspects/isIntended.hpp"
+#include "tessera/check/suspects/likeness.hpp"
 
 namespace tessera::check::suspects {
 
@@ -26,30 +26,6 @@ using catalogue::Span;
 using quenlith::syntax::CommentForm;
 using quenlith::syntax::MarkerProblem;
 using Arguments = std::initializer_list<std::string_view>;
-
-bool isDigit(char16_t unit) {
-  return unit >= u'0' && unit <= u'9';
-}
-
-bool isWordUnit(char16_t unit) {
-  const auto lower = static_cast<char16_t>(unit | 0x20U);
-  return isDigit(unit) || (lower >= u'a' && lower <= u'z') || unit == u'_' || unit >= 0x80;
-}
-
-/// What was expected where JSON is damaged, for each reason that the lexer gives.
-std::string_view expectedInJson(std::string_view reason) {
-  constexpr std::array<std::pair<std::string_view, std::string_view>, 7> kExpected{{
-      {"a key in quotes is missing", "a key in double quotes"},
-      {"a ':' is missing", "\":\" after the key"},
-      {"a value is missing", "a value"},
-      {"a ',' or '}' is missing", "\",\" or \"}\""},
-      {"a ',' or ']' is missing", "\",\" or \"]\""},
-      {"a digit is missing", "a digit"},
-  }};
-  const auto found =
-      std::ranges::find(kExpected, reason, &std::pair<std::string_view, std::string_view>::first);
-  return found == kExpected.end() ? reason : found->second;
-}
 
 /// Writes the diagnostic of one text.
 class ProblemWriter {
@@ -153,8 +129,7 @@ class ProblemWriter {
   }
 
   Span atProblem() const {
-    const std::uint64_t length = std::max<std::uint64_t>(wordAtProblem().size(), 0);
-    return found.spanOf(text.problem, text.problem + length);
+    return found.spanOf(text.problem, text.problem + wordAtProblem().size());
   }
 
   void writeMissingElement() {
@@ -270,12 +245,6 @@ class ProblemWriter {
   bool isJoined(std::u16string_view start) const {
     return !start.empty() && parts.id.empty() && parts.type.empty() &&
            parts.element.substr(start.size()) != u"s";
-  }
-
-  static bool areEqualExceptCase(std::u16string_view a, std::u16string_view b) {
-    return std::ranges::equal(a, b, {}, {}, [](char16_t unit) {
-      return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit;
-    });
   }
 
   /// "<@taskfit>" and "<@textanchor#a>": the "#" or ":" after the element is missing.
@@ -397,19 +366,6 @@ class ProblemWriter {
 
   bool startsCloser(std::u16string_view rest) const {
     return isBlock(parts.comment) && rest.starts_with(commentEndsOf(parts.comment).closer);
-  }
-
-  static bool looksLikeRange(std::u16string_view rest) {
-    const std::size_t digits = u"({<"sv.find(rest.front()) != std::u16string_view::npos ? 1 : 0;
-    const std::size_t end = rest.find_first_not_of(u"0123456789 ,", digits);
-    const std::u16string_view numbers = rest.substr(0, end).substr(digits);
-    return end != rest.npos && u"])}>"sv.find(rest[end]) != std::u16string_view::npos &&
-           numbers.find(u',') != numbers.npos && std::ranges::any_of(numbers, isDigit);
-  }
-
-  static bool looksLikeData(std::u16string_view rest) {
-    return u"([\""sv.find(rest.front()) != std::u16string_view::npos &&
-           rest.find(u"\":") != rest.npos;
   }
 
   /// The element or type is the last part that was read.

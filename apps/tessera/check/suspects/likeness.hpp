@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string_view>
+
+namespace tessera::check::suspects {
+
+/// Returns whether words consist of such units: ASCII letters and digits, "_", and what is beyond
+/// ASCII.
+bool isWordUnit(char16_t unit);
+
+/// Returns whether both are equal, apart from the case of ASCII letters.
+bool areEqualExceptCase(std::u16string_view a, std::u16string_view b);
+
+/// Returns whether `text`, which is not empty, begins with a range, perhaps in other brackets.
+bool looksLikeRange(std::u16string_view text);
+
+/// Returns whether `text`, which is not empty, begins with data whose "{" is missing or replaced.
+bool looksLikeData(std::u16string_view text);
+
+/// Returns what the JSON lexer expected where it stopped for `reason`; `reason` itself if that was
+/// nothing in particular.
+std::string_view expectedInJson(std::string_view reason);
+
+}  // namespace tessera::check::suspects
