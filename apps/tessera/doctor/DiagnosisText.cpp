@@ -42,7 +42,7 @@ class TextReport {
       const std::string name = bundle.name.empty() ? "(unknown)" : terminalText(bundle.name);
       text += "  ";
       state(bundle.state, bundle.state == "active");
-      text += " " + name + version + "\n";
+      text.append(" ").append(name).append(version).append("\n");
       text += "            " + bundle.role + ", " + terminalText(bundle.file) + "\n";
       for (const Component& entry : bundle.components) component(entry);
     }

@@ -165,4 +165,15 @@ Diagnosis diagnose(const std::vector<std::string>& extensionBundles) {
   return diagnosis;
 }
 
+Diagnosis describeEnd(const std::string& how) {
+  Diagnosis diagnosis;
+  describeProgram(diagnosis);
+  diagnosis.problems.push_back(
+      {.file = "tessera",
+       .place = {},
+       .what = "a bundle ended the process that started it " + how,
+       .remedy = "name fewer bundles, to find out which one it is, and leave that one out"});
+  return diagnosis;
+}
+
 }  // namespace tessera::doctor

@@ -12,4 +12,8 @@ namespace tessera::doctor {
 /// started.
 Diagnosis diagnose(const std::vector<std::string>& extensionBundles);
 
+/// Returns what is known when the process that started the bundles ended before it was done; `how`
+/// says how, as in "by signal 9 (Killed)".
+Diagnosis describeEnd(const std::string& how);
+
 }  // namespace tessera::doctor

@@ -356,6 +356,18 @@ class Faults(DoctorTest):
                          ["only the component faults::Fine provides, and that is not registered either",
                           *["neither the program nor a bundle provides"] * 2])
 
+    def test_a_bundle_that_ends_the_process_is_a_problem(self):
+        for code, how in (("std::raise(SIGKILL)", r"by signal 9 \(Killed\)"), ("std::_Exit(7)", "with status 7")):
+            self.workshop.linked(source="#include <csignal>\n#include <cstdlib>\n"
+                                 f"__attribute__((constructor)) static void end() {{ {code}; }}\n")
+            # An installed framework loads only bundles with an activator or components.
+            made = self.workshop.bundle(manifest(**{"bundle.activator": True}),
+                                        library=(self.folder / "library.so").read_bytes())
+            problem, = self.diagnose("--bundle", made, status=2)["problems"]
+            self.assertRegex(problem["message"], f"^a bundle ended the process that started it {how}$")
+            self.assertEqual(problem["remedy"],
+                             "name fewer bundles, to find out which one it is, and leave that one out")
+
     def test_a_snippet_parser_that_adds_no_node_is_named(self):
         made = self.workshop.components(component("faults::Silent", ["quenlith::build::markup::SnippetParser"]))
         self.source.write_text("x\nsilent\n")
