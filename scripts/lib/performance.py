@@ -11,6 +11,7 @@ import subprocess
 import sys
 
 import instructions
+import many_files
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PAGE = ROOT / "docs" / "performance.md"
@@ -73,6 +74,7 @@ def sections(programs, corpus):
     yield "The service registry", lookups(programs / "quenlith_bench_lookup")
     source = source_of(corpus, SOURCE_LINES)
     yield "The program", output_of(programs / "quenlith_bench_programs", source)
+    yield "Many files", many_files.measure(programs / "tessera", corpus)
     yield "Instructions", instructions.measure(programs / "quenlith_bench", corpus)
 
 
