@@ -14,8 +14,7 @@ FileJob::FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inp
       host(setup.bundles, setup.pieces),
       log(setup.keepsRecords ? std::make_unique<session::LogCollector>() : nullptr),
       session(host.snippetParsers(), log.get(), setup.recording),
-      parser(session, host.appendix(), setup.recording),
-      elementParsers(host.codeElementParsers()) {
+      parser(session, host.appendix(), setup.recording) {
   session.showIn({&context.progress, 0, setup.parsingShare});
   if (setup.sparesPlainLines) session.sparePlainLines();
 }
@@ -35,8 +34,9 @@ workers::Outcome FileJob::run(std::size_t index) {
   }
 }
 
-bool FileJob::isAccepted(const quenlith::syntax::Marker& marker) const {
-  return std::ranges::any_of(elementParsers,
+bool FileJob::isAccepted(const quenlith::syntax::Marker& marker) {
+  if (!elementParsers) elementParsers = host.codeElementParsers();
+  return std::ranges::any_of(*elementParsers,
                              [&marker](const auto& taker) { return taker->canParse(marker); });
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,7 +51,7 @@ class FileJob : public workers::Job {
   session::FileParser& files() noexcept { return parser; }
   const std::vector<session::NamedParser>& parsers() const noexcept { return session.parsers(); }
   /// Returns whether a parser of a bundle accepts the marker.
-  bool isAccepted(const quenlith::syntax::Marker& marker) const;
+  bool isAccepted(const quenlith::syntax::Marker& marker);
   files::OutputText& output() noexcept { return text; }
   workers::Messages& messages() noexcept { return messageTarget; }
 
@@ -75,7 +76,9 @@ class FileJob : public workers::Job {
   std::unique_ptr<session::LogCollector> log;
   session::SnippetSession session;
   session::FileParser parser;
-  std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>> elementParsers;
+  // Looked up when they are needed: a run that only parses does not.
+  std::optional<std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>>>
+      elementParsers;
 };
 
 }  // namespace tessera::run
