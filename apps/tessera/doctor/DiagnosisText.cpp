@@ -62,6 +62,7 @@ class TextReport {
 
   void problems(const std::vector<diagnostics::Problem>& list) {
     if (list.empty()) {
+      text += '\n';
       style(kGreen, "Everything is in order.");
       text += '\n';
       return;
@@ -143,7 +144,6 @@ void appendText(std::string& text, const Diagnosis& diagnosis, bool isColored) {
   report.program(diagnosis);
   report.bundles(diagnosis.bundles);
   report.services(diagnosis.services);
-  rows += '\n';
   report.problems(diagnosis.problems);
   text += rows;
 }
