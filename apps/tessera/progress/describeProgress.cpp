@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <string_view>
 #include <vector>
@@ -29,7 +30,7 @@ std::string sizeText(double bytes) {
 
 /// Returns "42 s", "3:05" minutes or "2:03:05" hours.
 std::string timeText(double seconds) {
-  const auto whole = static_cast<std::uint64_t>(seconds + 0.5);
+  const auto whole = static_cast<std::uint64_t>(std::llround(seconds));
   if (whole < 60) return std::to_string(whole) + " s";
   std::array<char, 40> text{};
   const auto hours = static_cast<unsigned long>(whole / 3600);
