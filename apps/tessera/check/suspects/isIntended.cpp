@@ -14,6 +14,10 @@ namespace {
 using quenlith::syntax::CommentForm;
 using quenlith::syntax::MarkerProblem;
 
+// Blanks, and the characters that the ends of block comments consist of.
+constexpr std::u16string_view kBlanks = u" \t";
+constexpr std::u16string_view kBlanksAndCommentEnds = u" \t*/)-}";
+
 constexpr std::array<std::u16string_view, 5> kIntendedElements{u"control", u"output", u"task",
                                                                u"text", u"appendix"};
 
@@ -59,7 +63,9 @@ bool isUnknownElementIntended(const FoundMarker& found) {
   const std::u16string_view written = writtenElement(found);
   const std::uint64_t after = found.positionOf(written) + written.size();
   const std::u16string_view rest = found.lineText.substr(after);
-  const bool isAtEnd = rest.find_first_not_of(u" \t") == rest.npos;
+  // The end of a block comment may have been cut short, as in "(* <@outpu)".
+  const bool isAtEnd =
+      rest.find_first_not_of(isBlock(parts.comment) ? kBlanksAndCommentEnds : kBlanks) == rest.npos;
   if (isAtEnd && isStartOfElement(written)) return true;
   const bool isWord = isStartOfElement(written) || !similarElement(written).empty();
   if (isWord && isBlock(parts.comment) && !commentEndAt(rest).empty()) return true;
@@ -141,7 +147,8 @@ std::u16string_view writtenElement(const FoundMarker& found) {
     return rest[element.size()] == u':' || rest[element.size()] == u'#';
   });
   if (broken != kIntendedElements.end()) return rest.substr(0, broken->size());
-  return rest.substr(0, std::min(rest.find_first_of(u":#[{> \t"), rest.size()));
+  const std::u16string_view end = isBlock(found.parts.comment) ? u":#[{> \t*/)}" : u":#[{> \t";
+  return rest.substr(0, std::min(rest.find_first_of(end), rest.size()));
 }
 
 bool hasReplacedBlank(const FoundMarker& found) {
