@@ -43,8 +43,6 @@ struct JobContext {
   Messages& messages;
   /// To be set to how far the job is: its line is named when the process ends there.
   progress::InputProgress& progress;
-  /// Whether an earlier process has made the same job: what that reported is not reported again.
-  bool isRepeated = false;
 };
 
 using MakeJob = std::function<std::unique_ptr<Job>(const JobContext& context)>;

@@ -101,8 +101,8 @@ bool Worker::start() {
   return true;
 }
 
-void Worker::work(const MakeJob& makeJob, bool isRepeated) {
-  runWorker(makeJob, isRepeated, slots, socket);
+void Worker::work(const MakeJob& makeJob) {
+  runWorker(makeJob, slots, socket);
 }
 
 void Worker::closeParentSide() noexcept {

@@ -34,8 +34,7 @@ class Worker {
   bool start();
 
   /// In the process itself: makes a job and does it until there are no more inputs.
-  /// `isRepeated`: another worker made the same job before.
-  void work(const MakeJob& makeJob, bool isRepeated);
+  void work(const MakeJob& makeJob);
   /// In a process that was started later: closes what belongs to this worker's parent.
   void closeParentSide() noexcept;
 

@@ -53,11 +53,10 @@ void WorkerPool::startWorker(std::deque<std::size_t> inputs) {
   if (!worker->start()) {
     for (const auto& other : workers) other->closeParentSide();
     if (showsProgress()) diagnostics::expectForeignStatus();
-    worker->work(makeJob, hasStarted);
+    worker->work(makeJob);
     // Not back to the caller: what that owns belongs to the parent.
     std::exit(EXIT_SUCCESS);
   }
-  hasStarted = true;
   for (const std::size_t index : inputs) worker->give(index);
   workers.push_back(std::move(worker));
 }

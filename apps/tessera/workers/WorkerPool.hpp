@@ -71,7 +71,6 @@ class WorkerPool {
   std::size_t nextToGive = 0;
   std::size_t nextResult = 0;
   std::size_t end = 0;
-  bool hasStarted = false;
 };
 
 }  // namespace tessera::workers

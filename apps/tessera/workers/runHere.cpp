@@ -66,7 +66,7 @@ void runHere(const MakeJob& makeJob, Collector& collector, std::size_t count,
   progress::InputProgress progress;
   std::atomic<std::size_t> current = 0;
   const std::unique_ptr<Job> job =
-      makeJob({.output = output, .messages = messages, .progress = progress, .isRepeated = false});
+      makeJob({.output = output, .messages = messages, .progress = progress});
   const ProgressThread thread(shown, progress, current);
   for (std::size_t i = 0; i < count; ++i) {
     progress.begin();

@@ -120,16 +120,14 @@ std::uint64_t readCommand(int descriptor, FrameSender& frames) {
 
 }  // namespace
 
-void runWorker(const MakeJob& makeJob, bool isRepeated, SharedSlots& slots, int socket) {
+void runWorker(const MakeJob& makeJob, SharedSlots& slots, int socket) {
   FrameSender frames(socket, slots);
   SlotOutput output(frames);
   SlotMessages messages(frames, output);
   std::string reason;
   try {
-    const std::unique_ptr<Job> job = makeJob({.output = output,
-                                              .messages = messages,
-                                              .progress = slots.progress(),
-                                              .isRepeated = isRepeated});
+    const std::unique_ptr<Job> job =
+        makeJob({.output = output, .messages = messages, .progress = slots.progress()});
     frames.send({.kind = Frame::Kind::kReady});
     for (auto index = readCommand(socket, frames); index != kNoMoreInputs;
          index = readCommand(socket, frames)) {
