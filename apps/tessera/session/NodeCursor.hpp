@@ -40,7 +40,7 @@ class NodeCursor {
   source::LineCursor lines{{}, false};
   // The number of the next node.
   std::uint64_t number = 0;
-  // Stands in for a node of plain code: its text is set anew for each.
+  // Replaces the node of a line of plain code: its text is set for each line.
   document::kdzero::PlainTextNode plainText;
   document::kdzero::Node plainLine;
   const document::kdzero::Node* current = nullptr;

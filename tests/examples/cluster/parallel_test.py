@@ -15,10 +15,9 @@ import sys
 import tempfile
 import unittest
 
-from sample import SHARDS, SLOW_SHARD, Sample, ancestors, kill, name_of, wait_for
+from sample import PATH, SHARDS, SLOW_SHARD, Sample, ancestors, kill, name_of, require, wait_for
 
 TESSERA, EXAMPLES = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
-PATH = os.environ["PATH"] + ":/usr/sbin:/sbin"
 PROGRAMS = ("parallel", "sshd", "ssh", "ssh-keygen")
 SERVER = """
 ListenAddress 127.0.0.1
@@ -114,8 +113,5 @@ class Hosts(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    missing = [program for program in PROGRAMS if shutil.which(program, path=PATH) is None]
-    if missing or os.geteuid() != 0:
-        print("skipped: " + ("needs root" if not missing else "not installed: " + ", ".join(missing)))
-        sys.exit(77)
+    require(PROGRAMS)
     unittest.main(argv=sys.argv[:1])

@@ -3,8 +3,10 @@
 import hashlib
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
+import sys
 import time
 
 FILES = 120
@@ -12,6 +14,19 @@ SHARDS = 6
 # The file that keeps its reader waiting is the 17th of 20 in shard 4.
 SLOW = 99
 SLOW_SHARD = SLOW % SHARDS + 1
+
+
+# Daemons are outside of the search path of users.
+PATH = os.environ["PATH"] + ":/usr/sbin:/sbin"
+SKIPPED = 77
+
+
+def require(programs):
+    """Ends with the status SKIPPED where a program is missing, or the daemons cannot be started."""
+    missing = [program for program in programs if shutil.which(program, path=PATH) is None]
+    if missing or os.geteuid() != 0:
+        print("skipped: " + ("needs root" if not missing else "not installed: " + ", ".join(missing)))
+        sys.exit(SKIPPED)
 
 
 def wait_for(condition, what, seconds=120):

@@ -6,18 +6,16 @@ status 77.
 
 import os
 import pathlib
-import shutil
 import socket
 import subprocess
 import sys
 import tempfile
 import unittest
 
-from sample import SHARDS, SLOW_SHARD, Sample, ancestors, kill, name_of, wait_for
+from sample import PATH, SHARDS, SLOW_SHARD, Sample, ancestors, kill, name_of, require, wait_for
 
 TESSERA, EXAMPLES = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
 PROGRAMS = ("slurmctld", "slurmd", "munged", "sbatch", "scontrol", "squeue")
-PATH = os.environ["PATH"] + ":/usr/sbin:/sbin"
 NODES = ("n1", "n2", "n3")
 CONFIGURATION = """
 ClusterName=test
@@ -139,8 +137,5 @@ class JobArray(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    missing = [program for program in PROGRAMS if shutil.which(program, path=PATH) is None]
-    if missing or os.geteuid() != 0:
-        print("skipped: " + ("needs root" if not missing else "not installed: " + ", ".join(missing)))
-        sys.exit(77)
+    require(PROGRAMS)
     unittest.main(argv=sys.argv[:1])

@@ -139,7 +139,7 @@ def remedy_of_archive():
 
 
 CORRECT = "correct the manifest and append the archive again"
-MEND = "correct the manifest of the bundle"
+CORRECT_MANIFEST = "correct the manifest of the bundle"
 LIBRARY = "name the library of a bundle"
 AGAIN = "copy or build the file again"
 MACHINE = "build it for the machine that the program was built for"
@@ -246,21 +246,21 @@ EMBEDDED_FAULTS = [
      'use CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR in a source file that is compiled with US_BUNDLE_NAME=faults, or '
      'set "bundle\\.activator" to false'),
     ("an unknown key of scr", lambda w: w.bundle(manifest(scr={"version": 1, "componets": []})),
-     'scr has the key "componets", which Declarative Services do not know', MEND),
+     'scr has the key "componets", which Declarative Services do not know', CORRECT_MANIFEST),
     ("another version of scr", lambda w: w.bundle(manifest(scr={"version": 2, "components": [component()]})),
-     r"scr\.version must be 1", MEND),
+     r"scr\.version must be 1", CORRECT_MANIFEST),
     ("an unknown key of a component", lambda w: w.components(component(refrences=[])),
-     r'scr\.components\[0\] \(faults::Fine\) has the key "refrences", which Declarative Services do not know', MEND),
+     r'scr\.components\[0\] \(faults::Fine\) has the key "refrences", which Declarative Services do not know', CORRECT_MANIFEST),
     ("a component without a class", lambda w: w.components({"service": {"interfaces": [ELEMENT_PARSER]}}),
-     r'scr\.components\[0\] must have the key "implementation-class"', MEND),
+     r'scr\.components\[0\] must have the key "implementation-class"', CORRECT_MANIFEST),
     ("interfaces that are a text", lambda w: w.components(
         {**component(), "service": {"interfaces": ELEMENT_PARSER}}),
-     r"scr\.components\[0\] \(faults::Fine\)\.service\.interfaces must be a list", MEND),
+     r"scr\.components\[0\] \(faults::Fine\)\.service\.interfaces must be a list", CORRECT_MANIFEST),
     ("a reference without an interface", lambda w: w.components(
         {**component(), "inject-references": True, "references": [{"name": "provider"}]}),
-     r'scr\.components\[0\] \(faults::Fine\)\.references\[0\] must have the key "interface"', MEND),
+     r'scr\.components\[0\] \(faults::Fine\)\.references\[0\] must have the key "interface"', CORRECT_MANIFEST),
     ("two components of one name", lambda w: w.components(component(), component()),
-     r"scr\.components\[1\] is the second one named faults::Fine", MEND),
+     r"scr\.components\[1\] is the second one named faults::Fine", CORRECT_MANIFEST),
     ("a feature of installed frameworks only", lambda w: w.components(component(immediate=True)),
      r"scr\.components\[0\] \(faults::Fine\)\.immediate: the embedded framework has no immediate components",
      "leave it out or use an installed CppMicroServices, which has it"),
