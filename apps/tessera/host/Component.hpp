@@ -28,7 +28,8 @@ struct Component {
 /// left out: saying so is the framework's part.
 std::vector<Component> readComponents(const cppmicroservices::AnyMap& headers);
 
-/// Returns whether the bundle with the manifest `headers` has an activator, whose code runs at the start.
+/// Returns whether the bundle with the manifest `headers` has an activator, whose code runs at the
+/// start.
 bool hasActivator(const cppmicroservices::AnyMap& headers);
 
 /// Returns the name of the function that makes the component `name`.
