@@ -34,9 +34,11 @@ function(quenlith_install_package)
   install(EXPORT QuenlithTargets NAMESPACE Quenlith:: DESTINATION "${QUENLITH_PACKAGE_FOLDER}")
   set(work "${CMAKE_CURRENT_BINARY_DIR}/package")
   get_property(QUENLITH_COMPONENTS GLOBAL PROPERTY QUENLITH_COMPONENTS)
+  quenlith_name_bundles()
   configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/QuenlithConfig.cmake.in"
-    "${work}/QuenlithConfig.cmake" INSTALL_DESTINATION "${QUENLITH_PACKAGE_FOLDER}"
-    NO_SET_AND_CHECK_MACRO)
+    "${work}/configured/QuenlithConfig.cmake" INSTALL_DESTINATION "${QUENLITH_PACKAGE_FOLDER}"
+    PATH_VARS CMAKE_INSTALL_LIBDIR NO_SET_AND_CHECK_MACRO)
+  file(GENERATE OUTPUT "${work}/QuenlithConfig.cmake" INPUT "${work}/configured/QuenlithConfig.cmake")
   write_basic_package_version_file("${work}/QuenlithConfigVersion.cmake"
     COMPATIBILITY SameMinorVersion)
   install(FILES "${work}/QuenlithConfig.cmake" "${work}/QuenlithConfigVersion.cmake"
@@ -46,6 +48,13 @@ function(quenlith_install_package)
   quenlith_install_pkgconfig("${work}/quenlith.pc")
 endfunction()
 
+# Sets the file names of the installed bundles, as generator expressions.
+macro(quenlith_name_bundles)
+  set(QUENLITH_PARSER_BUNDLE "$<TARGET_FILE_NAME:quenlith_markup_code>")
+  set(QUENLITH_PIECE_BUNDLE "$<TARGET_FILE_NAME:tessera_pieces>")
+  set(QUENLITH_RUNTIME_BUNDLE "$<PATH:GET_FILENAME,${QUENLITH_SCR_BUNDLE}>")
+endmacro()
+
 function(quenlith_install_pkgconfig file)
   get_property(names GLOBAL PROPERTY QUENLITH_LINKED)
   list(TRANSFORM names PREPEND "-lquenlith_")
@@ -53,7 +62,13 @@ function(quenlith_install_pkgconfig file)
   # From the folder of the file to the prefix: the library folder may have several levels.
   file(RELATIVE_PATH QUENLITH_UPWARDS "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
   string(REGEX REPLACE "/$" "" QUENLITH_UPWARDS "${QUENLITH_UPWARDS}")
-  configure_file("${PROJECT_SOURCE_DIR}/cmake/quenlith.pc.in" "${file}" @ONLY)
+  if(QUENLITH_FRAMEWORK STREQUAL "embedded")
+    string(PREPEND QUENLITH_RUNTIME_BUNDLE "\${libdir}/")
+  else()
+    set(QUENLITH_RUNTIME_BUNDLE "${QUENLITH_SCR_BUNDLE}")
+  endif()
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/quenlith.pc.in" "${file}.configured" @ONLY)
+  file(GENERATE OUTPUT "${file}" INPUT "${file}.configured")
   install(FILES "${file}" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 endfunction()
 

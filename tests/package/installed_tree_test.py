@@ -130,11 +130,38 @@ class InstalledTree(unittest.TestCase):
         self.assertGreater(len(files), 2)
         self.assertEqual(search_paths.faults(files), [])
 
+    def bundles_that_run(self):
+        """Returns the paths of the bundles of the installed program, in the order of their start."""
+        done = run(self.prefix / "bin" / "tessera", "doctor", "--format", "json",
+                   cwd="/", env=bare_environment())
+        bundles = json.loads(done.stdout)["bundles"]
+        return [os.path.realpath(bundle["file"]) for bundle in bundles]
+
+    def test_the_cmake_package_has_the_paths_of_the_bundles(self):
+        done = self.configure(
+            "find_package(Quenlith 0.1 REQUIRED)\n"
+            "foreach(kind RUNTIME PARSER PIECE)\n"
+            "  message(NOTICE \"${Quenlith_${kind}_BUNDLE}\")\n"
+            "endforeach()\n")
+        paths = [os.path.realpath(line) for line in done.stderr.splitlines()]
+        self.assertEqual(paths, self.bundles_that_run())
+
+    def test_pkg_config_has_the_paths_of_the_bundles(self):
+        paths = []
+        for kind in ("runtime", "parser", "piece"):
+            text = self.pkg_config(f"--variable={kind}_bundle")
+            # The path is quoted for a shell.
+            paths.append(os.path.realpath(os.fsencode(shlex.split(text)[0])).decode())
+        self.assertEqual(paths, self.bundles_that_run())
+
+    def pkg_config(self, *arguments):
+        return run("pkg-config", *arguments, "quenlith",
+                   env={**os.environ, "PKG_CONFIG_PATH": f"{self.prefix}/lib/pkgconfig"},
+                   # pkg-config escapes each byte of the letter by itself.
+                   errors="surrogateescape").stdout
+
     def test_pkg_config_names_what_a_program_needs(self):
-        flags = run("pkg-config", "--cflags", "--libs", "quenlith",
-                    env={**os.environ, "PKG_CONFIG_PATH": f"{self.prefix}/lib/pkgconfig"},
-                    # pkg-config escapes each byte of the letter by itself.
-                    errors="surrogateescape").stdout
+        flags = self.pkg_config("--cflags", "--libs")
         source, program = self.work / "marker.cpp", self.work / "marker"
         source.write_text(
             '#include <cstdio>\n#include "quenlith/syntax/Marker.hpp"\n'
