@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "fl/i18n/ustring.hpp"
-#include "tessera/check/scan/SimilarNames.hpp"
+#include "tessera/spelling/areSimilar.hpp"
 
 namespace tessera::host {
 namespace {
@@ -61,7 +61,7 @@ std::string findProvider(const Components& components, const std::string& interf
 std::string findSimilar(const std::set<std::string>& names, const std::string& name) {
   const auto text = fl::i18n::utf8_to_ustring(name);
   for (const std::string& other : names) {
-    if (check::scan::areSimilar(text, fl::i18n::utf8_to_ustring(other))) return other;
+    if (spelling::areSimilar(text, fl::i18n::utf8_to_ustring(other))) return other;
   }
   return "";
 }

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/check/scan/SimilarNames.hpp"
 #include "tessera/check/scan/markerText.hpp"
+#include "tessera/spelling/areSimilar.hpp"
 
 namespace tessera::check::rules {
 
@@ -27,7 +27,7 @@ Diagnostic describeType(const FoundMarker& marker) {
                                      marker.spanOf(marker.parts.element), {});
   }
   const auto span = marker.spanOf(type);
-  if (areSimilar(type, kAnchor)) {
+  if (spelling::areSimilar(type, kAnchor)) {
     Diagnostic diagnostic = catalogue::makeDiagnostic(DiagnosticKind::kUnknownType, kTypeSimilar,
                                                       span, {quoted(type), quoted(kAnchor)});
     diagnostic.fix = {"replace " + quoted(type) + " by " + quoted(kAnchor), {{span, "anchor"}}};

@@ -9,8 +9,8 @@
 #include "fl/i18n/ustring.hpp"
 #include "foundation/json/Lexer.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/check/scan/SimilarNames.hpp"
 #include "tessera/check/scan/markerText.hpp"
+#include "tessera/spelling/areSimilar.hpp"
 
 namespace tessera::check::rules {
 
@@ -100,7 +100,7 @@ class SettingRule {
 
   void checkUnknown(const Setting& setting) {
     const auto similar = std::ranges::find_if(kSettings, [&setting](std::u16string_view known) {
-      return areSimilar(known, setting.key);
+      return spelling::areSimilar(known, setting.key);
     });
     const std::string name = quoted(setting.key);
     if (similar == kSettings.end()) {

@@ -1,36 +1,15 @@
 #include "tessera/check/scan/SimilarNames.hpp"
 
-#include <algorithm>
+#include "tessera/spelling/areSimilar.hpp"
 
 namespace tessera::check::scan {
 namespace {
 
-constexpr std::size_t kMaxNameUnits = 64;
+using spelling::areSimilar;
+using spelling::kMaxNameUnits;
+using spelling::lowered;
+
 constexpr std::size_t kMaxPerKey = 4;
-
-std::u16string lowered(std::u16string_view name) {
-  std::u16string lower(name);
-  for (char16_t& unit : lower) {
-    if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 0x20);
-  }
-  return lower;
-}
-
-/// Returns the number of units at the start of both that are equal.
-std::size_t commonStart(std::u16string_view a, std::u16string_view b) {
-  return static_cast<std::size_t>(std::ranges::mismatch(a, b).in1 - a.begin());
-}
-
-bool isOneEditApart(std::u16string_view a, std::u16string_view b) {
-  if (a.size() > b.size()) std::swap(a, b);
-  const std::size_t start = commonStart(a, b);
-  a.remove_prefix(start);
-  b.remove_prefix(start);
-  if (a.size() + 1 == b.size()) return a == b.substr(1);
-  if (a.size() != b.size() || a.empty()) return false;
-  if (a.substr(1) == b.substr(1)) return true;
-  return a.size() > 1 && a[0] == b[1] && a[1] == b[0] && a.substr(2) == b.substr(2);
-}
 
 /// Calls `use` with the hash of each text that results from `name` without one of its units, and of
 /// `name` itself. Each hash takes constant time: it is a combination of those of the two parts.
@@ -52,14 +31,6 @@ void forEachKey(std::u16string_view name, Use use) {
 }
 
 }  // namespace
-
-bool areSimilar(std::u16string_view a, std::u16string_view b) {
-  if (a == b || a.empty() || b.empty()) return false;
-  const std::u16string lowerA = lowered(a);
-  const std::u16string lowerB = lowered(b);
-  if (lowerA == lowerB) return true;
-  return lowerA.size() <= kMaxNameUnits && isOneEditApart(lowerA, lowerB);
-}
 
 void SimilarNames::add(std::u16string_view name, std::size_t number) {
   entries.push_back({std::u16string(name), number});

@@ -15,10 +15,6 @@ namespace tessera::check::scan {
 /// every other one.
 inline constexpr std::size_t kMinSimilar = 2;
 
-/// Returns whether `a` and `b` differ only in the case of ASCII letters, or by one edit: a
-/// character inserted, removed or replaced, or two neighbours swapped. False for equal names.
-bool areSimilar(std::u16string_view a, std::u16string_view b);
-
 /// Finds a name that was perhaps meant by a misspelt one.
 ///
 /// Each name is stored under all the texts that result from it when one character is removed, so

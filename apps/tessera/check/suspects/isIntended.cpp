@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "tessera/check/scan/SimilarNames.hpp"
 #include "tessera/check/scan/commentEnd.hpp"
+#include "tessera/spelling/areSimilar.hpp"
 
 namespace tessera::check::suspects {
 
@@ -126,7 +126,7 @@ bool isLeaderMissing(const FoundMarker& found) {
 std::u16string_view similarElement(std::u16string_view written) {
   const auto found = std::ranges::find_if(
       kIntendedElements,
-      [written](std::u16string_view element) { return areSimilar(element, written); });
+      [written](std::u16string_view element) { return spelling::areSimilar(element, written); });
   return found == kIntendedElements.end() ? std::u16string_view() : *found;
 }
 
