@@ -6,12 +6,6 @@
 #include "tessera/terminal/Glyph.hpp"
 
 namespace tessera::terminal {
-namespace {
-
-// Not as deep as the text of a source line.
-constexpr std::size_t kIndent = 4;
-
-}  // namespace
 
 std::size_t widthOf(std::string_view text) {
   std::size_t columns = 0;
@@ -19,7 +13,8 @@ std::size_t widthOf(std::string_view text) {
   return columns;
 }
 
-std::string wrapWords(std::string_view text, std::size_t column, std::size_t columns) {
+std::string wrapWords(std::string_view text, std::size_t column, std::size_t columns,
+                      std::size_t indent) {
   std::string rows;
   bool isFirst = true;
   while (!text.empty()) {
@@ -27,8 +22,8 @@ std::string wrapWords(std::string_view text, std::size_t column, std::size_t col
     text.remove_prefix(std::min(word.size() + 1, text.size()));
     const std::size_t width = widthOf(word);
     if (!isFirst && column + 1 + width > columns) {
-      rows.append("\n").append(kIndent, ' ');
-      column = kIndent;
+      rows.append("\n").append(indent, ' ');
+      column = indent;
     } else if (!isFirst) {
       rows += ' ';
       ++column;

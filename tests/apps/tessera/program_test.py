@@ -53,47 +53,6 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(done.returncode, status)
 
 
-class CommandLine(ProgramTest):
-    def test_version_and_help_are_fine(self):
-        version = tessera("--version")
-        self.assertRegex(version.stdout.decode(), r"^tessera \d+\.\d+\.\d+\n$")
-        self.assertEqual((version.returncode, version.stderr), (0, b""))
-        for arguments in (["--help"], ["parse", "--help"], ["check", "-h"], ["replay", "--help"]):
-            done = tessera(*arguments)
-            self.assertEqual((done.returncode, done.stderr), (0, b""))
-            self.assertIn(b"Usage:", done.stdout)
-
-    def test_unusable_arguments_are_reported_with_a_remedy(self):
-        cases = {
-            (): 'A subcommand is required; "tessera --help" lists what there is',
-            ("jump",): 'unknown command "jump"; "tessera --help" lists what there is',
-            ("--jump",): 'unknown option "--jump"; "tessera --help" lists what there is',
-            ("parse",): 'PATH is required; "tessera parse --help" lists what there is',
-            ("parse", "--jump", "a"): 'unknown option "--jump"; "tessera parse --help" lists what there is',
-            ("parse", "--\x1b[1m", "a"):
-                'unknown option "--\\u001b[1m"; "tessera parse --help" lists what there is',
-            ("parse", "--format", "xml", "a"):
-                '"xml" is not a format: use tree, json or ndjson; "tessera parse --help" lists what there is',
-            ("parse", "--record", "", "a"):
-                '"" is not a file to record to: name a file; "tessera parse --help" lists what there is',
-            ("check", "--format", "xml", "a"):
-                '"xml" is not a format: use text, json or sarif; "tessera check --help" lists what there is',
-            ("explain", "--format", "html"):
-                '"html" is not a format: use text or markdown; "tessera explain --help" lists what there is',
-            ("explain", "damaged_marker", "unused_entry"):
-                'unknown command "unused_entry"; "tessera explain --help" lists what there is',
-            ("check", "--color", "red", "a"):
-                '"red" is not a way to colour: use auto, always or never; "tessera check --help" lists what there is',
-            ("parse", "--record", "-", "a"):
-                '"-" is not a file to record to: name a file; "tessera parse --help" lists what there is',
-            ("replay", "--bundle", "", "a"):
-                '--bundle: "" is not a bundle: name its library; "tessera replay --help" lists what there is',
-        }
-        for arguments, message in cases.items():
-            with self.subTest(arguments=arguments):
-                self.assertRefused(tessera(*arguments), "tessera: error: " + message)
-
-
 class Parse(ProgramTest):
     def test_tree_is_the_default(self):
         self.assertEqual(tessera("parse", FILES[0]).stdout,
@@ -211,7 +170,8 @@ class Parse(ProgramTest):
             with open("/dev/full", "wb") as full:
                 done = subprocess.run([PROGRAM, *arguments], stdout=full, stderr=subprocess.PIPE, timeout=60)
             self.assertEqual((done.stderr.decode(), done.returncode), (
-                "standard output: error: cannot be written; make room, or name a file that can be written\n", 2))
+                "standard output: error: cannot be written: No space left on device; make room, or name a file that "
+                "can be written\n", 2))
 
     def test_a_closed_stream_is_an_error_and_its_output_goes_to_no_other_file(self):
         name, record = self.write("f", b"x\n"), str(self.folder / "calls")

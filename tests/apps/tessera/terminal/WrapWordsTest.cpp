@@ -15,6 +15,11 @@ TEST(WrapWords, ARowIsAsLongAsItMayBe) {
   EXPECT_EQ(wrapWords("a bb cc dd ee", 0, 9), "a bb cc\n    dd ee");
 }
 
+TEST(WrapWords, RowsAfterTheFirstAreIndentedAsAsked) {
+  EXPECT_EQ(wrapWords("aaa bbb ccc", 2, 6, 2), "aaa\n  bbb\n  ccc");
+  EXPECT_EQ(wrapWords("aaa bbb ccc", 0, 6, 0), "aaa\nbbb\nccc");
+}
+
 TEST(WrapWords, AWordThatIsTooLongIsNotBroken) {
   EXPECT_EQ(wrapWords("aaaaaaaaaa b cccccccccc d", 3, 8),
             "aaaaaaaaaa\n    b\n    cccccccccc\n    d");

@@ -1,0 +1,71 @@
+#include "tessera/commandline/CommandLine.hpp"
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tessera/commandline/failUsage.hpp"
+#include "tessera/commandline/program.hpp"
+#include "tessera/commandline/readArguments.hpp"
+#include "tessera/commandline/suggest.hpp"
+
+namespace tessera::commandline {
+namespace {
+
+const Command& requireCommand(const std::string& name) {
+  if (const Command* const command = findCommand(name)) return *command;
+  std::vector<std::string_view> names;
+  for (const Command& command : program().commands) names.push_back(command.name);
+  failUsage(nullptr, "unknown command \"" + name + "\"", suggest(name, names));
+}
+
+const Option& requireProgramOption(const std::string& word) {
+  std::vector<std::string_view> names;
+  for (const Option& option : program().options) {
+    const bool isLetter = word.size() == 2 && word[0] == '-' && word[1] == option.letter;
+    if (word == option.name || isLetter) return option;
+    names.push_back(option.name);
+  }
+  const std::string name = word.substr(0, word.find('='));
+  failUsage(nullptr, "unknown option \"" + name + "\"", suggest(name, names));
+}
+
+/// Takes the options before the command from the start of `words` and returns what they ask for.
+Request takeProgramOptions(std::span<const std::string>& words) {
+  Request request = Request::kNothing;
+  for (; !words.empty() && words.front().starts_with('-'); words = words.subspan(1)) {
+    const bool isHelp = requireProgramOption(words.front()).name == "--help";
+    // The help tells more than the version.
+    if (request != Request::kHelp) request = isHelp ? Request::kHelp : Request::kVersion;
+  }
+  return request;
+}
+
+/// Returns what the arguments of a command ask for, after the options before it asked for
+/// `request`.
+CommandLine combine(Request request, Arguments arguments) {
+  CommandLine line;
+  const bool isHelpCommand = arguments.of().name == "help";
+  const bool namesSubject = isHelpCommand && !arguments.operands().empty();
+  if (namesSubject) line.subject = &requireCommand(arguments.operands().front());
+  line.request = request;
+  if (request == Request::kVersion) return line;
+  const bool wantsHelp = request == Request::kHelp || arguments.has("--help");
+  if (wantsHelp && !namesSubject) line.subject = &arguments.of();
+  line.request = wantsHelp || isHelpCommand ? Request::kHelp : Request::kRun;
+  line.arguments = std::move(arguments);
+  return line;
+}
+
+}  // namespace
+
+CommandLine readCommandLine(std::span<const std::string> words) {
+  const Request request = takeProgramOptions(words);
+  if (words.empty()) return {.request = request, .subject = nullptr, .arguments = {}};
+  const Command& command = requireCommand(words.front());
+  return combine(request, readArguments(command, {words.begin() + 1, words.end()},
+                                        request == Request::kNothing ? Completeness::kRequired
+                                                                     : Completeness::kOptional));
+}
+
+}  // namespace tessera::commandline
