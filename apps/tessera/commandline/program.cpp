@@ -11,6 +11,7 @@ constexpr Choice kParseFormats[] = {
     {"tree", "for people"},
     {"json", "the whole document, indented"},
     {"ndjson", "the same, one line per file"},
+    {"html", "one page about all files, for a browser"},
 };
 constexpr Option kParseOptions[] = {
     {.name = "--format",
@@ -31,6 +32,7 @@ constexpr Group kParseGroups[] = {{"Document", kParseOptions}, kBundles, kInput,
 constexpr Example kParseExamples[] = {
     {"tessera parse fit.py", "Show the document of a file."},
     {"tessera parse --format json fit.py", "The whole document, for other programs."},
+    {"tessera parse --format html -o page.html src", "A page about all files of a folder."},
     {"tessera parse --format ndjson --glob '*.py' .", "All Python files, one record per line."},
     {"echo '# <@task#t1>' | tessera parse --trace -", "Show what the parsers do with a line."},
 };

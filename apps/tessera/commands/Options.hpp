@@ -10,7 +10,7 @@
 
 namespace tessera::commands {
 
-enum class ParseFormat { kTree, kJson, kNdjson };
+enum class ParseFormat { kTree, kJson, kNdjson, kHtml };
 
 struct ParseOptions {
   ParseFormat format = ParseFormat::kTree;

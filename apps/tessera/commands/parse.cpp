@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "tessera/commands/PageCollector.hpp"
+#include "tessera/commands/PageJob.hpp"
 #include "tessera/commands/ParseJob.hpp"
 #include "tessera/commands/status.hpp"
 #include "tessera/diagnostics/Problem.hpp"
@@ -95,6 +97,30 @@ class ParseRun {
   }
 
   int parse() {
+    const int status = options.format == ParseFormat::kHtml ? writePage() : writeDocuments();
+    run.complete();
+    if (recordFile) recordFile->complete();
+    return status;
+  }
+
+ private:
+  run::Processes processes() const noexcept {
+    return recording ? run::Processes::kOne : run::Processes::kAny;
+  }
+
+  session::Recording* recordingOrNull() noexcept { return recording ? &*recording : nullptr; }
+
+  int writePage() {
+    PageCollector collector(run.inputs(), run.output());
+    const auto makeJob = [this](const workers::JobContext& context) {
+      return std::make_unique<PageJob>(options, run.inputs(), recordingOrNull(), context);
+    };
+    run.work(makeJob, collector, processes());
+    collector.finish();
+    return collector.status();
+  }
+
+  int writeDocuments() {
     run::TextCollector collector(
         run.inputs(), run.output(),
         {.what = "no document could be made",
@@ -102,16 +128,12 @@ class ParseRun {
            appendProblem(text, options, problem);
          }});
     const auto makeJob = [this](const workers::JobContext& context) {
-      return std::make_unique<ParseJob>(options, run.inputs(), recording ? &*recording : nullptr,
-                                        context);
+      return std::make_unique<ParseJob>(options, run.inputs(), recordingOrNull(), context);
     };
-    run.work(makeJob, collector, recording ? run::Processes::kOne : run::Processes::kAny);
-    run.complete();
-    if (recordFile) recordFile->complete();
+    run.work(makeJob, collector, processes());
     return hasErrors || collector.hasFailed() ? kInputsFailed : kFine;
   }
 
- private:
   /// Two names may be of one file.
   void requireTwoFiles() const {
     struct stat written;

@@ -147,7 +147,8 @@ ParseOptions readParseOptions(const Arguments& arguments) {
   options.format = choose<ParseFormat>(arguments, "--format",
                                        {{"tree", ParseFormat::kTree},
                                         {"json", ParseFormat::kJson},
-                                        {"ndjson", ParseFormat::kNdjson}});
+                                        {"ndjson", ParseFormat::kNdjson},
+                                        {"html", ParseFormat::kHtml}});
   options.trace = arguments.has("--trace");
   if (arguments.has("--omit-empty")) {
     options.emptyMembers = foundation::json::EmptyMembers::kOmitted;

@@ -21,6 +21,7 @@ FileJob::FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inp
 
 workers::Outcome FileJob::run(std::size_t index) {
   const inputs::Input& input = inputs[index];
+  current = index;
   if (input.isFound && inputs::isBinaryFile(input.path)) return workers::Outcome::kSkipped;
   try {
     work(input.path);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -48,6 +49,8 @@ class FileJob : public workers::Job {
   /// The file cannot be used; the user was told.
   virtual void addProblem(const diagnostics::Problem& /*problem*/) {}
 
+  /// The index of the input that is worked on.
+  std::size_t currentInput() const noexcept { return current; }
   session::FileParser& files() noexcept { return parser; }
   const std::vector<session::NamedParser>& parsers() const noexcept { return session.parsers(); }
   /// Returns whether a parser of a bundle accepts the marker.
@@ -70,6 +73,7 @@ class FileJob : public workers::Job {
   [[noreturn]] static void failWithoutMemory(const std::string& path);
 
   const std::vector<inputs::Input>& inputs;
+  std::size_t current = 0;
   files::OutputText& text;
   workers::Messages& messageTarget;
   host::ServiceHost host;

@@ -97,9 +97,9 @@ class CommandLine(unittest.TestCase):
             ("check", "--dry", "a"): 'unknown option "--dry"; did you mean "--dry-run"? ',
             ("parse", "-q", "a"): 'unknown option "-q"; ',
             ("parse", "--\x1b[1m", "a"): 'unknown option "--\\u001b[1m"; ',
-            ("parse", "--format", "xml", "a"): '"xml" is not a format: use tree, json or ndjson; ',
+            ("parse", "--format", "xml", "a"): '"xml" is not a format: use tree, json, ndjson or html; ',
             ("parse", "--format", "jsn", "--help"):
-                '"jsn" is not a format: use tree, json or ndjson; did you mean "json"? ',
+                '"jsn" is not a format: use tree, json, ndjson or html; did you mean "json"? ',
             ("check", "--format", "xml", "a"): '"xml" is not a format: use text, json or sarif; ',
             ("explain", "--format", "html"): '"html" is not a format: use text or markdown; ',
             ("check", "--color", "red", "a"): '"red" is not a way to colour: use auto, always or never; ',

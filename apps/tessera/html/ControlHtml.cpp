@@ -1,0 +1,202 @@
+#include "tessera/html/ControlHtml.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "fl/i18n/ustring.hpp"
+#include "foundation/json/Writer.hpp"
+
+namespace tessera::html {
+
+using foundation::json::Array;
+using foundation::json::Object;
+using foundation::json::Value;
+
+namespace {
+
+// More options are listed in the data of the control only.
+constexpr std::size_t kMostOptions = 12;
+
+/// What is drawn: the marker's data, and the text that it is about.
+struct Control {
+  const Object& data;
+  std::string text;
+  std::u16string_view name;
+  std::u16string_view type;
+};
+
+const Value* findMember(const Object& data, std::initializer_list<std::string_view> keys) {
+  for (const std::string_view key : keys) {
+    const auto found = data.find(std::string(key));
+    if (found != data.end()) return &found->second;
+  }
+  return nullptr;
+}
+
+std::optional<double> numberOf(const Value* value) {
+  if (value == nullptr) return std::nullopt;
+  std::optional<double> number;
+  if (const auto* wide = value->getIf<double>()) number = *wide;
+  if (const auto* narrow = value->getIf<float>()) number = *narrow;
+  if (const auto* whole = value->getIf<std::int64_t>()) number = static_cast<double>(*whole);
+  if (const auto* natural = value->getIf<std::uint64_t>()) number = static_cast<double>(*natural);
+  if (number && !std::isfinite(*number)) return std::nullopt;
+  return number;
+}
+
+std::optional<double> numberOf(std::string_view text) {
+  double number = 0;
+  const char* const last = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), last, number);
+  if (error != std::errc() || end != last || !std::isfinite(number)) return std::nullopt;
+  return number;
+}
+
+/// Returns the value that the control is set to: the one in its data, else its text.
+const Value* valueIn(const Control& control) {
+  return findMember(control.data, {"value", "default"});
+}
+
+std::optional<bool> truthOf(const Control& control) {
+  if (const Value* value = valueIn(control)) {
+    if (const bool* truth = value->getIf<bool>()) return *truth;
+    return std::nullopt;
+  }
+  constexpr std::array<std::string_view, 3> kTrue = {"true", "True", "TRUE"};
+  constexpr std::array<std::string_view, 3> kFalse = {"false", "False", "FALSE"};
+  if (std::ranges::find(kTrue, control.text) != kTrue.end()) return true;
+  if (std::ranges::find(kFalse, control.text) != kFalse.end()) return false;
+  return std::nullopt;
+}
+
+/// Returns a value as a reader wants to see it: a text without quotes, others as JSON.
+std::string shownValue(const Value& value) {
+  if (const auto* text = value.getIf<std::string>()) return *text;
+  std::string json;
+  foundation::json::Writer(json, foundation::json::Form::kCompact).value(value);
+  return json;
+}
+
+/// Returns what an option is called: an option may be an object with a label and a value.
+std::string shownOption(const Value& option) {
+  const auto* members = option.getIf<Object>();
+  if (members == nullptr) return shownValue(option);
+  const Value* label = findMember(*members, {"label", "text", "name", "value"});
+  return shownValue(label == nullptr ? option : *label);
+}
+
+const Value& valueOfOption(const Value& option) {
+  const auto* members = option.getIf<Object>();
+  const Value* value = members == nullptr ? nullptr : findMember(*members, {"value"});
+  return value == nullptr ? option : *value;
+}
+
+/// Returns the text of a source without the quotes of a string.
+std::string_view withoutQuotes(std::string_view text) noexcept {
+  const bool isQuoted = text.size() >= 2 && text.front() == text.back() &&
+                        (text.front() == '"' || text.front() == '\'' || text.front() == '`');
+  return isQuoted ? text.substr(1, text.size() - 2) : text;
+}
+
+bool isChosen(const Control& control, const Value& option) {
+  if (const Value* value = valueIn(control)) return *value == valueOfOption(option);
+  const std::string shown = shownValue(valueOfOption(option));
+  return shown == control.text || shown == withoutQuotes(control.text);
+}
+
+void drawChoice(HtmlText& html, const Control& control, const Array& options) {
+  html.add("<fieldset class=choice disabled><legend>", control.name, "</legend>");
+  const std::size_t shown = std::min(options.size(), kMostOptions);
+  for (std::size_t i = 0; i < shown; ++i) {
+    html.add("<label><input type=radio disabled");
+    if (isChosen(control, options[i])) html.add(" checked");
+    html.add(">", shownOption(options[i]), "</label>");
+  }
+  if (shown < options.size()) html.add("<span>and ", options.size() - shown, " more</span>");
+  html.add("</fieldset>");
+}
+
+void drawCheckBox(HtmlText& html, const Control& control, bool isChecked) {
+  html.add("<label class=check><input type=checkbox disabled");
+  if (isChecked) html.add(" checked");
+  html.add(">", control.name, "</label>");
+}
+
+/// The bounds of a slider.
+struct Bounds {
+  double least;
+  double most;
+};
+
+std::optional<Bounds> boundsOf(const Object& data) {
+  const auto least = numberOf(findMember(data, {"min", "minimum"}));
+  const auto most = numberOf(findMember(data, {"max", "maximum"}));
+  if (!least || !most || *least >= *most) return std::nullopt;
+  return Bounds{*least, *most};
+}
+
+void drawSlider(HtmlText& html, const Control& control, const Bounds& bounds, double value) {
+  html.add("<label class=slider>", control.name, "<input type=range disabled step=any min=");
+  html.addNumber(bounds.least);
+  html.add(" max=");
+  html.addNumber(bounds.most);
+  html.add(" value=");
+  html.addNumber(std::clamp(value, bounds.least, bounds.most));
+  html.add("></label><b>");
+  html.addNumber(value);
+  html.add("</b> <span class=q>");
+  html.addNumber(bounds.least);
+  html.add(" to ");
+  html.addNumber(bounds.most);
+  if (const auto step = numberOf(findMember(control.data, {"step"}))) {
+    html.add(", step ");
+    html.addNumber(*step);
+  }
+  html.add("</span>");
+}
+
+void drawField(HtmlText& html, const Control& control) {
+  const Value* value = valueIn(control);
+  html.add(control.name, "<span class=field>", value == nullptr ? control.text : shownValue(*value),
+           "</span>");
+}
+
+void drawAny(HtmlText& html, const Control& control) {
+  const Value* options = findMember(control.data, {"options", "choices", "items", "values"});
+  if (options != nullptr && options->is<Array>() && !options->get<Array>().empty()) {
+    return drawChoice(html, control, options->get<Array>());
+  }
+  if (const auto truth = truthOf(control)) return drawCheckBox(html, control, *truth);
+  const Value* set = valueIn(control);
+  const auto value = set == nullptr ? numberOf(control.text) : numberOf(set);
+  const auto bounds = boundsOf(control.data);
+  if (bounds && value) return drawSlider(html, control, *bounds, *value);
+  drawField(html, control);
+}
+
+std::string trimmed(std::string text) {
+  constexpr std::string_view kBlanks = " \t";
+  text.erase(0, std::min(text.find_first_not_of(kBlanks), text.size()));
+  text.erase(text.find_last_not_of(kBlanks) + 1);
+  return text;
+}
+
+}  // namespace
+
+void drawControl(HtmlText& html, const pieces::PieceNode::Impl& control) {
+  std::u16string_view name = control.getId();
+  if (name.empty()) name = control.getType();
+  if (name.empty()) name = u"control";
+  drawAny(html, {.data = control.getData(),
+                 .text = trimmed(fl::i18n::ustring_to_utf8(control.getText())),
+                 .name = name,
+                 .type = control.getType()});
+}
+
+}  // namespace tessera::html

@@ -1,0 +1,31 @@
+# Embeds a style sheet in a source, with the hash that allows it in a content security policy.
+
+# quenlith_embed_style_sheet(SHEET TEMPLATE SOURCE): writes SOURCE from TEMPLATE, in which @styleSheet@ is the text of
+# SHEET without comments and indentation, and @styleHash@ its SHA-256 in base64.
+function(quenlith_embed_style_sheet sheet template source)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${sheet}")
+  file(READ "${sheet}" styleSheet)
+  string(REGEX REPLACE "/\\*[^*]*\\*+([^/*][^*]*\\*+)*/" "" styleSheet "${styleSheet}")
+  string(REGEX REPLACE "\n[ \n]*" "\n" styleSheet "${styleSheet}")
+  string(STRIP "${styleSheet}" styleSheet)
+  string(SHA256 hash "${styleSheet}")
+  quenlith_base64_of_hash(${hash} styleHash)
+  configure_file("${template}" "${source}" @ONLY)
+endfunction()
+
+# Sets a variable to the 32 bytes, given as hexadecimal digits, in base64.
+function(quenlith_base64_of_hash hash resultVariable)
+  set(digits "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/")
+  set(result "")
+  # Three bytes are four digits; of the last group, one byte is missing.
+  foreach(begin RANGE 0 60 6)
+    string(SUBSTRING "${hash}00" ${begin} 6 group)
+    foreach(shift 18 12 6 0)
+      math(EXPR digit "(0x${group} >> ${shift}) & 63")
+      string(SUBSTRING "${digits}" ${digit} 1 digit)
+      string(APPEND result "${digit}")
+    endforeach()
+  endforeach()
+  string(REGEX REPLACE ".$" "=" result "${result}")
+  set(${resultVariable} "${result}" PARENT_SCOPE)
+endfunction()

@@ -1,0 +1,281 @@
+#!/usr/bin/env python3
+"""Tests the page that `tessera parse --format html` writes, without a browser.
+
+page_test.py PROGRAM
+"""
+import base64
+import hashlib
+import html.parser
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+TESTS = pathlib.Path(__file__).resolve().parents[3]
+SOURCES = [*sorted((TESTS / "golden" / "check").glob("*.in")), *sorted((TESTS / "golden" / "tree").glob("*.in")),
+           *sorted(path for path in (TESTS.parent / "examples").iterdir() if path.is_file())]
+VOID = {"meta", "input", "br", "link", "img", "hr"}
+
+
+def parse(*arguments, status=0, **options):
+    done = subprocess.run([PROGRAM, "parse", "--format", "html", *arguments], capture_output=True, timeout=300, **options)
+    if done.returncode != status:
+        raise AssertionError((done.returncode, done.stderr.decode()))
+    return done.stdout.decode()
+
+
+class Page(html.parser.HTMLParser):
+    """Reads a page and checks its form: every element is closed in turn, every attribute is one that pages have."""
+
+    # Texts of files never become attributes: all values are of these forms.
+    VALUES = re.compile(r"[\w.,:;=' /+#-]*")
+
+    def __init__(self, text):
+        super().__init__(convert_charrefs=True)
+        self.open, self.ids, self.links, self.texts, self.elements = [], [], [], [], []
+        self.feed(text)
+        self.close()
+        assert not self.open, self.open
+
+    def handle_starttag(self, tag, attributes):
+        names = [name for name, _ in attributes]
+        assert len(names) == len(set(names)), (tag, attributes)
+        for name, value in attributes:
+            assert name != "style" and not name.startswith("on"), (tag, attributes)
+            assert self.VALUES.fullmatch(value or ""), (tag, attributes)
+        values = dict(attributes)
+        self.elements.append((tag, values))
+        if "id" in values:
+            self.ids.append(values["id"])
+        if "href" in values:
+            self.links.append(values["href"])
+        self.links += ["#" + name for name in values.get("aria-labelledby", "").split()]
+        if tag not in VOID:
+            self.open.append(tag)
+
+    def handle_startendtag(self, tag, attributes):
+        raise AssertionError(f"<{tag}/>")
+
+    def handle_endtag(self, tag):
+        assert self.open and self.open[-1] == tag, (tag, self.open, self.getpos())
+        self.open.pop()
+
+    def handle_data(self, data):
+        if not {"style", "title"} & set(self.open):
+            self.texts.append(data)
+
+    def handle_comment(self, data):
+        raise AssertionError(f"<!--{data}-->")
+
+    def handle_pi(self, data):
+        raise AssertionError(f"<?{data}>")
+
+    def text(self):
+        return "".join(self.texts)
+
+
+class PageTest(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+
+    def write(self, name, text):
+        path = self.folder / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(text if isinstance(text, bytes) else text.encode())
+        return str(path)
+
+    def page(self, text, name="a.py", *arguments):
+        return Page(parse(*arguments, self.write(name, text)))
+
+    def check_form(self, text):
+        page = Page(text)
+        self.assertEqual(len(page.ids), len(set(page.ids)))
+        for link in page.links:
+            self.assertTrue(link.startswith("#"), link)
+            self.assertIn(link[1:], page.ids)
+        return page
+
+    def test_every_source_gives_a_well_formed_page(self):
+        for path in SOURCES:
+            with self.subTest(path=path.name):
+                self.check_form(parse(str(path)))
+        self.assertGreater(len(SOURCES), 50)
+
+    def test_a_page_of_all_sources_is_well_formed(self):
+        page = self.check_form(parse(*map(str, SOURCES)))
+        self.assertEqual(sum(values.get("class", "").startswith("file") for _, values in page.elements), len(SOURCES))
+
+    def test_the_policy_allows_the_style_sheet_and_nothing_else(self):
+        text = parse(self.write("a.py", "x\n"))
+        policy = re.search(r'<meta http-equiv=Content-Security-Policy content="([^"]*)">', text)[1]
+        sheet = re.search(r"<style>(.*?)</style>", text, re.DOTALL)[1]
+        allowed = base64.b64encode(hashlib.sha256(sheet.encode()).digest()).decode()
+        self.assertEqual(policy, f"default-src 'none'; style-src 'sha256-{allowed}'; base-uri 'none'; form-action 'none'")
+        # Nothing that the policy is about precedes it.
+        self.assertLess(text.index("http-equiv"), text.index("<style"))
+        for word in ("url(", "@import", "http:", "https:", "<script", "<iframe", "src="):
+            self.assertNotIn(word, text)
+
+    def test_lines_have_their_numbers_and_text(self):
+        text = parse(self.write("a.py", "x = 1\n\n<b>&amp;\n# <@text:anchor#end>\n"))
+        self.assertIn('<ol class=l start=1>\n<li id=f1-1>x = 1</li>\n<li id=f1-2></li>\n<li id=f1-3>&lt;b&gt;&amp;amp;</li>\n',
+                      text)
+        self.assertIn("<li id=f1-4> <a class=a href=#f1-4><span class=v>anchor </span>end</a></li>", text)
+
+    def test_characters_without_a_shape_are_shown_by_their_numbers(self):
+        page = self.page("a\x00b\x1bc\rd\x7fe\u0085f\u202eg\u2066h\ufeffi\uffff\n")
+        line = re.search("a.*", page.text()[page.text().index("U+0000") - 1:])[0]
+        self.assertEqual(line, "aU+0000bU+001BcU+000DdU+007FeU+0085fU+202EgU+2066hU+FEFFiU+FFFF")
+
+    def test_a_page_does_not_depend_on_the_number_of_workers(self):
+        names = [*map(str, SOURCES)]
+        self.assertEqual(parse("-j", "1", *names), parse("-j", "3", *names))
+
+    def test_a_task_is_a_card_with_its_settings_and_lines(self):
+        source = ("a\n# <@task#t>\nb\n# <@task#t>\nc\n# <@appendix>\n"
+                  '# <@task#t {"text":"Do <it>","run":"auto","collapsed":"%s"}>\n')
+        for collapsed, begin in (("false", "<details class=t open>"), ("true", "<details class=t>")):
+            with self.subTest(collapsed=collapsed):
+                text = parse(self.write("a.py", source % collapsed))
+                card = text[text.index(begin):text.index("</details>", text.index(begin))]
+                self.assertIn("Do &lt;it&gt;</h3> <span class=q>3 lines</span>", card)
+                self.assertIn("<dt>run</dt><dd>auto</dd>", card)
+                self.assertEqual(re.findall(r"<li id=f1-(\d+)", card), ["2", "3", "4"])
+
+    def test_the_lines_of_a_long_task_are_in_its_card(self):
+        source = "# <@task#t>\n" + "x\n" * 1000 + "# <@task#t>\n" + "y\n"
+        page = parse(self.write("a.py", source))
+        card = page[page.index("<details class=t"):page.index("</details>", page.index("<details class=t"))]
+        self.assertEqual(len(re.findall("<li (?:class=y )?id=", card)), 1002)
+        self.assertEqual(card.count("<div class=\"k "), 6)
+        self.check_form(page)
+
+    def test_diagnostics_are_in_place_in_the_list_and_explained(self):
+        path = self.write("a.py", "x = 1\ny = 2  # <@outputs#y [0,1]>\n# <@task#t>\n")
+        page = self.check_form(parse(path))
+        diagnostics = json.loads(subprocess.run([PROGRAM, "check", "--format", "json", path], capture_output=True,
+                                                timeout=60).stdout)["diagnostics"]
+        self.assertEqual(len(diagnostics), 2)
+        for number, diagnostic in enumerate(diagnostics, 1):
+            self.assertEqual(page.text().count(diagnostic["message"]), 2)
+            self.assertIn(f"#f1-d{number}", page.links)
+            self.assertIn("#x-" + diagnostic["id"], page.links)
+            self.assertIn(f"{path}:{diagnostic['line']}:{diagnostic['column']}", page.text())
+
+    def test_a_task_marker_whose_partner_is_in_another_file_is_explained(self):
+        first, second = self.write("a.py", "# <@task#t>\n"), self.write("b.py", "# <@task#t>\n")
+        page = self.check_form(parse(first, second))
+        self.assertEqual(page.text().count(f"the other task marker with this id is at {second}:1:1"), 1)
+        self.assertEqual(page.text().count(f"the other task marker with this id is at {first}:1:1"), 1)
+        self.assertNotIn("\x01", page.text())
+
+    def test_a_file_that_cannot_be_parsed_is_listed(self):
+        bad, good = self.write("bad.py", b"x\n\xff\n"), self.write("good.py", "y\n")
+        missing = str(self.folder / "missing.py")
+        page = self.check_form(parse(bad, good, missing, status=3))
+        self.assertIn(f"error {bad}:2:1 ", page.text())
+        self.assertIn(f"error {missing} ", page.text())
+        self.assertIn("Not parsed", page.text())
+
+    def test_controls_are_drawn_as_their_data_says(self):
+        cases = [  # the text, the data, what is drawn
+            ("0.25", '{"min":0,"max":1,"step":0.05}', "<input type=range disabled step=any min=0 max=1 value=0.25>"),
+            ("7", '{"min":0,"max":5}', "max=5 value=5></label><b>7</b>"),
+            ("n", '{"min":0,"max":5,"value":3}', "max=5 value=3></label><b>3</b>"),
+            ("True", "{}", "<input type=checkbox disabled checked>"),
+            ("x", '{"value":false}', "<input type=checkbox disabled>"),
+            ("'b'", '{"options":["a","b"]}', "disabled>a</label><label><input type=radio disabled checked>b<"),
+            ("2", '{"choices":[1,2]}', "disabled>1</label><label><input type=radio disabled checked>2<"),
+            ("u", '{"items":[{"label":"U","value":"u"}]}', "<input type=radio disabled checked>U<"),
+            ("5", '{"min":5,"max":5}', "<span class=field>5</span>"),
+            ("five", '{"min":0,"max":9}', "<span class=field>five</span>"),
+            ("x", '{"default":"2024-01-01"}', "<span class=field>2024-01-01</span>"),
+        ]
+        for text, data, drawn in cases:
+            with self.subTest(text=text, data=data):
+                source = f"{text}  # <@control#c [0,{len(text)}] {data}>\n"
+                self.assertIn(drawn, parse(self.write("a.py", source)))
+
+    def test_a_piece_is_in_its_place(self):
+        text = parse(self.write("a.py", "y = f(x) + 1  # <@output#o [4,8] {\"a\":[1]}>\n"))
+        self.assertIn("<li id=f1-1>y = <mark class=o>f(x)</mark> + 1   <span class=\"w o\">", text)
+        self.assertIn("<pre>{\n  &quot;a".replace("&quot;", '"'), text)
+
+    def test_an_empty_file_and_no_file_at_all_have_pages(self):
+        self.assertIn("This file is empty.", self.page("").text())
+        (self.folder / "none").mkdir()
+        self.check_form(parse(str(self.folder / "none")))
+
+    def test_a_file_with_a_name_that_is_not_utf8(self):
+        path = os.path.join(os.fsencode(self.folder), b"\xff<b>.py")
+        pathlib.Path(os.fsdecode(path)).write_text("x\n")
+        self.assertIn("\ufffd<b>.py", self.check_form(parse(path)).text())
+
+    def test_the_file_appears_when_it_is_complete(self):
+        path = self.write("a.py", "x\n")
+        target = self.folder / "page.html"
+        parse("-o", str(target), path)
+        self.assertEqual(target.read_text(), parse(path))
+        self.assertEqual([*self.folder.glob("*.partial")], [])
+
+    def test_a_page_takes_at_most_six_times_the_source(self):
+        marked = "".join(f"value_{i} = compute({i})  # <@output#o{i} [0,5]>\n" if i % 10 == 0 else
+                         f"value_{i} = compute({i}, previous=value_{i - 1})\n" for i in range(20000))
+        self.assertLess(len(parse(self.write("a.py", marked))), 6 * len(marked))
+
+
+class Contrast(unittest.TestCase):
+    """The colours of the style sheet, by the formulas of WCAG 2.2."""
+
+    SHEET = (TESTS.parent / "apps" / "tessera" / "html" / "page.css").read_text()
+    PAIRS = [  # text, background, least contrast
+        *[(text, back, 4.5) for text in ("text", "quiet", "link") for back in ("page", "panel", "raised")],
+        ("task", "raised", 4.5), ("task", "panel", 4.5),
+        ("output", "output-back", 4.5), ("text", "output-back", 4.5),
+        ("control", "control-back", 4.5), ("text", "control-back", 4.5),
+        ("failure", "failure-back", 4.5), ("text", "failure-back", 4.5), ("link", "failure-back", 4.5),
+        ("warning", "warning-back", 4.5), ("text", "warning-back", 4.5), ("link", "warning-back", 4.5),
+        ("quiet", "warning-back", 4.5), ("failure", "panel", 4.5),
+        ("failure-bar", "panel", 3), ("warning-bar", "panel", 3), ("output", "panel", 3), ("control", "panel", 3),
+    ]
+
+    @staticmethod
+    def colours(block):
+        return dict(re.findall(r"--([\w-]+): (#[0-9a-f]{6});", block))
+
+    @staticmethod
+    def luminance(colour):
+        channels = [int(colour[at:at + 2], 16) / 255 for at in (1, 3, 5)]
+        red, green, blue = [value / 12.92 if value <= 0.04045 else ((value + 0.055) / 1.055) ** 2.4 for value in channels]
+        return 0.2126 * red + 0.7152 * green + 0.0722 * blue
+
+    def contrast(self, first, second):
+        light, dark = sorted(map(self.luminance, (first, second)), reverse=True)
+        return (light + 0.05) / (dark + 0.05)
+
+    def test_the_formula(self):
+        self.assertAlmostEqual(self.contrast("#000000", "#ffffff"), 21)
+        self.assertAlmostEqual(self.contrast("#777777", "#ffffff"), 4.48, places=2)
+
+    def test_every_pair_of_colours(self):
+        light, dark = [self.colours(block) for block in re.findall(r":root \{(.*?)\}", self.SHEET, re.DOTALL)[:2]]
+        self.assertEqual(light.keys(), dark.keys())
+        for name, colours in (("light", light), ("dark", dark)):
+            for text, back, least in self.PAIRS:
+                with self.subTest(mode=name, text=text, back=back):
+                    self.assertGreaterEqual(self.contrast(colours[text], colours[back]), least)
+
+    def test_colours_are_properties(self):
+        rest = self.SHEET[self.SHEET.index("* {"):self.SHEET.index("@media print")]
+        self.assertEqual(re.findall(r"#[0-9a-fA-F]{3,8}\b|rgb\(|hsl\(", rest), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
