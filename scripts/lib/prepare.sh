@@ -10,6 +10,7 @@ buildPackages=(
 )
 testPackages=(
   libgtest-dev libgmock-dev libicu-dev rapidjson-dev python3 python3-jsonschema
+  fish mandoc zsh
 )
 gatePackages=(clang-format-14 clang-tidy-14 python3)
 benchPackages=(

@@ -100,6 +100,11 @@ class InstalledTree(unittest.TestCase):
             # An installed framework has other messages.
             self.assertIn("ServiceFactory" if FRAMEWORK else "the dictionary of BrokenParser is missing", said)
 
+    def test_the_manual_page_and_the_completions_are_where_programs_look_for_them(self):
+        for name in ("man/man1/tessera.1", "bash-completion/completions/tessera",
+                     "zsh/vendor-completions/_tessera", "fish/vendor_completions.d/tessera.fish"):
+            self.assertIn("omit", (self.prefix / "share" / name).read_text(), name)
+
     def test_the_tree_can_be_moved(self):
         before = self.parse(*self.bundle("output_text"))
         moved = self.work / "moved tree ñ" / "deeper"

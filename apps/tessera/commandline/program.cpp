@@ -32,7 +32,7 @@ constexpr Group kParseGroups[] = {{"Document", kParseOptions}, kBundles, kInput,
 constexpr Example kParseExamples[] = {
     {"tessera parse fit.py", "Show the document of a file."},
     {"tessera parse --format json fit.py", "The whole document, for other programs."},
-    {"tessera parse --format html -o page.html src", "A page about all files of a folder."},
+    {"tessera parse --format html -o page.html .", "A page about all files of a folder."},
     {"tessera parse --format ndjson --glob '*.py' .", "All Python files, one record per line."},
     {"echo '# <@task#t1>' | tessera parse --trace -", "Show what the parsers do with a line."},
 };
