@@ -1,14 +1,17 @@
-"""scripts_test.py SOURCE: tests the total of test reports, what the lint checks, and commands in scripts/
-that cannot build."""
+"""scripts_test.py SOURCE TESSERA: tests the total of test reports, what the lint checks, and commands in scripts/
+that cannot build or say how to begin."""
 
 import pathlib
+import re
+import shlex
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
 
-SCRIPTS = pathlib.Path(sys.argv[1]).resolve() / "scripts"
+SOURCE, TESSERA = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+SCRIPTS = SOURCE / "scripts"
 sys.path.insert(0, str(SCRIPTS / "lib"))
 
 import lint  # noqa: E402
@@ -74,6 +77,23 @@ class Scripts(unittest.TestCase):
         )
         self.assertEqual((done.returncode, done.stdout), (125, ""), done.stderr)
         self.assertIn("parse: the build failed", done.stderr)
+
+    def test_parse_without_arguments_shows_commands_that_work(self):
+        for cwd in (SOURCE, self.folder):
+            done = subprocess.run([SCRIPTS / "parse"], cwd=cwd, capture_output=True, text=True, timeout=60)
+            self.assertEqual((done.returncode, done.stdout), (2, ""))
+            commands = [shlex.split(line) for line in re.findall("^  (\\S.*)", done.stderr, re.MULTILINE)]
+            self.assertEqual(len(commands), 3, done.stderr)
+            for script, *arguments in commands:
+                self.assertEqual((cwd / script).resolve(), SCRIPTS / "parse")
+                # The program that the script would build. Its output does not go into the project.
+                arguments = [str(self.folder / word) if word == "page.html" else word for word in arguments]
+                run = subprocess.run([TESSERA, "parse", *arguments], cwd=cwd, capture_output=True, text=True,
+                                     timeout=120)
+                self.assertEqual((run.returncode, run.stderr), (0, ""), arguments)
+            for page in ("README.md", "docs/options.md"):
+                shown = re.search(rf"\S*{page}", done.stderr)[0]
+                self.assertTrue((cwd / shown).is_file(), shown)
 
 
 class Lint(unittest.TestCase):
