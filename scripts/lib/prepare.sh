@@ -6,10 +6,10 @@ root=$(dirname "$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")")
 # libboost1.81-dev conflicts with libboost-dev (1.74): no package here may depend on the latter.
 buildPackages=(
   g++ cmake ninja-build pkg-config zip
-  libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libutf8proc-dev libgit2-dev libzip-dev nlohmann-json3-dev
+  libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libutf8proc-dev libgit2-dev libminizip-dev nlohmann-json3-dev
 )
 testPackages=(
-  libgtest-dev libgmock-dev libicu-dev rapidjson-dev python3 python3-jsonschema
+libgtest-dev libgmock-dev libicu-dev libzip-dev rapidjson-dev python3 python3-jsonschema
   fish mandoc zsh
 )
 gatePackages=(clang-format-14 clang-tidy-14 python3)

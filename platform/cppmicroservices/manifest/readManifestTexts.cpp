@@ -1,4 +1,4 @@
-#include <zip.h>
+#include <unzip.h>
 
 #include <algorithm>
 #include <array>
@@ -7,9 +7,9 @@
 #include <cstring>
 #include <fstream>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 #include <string_view>
+#include <type_traits>
 
 #include "manifest/bundleManifests.hpp"
 
@@ -30,12 +30,11 @@ constexpr const char* kArchiveRemedy =
     "append a zip archive that holds <symbolic name>/manifest.json to the library, after it was "
     "stripped";
 
-// libzip converts the times of entries to local time, with data of the C library that all threads
-// share and whose lock the thread sanitizer does not see.
-std::mutex archives;
+struct CloseArchive {
+  void operator()(void* archive) const noexcept { ::unzClose(archive); }
+};
 
-using Archive = std::unique_ptr<zip_t, decltype(&zip_discard)>;
-using ArchiveFile = std::unique_ptr<zip_file_t, decltype(&zip_fclose)>;
+using Archive = std::unique_ptr<std::remove_pointer_t<unzFile>, CloseArchive>;
 
 std::uint32_t littleEndian(std::string_view bytes, std::size_t place) {
   std::uint32_t value = 0;
@@ -44,10 +43,10 @@ std::uint32_t littleEndian(std::string_view bytes, std::size_t place) {
   return value;
 }
 
-// Returns the position in the file that the archive's offsets are relative to. `tail` is the end of
-// the file, which has `fileBytes` bytes.
-std::uint64_t archiveStart(const std::string& location, std::string_view tail,
-                           std::uint64_t fileBytes) {
+// Refuses a file whose last bytes, `tail`, do not end an archive that can be in its `fileBytes`
+// bytes.
+void requireWholeArchive(const std::string& location, std::string_view tail,
+                         std::uint64_t fileBytes) {
   const std::size_t end = tail.rfind(kEndSignature);
   if (end == std::string_view::npos || tail.size() - end < kEndBytes) {
     refuseBundle(location, "there is no complete zip archive at the end of the file",
@@ -61,10 +60,9 @@ std::uint64_t archiveStart(const std::string& location, std::string_view tail,
     refuseBundle(location, "the zip archive at the end of the file has lost its beginning",
                  kArchiveRemedy);
   }
-  return directoryEnd - directoryEndByOffset;
 }
 
-std::uint64_t findArchive(const std::string& location) {
+void requireArchive(const std::string& location) {
   std::ifstream file(location, std::ios::binary | std::ios::ate);
   const std::streamoff fileBytes = file ? std::streamoff{file.tellg()} : -1;
   const auto tailBytes = std::min<std::streamoff>(fileBytes, kEndBytes + kLongestComment);
@@ -74,38 +72,64 @@ std::uint64_t findArchive(const std::string& location) {
     refuseBundle(location, std::string("the file cannot be read (") + std::strerror(errno) + ")",
                  "give the path of the library of a bundle");
   }
-  return archiveStart(location, tail, static_cast<std::uint64_t>(fileBytes));
+  requireWholeArchive(location, tail, static_cast<std::uint64_t>(fileBytes));
 }
 
-[[noreturn]] void refuseArchive(const std::string& location, const std::string& problem) {
-  refuseBundle(location, "the zip archive at the end of the file is damaged (" + problem + ")",
+const char* describeResult(int result) {
+  switch (result) {
+    case UNZ_CRCERROR:
+      return "CRC error";
+    case UNZ_BADZIPFILE:
+      return "a header is wrong or names a method that is not supported";
+    case Z_DATA_ERROR:
+      return "an entry cannot be decompressed";
+    default:
+      return "it cannot be read";
+  }
+}
+
+void requireReadable(const std::string& location, int result) {
+  if (result == UNZ_OK) return;
+  refuseBundle(location,
+               std::string("the zip archive at the end of the file is damaged (") +
+                   describeResult(result) + ")",
                kArchiveRemedy);
 }
 
-Archive openArchive(const std::string& location) {
-  const std::uint64_t start = findArchive(location);
-  zip_error_t error;
-  zip_error_init(&error);
-  zip_source_t* const source = zip_source_file_create(location.c_str(), start, -1, &error);
-  Archive archive(source == nullptr ? nullptr : zip_open_from_source(source, ZIP_RDONLY, &error),
-                  zip_discard);
-  const std::string problem = archive ? "" : zip_error_strerror(&error);
-  zip_error_fini(&error);
-  if (archive) return archive;
-  zip_source_free(source);
-  refuseArchive(location, problem);
+std::uint64_t countEntries(const std::string& location, unzFile archive) {
+  unz_global_info64 info;
+  requireReadable(location, ::unzGetGlobalInfo64(archive, &info));
+  return info.number_entry;
 }
 
-std::string readEntry(const std::string& location, zip_t* archive, std::uint64_t index) {
-  const ArchiveFile file(zip_fopen_index(archive, index, 0), zip_fclose);
-  if (!file) refuseArchive(location, zip_strerror(archive));
+Archive openArchive(const std::string& location) {
+  requireArchive(location);
+  Archive archive(::unzOpen64(location.c_str()));
+  requireReadable(location, archive ? UNZ_OK : UNZ_BADZIPFILE);
+  return archive;
+}
+
+std::string readEntryName(const std::string& location, unzFile archive) {
+  unz_file_info64 entry;
+  requireReadable(location,
+                  ::unzGetCurrentFileInfo64(archive, &entry, nullptr, 0, nullptr, 0, nullptr, 0));
+  std::string name(entry.size_filename, '\0');
+  requireReadable(location, ::unzGetCurrentFileInfo64(archive, nullptr, name.data(),
+                                                      entry.size_filename, nullptr, 0, nullptr, 0));
+  return name;
+}
+
+std::string readEntry(const std::string& location, unzFile archive) {
+  requireReadable(location, ::unzOpenCurrentFile(archive));
   std::string text;
   std::array<char, 4096> buffer{};
-  zip_int64_t count = 0;
-  while ((count = zip_fread(file.get(), buffer.data(), buffer.size())) > 0) {
+  int count = 0;
+  while ((count = ::unzReadCurrentFile(archive, buffer.data(), buffer.size())) > 0) {
     text.append(buffer.data(), static_cast<std::size_t>(count));
   }
-  if (count < 0) refuseArchive(location, zip_file_strerror(file.get()));
+  requireReadable(location, count);
+  // Closing the entry compares its checksum.
+  requireReadable(location, ::unzCloseCurrentFile(archive));
   return text;
 }
 
@@ -122,13 +146,14 @@ void refuseBundle(const std::string& location, const std::string& problem,
 }
 
 std::vector<ManifestText> readManifestTexts(const std::string& location) {
-  const std::lock_guard lock(archives);
   const Archive archive = openArchive(location);
   std::vector<ManifestText> manifests;
-  const auto count = static_cast<std::uint64_t>(zip_get_num_entries(archive.get(), 0));
+  const std::uint64_t count = countEntries(location, archive.get());
   for (std::uint64_t index = 0; index < count; ++index) {
-    const std::string path = zip_get_name(archive.get(), index, ZIP_FL_ENC_GUESS);
-    if (isManifest(path)) manifests.push_back({path, readEntry(location, archive.get(), index)});
+    requireReadable(location, index == 0 ? ::unzGoToFirstFile(archive.get())
+                                         : ::unzGoToNextFile(archive.get()));
+    const std::string path = readEntryName(location, archive.get());
+    if (isManifest(path)) manifests.push_back({path, readEntry(location, archive.get())});
   }
   if (manifests.empty()) {
     refuseBundle(location, "the zip archive at the end of the file has no manifest",
