@@ -67,6 +67,12 @@ terminal::Style styleOf(const CheckOptions& options, int descriptor) {
           .isTerminal = ::isatty(descriptor) != 0};
 }
 
+run::Processes processesOf(const CheckOptions& options) {
+  // A file that is named twice is fixed once and then found to be correct.
+  if (options.fixes == Fixes::kApplied) return run::Processes::kOwn;
+  return options.bundles.empty() ? run::Processes::kAny : run::Processes::kWorkers;
+}
+
 int runCheck(const CheckOptions& options, std::vector<inputs::Input> files) {
   int resumedStatus = kFine;
   const run::RecordRules rules = recordRules(options.failOn, resumedStatus);
@@ -77,9 +83,7 @@ int runCheck(const CheckOptions& options, std::vector<inputs::Input> files) {
   const auto makeJob = [&](const workers::JobContext& context) {
     return std::make_unique<CheckJob>(options, run.inputs(), context);
   };
-  // A file that is named twice is fixed once and then found to be correct.
-  run.work(makeJob, collector,
-           options.fixes == Fixes::kApplied ? run::Processes::kOne : run::Processes::kAny);
+  run.work(makeJob, collector, processesOf(options));
   collector.finish();
   run.complete();
   return std::max(resumedStatus, collector.status());

@@ -67,7 +67,8 @@ int markers(const MarkersOptions& options) {
   const auto makeJob = [&](const workers::JobContext& context) {
     return std::make_unique<MarkersJob>(options, run.inputs(), context);
   };
-  run.work(makeJob, collector, run::Processes::kAny);
+  run.work(makeJob, collector,
+           options.bundles.empty() ? run::Processes::kAny : run::Processes::kWorkers);
   run.complete();
   return collector.hasFailed() ? kInputsFailed : kFine;
 }

@@ -105,7 +105,10 @@ class ParseRun {
 
  private:
   run::Processes processes() const noexcept {
-    return recording ? run::Processes::kOne : run::Processes::kAny;
+    if (recording) return run::Processes::kOwn;
+    const bool hasErrorRecords = options.format == ParseFormat::kNdjson;
+    return hasErrorRecords || !options.bundles.empty() ? run::Processes::kWorkers
+                                                       : run::Processes::kAny;
   }
 
   session::Recording* recordingOrNull() noexcept { return recording ? &*recording : nullptr; }

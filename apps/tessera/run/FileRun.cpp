@@ -74,7 +74,7 @@ void FileRun::work(const workers::MakeJob& makeJob, workers::Collector& collecto
                    Processes processes) {
   FailureGuard guard(files, failedBefore, collector);
   progress::RunProgress progress(options.progress, files);
-  if (processes == Processes::kOne || (options.workers == 1 && options.timeout.count() == 0)) {
+  if (isDoneHere(processes)) {
     workers::runHere(makeJob, guard, files.size(), progress);
   } else {
     workers::WorkerPool pool(
@@ -83,6 +83,12 @@ void FileRun::work(const workers::MakeJob& makeJob, workers::Collector& collecto
     pool.run(files.size());
   }
   progress.finish();
+}
+
+bool FileRun::isDoneHere(Processes processes) const noexcept {
+  if (processes == Processes::kOwn) return true;
+  if (options.timeout.count() != 0) return false;
+  return options.workers == 1 || (processes == Processes::kAny && files.size() == 1);
 }
 
 bool isCompleted(const RunOptions& options) {

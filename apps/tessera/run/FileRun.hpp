@@ -12,9 +12,16 @@
 
 namespace tessera::run {
 
-/// Whether the processes of a run may be several. Some work depends on the order in which files are
-/// changed or called.
-enum class Processes { kAny, kOne };
+/// Which processes do the work of a run.
+enum class Processes {
+  /// Workers; a single file without a time limit is quicker in the program's own process.
+  kAny,
+  /// Workers even for a single file: one that crashes is reported. For bundles of others and for
+  /// output with error records.
+  kWorkers,
+  /// The program's own process: the work depends on the order in which files are changed or called.
+  kOwn,
+};
 
 /// The run of a command over its inputs: lists them, opens the output, and has a job done.
 class FileRun {
@@ -29,14 +36,17 @@ class FileRun {
   /// The open file that the output goes to.
   int outputDescriptor() const noexcept { return target.descriptor(); }
 
-  /// Does the work on all inputs; `collector` takes what comes of it. Throws WorkerUnusable and
-  /// what the job and the collector throw.
+  /// Does the work on all inputs; `collector` takes what comes of it. With one worker and no time
+  /// limit, and where `processes` says so, in this process. Throws WorkerUnusable and what the job
+  /// and the collector throw.
   void work(const workers::MakeJob& makeJob, workers::Collector& collector, Processes processes);
 
   /// Call it once everything is written. Throws OutputError.
   void complete() { target.complete(); }
 
  private:
+  bool isDoneHere(Processes processes) const noexcept;
+
   const RunOptions& options;
   RunOutput target;
   std::vector<inputs::Input> files;

@@ -191,6 +191,14 @@ class Workers(ManyFiles):
             for number in set(range(20)) - {7, 8, 19}:
                 self.assertEqual(found[number], expected[number])
 
+    def test_a_single_file_that_another_bundle_crashes_on_is_reported(self):
+        self.write("a", b"# %<@text:anchor#segv>\n")
+        for command in ("parse", "check", "markers"):
+            done = tessera(command, "a", "--bundle", FAULTY, cwd=self.folder)
+            self.assertEqual(done.returncode, 3)
+            self.assertIn(b"a:1:1: error: ", done.stderr)
+            self.assertIn(b"signal 11", done.stderr)
+
     def test_a_file_that_takes_too_long_is_given_up(self):
         self.write_sources(6)
         self.write("t/003", b"# %<@text:anchor#hang>\n")
