@@ -37,7 +37,7 @@ function(quenlith_install_package)
   quenlith_name_bundles()
   configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/QuenlithConfig.cmake.in"
     "${work}/configured/QuenlithConfig.cmake" INSTALL_DESTINATION "${QUENLITH_PACKAGE_FOLDER}"
-    PATH_VARS CMAKE_INSTALL_LIBDIR NO_SET_AND_CHECK_MACRO)
+    PATH_VARS CMAKE_INSTALL_BINDIR CMAKE_INSTALL_LIBDIR NO_SET_AND_CHECK_MACRO)
   file(GENERATE OUTPUT "${work}/QuenlithConfig.cmake" INPUT "${work}/configured/QuenlithConfig.cmake")
   write_basic_package_version_file("${work}/QuenlithConfigVersion.cmake"
     COMPATIBILITY SameMinorVersion)

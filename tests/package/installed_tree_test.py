@@ -7,6 +7,7 @@ prefix contains a space and a letter outside ASCII; one test moves the tree to a
 import json
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
@@ -85,6 +86,24 @@ class InstalledTree(unittest.TestCase):
             line["contributorData"],
             [{"contributingFeature": "output", "lineData": [{"format": "short"}]}],
         )
+
+    def test_a_new_bundle_builds_is_loaded_and_passes_its_test(self):
+        source = self.work / "new bundle"
+        shown = run(self.prefix / "bin" / "tessera", "new-bundle", "word_count", source).stdout
+        commands = re.findall("^  (.*)", shown, re.MULTILINE)
+        self.assertEqual([shlex.split(command)[0] for command in commands], ["cmake", "cmake", "ctest"])
+        # The commands as shown, with the compiler of this build.
+        for command in commands:
+            run("bash", "-c", command, cwd="/", env={**bare_environment(), "CXX": COMPILER})
+        output = json.loads(run(self.prefix / "bin" / "tessera", "parse", "--format", "json", "--bundle",
+                                source / "build" / "libword_count.so", source / "test" / "sample.py",
+                                cwd="/", env=bare_environment()).stdout)
+        self.assertEqual([child["text"] for child in output["nodes"][0]["children"]],
+                         ["x = ", "word_count: 10", "  "])
+        # The test fails if the bundle makes another node.
+        sample = source / "test" / "sample.py"
+        sample.write_text(sample.read_text().replace("10", "11"))
+        run("ctest", "--test-dir", source / "build", status=8)
 
     def test_bundles_work_together(self):
         line = self.parse(*self.bundle("output_data"), *self.bundle("output_text"))[1]

@@ -146,6 +146,21 @@ constexpr Example kDoctorExamples[] = {
     {"tessera doctor --format json", "The same for other programs."},
 };
 
+constexpr Group kNewBundleGroups[] = {kGeneral};
+constexpr Operand kNewBundleOperands[] = {
+    {.name = "NAME",
+     .help = "The name of the bundle: lower-case words with \"_\" between them.",
+     .completion = Completion::kNothing,
+     .isRequired = true},
+    {.name = "DIRECTORY",
+     .help = "The folder to write to, which must be empty or not exist.",
+     .completion = Completion::kDirectories,
+     .isRequired = true},
+};
+constexpr Example kNewBundleExamples[] = {
+    {"tessera new-bundle word_count word-count", "Write a bundle that parses control:word_count."},
+};
+
 constexpr Group kHelpGroups[] = {kGeneral};
 constexpr Operand kHelpOperands[] = {
     {.name = "COMMAND",
@@ -179,6 +194,9 @@ constexpr Command kCommands[] = {
      {},
      kDoctorGroups,
      kDoctorExamples},
+    {"new-bundle", "Write the template of a bundle that adds a parser.",
+     "The template builds against an installed tree, and has a test that loads the bundle.",
+     kNewBundleOperands, kNewBundleGroups, kNewBundleExamples},
     {"help", "Show the commands, or the options of one.", "", kHelpOperands, kHelpGroups,
      kHelpExamples},
 };

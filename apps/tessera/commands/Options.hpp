@@ -68,6 +68,11 @@ struct DoctorOptions {
   std::vector<std::string> bundles;
 };
 
+struct NewBundleOptions {
+  std::string name;
+  std::string directory;
+};
+
 struct ReplayOptions {
   std::vector<std::string> bundles;
   std::string file;

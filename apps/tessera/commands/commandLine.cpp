@@ -15,6 +15,7 @@
 #include "tessera/commands/doctor.hpp"
 #include "tessera/commands/explain.hpp"
 #include "tessera/commands/markers.hpp"
+#include "tessera/commands/newBundle.hpp"
 #include "tessera/commands/parse.hpp"
 #include "tessera/commands/readOptions.hpp"
 #include "tessera/commands/replay.hpp"
@@ -58,6 +59,7 @@ int runCommand(const commandline::Arguments& arguments) {
   if (name == "markers") return markers(readMarkersOptions(arguments));
   if (name == "explain") return explain(readExplainOptions(arguments));
   if (name == "replay") return replay(readReplayOptions(arguments));
+  if (name == "new-bundle") return newBundle(readNewBundleOptions(arguments));
   if (name == "doctor") return doctor(readDoctorOptions(arguments));
   throw std::logic_error("the command " + std::string(name) + " does nothing");
 }

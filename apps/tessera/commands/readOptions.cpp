@@ -199,6 +199,10 @@ ExplainOptions readExplainOptions(const Arguments& arguments) {
   return options;
 }
 
+NewBundleOptions readNewBundleOptions(const Arguments& arguments) {
+  return {.name = arguments.operands().front(), .directory = arguments.operands().back()};
+}
+
 ReplayOptions readReplayOptions(const Arguments& arguments) {
   return {.bundles = readBundles(arguments), .file = arguments.operands().front()};
 }

@@ -11,6 +11,7 @@ ParseOptions readParseOptions(const commandline::Arguments& arguments);
 CheckOptions readCheckOptions(const commandline::Arguments& arguments);
 MarkersOptions readMarkersOptions(const commandline::Arguments& arguments);
 ExplainOptions readExplainOptions(const commandline::Arguments& arguments);
+NewBundleOptions readNewBundleOptions(const commandline::Arguments& arguments);
 ReplayOptions readReplayOptions(const commandline::Arguments& arguments);
 DoctorOptions readDoctorOptions(const commandline::Arguments& arguments);
 

@@ -14,7 +14,7 @@ constexpr std::string_view kHead = R"(# Completion of tessera for bash.
 
 _tessera() {
   local command='' option='' current="${COMP_WORDS[COMP_CWORD]}" word
-  local -i index ended=0
+  local -i index ended=0 place=0
   COMPREPLY=()
   for ((index = 1; index < COMP_CWORD; ++index)); do
     word="${COMP_WORDS[index]}"
@@ -22,6 +22,8 @@ _tessera() {
       ended=1
     elif [[ -z $command && $word != -* ]]; then
       command="$word"
+    elif [[ $word != -* ]]; then
+      place+=1
     fi
   done
   index=$((COMP_CWORD - 1))
@@ -127,14 +129,25 @@ std::string optionCases(const Program& program) {
   return cases + "    esac\n  fi\n";
 }
 
+/// Returns what is offered for the operands of a command. The place of an operand counts only if
+/// there are several: the values of options are counted too.
+std::string offerOperands(const Command& command, const Program& program,
+                          std::span<const Choice> diagnostics) {
+  if (command.operands.empty()) return offer("");
+  std::string cases;
+  for (std::size_t i = 0; i + 1 < command.operands.size(); ++i) {
+    cases += "((place == " + std::to_string(i) + ")) && { " +
+             offerFor(command.operands[i].completion, program, diagnostics) + "; }; ";
+  }
+  return cases + offerFor(command.operands.back().completion, program, diagnostics);
+}
+
 std::string operandCases(const Program& program, std::span<const Choice> diagnostics) {
   std::string cases = "  case $command in\n    '') ";
   cases += offer(namesOf(program.commands)) + " ;;\n";
   for (const Command& command : program.commands) {
-    const Completion completion =
-        command.operands.empty() ? Completion::kNothing : command.operands.front().completion;
     cases += "    " + std::string(command.name) + ") " +
-             offerFor(completion, program, diagnostics) + " ;;\n";
+             offerOperands(command, program, diagnostics) + " ;;\n";
   }
   return cases + "  esac\n";
 }

@@ -92,12 +92,12 @@ std::string linesFor(const Command& command, const Program& program,
       lines += lineFor(command.name, option, program, diagnostics);
     }
   }
-  for (const Operand& operand : command.operands) {
-    const bool isFile = operand.completion == Completion::kFiles;
-    lines += lineFor(command.name) +
-             (isFile ? " -F" : valuesFor(operand.completion, program, diagnostics)) + "\n";
-  }
-  return lines;
+  if (command.operands.empty()) return lines;
+  // Of several operands, what the last one may be is offered for all.
+  const Completion completion = command.operands.back().completion;
+  const bool isFile = completion == Completion::kFiles;
+  return lines + lineFor(command.name) +
+         (isFile ? " -F" : valuesFor(completion, program, diagnostics)) + "\n";
 }
 
 }  // namespace

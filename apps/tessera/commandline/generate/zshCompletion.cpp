@@ -104,8 +104,10 @@ std::string argumentsOf(const Command& command) {
   for (const Group& group : command.groups) {
     for (const Option& option : group.options) text += " \\\n        " + specOf(option);
   }
+  std::size_t place = 0;
   for (const Operand& operand : command.operands) {
-    text += " \\\n        '" + std::string(operand.isRepeatable ? "*" : "1") + ":" +
+    ++place;
+    text += " \\\n        '" + (operand.isRepeatable ? "*" : std::to_string(place)) + ":" +
             std::string(operand.name) + ":" + actionOf(operand.completion) + "'";
   }
   return text;
