@@ -17,6 +17,11 @@ endif()
 add_compile_options(-fno-semantic-interposition)
 add_link_options(-Wl,-Bsymbolic-functions)
 
+# What is installed does not depend on where it was built: __FILE__ and the like give relative paths.
+foreach(option IN ITEMS "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=./build")
+  add_compile_options("$<$<CONFIG:Release>:${option}>")
+endforeach()
+
 # The build tree has the layout of the installed tree, so that programs find libraries and bundles
 # relative to themselves in both.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")

@@ -9,8 +9,8 @@ buildPackages=(
   libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libutf8proc-dev libgit2-dev libminizip-dev nlohmann-json3-dev
 )
 testPackages=(
-libgtest-dev libgmock-dev libicu-dev libzip-dev rapidjson-dev python3 python3-jsonschema
-  fish mandoc zsh
+  libgtest-dev libgmock-dev libicu-dev libzip-dev rapidjson-dev python3 python3-jsonschema
+  fish mandoc zsh dpkg-dev file
 )
 gatePackages=(clang-format-14 clang-tidy-14 python3)
 benchPackages=(

@@ -17,11 +17,9 @@ fs::path libraryFolder() {
 
 BundleFiles findBundles() {
   const fs::path folder = libraryFolder();
-  // The runtime of the embedded framework is installed next to our libraries; that of an installed
-  // framework stays where it is.
-  const fs::path configured = TESSERA_DECLARATIVE_SERVICES;
-  const fs::path embedded = folder / configured.filename();
-  return {fs::exists(embedded) ? embedded.string() : configured.string(),
+  // The runtime of the embedded framework is a file name. That of an installed framework is an
+  // absolute path, which replaces the folder.
+  return {(folder / TESSERA_DECLARATIVE_SERVICES).string(),
           (folder / TESSERA_PARSER_BUNDLE).string(), (folder / TESSERA_PIECE_BUNDLE).string()};
 }
 
