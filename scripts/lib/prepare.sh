@@ -10,7 +10,7 @@ buildPackages=(
 )
 testPackages=(
   libgtest-dev libgmock-dev libicu-dev libzip-dev rapidjson-dev python3 python3-jsonschema
-  fish mandoc zsh dpkg-dev file
+  fish mandoc zsh dpkg-dev file doxygen
 )
 gatePackages=(clang-format-14 clang-tidy-14 python3)
 benchPackages=(

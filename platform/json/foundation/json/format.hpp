@@ -27,7 +27,7 @@ QUENLITH_JSON_EXPORT void appendCanonicalNumber(std::string& output, double numb
 /// Appends a text in quotes, as UTF-8.
 ///
 /// The quote, the backslash, U+0000 to U+001F and U+007F to U+009F are escaped: in the
-/// two-character form where JSON has one, else as \u00xx in lower case. Unpaired surrogates and
+/// two-character form where JSON has one, else as `\u00xx` in lower case. Unpaired surrogates and
 /// ill-formed UTF-8 are written as U+FFFD.
 QUENLITH_JSON_EXPORT void appendQuoted(std::string& output, std::u16string_view text);
 QUENLITH_JSON_EXPORT void appendQuoted(std::string& output, std::string_view utf8);
