@@ -8,7 +8,9 @@ buildPackages=(
   g++ cmake ninja-build pkg-config zip
   libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libutf8proc-dev libgit2-dev libminizip-dev nlohmann-json3-dev
 )
+# Chromium opens the page of `tessera parse --format html`; without it that test is skipped.
 testPackages=(
+  chromium
   libgtest-dev libgmock-dev libicu-dev libzip-dev rapidjson-dev python3 python3-jsonschema
   fish mandoc zsh dpkg-dev file doxygen
 )

@@ -39,6 +39,17 @@ const Value* findMember(const Object& data, std::initializer_list<std::string_vi
   return nullptr;
 }
 
+using Keys = std::initializer_list<std::string_view>;
+
+/// Returns whether no member of `data` has a key other than `keys`, and of those that say the value
+/// only one is there.
+bool hasOnly(const Object& data, Keys keys) {
+  if (data.contains("value") && data.contains("default")) return false;
+  return std::ranges::all_of(data, [keys](const auto& member) {
+    return std::ranges::find(keys, member.first) != keys.end();
+  });
+}
+
 std::optional<double> numberOf(const Value* value) {
   if (value == nullptr) return std::nullopt;
   std::optional<double> number;
@@ -110,7 +121,11 @@ bool isChosen(const Control& control, const Value& option) {
   return shown == control.text || shown == withoutQuotes(control.text);
 }
 
-void drawChoice(HtmlText& html, const Control& control, const Array& options) {
+bool isObject(const Value& value) noexcept {
+  return value.is<Object>();
+}
+
+bool drawChoice(HtmlText& html, const Control& control, const Array& options) {
   html.add("<fieldset class=choice disabled><legend>", control.name, "</legend>");
   const std::size_t shown = std::min(options.size(), kMostOptions);
   for (std::size_t i = 0; i < shown; ++i) {
@@ -120,12 +135,15 @@ void drawChoice(HtmlText& html, const Control& control, const Array& options) {
   }
   if (shown < options.size()) html.add("<span>and ", options.size() - shown, " more</span>");
   html.add("</fieldset>");
+  return shown == options.size() && std::ranges::none_of(options, isObject) &&
+         hasOnly(control.data, {"options", "choices", "items", "values", "value", "default"});
 }
 
-void drawCheckBox(HtmlText& html, const Control& control, bool isChecked) {
+bool drawCheckBox(HtmlText& html, const Control& control, bool isChecked) {
   html.add("<label class=check><input type=checkbox disabled");
   if (isChecked) html.add(" checked");
   html.add(">", control.name, "</label>");
+  return hasOnly(control.data, {"value", "default"});
 }
 
 /// The bounds of a slider.
@@ -141,7 +159,7 @@ std::optional<Bounds> boundsOf(const Object& data) {
   return Bounds{*least, *most};
 }
 
-void drawSlider(HtmlText& html, const Control& control, const Bounds& bounds, double value) {
+bool drawSlider(HtmlText& html, const Control& control, const Bounds& bounds, double value) {
   html.add("<label class=slider>", control.name, "<input type=range disabled step=any min=");
   html.addNumber(bounds.least);
   html.add(" max=");
@@ -159,15 +177,18 @@ void drawSlider(HtmlText& html, const Control& control, const Bounds& bounds, do
     html.addNumber(*step);
   }
   html.add("</span>");
+  return hasOnly(control.data, {"min", "max", "step", "value", "default"});
 }
 
-void drawField(HtmlText& html, const Control& control) {
+bool drawField(HtmlText& html, const Control& control) {
   const Value* value = valueIn(control);
   html.add(control.name, "<span class=field>", value == nullptr ? control.text : shownValue(*value),
            "</span>");
+  if (!control.type.empty()) html.add("<span class=q>", control.type, "</span>");
+  return hasOnly(control.data, {"value", "default"});
 }
 
-void drawAny(HtmlText& html, const Control& control) {
+bool drawAny(HtmlText& html, const Control& control) {
   const Value* options = findMember(control.data, {"options", "choices", "items", "values"});
   if (options != nullptr && options->is<Array>() && !options->get<Array>().empty()) {
     return drawChoice(html, control, options->get<Array>());
@@ -177,7 +198,7 @@ void drawAny(HtmlText& html, const Control& control) {
   const auto value = set == nullptr ? numberOf(control.text) : numberOf(set);
   const auto bounds = boundsOf(control.data);
   if (bounds && value) return drawSlider(html, control, *bounds, *value);
-  drawField(html, control);
+  return drawField(html, control);
 }
 
 std::string trimmed(std::string text) {
@@ -189,14 +210,14 @@ std::string trimmed(std::string text) {
 
 }  // namespace
 
-void drawControl(HtmlText& html, const pieces::PieceNode::Impl& control) {
+bool drawControl(HtmlText& html, const pieces::PieceNode::Impl& control) {
   std::u16string_view name = control.getId();
   if (name.empty()) name = control.getType();
   if (name.empty()) name = u"control";
-  drawAny(html, {.data = control.getData(),
-                 .text = trimmed(fl::i18n::ustring_to_utf8(control.getText())),
-                 .name = name,
-                 .type = control.getType()});
+  return drawAny(html, {.data = control.getData(),
+                        .text = trimmed(fl::i18n::ustring_to_utf8(control.getText())),
+                        .name = name,
+                        .type = control.getType()});
 }
 
 }  // namespace tessera::html

@@ -8,9 +8,9 @@ namespace tessera::html {
 namespace {
 
 // Laying out a group of so many rows takes less than the time of one frame.
-constexpr std::size_t kFullGroup = 200;
+constexpr std::size_t kFullGroup = 50;
 // The style sheet has the height of a group in steps of so many rows, up to the last step.
-constexpr std::size_t kRowsPerStep = 25;
+constexpr std::size_t kRowsPerStep = 10;
 constexpr std::size_t kLastStep = 16;
 constexpr std::size_t kRowsOfCard = 4;
 

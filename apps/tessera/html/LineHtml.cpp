@@ -26,6 +26,11 @@ bool belongTogether(const PieceNode::Impl& left, const PieceNode::Impl& right) {
          left.getType() == right.getType();
 }
 
+void addMarkerData(HtmlText& html, const PieceNode::Impl& piece, std::u16string_view name) {
+  html.add("<details class=j><summary>data<span class=v> of ", name, "</span></summary><pre>",
+           indentedJson(piece.getData()), "</pre></details>");
+}
+
 }  // namespace
 
 void LineHtml::begin(std::uint64_t newFile, std::uint64_t newNumber) {
@@ -90,21 +95,22 @@ void LineHtml::addPiece(const PieceNode::Impl& piece, bool isControl) {
 
 void LineHtml::describePiece(const PieceNode::Impl& piece, bool isControl) {
   HtmlText html(labels);
+  std::u16string_view name = piece.getId();
+  if (name.empty()) name = piece.getType();
   if (isControl) {
-    html.add(" <span class=\"w c\"><span class=v>control </span>");
-    drawControl(html, piece);
-  } else {
-    html.add(" <span class=\"w o\"><span class=v>output </span>");
-    html.add(piece.getId().empty() ? std::u16string_view(u"output") : piece.getId());
+    html.add(" <span class=\"w c\">");
+    const bool isComplete = drawControl(html, piece);
+    html.add("</span>");
+    if (!isComplete) addMarkerData(html, piece, name);
+    return;
   }
-  if (!isControl && !piece.getType().empty()) {
+  if (name.empty()) name = u"output";
+  html.add(" <span class=\"w o\">", name);
+  if (!piece.getType().empty() && name != piece.getType()) {
     html.add(" <span class=q>", piece.getType(), "</span>");
   }
   html.add("</span>");
-  if (piece.getData().empty()) return;
-  html.add("<details class=j><summary>data<span class=v> of ",
-           piece.getId().empty() ? piece.getType() : piece.getId(), "</span></summary><pre>",
-           indentedJson(piece.getData()), "</pre></details>");
+  if (!piece.getData().empty()) addMarkerData(html, piece, name);
 }
 
 /// Adds a node of a class that another bundle defines.
@@ -141,7 +147,7 @@ void LineHtml::write(std::string& output) const {
 }
 
 void addAnchor(HtmlText& html, std::uint64_t file, std::uint64_t number, std::u16string_view id) {
-  html.add(" <a class=a href=#f", file, "-", number, "><span class=v>anchor </span>", id, "</a>");
+  html.add(" <a class=a href=#f", file, "-", number, ">", id, "</a>");
 }
 
 }  // namespace tessera::html

@@ -36,6 +36,14 @@ void countPiece(const Node& node, SectionCounts& counts) {
   ++(isControl ? counts.controls : counts.outputs);
 }
 
+/// A long outline is a sequence of lists that a browser lays out when they come into view.
+void beginEntry(HtmlText& html, std::uint64_t index) {
+  constexpr std::uint64_t kEntriesOfList = 100;
+  if (index % kEntriesOfList != 0) return;
+  if (index != 0) html.add("</ol>\n");
+  html.add("<ol class=\"k h10\">\n");
+}
+
 }  // namespace
 
 SectionCounts countParts(const PageFile& file) {
@@ -52,16 +60,19 @@ void writeOutline(files::OutputText& output, const PageFile& file, const Section
   if (counts.anchors + counts.tasks == 0) return;
   HtmlText html(output.text());
   html.add("<nav class=outline aria-labelledby=\"f", file.number, "o f", file.number,
-           "h\"><h3 id=f", file.number, "o>Outline</h3>\n<ol>\n");
+           "h\"><h3 id=f", file.number, "o>Outline</h3>\n");
+  std::uint64_t entries = 0;
   visitNodes(file.parsed, [&](const Node& node, std::uint64_t line) {
     const bool isTask = formats::kindOf(node) == NodeKind::kTaskLine;
+    if (node->getAnchorId().empty() && !isTask) return;
+    beginEntry(html, entries++);
     if (!node->getAnchorId().empty()) {
       html.add("<li class=oa><a href=#f", file.number, "-", line, ">", node->getAnchorId(),
                "</a></li>\n");
     }
     if (isTask) {
-      html.add("<li class=ot><a href=#f", file.number, "-", line, "><span class=v>task </span>",
-               titleOfTask(node), "</a></li>\n");
+      html.add("<li class=ot><a href=#f", file.number, "-", line, ">", titleOfTask(node),
+               "</a></li>\n");
     }
     output.flushIfLarge();
   });
