@@ -3,10 +3,10 @@
 
 run_examples.py PROGRAM_FOLDER PAGE... [--update]
 
-A console block has commands, each after "$ ", with further lines of a command after "> ", and the
-output of each command below it. The blocks of a page run in order in one temporary folder, with
-PROGRAM_FOLDER first in PATH; standard error is part of the output. A block of another language that
-is marked `json` must be JSON. With --update the output in the pages is replaced.
+A console block has commands, each after "$ ", with further lines of a command after "> " (">" for an
+empty one), and the output of each command below it. The blocks of a page run in order in one temporary
+folder, with PROGRAM_FOLDER first in PATH; standard error is part of the output. A block of another language
+that is marked `json` must be JSON. With --update the output in the pages is replaced.
 """
 import json
 import os
@@ -27,7 +27,7 @@ def steps(block):
             found.append(([line[2:]], []))
         elif not found:
             raise ValueError(f"a console block must begin with a command: {line}")
-        elif line.startswith("> ") and not found[-1][1]:
+        elif (line == ">" or line.startswith("> ")) and not found[-1][1]:
             found[-1][0].append(line[2:])
         else:
             found[-1][1].append(line)
@@ -36,7 +36,7 @@ def steps(block):
 
 def run(command, folder, programs):
     environment = dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}", LC_ALL="C.UTF-8")
-    done = subprocess.run(["bash", "-c", "\n".join(command)], cwd=folder, env=environment, timeout=60,
+    done = subprocess.run(["bash", "-c", "\n".join(command)], cwd=folder, env=environment, timeout=300,
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     return done.stdout.decode().splitlines()
 
@@ -70,7 +70,7 @@ class Page:
             if actual != shown:
                 wanted, got = "\n".join(shown), "\n".join(actual)
                 self.faults.append(f"{self.path}: {command[0]}\n--- shown\n{wanted}\n--- written\n{got}")
-            lines += ["$ " + command[0], *("> " + line for line in command[1:]), *actual]
+            lines += ["$ " + command[0], *(("> " + line).rstrip() for line in command[1:]), *actual]
         return "```console\n" + "".join(line + "\n" for line in lines) + "```"
 
     def require_json(self, content):

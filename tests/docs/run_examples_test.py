@@ -31,6 +31,10 @@ class RunExamples(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertIn("3 commands", done.stdout)
 
+    def test_a_command_may_have_an_empty_line(self):
+        done = self.run_page("```console\n$ cat <<'END'\n> a\n>\n> b\n> END\na\n\nb\n```\n")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+
     def test_other_output_fails(self):
         self.assertFails("```console\n$ echo a\nb\n```\n", "--- shown\nb\n--- written\na")
         self.assertFails("```console\n$ echo a\n```\n", "--- written\na")

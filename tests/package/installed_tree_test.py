@@ -105,6 +105,11 @@ class InstalledTree(unittest.TestCase):
         sample.write_text(sample.read_text().replace("10", "11"))
         run("ctest", "--test-dir", source / "build", status=8)
 
+    @unittest.skipIf(FRAMEWORK, "an installed framework has other messages")
+    def test_the_extension_guide_works_as_shown(self):
+        run(sys.executable, f"{SOURCE}/tests/docs/run_examples.py", self.prefix / "bin",
+            f"{SOURCE}/docs/extension-guide.md", env={**bare_environment(), "CXX": COMPILER})
+
     def test_bundles_work_together(self):
         line = self.parse(*self.bundle("output_data"), *self.bundle("output_text"))[1]
         self.assertEqual((len(line["contributorData"]), len(line["children"])), (1, 2))
