@@ -69,117 +69,107 @@ std::string numberOf(char32_t code) {
   return "<U+" + digits + ">";
 }
 
-/// Cuts a line into glyphs.
-class Layout {
- public:
-  explicit Layout(std::u16string_view text) : text(text) {}
+/// Returns whether `unit` is printable ASCII.
+constexpr bool isPrintableAscii(char16_t unit) {
+  return unit >= 0x20 && unit < 0x7F;
+}
 
-  std::vector<Glyph> glyphs() {
-    for (std::size_t at = 0; at < text.size();) {
-      const Character character(text.substr(at));
-      add(character, at);
-      at += character.units;
-    }
-    return std::move(found);
-  }
+/// Returns whether `text` begins like the number of a character that cannot be seen.
+bool looksLikeNumber(std::u16string_view text) {
+  constexpr std::u16string_view kHex = u"0123456789ABCDEF";
+  constexpr std::u16string_view kStart = u"<U+";
+  if (!text.starts_with(kStart)) return false;
+  const std::size_t end = text.find_first_not_of(kHex, kStart.size());
+  return end != text.npos && end > kStart.size() && text[end] == u'>';
+}
 
- private:
-  void add(const Character& character, std::size_t at) {
-    const bool joins = joinsCluster(character);
-    if (character.code == U'\t') {
-      const std::size_t columns = kTabColumns - column % kTabColumns;
-      return addAlone({at, at + 1, columns, std::string(columns, ' '), false});
-    }
-    if (joins && (!isHidden(character) || isPartOfEmoji(character))) return extend(character);
-    if (isHidden(character)) {
-      const std::string number = numberOf(character.code);
-      return addAlone({at, at + character.units, number.size(), number, true});
-    }
-    begin(character, at);
-  }
+/// Returns the columns by which a character that follows `last` in a cluster makes it wider: for
+/// most scripts its own width, as terminals add them up.
+std::size_t columnsAdded(const Character& character, const Glyph& glyph, bool isEmoji) {
+  if (character.code == kEmojiSelector) return glyph.columns < 2 ? 1 : 0;
+  if (isEmoji) return 0;
+  const auto boundClass = character.properties->boundclass;
+  const bool isInSyllable =
+      boundClass == UTF8PROC_BOUNDCLASS_V || boundClass == UTF8PROC_BOUNDCLASS_T;
+  return isInSyllable ? 0 : character.columns();
+}
 
-  /// Returns whether there is no boundary between the cluster and `character`.
-  bool joinsCluster(const Character& character) {
-    if (!hasCluster) return false;
-    return !utf8proc_grapheme_break_stateful(static_cast<utf8proc_int32_t>(last),
-                                             static_cast<utf8proc_int32_t>(character.code), &state);
-  }
-
-  /// Returns whether an invisible character after the cluster chooses how it looks. A second
-  /// selector has no such use.
-  bool isPartOfEmoji(const Character& character) const {
-    const bool isSelector = character.code == kTextSelector || character.code == kEmojiSelector;
-    if (isSelector) return last != kTextSelector && last != kEmojiSelector;
-    return isEmoji && (character.properties->boundclass == UTF8PROC_BOUNDCLASS_ZWJ ||
-                       character.properties->boundclass == UTF8PROC_BOUNDCLASS_EXTEND);
-  }
-
-  void begin(const Character& character, std::size_t at) {
-    const auto boundClass = character.properties->boundclass;
-    isEmoji = boundClass == UTF8PROC_BOUNDCLASS_EXTENDED_PICTOGRAPHIC;
-    hasCluster = true;
-    state = 0;
-    last = character.code;
-    // A combining character without a base takes one column.
-    append({at, at + character.units, std::max<std::size_t>(character.columns(), 1),
-            utf8Of(at, character.units), false});
-  }
-
-  void extend(const Character& character) {
-    Glyph& glyph = found.back();
-    glyph.text += utf8Of(glyph.end, character.units);
-    glyph.end += character.units;
-    widen(glyph, columnsAdded(character, glyph));
-    last = character.code;
-  }
-
-  /// Returns the columns by which `character` makes its cluster wider: for most scripts its own
-  /// width, as terminals add them up.
-  std::size_t columnsAdded(const Character& character, const Glyph& glyph) const {
-    if (character.code == kEmojiSelector) return glyph.columns < 2 ? 1 : 0;
-    if (isEmoji) return 0;
-    const auto boundClass = character.properties->boundclass;
-    const bool isInSyllable =
-        boundClass == UTF8PROC_BOUNDCLASS_V || boundClass == UTF8PROC_BOUNDCLASS_T;
-    return isInSyllable ? 0 : character.columns();
-  }
-
-  void widen(Glyph& glyph, std::size_t columns) {
-    glyph.columns += columns;
-    column += columns;
-  }
-
-  void addAlone(Glyph glyph) {
-    hasCluster = false;
-    append(std::move(glyph));
-  }
-
-  void append(Glyph glyph) {
-    column += glyph.columns;
-    found.push_back(std::move(glyph));
-  }
-
-  std::string utf8Of(std::size_t at, std::size_t units) const {
-    std::string utf8;
-    fl::i18n::appendUtf8(utf8, text.substr(at, units));
-    return utf8;
-  }
-
-  std::u16string_view text;
-  std::vector<Glyph> found;
-  // The column after the last glyph.
-  std::size_t column = 0;
-  // The last glyph, if it is a cluster: its last character, and whether it begins with an emoji.
-  bool hasCluster = false;
-  bool isEmoji = false;
-  char32_t last = 0;
-  utf8proc_int32_t state = 0;
-};
+/// Returns whether an invisible character after `last` in a cluster chooses how it looks. A second
+/// selector has no such use.
+bool isPartOfEmoji(const Character& character, char32_t last, bool isEmoji) {
+  const bool isSelector = character.code == kTextSelector || character.code == kEmojiSelector;
+  if (isSelector) return last != kTextSelector && last != kEmojiSelector;
+  return isEmoji && (character.properties->boundclass == UTF8PROC_BOUNDCLASS_ZWJ ||
+                     character.properties->boundclass == UTF8PROC_BOUNDCLASS_EXTEND);
+}
 
 }  // namespace
 
+bool GlyphCursor::advance() {
+  if (current.end == text.size()) return false;
+  current.begin = current.end;
+  current.text.clear();
+  current.isNumber = false;
+  takeFirst();
+  column += current.columns;
+  return true;
+}
+
+void GlyphCursor::takeFirst() {
+  const std::u16string_view rest = text.substr(current.begin);
+  if (isPrintableAscii(rest[0]) && (rest.size() == 1 || isPrintableAscii(rest[1]))) {
+    if (rest[0] == u'<' && looksLikeNumber(rest)) return takeNumber(rest[0], 1);
+    current.text += static_cast<char>(rest[0]);
+    current.columns = 1;
+    ++current.end;
+    return;
+  }
+  const Character character(rest);
+  if (character.code == U'\t') return takeTab();
+  if (isHidden(character)) return takeNumber(character.code, character.units);
+  takeCluster();
+}
+
+void GlyphCursor::takeTab() {
+  current.columns = kTabColumns - column % kTabColumns;
+  current.text.append(current.columns, ' ');
+  ++current.end;
+}
+
+void GlyphCursor::takeNumber(char32_t code, std::size_t units) {
+  current.text = numberOf(code);
+  current.columns = current.text.size();
+  current.isNumber = true;
+  current.end += units;
+}
+
+void GlyphCursor::takeCluster() {
+  const Character first(text.substr(current.begin));
+  const bool isEmoji = first.properties->boundclass == UTF8PROC_BOUNDCLASS_EXTENDED_PICTOGRAPHIC;
+  // A combining character without a base takes one column.
+  current.columns = std::max<std::size_t>(first.columns(), 1);
+  current.end += first.units;
+  char32_t last = first.code;
+  utf8proc_int32_t state = 0;
+  while (current.end < text.size()) {
+    const Character next(text.substr(current.end));
+    if (utf8proc_grapheme_break_stateful(static_cast<utf8proc_int32_t>(last),
+                                         static_cast<utf8proc_int32_t>(next.code), &state)) {
+      break;
+    }
+    if (isHidden(next) && !isPartOfEmoji(next, last, isEmoji)) break;
+    current.columns += columnsAdded(next, current, isEmoji);
+    current.end += next.units;
+    last = next.code;
+  }
+  fl::i18n::appendUtf8(current.text, text.substr(current.begin, current.end - current.begin));
+}
+
 std::vector<Glyph> layOut(std::u16string_view text) {
-  return Layout(text).glyphs();
+  std::vector<Glyph> glyphs;
+  GlyphCursor cursor(text);
+  while (cursor.advance()) glyphs.push_back(cursor.glyph());
+  return glyphs;
 }
 
 }  // namespace tessera::terminal

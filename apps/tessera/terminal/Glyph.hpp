@@ -21,12 +21,36 @@ struct Glyph {
   bool isNumber = false;
 };
 
-/// Returns the glyphs of `text`, one line without its ending.
+/// Cuts a line without its ending into glyphs, one after the other, in linear time.
 ///
-/// Tab stops are 8 columns apart, the first one at the start of `text`. Control characters,
+/// Tab stops are 8 columns apart, the first one at the start of the text. Control characters,
 /// unpaired surrogates and characters that are invisible, change the direction of text, are spaces
-/// other than U+0020 and U+3000, or whose width is not defined are written as <U+200B>. Joiners and
-/// variation selectors are kept where they are part of an emoji. Linear.
+/// other than U+0020 and U+3000, or whose width is not defined are written as <U+200B>. Text that
+/// looks like such a number begins with <U+003C>, so that the two can be told apart. Joiners and
+/// variation selectors are kept where they are part of an emoji.
+class GlyphCursor {
+ public:
+  /// Borrows `text`.
+  explicit GlyphCursor(std::u16string_view text) : text(text) {}
+
+  /// Moves to the next glyph. Returns whether there is one.
+  bool advance();
+  /// The current glyph; valid until the next call of `advance`.
+  const Glyph& glyph() const noexcept { return current; }
+
+ private:
+  void takeFirst();
+  void takeTab();
+  void takeNumber(char32_t code, std::size_t units);
+  void takeCluster();
+
+  std::u16string_view text;
+  Glyph current;
+  // The column after the current glyph.
+  std::size_t column = 0;
+};
+
+/// Returns the glyphs of `text`, as `GlyphCursor` finds them.
 std::vector<Glyph> layOut(std::u16string_view text);
 
 }  // namespace tessera::terminal

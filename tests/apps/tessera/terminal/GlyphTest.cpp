@@ -105,8 +105,14 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Glyph, TellsHiddenCharactersFromTextThatLooksLikeThem) {
   const auto hidden = layOut(u"\u200B");
   const auto text = layOut(u"<U+200B>");
-  EXPECT_TRUE(hidden.front().isNumber);
-  EXPECT_FALSE(text.front().isNumber);
+  EXPECT_EQ(hidden.front().text, "<U+200B>");
+  EXPECT_EQ(text.front().text, "<U+003C>");
+  EXPECT_EQ(text.front().end, 1U);
+  EXPECT_TRUE(text.front().isNumber);
+  // Not a number: a digit, the end or the beginning is missing, or the digits are lower-case.
+  for (const auto* other : {u"<U+>", u"<U+200B", u"<U 200B>", u"<U+200b>", u"<", u"U+200B>"}) {
+    EXPECT_FALSE(layOut(other).front().isNumber);
+  }
 }
 
 TEST(Glyph, GlyphsCoverTheTextInOrder) {
