@@ -28,7 +28,11 @@ class Readme(unittest.TestCase):
     def parse(self, text, *options):
         (self.folder / "fit.py").write_text(text, encoding="utf-8")
         done = subprocess.run(
-            [TESSERA, "parse", *options, "fit.py"], cwd=self.folder, stdout=subprocess.PIPE, text=True
+            [TESSERA, "parse", *options, "fit.py"],
+            cwd=self.folder,
+            env=dict(os.environ, LC_ALL="C.UTF-8"),
+            stdout=subprocess.PIPE,
+            encoding="utf-8",
         )
         self.assertEqual(done.returncode, 0)
         return done.stdout

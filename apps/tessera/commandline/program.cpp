@@ -13,6 +13,16 @@ constexpr Choice kParseFormats[] = {
     {"ndjson", "the same, one line per file"},
     {"html", "one page about all files, for a browser"},
 };
+constexpr Choice kColors[] = {
+    {"auto", "on a terminal, unless NO_COLOR is set"},
+    {"always", "whatever the output is"},
+    {"never", "not at all"},
+};
+constexpr Option kColor{.name = "--color",
+                        .value = "WHEN",
+                        .help = "When text is coloured.",
+                        .choices = kColors,
+                        .noun = "a way to colour"};
 constexpr Option kParseOptions[] = {
     {.name = "--format",
      .value = "FORMAT",
@@ -21,7 +31,13 @@ constexpr Option kParseOptions[] = {
      .noun = "a format"},
     {.name = "--omit-empty",
      .help = "Leave out JSON members whose value is empty: \"\", [], {}, null, false or 0."},
-    {.name = "--trace", .help = "Show the records that the parsers emit."},
+    {.name = "--trace",
+     .help = "Show the records that the parsers emit; in a tree, everything about each line."},
+    {.name = "--width",
+     .value = "COLUMNS",
+     .help = "The longest row of a tree.",
+     .fallback = "the width of the terminal"},
+    kColor,
     {.name = "--record",
      .value = "FILE",
      .help = "Write the calls of the parsers for tessera replay.",
@@ -47,11 +63,6 @@ constexpr Choice kSeverities[] = {
     {"warning", "also what is only suspect"},
     {"never", "nothing"},
 };
-constexpr Choice kColors[] = {
-    {"auto", "on a terminal, unless NO_COLOR is set"},
-    {"always", "whatever the output is"},
-    {"never", "not at all"},
-};
 constexpr Option kCheckOptions[] = {
     {.name = "--format",
      .value = "FORMAT",
@@ -63,11 +74,7 @@ constexpr Option kCheckOptions[] = {
      .help = "The severity from which on the exit status is 1.",
      .choices = kSeverities,
      .noun = "a severity"},
-    {.name = "--color",
-     .value = "WHEN",
-     .help = "When text is coloured.",
-     .choices = kColors,
-     .noun = "a way to colour"},
+    kColor,
     {.name = "--fix", .help = "Make the fixes that are safe, and write what is left."},
     {.name = "--dry-run",
      .help = "With --fix: change nothing, and write the fixes as a unified diff.",

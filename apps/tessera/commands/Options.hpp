@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,10 @@ enum class ParseFormat { kTree, kJson, kNdjson, kHtml };
 struct ParseOptions {
   ParseFormat format = ParseFormat::kTree;
   bool trace = false;
+  terminal::ColorMode color = terminal::ColorMode::kAuto;
+  /// The longest row of a tree. Without it, that of the terminal; if there is none, rows are not
+  /// folded.
+  std::optional<std::size_t> columns;
   foundation::json::EmptyMembers emptyMembers = foundation::json::EmptyMembers::kWritten;
   host::Pieces pieces = host::Pieces::kKept;
   /// Empty: the calls are not recorded.

@@ -4,17 +4,18 @@
 
 #include "tessera/formats/DocumentJson.hpp"
 #include "tessera/formats/DocumentRecord.hpp"
-#include "tessera/formats/DocumentTree.hpp"
+#include "tessera/tree/DocumentTree.hpp"
 
 namespace tessera::commands {
 namespace {
 
 std::unique_ptr<formats::DocumentWriter> makeWriter(const ParseOptions& options,
+                                                    const tree::TreeStyle& style,
                                                     files::OutputText& output) {
   using foundation::json::Form;
   const auto records = options.trace ? formats::Records::kShown : formats::Records::kHidden;
   if (options.format == ParseFormat::kTree) {
-    return std::make_unique<formats::DocumentTree>(output, records);
+    return std::make_unique<tree::DocumentTree>(output, style, records);
   }
   const Form form = options.format == ParseFormat::kJson ? Form::kIndented : Form::kCompact;
   return std::make_unique<formats::DocumentJson>(
@@ -32,8 +33,9 @@ bool sparesPlainLines(const ParseOptions& options) {
 
 }  // namespace
 
-ParseJob::ParseJob(const ParseOptions& options, const std::vector<inputs::Input>& inputs,
-                   session::Recording* recording, const workers::JobContext& context)
+ParseJob::ParseJob(const ParseOptions& options, const tree::TreeStyle& style,
+                   const std::vector<inputs::Input>& inputs, session::Recording* recording,
+                   const workers::JobContext& context)
     : FileJob({.bundles = options.bundles,
                .pieces = options.pieces,
                .keepsRecords = options.trace,
@@ -43,7 +45,7 @@ ParseJob::ParseJob(const ParseOptions& options, const std::vector<inputs::Input>
               inputs, context),
       options(options),
       writing({&context.progress, kParsingShare}),
-      writer(makeWriter(options, output())) {}
+      writer(makeWriter(options, style, output())) {}
 
 /// The memory of a file is freed before the next one is read.
 void ParseJob::work(const std::string& path) {

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -25,6 +26,8 @@
 #include "tessera/run/FileRun.hpp"
 #include "tessera/run/TextCollector.hpp"
 #include "tessera/run/listFiles.hpp"
+#include "tessera/terminal/settings.hpp"
+#include "tessera/tree/TreeStyle.hpp"
 
 namespace tessera::commands {
 namespace {
@@ -82,6 +85,16 @@ std::vector<Input> listInputsOf(const ParseOptions& options) {
   return inputs;
 }
 
+/// Returns the style of a tree that is written to `descriptor`.
+tree::TreeStyle styleOf(const ParseOptions& options, int descriptor) {
+  const std::optional<std::size_t> columns =
+      options.columns ? options.columns : terminal::terminalColumns(descriptor);
+  return {.color = terminal::wantsColor(options.color, descriptor),
+          .symbols = terminal::usesUtf8() ? tree::Symbols::kUnicode : tree::Symbols::kAscii,
+          .columns = columns ? std::max(*columns, tree::TreeStyle::kFewestColumns)
+                             : terminal::RowFolder::kUnlimited};
+}
+
 /// A run of the command, perhaps with a recording of its calls.
 class ParseRun {
  public:
@@ -127,11 +140,14 @@ class ParseRun {
     run::TextCollector collector(
         run.inputs(), run.output(),
         {.what = "no document could be made",
-         .appendRecord = [this](std::string& text, const diagnostics::Problem& problem) {
-           appendProblem(text, options, problem);
-         }});
-    const auto makeJob = [this](const workers::JobContext& context) {
-      return std::make_unique<ParseJob>(options, run.inputs(), recordingOrNull(), context);
+         .appendRecord =
+             [this](std::string& text, const diagnostics::Problem& problem) {
+               appendProblem(text, options, problem);
+             }},
+        options.format == ParseFormat::kTree ? "\n" : "");
+    const tree::TreeStyle style = styleOf(options, run.outputDescriptor());
+    const auto makeJob = [&, this](const workers::JobContext& context) {
+      return std::make_unique<ParseJob>(options, style, run.inputs(), recordingOrNull(), context);
     };
     run.work(makeJob, collector, processes());
     return hasErrors || collector.hasFailed() ? kInputsFailed : kFine;

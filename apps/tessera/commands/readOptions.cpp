@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "tessera/commandline/failUsage.hpp"
+#include "tessera/tree/TreeStyle.hpp"
 #include "tessera/workers/WorkerPool.hpp"
 
 namespace tessera::commands {
@@ -135,6 +137,22 @@ run::RunOptions readRun(const Arguments& arguments) {
   return options;
 }
 
+terminal::ColorMode readColor(const Arguments& arguments) {
+  return choose<terminal::ColorMode>(arguments, "--color",
+                                     {{"auto", terminal::ColorMode::kAuto},
+                                      {"always", terminal::ColorMode::kAlways},
+                                      {"never", terminal::ColorMode::kNever}});
+}
+
+std::optional<std::size_t> readColumns(const Arguments& arguments) {
+  constexpr std::uint64_t kMostColumns = 1'000'000;
+  const std::string* const text = arguments.find("--width");
+  if (text == nullptr) return std::nullopt;
+  const std::uint64_t count = readCount(*text);
+  if (count >= tree::TreeStyle::kFewestColumns && count <= kMostColumns) return count;
+  failValue(arguments, *text, "a width: use 20 to 1000000 columns");
+}
+
 Fixes readFixes(const Arguments& arguments) {
   if (!arguments.has("--fix")) return Fixes::kNone;
   return arguments.has("--dry-run") ? Fixes::kShown : Fixes::kApplied;
@@ -150,6 +168,8 @@ ParseOptions readParseOptions(const Arguments& arguments) {
                                         {"ndjson", ParseFormat::kNdjson},
                                         {"html", ParseFormat::kHtml}});
   options.trace = arguments.has("--trace");
+  options.columns = readColumns(arguments);
+  options.color = readColor(arguments);
   if (arguments.has("--omit-empty")) {
     options.emptyMembers = foundation::json::EmptyMembers::kOmitted;
   }
@@ -170,10 +190,7 @@ CheckOptions readCheckOptions(const Arguments& arguments) {
   options.failOn = choose<FailOn>(
       arguments, "--fail-on",
       {{"failure", FailOn::kFailure}, {"warning", FailOn::kWarning}, {"never", FailOn::kNever}});
-  options.color = choose<terminal::ColorMode>(arguments, "--color",
-                                              {{"auto", terminal::ColorMode::kAuto},
-                                               {"always", terminal::ColorMode::kAlways},
-                                               {"never", terminal::ColorMode::kNever}});
+  options.color = readColor(arguments);
   options.bundles = readBundles(arguments);
   options.pieces = readPieces(arguments);
   options.run = readRun(arguments);

@@ -13,10 +13,14 @@ constexpr std::size_t kLargePieceBytes = 64 * 1024;
 }  // namespace
 
 TextCollector::TextCollector(const std::vector<inputs::Input>& inputs, files::OutputFile& output,
-                             LossText lossText)
-    : inputs(inputs), output(output), lossText(std::move(lossText)) {}
+                             LossText lossText, std::string_view separator)
+    : inputs(inputs), output(output), lossText(std::move(lossText)), separator(separator) {}
 
 void TextCollector::addText(std::string_view piece) {
+  if (hasText && writtenBytes == 0) {
+    output.text() += separator;
+    writtenBytes += separator.size();
+  }
   writtenBytes += piece.size();
   if (piece.size() >= kLargePieceBytes) return output.writeThrough(piece);
   // Small texts are written together.
@@ -30,6 +34,7 @@ void TextCollector::addMessage(std::string_view message) {
 }
 
 void TextCollector::endInput(std::size_t /*index*/, workers::Outcome outcome) {
+  hasText |= writtenBytes != 0;
   writtenBytes = 0;
   failed |= outcome == workers::Outcome::kFailed;
 }
@@ -45,6 +50,7 @@ void TextCollector::loseInput(std::size_t index, const workers::Loss& loss) {
          .what = "the output ends within its text: " + loss.reason,
          .remedy = "write to a file (-o), then such a part is removed and the run goes on"});
   }
+  writtenBytes = 0;
   addMessage(error.what());
   if (lossText.appendRecord) lossText.appendRecord(output.text(), error.problem());
   endInput(index, workers::Outcome::kFailed);

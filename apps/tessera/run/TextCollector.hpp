@@ -25,14 +25,15 @@ class TextCollector final : public workers::Collector {
     std::function<void(std::string& text, const diagnostics::Problem& problem)> appendRecord;
   };
 
-  /// Borrows `inputs` and `output`.
+  /// Borrows all but `lossText`. `separator` is written between the texts of inputs that have one.
   TextCollector(const std::vector<inputs::Input>& inputs, files::OutputFile& output,
-                LossText lossText);
+                LossText lossText, std::string_view separator = {});
 
   /// Whether an input could not be used.
   bool hasFailed() const noexcept { return failed; }
 
   // Operations throw OutputError.
+  /// `piece` is not empty.
   void addText(std::string_view piece) override;
   /// The output of earlier inputs comes before the message.
   void addMessage(std::string_view message) override;
@@ -45,8 +46,11 @@ class TextCollector final : public workers::Collector {
   const std::vector<inputs::Input>& inputs;
   files::OutputFile& output;
   LossText lossText;
+  std::string_view separator;
+  // Whether an earlier input has a text.
+  bool hasText = false;
   bool failed = false;
-  // How many bytes of the current input were written.
+  // How many bytes of the current input were written, with the separator before it.
   std::uint64_t writtenBytes = 0;
 };
 

@@ -11,6 +11,7 @@ bool areAlike(const LineOutcome& a, const LineOutcome& b) noexcept {
 }
 
 void LineTable::add(LineOutcome&& outcome) {
+  ++count;
   if (!runs.empty()) {
     Run& last = runs.back();
     const std::uint64_t nextNode = last.first.firstNode + last.lines * last.first.nodeCount;

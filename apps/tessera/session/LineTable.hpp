@@ -31,6 +31,8 @@ class LineTable {
   /// Moves from `outcome` if it is stored; a line like the one before it is only counted.
   void add(LineOutcome&& outcome);
 
+  std::uint64_t lineCount() const noexcept { return count; }
+
   /// A line of the table, borrowed from it.
   struct Line {
     /// 1-based.
@@ -63,6 +65,7 @@ class LineTable {
   };
 
   std::vector<Run> runs;
+  std::uint64_t count = 0;
 };
 
 }  // namespace tessera::session

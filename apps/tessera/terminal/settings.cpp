@@ -3,7 +3,10 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 
 namespace tessera::terminal {
@@ -24,12 +27,29 @@ bool wantsColor(ColorMode mode, int descriptor) {
          environment("TERM") != "dumb";
 }
 
-std::size_t columnsOf(int descriptor) {
+std::optional<std::size_t> terminalColumns(int descriptor) {
   winsize size{};
   if (isatty(descriptor) == 0 || ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
-    return kDefaultColumns;
+    return std::nullopt;
   }
   return size.ws_col;
+}
+
+bool usesUtf8() {
+  // The first variable that is set decides, as in setlocale().
+  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    std::string locale(environment(name));
+    if (locale.empty()) continue;
+    std::ranges::transform(locale, locale.begin(), [](unsigned char letter) {
+      return static_cast<char>(std::tolower(letter));
+    });
+    return locale.find("utf-8") != locale.npos || locale.find("utf8") != locale.npos;
+  }
+  return false;
+}
+
+std::size_t columnsOf(int descriptor) {
+  return terminalColumns(descriptor).value_or(kDefaultColumns);
 }
 
 }  // namespace tessera::terminal

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
 namespace tessera::terminal {
 
@@ -10,6 +11,13 @@ enum class ColorMode { kAuto, kAlways, kNever };
 
 /// Returns whether text that is written to the open file `descriptor` is coloured.
 bool wantsColor(ColorMode mode, int descriptor);
+
+/// Returns how many columns the terminal has that `descriptor` is; nothing if it is not one or does
+/// not tell.
+std::optional<std::size_t> terminalColumns(int descriptor);
+
+/// Returns whether the locale of the environment uses UTF-8.
+bool usesUtf8();
 
 /// Returns how many columns a row written to the open file `descriptor` may have: the width of the
 /// terminal or, if it is not a terminal or does not tell, 100.

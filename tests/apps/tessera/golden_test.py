@@ -4,6 +4,7 @@
 golden_test.py PROGRAM [--update]. With --update the golden files are written anew: read the
 difference against the rules before it is committed.
 """
+import os
 import pathlib
 import subprocess
 import sys
@@ -15,7 +16,8 @@ GOLDEN = ROOT / "tests" / "golden"
 
 def run(program, arguments):
     """Runs the program in the folder of the examples, so that files have short names."""
-    done = subprocess.run([program, *arguments], cwd=EXAMPLES, capture_output=True, timeout=60)
+    environment = dict(os.environ, LC_ALL="C.UTF-8")
+    done = subprocess.run([program, *arguments], cwd=EXAMPLES, env=environment, capture_output=True, timeout=60)
     text = done.stdout
     if done.stderr:
         text += b"--- standard error\n" + done.stderr

@@ -53,6 +53,79 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(done.returncode, status)
 
 
+def on_terminal(columns, *arguments, **environment):
+    """Returns what the program writes to a terminal of so many columns."""
+    reader, writer = pty.openpty()
+    fcntl.ioctl(writer, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+    environment = {**os.environ, "TERM": "xterm", "NO_COLOR": "", **environment}
+    with subprocess.Popen([PROGRAM, *arguments], stdin=subprocess.DEVNULL, stdout=writer,
+                          stderr=subprocess.DEVNULL, env=environment):
+        os.close(writer)
+        data = b""
+        try:
+            while piece := os.read(reader, 4096):
+                data += piece
+        except OSError:  # The other side is closed.
+            pass
+    os.close(reader)
+    return data.decode().replace("\r\n", "\n")
+
+
+class Tree(ProgramTest):
+    COLOR = re.compile(r"\x1b\[[0-9;]*m")
+
+    def setUp(self):
+        super().setUp()
+        self.name = self.write("a.py", b"x = 1  # <@output#o [0,1]> # <@text:anchor#here>\n" + b"x" * 150 + b"\n")
+        self.names = [self.name, self.write("bad", b"\xff"), self.write("empty", b""), self.name, *FILES] * 2
+
+    def test_on_a_terminal_it_is_as_wide_and_in_colour(self):
+        for columns in 40, 73:
+            text = on_terminal(columns, "parse", FILES[0], self.name)
+            rows = self.COLOR.sub("", text).split("\n")
+            self.assertEqual(max(map(len, rows)), columns)
+            self.assertIn("\x1b[4;36mx\x1b[0m = 1", text)
+
+    def test_colours_and_the_width_can_be_chosen(self):
+        plain = tessera("parse", self.name).stdout.decode()
+        self.assertNotIn("\x1b", plain)
+        self.assertIn("\n       ~ output #o\n", plain)
+        self.assertIn("\n   2   " + "x" * 150 + "\n", plain)
+        for arguments, environment in ((["--color", "never"], {}), ([], {"NO_COLOR": "1"}), ([], {"TERM": "dumb"})):
+            text = on_terminal(1000, "parse", self.name, *arguments, **environment)
+            self.assertEqual(text, plain, (arguments, environment))
+        colored = tessera("parse", "--color", "always", self.name).stdout.decode()
+        self.assertEqual(colored, on_terminal(1000, "parse", self.name))
+        narrow = tessera("parse", "--width", "40", self.name).stdout.decode()
+        self.assertEqual(narrow, on_terminal(100, "parse", "--width", "40", "--color", "never", self.name))
+        self.assertEqual(max(map(len, narrow.split("\n"))), 40)
+
+    def test_symbols_are_those_of_the_locale(self):
+        locales = {"LC_ALL": "", "LC_CTYPE": "", "LANG": ""}
+        for settings, is_unicode in (({}, False), ({"LANG": "de_DE.UTF-8"}, True), ({"LANG": "C.utf8"}, True),
+                                     ({"LC_CTYPE": "C", "LANG": "C.UTF-8"}, False),
+                                     ({"LC_ALL": "C.UTF-8", "LC_CTYPE": "C"}, True), ({"LANG": "de_DE"}, False)):
+            text = tessera("parse", self.name, env={**os.environ, **locales, **settings}).stdout.decode()
+            self.assertEqual(("\u2693 here" in text, "anchor here" in text), (is_unicode, not is_unicode), settings)
+
+    def test_files_are_separated_by_an_empty_row(self):
+        done = tessera("parse", *self.names)
+        rest = done.stdout
+        for number, name in enumerate(name for name in self.names if not name.endswith("bad")):
+            alone = tessera("parse", name).stdout
+            expected = (b"" if number == 0 else b"\n") + alone
+            self.assertEqual(rest[:len(expected)], expected)
+            rest = rest[len(expected):]
+        self.assertEqual((rest, done.returncode), (b"", 3))
+
+    def test_it_is_the_same_from_several_processes(self):
+        for arguments in ([], ["--color", "always", "--width", "50"]):
+            expected = tessera("parse", *arguments, *self.names, "-j", "1")
+            done = tessera("parse", *arguments, *self.names, "-j", "3")
+            self.assertEqual((done.stdout, done.stderr), (expected.stdout, expected.stderr))
+        self.assertEqual(on_terminal(60, "parse", *self.names, "-j", "3"), on_terminal(60, "parse", *self.names, "-j", "1"))
+
+
 class Parse(ProgramTest):
     def test_tree_is_the_default(self):
         self.assertEqual(tessera("parse", FILES[0]).stdout,
@@ -142,7 +215,7 @@ class Parse(ProgramTest):
         tree = tessera("parse", good).stdout
         message = tessera("parse", bad).stderr
         self.assertEqual(message.count(b"\n"), 1)
-        self.assertEqual(done.stdout, tree + message + tree)
+        self.assertEqual(done.stdout, tree + message + b"\n" + tree)
 
     def test_a_file_without_read_permission_is_an_error(self):
         name = self.write("closed", b"x")
@@ -208,7 +281,7 @@ class Parse(ProgramTest):
     def test_a_file_named_twice_is_parsed_twice_and_standard_input_is_read_once(self):
         name = self.write("f", b"x\n")
         once = tessera("parse", name).stdout
-        self.assertEqual(tessera("parse", name, name).stdout, once + once)
+        self.assertEqual(tessera("parse", name, name).stdout, once + b"\n" + once)
         self.assertEqual(tessera("parse", "-", stdin=b"x\n").stdout, once.replace(name.encode(), b"-"))
         self.assertRefused(tessera("parse", "-", "-", stdin=b"x\n"),
                            "-: error: standard input is named 2 times, and can be read once; name it once")

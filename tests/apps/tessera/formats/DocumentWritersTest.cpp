@@ -4,11 +4,11 @@
 #include <limits>
 #include <string>
 
-#include "apps/tessera/support/WrittenText.hpp"
+#include "apps/tessera/support/ParsedDocument.hpp"
+#include "apps/tessera/support/WordNode.hpp"
 #include "apps/tessera/support/nodes.hpp"
 #include "platform/model/NoteNode.hpp"
 #include "tessera/formats/DocumentJson.hpp"
-#include "tessera/formats/DocumentTree.hpp"
 #include "tessera/pieces/ControlNode.hpp"
 #include "tessera/pieces/OutputNode.hpp"
 
@@ -18,72 +18,18 @@ using document::kdzero::Node;
 using foundation::json::Form;
 using foundation::json::Value;
 using tessera::formats::DocumentJson;
-using tessera::formats::DocumentTree;
 using tessera::formats::Records;
 using tessera::pieces::ControlNode;
 using tessera::pieces::OutputNode;
 
-/// A text node of a class that the program does not know.
-class WordNode : public kd::zero::Handle<WordNode, document::kdzero::TextNode> {
- public:
-  class Impl;
-  class Builder;
-};
-
-class WordNode::Impl final : public document::kdzero::TextNode::Impl {
- public:
-  static const kd::zero::meta::Class& classOf() noexcept {
-    static const kd::zero::meta::Class metaClass = kd::zero::ElementMaker::describe<Impl>(
-        u"WordNode", document::kdzero::TextNode::Impl::classOf());
-    return metaClass;
-  }
-
-  std::u16string extra;
-
- private:
-  friend struct kd::zero::ElementMaker;
-
-  explicit Impl(const boost::uuids::uuid& uuid)
-      : document::kdzero::TextNode::Impl(classOf(), uuid) {}
-  ~Impl() = default;
-};
-
-class WordNode::Builder : public kd::zero::ElementBuilder {
- public:
-  using ElementBuilder::ElementBuilder;
-
-  WordNode createWordNode(const boost::uuids::uuid& uuid) const { return make<WordNode>(uuid); }
-};
-
-/// A document that is filled line by line and then written.
-class DocumentWriters : public testing::Test {
+class DocumentWriters : public testing::Test, protected ParsedDocument {
  protected:
-  DocumentWriters() { parsed.document = std::make_shared<document::kdzero::TesseraDocument>(); }
-
-  kd::zero::Model model() const { return parsed.document->getModel(); }
-
-  /// Makes `node` the only one of the next line.
-  void addLine(const Node& node, tessera::session::LineOutcome outcome = {}) {
-    outcome.firstNode = parsed.document->getNumberOfChildren();
-    outcome.nodeCount = 1;
-    parsed.document->addChild(node);
-    parsed.lines.add(std::move(outcome));
-  }
-
   std::string json(Form form = Form::kCompact, Records records = Records::kHidden) {
-    DocumentJson(output, {form}, records).write({file, parsed, parsers});
-    return std::exchange(output.text(), {});
-  }
-
-  std::string tree(Records records = Records::kHidden) {
-    DocumentTree(output, records).write({file, parsed, parsers});
+    DocumentJson(output, {form}, records).write(result());
     return std::exchange(output.text(), {});
   }
 
   WrittenText output;
-  std::string file = "a.py";
-  tessera::session::ParsedSnippet parsed;
-  std::vector<tessera::session::NamedParser> parsers{{"P", nullptr}, {"", nullptr}};
 };
 
 TEST_F(DocumentWriters, AnEmptyDocumentHasEmptyLists) {
@@ -91,14 +37,13 @@ TEST_F(DocumentWriters, AnEmptyDocumentHasEmptyLists) {
   EXPECT_EQ(
       json(Form::kIndented),
       "{\n  \"schemaVersion\": 1,\n  \"file\": \"a.py\",\n  \"nodes\": [],\n  \"lines\": []\n}\n");
-  EXPECT_EQ(tree(), "a.py\n");
 }
 
 TEST_F(DocumentWriters, FilesFollowOneAnother) {
   const std::string one = json(Form::kIndented);
   DocumentJson writer(output, {Form::kIndented}, Records::kHidden);
-  writer.write({file, parsed, parsers});
-  writer.write({file, parsed, parsers});
+  writer.write(result());
+  writer.write(result());
   EXPECT_EQ(output.text(), one + one);
 }
 
@@ -171,11 +116,6 @@ TEST_F(DocumentWriters, FailuresAndContributorDataAreWrittenWithAllTheirParts) {
           "\"position\":[0,18446744073709552000]}}]"),
       text.npos)
       << text;
-  EXPECT_EQ(tree(),
-            "a.py\n     1  LineNode\n"
-            "          failure rule feature \"f\" sub-feature \"s\" marker \"m\" "
-            "{\"position\":[0,18446744073709552000]}\n"
-            "          data of \"feature\" {\"a\":null,\"b\":null}\n");
 }
 
 TEST_F(DocumentWriters, APieceIsWrittenWithThePartsOfItsMarker) {
@@ -204,10 +144,6 @@ TEST_F(DocumentWriters, APieceIsWrittenWithThePartsOfItsMarker) {
                 rest + "]"),
       text.npos)
       << text;
-  EXPECT_EQ(tree(),
-            "a.py\n     1  LineNode\n          OutputNode \"x\" anchor \"a\" range [0,0]\n"
-            "          ControlNode \"1\" id \"c\\u001b\" type \"slider\" "
-            "range [4,18446744073709551615] {\"max\":18446744073709551615,\"min\":0.5}\n");
 }
 
 TEST_F(DocumentWriters, ANodeOfAnotherBundleHasTheNameOfItsClassAndItsText) {
@@ -225,7 +161,6 @@ TEST_F(DocumentWriters, ANodeOfAnotherBundleHasTheNameOfItsClassAndItsText) {
                       rest + "]," + rest + "]"),
             text.npos)
       << text;
-  EXPECT_EQ(tree(), "a.py\n     1  NoteNode anchor \"a\"\n          WordNode \"w\"\n");
 }
 
 TEST_F(DocumentWriters, TextIsEscapedAsDocumented) {
@@ -243,10 +178,6 @@ TEST_F(DocumentWriters, TextIsEscapedAsDocumented) {
       written.npos)
       << written;
   EXPECT_NE(written.find("\"file\":\"a\xEF\xBF\xBD\\n.py\""), written.npos) << written;
-  EXPECT_EQ(
-      tree(),
-      "a\xEF\xBF\xBD\\n.py\n     1  LineNode \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001f\\u007f\\u0080"
-      "\\u009f\xC2\xA0 ä你🏆\\u2028<&>\xEF\xBF\xBD\"\n");
 }
 
 TEST_F(DocumentWriters, ALineShowsItsResultAndTheRecordsOnlyWhenAsked) {
@@ -263,10 +194,6 @@ TEST_F(DocumentWriters, ALineShowsItsResultAndTheRecordsOnlyWhenAsked) {
   EXPECT_NE(json().find(line + "}]}"), std::string::npos);
   EXPECT_NE(json(Form::kCompact, Records::kShown).find(line + ",\"log\":[\"one\",\"\\u001b\"]}]}"),
             std::string::npos);
-  const std::string rows =
-      "a.py\n     1  LineNode\n          by , type 2/3, flag %<@output> %<@task>\n";
-  EXPECT_EQ(tree(), rows);
-  EXPECT_EQ(tree(Records::kShown), rows + "          log: one\n          log: \\u001b\n");
 }
 
 TEST_F(DocumentWriters, PlainLinesAreWrittenLikeAnyOther) {
@@ -361,7 +288,6 @@ TEST_F(DocumentWriters, ALineMayAddNoNodeOrSeveral) {
   EXPECT_NE(written.find("\"line\":1,"), written.npos);
   EXPECT_NE(written.find("\"nodes\":[]}"), written.npos);
   EXPECT_NE(written.find("\"nodes\":[0,1]}"), written.npos);
-  EXPECT_EQ(tree(), "a.py\n     1  (no node)\n     2  LineNode\n        PlainTextNode \"top\"\n");
 }
 
 TEST_F(DocumentWriters, NodesMayNestVeryDeep) {
@@ -383,18 +309,6 @@ TEST_F(DocumentWriters, NodesMayNestVeryDeep) {
     ++count;
   }
   EXPECT_EQ(count, kDepth + 1u);
-  // Rows are indented only up to a limit, so the text does not grow with the square of the depth.
-  const std::string tail = tree();
-  EXPECT_LT(output.all().size() - (written.size() - end.size()) + tail.size(), kDepth * 100u);
-}
-
-TEST_F(DocumentWriters, ATextNodeWithAnAnchorHasItsOwnRow) {
-  auto line = nodes::makeLine(model());
-  auto text = nodes::makeText(model(), u"x");
-  text->setAnchorId(u"here");
-  line->getChildrenMutable().add(text);
-  addLine(line);
-  EXPECT_EQ(tree(), "a.py\n     1  LineNode\n          PlainTextNode \"x\" anchor \"here\"\n");
 }
 
 }  // namespace

@@ -1,0 +1,217 @@
+#include "tessera/tree/describe.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <utility>
+
+#include "fl/i18n/ustring.hpp"
+#include "foundation/json/Writer.hpp"
+#include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/check/scan/markerText.hpp"
+#include "tessera/diagnostics/terminalText.hpp"
+#include "tessera/formats/NodeKind.hpp"
+#include "tessera/pieces/OutputNode.hpp"
+#include "tessera/pieces/PieceNode.hpp"
+
+namespace tessera::tree {
+
+using check::catalogue::DiagnosticKind;
+using check::catalogue::messageOf;
+using check::scan::plainText;
+using check::scan::quoted;
+using document::kdzero::Node;
+using failures::kdzero::ParserFailure;
+using foundation::json::Object;
+using foundation::json::Value;
+using tessera::contentmodel::kdzero::LiveTaskData;
+
+namespace forms = check::catalogue::forms;
+
+namespace {
+
+constexpr std::size_t kLongestBytes = 100;
+constexpr std::string_view kCut = "...";
+
+bool isContinuationByte(char byte) noexcept {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+/// Cuts a long text at its end.
+std::string shortened(std::string text, Detail detail) {
+  if (detail == Detail::kFull || text.size() <= kLongestBytes) return text;
+  std::size_t size = kLongestBytes - kCut.size();
+  while (isContinuationByte(text[size])) --size;
+  text.resize(size);
+  return text += kCut;
+}
+
+template <typename Write>
+std::string jsonText(Write write) {
+  std::string text;
+  foundation::json::Writer writer(text, foundation::json::Form::kCompact);
+  write(writer);
+  return diagnostics::terminalText(text);
+}
+
+std::string compactJson(const Object& members) {
+  return jsonText([&](foundation::json::Writer& writer) { writer.object(members); });
+}
+
+/// Returns the members in words: "key value, key value".
+std::string describeMembers(const Object& members) {
+  std::string text;
+  for (const auto& [key, value] : members) {
+    if (!text.empty()) text += ", ";
+    text += diagnostics::terminalText(key) + " " +
+            jsonText([&value = value](foundation::json::Writer& writer) { writer.value(value); });
+  }
+  return text;
+}
+
+bool isNameUnit(char16_t unit) {
+  const auto lower = static_cast<char16_t>(unit | 0x20U);
+  return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z') || unit == u'_' ||
+         unit == u'-' || unit == u'.' || (unit >= 0x80 && !diagnostics::isControl(unit));
+}
+
+/// Returns the text of a setting: JSON and names as they are, other text in quotes.
+std::string settingText(std::u16string_view text, Detail detail) {
+  const bool isBare =
+      text.starts_with(u'{') || text.starts_with(u'[') || std::ranges::all_of(text, isNameUnit);
+  return shortened(isBare ? plainText(text) : diagnostics::quotedText(text), detail);
+}
+
+/// The range that a failure's data names.
+struct FailedRange {
+  double begin = 0;
+  double end = 0;
+  std::string text;
+};
+
+std::optional<FailedRange> failedRange(const Object& data) {
+  const auto position = data.find("position");
+  if (position == data.end() || data.size() != 1) return std::nullopt;
+  const auto* numbers = position->second.getIf<foundation::json::Array>();
+  if (numbers == nullptr || numbers->size() != 2) return std::nullopt;
+  const double* begin = (*numbers)[0].getIf<double>();
+  const double* end = (*numbers)[1].getIf<double>();
+  if (begin == nullptr || end == nullptr) return std::nullopt;
+  return FailedRange{*begin, *end, jsonText([&](foundation::json::Writer& writer) {
+                       writer.value(position->second);
+                     })};
+}
+
+/// Returns what is wrong with the range of `marker`, as far as its numbers tell.
+std::string describeRange(const FailedRange& range, const std::string& feature,
+                          const std::string& marker) {
+  // Larger numbers are not exact: different ones may look equal.
+  constexpr double kLargestExact = 9007199254740991.0;
+  constexpr DiagnosticKind kKind = DiagnosticKind::kInvalidPositionData;
+  const bool isExact = range.begin <= kLargestExact && range.end <= kLargestExact;
+  if (!isExact || range.begin < range.end) {
+    return messageOf(kKind, forms::kRangeUnexplained, {feature, marker}) + ": " + range.text;
+  }
+  const auto form = range.begin > range.end ? forms::kRangeReversed : forms::kRangeEmpty;
+  return messageOf(kKind, form, {range.text}) + " (" + feature + " marker " + marker + ")";
+}
+
+/// Returns what a failure means, with its data.
+std::string explainFailure(const ParserFailure& failure, Detail detail) {
+  const auto& info = failure.getMarkerInfo();
+  const std::string feature = plainText(info.getFeatureId());
+  const std::string marker =
+      info.getMarkerId().empty() ? "without an id" : quoted(info.getMarkerId());
+  const std::string element = feature.empty() ? "" : feature + " ";
+  const std::string id = plainText(failure.getFailureId());
+  std::string text;
+  if (id == "invalid_position_data" && !feature.empty()) {
+    const auto range = failedRange(failure.getFailureData());
+    if (range) return describeRange(*range, feature, marker);
+    text = messageOf(DiagnosticKind::kInvalidPositionData, forms::kRangeUnexplained,
+                     {feature, marker});
+  } else if (id == "missing_task_marker_pair") {
+    text = messageOf(DiagnosticKind::kMissingTaskMarkerPair, forms::kPairUnexplained, {marker});
+  } else if (id == "overlapping_task_marker") {
+    text = messageOf(DiagnosticKind::kOverlappingTaskMarker, forms::kOverlapUnexplained, {marker});
+  } else {
+    text = messageOf(DiagnosticKind::kParserFailure, 0, {element + "marker " + marker, id});
+  }
+  if (failure.getFailureData().empty()) return text;
+  // The data of a task marker's failure is its entry in the appendix.
+  const std::string_view kind = info.getFeatureId() == u"task" ? "its settings: " : "";
+  return text.append(" (").append(kind) +
+         shortened(describeMembers(failure.getFailureData()), detail) + ")";
+}
+
+}  // namespace
+
+std::string idText(std::u16string_view id) {
+  return std::ranges::all_of(id, isNameUnit) ? plainText(id) : quoted(id);
+}
+
+std::string describeNode(const Node& node, Detail detail) {
+  if (formats::kindOf(node) != formats::NodeKind::kPiece) {
+    return plainText(node->getMetaClass().getName());
+  }
+  const auto* piece = static_cast<const pieces::PieceNode::Impl*>(node.get());
+  const bool isOutput = &node->getMetaClass() == &pieces::OutputNode::Impl::classOf();
+  std::string text = isOutput ? "output" : "control";
+  if (!piece->getType().empty()) text += ":" + idText(piece->getType());
+  if (!piece->getId().empty()) text += " #" + idText(piece->getId());
+  if (detail == Detail::kFull) {
+    const auto& [begin, end] = piece->getRange();
+    text += " [" + std::to_string(begin) + "," + std::to_string(end) + "]";
+  }
+  if (!piece->getData().empty()) text += " " + shortened(compactJson(piece->getData()), detail);
+  return text;
+}
+
+std::string describeTask(std::u16string_view id, const LiveTaskData& data) {
+  std::string text = "task";
+  if (!id.empty()) text += " #" + idText(id);
+  if (!data.getText().empty()) text += " " + quoted(data.getText());
+  const std::uint16_t lines = data.getNumCodeLines();
+  if (lines != 0) text += ", " + std::to_string(lines) + (lines == 1 ? " line" : " lines");
+  return text;
+}
+
+std::string describeSettings(const LiveTaskData& data, std::u16string_view id, Detail detail) {
+  const bool isFull = detail == Detail::kFull;
+  const std::array<std::pair<std::string_view, std::u16string_view>, 10> settings{{
+      {"uniqueId", !isFull && data.getTaskId() == id ? std::u16string_view() : data.getTaskId()},
+      {"text", isFull ? std::u16string_view(data.getText()) : std::u16string_view()},
+      {"taskClassDefFile", data.getAppIdentifier()},
+      {"run", data.getExecutionModel()},
+      {"autorun", data.getAutoRun()},
+      {"collapsed", data.getCollapsed()},
+      {"outputs", data.getAppVariables()},
+      {"variablesMap", data.getAppVariablesUserMap()},
+      {"appState", data.getAppState()},
+      {"view", data.getView()},
+  }};
+  std::string text;
+  for (const auto& [key, value] : settings) {
+    if (value.empty() || (!isFull && value == u"false")) continue;
+    if (!text.empty()) text += ", ";
+    text.append(key).append(1, ' ').append(settingText(value, detail));
+  }
+  return text;
+}
+
+std::string describeFailure(const ParserFailure& failure, Detail detail) {
+  return "failure: " + explainFailure(failure, detail) + " [" + plainText(failure.getFailureId()) +
+         "]";
+}
+
+std::string describeContribution(const contributors::kdzero::NodeContributorData& contribution,
+                                 Detail detail) {
+  std::string text;
+  for (const auto& line : contribution->getLineDataList()) {
+    text += " " + compactJson(line->getData());
+  }
+  return idText(contribution->getContributingFeature()) + ":" + shortened(std::move(text), detail);
+}
+
+}  // namespace tessera::tree
