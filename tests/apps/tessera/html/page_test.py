@@ -213,6 +213,15 @@ class PageTest(unittest.TestCase):
         (self.folder / "none").mkdir()
         self.check_form(parse(str(self.folder / "none")))
 
+    def test_the_tree_joins_folders_that_contain_one_folder_only(self):
+        names = ("t/a/b/c/1.py", "t/a/b/c/2.py", "t/a/b/d.py", "t/e/f/3.py", "t/4.py", "t/a.py")
+        text = parse(*(self.write(name, "x\n") for name in names))
+        tree = text[text.index("<nav class=tree"):text.index("</nav>")]
+        # ")" is the end of a folder.
+        shown = re.sub("</details>", " )", re.sub("<summary>", " ", tree.split("</h2>")[1]))
+        self.assertEqual(re.sub("<[^>]*>", " ", shown).split(),
+                         f"{self.folder}/t/ 4.py a/b/ c/ 1.py 2.py ) d.py ) a.py e/f/ 3.py )".split())
+
     def test_a_file_with_a_name_that_is_not_utf8(self):
         path = os.path.join(os.fsencode(self.folder), b"\xff<b>.py")
         pathlib.Path(os.fsdecode(path)).write_text("x\n")
