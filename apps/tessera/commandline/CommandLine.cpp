@@ -1,6 +1,8 @@
 #include "tessera/commandline/CommandLine.hpp"
 
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -12,11 +14,21 @@
 namespace tessera::commandline {
 namespace {
 
-const Command& requireCommand(const std::string& name) {
-  if (const Command* const command = findCommand(name)) return *command;
+/// Returns what was perhaps meant by a command that does not exist.
+std::string adviceOnCommand(const std::string& name) {
   std::vector<std::string_view> names;
   for (const Command& command : program().commands) names.push_back(command.name);
-  failUsage(nullptr, "unknown command \"" + name + "\"", suggest(name, names));
+  std::string advice = suggest(name, names);
+  std::error_code error;
+  if (advice.empty() && std::filesystem::exists(name, error)) {
+    advice = "\"tessera parse " + name + "\" parses it; ";
+  }
+  return advice;
+}
+
+const Command& requireCommand(const std::string& name) {
+  if (const Command* const command = findCommand(name)) return *command;
+  failUsage(nullptr, "unknown command \"" + name + "\"", adviceOnCommand(name));
 }
 
 const Option& requireProgramOption(const std::string& word) {

@@ -113,7 +113,12 @@ class Reader {
     }
   }
 
+  /// Returns what was perhaps meant by an option that the command does not have.
   std::string adviceOn(const std::string& name) const {
+    for (const Command& other : program().commands) {
+      if (findOption(other, name) == nullptr) continue;
+      return "it is an option of \"tessera " + std::string(other.name) + "\"; ";
+    }
     std::vector<std::string_view> names;
     names.reserve(options.size());
     for (const auto& [option, parsed] : options) names.push_back(option->name);
