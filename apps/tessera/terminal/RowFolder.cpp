@@ -32,7 +32,7 @@ void RowFolder::fold(std::u16string_view text, std::span<const MarkedPart> parts
 void RowFolder::add(std::u16string_view text, const Glyph& glyph) {
   if (glyph.columns > std::min(limit, nextLimit)) return addWideGlyph(text, glyph);
   append(glyph.text, glyph.columns, glyph.isNumber);
-  if (glyph.text == " ") lastBlank = {rowText.size(), column};
+  if (glyph.text == " " || glyph.text == ",") lastBreak = {rowText.size(), column};
 }
 
 /// A glyph that is wider than a row is broken between its characters.
@@ -64,11 +64,10 @@ void RowFolder::append(std::string_view glyphs, std::size_t columns, bool isNumb
   spans.back().endColumn = column;
 }
 
-/// Ends the row; what is after its last blank moves to the next one.
+/// Ends the row; what is after its last blank or comma moves to the next one.
 void RowFolder::breakRow() {
-  const bool isBlankUsed =
-      lastBlank.column > limit / 2 && column - lastBlank.column <= nextLimit / 2;
-  const Break end = isBlankUsed ? lastBlank : Break{rowText.size(), column};
+  const bool isUsable = lastBreak.column > limit / 2 && column - lastBreak.column <= nextLimit / 2;
+  const Break end = isUsable ? lastBreak : Break{rowText.size(), column};
   const auto isAfter = [&end](const RowSpan& span) { return span.endByte > end.byte; };
   const auto moved = std::ranges::find_if(spans, isAfter);
   std::vector<RowSpan> rest(moved, spans.end());
@@ -91,7 +90,7 @@ void RowFolder::breakRow() {
   rowText.erase(0, end.byte);
   spans = std::move(rest);
   column -= end.column;
-  lastBlank = {};
+  lastBreak = {};
   limit = nextLimit;
 }
 

@@ -51,8 +51,8 @@ class RowSink {
 
 /// Folds a line into rows that have at most a number of columns.
 ///
-/// A row ends after a blank if one is in its second half, else where it is full. The texts of the
-/// rows, joined, are the texts of the line's glyphs. Linear; keeps one row.
+/// A row ends after a blank or a comma if one is in its second half, else where it is full. The
+/// texts of the rows, joined, are the texts of the line's glyphs. Linear; keeps one row.
 class RowFolder {
  public:
   static constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
@@ -90,7 +90,8 @@ class RowFolder {
   std::string rowText;
   std::vector<RowSpan> spans;
   std::size_t column = 0;
-  Break lastBlank;
+  // After the last blank or comma of the row.
+  Break lastBreak;
 };
 
 }  // namespace tessera::terminal

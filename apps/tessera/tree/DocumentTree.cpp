@@ -119,7 +119,7 @@ void DocumentTree::writeNodes(const Line& written, session::NodeCursor& nodes, b
 void DocumentTree::writeHeader(const Node& header) {
   rows.openBracket();
   if (header->getChildren().empty()) {
-    rows.appendNote(0, describeNode(header, detail), colors::kTask);
+    rows.appendNote(0, {describeNode(header, detail), colors::kTask});
   }
   nodeRows.appendChildren(header, 0);
   nodeRows.appendExtras(header, TreeRows::kHangingIndent);
@@ -174,9 +174,9 @@ void DocumentTree::writeOutcome(const session::LineOutcome& outcome, std::string
     text.append(std::exchange(separator, " "));
     text += diagnostics::terminalText(fl::i18n::ustring_to_utf8(markerType));
   }
-  rows.appendNote(0, text, colors::kDetail);
+  rows.appendNote(0, {std::move(text), colors::kDetail});
   for (const std::string& record : outcome.log) {
-    rows.appendNote(0, "log: " + diagnostics::terminalText(record), colors::kDetail);
+    rows.appendNote(0, {"log: " + diagnostics::terminalText(record), colors::kDetail});
   }
 }
 

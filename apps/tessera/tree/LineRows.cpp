@@ -54,7 +54,7 @@ void LineRows::append() {
   // Text that is empty, or combined with the character before it, is in no row.
   for (std::size_t label = 0; label < isWritten.size(); ++label) {
     if (isWritten[label]) continue;
-    rows.appendNote(0, line.labels()[label].text, line.labels()[label].color);
+    rows.appendNote(0, {line.labels()[label].text, line.labels()[label].color});
     appendDetails(label);
   }
 }
@@ -115,26 +115,34 @@ void LineRows::appendMark(const Mark& mark) {
     return;
   }
   const std::size_t begin = indent + mark.columns.front().first;
-  std::string marks;
-  if (!rows.rowStyle().color) {
-    for (const auto& [first, last] : mark.columns) {
-      marks.append(indent + first - begin - marks.size(), ' ').append(last - first, '~');
+  std::string marks = marksText(mark);
+  if (mark.isLast) {
+    const std::string labelled = marks + label.text;
+    // Both in one row, if there is room.
+    if (rows.rowStyle().color || terminal::widthOf(labelled) <= rows.columns() - begin) {
+      rows.appendNote(begin, {labelled, label.color});
+      return appendDetails(mark.label);
     }
   }
-  if (!mark.isLast) {
-    if (!marks.empty()) rows.appendNote(begin, marks, label.color);
-    return;
-  }
-  const std::size_t room = rows.columns() - begin;
-  const std::size_t blank = marks.empty() ? 0 : 1;
-  const std::size_t width = terminal::widthOf(label.text);
-  if (marks.size() + blank + width <= room) {
-    rows.appendNote(begin, marks.append(blank, ' ') + label.text, label.color);
-  } else {
-    if (!marks.empty()) rows.appendNote(begin, marks, label.color);
-    rows.appendNote(rows.columns() - std::min(width, rows.columns()), label.text, label.color);
-  }
+  if (marks.empty()) return;
+  marks.pop_back();
+  rows.appendNote(begin, {std::move(marks), label.color});
+  if (!mark.isLast) return;
+  rows.appendNote(begin, {label.text, label.color});
   appendDetails(mark.label);
+}
+
+/// Returns what is between the text and its label, with a blank at the end.
+std::string LineRows::marksText(const Mark& mark) const {
+  if (rows.rowStyle().color) {
+    if (!mark.isLast) return {};
+    return rows.rowStyle().symbols == Symbols::kUnicode ? "╰ " : "` ";
+  }
+  std::string marks;
+  for (const auto& [first, last] : mark.columns) {
+    marks.append(first - mark.columns.front().first - marks.size(), ' ').append(last - first, '~');
+  }
+  return marks += ' ';
 }
 
 /// Appends a label with its text instead of marks.
@@ -142,7 +150,7 @@ void LineRows::appendQuoted(std::size_t label) {
   const terminal::MarkedPart& part = line.parts()[lastParts[label]];
   const Label& shown = line.labels()[label];
   const auto text = line.content().substr(part.begin, part.end - part.begin);
-  rows.appendNote(0, check::scan::quoted(text) + " " + shown.text, shown.color);
+  rows.appendNote(0, {check::scan::quoted(text) + " " + shown.text, shown.color});
   appendDetails(label);
 }
 

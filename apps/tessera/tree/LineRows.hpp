@@ -49,8 +49,9 @@ class LabeledLine {
 ///     2   y = 2 * x
 ///             ~~~~~ output #double
 ///
-/// With colours, the text is underlined instead. A label follows the last row of its text. Where
-/// rows are very long, labels far to the right quote their text instead.
+/// With colours, the text is underlined instead, and the label hangs below its start. A label
+/// follows the last row of its text. Where rows are very long, labels far to the right quote their
+/// text instead.
 class LineRows final : public terminal::RowSink {
  public:
   /// Borrows both.
@@ -75,6 +76,7 @@ class LineRows final : public terminal::RowSink {
   std::string_view colorOf(const terminal::RowSpan& span) const;
   std::vector<Mark> marksOf(const terminal::Row& row) const;
   void appendMark(const Mark& mark);
+  std::string marksText(const Mark& mark) const;
   void appendQuoted(std::size_t label);
   void appendDetails(std::size_t label);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "document/kdzero/LiveAppIntegratedInlineNode.hpp"
@@ -61,28 +62,31 @@ void NodeRows::appendNode(const Node& node, std::size_t indent) {
   if (kindOf(node) == NodeKind::kTask) return appendTask(node, indent);
   std::string text = describeNode(node, detail);
   if (formats::hasText(node)) text += " " + diagnostics::quotedText(session::textOf(node));
-  rows.appendNote(indent, text, colorOf(node));
+  rows.appendNote(indent, {std::move(text), colorOf(node)});
 }
 
 void NodeRows::appendTask(const Node& node, std::size_t indent) {
   const auto* task =
       static_cast<const document::kdzero::LiveAppIntegratedInlineNode::Impl*>(node.get());
-  rows.appendNote(indent, describeTask(task->getId(), task->getLiveTaskData()), colors::kTask);
-  const std::string settings = describeSettings(task->getLiveTaskData(), task->getId(), detail);
-  if (!settings.empty()) rows.appendNote(indent + kIndent, settings, colors::kDetail);
+  rows.appendNote(indent, {describeTask(task->getId(), task->getLiveTaskData()), colors::kTask,
+                           std::string_view("task").size()});
+  std::string settings = describeSettings(task->getLiveTaskData(), task->getId(), detail);
+  if (settings.empty()) return;
+  rows.appendNote(indent + kIndent, {std::move(settings), colors::kDetail});
 }
 
 void NodeRows::appendExtras(const Node& node, std::size_t indent) {
   if (!node->getAnchorId().empty()) {
     const bool isUnicode = rows.rowStyle().symbols == Symbols::kUnicode;
-    rows.appendNote(indent, (isUnicode ? "⚓ " : "anchor ") + idText(node->getAnchorId()),
-                    colors::kAnchor);
+    rows.appendNote(
+        indent, {(isUnicode ? "⚓ " : "anchor ") + idText(node->getAnchorId()), colors::kAnchor});
   }
   for (const auto& contribution : node->getContributorData()) {
-    rows.appendNote(indent, describeContribution(contribution, detail), colors::kDetail);
+    rows.appendNote(indent, {describeContribution(contribution, detail), colors::kDetail});
   }
   for (const auto& failure : node->getParserFailures()) {
-    rows.appendNote(indent, describeFailure(failure, detail), colors::kFailure);
+    rows.appendNote(indent, {describeFailure(failure, detail), colors::kFailure,
+                             std::string_view("failure").size()});
   }
 }
 

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <iterator>
 #include <limits>
+#include <string>
 #include <utility>
 
 #include "fl/i18n/ustring.hpp"
@@ -22,7 +23,7 @@ constexpr bool isPrintableAscii(char16_t unit) noexcept {
   return unit >= 0x20 && unit < 0x7F;
 }
 
-/// Appends the rows of a note.
+/// Appends the rows of a note. The part that is bold is the only marked one.
 class NoteRows final : public terminal::RowSink {
  public:
   NoteRows(TreeRows& rows, std::size_t indent, std::string_view color)
@@ -31,7 +32,11 @@ class NoteRows final : public terminal::RowSink {
   void takeRow(const terminal::Row& row) override {
     rows.beginRow(TreeRows::Start::kFirst, true);
     rows.target().append(indent, ' ');
-    rows.appendColored(row.text, color);
+    for (const terminal::RowSpan& span : row.spans) {
+      const auto text = row.text.substr(span.beginByte, span.endByte - span.beginByte);
+      const bool isBold = span.part != terminal::RowSpan::kNoPart;
+      rows.appendColored(text, isBold ? "1;" + std::string(color) : std::string(color));
+    }
     rows.endRow();
     if (!std::exchange(isIndented, true)) indent += TreeRows::kHangingIndent;
   }
@@ -135,17 +140,18 @@ bool TreeRows::appendPlainRow(std::u16string_view content) {
   return true;
 }
 
-void TreeRows::appendNote(std::size_t indent, std::string_view content, std::string_view color) {
+void TreeRows::appendNote(std::size_t indent, const Note& note) {
   using terminal::RowFolder;
   RowFolder::Limits limits;
   const std::size_t available = columns();
   if (available != RowFolder::kUnlimited) {
-    if (indent + terminal::widthOf(content) > available) indent = std::min(indent, available / 2);
+    if (indent + terminal::widthOf(note.text) > available) indent = std::min(indent, available / 3);
     limits.first = available - indent;
     limits.others = limits.first - std::min(kHangingIndent, limits.first);
   }
-  NoteRows note(*this, indent, color);
-  RowFolder(limits, note).fold(fl::i18n::utf8_to_ustring(content), {});
+  const terminal::MarkedPart bold{0, note.boldBytes};
+  NoteRows sink(*this, indent, note.color);
+  RowFolder(limits, sink).fold(fl::i18n::utf8_to_ustring(note.text), {&bold, 1});
 }
 
 }  // namespace tessera::tree

@@ -23,6 +23,15 @@ inline constexpr std::string_view kFailure = "31";
 inline constexpr std::string_view kDetail = "2";
 }  // namespace colors
 
+/// Text about a line, UTF-8 without control characters.
+struct Note {
+  std::string text;
+  /// One of `colors`.
+  std::string_view color;
+  /// How many bytes at the start are bold; ASCII.
+  std::size_t boldBytes = 0;
+};
+
 /// Writes rows of a tree: the line's number, the bracket of a task, and text.
 ///
 ///     12 | text of line 12
@@ -55,8 +64,8 @@ class TreeRows {
   void beginRow(Start start, bool hasText);
   void endRow() { text += '\n'; }
 
-  /// Appends rows with `content`, UTF-8 without control characters, after `indent` columns.
-  void appendNote(std::size_t indent, std::string_view content, std::string_view color);
+  /// Appends rows with `note` after `indent` columns, or fewer if that leaves too little room.
+  void appendNote(std::size_t indent, const Note& note);
 
   /// The columns that the text of a row may have.
   std::size_t columns() const noexcept;

@@ -57,7 +57,9 @@ TEST(RowFolder, ARowEndsWhereItIsFull) {
   EXPECT_EQ(Rows({5, 3}, u"12345").all, Texts{"12345"});
 }
 
-TEST(RowFolder, ARowEndsAfterABlankInItsSecondHalf) {
+TEST(RowFolder, ARowEndsAfterABlankOrACommaInItsSecondHalf) {
+  EXPECT_EQ(Rows({8, 8}, u"12345,7890").all, (Texts{"12345,", "7890"}));
+  EXPECT_EQ(Rows({8, 8}, u"1234, 7890").all, (Texts{"1234, ", "7890"}));
   EXPECT_EQ(Rows({8, 8}, u"12345 7890").all, (Texts{"12345 ", "7890"}));
   EXPECT_EQ(Rows({8, 8}, u"1234567 90").all, (Texts{"1234567 ", "90"}));
   EXPECT_EQ(Rows({8, 8}, u"123 567890").all, (Texts{"123 5678", "90"}));

@@ -382,7 +382,7 @@ TEST_F(DocumentTrees, ALongLineIsFoldedAfterABlankAndMarksFollowTheirRow) {
             "                    ~~~~~~\n"
             "   ↪     fourth fifth x\n"
             "         ~~~~~~~~~~~~\n"
-            "                     output #o\n");
+            "         output #o\n");
 }
 
 TEST_F(DocumentTrees, ALongNoteIsFolded) {
@@ -402,13 +402,13 @@ TEST_F(DocumentTrees, WithColorsPiecesAreUnderlined) {
   auto line = lineWith({textOf(u"a "), outputOf(u"\u200Bb", u"o")});
   fail(line, u"rule", u"", {});
   addLine({headerOf(u"t", LiveTaskData()), line});
-  EXPECT_EQ(
-      tree(),
-      "     \x1b[32m┌\x1b[0m \x1b[32mtask #t\x1b[0m\n"
-      "   \x1b[2m1\x1b[0m \x1b[32m└\x1b[0m a \x1b[4;36m\x1b[7m<U+200B>\x1b[0m\x1b[4;36mb"
-      "\x1b[0m\n"
-      "         \x1b[36moutput #o\x1b[0m\n"
-      "       \x1b[31mfailure: a parser reports \"rule\" for the marker \"m\" [rule]\x1b[0m\n");
+  EXPECT_EQ(tree(),
+            "     \x1b[32m┌\x1b[0m \x1b[1;32mtask\x1b[0m\x1b[32m #t\x1b[0m\n"
+            "   \x1b[2m1\x1b[0m \x1b[32m└\x1b[0m a \x1b[4;36m\x1b[7m<U+200B>\x1b[0m\x1b[4;36mb"
+            "\x1b[0m\n"
+            "         \x1b[36m╰ output #o\x1b[0m\n"
+            "       \x1b[1;31mfailure\x1b[0m\x1b[31m: a parser reports \"rule\" for the marker "
+            "\"m\" [rule]\x1b[0m\n");
 }
 
 TEST_F(DocumentTrees, MarksFarToTheRightDoNotMakeRowsLong) {

@@ -85,7 +85,8 @@ bool drop(std::string_view& text, std::string_view start) {
 /// Returns the columns of a row, in which samples are the only text beyond ASCII.
 std::size_t columnsOf(std::string_view row) {
   constexpr std::pair<std::string_view, std::size_t> kWide[] = {
-      {"👩\u200D💻", 2}, {"中", 2}, {"😀", 2}, {"e\u0301", 1}, {"↪", 1}, {"│", 1}, {"┌", 1}, {"└", 1}};
+      {"👩\u200D💻", 2}, {"中", 2}, {"😀", 2}, {"e\u0301", 1}, {"↪", 1},
+      {"│", 1},        {"┌", 1},  {"└", 1}, {"╰", 1}};
   std::size_t columns = 0;
   while (!row.empty()) {
     const auto found =
