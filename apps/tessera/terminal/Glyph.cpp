@@ -10,7 +10,6 @@
 namespace tessera::terminal {
 namespace {
 
-constexpr std::size_t kTabColumns = 8;
 constexpr char32_t kTextSelector = 0xFE0E;
 constexpr char32_t kEmojiSelector = 0xFE0F;
 
@@ -163,6 +162,20 @@ void GlyphCursor::takeCluster() {
     last = next.code;
   }
   fl::i18n::appendUtf8(current.text, text.substr(current.begin, current.end - current.begin));
+}
+
+bool isShownAsItIs(std::u16string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    if (isPrintableAscii(text[at])) {
+      if (text[at] == u'<' && looksLikeNumber(text.substr(at))) return false;
+      ++at;
+      continue;
+    }
+    const Character character(text.substr(at));
+    if (isHidden(character)) return false;
+    at += character.units;
+  }
+  return true;
 }
 
 std::vector<Glyph> layOut(std::u16string_view text) {

@@ -50,6 +50,13 @@ class GlyphCursor {
   std::size_t column = 0;
 };
 
+/// The columns between tab stops.
+inline constexpr std::size_t kTabColumns = 8;
+
+/// Returns whether the texts of all glyphs of `text`, joined, are `text` itself. May be false for
+/// text in which invisible characters are part of an emoji.
+bool isShownAsItIs(std::u16string_view text);
+
 /// Returns the glyphs of `text`, as `GlyphCursor` finds them.
 std::vector<Glyph> layOut(std::u16string_view text);
 

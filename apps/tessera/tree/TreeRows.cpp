@@ -131,11 +131,36 @@ void TreeRows::beginRow(Start start, bool hasText) {
 }
 
 bool TreeRows::appendPlainRow(std::u16string_view content) {
-  if (content.size() > columns()) return false;
-  if (!std::ranges::all_of(content, isPrintableAscii)) return false;
-  if (content.find(u"<U+") != content.npos) return false;
+  const std::size_t tab = content.find(u'\t');
+  if (tab != content.npos) return appendTabbedRow(content, tab);
+  if (columns() != terminal::RowFolder::kUnlimited) {
+    // The number of other characters does not tell how many columns they take.
+    if (content.size() > columns() || !std::ranges::all_of(content, isPrintableAscii)) return false;
+  }
+  if (!terminal::isShownAsItIs(content)) return false;
   beginRow(Start::kFirst, !content.empty());
   fl::i18n::appendUtf8(text, content);
+  endRow();
+  return true;
+}
+
+/// Like `appendPlainRow`, for printable ASCII and tabs, of which the first is at `tab`.
+bool TreeRows::appendTabbedRow(std::u16string_view content, std::size_t tab) {
+  const auto isKnown = [](char16_t unit) { return unit == u'\t' || isPrintableAscii(unit); };
+  if (!std::ranges::all_of(content, isKnown)) return false;
+  std::string shown;
+  for (std::size_t at = 0; at < content.size(); tab = content.find(u'\t', at)) {
+    const std::u16string_view part = content.substr(at, tab - at);
+    if (!terminal::isShownAsItIs(part)) return false;
+    fl::i18n::appendUtf8(shown, part);
+    at += part.size();
+    if (at == content.size()) break;
+    shown.append(terminal::kTabColumns - shown.size() % terminal::kTabColumns, ' ');
+    ++at;
+  }
+  if (shown.size() > columns()) return false;
+  beginRow(Start::kFirst, true);
+  text += shown;
   endRow();
   return true;
 }

@@ -55,8 +55,9 @@ class TreeRows {
   /// The next row is the last of the task.
   void closeBracket() noexcept { bracket = Bracket::kBottom; }
 
-  /// Appends a row with `content`, printable ASCII that fits. Returns false, and appends nothing,
-  /// if it is something else.
+  /// Appends a row with `content` if that is simple: it fits, and nothing in it needs to be laid
+  /// out. Else returns false and appends nothing. Most lines are simple, and this is several times
+  /// as fast as laying them out.
   bool appendPlainRow(std::u16string_view content);
   /// kContinued: the row continues the text of a line.
   enum class Start { kFirst, kContinued };
@@ -80,6 +81,7 @@ class TreeRows {
  private:
   enum class Bracket { kNone, kTop, kInside, kBottom };
 
+  bool appendTabbedRow(std::u16string_view content, std::size_t tab);
   void appendBracket(bool hasText);
   std::string_view bracketText() const noexcept;
 

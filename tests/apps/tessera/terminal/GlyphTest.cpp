@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "fl/i18n/ustring.hpp"
+
 namespace {
 
 using tessera::terminal::Glyph;
@@ -113,6 +115,31 @@ TEST(Glyph, TellsHiddenCharactersFromTextThatLooksLikeThem) {
   for (const auto* other : {u"<U+>", u"<U+200B", u"<U 200B>", u"<U+200b>", u"<", u"U+200B>"}) {
     EXPECT_FALSE(layOut(other).front().isNumber);
   }
+}
+
+TEST(Glyph, TextThatIsShownAsItIsIsTheTextOfItsGlyphs) {
+  using tessera::terminal::isShownAsItIs;
+  for (const auto* text : {u"", u"a <b> ~", u"é中😀e\u0301", u"<U+>", u"\u3000", u"🇫🇷"}) {
+    EXPECT_TRUE(isShownAsItIs(text));
+  }
+  for (const auto* text : {u"\t", u"a\u001B", u"\u200B", u"<U+200B>", u"\u00A0", u"a\u202E"}) {
+    EXPECT_FALSE(isShownAsItIs(text));
+  }
+  EXPECT_FALSE(isShownAsItIs(std::u16string(1, char16_t{0xD800})));
+  constexpr char16_t kUnits[] = {u'a',   u'<',   u'U',   u'+',   u'0',   u'>',  0x301,  0x200D,
+                                 0xFE0F, 0xD83D, 0xDE00, 0x4E2D, 0x1161, 0x93E, 0xD83C, 0xDDEB};
+  std::mt19937 random(2);
+  int count = 0;
+  for (int run = 0; run < 5000; ++run) {
+    std::u16string text;
+    for (std::size_t i = random() % 8; i > 0; --i) text += kUnits[random() % std::size(kUnits)];
+    if (!isShownAsItIs(text)) continue;
+    ++count;
+    std::string joined;
+    for (const Glyph& glyph : layOut(text)) joined += glyph.text;
+    ASSERT_EQ(joined, fl::i18n::ustring_to_utf8(text));
+  }
+  EXPECT_GT(count, 500);
 }
 
 TEST(Glyph, GlyphsCoverTheTextInOrder) {

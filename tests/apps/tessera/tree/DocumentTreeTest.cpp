@@ -117,13 +117,17 @@ TEST_F(DocumentTrees, NumbersAreAlignedToTheLargest) {
 }
 
 TEST_F(DocumentTrees, CharactersThatATerminalDoesNotShowAreNumbersAndTabsAreBlanks) {
+  addLine(lineOf(u"\tif (a)\t\tb <U+20> <"));
+  addLine(lineOf(u"\tif (a)\t\tb\t"));
   addLine(lineOf(u"a\tb\u001B[2J"));
   addLine(lineOf(u"\u202E\u200B <U+200B> <U+> <U"));
   addLine(lineOf(u"\u009B" + std::u16string(1, char16_t{0xD800})));
   EXPECT_EQ(tree(),
-            "   1   a       b<U+001B>[2J\n"
-            "   2   <U+202E><U+200B> <U+003C>U+200B> <U+> <U\n"
-            "   3   <U+009B><U+D800>\n");
+            "   1           if (a)          b <U+003C>U+20> <\n"
+            "   2           if (a)          b       \n"
+            "   3   a       b<U+001B>[2J\n"
+            "   4   <U+202E><U+200B> <U+003C>U+200B> <U+> <U\n"
+            "   5   <U+009B><U+D800>\n");
 }
 
 TEST_F(DocumentTrees, APieceIsMarkedBelowItsTextWithWhatItsMarkerSays) {
