@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Completes command lines in the shells themselves, each in a terminal of its own.
+"""Completes command lines in the shells themselves, each in a separate terminal.
 
 completion_test.py GENERATED, the folder of the generated completions. Shells that are not installed are
 skipped.
