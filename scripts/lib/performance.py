@@ -12,6 +12,7 @@ import sys
 
 import instructions
 import many_files
+import page_speed
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PAGE = ROOT / "docs" / "performance.md"
@@ -75,6 +76,7 @@ def sections(programs, corpus):
     source = source_of(corpus, SOURCE_LINES)
     yield "The program", output_of(programs / "quenlith_bench_programs", source)
     yield "Many files", many_files.measure(programs / "tessera", corpus)
+    yield "The page", page_speed.measure(programs / "tessera", corpus)
     yield "Instructions", instructions.measure(programs / "quenlith_bench", corpus)
 
 

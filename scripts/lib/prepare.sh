@@ -16,7 +16,7 @@ testPackages=(
 )
 gatePackages=(clang-format-14 clang-tidy-14 python3)
 benchPackages=(
-  libbenchmark-dev libpugixml-dev libmd4c-dev libcmark-dev libxml2-dev valgrind python3
+  chromium libbenchmark-dev libpugixml-dev libmd4c-dev libcmark-dev libxml2-dev valgrind python3
 )
 clangPackages=(clang-14 libclang-rt-14-dev llvm-14)
 

@@ -9,10 +9,16 @@ namespace {
 
 // Laying out a group of so many rows takes less than the time of one frame.
 constexpr std::size_t kFullGroup = 50;
-// The style sheet has the height of a group in steps of so many rows, up to the last step.
+constexpr std::size_t kFullBlock = 2000;
+// The style sheet has the height of a group and of a block in so many steps.
+constexpr std::size_t kSteps = 16;
 constexpr std::size_t kRowsPerStep = 10;
-constexpr std::size_t kLastStep = 16;
+constexpr std::size_t kBlockRowsPerStep = 200;
 constexpr std::size_t kRowsOfCard = 4;
+
+std::size_t stepOf(std::size_t rows, std::size_t rowsPerStep) {
+  return std::clamp<std::size_t>(rows / rowsPerStep, 1, kSteps);
+}
 
 }  // namespace
 
@@ -21,13 +27,13 @@ void LineGroups::addLine(std::uint64_t number, std::string_view item, std::size_
   isInList = true;
   group += item;
   groupRows += rows;
-  writeFullGroup();
+  endFullGroup();
 }
 
 void LineGroups::beginCard(std::string_view html, std::uint64_t lines) {
   closeList();
   isInSmallCard = lines < kFullGroup;
-  if (!isInSmallCard) writeGroup();
+  if (!isInSmallCard) writeBlock();
   std::string& target = isInSmallCard ? group : output.text();
   target += html;
   if (isInSmallCard) groupRows += kRowsOfCard;
@@ -35,16 +41,16 @@ void LineGroups::beginCard(std::string_view html, std::uint64_t lines) {
 
 void LineGroups::endCard(std::string_view html) {
   closeList();
-  if (!isInSmallCard) writeGroup();
+  if (!isInSmallCard) writeBlock();
   std::string& target = isInSmallCard ? group : output.text();
   target += html;
   isInSmallCard = false;
-  writeFullGroup();
+  endFullGroup();
 }
 
 void LineGroups::finish() {
   closeList();
-  writeGroup();
+  writeBlock();
 }
 
 void LineGroups::closeList() {
@@ -52,18 +58,30 @@ void LineGroups::closeList() {
   isInList = false;
 }
 
-void LineGroups::writeFullGroup() {
+void LineGroups::endFullGroup() {
   if (isInSmallCard || groupRows < kFullGroup) return;
   closeList();
-  writeGroup();
+  endGroup();
+  if (blockRows >= kFullBlock) writeBlock();
 }
 
-void LineGroups::writeGroup() {
+void LineGroups::endGroup() {
   if (group.empty()) return;
-  const std::size_t step = std::clamp<std::size_t>(groupRows / kRowsPerStep, 1, kLastStep);
-  HtmlText(output.text()).add("<div class=\"k h", step, "\">\n", Markup{group}, "</div>\n");
+  HtmlText(block).add("<div class=\"k h", stepOf(groupRows, kRowsPerStep), "\">\n", Markup{group},
+                      "</div>\n");
+  blockRows += groupRows;
   group.clear();
   groupRows = 0;
+}
+
+void LineGroups::writeBlock() {
+  endGroup();
+  if (block.empty()) return;
+  HtmlText(output.text())
+      .add("<div class=\"k b", stepOf(blockRows, kBlockRowsPerStep), "\">\n", Markup{block},
+           "</div>\n");
+  block.clear();
+  blockRows = 0;
   output.flushIfLarge();
 }
 

@@ -9,8 +9,9 @@
 
 namespace tessera::html {
 
-/// Writes lines and cards in groups that a browser lays out only when they come into view: without
-/// groups it lays out the whole page before it shows anything.
+/// Writes lines and cards in groups that a browser lays out only when they come into view, and
+/// groups in blocks: without groups it lays out the whole page before it shows anything, and
+/// without blocks it looks at every group when one changes its height.
 class LineGroups {
  public:
   /// Borrows `output`.
@@ -30,12 +31,16 @@ class LineGroups {
 
  private:
   void closeList();
-  void writeGroup();
-  void writeFullGroup();
+  void endGroup();
+  void endFullGroup();
+  void writeBlock();
 
   files::OutputText& output;
   std::string group;
   std::size_t groupRows = 0;
+  // Complete groups.
+  std::string block;
+  std::size_t blockRows = 0;
   bool isInList = false;
   // Whether a card is open that is in the current group as a whole.
   bool isInSmallCard = false;
