@@ -77,7 +77,7 @@ class Tree(ProgramTest):
     def setUp(self):
         super().setUp()
         self.name = self.write("a.py", b"x = 1  # <@output#o [0,1]> # <@text:anchor#here>\n" + b"x" * 150 + b"\n")
-        self.names = [self.name, self.write("bad", b"\xff"), self.write("empty", b""), self.name, *FILES] * 2
+        self.names = [self.write("bad", b"\xff"), self.name, self.write("empty", b""), self.name, *FILES] * 2
 
     def test_on_a_terminal_it_is_as_wide_and_in_colour(self):
         for columns in 40, 73:

@@ -389,6 +389,23 @@ TEST_F(DocumentTrees, ALongLineIsFoldedAfterABlankAndMarksFollowTheirRow) {
             "         output #o\n");
 }
 
+TEST_F(DocumentTrees, ALineWithTabsIsFoldedByTheColumnsThatItTakes) {
+  style.columns = 25;
+  addLine(lineOf(u"\t1234567890"));
+  addLine(lineOf(u"\t1234567890a"));
+  EXPECT_EQ(tree(),
+            "   1           1234567890\n"
+            "   2           1234567890\n"
+            "   ↪     a\n");
+}
+
+TEST_F(DocumentTrees, ALongNameOfAFileIsFolded) {
+  style.columns = 20;
+  file = "folder/" + std::string(20, 'x');
+  DocumentTree(output, style, Records::kHidden).write(result());
+  EXPECT_EQ(output.text(), "folder/xxxxxxxxxxxxx\n  xxxxxxx\n");
+}
+
 TEST_F(DocumentTrees, ALongNoteIsFolded) {
   style.columns = 40;
   auto line = lineOf(u"x");
