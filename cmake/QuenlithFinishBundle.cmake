@@ -126,10 +126,18 @@ endfunction()
 
 function(append_archive)
   file(REMOVE_RECURSE "${WORK}/archive")
-  configure_file("${MANIFEST}" "${WORK}/archive/${SYMBOLIC_NAME}/manifest.json" COPYONLY)
+  set(folder "${WORK}/archive/${SYMBOLIC_NAME}")
+  configure_file("${MANIFEST}" "${folder}/manifest.json" COPYONLY)
+  # The archive contains modes and the local time, which must not depend on who builds, where and when.
+  file(CHMOD "${folder}/manifest.json" PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+  file(CHMOD "${folder}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ
+    WORLD_EXECUTE)
+  set(ENV{TZ} UTC)
+  run(touch -t 198001010000.00 "${folder}/manifest.json" "${folder}")
   set(archive "${WORK}/resources.zip")
-  run("${CMAKE_COMMAND}" -E chdir archive "${CMAKE_COMMAND}" -E tar cf "${archive}" --format=zip
-    "--mtime=1980-01-01 00:00:00" "${SYMBOLIC_NAME}")
+  file(REMOVE "${archive}")
+  # -X: without owners and with one time of each file. "cmake -E tar" would add when it was read.
+  run("${CMAKE_COMMAND}" -E chdir archive "${ZIP}" -q -X -r "${archive}" "${SYMBOLIC_NAME}")
   set(whole "${WORK}/whole")
   execute_process(COMMAND "${CMAKE_COMMAND}" -E cat "${LIBRARY}" "${archive}" OUTPUT_FILE "${whole}"
     COMMAND_ERROR_IS_FATAL ANY)

@@ -15,6 +15,7 @@ import sys
 import tarfile
 import tempfile
 import unittest
+import zipfile
 
 import search_paths
 
@@ -31,7 +32,8 @@ LIST = "share/doc/quenlith/quenlith.spdx.json"
 
 
 def output_of(*command):
-    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True).stdout
+    environment = {**os.environ, "TZ": "UTC", "LC_ALL": "C"}
+    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True, env=environment).stdout
 
 
 def files_below(root):
@@ -100,6 +102,21 @@ class Packages(unittest.TestCase):
             if not member.issym():
                 executable = member.isdir() or member.mode & 0o100
                 self.assertEqual(oct(member.mode), oct(0o755 if executable else 0o644), member.name)
+
+    def test_the_parts_of_the_deb_have_one_time_owner_and_mode(self):
+        lines = output_of("ar", "tvO", packed.debian).splitlines()
+        self.assertEqual([line.split()[0:2] + line.split()[7:8] for line in lines],
+                         [["rw-r--r--", "0/0", name] for name in ("debian-binary", "control.tar.gz", "data.tar.gz")])
+        self.assertEqual({tuple(line.split()[3:7]) for line in lines}, {("Jan", "1", "00:00", "1970")})
+
+    def test_the_archives_of_bundles_have_one_time_and_mode(self):
+        bundles = [path for path in packed.linked if zipfile.is_zipfile(path)]
+        self.assertEqual(len(bundles), 3)
+        for path in bundles:
+            for entry in zipfile.ZipFile(path).infolist():
+                self.assertEqual((entry.date_time, entry.extra), ((1980, 1, 1, 0, 0, 0), b""), path)
+                mode = 0o40755 if entry.is_dir() else 0o100644
+                self.assertEqual(oct(entry.external_attr >> 16), oct(mode), path)
 
     def test_no_file_contains_a_build_path(self):
         for path in packed.root.rglob("*"):
