@@ -8,7 +8,7 @@ import hashlib
 import pathlib
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-SOURCE_FOLDERS = ("platform", "src", "apps", "bundles", "tests", "bench", "examples/bundles")
+SOURCE_FOLDERS = ("platform", "src", "apps", "bundles", "tests", "bench", "examples/bundles", "examples/host")
 # Inputs of tests, which are not to be changed by a formatter.
 GOLDEN = ROOT / "tests" / "golden"
 

@@ -18,8 +18,9 @@ document::kdzero::Node ParserLists::parseWithDefault(const kd::zero::Model& mode
   CodeElementParser* parser = elementParsers.back().get();
   if (parser == nullptr) {
     throw std::runtime_error(
-        "no default code element parser is registered: register a CodeElementParser service with "
-        "the property \"priority\" = \"default\"");
+        "no default code element parser was found: call setFramework with the running framework, "
+        "and start the bundle whose CodeElementParser has the property \"priority\" = \"default\", "
+        "before the first line is parsed");
   }
   return parser->parse(model, CodeElement{fl::i18n::ustring(text), std::nullopt, std::nullopt});
 }
