@@ -21,6 +21,9 @@ namespace {
 
 // A longer list of diagnostics is closed at first.
 constexpr std::uint64_t kMostOpenDiagnostics = 30;
+// With more lines, a browser lays out what comes into view only. That costs readers something: a
+// screen reader knows nothing about groups that were not laid out yet.
+constexpr std::uint64_t kMostLaidOutLines = 5000;
 
 /// Returns what the page is about: the file, if there is only one.
 std::string titleOf(const PageSummary& summary) {
@@ -160,11 +163,10 @@ void beginPage(files::OutputText& output, const PageSummary& summary) {
   HtmlText html(output.text());
   writeHtmlHead(html, title);
   const bool hasTree = summary.entries.size() > 1;
-  if (hasTree) {
-    html.add("<body class=many>\n");
-  } else {
-    html.add("<body>\n");
-  }
+  html.add("<body class=\"");
+  if (hasTree) html.add("many ");
+  if (summary.counts.lines > kMostLaidOutLines) html.add("large");
+  html.add("\">\n");
   html.add("<a class=skip href=#main>Skip to the content</a>\n<header><p>tessera</p><h1>", title,
            "</h1></header>\n");
   if (hasTree) {

@@ -71,7 +71,8 @@ class BrowserTest(unittest.TestCase):
         self.assertEqual(done.returncode, status, done.stderr.decode())
         tab = self.browser.open(target.as_uri(), **options)
         self.addCleanup(tab.close)
-        # Lines are laid out when the first frame is drawn.
+        # Blocks of lines are laid out when a frame is drawn, their groups with the next one.
+        tab.screenshot()
         tab.screenshot()
         return tab
 
@@ -125,6 +126,18 @@ class Accessibility(BrowserTest):
     def test_lines_are_items_of_lists_with_their_numbers(self):
         markers = [name.strip() for role, name, _ in self.nodes(self.page(self.write("a.py", "a\nb\nc\n"))) if role == "ListMarker"]
         self.assertEqual(markers, ["1", "2", "3"])
+
+
+    def test_lines_out_of_view_are_in_the_tree_unless_the_page_is_large(self):
+        for lines, everything in ((5000, True), (5001, False)):
+            tab = self.page(self.write("a.py", "".join(f"line {n}\n" for n in range(lines))))
+            items = sum(role == "listitem" for role, _, _ in self.nodes(tab))
+            self.assertEqual(items >= lines, everything, items)
+            # A link leads to each of them all the same.
+            tab.evaluate("location.hash = '#f1-4000'")
+            tab.screenshot()
+            self.assertTrue(tab.evaluate("(r => r.top >= 0 && r.bottom <= innerHeight)"
+                                         "(document.getElementById('f1-4000').getBoundingClientRect())"))
 
 
 class Keyboard(BrowserTest):
