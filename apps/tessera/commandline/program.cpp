@@ -138,6 +138,23 @@ constexpr Example kReplayExamples[] = {
     {"tessera replay calls.ndjson", "Make the same calls again, and write the answers."},
 };
 
+constexpr Option kViewOptions[] = {
+    {.name = "--port",
+     .value = "N",
+     .help = "The port of 127.0.0.1 that the page is served at.",
+     .fallback = "any free one"},
+    {.name = "--no-browser", .help = "Only write the address of the page."},
+    {.name = "--close-after",
+     .value = "SECONDS",
+     .help = "End when the page has been closed for that time.",
+     .fallback = "60"},
+};
+constexpr Group kViewGroups[] = {{"Page", kViewOptions}, kBundles, kInput, kGeneral};
+constexpr Example kViewExamples[] = {
+    {"tessera view fit.py", "Show a page about a file, which follows what you type."},
+    {"tessera view --no-browser .", "Write the address of a page about all files here."},
+};
+
 constexpr Option kDoctorOptions[] = {
     {.name = "--format",
      .value = "FORMAT",
@@ -190,6 +207,11 @@ constexpr Command kCommands[] = {
      kPaths, kCheckGroups, kCheckExamples},
     {"markers", "List the markers of files and what became of each.", "", kPaths, kMarkersGroups,
      kMarkersExamples},
+    {"view", "Show the page of parse --format html, and follow the changes of the files.",
+     "The page is served to this machine only, at an address that nobody can guess. The command "
+     "writes the address, opens it in a browser if there is one, and ends when the page has been "
+     "closed for a while, or with Ctrl-C.",
+     kPaths, kViewGroups, kViewExamples},
     {"explain", "Say what a diagnostic of check means.", "", kExplainOperands, kExplainGroups,
      kExplainExamples},
     {"replay", "Call the parsers as a file says, call by call.",

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -65,6 +67,17 @@ struct MarkersOptions {
   host::Pieces pieces = host::Pieces::kKept;
   std::vector<std::string> bundles;
   run::RunOptions run;
+};
+
+struct ViewOptions {
+  inputs::InputOptions inputs;
+  std::vector<std::string> bundles;
+  host::Pieces pieces = host::Pieces::kKept;
+  /// 0: any that is free.
+  std::uint16_t port = 0;
+  bool opensBrowser = true;
+  /// How long the page may be closed before the command ends. Zero: for ever.
+  std::chrono::milliseconds closeAfter{0};
 };
 
 enum class DoctorFormat { kText, kJson };

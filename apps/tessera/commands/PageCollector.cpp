@@ -14,8 +14,12 @@ namespace tessera::commands {
 using check::catalogue::CheckedFile;
 using check::catalogue::Severity;
 
-PageCollector::PageCollector(const std::vector<inputs::Input>& inputs, files::OutputFile& output)
-    : inputs(inputs), output(output), heldFiles([this](const CheckedFile& file) { take(file); }) {}
+PageCollector::PageCollector(const std::vector<inputs::Input>& inputs, files::OutputFile& output,
+                             html::PageUse use)
+    : inputs(inputs),
+      output(output),
+      use(use),
+      heldFiles([this](const CheckedFile& file) { take(file); }) {}
 
 void PageCollector::addText(std::string_view piece) {
   while (!piece.empty()) {
@@ -87,7 +91,7 @@ void PageCollector::take(const CheckedFile& file) {
 
 void PageCollector::finish() {
   heldFiles.finish();
-  html::beginPage(output, summary);
+  html::beginPage(output, summary, use);
   html::beginDiagnosticList(output, summary);
   copyList();
   html::endDiagnosticList(output, summary);

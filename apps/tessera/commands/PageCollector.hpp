@@ -22,7 +22,8 @@ namespace tessera::commands {
 class PageCollector final : public workers::Collector {
  public:
   /// Borrows `inputs` and `output`. Throws OutputError.
-  PageCollector(const std::vector<inputs::Input>& inputs, files::OutputFile& output);
+  PageCollector(const std::vector<inputs::Input>& inputs, files::OutputFile& output,
+                html::PageUse use);
 
   // Operations throw OutputError.
   void addText(std::string_view piece) override;
@@ -44,6 +45,7 @@ class PageCollector final : public workers::Collector {
 
   const std::vector<inputs::Input>& inputs;
   files::OutputFile& output;
+  html::PageUse use;
   files::SpoolFile sections;
   files::SpoolFile list;
   html::PageSummary summary;

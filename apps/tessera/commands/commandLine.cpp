@@ -20,6 +20,7 @@
 #include "tessera/commands/readOptions.hpp"
 #include "tessera/commands/replay.hpp"
 #include "tessera/commands/status.hpp"
+#include "tessera/commands/view.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/diagnostics/report.hpp"
 #include "tessera/files/OutputFile.hpp"
@@ -60,6 +61,7 @@ int runCommand(const commandline::Arguments& arguments) {
   if (name == "explain") return explain(readExplainOptions(arguments));
   if (name == "replay") return replay(readReplayOptions(arguments));
   if (name == "new-bundle") return newBundle(readNewBundleOptions(arguments));
+  if (name == "view") return view(readViewOptions(arguments));
   if (name == "doctor") return doctor(readDoctorOptions(arguments));
   throw std::logic_error("the command " + std::string(name) + " does nothing");
 }

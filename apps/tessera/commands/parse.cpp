@@ -127,7 +127,7 @@ class ParseRun {
   session::Recording* recordingOrNull() noexcept { return recording ? &*recording : nullptr; }
 
   int writePage() {
-    PageCollector collector(run.inputs(), run.output());
+    PageCollector collector(run.inputs(), run.output(), html::PageUse::kFile);
     const auto makeJob = [this](const workers::JobContext& context) {
       return std::make_unique<PageJob>(options, run.inputs(), recordingOrNull(), context);
     };

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -79,9 +80,10 @@ std::size_t readWorkers(const Arguments& arguments) {
   failValue(arguments, *text, "a number of workers: use 1 to 1024");
 }
 
-std::chrono::milliseconds readTimeout(const Arguments& arguments) {
+/// Returns zero if the option `name` is not given.
+std::chrono::milliseconds readTime(const Arguments& arguments, std::string_view name) {
   constexpr double kMostSeconds = 1e6;
-  const std::string* const text = arguments.find("--timeout");
+  const std::string* const text = arguments.find(name);
   if (text == nullptr) return {};
   double seconds = 0;
   const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), seconds);
@@ -130,7 +132,7 @@ run::RunOptions readRun(const Arguments& arguments) {
   run::RunOptions options;
   options.inputs = readInputs(arguments);
   options.workers = readWorkers(arguments);
-  options.timeout = readTimeout(arguments);
+  options.timeout = readTime(arguments, "--timeout");
   options.progress = readProgress(arguments);
   options.outputFile = readOutputFile(arguments);
   options.resumes = arguments.has("--resume");
@@ -151,6 +153,16 @@ std::optional<std::size_t> readColumns(const Arguments& arguments) {
   const std::uint64_t count = readCount(*text);
   if (count >= tree::TreeStyle::kFewestColumns && count <= kMostColumns) return count;
   failValue(arguments, *text, "a width: use 20 to 1000000 columns");
+}
+
+std::uint16_t readPort(const Arguments& arguments) {
+  const std::string* const text = arguments.find("--port");
+  if (text == nullptr) return 0;
+  const std::uint64_t port = readCount(*text);
+  if (port != 0 && port <= std::numeric_limits<std::uint16_t>::max()) {
+    return static_cast<std::uint16_t>(port);
+  }
+  failValue(arguments, *text, "a port: use 1 to 65535");
 }
 
 Fixes readFixes(const Arguments& arguments) {
@@ -222,6 +234,19 @@ NewBundleOptions readNewBundleOptions(const Arguments& arguments) {
 
 ReplayOptions readReplayOptions(const Arguments& arguments) {
   return {.bundles = readBundles(arguments), .file = arguments.operands().front()};
+}
+
+ViewOptions readViewOptions(const Arguments& arguments) {
+  constexpr std::chrono::seconds kCloseAfter{60};
+  ViewOptions options;
+  options.inputs = readInputs(arguments);
+  options.bundles = readBundles(arguments);
+  options.pieces = readPieces(arguments);
+  options.port = readPort(arguments);
+  options.opensBrowser = !arguments.has("--no-browser");
+  options.closeAfter =
+      arguments.has("--close-after") ? readTime(arguments, "--close-after") : kCloseAfter;
+  return options;
 }
 
 DoctorOptions readDoctorOptions(const Arguments& arguments) {

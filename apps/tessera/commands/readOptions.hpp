@@ -13,6 +13,7 @@ MarkersOptions readMarkersOptions(const commandline::Arguments& arguments);
 ExplainOptions readExplainOptions(const commandline::Arguments& arguments);
 NewBundleOptions readNewBundleOptions(const commandline::Arguments& arguments);
 ReplayOptions readReplayOptions(const commandline::Arguments& arguments);
+ViewOptions readViewOptions(const commandline::Arguments& arguments);
 DoctorOptions readDoctorOptions(const commandline::Arguments& arguments);
 
 }  // namespace tessera::commands

@@ -7,6 +7,7 @@
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/html/DiagnosticHtml.hpp"
 #include "tessera/html/HtmlText.hpp"
+#include "tessera/html/liveScript.hpp"
 #include "tessera/html/styleSheet.hpp"
 
 namespace tessera::html {
@@ -39,17 +40,32 @@ std::uint64_t countOf(const PageSummary& summary, Severity severity) {
   return count;
 }
 
-void writeHtmlHead(HtmlText& html, const std::string& title) {
+/// Allows the script of a live page, and that it asks the server for the next version.
+void writeLivePolicy(HtmlText& html, PageUse use) {
+  if (use == PageUse::kFile) return;
+  html.add("; script-src ", Markup{liveScriptSource()}, "; connect-src 'self'");
+}
+
+void writeLiveScript(HtmlText& html, PageUse use) {
+  if (use == PageUse::kFile) return;
+  html.add("<script type=module>", Markup{liveScript()}, "</script>\n");
+}
+
+void writeHtmlHead(HtmlText& html, const std::string& title, PageUse use) {
   html.add(
       "<!DOCTYPE html>\n<html lang=en>\n<head>\n<meta charset=utf-8>\n"
       "<meta http-equiv=Content-Security-Policy content=\"default-src 'none'; style-src ",
-      Markup{styleSource()},
+      Markup{styleSource()});
+  writeLivePolicy(html, use);
+  html.add(
       "; base-uri 'none'; form-action 'none'\">\n"
       "<meta name=viewport content=\"width=device-width, initial-scale=1\">\n"
       "<meta name=color-scheme content=\"light dark\">\n<meta name=referrer content=no-referrer>\n"
       "<title>");
   html.addPlain(title);
-  html.add(" - tessera</title>\n<style>", Markup{styleSheet()}, "</style>\n</head>\n");
+  html.add(" - tessera</title>\n<style>", Markup{styleSheet()}, "</style>\n");
+  writeLiveScript(html, use);
+  html.add("</head>\n");
 }
 
 void writeNumber(HtmlText& html, std::string_view name, std::uint64_t count) {
@@ -158,10 +174,10 @@ std::uint64_t PageSummary::countDiagnostics() const noexcept {
   return std::accumulate(diagnosticsByKind.begin(), diagnosticsByKind.end(), std::uint64_t{0});
 }
 
-void beginPage(files::OutputText& output, const PageSummary& summary) {
+void beginPage(files::OutputText& output, const PageSummary& summary, PageUse use) {
   const std::string title = titleOf(summary);
   HtmlText html(output.text());
-  writeHtmlHead(html, title);
+  writeHtmlHead(html, title, use);
   const bool hasTree = summary.entries.size() > 1;
   html.add("<body class=\"");
   if (hasTree) html.add("many ");

@@ -28,10 +28,13 @@ struct PageSummary {
   std::uint64_t countDiagnostics() const noexcept;
 };
 
+/// Whether a page is a file, or is shown by a server and follows the changes of its files.
+enum class PageUse { kFile, kLive };
+
 // The parts of a page, in this order. Each appends to `output` and throws OutputError.
 
 /// Everything up to and including the summary.
-void beginPage(files::OutputText& output, const PageSummary& summary);
+void beginPage(files::OutputText& output, const PageSummary& summary, PageUse use);
 
 /// The frame of the list of all diagnostics; the caller writes the items between the two.
 void beginDiagnosticList(files::OutputText& output, const PageSummary& summary);

@@ -1,15 +1,15 @@
-# Embeds a style sheet in a source, with the hash that allows it in a content security policy.
+# Embeds a style sheet or a script in a source, with the hash that allows it in a content security policy.
 
-# quenlith_embed_style_sheet(SHEET TEMPLATE SOURCE): writes SOURCE from TEMPLATE, in which @styleSheet@ is the text of
-# SHEET without comments and indentation, and @styleHash@ its SHA-256 in base64.
-function(quenlith_embed_style_sheet sheet template source)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${sheet}")
-  file(READ "${sheet}" styleSheet)
-  string(REGEX REPLACE "/\\*[^*]*\\*+([^/*][^*]*\\*+)*/" "" styleSheet "${styleSheet}")
-  string(REGEX REPLACE "\n[ \n]*" "\n" styleSheet "${styleSheet}")
-  string(STRIP "${styleSheet}" styleSheet)
-  string(SHA256 hash "${styleSheet}")
-  quenlith_base64_of_hash(${hash} styleHash)
+# quenlith_embed_page_text(FILE TEMPLATE SOURCE): writes SOURCE from TEMPLATE, in which @text@ is the text of FILE without
+# comments (/* */) and indentation, and @hash@ its SHA-256 in base64.
+function(quenlith_embed_page_text file template source)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
+  file(READ "${file}" text)
+  string(REGEX REPLACE "/\\*[^*]*\\*+([^/*][^*]*\\*+)*/" "" text "${text}")
+  string(REGEX REPLACE "\n[ \n]*" "\n" text "${text}")
+  string(STRIP "${text}" text)
+  string(SHA256 digits "${text}")
+  quenlith_base64_of_hash(${digits} hash)
   configure_file("${template}" "${source}" @ONLY)
 endfunction()
 

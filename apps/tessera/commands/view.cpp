@@ -1,0 +1,77 @@
+#include "tessera/commands/view.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "tessera/commands/LivePage.hpp"
+#include "tessera/commands/status.hpp"
+#include "tessera/diagnostics/Problem.hpp"
+#include "tessera/diagnostics/report.hpp"
+#include "tessera/files/Interruption.hpp"
+#include "tessera/files/OutputFile.hpp"
+#include "tessera/view/FileWatch.hpp"
+#include "tessera/view/LiveSite.hpp"
+#include "tessera/view/Server.hpp"
+#include "tessera/view/openBrowser.hpp"
+
+namespace tessera::commands {
+namespace {
+
+// How soon it is noticed that nobody has the page open any more.
+constexpr std::chrono::milliseconds kPatience{200};
+
+void requireFiles(const ViewOptions& options) {
+  if (std::ranges::find(options.inputs.paths, "-") == options.inputs.paths.end()) return;
+  throw diagnostics::ProblemError({.file = "-",
+                                   .place = {},
+                                   .what = "standard input does not change",
+                                   .remedy = "name a file, or use parse --format html"});
+}
+
+void announce(const std::string& address) {
+  files::OutputFile output(STDOUT_FILENO, "standard output");
+  output.text() = address + "\n";
+  output.flush();
+}
+
+/// Keeps the page as it was when it cannot be made: the next change may help.
+bool updatePage(LivePage& page, const view::Changes& changes) {
+  try {
+    return page.update(changes);
+  } catch (const diagnostics::ProblemError& error) {
+    diagnostics::report(error.what());
+    return false;
+  }
+}
+
+bool isAbandoned(const view::LiveSite& site, const ViewOptions& options) {
+  return options.closeAfter.count() != 0 && site.abandonedFor() >= options.closeAfter;
+}
+
+}  // namespace
+
+int view(const ViewOptions& options) {
+  requireFiles(options);
+  files::endOnInterruption();
+  view::FileWatch watch;
+  LivePage page(options);
+  watch.add(options.inputs.paths, page.inputs());
+  view::LiveSite site;
+  site.publish(page.html());
+  const std::unique_ptr<view::Server> server = view::startServer(site, options.port);
+  announce(server->address());
+  if (options.opensBrowser) view::openBrowser(server->address());
+  while (!isAbandoned(site, options)) {
+    const view::Changes changes = watch.await(kPatience);
+    if (changes.isEmpty() || !updatePage(page, changes)) continue;
+    site.publish(page.html());
+    if (changes.isListChanged) watch.add(options.inputs.paths, page.inputs());
+  }
+  return kFine;
+}
+
+}  // namespace tessera::commands

@@ -1,0 +1,122 @@
+#include "tessera/view/FileWatch.hpp"
+
+#include <poll.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "tessera/diagnostics/Problem.hpp"
+
+namespace tessera::view {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr unsigned kTouched = IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
+constexpr unsigned kListed =
+    IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF;
+// An editor writes a file in several steps, which are this close to each other.
+constexpr std::chrono::milliseconds kPause{5};
+// Changes that do not pause are shown nonetheless.
+constexpr std::chrono::milliseconds kLongestBurst{50};
+
+[[noreturn]] void failWatch(const std::string& folder, int error) {
+  throw diagnostics::ProblemError(
+      {.file = folder,
+       .place = {},
+       .what = std::string("changes cannot be noticed (") + std::strerror(error) + ")",
+       .remedy = "name fewer directories, or raise fs.inotify.max_user_watches"});
+}
+
+std::string folderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/') + 1);
+}
+
+bool isHidden(const fs::path& path) {
+  return path.filename().native().starts_with('.');
+}
+
+}  // namespace
+
+FileWatch::FileWatch() : descriptor(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
+  if (descriptor < 0) failWatch("tessera", errno);
+}
+
+FileWatch::~FileWatch() {
+  ::close(descriptor);
+}
+
+void FileWatch::add(const std::vector<std::string>& paths,
+                    const std::vector<inputs::Input>& inputs) {
+  std::set<std::string> found;
+  for (const inputs::Input& input : inputs) found.insert(folderOf(input.path));
+  std::error_code ignored;
+  for (const std::string& path : paths) {
+    if (!fs::is_directory(path, ignored)) continue;
+    found.insert(path.ends_with('/') ? path : path + '/');
+    fs::recursive_directory_iterator below(path, ignored);
+    for (; below != fs::end(below); below.increment(ignored)) {
+      if (!below->is_directory(ignored) || below->is_symlink(ignored)) continue;
+      if (isHidden(below->path())) {
+        below.disable_recursion_pending();
+      } else {
+        found.insert(below->path().native() + '/');
+      }
+    }
+  }
+  for (const std::string& folder : found) addFolder(folder);
+}
+
+void FileWatch::addFolder(const std::string& folder) {
+  const char* const path = folder.empty() ? "." : folder.c_str();
+  const int watch = ::inotify_add_watch(descriptor, path, kTouched | kListed | IN_ONLYDIR);
+  if (watch >= 0) {
+    folders[watch].insert(folder);
+  } else if (errno == ENOSPC || errno == ENOMEM) {
+    failWatch(folder, errno);
+  }
+  // A folder that is gone again is noticed in the one that contained it.
+}
+
+Changes FileWatch::await(std::chrono::milliseconds patience) {
+  Changes changes;
+  if (!isReadable(patience)) return changes;
+  const auto end = std::chrono::steady_clock::now() + kLongestBurst;
+  do {
+    readEvents(changes);
+  } while (std::chrono::steady_clock::now() < end && isReadable(kPause));
+  return changes;
+}
+
+bool FileWatch::isReadable(std::chrono::milliseconds patience) const {
+  pollfd events{.fd = descriptor, .events = POLLIN, .revents = 0};
+  return ::poll(&events, 1, static_cast<int>(patience.count())) > 0;
+}
+
+void FileWatch::readEvents(Changes& changes) {
+  alignas(inotify_event) std::array<char, 64 * 1024> buffer;
+  const ssize_t size = ::read(descriptor, buffer.data(), buffer.size());
+  for (std::size_t i = 0; size > 0 && i < static_cast<std::size_t>(size);) {
+    const auto& event = *reinterpret_cast<const inotify_event*>(buffer.data() + i);
+    note(event.wd, event.mask, event.len == 0 ? "" : event.name, changes);
+    i += sizeof(inotify_event) + event.len;
+  }
+}
+
+void FileWatch::note(int watch, unsigned mask, std::string_view name, Changes& changes) const {
+  if ((mask & IN_Q_OVERFLOW) != 0) changes.isUnknown = true;
+  if ((mask & kListed) != 0) changes.isListChanged = true;
+  const auto folder = folders.find(watch);
+  if ((mask & kTouched) == 0 || folder == folders.end()) return;
+  for (const std::string& spelling : folder->second) {
+    changes.touched.insert(spelling + std::string(name));
+  }
+}
+
+}  // namespace tessera::view

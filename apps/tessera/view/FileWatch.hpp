@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tessera/inputs/Input.hpp"
+
+namespace tessera::view {
+
+/// What has changed on disk.
+struct Changes {
+  /// Paths of files that were written, replaced or removed, as the inputs spell them.
+  std::set<std::string> touched;
+  /// Whether files may have come, gone or been renamed.
+  bool isListChanged = false;
+  /// Whether there were too many changes to tell which.
+  bool isUnknown = false;
+
+  bool isEmpty() const noexcept { return touched.empty() && !isListChanged && !isUnknown; }
+};
+
+/// Notices changes of files and of what directories contain, by inotify(7).
+class FileWatch {
+ public:
+  /// Throws ProblemError when the system has no room for another watch.
+  FileWatch();
+  ~FileWatch();
+  FileWatch(const FileWatch&) = delete;
+  FileWatch& operator=(const FileWatch&) = delete;
+
+  /// Watches the folders of `inputs`, and those of `paths` that are directories with all below that
+  /// are not hidden. What is watched already stays so. Throws ProblemError.
+  void add(const std::vector<std::string>& paths, const std::vector<inputs::Input>& inputs);
+
+  /// Waits for changes, for at most `patience`, and then until there are none for a moment, so that
+  /// what was written in several steps is one change.
+  Changes await(std::chrono::milliseconds patience);
+
+ private:
+  void addFolder(const std::string& folder);
+  bool isReadable(std::chrono::milliseconds patience) const;
+  void readEvents(Changes& changes);
+  void note(int watch, unsigned mask, std::string_view name, Changes& changes) const;
+
+  int descriptor;
+  // How paths spell each folder, by the watch: with a slash at the end, or empty.
+  std::map<int, std::set<std::string>> folders;
+};
+
+}  // namespace tessera::view
