@@ -1,7 +1,8 @@
 """page_links.py TREE: checks the links between the Markdown pages of a tree.
 
 Faults are a link to a file or heading that does not exist, a `path` in code that names a missing file of
-docs/ or scripts/, and a page in docs/ that the README does not link. The status is not 0 if there is one.
+docs/ or scripts/, and a page in docs/ that no chain of links from the README leads to. The status is
+not 0 if there is one.
 """
 
 import pathlib
@@ -50,11 +51,22 @@ def broken_links(root):
                 yield f"{name}: {file} does not exist"
 
 
+def reachable_pages(root):
+    """Returns the README and the pages that chains of links from it lead to."""
+    found, todo = set(), [(root / "README.md").resolve()]
+    while todo:
+        page = todo.pop()
+        if page not in found and page.suffix == ".md" and page.exists():
+            found.add(page)
+            todo += [path for _, path, _ in targets(page)]
+    return found
+
+
 def unlinked_pages(root):
-    linked = {path for _, path, _ in targets(root / "README.md")}
+    reachable = reachable_pages(root)
     for page in sorted((root / "docs").glob("*.md")):
-        if page.resolve() not in linked:
-            yield f"README.md: no link to docs/{page.name}"
+        if page.resolve() not in reachable:
+            yield f"docs/{page.name}: no chain of links from README.md leads here"
 
 
 def faults(root):

@@ -33,8 +33,15 @@ class PageLinks(unittest.TestCase):
     def test_a_missing_script_is_found(self):
         self.check({"CONTRIBUTING.md": "run `scripts/gone`"}, "CONTRIBUTING.md: scripts/gone does not exist")
 
-    def test_a_page_that_the_readme_does_not_link_is_found(self):
-        self.check({"docs/b.md": ""}, "README.md: no link to docs/b.md")
+    def test_a_page_that_nothing_links_is_found(self):
+        self.check({"docs/b.md": ""}, "docs/b.md: no chain of links from README.md leads here")
+
+    def test_a_page_that_only_itself_and_another_unlinked_page_link_is_found(self):
+        pages = {"docs/b.md": "[b](b.md) [c](c.md)", "docs/c.md": "[b](b.md)"}
+        self.check(pages, *(f"{name}: no chain of links from README.md leads here" for name in pages))
+
+    def test_a_page_may_be_linked_by_a_linked_page(self):
+        self.check({"docs/a.md": "[b](b.md)\n# Two words", "docs/b.md": ""})
 
     def test_pages_in_a_build_are_not_read(self):
         self.check({"build/x.md": "[gone](gone.md)"})

@@ -1,11 +1,13 @@
-"""example_host_test.py CMAKE BUILD SOURCE COMPILER: builds examples/host against the installed BUILD and runs it.
+"""example_host_test.py CMAKE BUILD SOURCE COMPILER: installs BUILD, builds examples/host against it and runs it.
 
-A second program is the same host, in which an environment variable leaves a piece or a check out.
+The commands are those of the README, in other folders. A second program is the same host, in which an environment
+variable leaves a piece or a check out.
 """
 
 import os
 import pathlib
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -14,6 +16,7 @@ import unittest
 
 CMAKE, BUILD, SOURCE, COMPILER = sys.argv[1:5]
 HOST = pathlib.Path(SOURCE) / "examples" / "host"
+README = (pathlib.Path(SOURCE) / "README.md").read_text(encoding="utf-8")
 GUIDE = (pathlib.Path(SOURCE) / "docs" / "host-guide.md").read_text(encoding="utf-8")
 # Where the line of the host begins that each variable leaves out.
 PIECES = {
@@ -53,21 +56,32 @@ class ExampleHost(unittest.TestCase):
     def setUpClass(cls):
         cls.work = pathlib.Path(tempfile.mkdtemp(prefix="quenlith_host_"))
         cls.addClassCleanup(shutil.rmtree, cls.work)
-        cls.run_quietly(CMAKE, "--install", BUILD, "--prefix", cls.work / "installed")
         shutil.copytree(HOST, cls.work / "host")
         (cls.work / "host" / "without.cpp").write_text(without_pieces((HOST / "main.cpp").read_text()))
         with (cls.work / "host" / "CMakeLists.txt").open("a") as project:
             project.write("add_executable(without without.cpp)\n"
                           "target_link_libraries(without $<TARGET_PROPERTY:host,LINK_LIBRARIES>)\n"
                           "target_compile_definitions(without PRIVATE $<TARGET_PROPERTY:host,COMPILE_DEFINITIONS>)\n")
-        cls.run_quietly(CMAKE, "-S", cls.work / "host", "-B", cls.work / "built", "-G", "Ninja",
-                        f"-DCMAKE_PREFIX_PATH={cls.work / 'installed'}", f"-DCMAKE_CXX_COMPILER={COMPILER}",
-                        "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0")
-        cls.run_quietly(CMAKE, "--build", cls.work / "built")
+        for command in cls.commands_of_the_readme():
+            cls.run_quietly(*command)
+
+    @classmethod
+    def commands_of_the_readme(cls):
+        """Returns the commands from the installation to the run of the host, with the folders of this test."""
+        text = README[README.index("    cmake --install"):]
+        paths = {"cmake ": f"{CMAKE} ", "build/parse": BUILD, "/opt/quenlith": cls.work / "installed",
+                 "build/host": cls.work / "built", "examples/host ": f"{cls.work / 'host'} "}
+        for name, path in paths.items():
+            text = re.sub(rf"(?<![\w/]){name}", str(path), text)
+        lines = re.findall("^    (.*)", text, re.MULTILINE)
+        if len(lines) != 4:
+            raise AssertionError(lines)
+        return [shlex.split(line) for line in lines]
 
     @staticmethod
     def run_quietly(*command):
-        done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        environment = {**os.environ, "CXX": COMPILER, "CXXFLAGS": "-O0", "CMAKE_GENERATOR": "Ninja"}
+        done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, env=environment)
         if done.returncode:
             raise AssertionError(f"{command}: status {done.returncode}\n{done.stdout}")
 
