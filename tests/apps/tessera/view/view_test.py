@@ -35,9 +35,12 @@ class View:
         self.authority, self.port, self.path = address.netloc, address.port, address.path
         return self
 
-    def __exit__(self, *_):
+    def __exit__(self, kind, *_):
         self.process.kill()
-        self.process.communicate()
+        errors = self.process.communicate()[1]
+        # A sanitizer would write what it finds.
+        if kind is None and errors:
+            raise AssertionError(errors)
 
     def request(self, path, method="GET", **headers):
         """Returns the status and the text of an answer. An underscore in the name of a header is a hyphen."""
