@@ -92,7 +92,8 @@ tree::TreeStyle styleOf(const ParseOptions& options, int descriptor) {
   return {.color = terminal::wantsColor(options.color, descriptor),
           .symbols = terminal::usesUtf8() ? tree::Symbols::kUnicode : tree::Symbols::kAscii,
           .columns = columns ? std::max(*columns, tree::TreeStyle::kFewestColumns)
-                             : terminal::RowFolder::kUnlimited};
+                             : terminal::RowFolder::kUnlimited,
+          .isTerminal = ::isatty(descriptor) != 0};
 }
 
 /// A run of the command, perhaps with a recording of its calls.

@@ -66,6 +66,17 @@ void DocumentTree::write(const formats::FileResult& result) {
     output.flushIfLarge();
     if (written.number % progress::kStepsPerShow == 0) result.stage.show(written.number, total);
   }
+  const std::size_t failureCount = nodeRows.takeFailureCount();
+  if (rows.rowStyle().isTerminal && failureCount != 0) writeSummary(failureCount);
+}
+
+/// The lines with the failures may be far above, or gone from the screen.
+void DocumentTree::writeSummary(std::size_t failureCount) {
+  rows.endLines();
+  std::string count = std::to_string(failureCount) + (failureCount == 1 ? " failure" : " failures");
+  const std::size_t boldBytes = count.size();
+  count += "; \"tessera check\" says more";
+  rows.appendNote(0, {std::move(count), colors::kFailure, boldBytes});
 }
 
 void DocumentTree::writeLine(const Line& written, session::NodeCursor& nodes) {

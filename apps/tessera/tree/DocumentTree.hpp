@@ -21,9 +21,9 @@ namespace tessera::tree {
 /// Writes parsed files for people to read: the lines with their numbers, brackets beside tasks, and
 /// below each line what else its node has.
 ///
-/// Only rows with a number, and those that continue one, have text of the file. Characters that a
-/// terminal would not show are written as numbers. With records, everything about a line is shown,
-/// what the parser returned included.
+/// The lines of the file are in rows with a number and rows that continue them, and in no others.
+/// Characters that a terminal would not show are written as numbers. With records, everything about
+/// a line is shown, what the parser returned included.
 class DocumentTree final : public formats::DocumentWriter {
  public:
   /// Borrows `output`.
@@ -46,6 +46,7 @@ class DocumentTree final : public formats::DocumentWriter {
   void writeText(const document::kdzero::Node& lineNode);
   void addChild(const document::kdzero::Node& child);
   std::size_t labelOf(const document::kdzero::Node& child);
+  void writeSummary(std::size_t failureCount);
   void writeOutcome(const session::LineOutcome& outcome, std::string_view parser);
 
   files::OutputText& output;

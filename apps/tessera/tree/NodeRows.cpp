@@ -84,6 +84,7 @@ void NodeRows::appendExtras(const Node& node, std::size_t indent) {
   for (const auto& contribution : node->getContributorData()) {
     rows.appendNote(indent, {describeContribution(contribution, detail), colors::kDetail});
   }
+  failureCount += node->getParserFailures().size();
   for (const auto& failure : node->getParserFailures()) {
     rows.appendNote(indent, {describeFailure(failure, detail), colors::kFailure,
                              std::string_view("failure").size()});

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 #include "document/kdzero/Node.hpp"
 #include "tessera/tree/TreeRows.hpp"
@@ -24,12 +25,16 @@ class NodeRows {
   /// Writes the anchor, the contributor data and the failures of `node`.
   void appendExtras(const document::kdzero::Node& node, std::size_t indent);
 
+  /// Returns how many failures were written since the last call.
+  std::size_t takeFailureCount() noexcept { return std::exchange(failureCount, 0); }
+
  private:
   void appendNode(const document::kdzero::Node& node, std::size_t indent);
   void appendTask(const document::kdzero::Node& node, std::size_t indent);
 
   TreeRows& rows;
   Detail detail;
+  std::size_t failureCount = 0;
 };
 
 /// Returns the colour of what is shown about `node`.

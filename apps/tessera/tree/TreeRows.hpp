@@ -47,6 +47,9 @@ class TreeRows {
   /// a few.
   void beginLines(std::uint64_t lineCount);
 
+  /// What follows is not about a line: no bracket is beside it.
+  void endLines() noexcept { bracket = Bracket::kNone; }
+
   /// The next row begins with `lineNumber`.
   void setNumber(std::uint64_t lineNumber) noexcept { number = lineNumber; }
 

@@ -14,6 +14,9 @@ struct TreeStyle {
   /// The longest row; at least kFewestColumns.
   std::size_t columns = terminal::RowFolder::kUnlimited;
 
+  /// A person reads it as it is written: a row at the end counts the failures.
+  bool isTerminal = false;
+
   static constexpr std::size_t kFewestColumns = 20;
 };
 

@@ -193,7 +193,8 @@ std::string describeSettings(const LiveTaskData& data, std::u16string_view id, D
   }};
   std::string text;
   for (const auto& [key, value] : settings) {
-    if (value.empty() || (!isFull && value == u"false")) continue;
+    const bool isSwitch = key == "autorun" || key == "collapsed";
+    if (value.empty() || (!isFull && isSwitch && value == u"false")) continue;
     if (!text.empty()) text += ", ";
     text.append(key).append(1, ' ').append(settingText(value, detail));
   }

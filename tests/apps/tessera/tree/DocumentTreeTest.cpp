@@ -180,14 +180,18 @@ TEST_F(DocumentTrees, APieceWithoutTextOfItsOwnStillHasItsLabel) {
 TEST_F(DocumentTrees, ATaskIsABracketBelowItsIdTextAndSettings) {
   LiveTaskData data;
   data.setTaskId(u"t").setText(u"Fit \"it\"").setAppIdentifier(u"fit.json").setAutoRun(u"true");
-  data.setCollapsed(u"false").setAppState(u"{\"a\":1}").setView(u"two words").setNumCodeLines(3);
+  data.setCollapsed(u"false")
+      .setExecutionModel(u"false")
+      .setAppState(u"{\"a\":1}")
+      .setView(u"two words")
+      .setNumCodeLines(3);
   addLine({headerOf(u"t", data), lineOf(u"a")}, outcomeOfKind(3));
   addLine(lineOf(u"b"), outcomeOfKind(3));
   addLine(lineOf(u""));
   addLine(lineOf(u"c"));
   EXPECT_EQ(tree(),
             "     ┌ task #t \"Fit \\\"it\\\"\", 3 lines\n"
-            "     │   taskClassDefFile fit.json, autorun true, appState {\"a\":1}, "
+            "     │   taskClassDefFile fit.json, run false, autorun true, appState {\"a\":1}, "
             "view \"two words\"\n"
             "   1 │ a\n"
             "   2 │ b\n"
@@ -303,6 +307,25 @@ TEST_F(DocumentTrees, AFailureIsExplainedAsByCheckWithItsDataInWords) {
       "       failure: the task marker \"m\" is inside another task [overlapping_task_marker]\n"
       "       failure: a parser reports \"rule\" for the control marker \"m\" (why \"because\") "
       "[rule]\n");
+}
+
+TEST_F(DocumentTrees, OnATerminalTheFailuresOfAFileAreCounted) {
+  auto line = lineOf(u"x");
+  fail(line, u"rule", u"", {});
+  addLine({headerOf(u"open", LiveTaskData()), line}, outcomeOfKind(3));
+  const std::string rows = tree();
+  style.isTerminal = true;
+  EXPECT_EQ(tree(), rows + "       1 failure; \"tessera check\" says more\n");
+  DocumentTree writer(output, style, Records::kHidden);
+  fail(line, u"other", u"", {});
+  writer.write(result());
+  EXPECT_TRUE(output.text().ends_with("\n       2 failures; \"tessera check\" says more\n"));
+  // The next file is counted from the beginning.
+  output.text().clear();
+  ParsedDocument next;
+  next.addLine(nodes::makeLine(next.model()));
+  writer.write(next.result());
+  EXPECT_EQ(output.text(), "a.py\n   1\n");
 }
 
 TEST_F(DocumentTrees, LongValuesAreCutUnlessEverythingIsShown) {
