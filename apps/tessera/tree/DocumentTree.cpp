@@ -22,6 +22,8 @@ namespace {
 // In the type of a result, a larger kind says that a task is open.
 constexpr std::uint64_t kLargestIdleKind = 1;
 
+constexpr std::size_t kTraceIndent = 4;
+
 bool isInsideTask(const session::LineOutcome& outcome) {
   return outcome.result.type.kind > kLargestIdleKind;
 }
@@ -185,9 +187,10 @@ void DocumentTree::writeOutcome(const session::LineOutcome& outcome, std::string
     text.append(std::exchange(separator, " "));
     text += diagnostics::terminalText(fl::i18n::ustring_to_utf8(markerType));
   }
-  rows.appendNote(0, {std::move(text), colors::kDetail});
+  // Farther in than the text, which is then found at once.
+  rows.appendNote(kTraceIndent, {std::move(text), colors::kDetail});
   for (const std::string& record : outcome.log) {
-    rows.appendNote(0, {"log: " + diagnostics::terminalText(record), colors::kDetail});
+    rows.appendNote(kTraceIndent, {"log: " + diagnostics::terminalText(record), colors::kDetail});
   }
 }
 

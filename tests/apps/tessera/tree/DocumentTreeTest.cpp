@@ -393,11 +393,11 @@ TEST_F(DocumentTrees, TheResultAndTheRecordsOfALineAreShownOnlyWhenAsked) {
   EXPECT_EQ(tree(), "   1   x\n   2   y\n");
   EXPECT_EQ(tree(Records::kShown),
             "   1   x\n"
-            "       parser without a name, type 2/3, flag, markers %<@output> %<@task>\n"
-            "       log: one\n"
-            "       log: \\u001b\n"
+            "           parser without a name, type 2/3, flag, markers %<@output> %<@task>\n"
+            "           log: one\n"
+            "           log: \\u001b\n"
             "   2   y\n"
-            "       parser P, type 0/0\n");
+            "           parser P, type 0/0\n");
 }
 
 TEST_F(DocumentTrees, ALongLineIsFoldedAfterABlankAndMarksFollowTheirRow) {
