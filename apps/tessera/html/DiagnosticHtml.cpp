@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tessera/check/catalogue/describeEntry.hpp"
+#include "tessera/html/nameOfFile.hpp"
 
 namespace tessera::html {
 
@@ -51,8 +51,8 @@ std::uint64_t columnOf(const CheckedFile& file, const Position& position) {
 void addNote(HtmlText& html, const FoundDiagnostic& found, const Note& note) {
   html.add("<p>");
   if (note.otherFile != nullptr) {
-    html.add(note.message, " is at ", note.otherFile->path, ":", note.span.begin.line, ":",
-             columnOf(*note.otherFile, note.span.begin), "</p>");
+    html.add(note.message, " is at ", nameOfFile(note.otherFile->path), ":", note.span.begin.line,
+             ":", columnOf(*note.otherFile, note.span.begin), "</p>");
     return;
   }
   html.add("<a href=#f", found.fileNumber, "-", note.span.begin.line, ">Line ",
@@ -100,8 +100,9 @@ void addDiagnostic(HtmlText& html, const FoundDiagnostic& found) {
 
 void addListItem(HtmlText& html, const FoundDiagnostic& found) {
   const Diagnostic& diagnostic = found.diagnostic();
-  html.add("<li><a href=#f", found.fileNumber, "-d", found.index + 1, ">", found.file.path, ":",
-           diagnostic.span.begin.line, ":", columnOf(found.file, diagnostic.span.begin), "</a> ");
+  html.add("<li><a href=#f", found.fileNumber, "-d", found.index + 1, ">",
+           nameOfFile(found.file.path), ":", diagnostic.span.begin.line, ":",
+           columnOf(found.file, diagnostic.span.begin), "</a> ");
   addSeverity(html, severityOf(diagnostic));
   html.add(diagnostic.message, "</li>\n");
 }

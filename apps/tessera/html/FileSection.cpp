@@ -3,12 +3,15 @@
 #include <string>
 #include <string_view>
 
+#include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/formats/NodeKind.hpp"
+#include "tessera/html/DiagnosticHtml.hpp"
 #include "tessera/html/HtmlText.hpp"
 #include "tessera/html/LineGroups.hpp"
 #include "tessera/html/LineHtml.hpp"
 #include "tessera/html/Outline.hpp"
 #include "tessera/html/TaskCard.hpp"
+#include "tessera/html/nameOfFile.hpp"
 #include "tessera/session/NodeCursor.hpp"
 #include "tessera/session/plainLine.hpp"
 
@@ -189,10 +192,6 @@ void writeHead(HtmlText& html, const PageFile& file, const SectionCounts& counts
 }
 
 }  // namespace
-
-std::string_view nameOfFile(std::string_view path) noexcept {
-  return path == "-" ? "standard input" : path;
-}
 
 void writeSection(files::OutputText& output, const PageFile& file, const SectionCounts& counts,
                   Unpaired unpaired) {

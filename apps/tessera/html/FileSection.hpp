@@ -1,11 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "tessera/check/catalogue/CheckedFile.hpp"
 #include "tessera/files/OutputText.hpp"
-#include "tessera/html/DiagnosticHtml.hpp"
 #include "tessera/progress/InputProgress.hpp"
 #include "tessera/session/SnippetSession.hpp"
 
@@ -43,9 +41,6 @@ enum class Unpaired { kWritten, kDeferred };
 
 /// Marks the place of a deferred diagnostic. No other text of a section contains it.
 inline constexpr char kDeferredMark = '\x01';
-
-/// Returns how the page names the file `path`.
-std::string_view nameOfFile(std::string_view path) noexcept;
 
 /// Appends the section of the page about `file` to `output`: heading, outline, lines, appendix.
 /// Linear. Throws OutputError.

@@ -5,8 +5,8 @@
 #include <iterator>
 #include <string_view>
 
-#include "tessera/html/FileSection.hpp"
 #include "tessera/html/HtmlText.hpp"
+#include "tessera/html/nameOfFile.hpp"
 
 namespace tessera::html {
 namespace {
@@ -81,7 +81,8 @@ void writeBadges(HtmlText& html, const PageEntry& entry) {
 }
 
 void writeLeaf(HtmlText& html, const Leaf& leaf) {
-  html.add("<li><a href=#f", leaf.entry->number, ">", nameOfFile(leaf.name), "</a>");
+  html.add("<li><a href=#f", leaf.entry->number, ">",
+           leaf.name == leaf.entry->path ? nameOfFile(leaf.name) : leaf.name, "</a>");
   writeBadges(html, *leaf.entry);
   html.add("</li>\n");
 }

@@ -8,6 +8,7 @@
 #include "tessera/html/DiagnosticHtml.hpp"
 #include "tessera/html/HtmlText.hpp"
 #include "tessera/html/liveScript.hpp"
+#include "tessera/html/nameOfFile.hpp"
 #include "tessera/html/styleSheet.hpp"
 
 namespace tessera::html {
@@ -102,16 +103,24 @@ std::vector<std::size_t> kindsOf(const PageSummary& summary) {
   return kinds;
 }
 
-void writeBar(HtmlText& html, Severity severity, std::uint64_t count, std::uint64_t most) {
+/// The numbers of a bar: how long it is, how long the longest one is, and what all add up to.
+struct BarNumbers {
+  std::uint64_t count;
+  std::uint64_t most;
+  std::uint64_t total;
+};
+
+void writeBar(HtmlText& html, Severity severity, const BarNumbers& bar) {
   constexpr std::uint64_t kWidth = 1000;
-  html.add("<svg viewBox=\"0 0 1000 10\" preserveAspectRatio=none role=img aria-label=\"", count,
-           " of ", most, "\"><rect class=track width=1000 height=10 rx=5></rect><rect class=");
+  html.add("<svg viewBox=\"0 0 1000 10\" preserveAspectRatio=none role=img aria-label=\"",
+           bar.count, " of ", bar.total,
+           "\"><rect class=track width=1000 height=10 rx=5></rect><rect class=");
   if (severity == Severity::kFailure) {
     html.add("f");
   } else {
     html.add("g");
   }
-  html.add(" height=10 rx=5 width=", std::max<std::uint64_t>(count * kWidth / most, 8),
+  html.add(" height=10 rx=5 width=", std::max<std::uint64_t>(bar.count * kWidth / bar.most, 8),
            "></rect></svg>");
 }
 
@@ -125,7 +134,8 @@ void writeChart(HtmlText& html, const PageSummary& summary) {
     const CatalogueEntry& entry = catalogue()[kind];
     html.add("<tr><th scope=row><a href=#x-", Markup{entry.id}, ">", entry.title,
              "</a></th><td class=n>", summary.diagnosticsByKind[kind], "</td><td>");
-    writeBar(html, entry.severity, summary.diagnosticsByKind[kind], most);
+    writeBar(html, entry.severity,
+             {summary.diagnosticsByKind[kind], most, summary.countDiagnostics()});
     html.add("</td></tr>\n");
   }
   html.add("</tbody></table>\n");

@@ -208,6 +208,19 @@ class PageTest(unittest.TestCase):
         self.assertIn("<li id=f1-1>y = <mark class=o>f(x)</mark> + 1   <span class=\"w o\">", text)
         self.assertIn("<pre>{\n  &quot;a".replace("&quot;", '"'), text)
 
+    def test_standard_input_is_named(self):
+        folder = self.folder / "in"
+        folder.mkdir()
+        (folder / "-").write_text("x\n")
+        page = self.check_form(parse("-", str(folder), input=b"# <@task#t>\n"))
+        self.assertIn("standard input:1:1", page.text())
+        self.assertEqual(page.text().count("standard input"), 3)
+
+    def test_bars_have_their_numbers_as_text(self):
+        page = self.page("# <@outputs#a>\n# <@outputs#b>\n# <@task#t>\n")
+        labels = [values["aria-label"] for tag, values in page.elements if tag == "svg"]
+        self.assertEqual(labels, ["2 of 3", "1 of 3"])
+
     def test_an_empty_file_and_no_file_at_all_have_pages(self):
         self.assertIn("This file is empty.", self.page("").text())
         (self.folder / "none").mkdir()
