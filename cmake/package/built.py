@@ -95,6 +95,8 @@ def start_files(compiler):
         [compiler, "-###", "-x", "c++", "/dev/null", "-o", "none"],
         stderr=subprocess.PIPE, text=True, check=True,
     )
-    objects = {pathlib.Path(word) for word in done.stderr.split() if word.endswith(".o")}
+    # clang quotes the words.
+    words = (word.strip('"') for word in done.stderr.split())
+    objects = {pathlib.Path(word) for word in words if word.endswith(".o")}
     archive = output_of(compiler, "-print-libgcc-file-name").strip()
     return {path.resolve() for path in [*objects, pathlib.Path(archive)] if path.exists()}
