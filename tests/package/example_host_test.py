@@ -69,7 +69,7 @@ class ExampleHost(unittest.TestCase):
     def commands_of_the_readme(cls):
         """Returns the commands from the installation to the run of the host, with the folders of this test."""
         text = README[README.index("    cmake --install"):]
-        paths = {"cmake ": f"{CMAKE} ", "build/parse": BUILD, "/opt/quenlith": cls.work / "installed",
+        paths = {"cmake ": f"{CMAKE} ", "build/parse": BUILD, r"\$HOME/quenlith": cls.work / "installed",
                  "build/host": cls.work / "built", "examples/host ": f"{cls.work / 'host'} "}
         for name, path in paths.items():
             text = re.sub(rf"(?<![\w/]){name}", str(path), text)
