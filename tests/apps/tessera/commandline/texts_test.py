@@ -47,6 +47,11 @@ class Texts(unittest.TestCase):
         # Without the requests for fonts and the escapes of dashes.
         self.texts["man"] = re.sub(r"\\f[BIP]", "", self.texts["man"]).replace("\\-", "-")
 
+    def test_the_manual_page_is_where_man_looks_for_that_of_the_built_program(self):
+        page = PROGRAM.parent.parent / "share" / "man" / "man1" / "tessera.1"
+        self.assertEqual(page.resolve(), GENERATED / "man" / "tessera.1")
+        self.assertTrue(page.is_file())
+
     def section(self, kind, command):
         """Returns the part of a text that is about a command."""
         start, end = {
