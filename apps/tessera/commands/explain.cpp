@@ -4,9 +4,12 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/catalogue/describeEntry.hpp"
+#include "tessera/commandline/suggest.hpp"
 #include "tessera/commands/status.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/OutputFile.hpp"
@@ -30,10 +33,13 @@ std::string listEntries() {
 
 const CatalogueEntry& requireEntry(const std::string& id) {
   if (const CatalogueEntry* entry = findEntry(id)) return *entry;
-  throw diagnostics::ProblemError({.file = "tessera",
-                                   .place = {},
-                                   .what = "there is no diagnostic \"" + id + "\"",
-                                   .remedy = "\"tessera explain\" lists them"});
+  std::vector<std::string_view> ids;
+  for (const CatalogueEntry& entry : catalogue()) ids.push_back(entry.id);
+  throw diagnostics::ProblemError(
+      {.file = "tessera",
+       .place = {},
+       .what = "there is no diagnostic \"" + id + "\"",
+       .remedy = commandline::suggest(id, ids) + "\"tessera explain\" lists them"});
 }
 
 std::string textOf(const ExplainOptions& options) {

@@ -466,6 +466,9 @@ class Explain(ProgramTest):
     def test_an_unknown_id_is_an_error(self):
         self.assertRefused(tessera("explain", "nothing\x1b"), 'tessera: error: there is no diagnostic '
                            '"nothing\\u001b"; "tessera explain" lists them')
+        self.assertRefused(tessera("explain", "unknown_elemnt"),
+                           'tessera: error: there is no diagnostic "unknown_elemnt"; did you mean '
+                           '"unknown_element"? "tessera explain" lists them')
 
     def test_markdown_of_one_diagnostic_is_its_section_of_the_catalogue(self):
         section = tessera("explain", "--format", "markdown", "unused_entry").stdout.decode()
