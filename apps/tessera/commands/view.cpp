@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
+#include <vector>
 
 #include "tessera/commands/LivePage.hpp"
 #include "tessera/commands/status.hpp"
@@ -32,6 +35,18 @@ void requireFiles(const ViewOptions& options) {
                                    .remedy = "name a file, or use parse --format html"});
 }
 
+/// The page shows such a file once it exists, but its name may also be wrong.
+void reportMissing(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths) {
+    std::error_code unused;
+    if (std::filesystem::status(path, unused).type() != std::filesystem::file_type::not_found) {
+      continue;
+    }
+    diagnostics::report(diagnostics::describe(
+        {.file = path, .place = {}, .what = "does not exist", .remedy = "check the name"}));
+  }
+}
+
 void announce(const std::string& address) {
   files::OutputFile output(STDOUT_FILENO, "standard output");
   output.text() = address + "\n";
@@ -56,6 +71,7 @@ bool isAbandoned(const view::LiveSite& site, const ViewOptions& options) {
 
 int view(const ViewOptions& options) {
   requireFiles(options);
+  reportMissing(options.inputs.paths);
   files::endOnInterruption();
   view::FileWatch watch;
   LivePage page(options);

@@ -189,6 +189,14 @@ class Changes(Case):
             self.write("a.py", "fifth\n")
             self.assertNotIn("Not parsed", view.await_page("fifth"))
 
+    def test_a_file_that_does_not_exist_is_reported_and_followed(self):
+        # A View that ends raises what the program wrote to standard error.
+        with self.assertRaisesRegex(AssertionError, "^gone.py: error: does not exist; check the name\n$"):
+            with View(self.folder, "gone.py") as view:
+                self.assertIn("Not parsed", view.page())
+                self.write("gone.py", "first\n")
+                view.await_page("first")
+
     def test_a_directory_is_followed(self):
         self.write("t/a.py", "first\n")
         with View(self.folder, "t") as view:
