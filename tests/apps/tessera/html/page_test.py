@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Tests the page that `tessera parse --format html` writes, without a browser.
 
-page_test.py PROGRAM
+page_test.py PROGRAM FAULTY_BUNDLE
 """
 import base64
 import hashlib
@@ -15,7 +15,8 @@ import sys
 import tempfile
 import unittest
 
-PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+PROGRAM, FAULTY = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+del sys.argv[1:3]
 TESTS = pathlib.Path(__file__).resolve().parents[3]
 SOURCES = [*sorted((TESTS / "golden" / "check").glob("*.in")), *sorted((TESTS / "golden" / "tree").glob("*.in")),
            *sorted(path for path in (TESTS.parent / "examples").iterdir() if path.is_file())]
@@ -183,6 +184,13 @@ class PageTest(unittest.TestCase):
         self.assertIn(f"error {bad}:2:1 ", page.text())
         self.assertIn(f"error {missing} ", page.text())
         self.assertIn("Not parsed", page.text())
+
+    def test_a_file_whose_process_ends_is_listed_and_the_others_are_there(self):
+        names = [self.write("a.py", "before\n"), self.write("b.py", "x = 1  # <@output#abort [0,1]>\n"), self.write("c.py", "after\n")]
+        page = self.check_form(parse("-j", "2", "--bundle", str(FAULTY), *names, status=3))
+        self.assertRegex(page.text(), f"error {names[1]}:1:1 no section could be made: [^\n]*ended by signal 6")
+        self.assertEqual([values["id"] for tag, values in page.elements if tag == "section" and "file" in values.get("class", "")],
+                         ["f1", "f3"])
 
     def test_controls_are_drawn_as_their_data_says(self):
         cases = [  # the text, the data, what is drawn
