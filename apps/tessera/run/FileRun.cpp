@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/diagnostics/report.hpp"
 #include "tessera/workers/WorkerPool.hpp"
 #include "tessera/workers/runHere.hpp"
 
@@ -55,6 +56,15 @@ class FailureGuard final : public workers::Collector {
   std::string held;
 };
 
+/// A glob or a directory that is not the one that was meant would otherwise look like success. A
+/// list of files may well be empty, and so may a shard.
+void reportIfNothingIsFound(const RunOptions& options, const std::vector<inputs::Input>& files) {
+  if (!files.empty() || options.inputs.paths.empty() || options.inputs.shard.count > 1) return;
+  diagnostics::report(
+      "tessera: note: no file was found; hidden files and those that .gitignore or --glob excludes "
+      "are left out");
+}
+
 }  // namespace
 
 FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
@@ -62,6 +72,7 @@ FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
     : options(options),
       target(options, rules == nullptr ? IncompleteOutput::kRemoved : IncompleteOutput::kKept),
       files(std::move(files)) {
+  reportIfNothingIsFound(options, this->files);
   if (!options.resumes) return;
   ResumedInputs resumed = resumeRecords(target.file(), std::move(this->files), *rules);
   failedBefore = resumed.failed.size();

@@ -27,7 +27,8 @@ enum class Processes {
 class FileRun {
  public:
   /// The inputs are `files`. `rules` is null if the output has no records that a run can continue.
-  /// Borrows `options`. Throws ProblemError.
+  /// Borrows `options`. Writes a note to standard error if the paths named have no files. Throws
+  /// ProblemError.
   FileRun(const RunOptions& options, std::vector<inputs::Input> files, const RecordRules* rules);
 
   /// The inputs in the order of the work. Stays valid as long as the run.

@@ -108,6 +108,17 @@ class Inputs(ManyFiles):
         self.assertEqual(self.files("t/b.c", "--glob", "*.py"), ["t/b.c"])
         self.parse("t", "--glob", "", status=2)
 
+    def test_a_run_that_finds_nothing_says_so(self):
+        self.write("t/a.c")
+        (self.folder / "none").mkdir()
+        for arguments in (["t", "--glob", "*.py"], ["none"]):
+            done = self.parse(*arguments)
+            self.assertEqual((done.stdout, done.stderr.count(b"\n")), (b"", 1))
+            self.assertIn(b"tessera: note: no file was found; ", done.stderr)
+        # An empty list, or an empty part of a run, is not a mistake.
+        self.assertEqual(self.parse("--files-from", "-").stderr, b"")
+        self.assertEqual(self.parse("t", "--shard", "2/2").stderr, b"")
+
     def test_a_list_names_more_paths(self):
         for name in ("a", "b", "d/c"):
             self.write(name)
