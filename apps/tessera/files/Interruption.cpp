@@ -23,6 +23,8 @@ struct RemovedPath {
 
 std::array<RemovedPath, 4> removedPaths;
 
+constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
+
 extern "C" void endProcess(int signal) {
   for (const RemovedPath& entry : removedPaths) {
     if (entry.isUsed) ::unlink(entry.path.data());
@@ -34,13 +36,24 @@ extern "C" void endProcess(int signal) {
 }  // namespace
 
 void endOnInterruption() noexcept {
-  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int number : kSignals) {
     struct sigaction action = {};
     ::sigaction(number, nullptr, &action);
     if (action.sa_handler == SIG_IGN) continue;
     action.sa_handler = endProcess;
     ::sigaction(number, &action, nullptr);
   }
+}
+
+HeldInterruptions::HeldInterruptions() noexcept {
+  sigset_t held;
+  ::sigemptyset(&held);
+  for (const int number : kSignals) ::sigaddset(&held, number);
+  ::pthread_sigmask(SIG_BLOCK, &held, &previous);
+}
+
+HeldInterruptions::~HeldInterruptions() {
+  ::pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
 RemovedOnInterruption::RemovedOnInterruption(const std::string& path) {

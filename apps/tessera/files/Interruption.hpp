@@ -1,5 +1,7 @@
 #pragma once
 
+#include <csignal>
+#include <cstddef>
 #include <string>
 
 namespace tessera::files {
@@ -8,6 +10,18 @@ namespace tessera::files {
 /// process at once with status 128 + its number, after the files are removed that are then to be
 /// removed. A signal that is ignored stays so.
 void endOnInterruption() noexcept;
+
+/// Holds those signals back for this thread, as long as this object exists. For a moment only.
+class HeldInterruptions {
+ public:
+  HeldInterruptions() noexcept;
+  ~HeldInterruptions();
+  HeldInterruptions(const HeldInterruptions&) = delete;
+  HeldInterruptions& operator=(const HeldInterruptions&) = delete;
+
+ private:
+  sigset_t previous{};
+};
 
 /// A file that an interruption removes, as long as this object exists. There may be few of them.
 class RemovedOnInterruption {

@@ -71,6 +71,10 @@ int openLocked(const std::string& name, const std::string& partial) {
 }  // namespace
 
 PartialFile::PartialFile(const std::string& givenName, Leftover leftover)
+    : PartialFile(givenName, leftover, HeldInterruptions()) {}
+
+PartialFile::PartialFile(const std::string& givenName, Leftover leftover,
+                         const HeldInterruptions& /*held*/)
     : name(resolve(givenName)),
       partial(isDirectlyWritten(name) ? std::string() : name + ".partial"),
       number(openLocked(name, partial)),

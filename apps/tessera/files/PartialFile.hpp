@@ -46,6 +46,9 @@ class PartialFile {
   void complete();
 
  private:
+  /// No interruption arrives before it is known that the file is to be removed.
+  PartialFile(const std::string& name, Leftover leftover, const HeldInterruptions& held);
+
   std::string name;
   std::string partial;
   int number = -1;

@@ -14,6 +14,7 @@
 #include <system_error>
 #include <utility>
 
+#include "tessera/files/Interruption.hpp"
 #include "tessera/workers/runWorker.hpp"
 
 namespace tessera::workers {
@@ -42,24 +43,6 @@ struct Channel {
   int takeWorkerEnd() noexcept { return std::exchange(ends[1], -1); }
 
   std::array<int, 2> ends{-1, -1};
-};
-
-/// Holds back the signals that a worker handles differently, so that none arrives between the fork
-/// and `settle`.
-class HeldSignals {
- public:
-  HeldSignals() noexcept {
-    sigset_t held;
-    sigemptyset(&held);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&held, number);
-    ::pthread_sigmask(SIG_BLOCK, &held, &previous);
-  }
-  ~HeldSignals() { ::pthread_sigmask(SIG_SETMASK, &previous, nullptr); }
-  HeldSignals(const HeldSignals&) = delete;
-  HeldSignals& operator=(const HeldSignals&) = delete;
-
- private:
-  sigset_t previous;
 };
 
 /// Prepares the process of a worker: it ends with its parent, which alone reacts to the terminal.
@@ -106,7 +89,8 @@ Worker::~Worker() {
 bool Worker::start() {
   Channel channel;
   const pid_t parent = ::getpid();
-  const HeldSignals held;
+  // None arrives between the fork and `settle`.
+  const files::HeldInterruptions held;
   process = ::fork();
   if (process < 0) {
     throw std::system_error(errno, std::generic_category(), "a worker cannot be started");
