@@ -376,7 +376,7 @@ TEST_F(LineNodeParserService, ThrowsWhenTheDefaultParserIsNeededAndThereIsNone) 
       FAIL() << "it was parsed";
     } catch (const std::runtime_error& failure) {
       EXPECT_THAT(failure.what(),
-                  testing::HasSubstr("no default code element parser is registered"));
+                  testing::HasSubstr("no default code element parser was found: call setFramework"));
     }
   }
   EXPECT_EQ(document->getNumberOfChildren(), 0u);
