@@ -80,7 +80,12 @@ async function follow() {
   isUpdating = false;
 }
 
-const title = document.title;
-const events = new EventSource("events");
-events.onmessage = follow;
-events.onerror = () => { document.title = "(not connected) " + title; };
+/* A page that the reader has left may be kept for the way back; it does not follow meanwhile. */
+let events;
+addEventListener("pageshow", () => {
+  const title = document.title;
+  events = new EventSource("events");
+  events.onmessage = follow;
+  events.onerror = () => { document.title = "(not connected) " + title; };
+});
+addEventListener("pagehide", () => events.close());
