@@ -375,8 +375,9 @@ TEST_F(LineNodeParserService, ThrowsWhenTheDefaultParserIsNeededAndThereIsNone) 
       parse(line);
       FAIL() << "it was parsed";
     } catch (const std::runtime_error& failure) {
-      EXPECT_THAT(failure.what(),
-                  testing::HasSubstr("no default code element parser was found: call setFramework"));
+      EXPECT_THAT(
+          failure.what(),
+          testing::HasSubstr("no default code element parser was found: call setFramework"));
     }
   }
   EXPECT_EQ(document->getNumberOfChildren(), 0u);
