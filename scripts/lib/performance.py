@@ -1,5 +1,5 @@
 """performance.py PROGRAMS CORPUS: measures everything, prints the tables as they come, and writes
-them with the machine's data into docs/performance.md, between the two marking comments.
+them with the machine's data into docs/performance.md, between the two marking comments, and the charts into docs/charts.
 """
 
 import csv
@@ -10,6 +10,7 @@ import re
 import subprocess
 import sys
 
+import charts
 import instructions
 import many_files
 import page_speed
@@ -93,6 +94,7 @@ def main(programs, corpus):
         parts.append(f"## {title}\n\n{text}\n")
         print(parts[-1], flush=True)
     write("\n".join(parts))
+    charts.write()
 
 
 if __name__ == "__main__":
