@@ -42,7 +42,9 @@ constexpr Option kParseOptions[] = {
      .value = "FILE",
      .help = "Write the calls of the parsers for tessera replay.",
      .completion = Completion::kFiles},
-    {.name = "--force", .help = "With --record: also replace a file that is not a recording."},
+    {.name = "--force",
+     .help = "With --record: also replace a file that is not a recording.",
+     .needs = "--record"},
 };
 constexpr Group kParseGroups[] = {{"Document", kParseOptions}, kBundles, kInput, kRun, kGeneral};
 constexpr Example kParseExamples[] = {

@@ -120,6 +120,7 @@ class CommandLine(unittest.TestCase):
             ("replay", "--bundle", "", "a"): '"" is not a bundle: name its library; ',
             ("check", "--dry-run", "a"): '"--dry-run" needs "--fix"; ',
             ("parse", "-0", "a"): '"--null" needs "--files-from"; ',
+            ("parse", "--force", "a"): '"--force" needs "--record"; ',
             ("check", "--fix", "--dry-run", "--format", "json", "a"):
                 '"--dry-run" cannot be used with "--format"; ',
         }
