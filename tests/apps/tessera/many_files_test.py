@@ -629,9 +629,9 @@ class Outputs(ManyFiles):
 
     def test_an_input_is_not_overwritten(self):
         self.write("t/a", b"source\n")
-        for option in ("-o", "--record"):
+        for option, force in (("-o", ()), ("--record", ("--force",))):
             for name in ("t/a", "./t/../t/a"):
-                done = self.parse("t/a", option, name, "--force", status=2)
+                done = self.parse("t/a", option, name, *force, status=2)
                 self.assertIn(b"is one of the inputs", done.stderr)
             self.write("t/out.partial", b"")
             self.parse("t/out.partial", option, "t/out", status=2)
