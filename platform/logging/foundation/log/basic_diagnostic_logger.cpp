@@ -11,9 +11,11 @@
 #include <boost/smart_ptr/make_shared.hpp>
 #include <exception>
 #include <locale>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "foundation/log/RecordSource.hpp"
 #include "foundation/log/addSink.hpp"
@@ -28,44 +30,82 @@ namespace blog = boost::log;
 constexpr const char* kSeverityAttribute = "Severity";
 constexpr const char* kMessageAttribute = "Message";
 
-/// Passes records to a receiver, one at a time, until it is stopped; then it rejects them.
+/// A receiver, and whether it is still registered.
+struct Registration {
+  Receiver receiver;
+  bool isActive = true;
+};
+
+using Registrations = std::vector<std::shared_ptr<Registration>>;
+
+/// The one sink of this library: it passes each record to the receivers, one record at a time.
+///
+/// It is added to the core for good, and receivers come and go in a list here. The core's records
+/// refer weakly to their sinks, so the last reference to a sink can be released inside the core,
+/// where a thread sanitizer does not see it: it would report the destruction of a sink as a race
+/// with the threads that emit.
+///
+/// Without any sink the core would write all records to the console. While there is no receiver,
+/// this one rejects all records, and the core does not even open them.
 class DeliveringSink : public blog::sinks::sink {
  public:
-  explicit DeliveringSink(Receiver receiver) : sink(false), receiver(std::move(receiver)) {}
+  DeliveringSink() : sink(false) {}
+
+  void add(const std::shared_ptr<Registration>& registration) {
+    const std::lock_guard guard(delivery);
+    registrations.push_back(registration);
+    hasReceivers = true;
+  }
+
+  /// Waits for a delivery in progress on another thread.
+  void remove(const std::shared_ptr<Registration>& registration) noexcept {
+    const std::lock_guard guard(delivery);
+    registration->isActive = false;
+    std::erase(registrations, registration);
+    hasReceivers = !registrations.empty();
+  }
 
   bool will_consume(const blog::attribute_value_set& values) override {
-    return active && !!values[kSeverityAttribute].extract<std::uint32_t>();
+    return hasReceivers && !!values[kSeverityAttribute].extract<std::uint32_t>();
   }
 
   void consume(const blog::record_view& record) override {
-    const std::lock_guard guard(delivery);
-    if (!active) return;
     const auto severity = record[kSeverityAttribute].extract<std::uint32_t>();
     const auto message = record[kMessageAttribute].extract<std::string>();
-    receiver(severity.get(), message.get());
+    const std::lock_guard guard(delivery);
+    // A copy, because a receiver may add and remove receivers.
+    for (const Registrations copy = registrations; const auto& registration : copy) {
+      if (registration->isActive) registration->receiver(severity.get(), message.get());
+    }
   }
 
   void flush() override {}
 
-  /// Waits for a call of the receiver in progress on another thread; none follows.
-  void stop() noexcept {
-    const std::lock_guard guard(delivery);
-    active = false;
-  }
-
  private:
-  Receiver receiver;
+  Registrations registrations;
   // Recursive, because a receiver may emit a record or destroy its own registration.
   std::recursive_mutex delivery;
-  std::atomic<bool> active{true};
+  std::atomic<bool> hasReceivers{false};
 };
 
-/// Makes a sink that rejects every record. Without any sink the core would write all records to the
-/// console; with this one it does not even open records that no other sink accepts.
-boost::shared_ptr<DeliveringSink> makeRejectingSink() {
-  auto sink = boost::make_shared<DeliveringSink>(Receiver());
-  sink->stop();
-  return sink;
+/// Keeps the sink in the core until this library is unloaded.
+class SharedSink {
+ public:
+  SharedSink() { core->add_sink(sink); }
+  ~SharedSink() { core->remove_sink(sink); }
+  SharedSink(const SharedSink&) = delete;
+  SharedSink& operator=(const SharedSink&) = delete;
+
+  const boost::shared_ptr<DeliveringSink>& get() const { return sink; }
+
+ private:
+  blog::core_ptr core = blog::core::get();
+  boost::shared_ptr<DeliveringSink> sink = boost::make_shared<DeliveringSink>();
+};
+
+const boost::shared_ptr<DeliveringSink>& sharedSink() {
+  static const SharedSink shared;
+  return shared.get();
 }
 
 /// Locks an SRWLOCK for a scope.
@@ -128,20 +168,17 @@ blog::attribute_set makeAttributes() {
 
 struct basic_diagnostic_logger<char>::Backend {
   RecordSource source{blog::core::get(), makeAttributes()};
-  boost::shared_ptr<DeliveringSink> rejectingSink = makeRejectingSink();
 };
 
 basic_diagnostic_logger<char>::basic_diagnostic_logger() : backend(std::make_unique<Backend>()) {
-  backend->source.core->add_sink(backend->rejectingSink);
+  sharedSink();
   // The first record creates the core's state of this thread and its shared tables. Opening one
   // here creates them before other threads emit records.
   blog::sources::aux::get_severity_level() = 0;
   backend->source.core->open_record(backend->source.attributes);
 }
 
-basic_diagnostic_logger<char>::~basic_diagnostic_logger() {
-  backend->source.core->remove_sink(backend->rejectingSink);
-}
+basic_diagnostic_logger<char>::~basic_diagnostic_logger() = default;
 
 const RecordSource& basic_diagnostic_logger<char>::source() const noexcept {
   return backend->source;
@@ -167,7 +204,9 @@ void basic_diagnostic_logger<char>::emit(std::uint32_t severity, MessageWriter w
 }
 
 struct SinkRegistration::Sink {
-  boost::shared_ptr<DeliveringSink> delivering;
+  // Also keeps the sink of a registration that outlives this library's static objects.
+  boost::shared_ptr<DeliveringSink> delivering = sharedSink();
+  std::shared_ptr<Registration> registration;
 };
 
 SinkRegistration::SinkRegistration() noexcept = default;
@@ -185,15 +224,13 @@ SinkRegistration& SinkRegistration::operator=(SinkRegistration&& other) noexcept
 }
 
 void SinkRegistration::remove() noexcept {
-  if (!sink) return;
-  blog::core::get()->remove_sink(sink->delivering);
-  sink->delivering->stop();
+  if (sink) sink->delivering->remove(sink->registration);
 }
 
 SinkRegistration addSink(Receiver receiver) {
   auto sink = std::make_unique<SinkRegistration::Sink>();
-  sink->delivering = boost::make_shared<DeliveringSink>(std::move(receiver));
-  blog::core::get()->add_sink(sink->delivering);
+  sink->registration = std::make_shared<Registration>(Registration{std::move(receiver)});
+  sink->delivering->add(sink->registration);
   return SinkRegistration(std::move(sink));
 }
 
