@@ -8,7 +8,6 @@
 #include "tessera/commands/PageJob.hpp"
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/files/SpoolFile.hpp"
-#include "tessera/run/listFiles.hpp"
 
 namespace tessera::commands {
 namespace {
@@ -23,12 +22,6 @@ std::string readAll(files::SpoolFile& file) {
 
 bool isSameList(const std::vector<inputs::Input>& first, const std::vector<inputs::Input>& second) {
   return std::ranges::equal(first, second, {}, &inputs::Input::path, &inputs::Input::path);
-}
-
-std::vector<inputs::Input> list(const ViewOptions& options) {
-  run::RunOptions run;
-  run.inputs = options.inputs;
-  return run::listFiles(run);
 }
 
 }  // namespace
@@ -92,7 +85,8 @@ class LivePage::Sections {
   std::vector<Parsed> parsed;
 };
 
-LivePage::LivePage(const ViewOptions& options) : options(options), files(list(options)) {
+LivePage::LivePage(const ViewOptions& options, std::vector<inputs::Input> inputs)
+    : files(std::move(inputs)) {
   parseOptions.bundles = options.bundles;
   parseOptions.pieces = options.pieces;
   parseAll();
@@ -108,8 +102,7 @@ void LivePage::parseAll() {
   for (std::size_t i = 0; i < files.size(); ++i) sections->parse(i);
 }
 
-bool LivePage::update(const view::Changes& changes) {
-  std::vector<inputs::Input> listed = changes.isListChanged ? list(options) : files;
+bool LivePage::update(const view::Changes& changes, std::vector<inputs::Input> listed) {
   if (changes.isUnknown || !isSameList(files, listed)) {
     files = std::move(listed);
     parseAll();

@@ -15,18 +15,17 @@ namespace tessera::commands {
 /// The page about files that change. Parses a file again only when it was written.
 class LivePage {
  public:
-  /// Borrows `options`. Throws ProblemError when the inputs cannot be listed or the services not be
-  /// used.
-  explicit LivePage(const ViewOptions& options);
+  /// Makes the page about `inputs`. Throws ProblemError when the services cannot be used.
+  LivePage(const ViewOptions& options, std::vector<inputs::Input> inputs);
   ~LivePage();
   LivePage(const LivePage&) = delete;
   LivePage& operator=(const LivePage&) = delete;
 
   const std::vector<inputs::Input>& inputs() const noexcept { return files; }
 
-  /// Takes the changes over, and returns whether the page is another one. Throws ProblemError, and
-  /// the page is then as before.
-  bool update(const view::Changes& changes);
+  /// Parses what has changed of `listed`, the present inputs, and returns whether the page is
+  /// another one. Throws ProblemError, and the page is then as before.
+  bool update(const view::Changes& changes, std::vector<inputs::Input> listed);
 
   /// Returns the page as HTML.
   std::string html() const;
@@ -36,7 +35,6 @@ class LivePage {
 
   void parseAll();
 
-  const ViewOptions& options;
   ParseOptions parseOptions;
   std::vector<inputs::Input> files;
   std::unique_ptr<Sections> sections;

@@ -16,6 +16,8 @@
 #include "tessera/diagnostics/report.hpp"
 #include "tessera/files/Interruption.hpp"
 #include "tessera/files/OutputFile.hpp"
+#include "tessera/inputs/Input.hpp"
+#include "tessera/run/listFiles.hpp"
 #include "tessera/view/FileWatch.hpp"
 #include "tessera/view/LiveSite.hpp"
 #include "tessera/view/Server.hpp"
@@ -53,10 +55,23 @@ void announce(const std::string& address) {
   output.flush();
 }
 
+/// Lists the inputs. Directories are watched before they are listed, and files before they are
+/// read, so that no change in between goes unnoticed.
+std::vector<inputs::Input> listAndWatch(const ViewOptions& options, view::FileWatch& watch) {
+  watch.addDirectories(options.inputs.paths);
+  run::RunOptions run;
+  run.inputs = options.inputs;
+  std::vector<inputs::Input> listed = run::listFiles(run);
+  watch.addFoldersOf(listed);
+  return listed;
+}
+
 /// Keeps the page as it was when it cannot be made: the next change may help.
-bool updatePage(LivePage& page, const view::Changes& changes) {
+bool updatePage(LivePage& page, const view::Changes& changes, const ViewOptions& options,
+                view::FileWatch& watch) {
   try {
-    return page.update(changes);
+    const bool isListed = !changes.isListChanged && !changes.isUnknown;
+    return page.update(changes, isListed ? page.inputs() : listAndWatch(options, watch));
   } catch (const diagnostics::ProblemError& error) {
     diagnostics::report(error.what());
     return false;
@@ -74,8 +89,7 @@ int view(const ViewOptions& options) {
   reportMissing(options.inputs.paths);
   files::endOnInterruption();
   view::FileWatch watch;
-  LivePage page(options);
-  watch.add(options.inputs.paths, page.inputs());
+  LivePage page(options, listAndWatch(options, watch));
   view::LiveSite site;
   site.publish(page.html());
   const std::unique_ptr<view::Server> server = view::startServer(site, options.port);
@@ -83,9 +97,8 @@ int view(const ViewOptions& options) {
   if (options.opensBrowser) view::openBrowser(server->address());
   while (!isAbandoned(site, options)) {
     const view::Changes changes = watch.await(kPatience);
-    if (changes.isEmpty() || !updatePage(page, changes)) continue;
+    if (changes.isEmpty() || !updatePage(page, changes, options, watch)) continue;
     site.publish(page.html());
-    if (changes.isListChanged) watch.add(options.inputs.paths, page.inputs());
   }
   return kFine;
 }

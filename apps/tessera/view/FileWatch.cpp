@@ -42,6 +42,24 @@ bool isHidden(const fs::path& path) {
   return path.filename().native().starts_with('.');
 }
 
+/// Returns a directory and all below it that are not hidden, each with a slash at the end. A path
+/// that is not a directory gives none.
+std::vector<std::string> foldersBelow(const std::string& path) {
+  std::error_code ignored;
+  if (!fs::is_directory(path, ignored)) return {};
+  std::vector<std::string> found{path.ends_with('/') ? path : path + '/'};
+  fs::recursive_directory_iterator below(path, ignored);
+  for (; below != fs::end(below); below.increment(ignored)) {
+    if (!below->is_directory(ignored) || below->is_symlink(ignored)) continue;
+    if (isHidden(below->path())) {
+      below.disable_recursion_pending();
+    } else {
+      found.push_back(below->path().native() + '/');
+    }
+  }
+  return found;
+}
+
 }  // namespace
 
 FileWatch::FileWatch() : descriptor(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
@@ -52,36 +70,32 @@ FileWatch::~FileWatch() {
   ::close(descriptor);
 }
 
-void FileWatch::add(const std::vector<std::string>& paths,
-                    const std::vector<inputs::Input>& inputs) {
-  std::set<std::string> found;
-  for (const inputs::Input& input : inputs) found.insert(folderOf(input.path));
-  std::error_code ignored;
+void FileWatch::addDirectories(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
-    if (!fs::is_directory(path, ignored)) continue;
-    found.insert(path.ends_with('/') ? path : path + '/');
-    fs::recursive_directory_iterator below(path, ignored);
-    for (; below != fs::end(below); below.increment(ignored)) {
-      if (!below->is_directory(ignored) || below->is_symlink(ignored)) continue;
-      if (isHidden(below->path())) {
-        below.disable_recursion_pending();
-      } else {
-        found.insert(below->path().native() + '/');
+    // A directory that was made in another before that was watched is found by the next round.
+    for (bool isComplete = false; !isComplete;) {
+      isComplete = true;
+      for (const std::string& folder : foldersBelow(path)) {
+        if (addFolder(folder)) isComplete = false;
       }
     }
   }
+}
+
+void FileWatch::addFoldersOf(const std::vector<inputs::Input>& inputs) {
+  std::set<std::string> found;
+  for (const inputs::Input& input : inputs) found.insert(folderOf(input.path));
   for (const std::string& folder : found) addFolder(folder);
 }
 
-void FileWatch::addFolder(const std::string& folder) {
+/// Returns whether the folder was not watched before by this name.
+bool FileWatch::addFolder(const std::string& folder) {
   const char* const path = folder.empty() ? "." : folder.c_str();
   const int watch = ::inotify_add_watch(descriptor, path, kTouched | kListed | IN_ONLYDIR);
-  if (watch >= 0) {
-    folders[watch].insert(folder);
-  } else if (errno == ENOSPC || errno == ENOMEM) {
-    failWatch(folder, errno);
-  }
+  if (watch >= 0) return folders[watch].insert(folder).second;
+  if (errno == ENOSPC || errno == ENOMEM) failWatch(folder, errno);
   // A folder that is gone again is noticed in the one that contained it.
+  return false;
 }
 
 Changes FileWatch::await(std::chrono::milliseconds patience) {
@@ -109,10 +123,14 @@ void FileWatch::readEvents(Changes& changes) {
   }
 }
 
-void FileWatch::note(int watch, unsigned mask, std::string_view name, Changes& changes) const {
+void FileWatch::note(int watch, unsigned mask, std::string_view name, Changes& changes) {
   if ((mask & IN_Q_OVERFLOW) != 0) changes.isUnknown = true;
   if ((mask & kListed) != 0) changes.isListChanged = true;
   const auto folder = folders.find(watch);
+  if ((mask & IN_IGNORED) != 0 && folder != folders.end()) {
+    folders.erase(folder);
+    return;
+  }
   if ((mask & kTouched) == 0 || folder == folders.end()) return;
   for (const std::string& spelling : folder->second) {
     changes.touched.insert(spelling + std::string(name));

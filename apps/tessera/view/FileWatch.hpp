@@ -17,7 +17,8 @@ struct Changes {
   std::set<std::string> touched;
   /// Whether files may have come, gone or been renamed.
   bool isListChanged = false;
-  /// Whether there were too many changes to tell which.
+  /// Whether there were too many changes to tell which. Any file may have changed then, and the
+  /// list.
   bool isUnknown = false;
 
   bool isEmpty() const noexcept { return touched.empty() && !isListChanged && !isUnknown; }
@@ -32,19 +33,25 @@ class FileWatch {
   FileWatch(const FileWatch&) = delete;
   FileWatch& operator=(const FileWatch&) = delete;
 
-  /// Watches the folders of `inputs`, and those of `paths` that are directories with all below that
-  /// are not hidden. What is watched already stays so. Throws ProblemError.
-  void add(const std::vector<std::string>& paths, const std::vector<inputs::Input>& inputs);
+  /// Watches those of `paths` that are directories, with all below that are not hidden. What is
+  /// watched already stays so. Throws ProblemError.
+  ///
+  /// A directory that is made later is reported as a change of the list: call this again then, and
+  /// list the files only afterwards, because what happens in an unwatched directory is not noticed.
+  void addDirectories(const std::vector<std::string>& paths);
+
+  /// Watches the folders of `inputs`. Read them only afterwards. Throws ProblemError.
+  void addFoldersOf(const std::vector<inputs::Input>& inputs);
 
   /// Waits for changes, for at most `patience`, and then until there are none for a moment, so that
   /// what was written in several steps is one change.
   Changes await(std::chrono::milliseconds patience);
 
  private:
-  void addFolder(const std::string& folder);
+  bool addFolder(const std::string& folder);
   bool isReadable(std::chrono::milliseconds patience) const;
   void readEvents(Changes& changes);
-  void note(int watch, unsigned mask, std::string_view name, Changes& changes) const;
+  void note(int watch, unsigned mask, std::string_view name, Changes& changes);
 
   int descriptor;
   // How paths spell each folder, by the watch: with a slash at the end, or empty.

@@ -107,7 +107,7 @@ class LivePage(view_test.Case):
 
     def test_a_closed_page_ends_the_command(self):
         self.tab.call("Page.navigate", url="about:blank")
-        self.assertEqual(self.view.process.wait(view_test.DEADLINE), 0)
+        self.view.await_end()
 
 
 if __name__ == "__main__":

@@ -68,6 +68,11 @@ class View:
         connection.sendall(f"GET {self.path}events HTTP/1.1\r\nHost: {self.authority}\r\n\r\n".encode())
         return connection
 
+    def await_end(self, status=0):
+        """Waits until the program ends, and checks its status."""
+        if self.process.wait(DEADLINE) != status:
+            raise AssertionError(f"status {self.process.returncode}: {self.process.stderr.read()}")
+
     def await_page(self, expected):
         """Waits until the page contains a text, or no longer does if it starts with an exclamation mark."""
         deadline = time.monotonic() + DEADLINE
@@ -214,6 +219,16 @@ class Changes(Case):
             shutil.rmtree(self.folder / "t/new")
             view.await_page("!fourth")
 
+    def test_a_change_during_an_update_is_not_lost(self):
+        self.write("t/a.py")
+        with View(self.folder, "t") as view:
+            for i in range(40):
+                self.write(f"t/new{i}/deep/c.py", f"early{i}.\n")
+                # The second change comes while the first one is being worked on, at another moment each time.
+                time.sleep(i * 0.0005)
+                self.write(f"t/new{i}/deep/c.py", f"late{i}.\n")
+                view.await_page(f"late{i}.")
+
     def test_another_file_changes_what_is_said_about_a_task(self):
         self.write("a.py", "# <@task#far>\n")
         self.write("b.py")
@@ -248,7 +263,7 @@ class End(Case):
             with self.assertRaises(subprocess.TimeoutExpired):
                 view.process.wait(2)
             second.close()
-            self.assertEqual(view.process.wait(DEADLINE), 0)
+            view.await_end()
 
     def test_it_does_not_end_before_the_page_was_opened(self):
         self.write("a.py")
@@ -256,14 +271,14 @@ class End(Case):
             with self.assertRaises(subprocess.TimeoutExpired):
                 view.process.wait(1)
             view.page()
-            self.assertEqual(view.process.wait(DEADLINE), 0)
+            view.await_end()
 
     def test_an_interruption_ends_it(self):
         self.write("a.py")
         with View(self.folder, "a.py") as view, view.events() as stream:
             stream.recv(1)
             view.process.send_signal(signal.SIGINT)
-            self.assertEqual(view.process.wait(DEADLINE), 130)
+            view.await_end(130)
             with self.assertRaises(ConnectionRefusedError):
                 socket.create_connection(("127.0.0.1", view.port), timeout=DEADLINE)
 
