@@ -24,6 +24,8 @@ import termios
 import time
 import unittest
 
+from signals import send_signal
+
 FAULTY = str(pathlib.Path(sys.argv.pop(2)).resolve())
 PROGRAM = str(pathlib.Path(sys.argv.pop(1)).resolve())
 ROOT = pathlib.Path(__file__).resolve().parents[3]
@@ -370,7 +372,7 @@ class Reports(ManyFiles):
                                        start_new_session=True)
             while not (self.folder / "out.partial").exists():
                 time.sleep(0.01)
-            os.killpg(process.pid, signal.SIGTERM)
+            send_signal(process.pid, signal.SIGTERM, pathlib.Path(PROGRAM))
             self.assertEqual(process.wait(), 143)
             self.assertNoLeftovers()
 
@@ -556,7 +558,7 @@ class Progress(ManyFiles):
         self.write("t/b")
         terminal = Terminal(self.folder, "parse", "t", "--bundle", FAULTY, "--progress", "always")
         terminal.read_until(rb"of 2 files")
-        os.killpg(terminal.process.pid, signal.SIGINT)
+        send_signal(terminal.process.pid, signal.SIGINT, pathlib.Path(PROGRAM))
         self.assertEqual(terminal.finish(), ([""], 130))
 
     def test_it_is_shown_of_one_process(self):
@@ -702,7 +704,7 @@ class Outputs(ManyFiles):
                                    cwd=self.folder, stdout=subprocess.PIPE, start_new_session=True)
         while process.poll() is None and not (partial.exists() and partial.stat().st_size != 0):
             time.sleep(0.01)
-        os.killpg(process.pid, number)
+        send_signal(process.pid, number, pathlib.Path(PROGRAM))
         status = process.wait()
         # The pipe is closed when no process is left.
         process.stdout.read()

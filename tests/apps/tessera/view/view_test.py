@@ -16,6 +16,9 @@ import time
 import unittest
 import urllib.parse
 
+sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent))
+from signals import send_signal
+
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 # How long something may take on a loaded machine under a sanitizer.
 DEADLINE = 60
@@ -29,7 +32,8 @@ class View:
 
     def __enter__(self):
         self.process = subprocess.Popen([PROGRAM, "view", "--no-browser", *self.arguments], cwd=self.folder,
-                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                                        start_new_session=True)
         self.address = self.process.stdout.readline().rstrip("\n")
         address = urllib.parse.urlsplit(self.address)
         self.authority, self.port, self.path = address.netloc, address.port, address.path
@@ -277,7 +281,7 @@ class End(Case):
         self.write("a.py")
         with View(self.folder, "a.py") as view, view.events() as stream:
             stream.recv(1)
-            view.process.send_signal(signal.SIGINT)
+            send_signal(view.process.pid, signal.SIGINT, PROGRAM)
             view.await_end(130)
             with self.assertRaises(ConnectionRefusedError):
                 socket.create_connection(("127.0.0.1", view.port), timeout=DEADLINE)
