@@ -12,7 +12,7 @@ buildPackages=(
 testPackages=(
   chromium
   libgtest-dev libgmock-dev libicu-dev libzip-dev rapidjson-dev python3 python3-jsonschema
-  fish mandoc zsh dpkg-dev file doxygen
+  fish mandoc zsh dpkg-dev file doxygen python3-clang-14
 )
 gatePackages=(clang-format-14 clang-tidy-14 python3)
 benchPackages=(
