@@ -92,13 +92,13 @@ TREE = {
 
 # The test does not call `isDigit` with '9' or ':'.
 SURVIVORS = """
-    src/small.cpp:5: survived
+    src/small.cpp:5:49: survived
       bool isDigit(char text) { return text >= '0' && text <= '9'; }
       text <= '9' -> text < '9'
-    src/small.cpp:5: survived
+    src/small.cpp:5:57: survived
       bool isDigit(char text) { return text >= '0' && text <= '9'; }
       '9' -> '9' + 1
-    src/small.cpp:18: not reached
+    src/small.cpp:18:32: not reached
       int unused(int value) { return -value; }
       -value -> value
     """
@@ -141,7 +141,7 @@ class Mutate(unittest.TestCase):
 
     def test_the_page_shows_this_output(self):
         page = (SOURCE / "docs" / "mutation.md").read_text()
-        shown = textwrap.dedent(SURVIVORS).lstrip("\n").split("src/small.cpp:18")[0]
+        shown = textwrap.dedent(SURVIVORS).lstrip("\n").split("src/small.cpp:18:")[0]
         self.assertIn("```text\n" + shown + "```", page)
 
     def test_runs_again_only_what_a_change_can_affect(self):
@@ -174,7 +174,7 @@ class Mutate(unittest.TestCase):
         status, output, _ = self.mutate("--list", "src/small.cpp")
         self.assertEqual(status, 0)
         self.assertEqual(output.count("\n"), 17)
-        self.assertIn("src/small.cpp:11: value = low; -> removed\n", output)
+        self.assertIn("src/small.cpp:11:5: value = low; -> removed\n", output)
 
     def test_needs_a_source(self):
         status, _, messages = self.mutate("tests")

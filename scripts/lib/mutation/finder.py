@@ -40,6 +40,8 @@ STATEMENTS = (CursorKind.CALL_EXPR, CursorKind.BINARY_OPERATOR, CursorKind.COMPO
               CursorKind.UNARY_OPERATOR, CursorKind.UNEXPOSED_EXPR, CursorKind.CXX_DELETE_EXPR,
               CursorKind.CXX_THROW_EXPR, CursorKind.BREAK_STMT, CursorKind.CONTINUE_STMT, CursorKind.PAREN_EXPR,
               CursorKind.CONDITIONAL_OPERATOR)
+# Functions whose result does not depend on the order of their arguments.
+SYMMETRIC = re.compile(r"min|max|_mm(256)?_(and|or|add|cmpeq)_\w+")
 INTEGERS = (TypeKind.CHAR_U, TypeKind.UCHAR, TypeKind.CHAR16, TypeKind.CHAR32, TypeKind.USHORT, TypeKind.UINT,
             TypeKind.ULONG, TypeKind.ULONGLONG, TypeKind.CHAR_S, TypeKind.SCHAR, TypeKind.WCHAR, TypeKind.SHORT,
             TypeKind.INT, TypeKind.LONG, TypeKind.LONGLONG)
@@ -66,9 +68,13 @@ class Mutant:
 
     file: str
     places: tuple
-    number: int
+    # Counted from 1, in bytes.
+    position: tuple
     line: str
     change: str
+
+    def place(self):
+        return f"{self.file}:{self.position[0]}:{self.position[1]}"
 
     def identity(self):
         return self.file, self.line, self.change
@@ -132,8 +138,8 @@ class Source:
         end = self.text.find("\n", offset)
         return plain(self.text[begin:end if end >= 0 else None]).encode("latin-1").decode("utf-8", "replace")
 
-    def line_number(self, offset):
-        return self.text.count("\n", 0, offset) + 1
+    def position(self, offset):
+        return self.text.count("\n", 0, offset) + 1, offset - self.text.rfind("\n", 0, offset)
 
 
 class Finder:
@@ -149,8 +155,7 @@ class Finder:
         if any(low <= begin and places[0].end <= high for low, high in self._macros):
             return
         change = change.encode("latin-1").decode("utf-8", "replace")
-        self.found[places] = Mutant(self.file, places, self._source.line_number(begin), self._source.line(begin),
-                                    change)
+        self.found[places] = Mutant(self.file, places, self._source.position(begin), self._source.line(begin), change)
 
     def span(self, cursor):
         return cursor.extent.start.offset, cursor.extent.end.offset
@@ -179,6 +184,8 @@ class Finder:
         children = [child for child in cursor.get_children() if child.extent.end.offset > child.extent.start.offset]
         if kind == CursorKind.CASE_STMT:
             return children[1:]
+        if kind == CursorKind.IF_STMT and self.word_after(cursor) == "constexpr":
+            return children[1:]
         if kind in DECLARATIONS:
             # The arguments of its type.
             children = [child for child in children if child.extent.start.offset >= cursor.location.offset
@@ -188,6 +195,10 @@ class Finder:
         if kind in (CursorKind.DECL_REF_EXPR, CursorKind.MEMBER_REF_EXPR):
             children = [child for child in children if kind_of(child) not in LITERALS]
         return children
+
+    def word_after(self, statement):
+        """Returns the word after the first one of a statement."""
+        return self._source.word(self._source.from_token(statement.extent.start.offset) + 1)
 
     def is_size(self, literal):
         """Tells whether a literal is the length of an array or a bit field."""
@@ -275,6 +286,8 @@ class Finder:
             if cursor.spelling[len("operator"):] in COMPARISONS:
                 self.operator(cursor, operands)
             return
+        if SYMMETRIC.fullmatch(cursor.spelling):
+            return
         for left, right in zip(operands, operands[1:]):
             self.swap(cursor, left, right)
 
@@ -301,7 +314,7 @@ class Finder:
             last = list(cursor.get_children())[-1]
             self.negate(last)
             return
-        if self._source.word(first + 1) != "(":  # if constexpr
+        if self.word_after(cursor) == "constexpr":
             return
         low = self._source.tokens[first + 1][1]
         high = self._source.tokens[self._source.closing(first + 1)][0]

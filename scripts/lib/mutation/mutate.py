@@ -271,7 +271,7 @@ def report(made, outcome, stale, left_out, dropped):
     """Prints the mutants that no test notices, and the counts. Returns the exit status."""
     for number, mutant in made.items():
         if outcome[number] in ("survived", "not reached"):
-            print(f"{mutant.file}:{mutant.number}: {outcome[number]}\n  {mutant.line}\n  {mutant.change}")
+            print(f"{mutant.place()}: {outcome[number]}\n  {mutant.line}\n  {mutant.change}")
     for identity in stale:
         print("no such mutant (remove it from tests/mutation/equivalent.txt):\n  " + "\n  ".join(identity))
     counts = collections.Counter(result if result in ("survived", "not reached", "explained") else "killed"
@@ -314,7 +314,7 @@ def main():
     stale = [identity for identity in explained if identity[0] in files and identity not in identities]
     if arguments.list:
         for mutant in schemata.made().values():
-            print(f"{mutant.file}:{mutant.number}: {mutant.change}")
+            print(f"{mutant.place()}: {mutant.change}")
         return 0
     results = Results(copy.build / "results.jsonl", root, arguments.again)
     outcome = run_mutants(copy, schemata, nearest, results, explained)

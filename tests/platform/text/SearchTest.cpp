@@ -33,6 +33,13 @@ TEST(FindAny, MatchesExactlyTheWantedUnits) {
   }
 }
 
+TEST(FindAny, SearchesFromTheBeginningUnlessToldOtherwise) {
+  for (const std::u16string_view text : {u"\"x\"", u"\"xxxxxxx\"", u"\"xxxxxxxxxxxxxxxxxxxx\""}) {
+    EXPECT_EQ(findAny<u'"'>(text), 0U);
+    EXPECT_EQ((findPair<u'"', u'x'>(text)), 0U);
+  }
+}
+
 TEST(FindAny, FindsTheFirstMatchAtEveryPositionFromEveryStart) {
   for (std::size_t size = 0; size < kMostUnits; ++size) {
     const std::u16string plain(size, u'x');

@@ -138,6 +138,15 @@ TEST(Ustring, EveryScalarValueRoundTrips) {
   }
 }
 
+TEST(Ustring, TextWithOneByteForEachUnitTakesOneAllocation) {
+  const std::string bytes(100'000, 'a');
+  const std::size_t before = quenlith::test::allocationCount();
+  const ustring text = utf8_to_ustring(bytes);
+  EXPECT_EQ(quenlith::test::allocationCount() - before, 1U);
+  EXPECT_EQ(ustring_to_utf8(text), bytes);
+  EXPECT_EQ(quenlith::test::allocationCount() - before, 2U);
+}
+
 TEST(Ustring, FailingAllocationsOnlyThrowBadAlloc) {
   const std::string bytes = std::string(3000, 'a') + "\xE2\x82\xAC";
   const ustring text(3000, u'\u20AC');

@@ -33,6 +33,33 @@ TEST(ConvertUtf16, KeepsPairsTogether) {
   }
 }
 
+// Sixteen units that are all ASCII are converted at once.
+TEST(ConvertUtf16, ConvertsRunsOfEveryUnit) {
+  for (unsigned unit = 0; unit <= 0xFFFF; ++unit) {
+    const std::u16string text(17, static_cast<char16_t>(unit));
+    std::string bytes(text.size() * kMaxUtf8BytesPerUnit, '\0');
+    bytes.resize(convertUtf16(text, bytes.data()));
+    ASSERT_EQ(bytes, twin::encodeUtf8(text)) << unit;
+  }
+}
+
+// Surrogates before and at the place where a long text is cut, which is after 512 or another such
+// number of units.
+TEST(AppendUtf8, SurrogatesAroundTheCutAgreeWithIcu) {
+  const std::u16string pair = u"\U0001F600";
+  const std::u16string high = pair.substr(0, 1);
+  for (const std::u16string& surrogates :
+       {high + pair, pair + high, pair + pair, pair + high + pair, high + high + pair}) {
+    for (std::size_t before = 0; before < 1100; ++before) {
+      const std::u16string text =
+          std::u16string(before, u'\u20AC') + surrogates + std::u16string(600, u'b');
+      std::string bytes;
+      appendUtf8(bytes, text);
+      ASSERT_EQ(bytes, twin::encodeUtf8(text)) << before;
+    }
+  }
+}
+
 TEST(AppendUtf8, AppendsToTheText) {
   std::string output = "x = ";
   appendUtf8(output, u"\u00E9");
