@@ -23,22 +23,22 @@ TREE = {
         set(CMAKE_CXX_STANDARD 20)
         set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
         set(CMAKE_RUNTIME_OUTPUT_DIRECTORY bin)
-        add_executable(small_test src/small.cpp tests/smallTest.cpp)
-        target_include_directories(small_test PRIVATE src)
+        add_executable(small_test src/build/small.cpp tests/smallTest.cpp)
+        target_include_directories(small_test PRIVATE src/build)
         enable_testing()
         add_test(NAME small_test COMMAND small_test)
         """,
     "CMakePresets.json": """
         {"version": 6, "configurePresets": [{"name": "dev", "generator": "Ninja"}]}
         """,
-    "src/small.hpp": """
+    "src/build/small.hpp": """
         #pragma once
         bool isDigit(char text);
         int within(int value, int low, int high);
         long distance(const char* begin, const char* end);
         int unused(int value);
         """,
-    "src/small.cpp": """
+    "src/build/small.cpp": """
         #include "small.hpp"
 
         constexpr int kNothing = 0;
@@ -73,17 +73,17 @@ TREE = {
         src: small_test
         """,
     "tests/mutation/equivalent.txt": """
-        src/small.cpp
+        src/build/small.cpp
           if (value < low) {
           value < low -> value <= low
           A value equal to `low` becomes `low`.
 
-        src/small.cpp
+        src/build/small.cpp
           int smaller(int first, int second) { return first < second ? first : second; }
           first < second -> first <= second
           Equal values are the same.
 
-        src/small.cpp
+        src/build/small.cpp
           return smaller(value, high);
           value, high -> high, value
           The smaller of two does not depend on their order.
@@ -92,13 +92,13 @@ TREE = {
 
 # The test does not call `isDigit` with '9' or ':'.
 SURVIVORS = """
-    src/small.cpp:5:49: survived
+    src/build/small.cpp:5:49: survived
       bool isDigit(char text) { return text >= '0' && text <= '9'; }
       text <= '9' -> text < '9'
-    src/small.cpp:5:57: survived
+    src/build/small.cpp:5:57: survived
       bool isDigit(char text) { return text >= '0' && text <= '9'; }
       '9' -> '9' + 1
-    src/small.cpp:18:32: not reached
+    src/build/small.cpp:18:32: not reached
       int unused(int value) { return -value; }
       -value -> value
     """
@@ -141,7 +141,7 @@ class Mutate(unittest.TestCase):
 
     def test_the_page_shows_this_output(self):
         page = (SOURCE / "docs" / "mutation.md").read_text()
-        shown = textwrap.dedent(SURVIVORS).lstrip("\n").split("src/small.cpp:18:")[0]
+        shown = textwrap.dedent(SURVIVORS).lstrip("\n").split("src/build/small.cpp:18:")[0]
         self.assertIn("```text\n" + shown + "```", page)
 
     def test_runs_again_only_what_a_change_can_affect(self):
@@ -151,30 +151,38 @@ class Mutate(unittest.TestCase):
         status, output, messages = self.mutate()
         self.assertIn("running 3 mutants", messages)
         self.assertIn("13 killed, 0 survived, 1 not reached", output)
-        self.replace("src/small.cpp", "return -value", "return value")
-        self.replace("src/small.hpp", "int unused", "/* lines move */\n\nint unused")
+        self.replace("src/build/small.cpp", "return -value", "return value")
+        self.replace("src/build/small.hpp", "int unused", "/* lines move */\n\nint unused")
         self.assertEqual(self.mutate()[0], 0)
 
     def test_an_explanation_without_a_mutant_is_reported(self):
         self.replace("tests/smallTest.cpp", "isDigit('5')", "isDigit('9') && !isDigit(':') && unused(1) == -1")
-        self.replace("src/small.cpp", "value < low", "low > value")
+        self.replace("src/build/small.cpp", "value < low", "low > value")
         status, output, _ = self.mutate()
         self.assertEqual(status, 1)
-        self.assertIn("no such mutant (remove it from tests/mutation/equivalent.txt):\n  src/small.cpp\n"
+        self.assertIn("no such mutant (remove it from tests/mutation/equivalent.txt):\n  src/build/small.cpp\n"
                       "  if (value < low) {\n  value < low -> value <= low\n", output)
         self.assertIn("low > value -> low >= value", output)
 
     def test_a_mutant_that_does_not_end_is_killed(self):
-        self.replace("src/small.cpp", "return -value;", "while (value < 3) ++value; return value;")
+        self.replace("src/build/small.cpp", "return -value;", "while (value < 3) ++value; return value;")
         self.replace("tests/smallTest.cpp", "isDigit('5')", "unused(2) == 3")
         status, output, _ = self.mutate()
         self.assertNotIn("++value", output)
 
+    def test_equal_changes_on_a_line_are_numbered(self):
+        self.replace("src/build/small.cpp", "return -value", "return value + (value + 1) + (value + 1)")
+        _, output, _ = self.mutate("--list")
+        self.assertIn("32: value + (value + 1) -> value - (value + 1)\n", output)
+        self.assertIn("value + 1 -> value - 1\n", output)
+        self.assertIn("value + 1 -> value - 1 (no. 2 of the line)\n", output)
+        self.assertNotIn("value + 1 -> value - 1 (no. 3 of the line)\n", output)
+
     def test_lists_the_mutants(self):
-        status, output, _ = self.mutate("--list", "src/small.cpp")
+        status, output, _ = self.mutate("--list", "src/build/small.cpp")
         self.assertEqual(status, 0)
         self.assertEqual(output.count("\n"), 17)
-        self.assertIn("src/small.cpp:11:5: value = low; -> removed\n", output)
+        self.assertIn("src/build/small.cpp:11:5: value = low; -> removed\n", output)
 
     def test_needs_a_source(self):
         status, _, messages = self.mutate("tests")

@@ -182,6 +182,8 @@ class Finder:
 
     def children_with_code(self, kind, cursor):
         children = [child for child in cursor.get_children() if child.extent.end.offset > child.extent.start.offset]
+        if kind in LOOPS:  # while (true)
+            children = [child for child in children if kind_of(child) != CursorKind.CXX_BOOL_LITERAL_EXPR]
         if kind == CursorKind.CASE_STMT:
             return children[1:]
         if kind == CursorKind.IF_STMT and self.word_after(cursor) == "constexpr":
@@ -192,7 +194,9 @@ class Finder:
                         and not self.is_size(child)]
         if any(kind_of(child) in (CursorKind.TEMPLATE_REF, CursorKind.OVERLOADED_DECL_REF) for child in children):
             children = [child for child in children if not self.is_template_argument(child)]
-        if kind in (CursorKind.DECL_REF_EXPR, CursorKind.MEMBER_REF_EXPR):
+        if kind == CursorKind.DECL_REF_EXPR:  # only template arguments
+            return []
+        if kind == CursorKind.MEMBER_REF_EXPR:
             children = [child for child in children if kind_of(child) not in LITERALS]
         return children
 
@@ -225,7 +229,7 @@ class Finder:
             self.condition(cursor)
         elif kind == CursorKind.CONDITIONAL_OPERATOR:
             self.negate(next(cursor.get_children()))
-        self.statements(kind, cursor)
+        self.statements(kind, cursor, parent)
 
     def literal(self, kind, cursor, parent):
         begin, end = self.span(cursor)
@@ -352,10 +356,12 @@ class Finder:
             name = variable.spelling
             self.add(f"{self.text(variable)} -> its negation", Place(end, end, "declared", name))
 
-    def statements(self, kind, cursor):
+    def statements(self, kind, cursor, parent):
         children = list(cursor.get_children())
         if kind == CursorKind.COMPOUND_STMT:
-            bodies = children
+            # The end of a function that has to throw or to return a value is not reached.
+            ends = parent is not None and kind_of(parent) in DECLARATIONS and self.throws(children[-1:])
+            bodies = children[:-1] if ends else children
         elif kind in (CursorKind.WHILE_STMT, CursorKind.FOR_STMT, CursorKind.CXX_FOR_RANGE_STMT, CursorKind.CASE_STMT,
                       CursorKind.DEFAULT_STMT):
             bodies = children[-1:]
@@ -365,6 +371,10 @@ class Finder:
             return
         for body in bodies:
             self.remove(body)
+
+    def throws(self, statements):
+        return any(self._source.word(self._source.from_token(statement.extent.start.offset)) == "throw"
+                   for statement in statements)
 
     def remove(self, statement):
         kind = kind_of(statement)

@@ -68,12 +68,22 @@ def errors_of(root, unit, options, texts):
     return unit, found
 
 
+def told_apart(mutants):
+    """Yields the mutants; those that make the same change elsewhere on a line say which one they are."""
+    seen = collections.Counter()
+    for mutant in mutants:
+        same = (mutant.file, mutant.position[0], mutant.change)
+        seen[same] += 1
+        count = f" (no. {seen[same]} of the line)" if seen[same] > 1 else ""
+        yield dataclasses.replace(mutant, change=mutant.change + count)
+
+
 class Schemata:
     """The mutants of the selected files, and the sources with switches for them."""
 
     def __init__(self, root, mutants):
         self._root = root
-        self.mutants = dict(enumerate(sorted(mutants), 1))
+        self.mutants = dict(enumerate(told_apart(sorted(mutants)), 1))
         self.dropped = set()
 
     def rewriters(self):
@@ -294,7 +304,8 @@ def selected(root, paths):
 def main():
     parser = argparse.ArgumentParser(prog="mutate", description="Tests the tests: changes sources, one change at a "
                                      "time, and prints the changes that no test notices.")
-    parser.add_argument("paths", nargs="*", type=pathlib.Path, metavar="PATH", help="a source or a folder of sources (default: all)")
+    parser.add_argument("paths", nargs="*", type=pathlib.Path, metavar="PATH",
+                        help="a source or a folder of sources (default: all)")
     parser.add_argument("--again", action="store_true", help="forget the results of earlier runs")
     parser.add_argument("--list", action="store_true", help="print the mutants and run nothing")
     parser.add_argument("--tree", type=pathlib.Path, default=ROOT, help=argparse.SUPPRESS)

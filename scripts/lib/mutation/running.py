@@ -11,6 +11,8 @@ import tempfile
 import time
 
 MEMORY_BYTES = 8 << 30
+# So that recursion that is too deep fails wherever this runs.
+STACK_BYTES = 8 << 20
 
 
 @dataclasses.dataclass
@@ -38,6 +40,7 @@ def run(command, folder, environment, limits):
     def limit():
         resource.setrlimit(resource.RLIMIT_CPU, (limits.processor_seconds, limits.processor_seconds))
         resource.setrlimit(resource.RLIMIT_AS, (MEMORY_BYTES, MEMORY_BYTES))
+        resource.setrlimit(resource.RLIMIT_STACK, (STACK_BYTES, STACK_BYTES))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
     started = time.monotonic()

@@ -7,7 +7,8 @@ import re
 import shlex
 import subprocess
 
-SKIPPED_FOLDERS = {"build", ".git", "__pycache__", ".cache"}
+# At the top of the tree.
+SKIPPED_FOLDERS = {"build", ".git", ".cache"}
 ERROR = re.compile(r"^(/[^:\n]+):(\d+):(\d+): (?:fatal )?error: ", re.MULTILINE)
 
 
@@ -15,7 +16,8 @@ def files_of(root):
     """Returns the paths of the files of a tree, relative to it."""
     found = []
     for folder, folders, names in os.walk(root):
-        folders[:] = sorted(set(folders) - SKIPPED_FOLDERS)
+        skipped = SKIPPED_FOLDERS if folder == str(root) else set()
+        folders[:] = sorted(set(folders) - skipped - {"__pycache__"})
         found += [pathlib.Path(folder, name).relative_to(root) for name in names]
     return sorted(found)
 
