@@ -163,6 +163,17 @@ TEST(WriteText, EscapesTheQuoteTheBackslashAndControlCharacters) {
   EXPECT_EQ(quotedUtf8(fl::i18n::ustring_to_utf8(text)), expected);
 }
 
+// The two forms of a text are escaped alike, wherever the character is.
+TEST(WriteText, Utf8IsEscapedLikeUtf16) {
+  for (char16_t unit = 0; unit < 0x200; ++unit) {
+    const std::u16string character(1, unit);
+    for (const std::u16string& text : {character, character + u"x", u"x" + character,
+                                       u"\u00C2" + character, character + character}) {
+      ASSERT_EQ(quotedUtf8(fl::i18n::ustring_to_utf8(text)), quotedText(text)) << int{unit};
+    }
+  }
+}
+
 TEST(WriteText, IllFormedTextGetsReplacementCharacters) {
   EXPECT_EQ(quotedText(std::u16string{u'a', 0xD83D, u'"', 0xDE00}),
             "\"a\xEF\xBF\xBD\\\"\xEF\xBF\xBD\"");

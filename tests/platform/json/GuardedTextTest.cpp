@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "fl/i18n/ustring.hpp"
 #include "foundation/json/Writer.hpp"
 #include "foundation/json/parse.hpp"
 #include "support/GuardedMemory.hpp"
@@ -31,6 +32,24 @@ TEST(GuardedText, IsParsedWithinItsBounds) {
   }
 }
 
+// Flat objects are measured without the lexer.
+TEST(GuardedText, FlatObjectIsMeasuredWithinItsBounds) {
+  constexpr std::u16string_view kFlat = u"{ \"a\" : -12.50, \"b\":\"text\",\"c\":true,\"d\":0 }";
+  const GuardedMemory memory(kFlat.size() * sizeof(char16_t));
+  for (std::size_t size = 1; size <= kFlat.size(); ++size) {
+    const std::u16string_view text = memory.copyToEnd(kFlat.substr(0, size));
+    ASSERT_EQ(measureEmbeddedObject(text, 0).end.has_value(), size == kFlat.size()) << size;
+  }
+}
+
+TEST(GuardedText, NumberIsReadWithinItsBounds) {
+  for (const std::u16string_view number :
+       {u"18446744073709551616", u"-1.25", u"1e5", u"0", u"1E-5"}) {
+    const GuardedMemory memory(number.size() * sizeof(char16_t));
+    ASSERT_TRUE(parse(memory.copyToEnd(number)).value);
+  }
+}
+
 TEST(GuardedText, IsWrittenWithinItsBounds) {
   const GuardedMemory memory(kText.size() * sizeof(char16_t));
   for (std::size_t size = 0; size <= kText.size(); ++size) {
@@ -42,6 +61,11 @@ TEST(GuardedText, IsWrittenWithinItsBounds) {
       Writer(output, Form::kCompact).text(text);
       ASSERT_EQ(output, expected);
     }
+    const std::string utf8 = fl::i18n::ustring_to_utf8(cut);
+    const GuardedMemory bytes(utf8.size() + 1);
+    std::string output;
+    Writer(output, Form::kCompact).text(bytes.copyToEnd(std::string_view(utf8)));
+    ASSERT_EQ(output, expected);
   }
 }
 

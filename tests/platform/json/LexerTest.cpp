@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "support/FailingAllocations.hpp"
+
 namespace foundation::json {
 namespace {
 
@@ -129,6 +131,32 @@ TEST(Lexer, HexDigitsMayBeOfEitherCase) {
   Lexer lexer(u"\"\\u00e9\\u00E9\\uABCD\\uabcd\"");
   lexer.next();
   EXPECT_EQ(lexer.text(), u"\u00E9\u00E9\uABCD\uABCD");
+}
+
+TEST(Lexer, OnlyHexDigitsMakeAnEscape) {
+  for (char16_t unit = 0; unit < 0x100; ++unit) {
+    const bool digit = unit >= u'0' && unit <= u'9';
+    const bool letter = (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F');
+    const int value = digit ? unit - u'0' : (unit & 7) + 9;
+    for (std::size_t at = 0; at < 4; ++at) {
+      std::u16string text = u"\"\\u0000\"";
+      text[3 + at] = unit;
+      Lexer lexer(text);
+      ASSERT_EQ(lexer.next() == kString, digit || letter) << int{unit};
+      if (!digit && !letter) continue;
+      const auto expected = static_cast<char16_t>(value << (12 - 4 * at));
+      ASSERT_EQ(lexer.text(), std::u16string(1, expected));
+    }
+  }
+}
+
+TEST(Lexer, TextWithEscapesTakesOneAllocation) {
+  const std::u16string text = u"\"" + std::u16string(1000, u'a') + u"\\n\"";
+  Lexer lexer(text);
+  lexer.next();
+  const std::size_t before = quenlith::test::allocationCount();
+  EXPECT_EQ(lexer.text().size(), 1001U);
+  EXPECT_EQ(quenlith::test::allocationCount() - before, 1U);
 }
 
 TEST(Lexer, LineBreaksAreOptionallyRefused) {

@@ -65,7 +65,9 @@ const std::vector<LiteralCase> kLiterals{
     {u"9007199254740993.0", Value(9007199254740992.0)},
     {u"9007199254740993.0" + std::u16string(900, u'0') + u"1", Value(9007199254740994.0)},
     {u"9007199254740992.9" + std::u16string(900, u'9'), Value(9007199254740992.0)},
+    {u"9007199254740993.0" + std::u16string(900, u'0'), Value(9007199254740992.0)},
     {u"1" + std::u16string(400, u'0') + u"e-400", Value(1.0)},
+    {u"0." + std::u16string(900, u'0') + u"1e901", Value(1.0)},
     {u"0." + std::u16string(400, u'0') + u"1e401", Value(1.0)},
     {u"1" + std::u16string(308, u'0'), Value(1e308)},
 };

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <set>
 #include <stdexcept>
@@ -174,6 +176,23 @@ TEST(ValueHash, IsEqualForCopiesAndDiffersBetweenValues) {
   EXPECT_EQ(hashes.size(), manyValues().size());
 }
 
+TEST(ValueHash, DependsOnWhereElementsEnd) {
+  const auto pair = [](Array first, Array second) {
+    return Value(Array{Value(std::move(first)), Value(std::move(second))});
+  };
+  const Value oneAndTwo = pair({Value(1)}, {Value(3), Value(2)});
+  const Value twoAndOne = pair({Value(2), Value(1)}, {Value(3)});
+  EXPECT_NE(oneAndTwo.hash(), twoAndOne.hash());
+}
+
+TEST(ValueSwap, ExchangesTwoValues) {
+  Value left("text");
+  Value right(Array{Value(1)});
+  swap(left, right);
+  EXPECT_EQ(left, Value(Array{Value(1)}));
+  EXPECT_EQ(right, Value("text"));
+}
+
 TEST(ValueCopy, IsDeep) {
   Value original(Object{{"list", Value(Array{Value("a"), Value(Array{Value(1)})})}});
   const Value copy(original);
@@ -239,21 +258,52 @@ TEST(DeepValue, IsCopiedComparedHashedAndDestroyedWithoutRecursion) {
   EXPECT_FALSE(copy == original);
 }
 
+// Where a level contains the next one.
+enum class Position : std::uint8_t { kFirst, kLast, kInTurn };
+
+// Each level has `extra` further elements.
+Value arrayChain(int depth, std::size_t extra, Position position) {
+  Value value(1);
+  for (int level = 0; level < depth; ++level) {
+    Array array(extra, Value(level));
+    const bool first =
+        position == Position::kFirst || (position == Position::kInTurn && level % 2 == 0);
+    array.insert(first ? array.begin() : array.end(), std::move(value));
+    value = Value(std::move(array));
+  }
+  return value;
+}
+
+Value objectChain(int depth, std::size_t extra, Position position) {
+  constexpr std::array<const char*, 3> kExtraKeys{"l", "m", "n"};
+  Value value(1);
+  for (int level = 0; level < depth; ++level) {
+    Object object;
+    for (std::size_t i = 0; i < extra; ++i) object.emplace(kExtraKeys.at(i), Value(level));
+    const bool first =
+        position == Position::kFirst || (position == Position::kInTurn && level % 2 == 0);
+    object.emplace(first ? "a" : "z", std::move(value));
+    value = Value(std::move(object));
+  }
+  return value;
+}
+
 // Chains with zero or more further elements per level, before or after the nested one.
 TEST(DeepValue, ChainsOfEveryShapeAreDestroyedWithoutRecursion) {
+  // Deep enough that even the smallest stack frame per level would overflow the stack.
+  constexpr int kDepth = 300'000;
+  Value value;
   for (const std::size_t extra : {0U, 1U, 3U}) {
-    for (const bool first : {false, true}) {
-      Value value(1);
-      // Deep enough that even the smallest stack frame per level would overflow the stack.
-      for (int level = 0; level < 300'000; ++level) {
-        Array array(extra, Value(level));
-        array.insert(first ? array.begin() : array.end(), std::move(value));
-        value = Value(std::move(array));
-      }
-      Value other;
-      other = std::move(value);
-      EXPECT_EQ(other.get<Array>().size(), extra + 1);
+    for (const Position position : {Position::kFirst, Position::kLast}) {
+      value = arrayChain(kDepth, extra, position);
+      EXPECT_EQ(value.get<Array>().size(), extra + 1);
     }
+  }
+  value = arrayChain(kDepth, 1, Position::kInTurn);
+  EXPECT_EQ(value.get<Array>().size(), 2U);
+  for (const std::size_t extra : {0U, 1U}) {
+    value = objectChain(kDepth, extra, Position::kInTurn);
+    EXPECT_EQ(value.get<Object>().size(), extra + 1);
   }
 }
 

@@ -209,6 +209,68 @@ TEST(Writer, OmitsMembersWhoseValueIsEmpty) {
   EXPECT_EQ(output, R"({"a":1,"b":{"c":true},"d":["",0,null,{},[]],"e":{"empty":"","list":[]}})");
 }
 
+TEST(Writer, WritesEmptyMembersUnlessToldOtherwise) {
+  std::string output;
+  Writer json(output, Form::kCompact);
+  json.beginObject();
+  json.key("a");
+  json.text("");
+  json.key("b");
+  json.number(0.0);
+  json.key("c");
+  json.null();
+  json.key("d");
+  json.object({});
+  json.endObject();
+  EXPECT_EQ(output, R"({"a":"","b":0,"c":null,"d":{}})");
+}
+
+TEST(Writer, OmitsNothingWithinAValueAndGoesOnAfterIt) {
+  std::string output;
+  Writer json(output, Form::kCompact, foundation::json::EmptyMembers::kOmitted);
+  json.beginObject();
+  json.key("value");
+  json.value(Value(Object{{"empty", Value("")}, {"list", Value(Array{})}}));
+  json.key("after");
+  json.text("");
+  json.key("object");
+  json.object({{"zero", Value(0)}});
+  json.key("after");
+  json.number(0.0);
+  json.key("end");
+  json.boolean(true);
+  json.endObject();
+  EXPECT_EQ(output, R"({"value":{"empty":"","list":[]},"object":{"zero":0},"end":true})");
+}
+
+TEST(Writer, OmitsNothingOutsideOfAnObject) {
+  std::string output;
+  Writer json(output, Form::kCompact, foundation::json::EmptyMembers::kOmitted);
+  json.null();
+  EXPECT_EQ(output, "null");
+}
+
+// A member that was taken back leaves no trace: the next one has its comma and its own line.
+TEST(Writer, SeparatesTheMembersAroundOneThatIsOmitted) {
+  std::string output;
+  Writer json(output, Form::kIndented, foundation::json::EmptyMembers::kOmitted);
+  json.beginArray();
+  json.beginObject();
+  json.key("a");
+  json.boolean(true);
+  json.key("b");
+  json.null();
+  json.endObject();
+  json.beginObject();
+  json.key("c");
+  json.text("");
+  json.key("d");
+  json.boolean(true);
+  json.endObject();
+  json.endArray();
+  EXPECT_EQ(output, "[\n  {\n    \"a\": true\n  },\n  {\n    \"d\": true\n  }\n]");
+}
+
 TEST(Writer, OmitsTheFirstMemberOfAnIndentedObject) {
   std::string output;
   Writer json(output, Form::kIndented, foundation::json::EmptyMembers::kOmitted);

@@ -77,7 +77,8 @@ std::u16string unescape(std::u16string_view content) {
       result += findEscape(letter)->meaning;
     }
   }
-  return result.append(content);
+  result.append(content);
+  return result;
 }
 
 }  // namespace
