@@ -35,5 +35,17 @@ TEST(GuardedText, IsScannedWithinItsBounds) {
   }
 }
 
+// What is before and after the comment of an appendix line is read too.
+TEST(GuardedText, AppendixLineIsRecognizedWithinItsBounds) {
+  for (const std::u16string_view text :
+       {u"# <@appendix>", u" # <@appendix>", u"/* <@appendix> */ ", u"<!-- <@appendix> -->"}) {
+    const GuardedMemory memory(text.size() * sizeof(char16_t));
+    for (const auto& copy : {memory.copyToBegin(text), memory.copyToEnd(text)}) {
+      EXPECT_TRUE(isAppendixLine(copy));
+      EXPECT_TRUE(findMarkerCandidates(copy).empty());
+    }
+  }
+}
+
 }  // namespace
 }  // namespace quenlith::syntax

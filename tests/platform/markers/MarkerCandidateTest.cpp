@@ -61,6 +61,12 @@ TEST(DamagedMarkers, HaveTheFirstProblemBetweenTheirBrackets) {
       {u"# <@task x>", 0, 9, kMissingEnd},
       {u"# <@task {} [1,2]>", 0, 12, kMissingEnd},
       {u"# <@task\n>", 0, 8, kMissingEnd},
+      // Before a problem of the comment.
+      {u"<@task#>", 0, 7, kMissingId},
+      {u"/ <@task [1]>", 0, 11, kRangeCommaMissing},
+      {u"REM<@task", 0, 9, kMissingEnd},
+      {u"/* <@task#> */", 0, 10, kMissingId},
+      {u"/* <@task [1,2}", 0, 14, kRangeBracketMissing},
   });
 }
 
@@ -100,7 +106,9 @@ TEST(DamagedMarkers, AreAppendixLinesWithOtherText) {
       {u"# <@appendix", 0, 12, kMissingEnd},
       {u"<@appendix>", 0, 0, kMissingLeader},
   });
-  for (const ustring text : {u"# <@appendix>", u"x\n \t/* <@appendix> */ \ny"}) {
+  for (const ustring text :
+       {u"# <@appendix>", u" # <@appendix>", u"\t # <@appendix>", u"x\n# <@appendix>",
+        u"x\n # <@appendix>", u"x\n \t/* <@appendix> */ \ny"}) {
     EXPECT_TRUE(findMarkerCandidates(text).empty()) << ustring_to_utf8(text);
   }
 }
@@ -120,6 +128,15 @@ TEST(DamagedMarkers, KeepWhetherTheirBodyIsWhole) {
   EXPECT_EQ(bodyEnd(u"/* <@task> x"), 10U);
   EXPECT_EQ(bodyEnd(u"# <@widget {> x"), std::nullopt);
   EXPECT_EQ(bodyEnd(u"# <@task"), std::nullopt);
+}
+
+TEST(DamagedMarkers, HaveNothingOfTheCandidateBefore) {
+  const auto damaged = findDamagedMarkers(u"<@task:kind#a [1,2] {\"b\":1}> # <@text");
+  ASSERT_EQ(damaged.size(), 2U);
+  EXPECT_EQ(damaged[0].bodyEnd, 28U);
+  EXPECT_EQ(damaged[1].bodyEnd, std::nullopt);
+  EXPECT_EQ(damaged[1].type, u"");
+  EXPECT_EQ(damaged[1].data, u"");
 }
 
 TEST(DamagedMarkers, KnowWhetherTheyFollowAMarker) {

@@ -113,6 +113,9 @@ TEST(Scan, ARangeNumberSaturates) {
             std::pair(kMost, kMost));
   EXPECT_EQ(range(u"# <@output [28446744073709551616,0]>"), std::pair(kMost, std::uint64_t{0}));
   EXPECT_EQ(range(u"# <@output [184467440737095516150,0]>"), std::pair(kMost, std::uint64_t{0}));
+  // Digits after the one that no longer fits.
+  EXPECT_EQ(range(u"# <@output [184467440737095516160,1844674407370955161601]>"),
+            std::pair(kMost, kMost));
 }
 
 TEST(Scan, DataIsOneJsonObject) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "quenlith/syntax/markers.hpp"
 #include "support/FailingAllocations.hpp"
@@ -11,6 +12,7 @@ namespace {
 using fl::i18n::ustring;
 using quenlith::test::allocationCount;
 using quenlith::test::failEachAllocation;
+using quenlith::test::liveAllocations;
 
 const ustring kMarked =
     u"x # <@task#a-rather-long-identifier [1,2] {\"a key of some length\":[1,\"and a long "
@@ -43,6 +45,52 @@ TEST(ScannerMemory, BareMarkersShareTheirParts) {
   EXPECT_EQ(allocationCount(), before);
   EXPECT_EQ(get_markers_from_snippet(u"# <@task>", false)[0].marker.elementView().data(),
             first.elementView().data());
+}
+
+// An empty id and empty data count as absent.
+TEST(ScannerMemory, MarkersWithEmptyPartsShareTheirPartsToo) {
+  const Marker bare(ustring(u"task"));
+  EXPECT_EQ(Marker(u"# <@task#\"\">").elementView().data(), bare.elementView().data());
+}
+
+TEST(ScannerMemory, TheLastCopyOfAMarkerReleasesItsMemory) {
+  const ustring text = u"# <@task#\"a-rather-long-identifier\" {\"a key of some length\":[1,2]}>";
+  // What is made once and kept.
+  EXPECT_EQ(Marker(text).dataView().size(), 1U);
+  EXPECT_EQ(Marker(u"# <@task>").elementView(), u"task");
+  const std::ptrdiff_t before = liveAllocations();
+  {
+    const Marker unread(text);
+    EXPECT_EQ(liveAllocations(), before + 1);
+    const Marker bare(u"# <@task>");
+    EXPECT_EQ(liveAllocations(), before + 1);
+    const Marker sameBare = bare;
+    EXPECT_TRUE(sameBare == bare);
+  }
+  EXPECT_EQ(liveAllocations(), before);
+  {
+    const Marker read(text);
+    EXPECT_EQ(read.dataView().size(), 1U);
+    std::vector<Marker> copies(3, read);
+    copies.pop_back();
+    copies[0] = Marker();
+    EXPECT_TRUE(copies[1] == read);
+  }
+  EXPECT_EQ(liveAllocations(), before);
+}
+
+// The memory of a marker whose first copies are destroyed is valid until the last one is.
+TEST(ScannerMemory, AMarkerLivesAsLongAsItsLastCopy) {
+  Marker last;
+  {
+    const Marker first(u"# <@task#a-rather-long-identifier>");
+    const std::vector<Marker> copies(5, first);
+    last = copies.back();
+  }
+  const std::size_t before = allocationCount();
+  const ustring other(26, u'x');
+  EXPECT_EQ(allocationCount(), before + 1);
+  EXPECT_EQ(last.idView(), u"a-rather-long-identifier");
 }
 
 TEST(ScannerMemory, CopyingAMarkerDoesNotAllocate) {
