@@ -75,7 +75,6 @@ void SectionLines::writeCode() {
     // What is wrong at the end of the file.
     beginItem(number + 1);
     const std::size_t rows = addDiagnostics(number + 1);
-    item += "</li>\n";
     groups.addLine(number + 1, item, rows);
   }
   groups.finish();
@@ -88,7 +87,6 @@ void SectionLines::writeLine(const Line& line, session::NodeCursor& nodes) {
   beginItem(line.number);
   content.write(item);
   const std::size_t rows = content.rows() + addDiagnostics(line.number);
-  item += "</li>\n";
   groups.addLine(line.number, item, rows);
   if (!isInCard || line.outcome.result.type.kind == kInTask) return;
   groups.endCard("</details>\n");
@@ -116,15 +114,17 @@ void SectionLines::beginCard(const Node& header, std::uint64_t line) {
   isInCard = true;
 }
 
+/// Begins the item of a line. Its end tag is left out, and the line break is in its tag: a page
+/// with line breaks between items has half as many nodes again, and takes a third longer to load.
 void SectionLines::beginItem(std::uint64_t number) {
   item.clear();
   const auto& diagnostics = file.checked.diagnostics;
   HtmlText html(item);
   if (nextDiagnostic < diagnostics.size() &&
       diagnostics[nextDiagnostic].span.begin.line <= number) {
-    html.add("<li class=y id=f", file.number, "-", number, ">");
+    html.add("<li\nclass=y id=f", file.number, "-", number, ">");
   } else {
-    html.add("<li id=f", file.number, "-", number, ">");
+    html.add("<li\nid=f", file.number, "-", number, ">");
   }
 }
 
@@ -162,7 +162,6 @@ void SectionLines::writeAppendix() {
     HtmlText(item).add(lines.line(number));
     // The place after the last line is shown at it.
     const std::size_t rows = 1 + addDiagnostics(number == lines.count() ? number + 1 : number);
-    item += "</li>\n";
     groups.addLine(number, item, rows);
   }
   groups.endCard("</details>\n");

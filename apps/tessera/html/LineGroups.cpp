@@ -23,7 +23,7 @@ std::size_t stepOf(std::size_t rows, std::size_t rowsPerStep) {
 }  // namespace
 
 void LineGroups::addLine(std::uint64_t number, std::string_view item, std::size_t rows) {
-  if (!isInList) HtmlText(group).add("<ol class=l start=", number, ">\n");
+  if (!isInList) HtmlText(group).add("<ol class=l start=", number, ">");
   isInList = true;
   group += item;
   groupRows += rows;

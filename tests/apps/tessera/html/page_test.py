@@ -31,7 +31,9 @@ def parse(*arguments, status=0, **options):
 
 
 class Page(html.parser.HTMLParser):
-    """Reads a page and checks its form: every element is closed in turn, every attribute is one that pages have."""
+    """Reads a page and checks its form: every element is closed in turn, every attribute is one that pages have.
+
+    An item of a list may be closed by the next one, or by the end of the list."""
 
     # Texts of files never become attributes: all values are of these forms.
     VALUES = re.compile(r"[\w.,:;=' /+#-]*")
@@ -49,6 +51,8 @@ class Page(html.parser.HTMLParser):
         for name, value in attributes:
             assert name != "style" and not name.startswith("on"), (tag, attributes)
             assert self.VALUES.fullmatch(value or ""), (tag, attributes)
+        if tag == "li" and self.open[-1] == "li":
+            self.open.pop()
         values = dict(attributes)
         self.elements.append((tag, values))
         if "id" in values:
@@ -63,6 +67,8 @@ class Page(html.parser.HTMLParser):
         raise AssertionError(f"<{tag}/>")
 
     def handle_endtag(self, tag):
+        if tag in ("ol", "ul") and self.open[-1] == "li":
+            self.open.pop()
         assert self.open and self.open[-1] == tag, (tag, self.open, self.getpos())
         self.open.pop()
 
@@ -126,9 +132,8 @@ class PageTest(unittest.TestCase):
 
     def test_lines_have_their_numbers_and_text(self):
         text = parse(self.write("a.py", "x = 1\n\n<b>&amp;\n# <@text:anchor#end>\n"))
-        self.assertIn('<ol class=l start=1>\n<li id=f1-1>x = 1</li>\n<li id=f1-2></li>\n<li id=f1-3>&lt;b&gt;&amp;amp;</li>\n',
-                      text)
-        self.assertIn("<li id=f1-4> <a class=a href=#f1-4>end</a></li>", text)
+        self.assertIn('<ol class=l start=1><li\nid=f1-1>x = 1<li\nid=f1-2><li\nid=f1-3>&lt;b&gt;&amp;amp;<li\nid=f1-4> '
+                      '<a class=a href=#f1-4>end</a></ol>', text)
 
     def test_characters_without_a_shape_are_shown_by_their_numbers(self):
         page = self.page("a\x00b\x1bc\rd\x7fe\u0085f\u202eg\u2066h\ufeffi\uffff\n")
@@ -148,13 +153,13 @@ class PageTest(unittest.TestCase):
                 card = text[text.index(begin):text.index("</details>", text.index(begin))]
                 self.assertIn("Do &lt;it&gt;</h3> <span class=q>3 lines</span>", card)
                 self.assertIn("<dt>run</dt><dd>auto</dd>", card)
-                self.assertEqual(re.findall(r"<li id=f1-(\d+)", card), ["2", "3", "4"])
+                self.assertEqual(re.findall(r"<li\nid=f1-(\d+)", card), ["2", "3", "4"])
 
     def test_the_lines_of_a_long_task_are_in_its_card(self):
         source = "# <@task#t>\n" + "x\n" * 1000 + "# <@task#t>\n" + "y\n"
         page = parse(self.write("a.py", source))
         card = page[page.index("<details class=t"):page.index("</details>", page.index("<details class=t"))]
-        self.assertEqual(len(re.findall("<li (?:class=y )?id=", card)), 1002)
+        self.assertEqual(len(re.findall("<li\n(?:class=y )?id=", card)), 1002)
         self.assertGreater(card.count("<div class=\"k "), 5)
         self.check_form(page)
 
@@ -213,7 +218,7 @@ class PageTest(unittest.TestCase):
 
     def test_a_piece_is_in_its_place(self):
         text = parse(self.write("a.py", "y = f(x) + 1  # <@output#o [4,8] {\"a\":[1]}>\n"))
-        self.assertIn("<li id=f1-1>y = <mark class=o>f(x)</mark> + 1   <span class=\"w o\">", text)
+        self.assertIn("<li\nid=f1-1>y = <mark class=o>f(x)</mark> + 1   <span class=\"w o\">", text)
         self.assertIn("<pre>{\n  &quot;a".replace("&quot;", '"'), text)
 
     def test_standard_input_is_named(self):
