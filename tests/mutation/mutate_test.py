@@ -15,6 +15,9 @@ except ImportError:
 
 SOURCE = pathlib.Path(sys.argv.pop(1)).resolve()
 TOOL = SOURCE / "scripts" / "lib" / "mutation" / "mutate.py"
+sys.path.insert(0, str(TOOL.parent))
+
+from explained import read_explained, read_nearest  # noqa: E402
 
 TREE = {
     "CMakeLists.txt": """
@@ -188,6 +191,24 @@ class Mutate(unittest.TestCase):
         status, _, messages = self.mutate("tests")
         self.assertEqual(status, 1)
         self.assertIn("no sources of src, platform, bundles, apps: tests", messages)
+
+
+class Lists(unittest.TestCase):
+    def test_every_explained_line_is_in_its_file(self):
+        explained = read_explained(SOURCE / "tests" / "mutation" / "equivalent.txt")
+        self.assertGreater(len(explained), 0)
+        for file, line, _ in explained:
+            lines = [" ".join(text.split()) for text in (SOURCE / file).read_text().splitlines()]
+            self.assertIn(line, lines, file)
+
+    def test_the_nearest_tests_exist(self):
+        tests = "".join(path.read_text() for path in (SOURCE / "tests").rglob("CMakeLists.txt"))
+        nearest = read_nearest(SOURCE / "tests" / "mutation" / "nearest.txt")
+        self.assertGreater(len(nearest), 0)
+        for folder, names in nearest.items():
+            self.assertTrue((SOURCE / folder).is_dir(), folder)
+            for name, _ in names:
+                self.assertRegex(tests, rf"(quenlith_add_(test|fuzzer)\(|NAME ){name}\b")
 
 
 if __name__ == "__main__":
