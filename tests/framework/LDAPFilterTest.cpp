@@ -26,6 +26,8 @@ AnyMap properties() {
   map["star"] = std::string("a*b");
   map["brackets"] = std::string("(x)\\y");
   map["empty"] = std::string();
+  map["nested"] = std::string("foo(bar)");
+  map["literal"] = static_cast<const char*>("abc");
   map["umlaut"] = std::string("\xC3\xA4");
   return map;
 }
@@ -51,6 +53,19 @@ constexpr Case kCases[] = {
     {"(missing=x)", false},
     {"(empty=)", true},
     {"(umlaut=\xC3\xA4)", true},
+    // Parentheses in a value need no backslash when they are balanced.
+    {"(nested=foo(bar))", true},
+    {"(nested=foo\\(bar\\))", true},
+    {"(nested=*(bar))", true},
+    {"(nested=foo(b))", false},
+    {"(&(nested=foo(bar))(number=7))", true},
+    {"(nested=f((o)))", false},
+    // A string literal is a string.
+    {"(literal=abc)", true},
+    {"(literal=a*)", true},
+    {"(literal~=ABC)", true},
+    {"(literal>=abb)", true},
+    {"(literal=x)", false},
     // Numbers compare as numbers.
     {"(number=7)", true},
     {"(number=8)", false},

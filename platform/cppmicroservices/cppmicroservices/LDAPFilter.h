@@ -19,6 +19,8 @@ class LdapExpression;
 ///
 /// Operators are `=` (with `*` for any text, `=*` for presence), `~=` (without regard to case
 /// and blanks), `>=`, `<=`, `&`, `|` and `!`; a backslash escapes the character that follows.
+/// Balanced parentheses in a value need no backslash: `(name=f(x))`.
+///
 /// Copies share the parsed filter. May be used from several threads.
 class QUENLITH_CPPMICROSERVICES_EXPORT LDAPFilter {
  public:

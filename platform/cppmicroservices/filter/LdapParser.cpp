@@ -79,10 +79,13 @@ class LdapParser {
                          : Operator::kAtLeast;
   }
 
+  // Ends before the first closing parenthesis that the value has not opened itself.
   std::vector<std::string> parseValue() {
     std::vector<std::string> pieces(1);
-    for (; !atEnd() && text[position] != ')'; ++position) {
-      if (text[position] == '(') fail("a parenthesis in a value: write \\(");
+    std::size_t open = 0;
+    for (; !atEnd() && (open > 0 || text[position] != ')'); ++position) {
+      if (text[position] == '(') ++open;
+      if (text[position] == ')') --open;
       if (text[position] == '*') {
         pieces.emplace_back();
         continue;

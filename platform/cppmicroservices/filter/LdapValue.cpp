@@ -101,6 +101,9 @@ bool anyElementMatches(const Any& value, Operator operation, const Pieces& piece
 bool ldapValueMatches(const Any& value, Operator operation, const Pieces& pieces) {
   if (const auto* text = any_cast<std::string>(&value))
     return textMatches(*text, operation, pieces);
+  if (const auto* literal = any_cast<const char*>(&value)) {
+    return *literal != nullptr && textMatches(*literal, operation, pieces);
+  }
   if (const auto* truth = any_cast<bool>(&value)) return truthMatches(*truth, operation, pieces);
   if (const auto* character = any_cast<char>(&value)) {
     return textMatches(std::string(1, *character), operation, pieces);
