@@ -95,6 +95,22 @@ TEST_F(ServiceRegistry, FindsWhatWasRegistered) {
   EXPECT_EQ(reference.GetInterfaceId(), "demo::Word");
 }
 
+TEST_F(ServiceRegistry, IdentifierMayBeginWithTheGlobalScope) {
+  auto word = add("found");
+  const ServiceReference<demo::Word> found = context.GetServiceReference("::demo::Word");
+  EXPECT_EQ(found, word.GetReference());
+  EXPECT_THAT(context.GetServiceReferences("::demo::Word", "(objectclass=demo::Word)"), SizeIs(1));
+  EXPECT_FALSE(context.GetServiceReference("::demo::Numbe"));
+  const ServiceRegistrationBase& base = word;
+  EXPECT_TRUE(base.GetReference("::demo::Word"));
+
+  const InterfaceMapConstPtr service = std::make_shared<const InterfaceMap>(
+      InterfaceMap{{"::spelled::Out", std::make_shared<Text>("out")}});
+  const auto spelledOut = context.RegisterService(service);
+  EXPECT_TRUE(context.GetServiceReference("spelled::Out"));
+  EXPECT_TRUE(context.GetServiceReference("::spelled::Out"));
+}
+
 TEST_F(ServiceRegistry, FindsNothingWithoutRegistrations) {
   EXPECT_FALSE(context.GetServiceReference<demo::Word>());
   EXPECT_THAT(context.GetServiceReferences<demo::Word>(), IsEmpty());

@@ -53,9 +53,10 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
   /// Returns all bundles, the framework among them, by ascending id.
   std::vector<Bundle> GetBundles() const;
 
-  /// Installs the bundles of the library at `location` and returns them. Bundles that are installed
-  /// already are returned unchanged. Throws `std::runtime_error` when the file cannot be used: its
-  /// text names the file, the problem and the remedy.
+  /// Installs the bundles of the library at `location`, in the order of their paths in its archive,
+  /// and returns all of them by ascending id. Bundles that are installed already stay unchanged;
+  /// those that were uninstalled are installed again. Throws `std::runtime_error` when the file
+  /// cannot be used: its text names the file, the problem and the remedy.
   std::vector<Bundle> InstallBundles(const std::string& location);
 
   /// Registers a service under the interfaces of the map and tells the listeners.

@@ -25,7 +25,8 @@ QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SERVICE_SCOPE;
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SCOPE_SINGLETON;
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SCOPE_BUNDLE;
 
-// Properties of a service that the registering bundle may set; the ranking is an `int`.
+// Properties of a service that the registering bundle may set; the ranking is an
+// integer that fits an `int`; any other value counts as 0, with a warning.
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SERVICE_DESCRIPTION;
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SERVICE_PID;
 QUENLITH_CPPMICROSERVICES_EXPORT extern const std::string SERVICE_RANKING;

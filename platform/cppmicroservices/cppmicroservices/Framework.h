@@ -11,7 +11,10 @@ namespace cppmicroservices {
 /// A framework: bundles and the services that they register. It is itself the bundle with the
 /// id 0, whose `Start` and `Stop` start and stop the framework.
 ///
-/// The framework stops when the last handle of it or of one of its bundles is destroyed.
+/// `Stop` stops the bundles, the one that was installed last first. It may be called in a listener
+/// or an activator: a bundle that is starting or stopping at that time is stopped when that ends,
+/// and `Stop` returns before. The framework stops, too, when the last handle of it or of one of its
+/// bundles is destroyed.
 class QUENLITH_CPPMICROSERVICES_EXPORT Framework : public Bundle {
  public:
   /// Takes a bundle that is a framework. Throws `std::logic_error` when it is not.
@@ -22,7 +25,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT Framework : public Bundle {
   void Init();
 
   /// Waits until the framework has stopped, at most for `timeout`; zero waits without a limit.
-  /// Returns at once unless the framework is starting, active or stopping.
+  /// Returns at once unless the framework is starting, active or stopping. With zero it returns an
+  /// error at once in an activator or a listener for which the framework would wait.
   FrameworkEvent WaitForStop(const std::chrono::milliseconds& timeout);
 
  private:

@@ -76,14 +76,19 @@ std::vector<ServiceReferenceU> Bundle::GetServicesInUse() const {
   return references;
 }
 
+// Each call keeps a handle: code that runs meanwhile may assign to this one, and the framework must
+// not stop before the call has ended.
 void Bundle::Start() {
-  valid().start();
+  const Bundle self(*this);
+  self.valid().start();
 }
 void Bundle::Stop() {
-  valid().stop();
+  const Bundle self(*this);
+  self.valid().stop();
 }
 void Bundle::Uninstall() {
-  valid().uninstall();
+  const Bundle self(*this);
+  self.valid().uninstall();
 }
 
 }  // namespace cppmicroservices

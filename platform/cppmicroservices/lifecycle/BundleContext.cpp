@@ -23,10 +23,10 @@ InterfaceMapConstPtr acquire(const std::shared_ptr<detail::BundlePrivate>& user,
 }
 
 void requireObjects(const InterfaceMapConstPtr& service) {
-  if (!service || service->empty()) {
+  const bool isFactory = service && service->count(detail::kFactoryKey) > 0;
+  if (!service || service->size() == (isFactory ? 1U : 0U)) {
     throw std::invalid_argument("the service to register has no interface");
   }
-  const bool isFactory = service->count(detail::kFactoryKey) > 0;
   for (const auto& [interfaceId, object] : *service) {
     if (!object && !isFactory) {
       throw std::invalid_argument("the service to register has no object for its interface " +

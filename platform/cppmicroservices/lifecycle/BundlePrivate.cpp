@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <stdexcept>
+#include <utility>
 
 #include "cppmicroservices/Constants.h"
 #include "cppmicroservices/IllegalStateException.h"
@@ -15,6 +16,12 @@ namespace {
 // two threads would wait for ever.
 constexpr std::chrono::seconds kTransitionTimeout{5};
 
+BundleVersion versionOf(const AnyMap& headers) {
+  const auto entry = headers.find(Constants::BUNDLE_VERSION);
+  return entry == headers.end() ? BundleVersion::EmptyVersion()
+                                : BundleVersion(ref_any_cast<std::string>(entry->second));
+}
+
 }  // namespace
 
 void throwInvalidContext() {
@@ -27,7 +34,8 @@ BundlePrivate::BundlePrivate(std::shared_ptr<FrameworkCore> core, long id, std::
       id(id),
       location(std::move(location)),
       headers(std::move(headers)),
-      symbolicName(ref_any_cast<std::string>(this->headers.at(Constants::BUNDLE_SYMBOLICNAME))) {}
+      symbolicName(ref_any_cast<std::string>(this->headers.at(Constants::BUNDLE_SYMBOLICNAME))),
+      version(versionOf(this->headers)) {}
 
 BundlePrivate::~BundlePrivate() = default;
 
@@ -46,24 +54,47 @@ void BundlePrivate::requireOpen() const {
 }
 
 BundlePrivate::Transition::Transition(BundlePrivate& target) : target(target) {
-  const std::thread::id self = std::this_thread::get_id();
   std::unique_lock lock(target.mutex);
-  if (target.transitionThread == self) {
+  turn = take(lock);
+  if (turn == Turn::kOurs) return;
+  if (turn == Turn::kOfThisThread) {
     throw std::logic_error("the bundle " + target.symbolicName +
                            " is starting or stopping in this thread: it cannot change its state");
   }
-  const auto isFree = [&target] { return target.transitionThread == std::thread::id(); };
-  if (!target.changed.wait_for(lock, kTransitionTimeout, isFree)) {
-    throw std::runtime_error("the bundle " + target.symbolicName +
-                             " is still starting or stopping in another thread");
-  }
+  throw std::runtime_error("the bundle " + target.symbolicName +
+                           " is still starting or stopping in another thread");
+}
+
+BundlePrivate::Transition::Transition(BundlePrivate& target, std::nothrow_t) noexcept
+    : target(target) {
+  std::unique_lock lock(target.mutex);
+  turn = take(lock);
+  if (turn != Turn::kOurs) target.stopsAfterTransition = true;
+}
+
+BundlePrivate::Transition::Turn BundlePrivate::Transition::take(
+    std::unique_lock<std::mutex>& lock) {
+  const std::thread::id self = std::this_thread::get_id();
+  if (target.transitionThread == self) return Turn::kOfThisThread;
+  const auto isFree = [this] { return target.transitionThread == std::thread::id(); };
+  if (!target.changed.wait_for(lock, kTransitionTimeout, isFree)) return Turn::kOfAnotherThread;
   target.transitionThread = self;
+  return Turn::kOurs;
 }
 
 BundlePrivate::Transition::~Transition() {
-  const std::lock_guard lock(target.mutex);
+  if (turn != Turn::kOurs) return;
+  std::unique_lock lock(target.mutex);
   target.transitionThread = std::thread::id();
   target.changed.notify_all();
+  const bool stops = std::exchange(target.stopsAfterTransition, false);
+  lock.unlock();
+  if (stops) target.stopAfterTransition();
+}
+
+bool BundlePrivate::isInTransitionOfThisThread() {
+  const std::lock_guard lock(mutex);
+  return transitionThread == std::this_thread::get_id();
 }
 
 void BundlePrivate::enter(Bundle::State newState) {
@@ -82,12 +113,12 @@ void BundlePrivate::openContext() {
   generation.fetch_add(1, std::memory_order_acq_rel);
 }
 
-void BundlePrivate::closeContext() {
+void BundlePrivate::closeContext() noexcept {
   closing = true;
-  for (const auto& service : core->services.all()) {
-    if (service->bundle.get() == this) service->unregister();
-  }
-  for (const auto& service : core->services.all()) service->releaseFrom(*this);
+  core->services.applyWhere([this](const auto& service) { return service.bundle.get() == this; },
+                            [](auto& service) { service.unregister(); });
+  core->services.applyWhere([this](const auto& service) { return service.isUsedBy(*this); },
+                            [this](auto& service) { service.releaseFrom(*this); });
   core->listeners.removeAllOf(*this);
   generation.fetch_add(1, std::memory_order_acq_rel);
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -12,6 +13,7 @@
 #include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/BundleContext.h"
 #include "cppmicroservices/BundleEvent.h"
+#include "cppmicroservices/BundleVersion.h"
 #include "registry/ServiceClient.hpp"
 
 namespace cppmicroservices {
@@ -63,12 +65,16 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
 
   void requireOpen() const override;
 
+  /// Says whether this thread is starting, stopping or uninstalling the bundle.
+  bool isInTransitionOfThisThread();
+
   // A reference cycle: `FrameworkOwner` breaks it when the last handle of the framework is gone.
   const std::shared_ptr<FrameworkCore> core;
   const long id;
   const std::string location;
   const AnyMap headers;
   const std::string symbolicName;
+  const BundleVersion version;
   std::atomic<Bundle::State> state = Bundle::STATE_INSTALLED;
 
  protected:
@@ -78,13 +84,27 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
     /// Waits for another thread. Throws `std::logic_error` when this thread is in a transition of
     /// the bundle already, `std::runtime_error` after 5 seconds.
     explicit Transition(BundlePrivate& target);
+
+    /// Like the form above, but where that one throws, the transition that is under way calls
+    /// `stopAfterTransition` at its end, and this object is not a transition.
+    Transition(BundlePrivate& target, std::nothrow_t) noexcept;
+
     ~Transition();
     Transition(const Transition&) = delete;
     Transition& operator=(const Transition&) = delete;
 
+    explicit operator bool() const { return turn == Turn::kOurs; }
+
    private:
+    enum class Turn { kOurs, kOfThisThread, kOfAnotherThread };
+    Turn take(std::unique_lock<std::mutex>& lock);
+
     BundlePrivate& target;
+    Turn turn = Turn::kOurs;
   };
+
+  /// Stops the bundle, which could not be stopped while it was starting or stopping.
+  virtual void stopAfterTransition() noexcept {}
 
   void enter(Bundle::State newState);
   void enter(Bundle::State newState, BundleEvent::Type event);
@@ -94,7 +114,7 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
 
   /// Unregisters the bundle's services, releases those that it uses, removes its listeners, and
   /// makes its context invalid.
-  void closeContext();
+  void closeContext() noexcept;
 
   BundleContextPrivate handle{*this};
   std::mutex mutex;
@@ -102,6 +122,7 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
 
  private:
   std::thread::id transitionThread;
+  bool stopsAfterTransition = false;
   std::atomic<bool> closing = false;
   // Odd while the bundle has a valid context, which is valid for that one generation: a context
   // from before a restart stays invalid.

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <stdexcept>
+#include <utility>
 
 #include "cppmicroservices/Constants.h"
 
@@ -17,25 +19,28 @@ std::shared_ptr<FrameworkOwner> FrameworkCore::make(ManifestCheck check) {
 }
 
 FrameworkOwner::~FrameworkOwner() {
-  core->system->stop();
+  try {
+    core->system->stop();
+  } catch (const std::exception&) {
+    // A thread without a handle is starting or stopping the framework for more than 5 seconds.
+  }
+  core->listeners.clear();
   core->system.reset();
 }
 
 std::vector<Bundle> FrameworkCore::install(BundlePrivate& installer, const std::string& location) {
   const std::string path = std::filesystem::absolute(location).string();
-  std::vector<Bundle> bundles = bundlesAt(path);
-  if (!bundles.empty()) return bundles;
+  if (isInstalledCompletely(path)) return bundlesAt(path);
   std::vector<AnyMap> manifests;
   for (const ManifestText& text : readManifestTexts(path)) {
     manifests.push_back(parseManifest(path, text));
     checkManifest(manifests.back(), path);
   }
   for (const auto& bundle : add(path, manifests)) {
-    bundles.push_back(bundle->bundle());
-    listeners.send(BundleEvent(BundleEvent::BUNDLE_INSTALLED, bundles.back(), installer.bundle()));
+    listeners.send(
+        BundleEvent(BundleEvent::BUNDLE_INSTALLED, bundle->bundle(), installer.bundle()));
   }
-  // None was added when another thread has installed the library meanwhile.
-  return bundles.empty() ? bundlesAt(path) : bundles;
+  return bundlesAt(path);
 }
 
 FrameworkCore::LibraryBundles FrameworkCore::add(const std::string& location,
@@ -44,37 +49,63 @@ FrameworkCore::LibraryBundles FrameworkCore::add(const std::string& location,
   const std::lock_guard lock(mutex);
   // Under the lock, so that a framework that stops finds every bundle.
   if (!system->acceptsBundles()) throw std::logic_error("the framework stops: no bundle is added");
-  if (isInstalled(location)) return added;
   auto longer = installed;
   for (const AnyMap& manifest : manifests) {
-    const auto bundle =
-        std::make_shared<LibraryBundle>(shared_from_this(), ++lastId, location, manifest);
-    requireFreeName(longer, *bundle);
+    const auto bundle = std::make_shared<LibraryBundle>(shared_from_this(), lastId + 1, location,
+                                                        manifest, manifests.size());
+    const auto twin = findTwin(longer, *bundle);
+    // Those of the library that were not uninstalled stay as they are.
+    if (twin && twin->location == location && installed.count(twin->id) > 0) continue;
+    if (twin) refuseTwin(*bundle, *twin);
     longer.emplace(bundle->id, bundle);
     added.push_back(bundle);
+    ++lastId;
   }
   installed = std::move(longer);
   return added;
 }
 
-bool FrameworkCore::isInstalled(const std::string& location) const {
-  return std::any_of(installed.begin(), installed.end(),
-                     [&location](const auto& entry) { return entry.second->location == location; });
+bool FrameworkCore::isInstalledCompletely(const std::string& location) const {
+  const std::lock_guard lock(mutex);
+  std::size_t missing = 1;
+  bool isFirst = true;
+  for (const auto& [id, bundle] : installed) {
+    if (bundle->location != location) continue;
+    if (std::exchange(isFirst, false)) missing = bundle->libraryBundleCount;
+    --missing;
+  }
+  return missing == 0;
 }
 
-void FrameworkCore::requireFreeName(const BundleTable& table, const BundlePrivate& added) {
+std::shared_ptr<LibraryBundle> FrameworkCore::findTwin(const BundleTable& table,
+                                                       const BundlePrivate& added) {
   for (const auto& [id, bundle] : table) {
-    if (bundle->symbolicName != added.symbolicName) continue;
-    std::string fault = "the value of \"";
-    fault.append(Constants::BUNDLE_SYMBOLICNAME).append("\", ").append(added.symbolicName);
-    fault.append(", is that of ").append(bundle->location).append(" already");
-    refuseBundle(added.location, fault, "rename one of the two bundles or uninstall the other");
+    if (bundle->symbolicName == added.symbolicName && bundle->version == added.version) {
+      return bundle;
+    }
   }
+  return nullptr;
+}
+
+void FrameworkCore::refuseTwin(const BundlePrivate& added, const BundlePrivate& twin) {
+  std::string fault = "the values of \"";
+  fault.append(Constants::BUNDLE_SYMBOLICNAME).append("\" and \"");
+  fault.append(Constants::BUNDLE_VERSION).append("\", ").append(added.symbolicName).append(" and ");
+  fault.append(added.version.ToString()).append(", are those of ");
+  fault.append(twin.location).append(" already");
+  refuseBundle(added.location, fault,
+               "change the name or the version of one of the two bundles or uninstall the other");
 }
 
 void FrameworkCore::forget(const BundlePrivate& bundle) {
   const std::lock_guard lock(mutex);
   installed.erase(bundle.id);
+}
+
+std::shared_ptr<LibraryBundle> FrameworkCore::findLast(long id) const {
+  const std::lock_guard lock(mutex);
+  const auto after = installed.upper_bound(id);
+  return after == installed.begin() ? nullptr : std::prev(after)->second;
 }
 
 std::shared_ptr<BundlePrivate> FrameworkCore::find(long id) const {

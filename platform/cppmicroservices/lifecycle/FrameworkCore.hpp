@@ -27,9 +27,10 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
 
   using LibraryBundles = std::vector<std::shared_ptr<LibraryBundle>>;
 
-  /// Installs the bundles of the library at `location`, all or none, and returns them. A library
-  /// that is installed already is not installed again. Throws `std::runtime_error` when the file
-  /// cannot be used, `std::logic_error` when the framework stops.
+  /// Installs those bundles of the library at `location` that are not installed, all or none, in
+  /// the order of their paths in the archive. Returns all bundles of the library by ascending id.
+  /// Throws `std::runtime_error` when the file cannot be used, `std::logic_error` when the
+  /// framework stops.
   std::vector<Bundle> install(BundlePrivate& installer, const std::string& location);
 
   /// Removes `bundle` from the list, if it is there.
@@ -37,6 +38,9 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
 
   /// Returns the bundle with that id, null when there is none.
   std::shared_ptr<BundlePrivate> find(long id) const;
+
+  /// Returns the installed bundle with the highest id up to `id`, null when there is none.
+  std::shared_ptr<LibraryBundle> findLast(long id) const;
 
   /// Returns all bundles, or those of a library, by ascending id.
   std::vector<Bundle> bundles() const;
@@ -55,8 +59,10 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   using BundleTable = std::map<long, std::shared_ptr<LibraryBundle>>;
 
   LibraryBundles add(const std::string& location, const std::vector<AnyMap>& manifests);
-  bool isInstalled(const std::string& location) const;
-  static void requireFreeName(const BundleTable& table, const BundlePrivate& added);
+  bool isInstalledCompletely(const std::string& location) const;
+  static std::shared_ptr<LibraryBundle> findTwin(const BundleTable& table,
+                                                 const BundlePrivate& added);
+  [[noreturn]] static void refuseTwin(const BundlePrivate& added, const BundlePrivate& twin);
 
   const ManifestCheck checkManifest;
   mutable std::mutex mutex;

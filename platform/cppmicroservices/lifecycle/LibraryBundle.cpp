@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -38,6 +39,11 @@ bool hasActivator(const AnyMap& headers) {
 
 }  // namespace
 
+LibraryBundle::LibraryBundle(std::shared_ptr<FrameworkCore> core, long id, std::string location,
+                             AnyMap headers, std::size_t libraryBundleCount)
+    : BundlePrivate(std::move(core), id, std::move(location), std::move(headers)),
+      libraryBundleCount(libraryBundleCount) {}
+
 void LibraryBundle::start() {
   const Transition transition(*this);
   requireInstalled();
@@ -51,23 +57,41 @@ void LibraryBundle::stop() {
   if (const std::exception_ptr thrown = deactivate()) std::rethrow_exception(thrown);
 }
 
-void LibraryBundle::abandon() {
-  const Transition transition(*this);
-  const std::exception_ptr thrown = deactivate();
+bool LibraryBundle::abandon() noexcept {
+  const Transition transition(*this, std::nothrow);
+  if (!transition) return false;
+  // It may have been uninstalled in the meantime.
+  if (state == Bundle::STATE_UNINSTALLED) return true;
+  if (const std::exception_ptr thrown = deactivate()) {
+    reportFailedStop(" failed to stop with its framework", thrown);
+  }
   enter(Bundle::STATE_INSTALLED);
-  if (thrown) std::rethrow_exception(thrown);
+  core->forget(*this);
+  return true;
+}
+
+void LibraryBundle::stopAfterTransition() noexcept {
+  if (abandon()) core->systemBundle().endOneStop();
 }
 
 void LibraryBundle::uninstall() {
   const Transition transition(*this);
   requireInstalled();
   if (const std::exception_ptr thrown = deactivate()) {
-    core->listeners.reportError(
-        *this, location + ": the stop of the bundle " + symbolicName + " failed", thrown);
+    reportFailedStop(" failed to stop when it was uninstalled", thrown);
   }
   core->forget(*this);
   enter(Bundle::STATE_INSTALLED, BundleEvent::BUNDLE_UNRESOLVED);
   enter(Bundle::STATE_UNINSTALLED, BundleEvent::BUNDLE_UNINSTALLED);
+}
+
+void LibraryBundle::reportFailedStop(const char* occasion,
+                                     const std::exception_ptr& cause) noexcept {
+  try {
+    core->listeners.reportError(*this, location + ": the bundle " + symbolicName + occasion, cause);
+  } catch (const std::bad_alloc&) {
+    // There is no memory for the report.
+  }
 }
 
 void LibraryBundle::requireRunningFramework() const {
@@ -85,7 +109,7 @@ void LibraryBundle::activate() {
   enter(Bundle::STATE_STARTING, BundleEvent::BUNDLE_STARTING);
   try {
     loadLibrary();
-    setLibraryContext(&handle);
+    if (setContext != nullptr) setContext(&handle);
     if (hasActivator(headers)) startActivator();
   } catch (...) {
     enter(Bundle::STATE_STOPPING, BundleEvent::BUNDLE_STOPPING);
@@ -95,7 +119,7 @@ void LibraryBundle::activate() {
   enter(Bundle::STATE_ACTIVE, BundleEvent::BUNDLE_STARTED);
 }
 
-std::exception_ptr LibraryBundle::deactivate() {
+std::exception_ptr LibraryBundle::deactivate() noexcept {
   if (state != Bundle::STATE_ACTIVE) return nullptr;
   enter(Bundle::STATE_STOPPING, BundleEvent::BUNDLE_STOPPING);
   std::exception_ptr thrown;
@@ -108,14 +132,19 @@ std::exception_ptr LibraryBundle::deactivate() {
   return thrown;
 }
 
-void LibraryBundle::finishStop() {
+void LibraryBundle::finishStop() noexcept {
+  // The library has its context until its services are gone: their destructors may use it.
   closeContext();
-  setLibraryContext(nullptr);
+  if (setContext != nullptr) setContext(nullptr);
   enter(Bundle::STATE_RESOLVED, BundleEvent::BUNDLE_STOPPED);
 }
 
 void LibraryBundle::loadLibrary() {
-  if (library != nullptr) return;
+  if (library == nullptr) openLibrary();
+  setContext = reinterpret_cast<SetContext>(symbol(kSetContext));
+}
+
+void LibraryBundle::openLibrary() {
   // A bundle for another framework must not be loaded: that would run its code, and it would crash.
   if (const auto fault = elf::checkBundleLibrary(location, ownFile())) {
     refuseBundle(location, fault->what, fault->remedy);
@@ -127,19 +156,14 @@ void LibraryBundle::loadLibrary() {
   }
 }
 
-void LibraryBundle::setLibraryContext(BundleContextPrivate* context) {
-  // A library does not have to take its context.
-  void* const function = library == nullptr ? nullptr : symbol(kSetContext);
-  if (function != nullptr) reinterpret_cast<void (*)(BundleContextPrivate*)>(function)(context);
-}
-
 void* LibraryBundle::symbol(const std::string& prefix) const {
   return dlsym(library, (prefix + symbolicName).c_str());
 }
 
 void LibraryBundle::startActivator() {
-  void* const create = symbol(kCreateActivator);
-  if (create == nullptr || symbol(kDestroyActivator) == nullptr) {
+  const auto create = reinterpret_cast<CreateActivator>(symbol(kCreateActivator));
+  destroy = reinterpret_cast<DestroyActivator>(symbol(kDestroyActivator));
+  if (create == nullptr || destroy == nullptr) {
     refuseBundle(location,
                  "the library lacks " + kCreateActivator + symbolicName + " or " +
                      kDestroyActivator + symbolicName + ", but \"bundle.activator\" is true",
@@ -147,34 +171,39 @@ void LibraryBundle::startActivator() {
                  "with US_BUNDLE_NAME=" +
                      symbolicName + ", or set \"bundle.activator\" to false");
   }
+  std::exception_ptr thrown;
   try {
-    activator = reinterpret_cast<BundleActivator* (*)()>(create)();
+    activator = create();
     activator->Start(context(shared_from_this()));
+    return;
   } catch (...) {
-    const std::string text = currentExceptionText();
-    destroyActivator();
-    throw std::runtime_error(location + ": the activator of the bundle " + symbolicName +
-                             " failed to start: " + text);
+    thrown = std::current_exception();
   }
+  destroyActivator();
+  throwActivatorFailed("start", thrown);
 }
 
 void LibraryBundle::stopActivator() {
   if (activator == nullptr) return;
+  std::exception_ptr thrown;
   try {
     activator->Stop(context(shared_from_this()));
   } catch (...) {
-    const std::string text = currentExceptionText();
-    destroyActivator();
-    throw std::runtime_error(location + ": the activator of the bundle " + symbolicName +
-                             " failed to stop: " + text);
+    thrown = std::current_exception();
   }
   destroyActivator();
+  if (thrown) throwActivatorFailed("stop", thrown);
 }
 
 void LibraryBundle::destroyActivator() {
-  if (activator == nullptr) return;
-  void* const destroy = symbol(kDestroyActivator);
-  reinterpret_cast<void (*)(BundleActivator*)>(destroy)(std::exchange(activator, nullptr));
+  if (activator != nullptr) destroy(std::exchange(activator, nullptr));
+}
+
+void LibraryBundle::throwActivatorFailed(const char* action,
+                                         const std::exception_ptr& cause) const {
+  std::string text = location + ": the activator of the bundle " + symbolicName + " failed to ";
+  text.append(action).append(": ").append(textOf(cause));
+  throw std::runtime_error(text);
 }
 
 }  // namespace cppmicroservices::detail

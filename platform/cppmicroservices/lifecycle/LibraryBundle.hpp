@@ -13,30 +13,48 @@ namespace detail {
 /// A bundle whose code is a shared library, loaded at its first start and never unloaded.
 class LibraryBundle final : public BundlePrivate {
  public:
-  using BundlePrivate::BundlePrivate;
+  /// Makes a bundle of a library that contains `libraryBundleCount` bundles.
+  LibraryBundle(std::shared_ptr<FrameworkCore> core, long id, std::string location, AnyMap headers,
+                std::size_t libraryBundleCount);
 
   void start() override;
   void stop() override;
   void uninstall() override;
 
-  /// Stops the bundle for good, since its framework stops. Throws the activator's exception after
-  /// everything else was done.
-  void abandon();
+  /// Stops and forgets the bundle, since its framework stops; reports an exception of the
+  /// activator.
+  ///
+  /// Returns false when the bundle is starting or stopping in this thread, or after 5 seconds still
+  /// in another one: it is then stopped at the end of that, which calls `SystemBundle::endOneStop`.
+  bool abandon() noexcept;
+
+  const std::size_t libraryBundleCount;
 
  private:
+  using SetContext = void (*)(BundleContextPrivate*);
+  using CreateActivator = BundleActivator* (*)();
+  using DestroyActivator = void (*)(BundleActivator*);
+
+  void stopAfterTransition() noexcept override;
   void requireRunningFramework() const;
   void activate();
-  std::exception_ptr deactivate();
-  void finishStop();
+  std::exception_ptr deactivate() noexcept;
+  void finishStop() noexcept;
+  void reportFailedStop(const char* occasion, const std::exception_ptr& cause) noexcept;
 
   void loadLibrary();
-  void setLibraryContext(BundleContextPrivate* context);
+  void openLibrary();
   void* symbol(const std::string& prefix) const;
   void startActivator();
   void stopActivator();
   void destroyActivator();
+  [[noreturn]] void throwActivatorFailed(const char* action, const std::exception_ptr& cause) const;
 
   void* library = nullptr;
+  // Looked up at the start, so that a stop allocates nothing. A library does not have to take its
+  // context.
+  SetContext setContext = nullptr;
+  DestroyActivator destroy = nullptr;
   BundleActivator* activator = nullptr;
 };
 

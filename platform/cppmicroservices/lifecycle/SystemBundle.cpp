@@ -1,5 +1,7 @@
 #include "lifecycle/SystemBundle.hpp"
 
+#include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 #include "cppmicroservices/Constants.h"
@@ -25,24 +27,37 @@ void SystemBundle::init() {
 }
 
 void SystemBundle::initialize() {
-  if (isRunning()) return;
+  if (acceptsBundles()) return;
+  if (state == Bundle::STATE_STOPPING) {
+    throw std::runtime_error("the framework is still stopping: wait until it has stopped");
+  }
   openContext();
   enter(Bundle::STATE_STARTING);
 }
 
 void SystemBundle::start() {
-  const Transition transition(*this);
-  initialize();
-  if (state == Bundle::STATE_ACTIVE) return;
-  enter(Bundle::STATE_ACTIVE);
+  {
+    const Transition transition(*this);
+    initialize();
+    if (state == Bundle::STATE_ACTIVE) return;
+    enter(Bundle::STATE_ACTIVE);
+  }
+  // After the transition, so that a listener can stop the framework.
   core->listeners.send(FrameworkEvent(FrameworkEvent::FRAMEWORK_STARTED, bundle(), ""));
 }
 
 void SystemBundle::stop() {
+  if (state == Bundle::STATE_STOPPING) return;
   const Transition transition(*this);
-  if (!isRunning()) return;
+  if (!acceptsBundles()) return;
+  pendingStops = 1;
   enter(Bundle::STATE_STOPPING, BundleEvent::BUNDLE_STOPPING);
   stopBundles();
+  endOneStop();
+}
+
+void SystemBundle::endOneStop() noexcept {
+  if (--pendingStops > 0) return;
   // The remaining listeners are the host's, which is not told that its own services go.
   core->listeners.removeAllOf(*this);
   closeContext();
@@ -53,18 +68,12 @@ void SystemBundle::uninstall() {
   throw std::runtime_error("a framework cannot be uninstalled");
 }
 
-void SystemBundle::stopBundles() {
-  const auto bundles = core->libraryBundles();
-  for (auto bundle = bundles.rbegin(); bundle != bundles.rend(); ++bundle) {
-    try {
-      (*bundle)->abandon();
-    } catch (...) {
-      core->listeners.reportError(**bundle,
-                                  (*bundle)->location + ": the bundle " + (*bundle)->symbolicName +
-                                      " failed to stop with its framework",
-                                  std::current_exception());
-    }
-    core->forget(**bundle);
+void SystemBundle::stopBundles() noexcept {
+  long last = std::numeric_limits<long>::max();
+  while (const auto bundle = core->findLast(last)) {
+    last = bundle->id - 1;
+    ++pendingStops;
+    if (bundle->abandon()) --pendingStops;
   }
 }
 
@@ -76,7 +85,19 @@ bool SystemBundle::isRunning() const {
   return acceptsBundles() || state == Bundle::STATE_STOPPING;
 }
 
+bool SystemBundle::waitsForThisThread() {
+  if (isInTransitionOfThisThread()) return true;
+  const auto bundles = core->libraryBundles();
+  return std::any_of(bundles.begin(), bundles.end(),
+                     [](const auto& bundle) { return bundle->isInTransitionOfThisThread(); });
+}
+
 FrameworkEvent SystemBundle::waitForStop(const std::chrono::milliseconds& timeout) {
+  if (timeout == std::chrono::milliseconds::zero() && isRunning() && waitsForThisThread()) {
+    return FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, bundle(),
+                          "the framework cannot stop before this thread has ended the start or "
+                          "stop of a bundle that it is in");
+  }
   std::unique_lock lock(mutex);
   const auto hasStopped = [this] { return !isRunning(); };
   if (timeout == std::chrono::milliseconds::zero()) {

@@ -21,9 +21,9 @@ using ManifestCheck = void (*)(const AnyMap& headers, const std::string& locatio
 [[noreturn]] void refuseBundle(const std::string& location, const std::string& problem,
                                const std::string& remedy);
 
-/// Returns the manifests, one at least, in the zip archive at the end of the library at
-/// `location`; its offsets may be relative to the archive or to the file. Refuses the file when
-/// there are none.
+/// Returns the manifests, one at least, by ascending path, in the zip archive at the end of the
+/// library at `location`; its offsets may be relative to the archive or to the file. Refuses the
+/// file when there are none.
 std::vector<ManifestText> readManifestTexts(const std::string& location);
 
 /// Returns a manifest as headers: integers as `int`, other numbers and those that are too large

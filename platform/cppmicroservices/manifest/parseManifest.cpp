@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
+#include "cppmicroservices/BundleVersion.h"
 #include "cppmicroservices/Constants.h"
 #include "manifest/bundleManifests.hpp"
 #include "properties/text.hpp"
@@ -115,19 +117,12 @@ bool isIdentifier(std::string_view text) {
          });
 }
 
-// Says whether `text` is a version: one to three numbers and an optional qualifier.
-bool isVersion(std::string_view text) {
-  for (int part = 0; part < 3; ++part) {
-    const auto digits = std::min(text.find_first_not_of("0123456789"), text.size());
-    if (digits == 0) return false;
-    text.remove_prefix(digits);
-    if (text.empty()) return true;
-    if (text.front() != '.') return false;
-    text.remove_prefix(1);
+bool isVersion(const std::string& text) {
+  try {
+    return !BundleVersion(text).IsUndefined();
+  } catch (const std::invalid_argument&) {
+    return false;
   }
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
-    return isLetter(character) || isDigit(character) || character == '_' || character == '-';
-  });
 }
 
 // Returns the problem with the headers that the framework reads, "" when there is none.

@@ -159,6 +159,8 @@ std::vector<ManifestText> readManifestTexts(const std::string& location) {
     refuseBundle(location, "the zip archive at the end of the file has no manifest",
                  kArchiveRemedy);
   }
+  std::sort(manifests.begin(), manifests.end(),
+            [](const auto& left, const auto& right) { return left.path < right.path; });
   return manifests;
 }
 

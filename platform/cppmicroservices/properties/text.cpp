@@ -15,6 +15,14 @@ std::string currentExceptionText() {
   }
 }
 
+std::string textOf(const std::exception_ptr& exception) {
+  try {
+    std::rethrow_exception(exception);
+  } catch (...) {
+    return currentExceptionText();
+  }
+}
+
 void throwCaseVariants(const std::string& key) {
   throw std::runtime_error("keys of the properties differ from \"" + key + "\" in case only");
 }

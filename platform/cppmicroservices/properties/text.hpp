@@ -1,6 +1,8 @@
 #pragma once
 
+#include <exception>
 #include <string>
+#include <string_view>
 
 namespace cppmicroservices::detail {
 
@@ -10,8 +12,16 @@ constexpr char lowerCase(char character) {
                                               : character;
 }
 
+/// Returns the identifier of an interface without the `::` that it may begin with.
+constexpr std::string_view withoutGlobalScope(std::string_view interfaceId) {
+  return interfaceId.starts_with("::") ? interfaceId.substr(2) : interfaceId;
+}
+
 /// Returns the text of the exception that is being handled.
 std::string currentExceptionText();
+
+/// Returns the text of `exception`, which must not be null.
+std::string textOf(const std::exception_ptr& exception);
 
 /// Throws the exception for properties whose keys differ from `key` in case only.
 [[noreturn]] void throwCaseVariants(const std::string& key);

@@ -1,6 +1,8 @@
 #include "registry/FrameworkListeners.hpp"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <new>
 #include <tuple>
 #include <type_traits>
@@ -29,36 +31,51 @@ bool matches(const LDAPFilter& filter, const AnyMap& properties) noexcept {
 template <class Function>
 ListenerToken FrameworkListeners::addTo(SharedList<Function>& list, const Owner& owner,
                                         const Function& function, const LDAPFilter& filter) {
+  // Destroyed after the lock: the destructors of listeners may call anything.
+  SharedList<Function> before;
   const std::lock_guard lock(mutex);
   // Under the lock, so that a bundle that stops finds every listener it has added.
   owner->requireOpen();
-  auto longer = std::make_shared<List<Function>>(*list);
+  auto longer = withoutRemoved<Function>(list, 1);
   auto listener = std::make_shared<Listener<Function>>();
   listener->id = ++lastId;
   listener->owner = owner;
   listener->function = function;
   listener->filter = filter;
   longer->push_back(std::move(listener));
-  list = std::move(longer);
+  before = std::exchange(list, std::move(longer));
   return ListenerToken(lastId);
 }
 
+template <class Function>
+std::shared_ptr<FrameworkListeners::List<Function>> FrameworkListeners::withoutRemoved(
+    const SharedList<Function>& list, std::size_t freePlaces) {
+  auto copy = std::make_shared<List<Function>>();
+  copy->reserve((list ? list->size() : 0) + freePlaces);
+  if (!list) return copy;
+  std::copy_if(list->begin(), list->end(), std::back_inserter(*copy),
+               [](const auto& listener) { return !listener->removed; });
+  return copy;
+}
+
 template <class Function, class Condition>
-void FrameworkListeners::removeFrom(SharedList<Function>& list, const Condition& condition) {
-  if (std::none_of(list->begin(), list->end(), condition)) return;
-  auto shorter = std::make_shared<List<Function>>();
+void FrameworkListeners::removeFrom(SharedList<Function>& list,
+                                    const Condition& condition) noexcept {
+  if (!list || std::none_of(list->begin(), list->end(), condition)) return;
+  bool isEmpty = true;
   for (const auto& listener : *list) {
-    if (condition(listener)) {
-      listener->removed = true;
-    } else {
-      shorter->push_back(listener);
-    }
+    if (condition(listener)) listener->removed = true;
+    isEmpty = isEmpty && listener->removed;
   }
-  list = std::move(shorter);
+  try {
+    list = isEmpty ? nullptr : withoutRemoved<Function>(list, 0);
+  } catch (const std::bad_alloc&) {
+    // The listeners stay in the list until the next change, but they are not called.
+  }
 }
 
 template <class Condition>
-void FrameworkListeners::removeIf(const Condition& condition) {
+void FrameworkListeners::removeIf(const Condition& condition) noexcept {
   // Keeps the functions until the lock is released: their destructors may call anything.
   const auto before =
       std::tuple(current(serviceListeners), current(bundleListeners), current(frameworkListeners));
@@ -85,6 +102,12 @@ void FrameworkListeners::call(const Listener<Function>& listener, const Event& e
   }
 }
 
+template <class Function, class Event>
+void FrameworkListeners::callAll(const SharedList<Function>& list, const Event& event) noexcept {
+  if (!list) return;
+  for (const auto& listener : *list) call(*listener, event);
+}
+
 ListenerToken FrameworkListeners::add(const Owner& owner, const ServiceListener& listener,
                                       const std::string& filter) {
   return addTo(serviceListeners, owner, listener,
@@ -99,27 +122,29 @@ ListenerToken FrameworkListeners::add(const Owner& owner, const FrameworkListene
   return addTo(frameworkListeners, owner, listener, LDAPFilter());
 }
 
-void FrameworkListeners::remove(const ListenerToken& token) {
+void FrameworkListeners::remove(const ListenerToken& token) noexcept {
   removeIf([&token](const auto& listener) { return listener->id == token.id; });
 }
 
-void FrameworkListeners::removeAllOf(const ServiceClient& owner) {
+void FrameworkListeners::removeAllOf(const ServiceClient& owner) noexcept {
   removeIf([&owner](const auto& listener) { return listener->owner.get() == &owner; });
 }
 
+void FrameworkListeners::clear() noexcept {
+  removeIf([](const auto& /*listener*/) { return true; });
+}
+
 void FrameworkListeners::send(const BundleEvent& event) noexcept {
-  const auto listeners = current(bundleListeners);
-  for (const auto& listener : *listeners) call(*listener, event);
+  callAll(current(bundleListeners), event);
 }
 
 void FrameworkListeners::send(const FrameworkEvent& event) noexcept {
-  const auto listeners = current(frameworkListeners);
-  for (const auto& listener : *listeners) call(*listener, event);
+  callAll(current(frameworkListeners), event);
 }
 
 void FrameworkListeners::send(const ServiceEvent& event, const AnyMap* before) noexcept {
   const auto listeners = current(serviceListeners);
-  if (listeners->empty()) return;
+  if (!listeners) return;
   const auto properties = ServiceRecord::of(event.GetServiceReference())->properties();
   const ServiceEvent endMatch(ServiceEvent::SERVICE_MODIFIED_ENDMATCH, event.GetServiceReference());
   for (const auto& listener : *listeners) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <exception>
 #include <memory>
 #include <mutex>
@@ -32,8 +33,10 @@ class FrameworkListeners {
   ListenerToken add(const Owner& owner, const BundleListener& listener);
   ListenerToken add(const Owner& owner, const FrameworkListener& listener);
 
-  void remove(const ListenerToken& token);
-  void removeAllOf(const ServiceClient& owner);
+  void remove(const ListenerToken& token) noexcept;
+  void removeAllOf(const ServiceClient& owner) noexcept;
+
+  void clear() noexcept;
 
   void send(const BundleEvent& event) noexcept;
   void send(const FrameworkEvent& event) noexcept;
@@ -60,28 +63,36 @@ class FrameworkListeners {
   template <class Function>
   using List = std::vector<std::shared_ptr<const Listener<Function>>>;
 
-  // Replaced as a whole at each change, so that a sender iterates over an unchanging list.
+  // Replaced as a whole at each change, so that a sender iterates over an unchanging list. Null
+  // when it is empty, and not replaced when there is no memory to remove a listener: that one is
+  // marked.
   template <class Function>
   using SharedList = std::shared_ptr<const List<Function>>;
 
   template <class Function>
   ListenerToken addTo(SharedList<Function>& list, const Owner& owner, const Function& function,
                       const LDAPFilter& filter);
+  template <class Function>
+  static std::shared_ptr<List<Function>> withoutRemoved(const SharedList<Function>& list,
+                                                        std::size_t freePlaces);
   template <class Function, class Condition>
-  void removeFrom(SharedList<Function>& list, const Condition& condition);
+  static void removeFrom(SharedList<Function>& list, const Condition& condition) noexcept;
   template <class Condition>
-  void removeIf(const Condition& condition);
+  void removeIf(const Condition& condition) noexcept;
   template <class Function>
   SharedList<Function> current(const SharedList<Function>& list) const;
   template <class Function, class Event>
   void call(const Listener<Function>& listener, const Event& event) noexcept;
   void reportThrown(ServiceClient& owner) noexcept;
 
+  template <class Function, class Event>
+  void callAll(const SharedList<Function>& list, const Event& event) noexcept;
+
   mutable std::mutex mutex;
   ListenerTokenId lastId = 0;
-  SharedList<ServiceListener> serviceListeners = std::make_shared<List<ServiceListener>>();
-  SharedList<BundleListener> bundleListeners = std::make_shared<List<BundleListener>>();
-  SharedList<FrameworkListener> frameworkListeners = std::make_shared<List<FrameworkListener>>();
+  SharedList<ServiceListener> serviceListeners;
+  SharedList<BundleListener> bundleListeners;
+  SharedList<FrameworkListener> frameworkListeners;
 };
 
 }  // namespace cppmicroservices::detail

@@ -27,7 +27,12 @@ void detail::requireInterfaceId(const std::string& interfaceId) {
 std::shared_ptr<void> ExtractInterface(const InterfaceMapConstPtr& map,
                                        const std::string& interfaceId) {
   if (!map || map->empty()) return nullptr;
-  const auto entry = interfaceId.empty() ? map->begin() : map->find(interfaceId);
+  auto entry = interfaceId.empty() ? map->begin() : map->find(interfaceId);
+  // The identifier may be spelled with the global scope on one side only.
+  if (entry == map->end()) {
+    const bool hasScope = interfaceId.starts_with("::");
+    entry = map->find(hasScope ? interfaceId.substr(2) : "::" + interfaceId);
+  }
   return entry == map->end() ? nullptr : entry->second;
 }
 

@@ -1,6 +1,7 @@
 #include "registry/ServiceRecord.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "cppmicroservices/Constants.h"
@@ -14,15 +15,39 @@ namespace {
 std::vector<std::string> interfacesOf(const InterfaceMap& service) {
   std::vector<std::string> interfaces;
   for (const auto& [interfaceId, object] : service) {
-    if (interfaceId != kFactoryKey) interfaces.push_back(interfaceId);
+    if (interfaceId != kFactoryKey) interfaces.emplace_back(withoutGlobalScope(interfaceId));
   }
   std::sort(interfaces.begin(), interfaces.end());
+  interfaces.erase(std::unique(interfaces.begin(), interfaces.end()), interfaces.end());
   return interfaces;
+}
+
+std::shared_ptr<ServiceFactory> factoryOf(const InterfaceMap& service) {
+  const auto entry = service.find(kFactoryKey);
+  return entry == service.end() ? nullptr : std::static_pointer_cast<ServiceFactory>(entry->second);
 }
 
 bool isSetByFramework(const std::string& key) {
   return key == Constants::OBJECTCLASS || key == Constants::SERVICE_ID ||
          key == Constants::SERVICE_SCOPE;
+}
+
+template <class... Integers>
+std::optional<int> integerOf(const Any& value) {
+  std::optional<int> result;
+  const auto take = [&]<class Integer>(const Integer* integer) {
+    if (integer != nullptr && std::in_range<int>(*integer)) result = static_cast<int>(*integer);
+  };
+  (take(any_cast<Integers>(&value)), ...);
+  return result;
+}
+
+// Returns the ranking among `properties`, 0 when there is none, and nothing when it cannot be used.
+std::optional<int> rankingOf(const AnyMap& properties) {
+  const auto entry = properties.find(Constants::SERVICE_RANKING);
+  if (entry == properties.end()) return 0;
+  return integerOf<int, unsigned, long, unsigned long, long long, unsigned long long, short,
+                   unsigned short>(entry->second);
 }
 
 // Returns an exception that nests the one being handled.
@@ -68,8 +93,7 @@ ServiceRecord::ServiceRecord(ServiceRegistry& registry, std::shared_ptr<ServiceC
       counts(countsOf(interfaces)),
       registry(registry),
       objects(std::move(objects)),
-      factory(std::static_pointer_cast<ServiceFactory>(
-          interfaces.size() < this->objects->size() ? this->objects->at(kFactoryKey) : nullptr)) {
+      factory(factoryOf(*this->objects)) {
   publish(withFrameworkProperties(properties));
 }
 
@@ -82,7 +106,7 @@ ServiceRegistrationBase ServiceRecord::registration() {
 }
 
 const std::string* ServiceRecord::findInterface(const std::string& name) const {
-  const auto place = std::find(interfaces.begin(), interfaces.end(), name);
+  const auto place = std::find(interfaces.begin(), interfaces.end(), withoutGlobalScope(name));
   return place == interfaces.end() ? nullptr : &*place;
 }
 
@@ -100,11 +124,25 @@ std::shared_ptr<const AnyMap> ServiceRecord::withFrameworkProperties(
 }
 
 void ServiceRecord::publish(std::shared_ptr<const AnyMap> newProperties) noexcept {
-  const auto entry = newProperties->find(Constants::SERVICE_RANKING);
-  const int* value = entry == newProperties->end() ? nullptr : any_cast<int>(&entry->second);
-  ranking = value == nullptr ? 0 : *value;
+  ranking = rankingOf(*newProperties).value_or(0);
   const std::lock_guard lock(mutex);
   currentProperties.swap(newProperties);
+}
+
+void ServiceRecord::warnOfUnusableRanking() noexcept {
+  const auto current = properties();
+  if (rankingOf(*current)) return;
+  try {
+    const Any& ranking = current->at(Constants::SERVICE_RANKING);
+    std::string text = "the ranking of a service under ";
+    text.append(interfaces.front()).append(" counts as 0: \"").append(Constants::SERVICE_RANKING);
+    text.append("\" is ").append(ranking.Empty() ? "empty" : ranking.ToString());
+    text.append(", not a number that fits an int");
+    registry.listeners.send(
+        FrameworkEvent(FrameworkEvent::FRAMEWORK_WARNING, bundle->bundle(), text));
+  } catch (...) {
+    // The value cannot be written as text, or there is no memory for the warning.
+  }
 }
 
 std::shared_ptr<const AnyMap> ServiceRecord::properties() const {
@@ -116,6 +154,7 @@ void ServiceRecord::setProperties(const ServiceProperties& given) {
   auto all = withFrameworkProperties(given);
   const auto before = properties();
   registry.update(shared_from_this(), std::move(all));
+  warnOfUnusableRanking();
   registry.listeners.send(ServiceEvent(ServiceEvent::SERVICE_MODIFIED, reference()), before.get());
 }
 
@@ -235,6 +274,11 @@ void ServiceRecord::returnToFactory(const Use& use) noexcept {
   } catch (...) {
     reportThrown("a service factory threw an exception when it got its service back");
   }
+}
+
+bool ServiceRecord::isUsedBy(const ServiceClient& user) const {
+  const std::lock_guard lock(mutex);
+  return uses.count(&user) > 0;
 }
 
 void ServiceRecord::releaseFrom(const ServiceClient& user) noexcept {

@@ -51,9 +51,14 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
   /// the constructor; the properties are unchanged then.
   void setProperties(const ServiceProperties& given);
 
+  /// Tells the framework listeners when the ranking is not a number that can be used.
+  void warnOfUnusableRanking() noexcept;
+
   /// Returns the objects of the service for `user`, which uses it until the last copy of the
   /// pointer is destroyed; null when it was unregistered or its factory failed.
   InterfaceMapConstPtr acquire(const std::shared_ptr<ServiceClient>& user);
+
+  bool isUsedBy(const ServiceClient& user) const;
 
   /// Takes the service away from `user`, if it uses it.
   void releaseFrom(const ServiceClient& user) noexcept;

@@ -38,6 +38,7 @@ std::shared_ptr<ServiceRecord> ServiceRegistry::registerService(
     const ServiceProperties& properties) {
   auto record = std::make_shared<ServiceRecord>(*this, bundle, service, properties, ++lastId);
   add(record);
+  record->warnOfUnusableRanking();
   listeners.send(ServiceEvent(ServiceEvent::SERVICE_REGISTERED, record->reference()));
   return record;
 }
@@ -94,6 +95,7 @@ void ServiceRegistry::update(const std::shared_ptr<ServiceRecord>& record,
 
 std::vector<ServiceReferenceU> ServiceRegistry::find(const std::string& interfaceId,
                                                      const std::string& filter) const {
+  if (interfaceId.starts_with("::")) return find(interfaceId.substr(2), filter);
   std::vector<ServiceReferenceU> references;
   const Records candidates = recordsOf(interfaceId);
   if (candidates.empty()) return references;

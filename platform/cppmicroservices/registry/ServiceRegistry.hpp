@@ -1,10 +1,12 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "registry/FrameworkListeners.hpp"
@@ -40,6 +42,20 @@ class ServiceRegistry {
   std::vector<ServiceReferenceU> find(const std::string& interfaceId,
                                       const std::string& filter) const;
 
+  /// Calls `action` for every service for which `condition` holds, until there is none left:
+  /// `action` must end that. Calls it with no lock held, and allocates nothing.
+  template <class Condition, class Action>
+  void applyWhere(const Condition& condition, const Action& action) {
+    // `action` and other threads change the list, so that one pass may miss a service.
+    for (bool isDone = false; !std::exchange(isDone, true);) {
+      std::size_t place = 0;
+      while (const auto record = findFrom(place, condition)) {
+        isDone = false;
+        action(*record);
+      }
+    }
+  }
+
   /// Returns all services in the order of preference.
   std::vector<std::shared_ptr<ServiceRecord>> all() const;
 
@@ -47,6 +63,14 @@ class ServiceRegistry {
 
  private:
   using Records = std::vector<std::shared_ptr<ServiceRecord>>;
+
+  // Returns the first record from `place` on for which `condition` holds, and sets `place` to it.
+  template <class Condition>
+  std::shared_ptr<ServiceRecord> findFrom(std::size_t& place, const Condition& condition) const {
+    const std::lock_guard lock(mutex);
+    while (place < records.size() && !condition(*records[place])) ++place;
+    return place < records.size() ? records[place] : nullptr;
+  }
 
   void add(const std::shared_ptr<ServiceRecord>& record);
   bool eraseFromLists(const ServiceRecord& record) noexcept;

@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "cppmicroservices/ServiceInterface.h"
+#include "properties/text.hpp"
 
 namespace cppmicroservices::detail {
 
@@ -30,7 +31,7 @@ ServiceCount& mutableServiceCount(const std::string& interfaceId) {
 
 const ServiceCount& serviceCount(const std::string& interfaceId) {
   requireInterfaceId(interfaceId);
-  return mutableServiceCount(interfaceId);
+  return mutableServiceCount(std::string(withoutGlobalScope(interfaceId)));
 }
 
 }  // namespace cppmicroservices::detail

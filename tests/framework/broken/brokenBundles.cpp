@@ -109,9 +109,11 @@ const std::vector<BrokenBundle>& brokenBundles() {
       {"NameIsNoIdentifier", Make::kBundle, R"({"bundle.symbolic_name":"bro-ken"})",
        "FILE: broken/manifest.json cannot be used: \"bundle.symbolic_name\" is not a text of "
        "letters, digits and _; correct the manifest and append the archive again"},
-      {"NameIsTaken", Make::kBundle, R"({"bundle.symbolic_name":"demo_parts"})",
-       "FILE: the value of \"bundle.symbolic_name\", demo_parts, is that of OTHER already; rename "
-       "one of the two bundles or uninstall the other"},
+      {"NameIsTaken", Make::kBundle,
+       R"({"bundle.symbolic_name":"demo_parts","bundle.version":"1.2.3"})",
+       "FILE: the values of \"bundle.symbolic_name\" and \"bundle.version\", demo_parts and 1.2.3, "
+       "are those of OTHER already; change the name or the version of one of the two bundles or "
+       "uninstall the other"},
       {"ActivatorIsAText", Make::kBundle, named(R"(,"bundle.activator":"yes")"),
        "FILE: broken/manifest.json cannot be used: \"bundle.activator\" is neither true nor false; "
        "correct the manifest and append the archive again"},

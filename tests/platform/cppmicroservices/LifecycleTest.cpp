@@ -32,11 +32,11 @@ class Lifecycle : public HostFramework {
     const std::string library = readBytes(BARE_LIBRARY);
     std::string path = std::string(WORK_FOLDER) + "/bare.so";
     std::filesystem::create_directories(WORK_FOLDER);
-    if (readBytes(path).empty()) {
-      writeBytes(path, library + makeArchive(
-                                     {{"bare/manifest.json", R"({"bundle.symbolic_name":"bare"})"}},
+    // Removed first: the file may be loaded in this process, which must keep the old one.
+    std::filesystem::remove(path);
+    writeBytes(path,
+               library + makeArchive({{"bare/manifest.json", R"({"bundle.symbolic_name":"bare"})"}},
                                      library.size()));
-    }
     return path;
   }
 
@@ -131,6 +131,137 @@ TEST_F(Lifecycle, WaitingForAnotherThreadTimesOut) {
   starting.get();
 }
 
+TEST_F(Lifecycle, FrameworkIsStoppedByAListenerOfItsStart) {
+  stop();
+  Framework other = FrameworkFactory().NewFramework();
+  other.Init();
+  FrameworkEvent end;
+  other.GetBundleContext().AddFrameworkListener([&](const FrameworkEvent& event) {
+    if (event.GetType() != FrameworkEvent::FRAMEWORK_STARTED) return;
+    other.Stop();
+    end = other.WaitForStop(std::chrono::milliseconds::zero());
+  });
+  other.Start();
+  EXPECT_EQ(end.GetType(), FrameworkEvent::FRAMEWORK_STOPPED);
+  EXPECT_EQ(other.GetState(), Bundle::STATE_RESOLVED);
+}
+
+TEST_F(Lifecycle, FrameworkStoppedByAnActivatorStopsAfterIt) {
+  int stops = 0;
+  FrameworkEvent waited;
+  Bundle second = context.InstallBundles(bare()).at(0);
+  second.Start();
+  script->start = [&](BundleContext own) {
+    framework.Stop();
+    EXPECT_EQ(framework.GetState(), Bundle::STATE_STOPPING);
+    EXPECT_EQ(second.GetState(), Bundle::STATE_INSTALLED);
+    waited = framework.WaitForStop(std::chrono::milliseconds::zero());
+    framework.Stop();
+    EXPECT_THROW(framework.Start(), std::runtime_error);
+    EXPECT_EQ(own.GetBundle().GetState(), Bundle::STATE_STARTING);
+  };
+  script->stop = [&](const BundleContext& /*own*/) { ++stops; };
+  bundle.Start();
+  EXPECT_EQ(waited.GetType(), FrameworkEvent::FRAMEWORK_ERROR);
+  EXPECT_EQ(framework.WaitForStop(std::chrono::milliseconds::zero()).GetType(),
+            FrameworkEvent::FRAMEWORK_STOPPED);
+  EXPECT_EQ(stops, 1);
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_INSTALLED);
+  EXPECT_FALSE(context);
+  EXPECT_TRUE(errors.empty());
+  *script = Script();
+  start();
+  prepare();
+  bundle.Start();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_ACTIVE);
+}
+
+TEST_F(Lifecycle, FrameworkStoppedByAnActivatorThatThrowsStops) {
+  script->start = [&](const BundleContext& /*own*/) {
+    framework.Stop();
+    throw std::runtime_error("no");
+  };
+  EXPECT_THROW(bundle.Start(), std::runtime_error);
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_INSTALLED);
+  EXPECT_EQ(framework.GetState(), Bundle::STATE_RESOLVED);
+}
+
+TEST_F(Lifecycle, FrameworkStoppedWhileABundleStopsStopsAfterIt) {
+  script->stop = [&](const BundleContext& /*own*/) { framework.Stop(); };
+  bundle.Start();
+  bundle.Stop();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_INSTALLED);
+  EXPECT_EQ(framework.GetState(), Bundle::STATE_RESOLVED);
+}
+
+TEST_F(Lifecycle, FrameworkStoppedWhileABundleIsUninstalledStopsAfterIt) {
+  script->stop = [&](const BundleContext& /*own*/) { framework.Stop(); };
+  bundle.Start();
+  bundle.Uninstall();
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_UNINSTALLED);
+  EXPECT_EQ(framework.GetState(), Bundle::STATE_RESOLVED);
+}
+
+// Waits as long as a stop waits for a start in another thread, 5 seconds.
+TEST_F(Lifecycle, FrameworkStopsAfterAStartThatTakesTooLong) {
+  std::promise<void> entered;
+  std::promise<void> leave;
+  int stops = 0;
+  script->start = [&](const BundleContext& /*own*/) {
+    entered.set_value();
+    leave.get_future().wait();
+  };
+  script->stop = [&](const BundleContext& /*own*/) { ++stops; };
+  auto starting = std::async(std::launch::async, [&] { bundle.Start(); });
+  entered.get_future().wait();
+  framework.Stop();
+  EXPECT_EQ(framework.GetState(), Bundle::STATE_STOPPING);
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_STARTING);
+  leave.set_value();
+  EXPECT_EQ(framework.WaitForStop(std::chrono::milliseconds::zero()).GetType(),
+            FrameworkEvent::FRAMEWORK_STOPPED);
+  starting.get();
+  EXPECT_EQ(stops, 1);
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_INSTALLED);
+}
+
+TEST_F(Lifecycle, BundlesStopInTheReverseOrderOfTheirInstallation) {
+  Bundle second = context.InstallBundles(bare()).at(0);
+  // Started in the other order, which does not count.
+  second.Start();
+  bundle.Start();
+  std::vector<std::string> stopped;
+  context.AddBundleListener([&](const BundleEvent& event) {
+    if (event.GetType() == BundleEvent::BUNDLE_STOPPED) {
+      stopped.push_back(event.GetBundle().GetSymbolicName());
+    }
+  });
+  stop();
+  EXPECT_EQ(stopped, (std::vector<std::string>{"bare", "scripted"}));
+}
+
+TEST_F(Lifecycle, LibraryHasItsContextUntilItsServicesAreGone) {
+  std::vector<bool> valid;
+  script->start = [&](BundleContext own) {
+    const auto greeter = std::shared_ptr<Hello>(new Hello, [&](const Hello* object) {
+      valid.push_back(static_cast<bool>(script->contextOfBundle()));
+      delete object;
+    });
+    (void)own.RegisterService<Greeter>(greeter);
+  };
+  bundle.Start();
+  bundle.Stop();
+  EXPECT_EQ(valid, std::vector<bool>{true});
+}
+
+TEST_F(Lifecycle, HandleMayBeReplacedDuringItsCall) {
+  Bundle handle = bundle;
+  script->start = [&](const BundleContext& /*own*/) { handle = nullptr; };
+  handle.Start();
+  EXPECT_FALSE(handle);
+  EXPECT_EQ(bundle.GetState(), Bundle::STATE_ACTIVE);
+}
+
 TEST_F(Lifecycle, StopReleasesWhatTheBundleLeaves) {
   std::shared_ptr<Script> held;
   BundleContext own;
@@ -179,8 +310,9 @@ TEST_F(Lifecycle, UninstallStopsAndReportsAFailedStop) {
   bundle.Start();
   bundle.Uninstall();
   EXPECT_EQ(bundle.GetState(), Bundle::STATE_UNINSTALLED);
-  EXPECT_EQ(errors, std::vector<std::string>{bundle.GetLocation() +
-                                             ": the stop of the bundle scripted failed"});
+  EXPECT_EQ(errors, std::vector<std::string>{
+                        bundle.GetLocation() +
+                        ": the bundle scripted failed to stop when it was uninstalled"});
   EXPECT_FALSE(context.GetBundle(bundle.GetBundleId()));
   EXPECT_EQ(bundle.GetSymbolicName(), "scripted");
   EXPECT_THROW(bundle.GetServicesInUse(), std::logic_error);

@@ -19,12 +19,18 @@ class Manifests : public HostFramework {
  protected:
   // Writes a file that ends with an archive of `files`. It can be installed, but not started.
   std::string write(const std::vector<std::pair<std::string, std::string>>& files,
-                    Offsets offsets = Offsets::kFromFile) {
+                    Offsets offsets = Offsets::kFromFile, const std::string& name = "made.so") {
     const std::string start = "no library";
-    path = std::string(WORK_FOLDER) + "/made.so";
+    path = std::string(WORK_FOLDER) + "/" + name;
     std::filesystem::create_directories(WORK_FOLDER);
     writeBytes(path, start + makeArchive(files, offsets == Offsets::kFromFile ? start.size() : 0));
     return path;
+  }
+
+  static std::vector<std::string> namesOf(const std::vector<Bundle>& bundles) {
+    std::vector<std::string> names;
+    for (const Bundle& bundle : bundles) names.push_back(bundle.GetSymbolicName());
+    return names;
   }
 
   AnyMap headersOf(const std::string& members) {
@@ -184,6 +190,45 @@ TEST_F(Manifests, LibraryMayContainSeveralBundles) {
   EXPECT_EQ(context.GetBundles(path), bundles);
   EXPECT_EQ(context.InstallBundles(path), bundles);
   EXPECT_EQ(context.GetBundles().size(), 3U);
+}
+
+TEST_F(Manifests, BundlesOfALibraryAreInstalledInTheOrderOfTheirPaths) {
+  write({{"zeta/manifest.json", R"({"bundle.symbolic_name":"zeta"})"},
+         {"alpha/manifest.json", R"({"bundle.symbolic_name":"alpha"})"},
+         {"mid/manifest.json", R"({"bundle.symbolic_name":"mid"})"}});
+  EXPECT_EQ(namesOf(context.InstallBundles(path)),
+            (std::vector<std::string>{"alpha", "mid", "zeta"}));
+}
+
+TEST_F(Manifests, UninstalledBundleOfALibraryIsInstalledAgain) {
+  write({{"one/manifest.json", R"({"bundle.symbolic_name":"one"})"},
+         {"two/manifest.json", R"({"bundle.symbolic_name":"two"})"}});
+  std::vector<Bundle> bundles = context.InstallBundles(path);
+  bundles[0].Uninstall();
+  EXPECT_EQ(context.GetBundles(path), std::vector<Bundle>{bundles[1]});
+  const std::vector<Bundle> again = context.InstallBundles(path);
+  EXPECT_EQ(namesOf(again), (std::vector<std::string>{"two", "one"}));
+  EXPECT_EQ(again[0], bundles[1]);
+  EXPECT_GT(again[1].GetBundleId(), bundles[1].GetBundleId());
+  // A library whose bundles are all installed is not read again.
+  std::filesystem::remove(path);
+  EXPECT_EQ(context.InstallBundles(path), again);
+}
+
+TEST_F(Manifests, NameAndVersionTogetherAreUnique) {
+  const auto install = [this](const std::string& name, const std::string& version) {
+    write({{"made/manifest.json", R"({"bundle.symbolic_name":"made")" + version + "}"}},
+          Offsets::kFromFile, name);
+    return context.InstallBundles(path).at(0);
+  };
+  const Bundle none = install("none.so", "");
+  const Bundle one = install("one.so", R"(,"bundle.version":"1.0.0")");
+  const Bundle two = install("two.so", R"(,"bundle.version":"2.0.0")");
+  EXPECT_EQ(context.GetBundles().size(), 4U);
+  for (const char* version : {"", R"(,"bundle.version":"0.0")", R"(,"bundle.version":"1.0")"}) {
+    EXPECT_THROW(install("again.so", version), std::runtime_error) << version;
+  }
+  EXPECT_EQ(context.GetBundles().size(), 4U);
 }
 
 TEST_F(Manifests, LibraryIsInstalledAsAWholeOrNotAtAll) {
