@@ -117,6 +117,14 @@ TEST_F(TaskSnippetParser, OnOneLineAfterCodeHasOneLine) {
   EXPECT_THAT(failures(1), IsEmpty());
 }
 
+// Only a marker of a known element is a marker of the line.
+TEST_F(TaskSnippetParser, OnOneLineAfterAnUnknownElementHasOneLine) {
+  EXPECT_THAT(parseSnippet({u"# <@widget> # <@task#t1> # <@task#t1>"}), ElementsAre(0));
+  ASSERT_EQ(document->getNumberOfChildren(), 2u);
+  EXPECT_EQ(codeLines(0), 1);
+  EXPECT_TRUE(LineNode::castFrom(node(1)));
+}
+
 TEST_F(TaskSnippetParser, OnOneLineThatBeginsWithAMarkerHasNoLineAndNoLineNode) {
   LogRecords records;
   const ustring line = u"# <@task#t1> x # <@output> # <@control> # <@task#t1>";
