@@ -13,6 +13,7 @@ import hashlib
 import json
 import os
 import pathlib
+import pickle
 import re
 import sys
 import threading
@@ -148,6 +149,25 @@ def find_mutants(copy, files, pool):
             raise SystemExit(f"cannot be parsed by clang: {failed[0]}")
         todo = [unit for unit, _ in failed]
     return schemata, len(constants)
+
+
+def find_or_recall(copy, files):
+    """Like `find_mutants`, but remembers what it found until a source or this tool changes."""
+    tool = [path for path in sorted(pathlib.Path(__file__).parent.glob("*.*")) if path.is_file()]
+    sources = [copy.root / path for path in files_of(copy.root) if path.parts[0] in FOLDERS]
+    key = hashlib.sha256("\n".join(files).encode())
+    for path in tool + sources:
+        key.update(str(path).encode() + path.read_bytes())
+    memory = copy.build / "found" / key.hexdigest()
+    if memory.exists():
+        schemata = Schemata(copy.root, [])
+        schemata.mutants, schemata.dropped, constants = pickle.loads(memory.read_bytes())
+        return schemata, constants
+    with concurrent.futures.ProcessPoolExecutor(os.cpu_count()) as pool:
+        schemata, constants = find_mutants(copy, files, pool)
+    memory.parent.mkdir(exist_ok=True)
+    memory.write_bytes(pickle.dumps((schemata.mutants, schemata.dropped, constants)))
+    return schemata, constants
 
 
 class Results:
@@ -319,8 +339,7 @@ def main():
 
     copy.update({}, kept=files)
     copy.configure()
-    with concurrent.futures.ProcessPoolExecutor(os.cpu_count()) as pool:
-        schemata, constants = find_mutants(copy, files, pool)
+    schemata, constants = find_or_recall(copy, files)
     identities = {mutant.identity() for mutant in schemata.mutants.values()}
     stale = [identity for identity in explained if identity[0] in files and identity not in identities]
     if arguments.list:

@@ -46,8 +46,8 @@ def run(command, folder, environment, limits):
     started = time.monotonic()
     with tempfile.TemporaryDirectory(prefix="mutate-", ignore_cleanup_errors=True) as temporary, \
             tempfile.TemporaryFile() as output:
-        # The random tests repeat their cases: a survivor does not depend on luck.
-        settings = {"GTEST_FAIL_FAST": "1", "ORACLE_SEED": "1", "TMPDIR": temporary}
+        # The random tests repeat a few of their cases: a survivor does not depend on luck.
+        settings = {"GTEST_FAIL_FAST": "1", "ORACLE_SEED": "1", "ORACLE_SHARE": "50", "TMPDIR": temporary}
         process = subprocess.Popen(command, cwd=folder, env={**os.environ, **settings, **environment},
                                    stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
                                    start_new_session=True, preexec_fn=limit)
