@@ -37,6 +37,7 @@ TEST(MarkerKind, DependsOnTheExactElementAndType) {
       {u"%<@Task#t1>", MarkerKind::kOther, u""},
       {u"%<@tasks#t1>", MarkerKind::kOther, u""},
       {u"%<@anchor>", MarkerKind::kOther, u""},
+      {u"%<@widget:anchor#a>", MarkerKind::kOther, u""},
       {u"no marker", MarkerKind::kOther, u""},
   };
   for (const Case& each : cases) {

@@ -20,6 +20,12 @@ TEST(TaskIdCounts, CountsTheTaskMarkersOfAnId) {
   EXPECT_EQ(counts.count(u"", 0, u"t1"), 0u);
 }
 
+// The text of an unknown element is not a marker, so it does not hide the markers in it.
+TEST(TaskIdCounts, CountsTaskMarkersInAnUnknownElement) {
+  Counts counts;
+  EXPECT_EQ(counts.count(u"# <@widget#\"# <@task#t1>\"> # <@task#t1>", 0, u"t1"), 2u);
+}
+
 TEST(TaskIdCounts, DistinguishesBlocksByTheirContent) {
   Counts counts;
   std::u16string block = u"# <@task#t1> # <@task#t1>";
