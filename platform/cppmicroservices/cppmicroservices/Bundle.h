@@ -3,11 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <iosfwd>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "cppmicroservices/AnyMap.h"
+#include "cppmicroservices/BundleVersion.h"
 #include "cppmicroservices/FrameworkExport.h"
 
 namespace cppmicroservices {
@@ -61,9 +64,22 @@ class QUENLITH_CPPMICROSERVICES_EXPORT Bundle {
   std::string GetLocation() const;
   std::string GetSymbolicName() const;
 
+  /// Returns the version in the manifest, 0.0.0 when there is none. That of the framework is the
+  /// version of the API that it has.
+  BundleVersion GetVersion() const;
+
   /// Returns the manifest; its keys are compared without regard to case. The reference
   /// is valid while the bundle is installed or has a handle.
   const AnyMap& GetHeaders() const;
+
+  /// Returns the manifest as a map whose keys are compared with regard to case.
+  [[deprecated("use GetHeaders")]] std::map<std::string, Any> GetProperties() const;
+
+  /// Returns the value of `key` in the manifest, empty when there is none.
+  [[deprecated("use GetHeaders")]] Any GetProperty(const std::string& key) const;
+
+  /// Returns the keys of the manifest.
+  [[deprecated("use GetHeaders")]] std::vector<std::string> GetPropertyKeys() const;
 
   /// Returns the symbol `name` of the library `handle`, null when it has none. Throws
   /// `std::runtime_error` unless the bundle is active, `std::invalid_argument` when `handle` is
@@ -106,6 +122,13 @@ class QUENLITH_CPPMICROSERVICES_EXPORT Bundle {
 
   friend class detail::BundlePrivate;
 };
+
+/// Writes id, location, name and state of the bundle.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os, const Bundle& bundle);
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os, const Bundle* bundle);
+
+/// Writes the name of the state without its prefix, nothing for a value that is not a state.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os, Bundle::State state);
 
 }  // namespace cppmicroservices
 

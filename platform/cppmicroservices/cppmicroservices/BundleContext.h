@@ -13,6 +13,7 @@
 #include "cppmicroservices/ServiceObjects.h"
 #include "cppmicroservices/ServiceProperties.h"
 #include "cppmicroservices/ServiceRegistration.h"
+#include "cppmicroservices/detail/MemberListener.h"
 #include "cppmicroservices/detail/ServiceCount.h"
 
 namespace cppmicroservices {
@@ -154,6 +155,61 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
   /// Like `AddServiceListener`, but for the events of the framework.
   ListenerToken AddFrameworkListener(const FrameworkListener& listener);
 
+  /// Like the forms above, but the listener calls `callback` of `receiver`, which is borrowed.
+  template <class R>
+  [[deprecated("use AddServiceListener with a function")]] ListenerToken AddServiceListener(
+      R* receiver, void (R::*callback)(const ServiceEvent&),
+      const std::string& filter = std::string()) {
+    return AddServiceListener(
+        ServiceListener(detail::MemberListener<R, ServiceEvent>{receiver, callback}), filter);
+  }
+  template <class R>
+  [[deprecated("use AddBundleListener with a function")]] ListenerToken AddBundleListener(
+      R* receiver, void (R::*callback)(const BundleEvent&)) {
+    return AddBundleListener(
+        BundleListener(detail::MemberListener<R, BundleEvent>{receiver, callback}));
+  }
+  template <class R>
+  [[deprecated("use AddFrameworkListener with a function")]] ListenerToken AddFrameworkListener(
+      R* receiver, void (R::*callback)(const FrameworkEvent&)) {
+    return AddFrameworkListener(
+        FrameworkListener(detail::MemberListener<R, FrameworkEvent>{receiver, callback}));
+  }
+
+  /// Remove a listener that this bundle has added; do nothing when there is none. A function
+  /// pointer is found by its value, any other function object by its type: of several of one type,
+  /// which a lambda in a loop or `std::bind` make, the first is removed. Use `RemoveListener`.
+  [[deprecated("use RemoveListener")]] void RemoveServiceListener(const ServiceListener& listener) {
+    removeListener(listener, nullptr);
+  }
+  [[deprecated("use RemoveListener")]] void RemoveBundleListener(const BundleListener& listener) {
+    removeListener(listener, nullptr);
+  }
+  [[deprecated("use RemoveListener")]] void RemoveFrameworkListener(
+      const FrameworkListener& listener) {
+    removeListener(listener, nullptr);
+  }
+
+  /// Like the forms above, but for a listener that calls `callback` of `receiver`.
+  template <class R>
+  [[deprecated("use RemoveListener")]] void RemoveServiceListener(
+      R* receiver, void (R::*callback)(const ServiceEvent&)) {
+    using Listener = detail::MemberListener<R, ServiceEvent>;
+    removeListener(ServiceListener(Listener{receiver, callback}), &Listener::equal);
+  }
+  template <class R>
+  [[deprecated("use RemoveListener")]] void RemoveBundleListener(
+      R* receiver, void (R::*callback)(const BundleEvent&)) {
+    using Listener = detail::MemberListener<R, BundleEvent>;
+    removeListener(BundleListener(Listener{receiver, callback}), &Listener::equal);
+  }
+  template <class R>
+  [[deprecated("use RemoveListener")]] void RemoveFrameworkListener(
+      R* receiver, void (R::*callback)(const FrameworkEvent&)) {
+    using Listener = detail::MemberListener<R, FrameworkEvent>;
+    removeListener(FrameworkListener(Listener{receiver, callback}), &Listener::equal);
+  }
+
   /// Removes the listener of `token`; does nothing when there is none.
   void RemoveListener(ListenerToken token);
 
@@ -163,6 +219,13 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
   BundleContext(const std::shared_ptr<detail::BundlePrivate>& bundle, std::uint64_t generation)
       : d(bundle), generation(generation) {}
   detail::BundlePrivate& valid() const;
+
+  // `equal` says whether two listeners are the same one; null compares as the public form says.
+  template <class Function>
+  using Equal = bool (*)(const Function& left, const Function& right);
+  void removeListener(const ServiceListener& listener, Equal<ServiceListener> equal);
+  void removeListener(const BundleListener& listener, Equal<BundleListener> equal);
+  void removeListener(const FrameworkListener& listener, Equal<FrameworkListener> equal);
 
   std::shared_ptr<detail::BundlePrivate> d;
   // Identifies the start of the bundle that the context belongs to; see BundlePrivate.

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 
 #include "cppmicroservices/Bundle.h"
+#include "cppmicroservices/FrameworkExport.h"
 
 namespace cppmicroservices {
 
@@ -40,5 +42,12 @@ class BundleEvent {
   Bundle bundle;
   Bundle origin;
 };
+
+/// Writes the name of the type without its prefix.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os, BundleEvent::Type type);
+
+/// Writes the type and the bundle; "NONE" for an invalid event.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os,
+                                                          const BundleEvent& event);
 
 }  // namespace cppmicroservices

@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <exception>
+#include <iosfwd>
 #include <string>
 #include <utility>
 
 #include "cppmicroservices/Bundle.h"
+#include "cppmicroservices/FrameworkExport.h"
 
 namespace cppmicroservices {
 
@@ -43,5 +45,14 @@ class FrameworkEvent {
   std::string message;
   std::exception_ptr exception;
 };
+
+/// Writes the name of the type without its prefix.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os,
+                                                          FrameworkEvent::Type type);
+
+/// Writes the type, the message, the bundle and the text of the exception; "NONE" for an invalid
+/// event.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os,
+                                                          const FrameworkEvent& event);
 
 }  // namespace cppmicroservices

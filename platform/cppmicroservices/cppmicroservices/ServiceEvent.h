@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 
+#include "cppmicroservices/FrameworkExport.h"
 #include "cppmicroservices/ServiceReference.h"
 
 namespace cppmicroservices {
@@ -35,5 +37,13 @@ class ServiceEvent {
   Type type{};
   ServiceReferenceU reference;
 };
+
+/// Writes the name of the type without its prefix.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os,
+                                                          const ServiceEvent::Type& type);
+
+/// Writes the type, the id and the interfaces of the service; "NONE" for an invalid event.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os,
+                                                          const ServiceEvent& event);
 
 }  // namespace cppmicroservices

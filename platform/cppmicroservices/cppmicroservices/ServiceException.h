@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <stdexcept>
 #include <string>
 
@@ -29,3 +30,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceException : public std::runtime_er
 };
 
 }  // namespace cppmicroservices
+
+/// Writes "ServiceException: " and the message.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(
+    std::ostream& os, const cppmicroservices::ServiceException& exception);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <utility>
@@ -15,6 +16,7 @@ namespace cppmicroservices {
 class AnyMap;
 class Bundle;
 class LDAPFilter;
+class ServiceRegistrationBase;
 namespace detail {
 class ServiceRecord;
 }
@@ -54,6 +56,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
   template <class S>
   friend class ServiceReference;
   friend class ServiceRegistrationBase;
+  friend QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(
+      std::ostream& os, const ServiceRegistrationBase& registration);
   friend class LDAPFilter;
   friend class detail::ServiceRecord;
   friend struct std::hash<ServiceReferenceBase>;
@@ -73,6 +77,10 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
   // Points into the record's list of interfaces; null for all of them.
   const std::string* interfaceId = nullptr;
 };
+
+/// Writes the bundle that registered the service, and the properties.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(std::ostream& os,
+                                                          const ServiceReferenceBase& reference);
 
 }  // namespace cppmicroservices
 

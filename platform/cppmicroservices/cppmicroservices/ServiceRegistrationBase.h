@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <utility>
@@ -43,6 +44,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
   friend class ServiceRegistration;
   friend class detail::ServiceRecord;
   friend struct std::hash<ServiceRegistrationBase>;
+  friend QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(
+      std::ostream& os, const ServiceRegistrationBase& registration);
 
   ServiceRegistrationBase() = default;
   explicit ServiceRegistrationBase(std::shared_ptr<detail::ServiceRecord> record)
@@ -51,6 +54,10 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
 
   std::shared_ptr<detail::ServiceRecord> record;
 };
+
+/// Writes what a reference to the service writes.
+QUENLITH_CPPMICROSERVICES_EXPORT std::ostream& operator<<(
+    std::ostream& os, const ServiceRegistrationBase& registration);
 
 }  // namespace cppmicroservices
 

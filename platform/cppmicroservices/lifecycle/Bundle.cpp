@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <ostream>
 #include <stdexcept>
 #include <tuple>
 
@@ -41,8 +42,26 @@ std::string Bundle::GetLocation() const {
 std::string Bundle::GetSymbolicName() const {
   return valid().symbolicName;
 }
+BundleVersion Bundle::GetVersion() const {
+  return valid().version;
+}
 const AnyMap& Bundle::GetHeaders() const {
   return valid().headers;
+}
+
+std::map<std::string, Any> Bundle::GetProperties() const {
+  return {valid().headers.begin(), valid().headers.end()};
+}
+
+Any Bundle::GetProperty(const std::string& key) const {
+  const auto entry = valid().headers.find(key);
+  return entry == d->headers.end() ? Any() : entry->second;
+}
+
+std::vector<std::string> Bundle::GetPropertyKeys() const {
+  std::vector<std::string> keys;
+  for (const auto& entry : valid().headers) keys.push_back(entry.first);
+  return keys;
 }
 
 void* Bundle::GetSymbol(void* handle, const std::string& name) const {
@@ -89,6 +108,35 @@ void Bundle::Stop() {
 void Bundle::Uninstall() {
   const Bundle self(*this);
   self.valid().uninstall();
+}
+
+std::ostream& operator<<(std::ostream& os, const Bundle& bundle) {
+  if (!bundle) return os << "Bundle[invalid]";
+  return os << "Bundle[id=" << bundle.GetBundleId() << ", loc=" << bundle.GetLocation()
+            << ", name=" << bundle.GetSymbolicName() << ", state=" << bundle.GetState() << "]";
+}
+
+std::ostream& operator<<(std::ostream& os, const Bundle* bundle) {
+  return os << (bundle == nullptr ? Bundle() : *bundle);
+}
+
+std::ostream& operator<<(std::ostream& os, Bundle::State state) {
+  switch (state) {
+    case Bundle::STATE_UNINSTALLED:
+      return os << "UNINSTALLED";
+    case Bundle::STATE_INSTALLED:
+      return os << "INSTALLED";
+    case Bundle::STATE_RESOLVED:
+      return os << "RESOLVED";
+    case Bundle::STATE_STARTING:
+      return os << "STARTING";
+    case Bundle::STATE_STOPPING:
+      return os << "STOPPING";
+    case Bundle::STATE_ACTIVE:
+      return os << "ACTIVE";
+    default:
+      return os;
+  }
 }
 
 }  // namespace cppmicroservices

@@ -117,6 +117,19 @@ ListenerToken BundleContext::AddFrameworkListener(const FrameworkListener& liste
   return valid().core->listeners.add(d, listener);
 }
 
+void BundleContext::removeListener(const ServiceListener& listener, Equal<ServiceListener> equal) {
+  valid().core->listeners.remove(*d, listener, equal);
+}
+
+void BundleContext::removeListener(const BundleListener& listener, Equal<BundleListener> equal) {
+  valid().core->listeners.remove(*d, listener, equal);
+}
+
+void BundleContext::removeListener(const FrameworkListener& listener,
+                                   Equal<FrameworkListener> equal) {
+  valid().core->listeners.remove(*d, listener, equal);
+}
+
 void BundleContext::RemoveListener(ListenerToken token) {
   valid().core->listeners.remove(token);
 }

@@ -13,7 +13,9 @@ namespace {
 
 AnyMap systemHeaders() {
   return {{Constants::BUNDLE_SYMBOLICNAME, Constants::SYSTEM_BUNDLE_SYMBOLICNAME},
-          {Constants::BUNDLE_NAME, Constants::SYSTEM_BUNDLE_LOCATION}};
+          {Constants::BUNDLE_NAME, Constants::SYSTEM_BUNDLE_LOCATION},
+          // The version of the API, which a host may compare with what it needs.
+          {Constants::BUNDLE_VERSION, std::string("3.8.0")}};
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <iterator>
 #include <new>
 #include <tuple>
@@ -24,6 +25,16 @@ bool matches(const LDAPFilter& filter, const AnyMap& properties) noexcept {
   } catch (const std::bad_alloc&) {
     return true;
   }
+}
+
+// Says whether both are the same function pointer, or function objects of the same type.
+template <class Event>
+bool sameFunction(const std::function<void(const Event&)>& left,
+                  const std::function<void(const Event&)>& right) {
+  if (left.target_type() != right.target_type()) return false;
+  using Pointer = void (*)(const Event&);
+  const Pointer* const pointer = left.template target<Pointer>();
+  return pointer == nullptr || *pointer == *right.template target<Pointer>();
 }
 
 }  // namespace
@@ -124,6 +135,39 @@ ListenerToken FrameworkListeners::add(const Owner& owner, const FrameworkListene
 
 void FrameworkListeners::remove(const ListenerToken& token) noexcept {
   removeIf([&token](const auto& listener) { return listener->id == token.id; });
+}
+
+template <class Function, class Equal>
+void FrameworkListeners::removeFirst(const SharedList<Function>& list, const ServiceClient& owner,
+                                     const Function& function, Equal equal) noexcept {
+  const SharedList<Function> listeners = current(list);
+  if (!listeners) return;
+  for (const auto& listener : *listeners) {
+    if (listener->owner.get() != &owner || listener->removed) continue;
+    const bool isSame = equal == nullptr ? sameFunction(listener->function, function)
+                                         : equal(listener->function, function);
+    if (!isSame) continue;
+    removeIf([&listener](const auto& other) { return other->id == listener->id; });
+    return;
+  }
+}
+
+void FrameworkListeners::remove(const ServiceClient& owner, const ServiceListener& function,
+                                bool (*equal)(const ServiceListener&,
+                                              const ServiceListener&)) noexcept {
+  removeFirst(serviceListeners, owner, function, equal);
+}
+
+void FrameworkListeners::remove(const ServiceClient& owner, const BundleListener& function,
+                                bool (*equal)(const BundleListener&,
+                                              const BundleListener&)) noexcept {
+  removeFirst(bundleListeners, owner, function, equal);
+}
+
+void FrameworkListeners::remove(const ServiceClient& owner, const FrameworkListener& function,
+                                bool (*equal)(const FrameworkListener&,
+                                              const FrameworkListener&)) noexcept {
+  removeFirst(frameworkListeners, owner, function, equal);
 }
 
 void FrameworkListeners::removeAllOf(const ServiceClient& owner) noexcept {

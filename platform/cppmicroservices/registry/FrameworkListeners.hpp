@@ -34,6 +34,16 @@ class FrameworkListeners {
   ListenerToken add(const Owner& owner, const FrameworkListener& listener);
 
   void remove(const ListenerToken& token) noexcept;
+
+  /// Remove the first listener of `owner` that `equal` says is `function`. When `equal` is null,
+  /// function pointers are compared by value and other functions by type.
+  void remove(const ServiceClient& owner, const ServiceListener& function,
+              bool (*equal)(const ServiceListener&, const ServiceListener&)) noexcept;
+  void remove(const ServiceClient& owner, const BundleListener& function,
+              bool (*equal)(const BundleListener&, const BundleListener&)) noexcept;
+  void remove(const ServiceClient& owner, const FrameworkListener& function,
+              bool (*equal)(const FrameworkListener&, const FrameworkListener&)) noexcept;
+
   void removeAllOf(const ServiceClient& owner) noexcept;
 
   void clear() noexcept;
@@ -79,6 +89,9 @@ class FrameworkListeners {
   static void removeFrom(SharedList<Function>& list, const Condition& condition) noexcept;
   template <class Condition>
   void removeIf(const Condition& condition) noexcept;
+  template <class Function, class Equal>
+  void removeFirst(const SharedList<Function>& list, const ServiceClient& owner,
+                   const Function& function, Equal equal) noexcept;
   template <class Function>
   SharedList<Function> current(const SharedList<Function>& list) const;
   template <class Function, class Event>

@@ -3,6 +3,7 @@
 #include <cxxabi.h>
 
 #include <cstdlib>
+#include <ostream>
 
 #include "cppmicroservices/IllegalStateException.h"
 #include "cppmicroservices/ServiceFactory.h"
@@ -39,6 +40,14 @@ std::shared_ptr<void> ExtractInterface(const InterfaceMapConstPtr& map,
 ServiceException::ServiceException(const std::string& message, const Type& type)
     : std::runtime_error(message), type(type) {}
 ServiceException::~ServiceException() = default;
+
+}  // namespace cppmicroservices
+
+std::ostream& operator<<(std::ostream& os, const cppmicroservices::ServiceException& exception) {
+  return os << "ServiceException: " << exception.what();
+}
+
+namespace cppmicroservices {
 
 IllegalStateException::IllegalStateException(std::string message) : std::runtime_error(message) {}
 IllegalStateException::~IllegalStateException() = default;

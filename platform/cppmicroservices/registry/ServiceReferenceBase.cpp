@@ -1,7 +1,9 @@
 #include "cppmicroservices/ServiceReferenceBase.h"
 
+#include <ostream>
 #include <stdexcept>
 
+#include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/ServiceRegistrationBase.h"
 #include "registry/ServiceRecord.hpp"
 
@@ -79,6 +81,23 @@ void ServiceRegistrationBase::Unregister() {
 
 bool ServiceRegistrationBase::operator<(const ServiceRegistrationBase& other) const {
   return ServiceReferenceBase(record, nullptr) < ServiceReferenceBase(other.record, nullptr);
+}
+
+std::ostream& operator<<(std::ostream& os, const ServiceReferenceBase& reference) {
+  const Bundle bundle = reference.GetBundle();
+  if (!bundle) return os << "Invalid service reference";
+  os << "Reference for service object registered from " << bundle.GetSymbolicName() << " "
+     << bundle.GetVersion();
+  const char* separator = " (";
+  for (const std::string& key : reference.GetPropertyKeys()) {
+    os << separator << key << "=" << reference.GetProperty(key).ToStringNoExcept();
+    separator = ",";
+  }
+  return os << ")";
+}
+
+std::ostream& operator<<(std::ostream& os, const ServiceRegistrationBase& registration) {
+  return os << ServiceReferenceBase(registration.record, nullptr);
 }
 
 }  // namespace cppmicroservices
