@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "fl/i18n/ustring.hpp"
+#include "TextTwin.hpp"
 #include "oracle/support/normalise.hpp"
-#include "quenlith/syntax/markers.hpp"
+#include "oracle/support/scanLiterally.hpp"
 
 namespace quenlith::oracle {
 
@@ -33,7 +33,7 @@ void recordFeatures(const Marker& marker, MarkerTypes& types) {
 
 bool lists(const std::vector<MarkerInfo>& infos, const Marker& marker) {
   return std::any_of(infos.begin(), infos.end(),
-                     [&](const MarkerInfo& info) { return info.marker == marker; });
+                     [&](const MarkerInfo& info) { return haveEqualParts(info.marker, marker); });
 }
 
 bool isSubset(const std::vector<MarkerInfo>& part, const std::vector<MarkerInfo>& whole) {
@@ -43,7 +43,7 @@ bool isSubset(const std::vector<MarkerInfo>& part, const std::vector<MarkerInfo>
 
 void noteNormalising(const ustring& line, const std::vector<MarkerInfo>& after, LineFacts& facts) {
   if (line.find(u"%%\\") == ustring::npos) return;
-  const auto before = syntax::get_markers_from_snippet(line, false);
+  const auto before = scanLiterally(line);
   facts.normalisingMakesMarker = !isSubset(after, before);
   facts.normalisingBreaksMarker = !isSubset(before, after);
 }
@@ -66,11 +66,11 @@ void LineTwin::parseLine(DocumentRecord& document, const ustring& text, MarkerTy
 
 void LineTwin::parseMarkedLine(const ustring& line, MarkerTypes& types) {
   normalised = normalise(line);
-  markers = syntax::get_markers_from_snippet(normalised, false);
+  markers = scanLiterally(normalised);
   noteNormalising(line, markers, facts);
   hasTask = std::any_of(markers.begin(), markers.end(),
                         [](const MarkerInfo& info) { return isTask(info.marker); });
-  slots.assign(fl::i18n::ustring_to_utf8(normalised).size(), Slot{});
+  slots.assign(fl::i18n::twin::encodeUtf8(normalised).size(), Slot{});
   validRanges.clear();
   for (const MarkerInfo& info : markers) {
     recordFeatures(info.marker, types);
@@ -256,7 +256,7 @@ void LineTwin::noteRangePairs(const MarkerInfo& info) {
     const bool outside = begin <= otherBegin && otherEnd <= end;
     facts.rangeInsideAnother |= inside || outside;
     facts.rangesOverlap |= common && !inside && !outside;
-    facts.equalMarkersWithRanges |= other->marker == info.marker;
+    facts.equalMarkersWithRanges |= haveEqualParts(other->marker, info.marker);
   }
   validRanges.push_back(&info);
 }

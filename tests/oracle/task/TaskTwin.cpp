@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "fl/i18n/ustring.hpp"
-#include "quenlith/syntax/markers.hpp"
+#include "TextTwin.hpp"
+#include "oracle/support/scanLiterally.hpp"
 
 namespace quenlith::oracle {
 
@@ -28,20 +28,20 @@ std::vector<Marker> taskMarkersOf(const std::vector<MarkerInfo>& infos) {
 
 bool allEqualToFirst(const std::vector<Marker>& list) {
   return std::all_of(list.begin(), list.end(),
-                     [&](const Marker& marker) { return marker == list.front(); });
+                     [&](const Marker& marker) { return haveEqualParts(marker, list.front()); });
 }
 
 ustring getStringValue(const JsonMap& data, const std::string& key) {
   const auto entry = data.find(key);
   if (entry == data.end() || !entry->second.is<std::string>()) return {};
-  return fl::i18n::utf8_to_ustring(entry->second.get<std::string>());
+  return fl::i18n::twin::decodeUtf8(entry->second.get<std::string>()).text;
 }
 
 }  // namespace
 
 bool TaskTwin::canParse(const Snippet& snippet) {
   world.log("Checking if parse as task");
-  const auto markers = syntax::get_markers_from_snippet(snippet.text, false);
+  const auto markers = scanLiterally(snippet.text);
   return firstMarker(markers, u"task", u"").has_value() || snippet.type.kind == 3;
 }
 
@@ -72,7 +72,7 @@ void TaskTwin::reset() {
 }
 
 void TaskTwin::findTaskMarker(Call& call) {
-  call.markers = syntax::get_markers_from_snippet(call.snippet.text, false);
+  call.markers = scanLiterally(call.snippet.text);
   call.taskMarker = firstMarker(call.markers, u"task", u"");
   if (!call.taskMarker) noteOpenRow(call);
 }
@@ -118,7 +118,7 @@ void TaskTwin::addHeader(Call& call) {
   world.log("Parsing live task appendix data");
   inlineNode.task = buildLiveTaskData(*call.taskMarker);
   world.log("Adding Header node to tessera doc");
-  world.log(fl::i18n::ustring_to_utf8(inlineNode.task.taskId));
+  world.log(fl::i18n::twin::encodeUtf8(inlineNode.task.taskId));
   NodeRecord header = NodeRecord::of(NodeKind::kTaskLine);
   header.children.push_back(inlineNode);
   taskNodeIndex = call.document.size();
@@ -173,7 +173,7 @@ void TaskTwin::parseLine(Call& call) {
 }
 
 bool TaskTwin::hasMatchingTaskMarker(const ustring& blockText, const Marker& taskMarker) {
-  const auto tasks = taskMarkersOf(syntax::get_markers_from_snippet(blockText, false));
+  const auto tasks = taskMarkersOf(scanLiterally(blockText));
   const ustring id = taskMarker.getId();
   const auto count = std::count_if(tasks.begin(), tasks.end(),
                                    [&](const Marker& marker) { return marker.getId() == id; });
@@ -182,7 +182,7 @@ bool TaskTwin::hasMatchingTaskMarker(const ustring& blockText, const Marker& tas
   if (count == 2 && !overlapped) return true;
   if (count == 2) rows.push_back(TaskRow::kUnpairedByOverlap);
   world.log("No matching task marker was found for " +
-            fl::i18n::ustring_to_utf8(taskMarker.toString()));
+            fl::i18n::twin::encodeUtf8(taskMarker.toString()));
   return false;
 }
 
@@ -195,7 +195,7 @@ void TaskTwin::closeTask(DocumentRecord& document) {
         !top.children.empty() && top.children.front().kind == NodeKind::kTaskInline;
     if (hasTask) {
       TaskRecord& task = top.children.front().task;
-      world.log(fl::i18n::ustring_to_utf8(task.taskId));
+      world.log(fl::i18n::twin::encodeUtf8(task.taskId));
       task.numCodeLines = taskLineCount;
     }
   }

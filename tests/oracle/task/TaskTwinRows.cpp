@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "oracle/support/scanLiterally.hpp"
 #include "oracle/task/TaskTwin.hpp"
 
 // What the twin counts. Its decisions do not depend on this.
@@ -23,8 +24,9 @@ LineShape shapeOf(const std::vector<MarkerInfo>& markers) {
   LineShape shape;
   shape.twoOrMore = tasks.size() > 1;
   shape.threeOrMore = tasks.size() > 2;
-  shape.equal = std::all_of(tasks.begin(), tasks.end(),
-                            [&](const Marker& marker) { return marker == tasks.front(); });
+  shape.equal = std::all_of(tasks.begin(), tasks.end(), [&](const Marker& marker) {
+    return haveEqualParts(marker, tasks.front());
+  });
   shape.atStart = !markers.empty() && markers.front().position == 0;
   return shape;
 }
