@@ -222,6 +222,14 @@ TEST(ScanOfAnyElement, TheFirstOneCountsAmongAll) {
   EXPECT_EQ(scanAny(u"# <@widget {\"a\":\"# <@text>\"}>"), "0+29 %<@widget {\"a\":\"# <@text>\"}>");
 }
 
+TEST(MarkerInfo, IsOfTheEmptyMarkerAtTheStartUntilItIsSet) {
+  const quenlith::build::markup::core::MarkerInfo info;
+  EXPECT_EQ(info.marker, Marker());
+  EXPECT_EQ(info.position, 0U);
+  EXPECT_EQ(info.length, 0U);
+  EXPECT_FALSE(info.range);
+}
+
 TEST(Scan, ASnippetWithoutAnyMarkerGivesAnEmptyList) {
   for (const ustring text : {u"", u"x = 1", u"a <@ b", u"a < @task>"}) {
     const auto markers = get_markers_from_snippet(text, false);
