@@ -9,15 +9,22 @@ constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
 thread_local std::size_t allocations = 0;
 thread_local std::ptrdiff_t live = 0;
 thread_local std::size_t firstToFail = kNever;
+thread_local std::size_t failureCount = kNever;
+
+// Counts an allocation and says whether it fails.
+bool fails() noexcept {
+  const std::size_t number = allocations++;
+  return number >= firstToFail && number - firstToFail < failureCount;
+}
 
 void* allocate(std::size_t size) noexcept {
-  if (allocations++ >= firstToFail) return nullptr;
+  if (fails()) return nullptr;
   ++live;
   return std::malloc(size == 0 ? 1 : size);
 }
 
 void* allocate(std::size_t size, std::align_val_t alignment) noexcept {
-  if (allocations++ >= firstToFail) return nullptr;
+  if (fails()) return nullptr;
   ++live;
   const auto unit = static_cast<std::size_t>(alignment);
   const std::size_t rounded = (size + unit - 1) / unit * unit;
@@ -109,7 +116,8 @@ std::ptrdiff_t liveAllocations() {
   return live;
 }
 
-FailingAllocations::FailingAllocations(std::size_t first) {
+FailingAllocations::FailingAllocations(std::size_t first, std::size_t count) {
+  failureCount = count;
   firstToFail = first > kNever - allocations ? kNever : allocations + first;
 }
 

@@ -13,10 +13,12 @@ std::size_t allocationCount();
 /// releases what another one allocated.
 std::ptrdiff_t liveAllocations();
 
-/// While it lives, the allocations of this thread fail, except for the next `first` ones.
+/// While it lives, the allocations of this thread fail, except for the next `first` ones and those
+/// after the next `first + count`.
 class FailingAllocations {
  public:
-  explicit FailingAllocations(std::size_t first);
+  explicit FailingAllocations(std::size_t first,
+                              std::size_t count = std::numeric_limits<std::size_t>::max());
   ~FailingAllocations();
   FailingAllocations(const FailingAllocations&) = delete;
   FailingAllocations& operator=(const FailingAllocations&) = delete;

@@ -12,13 +12,15 @@ namespace cppmicroservices::detail {
 
 std::shared_ptr<FrameworkOwner> FrameworkCore::make(ManifestCheck check) {
   const auto core = std::make_shared<FrameworkCore>(check);
-  core->system = std::make_shared<SystemBundle>(core);
+  // Before the system bundle, since the owner breaks the cycle between that and the core.
   auto owner = std::make_shared<FrameworkOwner>(core);
   core->owner = owner;
+  core->system = std::make_shared<SystemBundle>(core);
   return owner;
 }
 
 FrameworkOwner::~FrameworkOwner() {
+  if (!core->system) return;
   try {
     core->system->stop();
   } catch (const std::exception&) {
@@ -36,16 +38,17 @@ std::vector<Bundle> FrameworkCore::install(BundlePrivate& installer, const std::
     manifests.push_back(parseManifest(path, text));
     checkManifest(manifests.back(), path);
   }
-  for (const auto& bundle : add(path, manifests)) {
-    listeners.send(
-        BundleEvent(BundleEvent::BUNDLE_INSTALLED, bundle->bundle(), installer.bundle()));
+  Installed result = add(path, manifests);
+  for (const Bundle& bundle : result.added) {
+    listeners.send(BundleEvent(BundleEvent::BUNDLE_INSTALLED, bundle, installer.bundle()));
   }
-  return bundlesAt(path);
+  // Not copied, which could fail after the bundles were installed.
+  return std::move(result.all);
 }
 
-FrameworkCore::LibraryBundles FrameworkCore::add(const std::string& location,
-                                                 const std::vector<AnyMap>& manifests) {
-  LibraryBundles added;
+FrameworkCore::Installed FrameworkCore::add(const std::string& location,
+                                            const std::vector<AnyMap>& manifests) {
+  Installed result;
   const std::lock_guard lock(mutex);
   // Under the lock, so that a framework that stops finds every bundle.
   if (!system->acceptsBundles()) throw std::logic_error("the framework stops: no bundle is added");
@@ -58,11 +61,13 @@ FrameworkCore::LibraryBundles FrameworkCore::add(const std::string& location,
     if (twin && twin->location == location && installed.count(twin->id) > 0) continue;
     if (twin) refuseTwin(*bundle, *twin);
     longer.emplace(bundle->id, bundle);
-    added.push_back(bundle);
+    result.added.push_back(bundle->bundle());
     ++lastId;
   }
-  installed = std::move(longer);
-  return added;
+  result.all = bundlesAt(longer, location);
+  // Nothing can fail any more.
+  installed.swap(longer);
+  return result;
 }
 
 bool FrameworkCore::isInstalledCompletely(const std::string& location) const {
@@ -129,8 +134,14 @@ std::vector<Bundle> FrameworkCore::bundles() const {
 }
 
 std::vector<Bundle> FrameworkCore::bundlesAt(const std::string& location) const {
+  const std::lock_guard lock(mutex);
+  return bundlesAt(installed, location);
+}
+
+std::vector<Bundle> FrameworkCore::bundlesAt(const BundleTable& table,
+                                             const std::string& location) {
   std::vector<Bundle> result;
-  for (const auto& bundle : libraryBundles()) {
+  for (const auto& [id, bundle] : table) {
     if (bundle->location == location) result.push_back(bundle->bundle());
   }
   return result;

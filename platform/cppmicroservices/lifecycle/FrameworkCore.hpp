@@ -58,7 +58,13 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
 
   using BundleTable = std::map<long, std::shared_ptr<LibraryBundle>>;
 
-  LibraryBundles add(const std::string& location, const std::vector<AnyMap>& manifests);
+  struct Installed {
+    std::vector<Bundle> added;
+    std::vector<Bundle> all;
+  };
+
+  Installed add(const std::string& location, const std::vector<AnyMap>& manifests);
+  static std::vector<Bundle> bundlesAt(const BundleTable& table, const std::string& location);
   bool isInstalledCompletely(const std::string& location) const;
   static std::shared_ptr<LibraryBundle> findTwin(const BundleTable& table,
                                                  const BundlePrivate& added);
