@@ -108,12 +108,17 @@ SURVIVORS = """
 
 
 class Mutate(unittest.TestCase):
-    def setUp(self):
+    @classmethod
+    def setUpClass(cls):
         folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.tree = pathlib.Path(folder.name).resolve() / "a tree"
+        cls.addClassCleanup(folder.cleanup)
+        cls.tree = pathlib.Path(folder.name).resolve() / "a tree"
+
+    def setUp(self):
+        # The build stays, configuring it takes longest.
         for name, text in TREE.items():
             self.write(name, textwrap.dedent(text).lstrip("\n"))
+        (self.tree / "build" / "mutate" / "results.jsonl").unlink(missing_ok=True)
 
     def write(self, name, text):
         path = self.tree / name
