@@ -11,6 +11,7 @@
 
 #include <cppmicroservices/Constants.h>
 #include <cppmicroservices/LDAPFilter.h>
+#include <cppmicroservices/ServiceEvent.h>
 #include <cppmicroservices/ServiceException.h>
 #include <cppmicroservices/ServiceTracker.h>
 
@@ -19,6 +20,7 @@
 using cppmicroservices::Any;
 using cppmicroservices::InterfaceMap;
 using cppmicroservices::LDAPFilter;
+using cppmicroservices::ServiceEvent;
 using cppmicroservices::ServiceProperties;
 using cppmicroservices::ServiceReference;
 using cppmicroservices::ServiceRegistration;
@@ -170,6 +172,21 @@ TEST_F(ServiceTrackers, CloseWhenTheyAreDestroyed) {
   EXPECT_THAT(recorder.calls, ElementsAre("add word", "remove word"));
   const auto later = add("later");
   EXPECT_EQ(recorder.calls.size(), 2U);
+}
+
+TEST_F(ServiceTrackers, IgnoreAServiceThatIsGoneBeforeTheyGetIt) {
+  auto word = add("word", {{"kind", std::string("y")}});
+  bool isPassing = false;
+  context.AddServiceListener([&](const ServiceEvent& event) {
+    if (isPassing && event.GetType() == ServiceEvent::SERVICE_MODIFIED) word.Unregister();
+  });
+  ServiceTracker<demo::Word> tracker(context, LDAPFilter("(kind=x)"));
+  tracker.Open();
+  isPassing = true;
+  // The tracker is told that the filter matches the service after that was unregistered.
+  word.SetProperties({{"kind", std::string("x")}});
+  EXPECT_TRUE(tracker.IsEmpty());
+  EXPECT_THAT(takeProblems(), testing::IsEmpty());
 }
 
 TEST_F(ServiceTrackers, OfOtherObjectsNeedACustomizer) {

@@ -131,10 +131,11 @@ class ServiceTracker : protected ServiceTrackerCustomizer<S, T> {
   virtual bool IsEmpty() const { return services.size() == 0; }
 
  protected:
-  /// Returns the service object. Throws `std::runtime_error` when `T` is another type.
+  /// Returns the service object, null when the service was unregistered meanwhile. Throws
+  /// `std::runtime_error` when `T` is another type, `std::invalid_argument` for an invalid
+  /// reference.
   std::shared_ptr<TrackedParamType> AddingService(const ServiceReference<S>& reference) override {
-    return ServiceTrackerCustomizer<S, T>::TypeTraits::ConvertToTrackedType(
-        services.bundleContext().GetService(reference));
+    return ServiceTrackerCustomizer<S, T>::TypeTraits::ConvertToTrackedType(serviceOf(reference));
   }
 
   void ModifiedService(const ServiceReference<S>& /*reference*/,
@@ -166,6 +167,17 @@ class ServiceTracker : protected ServiceTrackerCustomizer<S, T> {
             [customizer](const ServiceReferenceU& reference, const Object& object) {
               customizer->RemovedService(reference, typed(object));
             }};
+  }
+
+  auto serviceOf(const ServiceReference<S>& reference)
+      -> decltype(std::declval<BundleContext&>().GetService(reference)) {
+    try {
+      return services.bundleContext().GetService(reference);
+    } catch (const std::invalid_argument&) {
+      // Only a reference that never had a service has no properties.
+      if (reference.GetPropertyKeys().empty()) throw;
+      return nullptr;
+    }
   }
 
   static Object untyped(const std::shared_ptr<TrackedParamType>& object) {
