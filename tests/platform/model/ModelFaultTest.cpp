@@ -74,6 +74,19 @@ class ModelFault : public testing::Test {
   Model model;
 };
 
+// More nodes than fit into one chunk of the model, one after the other.
+TEST_F(ModelFault, ANodeLeavesTheRoomOfAllItsPartsToTheNextOne) {
+  const auto useLine = [this] {
+    const LineNode line = makeLine();
+    line->setAnchorId(u"a");
+    line->getChildrenMutable().add(makeText());
+  };
+  useLine();
+  const std::ptrdiff_t live = liveAllocations();
+  for (int i = 0; i < 20'000; ++i) useLine();
+  EXPECT_EQ(liveAllocations(), live);
+}
+
 TEST_F(ModelFault, ADocumentThatCannotBeMadeLeavesNothing) {
   const std::size_t failed = failEachAllocation([] { const TesseraDocument another; }, [] {});
   EXPECT_GT(failed, 0u);

@@ -187,6 +187,29 @@ TEST_F(Verify, FindsACollectionOfAnotherProperty) {
   EXPECT_EQ(broken(), "a collection has a property");
 }
 
+TEST_F(Verify, ChecksTheRarePartsOfANode) {
+  const auto& failures = document.getChildAt(4)->getParserFailuresMutable();
+  const auto& contributorData = document.getChildAt(5)->getContributorDataMutable();
+  {
+    const kd::zero::AbstractOwnedCollection& collection = failures;
+    const Corruption corruption(&collection, kCount, std::uint32_t{1000});
+    EXPECT_EQ(broken(), "a sequence of values knows its size");
+  }
+  {
+    const Corruption corruption(&contributorData, kProperty, std::uint16_t{60000});
+    EXPECT_EQ(broken(), "a collection has a property");
+  }
+  {
+    const Corruption corruption(&contributorData[0]->getLineDataList(), kProperty,
+                                std::uint16_t{60000});
+    EXPECT_EQ(broken(), "a collection has a property");
+  }
+  // The owner of the rare parts is before their collections.
+  const char* const owner = reinterpret_cast<const char*>(&failures) - sizeof(void*);
+  const Corruption corruption(owner, 0, line.get());
+  EXPECT_EQ(broken(), "the rare parts of a node know the node");
+}
+
 TEST_F(Verify, FindsAPlaceThatRefersToNoElement) {
   ModelElement::Impl* const* block = nullptr;
   std::memcpy(&block, reinterpret_cast<const char*>(&line->getChildren()) + kPlaces, sizeof block);
