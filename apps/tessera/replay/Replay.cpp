@@ -10,6 +10,7 @@
 #include "tessera/diagnostics/describeException.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
 #include "tessera/session/ResultJson.hpp"
+#include "tessera/session/nextBlockVersion.hpp"
 
 namespace tessera::replay {
 
@@ -156,7 +157,10 @@ SnippetParser& Replay::findParser(const Command& command) const {
 const quenlith::build::markup::Snippet& Replay::takeSnippet(const CommandSnippet& given) {
   snippet.text = given.text;
   snippet.type = given.type;
-  if (given.auxiliaryText) snippet.auxiliaryText = *given.auxiliaryText;
+  if (given.auxiliaryText) {
+    snippet.auxiliaryText = *given.auxiliaryText;
+    snippet.blockVersion = session::nextBlockVersion();
+  }
   return snippet;
 }
 

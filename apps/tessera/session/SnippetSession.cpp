@@ -1,12 +1,12 @@
 #include "tessera/session/SnippetSession.hpp"
 
-#include <atomic>
 #include <stdexcept>
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/diagnostics/describeException.hpp"
 #include "tessera/session/Recording.hpp"
+#include "tessera/session/nextBlockVersion.hpp"
 
 namespace tessera::session {
 
@@ -15,12 +15,6 @@ using quenlith::build::markup::Snippet;
 using quenlith::build::markup::SnippetType;
 
 namespace {
-
-/// Returns a version that no other block of this process has: sessions may share parsers.
-std::uint64_t nextBlockVersion() noexcept {
-  static std::atomic<std::uint64_t> last = 0;
-  return ++last;
-}
 
 /// A parser has accepted a line and added nothing for it.
 struct NodeMissing {};
