@@ -24,7 +24,7 @@ std::u16string_view trimmed(std::u16string_view line) {
   return line.substr(begin, line.find_last_not_of(kBlanks) - begin + 1);
 }
 
-std::uint64_t hashOf(std::string_view id, std::u16string_view line) {
+std::uint64_t calculateHash(std::string_view id, std::u16string_view line) {
   Hash hash;
   for (const char character : id) hash.add(static_cast<unsigned char>(character));
   hash.add(0);
@@ -47,6 +47,16 @@ std::string hexadecimal(std::uint64_t number) {
 std::string LineFingerprints::next(std::string_view id, std::u16string_view line) {
   const std::uint64_t hash = hashOf(id, line);
   return hexadecimal(hash) + ':' + std::to_string(++counts[hash]);
+}
+
+std::uint64_t LineFingerprints::hashOf(std::string_view id, std::u16string_view line) {
+  if (line.data() != latest.data() || line.size() != latest.size()) {
+    hashes.clear();
+    latest = line;
+  }
+  auto known = hashes.find(id);
+  if (known == hashes.end()) known = hashes.emplace(id, calculateHash(id, line)).first;
+  return known->second;
 }
 
 }  // namespace tessera::reports
