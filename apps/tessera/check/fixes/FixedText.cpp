@@ -46,9 +46,9 @@ class Selection {
     return !fix.edits.empty();
   }
 
-  /// The edits of the fixes taken, the last one in the text first.
-  std::vector<const Edit*> editsFromEnd() {
-    std::ranges::sort(edits, std::greater{}, [](const Edit* edit) { return edit->span.begin; });
+  /// Returns the edits of the fixes taken, in ascending order.
+  std::vector<const Edit*> takenEdits() {
+    std::ranges::sort(edits, {}, [](const Edit* edit) { return edit->span.begin; });
     return std::move(edits);
   }
 
@@ -64,6 +64,73 @@ class Selection {
 
 }  // namespace
 
+/// Applies edits in ascending order, each line in one pass: a line may be long and have many edits.
+/// Afterwards lines may be empty, or lack their ending.
+class FixedText::Editor {
+ public:
+  /// Borrows `lines`.
+  explicit Editor(std::vector<Line>& lines) : lines(lines) {}
+
+  void apply(const Edit& edit) {
+    moveTo(edit.span.begin, Passed::kKept);
+    edited += edit.text;
+    moveTo(edit.span.end, Passed::kDropped);
+  }
+
+  void finish() { leaveLine(Passed::kKept); }
+
+ private:
+  /// What becomes of the text that `moveTo` passes.
+  enum class Passed { kKept, kDropped };
+
+  void moveTo(const Position& position, Passed passed) {
+    if (position.line != number) {
+      leaveLine(passed);
+      if (passed == Passed::kDropped) clearLines(number + 1, position.line);
+      enterLine(position.line);
+    }
+    const std::size_t from = offset;
+    while (unit < position.unit && offset < line().bytes.size()) {
+      const std::size_t length = lengthOf(static_cast<unsigned char>(line().bytes[offset]));
+      offset += length;
+      unit += length == 4 ? 2 : 1;
+    }
+    if (passed == Passed::kKept) edited.append(line().bytes, from, offset - from);
+  }
+
+  void leaveLine(Passed passed) {
+    if (!isInLine()) return;
+    if (passed == Passed::kKept) edited.append(line().bytes, offset);
+    line().bytes = std::exchange(edited, {});
+  }
+
+  /// The line after the last one is empty.
+  void enterLine(std::uint64_t entered) {
+    number = entered;
+    unit = 0;
+    offset = 0;
+    if (!isInLine() || line().origin != 0 || !line().bytes.starts_with(kByteOrderMark)) return;
+    offset = kByteOrderMark.size();
+    edited = kByteOrderMark;
+  }
+
+  void clearLines(std::uint64_t first, std::uint64_t end) {
+    for (std::uint64_t cleared = first; cleared < end; ++cleared) lines[cleared - 1].bytes.clear();
+  }
+
+  bool isInLine() const { return number != 0 && number <= lines.size(); }
+  Line& line() { return lines[number - 1]; }
+
+  std::vector<Line>& lines;
+  /// The 1-based number of the current line; 0 before the first one.
+  std::uint64_t number = 0;
+  /// The place in the line, in code units and in bytes.
+  std::uint64_t unit = 0;
+  std::size_t offset = 0;
+  /// What the line up to that place becomes.
+  std::string edited;
+};
+
 FixedText::FixedText(std::string_view bytes) : original(splitLines(bytes)) {
   lines.reserve(original.size());
   for (std::size_t i = 0; i < original.size(); ++i) lines.push_back({original[i], i});
@@ -75,9 +142,11 @@ std::size_t FixedText::apply(std::span<const catalogue::Diagnostic> diagnostics)
   for (const catalogue::Diagnostic& diagnostic : diagnostics) {
     if (diagnostic.fix && selection.take(*diagnostic.fix)) ++count;
   }
-  std::set<std::size_t> removed;
-  for (const Edit* edit : selection.editsFromEnd()) replace(*edit);
-  if (count != 0) normalize();
+  if (count == 0) return 0;
+  Editor editor(lines);
+  for (const Edit* edit : selection.takenEdits()) editor.apply(*edit);
+  editor.finish();
+  normalize();
   return count;
 }
 
@@ -94,33 +163,6 @@ void FixedText::normalize() {
     }
   }
   lines = std::move(kept);
-}
-
-/// Afterwards lines may be empty, or lack their ending.
-void FixedText::replace(const Edit& edit) {
-  const auto& [begin, end] = edit.span;
-  Line& first = lines[begin.line - 1];
-  const std::size_t from = offsetOf(begin);
-  if (begin.line == end.line) {
-    first.bytes.replace(from, offsetOf(end) - from, edit.text);
-    return;
-  }
-  if (end.line <= lines.size()) lines[end.line - 1].bytes.erase(0, offsetOf(end));
-  for (std::size_t line = begin.line + 1; line < end.line; ++line) lines[line - 1].bytes.clear();
-  first.bytes.replace(from, first.bytes.npos, edit.text);
-}
-
-std::size_t FixedText::offsetOf(const Position& position) const {
-  const Line& line = lines[position.line - 1];
-  std::size_t offset = 0;
-  if (line.origin == 0 && line.bytes.starts_with(kByteOrderMark)) offset = kByteOrderMark.size();
-  if (position.unit == 0 && position.line > 1) return 0;
-  for (std::uint64_t unit = 0; unit < position.unit;) {
-    const std::size_t length = lengthOf(static_cast<unsigned char>(line.bytes[offset]));
-    offset += length;
-    unit += length == 4 ? 2 : 1;
-  }
-  return offset;
 }
 
 std::string FixedText::bytes() const {

@@ -35,9 +35,9 @@ class FixedText {
     std::size_t origin = 0;
   };
 
-  void replace(const catalogue::Edit& edit);
+  class Editor;
+
   void normalize();
-  std::size_t offsetOf(const catalogue::Position& position) const;
 
   std::vector<std::string> original;
   std::vector<Line> lines;
