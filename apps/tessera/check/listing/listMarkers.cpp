@@ -11,6 +11,7 @@
 
 #include "tessera/check/scan/FileScan.hpp"
 #include "tessera/check/scan/HiddenRanges.hpp"
+#include "tessera/check/scan/KeyedMap.hpp"
 #include "tessera/check/scan/LineRanges.hpp"
 #include "tessera/check/scan/RecordedFailures.hpp"
 #include "tessera/check/scan/TaskWalk.hpp"
@@ -165,18 +166,20 @@ class EntryFates {
   }
 
  private:
-  using Key = std::pair<std::u16string, std::u16string>;
-
-  static Key keyOf(const Marker& marker) { return {marker.getElement(), marker.getId()}; }
-
-  MarkerFate fateOf(const Marker& marker) {
-    const Key key = keyOf(marker);
-    if (!known.insert(key).second) return kDuplicateEntry;
-    return used.contains(key) ? kEntry : kUnusedEntry;
+  /// An element has no '#'.
+  static std::u16string keyOf(const Marker& marker) {
+    return marker.getElement() + u'#' + marker.getId();
   }
 
-  std::set<Key> used;
-  std::set<Key> known;
+  MarkerFate fateOf(const Marker& marker) {
+    std::u16string key = keyOf(marker);
+    const bool isUsed = used.contains(key);
+    if (!known.insert(std::move(key)).second) return kDuplicateEntry;
+    return isUsed ? kEntry : kUnusedEntry;
+  }
+
+  KeyedSet<std::u16string> used;
+  KeyedSet<std::u16string> known;
 };
 
 /// Calls `takeLine` with what was found on each line.
