@@ -9,7 +9,6 @@
 #include "document/kdzero/LiveAppLineNode.hpp"
 #include "quenlith/build/markup/code/LineNodeParserService.hpp"
 #include "quenlith/build/markup/code/line/MarkerKind.hpp"
-#include "quenlith/build/markup/code/task/TaskFailures.hpp"
 #include "quenlith/build/markup/code/task/TaskHeader.hpp"
 #include "quenlith/build/markup/core/MarkerInfo.hpp"
 #include "quenlith/shared/logging/trace.hpp"
@@ -74,6 +73,7 @@ void TaskSnippetParserImpl::reset() {
   currentTaskId.clear();
   overlappingTaskIds.clear();
   taskIdCounts.clear();
+  taskFailures.clear();
 }
 
 bool TaskSnippetParserImpl::canParse(const Snippet& snippet) {
@@ -162,9 +162,9 @@ void TaskSnippetParserImpl::parseLine(Line& line, const Snippet& snippet) {
   const Node lineNode = line.document->getChildAt(index);
   const Marker& taskMarker = line.taskMarker->marker;
   if (line.overlapping) {
-    task::addOverlappingTaskMarkerFailure(lineNode, *appendixBuilder, taskMarker);
+    taskFailures.addOverlapping(lineNode, *appendixBuilder, taskMarker);
   } else {
-    task::addMissingTaskMarkerFailure(lineNode, *appendixBuilder, taskMarker);
+    taskFailures.addMissingPartner(lineNode, *appendixBuilder, taskMarker);
   }
 }
 

@@ -7,6 +7,7 @@
 #include "document/kdzero/Node.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
 #include "quenlith/build/markup/SnippetParser.hpp"
+#include "quenlith/build/markup/code/task/TaskFailures.hpp"
 #include "quenlith/build/markup/code/task/TaskIdCounts.hpp"
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
 #include "quenlith/shared/appendix/AppendixBuilder.hpp"
@@ -46,7 +47,7 @@ class TaskSnippetParserImpl : public SnippetParser {
   ParseResult parse(std::shared_ptr<document::kdzero::TesseraDocument> document,
                     const Snippet& snippet) override;
 
-  /// Forgets the open task, the overlapping ids and the last block.
+  /// Forgets the open task, the overlapping ids, the last block and the data of failures.
   void reset() override;
 
  private:
@@ -76,6 +77,7 @@ class TaskSnippetParserImpl : public SnippetParser {
   /// authors choose the ids, and chosen collisions would make a hash table quadratic.
   std::set<fl::i18n::ustring> overlappingTaskIds;
   task::TaskIdCounts taskIdCounts;
+  task::TaskFailures taskFailures;
 };
 
 }  // namespace quenlith::build::markup::code

@@ -1,5 +1,9 @@
 #include "quenlith/build/markup/code/task/TaskAppendix.hpp"
 
+#include <map>
+#include <string>
+
+#include "foundation/json/Value.hpp"
 #include "quenlith/build/markup/code/task/getStringValue.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 
@@ -10,16 +14,15 @@ using shared::appendix::AppendixBuilder;
 using syntax::Marker;
 using tessera::contentmodel::kdzero::LiveTaskData;
 
-std::map<std::string, foundation::json::Value> findAppendixEntry(
-    const AppendixBuilder& appendixBuilder, const Marker& taskMarker) {
+std::optional<Marker> findAppendixEntry(const AppendixBuilder& appendixBuilder,
+                                        const Marker& taskMarker) {
   trace("finding Appendix Entry");
-  const shared::appendix::AppendixEntry entry = appendixBuilder.findEntry(taskMarker);
-  if (!entry.marker) return {};
-  return entry.marker->getData();
+  return appendixBuilder.findEntry(taskMarker).marker;
 }
 
 LiveTaskData buildLiveTaskData(const AppendixBuilder& appendixBuilder, const Marker& taskMarker) {
-  const auto data = findAppendixEntry(appendixBuilder, taskMarker);
+  const std::optional<Marker> entry = findAppendixEntry(appendixBuilder, taskMarker);
+  const auto data = entry ? entry->getData() : std::map<std::string, foundation::json::Value>();
   return LiveTaskData()
       .setAppIdentifier(getStringValue(data, "taskClassDefFile"))
       .setTaskId(getStringValue(data, "uniqueId"))

@@ -1,18 +1,16 @@
 #pragma once
 
-#include <map>
-#include <string>
+#include <optional>
 
-#include "foundation/json/Value.hpp"
 #include "quenlith/shared/appendix/AppendixBuilder.hpp"
 #include "quenlith/syntax/Marker.hpp"
 #include "tessera/contentmodel/kdzero/LiveTaskData.hpp"
 
 namespace quenlith::build::markup::code::task {
 
-/// Returns the data of the appendix entry of `taskMarker`, empty when there is none. Throws what
+/// Returns the appendix entry of `taskMarker`, or nothing when there is none. Throws what
 /// `appendixBuilder` throws.
-std::map<std::string, foundation::json::Value> findAppendixEntry(
+std::optional<syntax::Marker> findAppendixEntry(
     const shared::appendix::AppendixBuilder& appendixBuilder, const syntax::Marker& taskMarker);
 
 /// Returns the settings of the task from its appendix entry. Those that are missing or not strings

@@ -1,11 +1,9 @@
 #include "quenlith/build/markup/code/task/TaskFailures.hpp"
 
-#include <string_view>
+#include <optional>
 #include <utility>
 
 #include "failures/kdzero/MarkerInfo.hpp"
-#include "failures/kdzero/ParserFailure.hpp"
-#include "fl/i18n/ustring.hpp"
 #include "quenlith/build/markup/code/failure/failureIds.hpp"
 #include "quenlith/build/markup/code/task/TaskAppendix.hpp"
 #include "quenlith/shared/logging/trace.hpp"
@@ -19,32 +17,40 @@ using quenlith::shared::logging::trace;
 using shared::appendix::AppendixBuilder;
 using syntax::Marker;
 
-namespace {
+void TaskFailures::addMissingPartner(Node lineNode, const AppendixBuilder& appendixBuilder,
+                                     const Marker& taskMarker) {
+  trace("Building a missing task marker failure");
+  add(std::move(lineNode), appendixBuilder, taskMarker, failure::kMissingTaskMarkerPair);
+}
 
-void addFailure(Node lineNode, const AppendixBuilder& appendixBuilder, const Marker& taskMarker,
-                std::u16string_view failureId) {
+void TaskFailures::addOverlapping(Node lineNode, const AppendixBuilder& appendixBuilder,
+                                  const Marker& taskMarker) {
+  trace("Building an overlapping task marker failure");
+  add(std::move(lineNode), appendixBuilder, taskMarker, failure::kOverlappingTaskMarker);
+}
+
+void TaskFailures::add(Node lineNode, const AppendixBuilder& appendixBuilder,
+                       const Marker& taskMarker, std::u16string_view failureId) {
   auto& parserFailures = lineNode->getParserFailuresMutable();
-  ParserFailure parserFailure;
+  ParserFailure parserFailure = makeFailure(appendixBuilder, taskMarker);
   parserFailure.setFailureId(ustring(failureId));
   parserFailure.setMarkerInfo(failures::kdzero::MarkerInfo()
                                   .setFeatureId(taskMarker.getElement())
                                   .setMarkerId(taskMarker.getId()));
-  parserFailure.setFailureData(findAppendixEntry(appendixBuilder, taskMarker));
   parserFailures.add(parserFailure);
 }
 
-}  // namespace
-
-void addMissingTaskMarkerFailure(Node lineNode, const AppendixBuilder& appendixBuilder,
-                                 const Marker& taskMarker) {
-  trace("Building a missing task marker failure");
-  addFailure(std::move(lineNode), appendixBuilder, taskMarker, failure::kMissingTaskMarkerPair);
-}
-
-void addOverlappingTaskMarkerFailure(Node lineNode, const AppendixBuilder& appendixBuilder,
-                                     const Marker& taskMarker) {
-  trace("Building an overlapping task marker failure");
-  addFailure(std::move(lineNode), appendixBuilder, taskMarker, failure::kOverlappingTaskMarker);
+/// Returns a failure that has only data.
+ParserFailure TaskFailures::makeFailure(const AppendixBuilder& appendixBuilder,
+                                        const Marker& taskMarker) {
+  const std::optional<Marker> found = findAppendixEntry(appendixBuilder, taskMarker);
+  if (!found) return {};
+  Entry& entry = entries[taskMarker.getId()];
+  if (!(entry.marker == *found)) {
+    entry.failure.setFailureData(found->getData());
+    entry.marker = *found;
+  }
+  return entry.failure;
 }
 
 }  // namespace quenlith::build::markup::code::task

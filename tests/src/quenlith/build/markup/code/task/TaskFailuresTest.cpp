@@ -46,6 +46,29 @@ TEST_F(TaskSnippetParser, TheFailureWithoutAnAppendixEntryHasNoData) {
   EXPECT_TRUE(node(0)->getParserFailures()[0].getFailureData().empty());
 }
 
+TEST_F(TaskSnippetParser, FailuresWithTheSameAppendixEntryShareItsData) {
+  appendix->addEntry(Marker(u"%<@task#t1 {\"a\":[1,2]}>"));
+  appendix->addEntry(Marker(u"%<@task#t2 {\"b\":[1,2]}>"));
+  for (const char16_t* line : {u"# <@task#t1>", u"# <@task#t2>", u"# <@task#t1>"}) {
+    parse(line, 0, u"");
+  }
+  const auto dataOf = [this](std::uint64_t line) {
+    return &node(line)->getParserFailures()[0].getFailureData();
+  };
+  EXPECT_EQ(dataOf(0), dataOf(2));
+  EXPECT_EQ(*dataOf(0), appendix->entries[0].getData());
+  EXPECT_EQ(*dataOf(1), appendix->entries[1].getData());
+}
+
+TEST_F(TaskSnippetParser, AFailureHasTheDataOfTheEntryAsItIsThen) {
+  for (const char16_t* entry : {u"%<@task#t1 {\"a\":1}>", u"%<@task#t1 {\"a\":2}>"}) {
+    appendix->entries = {Marker(entry)};
+    parse(u"# <@task#t1>", 0, u"");
+    const std::uint64_t last = document->getNumberOfChildren() - 1;
+    EXPECT_EQ(node(last)->getParserFailures()[0].getFailureData(), Marker(entry).getData());
+  }
+}
+
 TEST_F(TaskSnippetParser, TheFirstTaskMarkerOfALineDecides) {
   parse(u"# <@task#t2> # <@task#t1>", 0, kBlock);
   EXPECT_EQ(node(0)->getParserFailures()[0].getMarkerInfo().getMarkerId(), u"t2");
