@@ -39,8 +39,7 @@ bool areOfOneMarker(const Node& first, const Node& second) {
   if (hasDetails(first) || hasDetails(second)) return false;
   const auto* a = static_cast<const PieceImpl*>(first.get());
   const auto* b = static_cast<const PieceImpl*>(second.get());
-  return a->getRange() == b->getRange() && a->getId() == b->getId() &&
-         a->getType() == b->getType() && a->getData() == b->getData();
+  return a->getRange() == b->getRange() && a->getMarker() == b->getMarker();
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ using document::kdzero::PlainTextNode;
 using document::kdzero::TesseraDocument;
 using document::kdzero::TextNode;
 using foundation::json::Value;
+using quenlith::syntax::Marker;
 using tessera::pieces::ControlNode;
 using tessera::pieces::OutputNode;
 using tessera::pieces::PieceNode;
@@ -48,15 +49,15 @@ TYPED_TEST(PieceNodeOfEachKind, IsEmptyAtFirst) {
 TYPED_TEST(PieceNodeOfEachKind, KeepsWhatIsSet) {
   const TypeParam node = this->make(this->document.getModel());
   node->setText(std::u16string(1000, u'x'));
-  node->setId(u"an id that is too long for the string's own buffer");
-  node->setType(u"slider");
   node->setRange({3, 18446744073709551615U});
-  node->setData({{"a", Value(1.5)}});
+  const Marker marker(u"# <@control:slider#\"an id\" {\"a\":1.5}>");
+  node->setMarker(marker);
   EXPECT_EQ(node->getText(), std::u16string(1000, u'x'));
-  EXPECT_EQ(node->getId(), u"an id that is too long for the string's own buffer");
+  EXPECT_EQ(node->getId(), u"an id");
   EXPECT_EQ(node->getType(), u"slider");
   EXPECT_EQ(node->getRange(), PieceNode::Impl::Range(3, 18446744073709551615U));
   EXPECT_EQ(node->getData(), (foundation::json::Object{{"a", Value(1.5)}}));
+  EXPECT_EQ(node->getMarker(), marker);
   this->document.addChild(node);
   EXPECT_TRUE(this->document.getModel().verify());
 }
@@ -77,7 +78,7 @@ TYPED_TEST(PieceNodeOfEachKind, CanContainNodesNestedVeryDeep) {
   this->document.addChild(innermost);
   for (int i = 0; i < 100000; ++i) {
     const TypeParam child = this->make(model);
-    child->setId(u"an id that is too long for the string's own buffer");
+    child->setMarker(Marker(u"# <@output#\"an id\">"));
     innermost->getChildrenMutable().add(child);
     innermost = child;
   }

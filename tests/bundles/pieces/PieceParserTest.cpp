@@ -79,12 +79,12 @@ TEST_F(PieceParserTest, ANodeThatCannotBeMadeLeaksNothing) {
   const Marker marker(u"# <@control:slider#an-id-that-is-too-long-for-a-buffer {\"key\":[1,2]}>");
   const CodeElement element{
       .text = std::u16string(600, u'x'), .marker = marker, .range = std::pair(0U, 600U)};
-  // Parses the data, which the marker keeps, and allocates what the model keeps.
+  // Allocates what the model keeps.
   parser.parse(model, element);
   const std::ptrdiff_t before = liveAllocations();
   const std::size_t failures = failEachAllocation([&] { parser.parse(model, element); },
                                                   [&] { EXPECT_EQ(liveAllocations(), before); });
-  EXPECT_GE(failures, 3U);
+  EXPECT_GE(failures, 1U);
   EXPECT_EQ(liveAllocations(), before);
   EXPECT_TRUE(model.verify());
 }

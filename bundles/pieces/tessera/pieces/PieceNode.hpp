@@ -8,6 +8,7 @@
 #include "document/kdzero/TextNode.hpp"
 #include "foundation/json/Value.hpp"
 #include "quenlith/export/piece_nodes.hpp"
+#include "quenlith/syntax/Marker.hpp"
 
 namespace tessera::pieces {
 
@@ -27,20 +28,23 @@ class QUENLITH_PIECE_NODES_EXPORT PieceNode::Impl : public document::kdzero::Tex
 
   static const kd::zero::meta::Class& classOf() noexcept { return kMetaClass; }
 
-  /// The marker's id; valid until it is set again or the node is destroyed.
-  std::u16string_view getId() const noexcept { return id; }
-  void setId(std::u16string_view newId) { id = newId; }
+  /// The marker that owns the piece. Its parts are shared: a marker may own many pieces, and its id
+  /// and data may be most of a line.
+  const quenlith::syntax::Marker& getMarker() const noexcept { return marker; }
+  void setMarker(quenlith::syntax::Marker newMarker) noexcept { marker = std::move(newMarker); }
 
-  /// The marker's type, "slider" in `control:slider`; valid until it is set again or the node is
-  /// destroyed.
-  std::u16string_view getType() const noexcept { return type; }
-  void setType(std::u16string_view newType) { type = newType; }
+  /// The marker's id; valid until the marker is set again or the node is destroyed.
+  std::u16string_view getId() const noexcept { return marker.idView(); }
+
+  /// The marker's type, "slider" in `control:slider`; valid until the marker is set again or the
+  /// node is destroyed.
+  std::u16string_view getType() const noexcept { return marker.typeView(); }
 
   const Range& getRange() const noexcept { return range; }
   void setRange(const Range& newRange) noexcept { range = newRange; }
 
-  const foundation::json::Object& getData() const noexcept { return data; }
-  void setData(foundation::json::Object newData) noexcept { data = std::move(newData); }
+  /// The marker's data. The first call parses it and may throw std::bad_alloc.
+  const foundation::json::Object& getData() const { return marker.dataView(); }
 
  protected:
   Impl(kd::zero::meta::ClassKey nodeClass, const boost::uuids::uuid& uuid)
@@ -50,10 +54,8 @@ class QUENLITH_PIECE_NODES_EXPORT PieceNode::Impl : public document::kdzero::Tex
  private:
   static const kd::zero::meta::Class kMetaClass;
 
-  ustring id;
-  ustring type;
+  quenlith::syntax::Marker marker;
   Range range;
-  foundation::json::Object data;
 };
 
 }  // namespace tessera::pieces

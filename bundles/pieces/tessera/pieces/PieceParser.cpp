@@ -26,10 +26,8 @@ document::kdzero::Node PieceParser::parse(const kd::zero::Model& model,
   const quenlith::syntax::Marker& marker = element.marker.value();
   PieceNode node = makeNode(model, marker.elementView() == u"control");
   node->setText(element.text);
-  node->setId(marker.idView());
-  node->setType(marker.typeView());
+  node->setMarker(marker);
   node->setRange(element.range.value());
-  node->setData(marker.dataView());
   return node;
 }
 

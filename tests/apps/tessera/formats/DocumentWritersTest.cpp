@@ -126,10 +126,9 @@ TEST_F(DocumentWriters, APieceIsWrittenWithThePartsOfItsMarker) {
   line->getChildrenMutable().add(output);
   auto control = ControlNode::Builder(model()).createControlNode({});
   control->setText(u"1");
-  control->setId(u"c\u001B");
-  control->setType(u"slider");
+  control->setMarker(quenlith::syntax::Marker(
+      u"# <@control:slider#\"c\\u001b\" {\"min\":0.5,\"max\":18446744073709551615}>"));
   control->setRange({4, 18446744073709551615U});
-  control->setData({{"min", Value(0.5)}, {"max", Value(std::uint64_t{18446744073709551615U})}});
   line->getChildrenMutable().add(control);
   addLine(line);
   const std::string rest = "\"children\":[],\"contributorData\":[],\"parserFailures\":[]}";

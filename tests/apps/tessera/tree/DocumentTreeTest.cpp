@@ -21,6 +21,7 @@ using document::kdzero::LineNode;
 using document::kdzero::Node;
 using foundation::json::Object;
 using foundation::json::Value;
+using quenlith::syntax::Marker;
 using tessera::contentmodel::kdzero::LiveTaskData;
 using tessera::formats::Records;
 using tessera::pieces::ControlNode;
@@ -52,7 +53,7 @@ class DocumentTrees : public testing::Test, protected ParsedDocument {
                       std::pair<std::uint64_t, std::uint64_t> range = {}) const {
     OutputNode node = OutputNode::Builder(model()).createOutputNode({});
     node->setText(text);
-    node->setId(id);
+    node->setMarker(Marker(u"# <@output#\"" + std::u16string(id) + u"\">"));
     node->setRange(range);
     return node;
   }
@@ -133,10 +134,8 @@ TEST_F(DocumentTrees, CharactersThatATerminalDoesNotShowAreNumbersAndTabsAreBlan
 TEST_F(DocumentTrees, APieceIsMarkedBelowItsTextWithWhatItsMarkerSays) {
   const ControlNode control = ControlNode::Builder(model()).createControlNode({});
   control->setText(u"15");
-  control->setId(u"c d");
-  control->setType(u"slider");
+  control->setMarker(Marker(u"# <@control:slider#\"c d\" {\"min\":0.5,\"max\":\"\\u001b\"}>"));
   control->setRange({4, 6});
-  control->setData({{"min", Value(0.5)}, {"max", Value("\x1B")}});
   addLine(lineWith({textOf(u"x = "), control, textOf(u"; y")}));
   addLine(lineWith({outputOf(u"z", u"o")}));
   EXPECT_EQ(tree(),

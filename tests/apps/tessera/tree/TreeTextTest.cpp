@@ -127,7 +127,8 @@ class TreeTexts : public testing::TestWithParam<unsigned> {
       }
       const OutputNode piece = OutputNode::Builder(document.model()).createOutputNode({});
       piece->setText(shown.parts[i]);
-      piece->setId(u"an id of 中 several words that is long");
+      piece->setMarker(
+          quenlith::syntax::Marker(u"# <@output#\"an id of 中 several words that is long\">"));
       piece->setRange({i, i + 1});
       line->getChildrenMutable().add(piece);
     }
