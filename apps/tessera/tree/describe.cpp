@@ -23,6 +23,7 @@ using check::scan::plainText;
 using check::scan::quoted;
 using document::kdzero::Node;
 using failures::kdzero::ParserFailure;
+using foundation::json::Array;
 using foundation::json::Object;
 using foundation::json::Value;
 using tessera::contentmodel::kdzero::LiveTaskData;
@@ -47,27 +48,77 @@ std::string shortened(std::string text, Detail detail) {
   return text += kCut;
 }
 
-template <typename Write>
-std::string jsonText(Write write) {
-  std::string text;
-  foundation::json::Writer writer(text, foundation::json::Form::kCompact);
-  write(writer);
-  return diagnostics::terminalText(text);
-}
+/// Writes values as JSON, and stops where the rest would be cut: many failures may have the data of
+/// one large entry.
+class JsonPreview {
+ public:
+  explicit JsonPreview(Detail detail)
+      : mostBytes(detail == Detail::kFull ? std::string::npos : kLongestBytes) {}
 
-std::string compactJson(const Object& members) {
-  return jsonText([&](foundation::json::Writer& writer) { writer.object(members); });
+  void add(const Object& members) {
+    writer.beginObject();
+    for (const auto& [key, value] : members) {
+      if (isFull()) break;
+      writer.key(beginningOf(key));
+      add(value);
+    }
+    writer.endObject();
+  }
+
+  /// The depth of the calls is at most the number of bytes, as each writes a bracket.
+  void add(const Value& value) {
+    if (mostBytes == std::string::npos) return writer.value(value);
+    if (const auto* object = value.getIf<Object>()) return add(*object);
+    if (const auto* array = value.getIf<Array>()) return add(*array);
+    if (const auto* text = value.getIf<std::string>()) return writer.text(beginningOf(*text));
+    writer.value(value);
+  }
+
+  bool isFull() const { return json.size() > mostBytes; }
+
+  /// Returns `text`, or more than the longest part of it that is shown.
+  std::string_view beginningOf(std::string_view text) const {
+    if (text.size() <= mostBytes) return text;
+    std::size_t size = std::min(text.size(), mostBytes + 4);
+    while (size < text.size() && isContinuationByte(text[size])) --size;
+    return text.substr(0, size);
+  }
+
+  std::string text() const { return diagnostics::terminalText(json); }
+
+ private:
+  void add(const Array& elements) {
+    writer.beginArray();
+    for (const Value& element : elements) {
+      if (isFull()) break;
+      add(element);
+    }
+    writer.endArray();
+  }
+
+  std::size_t mostBytes;
+  std::string json;
+  foundation::json::Writer writer{json, foundation::json::Form::kCompact};
+};
+
+template <typename T>
+std::string jsonText(const T& value, Detail detail) {
+  JsonPreview preview(detail);
+  preview.add(value);
+  return shortened(preview.text(), detail);
 }
 
 /// Returns the members in words: "key value, key value".
-std::string describeMembers(const Object& members) {
+std::string describeMembers(const Object& members, Detail detail) {
   std::string text;
   for (const auto& [key, value] : members) {
+    if (detail != Detail::kFull && text.size() > kLongestBytes) break;
     if (!text.empty()) text += ", ";
-    text += diagnostics::terminalText(key) + " " +
-            jsonText([&value = value](foundation::json::Writer& writer) { writer.value(value); });
+    JsonPreview preview(detail);
+    preview.add(value);
+    text += diagnostics::terminalText(preview.beginningOf(key)) + " " + preview.text();
   }
-  return text;
+  return shortened(std::move(text), detail);
 }
 
 bool isNameUnit(char16_t unit) {
@@ -98,9 +149,7 @@ std::optional<FailedRange> failedRange(const Object& data) {
   const double* begin = (*numbers)[0].getIf<double>();
   const double* end = (*numbers)[1].getIf<double>();
   if (begin == nullptr || end == nullptr) return std::nullopt;
-  return FailedRange{*begin, *end, jsonText([&](foundation::json::Writer& writer) {
-                       writer.value(position->second);
-                     })};
+  return FailedRange{*begin, *end, jsonText(position->second, Detail::kFull)};
 }
 
 /// Returns what is wrong with the range of `marker`, as far as its numbers tell.
@@ -141,8 +190,7 @@ std::string explainFailure(const ParserFailure& failure, Detail detail) {
   if (failure.getFailureData().empty()) return text;
   // The data of a task marker's failure is its entry in the appendix.
   const std::string_view kind = info.getFeatureId() == u"task" ? "its settings: " : "";
-  return text.append(" (").append(kind) +
-         shortened(describeMembers(failure.getFailureData()), detail) + ")";
+  return text.append(" (").append(kind) + describeMembers(failure.getFailureData(), detail) + ")";
 }
 
 }  // namespace
@@ -164,7 +212,7 @@ std::string describeNode(const Node& node, Detail detail) {
     const auto& [begin, end] = piece->getRange();
     text += " [" + std::to_string(begin) + "," + std::to_string(end) + "]";
   }
-  if (!piece->getData().empty()) text += " " + shortened(compactJson(piece->getData()), detail);
+  if (!piece->getData().empty()) text += " " + jsonText(piece->getData(), detail);
   return text;
 }
 
@@ -210,7 +258,7 @@ std::string describeContribution(const contributors::kdzero::NodeContributorData
                                  Detail detail) {
   std::string text;
   for (const auto& line : contribution->getLineDataList()) {
-    text += " " + compactJson(line->getData());
+    text += " " + jsonText(line->getData(), Detail::kFull);
   }
   return idText(contribution->getContributingFeature()) + ":" + shortened(std::move(text), detail);
 }
