@@ -1,6 +1,5 @@
 #include "tessera/inputs/readFileList.hpp"
 
-#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -12,7 +11,8 @@ namespace {
 std::string readAll(const std::string& name) {
   files::FileReader reader(name);
   std::string bytes;
-  std::array<char, 64 * 1024> piece;
+  // Not on the stack, which may be small.
+  std::vector<char> piece(64 * 1024);
   while (const std::size_t count = reader.read(piece.data(), piece.size())) {
     bytes.append(piece.data(), count);
   }

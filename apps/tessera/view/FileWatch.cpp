@@ -4,7 +4,6 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -114,7 +113,8 @@ bool FileWatch::isReadable(std::chrono::milliseconds patience) const {
 }
 
 void FileWatch::readEvents(Changes& changes) {
-  alignas(inotify_event) std::array<char, 64 * 1024> buffer;
+  // Not on the stack, which may be small. Allocated memory is aligned for every type.
+  std::vector<char> buffer(64 * 1024);
   const ssize_t size = ::read(descriptor, buffer.data(), buffer.size());
   for (std::size_t i = 0; size > 0 && i < static_cast<std::size_t>(size);) {
     const auto& event = *reinterpret_cast<const inotify_event*>(buffer.data() + i);
