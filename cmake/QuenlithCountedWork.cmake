@@ -21,7 +21,7 @@ function(quenlith_add_counted_library library) # OTHER...
   get_target_property(folder quenlith_${library} SOURCE_DIR)
   get_target_property(sources quenlith_${library} SOURCES)
   list(FILTER sources INCLUDE REGEX "\\.cpp$")
-  list(TRANSFORM sources PREPEND "${folder}/")
+  list(TRANSFORM sources PREPEND "${folder}/" REGEX "^[^/]")
   target_sources(counted_${library} PRIVATE ${sources})
   target_include_directories(counted_${library} PUBLIC
     $<TARGET_PROPERTY:quenlith_${library},INTERFACE_INCLUDE_DIRECTORIES>)

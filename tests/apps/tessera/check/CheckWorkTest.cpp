@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -17,87 +16,6 @@ namespace {
 using tessera::check::checkFile;
 
 constexpr std::size_t kParts = 4000;
-
-// A text of `count` similar parts.
-struct Hostile {
-  std::string name;
-  std::function<std::string(std::size_t count)> make;
-};
-
-// `head`, then `part` for each number, which replaces "%" in it, then `tail`.
-Hostile numbered(const std::string& name, const std::string& head, const std::string& part,
-                 const std::string& tail = "") {
-  return {name, [head, part, tail](std::size_t count) {
-            std::string text = head;
-            for (std::size_t i = 0; i < count; ++i) {
-              for (const char unit : part) {
-                if (unit == '%') {
-                  text += std::to_string(100000 + i);
-                } else {
-                  text += unit;
-                }
-              }
-            }
-            return text + tail;
-          }};
-}
-
-const std::vector<Hostile> kHostile{
-    // Task markers: groups of one id, pairs, ids that resemble each other, tasks within tasks.
-    numbered("one id", "", "# <@task#a>\n"),
-    numbered("no id", "", "# <@task>\n"),
-    numbered("no partners", "", "# <@task#t%>\n"),
-    numbered("ids of which each resembles many", "", "# <@task#%x>\n# <@task#x%>\n"),
-    numbered("pairs without entries", "", "# <@task#t%>\nx\n# <@task#t%>\n"),
-    numbered("tasks in a task", "# <@task#a>\n", "# <@task#t%>\n# <@task#t%>\n", "# <@task#a>\n"),
-    numbered("empty tasks", "", "# <@task#t%>\n\n# <@task#t%>\n"),
-    numbered("ignored task markers", "", "# <@task#t%> # <@task#u%>\nx\n# <@task#t%>\n"),
-    numbered("markers cut off in the id", "# <@task#t1>\n", "# <@task#t%\n"),
-    numbered("partners that end early", "", "# <@task#t%>x\n# <@task#t%x>\n"),
-    // Text like markers, each with a search for its repair.
-    numbered("misspelt elements", "", "# <@tsak#t%>\n"),
-    numbered("misspelt elements with partners", "", "# <@tsak#t%>\n# <@task#t%>\n"),
-    numbered("no leaders", "", "x <@text:anchor#t%>\n"),
-    numbered("bad ranges", "", "# <@output#t% [0,5}>\n"),
-    numbered("bad data", "", "# <@output#t% {\"a\":1,}>\n"),
-    numbered("damaged openings", "", "# @text:anchor#t%> # <text:anchor#u%>\n"),
-    numbered("lines that go on", "", "# <@output#t% [0,1]\n#  {\"a\":1}>\n"),
-    numbered("comments that are not closed", "", "/* <@text:anchor#t%>\n"),
-    numbered("comments that only end", "", "// <@text:anchor#t%> */\n"),
-    // Strings.
-    numbered("strings of several lines", "", "'''\n# <@text:anchor#t%>\n'''\n"),
-    numbered("a string of many lines", "'''\n", "# <@text:anchor#t%>\n", "'''\n"),
-    // Anchors and ranges.
-    numbered("one anchor", "", "# <@text:anchor#a>\n"),
-    numbered("hidden ranges", "", "xyz # <@output#t% [0,2]> # <@output#u% [1,3]>\n"),
-    // The appendix.
-    numbered("entries without markers", "# <@appendix>\n", "# <@task#t% {\"text\":\"x\"}>\n"),
-    numbered("equal entries", "# <@appendix>\n", "# <@task#t {\"text\":\"x\"}>\n"),
-    numbered("damaged entries", "# <@appendix>\n", "# <@task#t% {\"text\":x}>\n"),
-    numbered("entries of similar ids", "# <@appendix>\n", "# <@task#%x {}>\n# <@task#x% {}>\n"),
-    numbered("text in the appendix", "# <@appendix>\n", "x\n"),
-    numbered("settings that do not exist", "# <@appendix>\n# <@task#t {\"text\":\"\"", ",\"t%\":1",
-             "}>\n"),
-    numbered("an appendix line that is damaged", "# <@apendix>\n", "# <@task#t%>\n"),
-    // One line.
-    numbered("a line of task markers", "", "# <@task#t%> "),
-    numbered("a line of anchors", "", "# <@text:anchor#t%> "),
-    numbered("a line of ranges", std::string(200000, 'x'), " # <@output#t [0,%]>"),
-    numbered("a line of openings", "", "<@"),
-    numbered("a line of openings with leaders", "", "# <@"),
-    numbered("a line of halves", "", "@ < "),
-    numbered("a line of damaged openings", "", "# @text:anchor#t%> "),
-    numbered("a line of misspelt elements", "", "# <@tsak#t%> "),
-    numbered("a line of unclosed markers", "", "# <@text:anchor#t% "),
-    numbered("a line of bad data", "", "# <@output {\"a\": "),
-    numbered("a line of comments that only end", "", "// <@text:anchor#t%> */ "),
-    numbered("a line of early ends", "", "# <@text:anchor#t%>. "),
-    numbered("a line of brackets", "# <@output", " [0,}"),
-    numbered("a line of quotes", "# <@output#a {", "\"a\""),
-    numbered("a line of blanks", "# <@text:anchor#a", "                ", "x>"),
-    numbered("a long id, cut off", "# <@text:anchor#", "a%"),
-    numbered("a long element", "# <@", "task%", "#a>"),
-};
 
 class CheckWork : public testing::Test {
  protected:
@@ -159,16 +77,6 @@ std::vector<std::string> collidingIds() {
     if (hash % table.bucket_count() == 0) ids.push_back(std::move(id));
   }
   return ids;
-}
-
-// Twice the text may take at most 2.3 times the work: places are sorted.
-TEST_F(CheckWork, IsLinear) {
-  for (const auto& [name, make] : kHostile) {
-    const std::uint64_t half = workOf(make(kParts / 2));
-    const std::uint64_t whole = workOf(make(kParts));
-    EXPECT_GT(whole, 0U) << name;
-    EXPECT_LT(whole, half * 23 / 10 + 10000) << name;
-  }
 }
 
 // The more ids are in one bucket, the longer each search in it takes.

@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "hostile/families.hpp"
+#include "hostile/surfaces.hpp"
+
+namespace hostile {
+namespace {
+
+/// The sizes of the texts, in code units, and how the cost may grow from one to the other.
+struct Sizes {
+  std::size_t small;
+  std::size_t large;
+  double exponent;
+};
+
+// In small texts, the logarithm of a sort and what does not depend on the size weigh more.
+constexpr Sizes kQuick{.small = 1'000, .large = 4'000, .exponent = 1.15};
+constexpr Sizes kAll{.small = 125'000, .large = 1'000'000, .exponent = 1.05};
+
+// What does not depend on the size of the text, or grows in steps, such as a hash table.
+constexpr std::uint64_t kConstantWork = 50'000;
+constexpr std::size_t kConstantBytes = 200'000;
+// A vector or a string that grows has up to twice the capacity that it needs.
+constexpr double kDoubling = 1.5;
+
+// Hosts may call the parsers on threads with small stacks.
+constexpr std::size_t kLargestStack = std::size_t{64} << 10U;
+// Functions that are bound at their first call, and the depth of a sort.
+constexpr std::size_t kStackNoise = 4'096;
+
+std::string_view settingOf(const char* name) {
+  const char* const setting = std::getenv(name);
+  return setting == nullptr ? "" : setting;
+}
+
+/// What grows faster because the result does: the rules of the document say so.
+constexpr struct {
+  std::string_view family;
+  std::string_view surface;
+} kLargeResults[] = {
+    // The document repeats the data of the entry for each failure.
+    {"markers of one id, and an entry with a wide array", "parse --format json"},
+    {"markers of one id, and an entry with a wide array", "replay"},
+};
+
+bool hasLargeResult(const std::string& family, const std::string& surface) {
+  return std::ranges::any_of(kLargeResults, [&](const auto& large) {
+    return large.family == family && large.surface == surface;
+  });
+}
+
+/// The largest exponent found, and where.
+struct Largest {
+  double exponent = 0;
+  std::string place;
+};
+
+class Comparison {
+ public:
+  Comparison(const Family& family, const Sizes& sizes, Largest& largest)
+      : sizes(sizes), family(family.name), largest(largest) {
+    const auto small = family.make(sizes.small);
+    const auto large = family.make(sizes.large);
+    ratio = static_cast<double>(large.size()) / static_cast<double>(small.size());
+    few = measureAll(small);
+    many = measureAll(large);
+  }
+
+  /// Returns the number of rows.
+  std::size_t compare() {
+    for (const auto& [surface, cost] : many) {
+      SCOPED_TRACE(family + ": " + surface);
+      const Cost& before = few.at(surface);
+      if (!hasLargeResult(family, surface)) {
+        compareWork(surface, before.work, cost.work);
+        EXPECT_LE(static_cast<double>(cost.heapBytes),
+                  kDoubling * most(static_cast<double>(before.heapBytes)) + kConstantBytes)
+            << "bytes at the smaller size: " << before.heapBytes;
+      }
+      EXPECT_LE(cost.stackBytes, kLargestStack);
+      EXPECT_LE(cost.stackBytes, before.stackBytes + kStackNoise);
+    }
+    return many.size();
+  }
+
+ private:
+  double most(double before) const { return before * std::pow(ratio, sizes.exponent); }
+
+  void compareWork(const std::string& surface, std::uint64_t before, std::uint64_t after) {
+    EXPECT_GT(after, 0U);
+    EXPECT_LE(static_cast<double>(after), most(static_cast<double>(before)) + kConstantWork)
+        << "work at the smaller size: " << before;
+    const double exponent = std::log(static_cast<double>(after + kConstantWork) /
+                                     static_cast<double>(before + kConstantWork)) /
+                            std::log(ratio);
+    if (exponent > largest.exponent) largest = {exponent, family + ": " + surface};
+  }
+
+  Sizes sizes;
+  std::string family;
+  Largest& largest;
+  double ratio = 1;
+  std::map<std::string, Cost> few;
+  std::map<std::string, Cost> many;
+};
+
+TEST(Hostile, WorkMemoryAndStackDoNotGrowFasterThanTheText) {
+  const Sizes sizes = settingOf("HOSTILE_SIZES") == "all" ? kAll : kQuick;
+  const std::string_view chosen = settingOf("HOSTILE_FAMILY");
+  Largest largest;
+  std::size_t count = 0;
+  std::size_t rows = 0;
+  for (const Family& family : families()) {
+    if (family.name.find(chosen) == family.name.npos) continue;
+    ++count;
+    rows += Comparison(family, sizes, largest).compare();
+  }
+  EXPECT_GT(rows, 0U);
+  std::printf("%zu families, %zu rows, from %zu to %zu code units; largest exponent %.3f (%s)\n",
+              count, rows, sizes.small, sizes.large, largest.exponent, largest.place.c_str());
+}
+
+}  // namespace
+}  // namespace hostile
