@@ -15,7 +15,9 @@ using cppmicroservices::Any;
 using cppmicroservices::Bundle;
 using cppmicroservices::ServiceReference;
 using cppmicroservices::ServiceRegistration;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -267,18 +269,22 @@ TEST_F(DeclarativeServices, RuntimeFindsBundlesThatAreAlreadyActive) {
   EXPECT_EQ(get<demo::Third>()->path(), "123");
 }
 
+// CppMicroServices 3.8.12 does not pass on the text of the exception.
+constexpr const char* kBrokenProblem =
+    EMBEDDED_FRAMEWORK ? "no luck" : "ServiceFactory returned an empty or nullptr interface map";
+
 TEST_F(DeclarativeServices, ThrowingConstructorIsReportedAndDoesNotAffectOthers) {
   parts.Start();
   EXPECT_THAT(takeProblems(), IsEmpty());
   EXPECT_EQ(get<demo::Broken>(), nullptr);
-  EXPECT_THAT(takeProblems(), testing::Not(IsEmpty()));
+  EXPECT_THAT(takeProblems(), Contains(HasSubstr(kBrokenProblem)));
   EXPECT_EQ(get<demo::Word>()->text(), "plain");
 }
 
 TEST_F(DeclarativeServices, DependentOfABrokenComponentIsNotCreated) {
   parts.Start();
   EXPECT_EQ(get<demo::NeedsBroken>(), nullptr);
-  EXPECT_THAT(takeProblems(), testing::Not(IsEmpty()));
+  EXPECT_THAT(takeProblems(), Contains(HasSubstr(kBrokenProblem)));
 }
 
 TEST_F(DeclarativeServices, CreatingABrokenComponentIsRetried) {
@@ -286,7 +292,7 @@ TEST_F(DeclarativeServices, CreatingABrokenComponentIsRetried) {
   EXPECT_EQ(get<demo::Broken>(), nullptr);
   takeProblems();
   EXPECT_EQ(get<demo::Broken>(), nullptr);
-  EXPECT_THAT(takeProblems(), testing::Not(IsEmpty()));
+  EXPECT_THAT(takeProblems(), Contains(HasSubstr(kBrokenProblem)));
 }
 
 TEST_F(DeclarativeServices, ServiceIsCreatedOnceForSeveralThreads) {

@@ -63,6 +63,8 @@ TEST_F(Printing, EventsHaveNames) {
   EXPECT_EQ(printed(BundleEvent::BUNDLE_UNRESOLVED), "UNRESOLVED");
   EXPECT_EQ(printed(BundleEvent::BUNDLE_STARTING), "STARTING");
   EXPECT_EQ(printed(BundleEvent::BUNDLE_STOPPING), "STOPPING");
+  EXPECT_EQ(printed(BundleEvent::BUNDLE_LAZY_ACTIVATION), "LAZY_ACTIVATION");
+  EXPECT_EQ(printed(FrameworkEvent::FRAMEWORK_STOPPED_UPDATE), "STOPPED_UPDATE");
   EXPECT_EQ(printed(FrameworkEvent::FRAMEWORK_STARTED), "STARTED");
   EXPECT_EQ(printed(FrameworkEvent::FRAMEWORK_ERROR), "ERROR");
   EXPECT_EQ(printed(FrameworkEvent::FRAMEWORK_WARNING), "WARNING");

@@ -22,6 +22,8 @@ std::ostream& operator<<(std::ostream& os, BundleEvent::Type type) {
       return os << "STARTING";
     case BundleEvent::BUNDLE_STOPPING:
       return os << "STOPPING";
+    case BundleEvent::BUNDLE_LAZY_ACTIVATION:
+      return os << "LAZY_ACTIVATION";
     default:
       return os << "Unknown bundle event type (" << static_cast<unsigned>(type) << ")";
   }

@@ -18,6 +18,8 @@ std::ostream& operator<<(std::ostream& os, FrameworkEvent::Type type) {
       return os << "INFO";
     case FrameworkEvent::FRAMEWORK_STOPPED:
       return os << "STOPPED";
+    case FrameworkEvent::FRAMEWORK_STOPPED_UPDATE:
+      return os << "STOPPED_UPDATE";
     case FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT:
       return os << "WAIT_TIMEDOUT";
     default:
