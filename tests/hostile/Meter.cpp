@@ -3,9 +3,9 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <stdexcept>
-#include <vector>
 
 #include "hostile/LibraryWork.hpp"
 #include "support/CountedWork.hpp"
@@ -43,15 +43,14 @@ void* run(void* argument) {
 }  // namespace
 
 Cost measure(const std::function<void()>& operation) {
-  static std::vector<unsigned char> memory(kStackBytes + 4096);
-  static auto* const stack = reinterpret_cast<unsigned char*>(
-      (reinterpret_cast<std::uintptr_t>(memory.data()) + 4095) / 4096 * 4096);
+  // Aligned to a page, as stacks have to be.
+  alignas(4096) static std::array<unsigned char, kStackBytes> stack;
   static std::size_t deepest = kStackBytes;
-  std::fill(stack + kStackBytes - deepest, stack + kStackBytes, kUnused);
+  std::fill(stack.end() - static_cast<std::ptrdiff_t>(deepest), stack.end(), kUnused);
   Job job{.operation = &operation, .work = 0, .heapBytes = 0, .thrown = nullptr};
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
-  pthread_attr_setstack(&attributes, stack, kStackBytes);
+  pthread_attr_setstack(&attributes, stack.data(), stack.size());
   pthread_t thread{};
   if (pthread_create(&thread, &attributes, run, &job) != 0) {
     throw std::runtime_error("a thread could not be started");
@@ -59,8 +58,8 @@ Cost measure(const std::function<void()>& operation) {
   pthread_join(thread, nullptr);
   pthread_attr_destroy(&attributes);
   const auto* const used =
-      std::find_if(stack, stack + kStackBytes, [](unsigned char byte) { return byte != kUnused; });
-  deepest = static_cast<std::size_t>(stack + kStackBytes - used);
+      std::ranges::find_if(stack, [](unsigned char byte) { return byte != kUnused; });
+  deepest = static_cast<std::size_t>(stack.end() - used);
   if (job.thrown) std::rethrow_exception(job.thrown);
   return {.work = job.work, .stackBytes = deepest, .heapBytes = job.heapBytes};
 }
