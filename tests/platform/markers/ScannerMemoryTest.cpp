@@ -64,7 +64,8 @@ TEST(ScannerMemory, TheLastCopyOfAMarkerReleasesItsMemory) {
     EXPECT_EQ(liveAllocations(), before + 1);
     const Marker bare(u"# <@task>");
     EXPECT_EQ(liveAllocations(), before + 1);
-    const Marker sameBare = bare;
+    Marker sameBare;
+    sameBare = bare;
     EXPECT_TRUE(sameBare == bare);
   }
   EXPECT_EQ(liveAllocations(), before);
