@@ -51,8 +51,8 @@ TEST(AppendUtf8, SurrogatesAroundTheCutAgreeWithIcu) {
   for (const std::u16string& surrogates :
        {high + pair, pair + high, pair + pair, pair + high + pair, high + high + pair}) {
     for (std::size_t before = 0; before < 1100; ++before) {
-      const std::u16string text =
-          std::u16string(before, u'\u20AC') + surrogates + std::u16string(600, u'b');
+      std::u16string text(before, u'\u20AC');
+      text.append(surrogates).append(600, u'b');
       std::string bytes;
       appendUtf8(bytes, text);
       ASSERT_EQ(bytes, twin::encodeUtf8(text)) << before;
