@@ -10,6 +10,7 @@
 #include "foundation/log/addSink.hpp"
 #include "platform/logging/BoostCore.hpp"
 #include "quenlith/shared/logging/trace.hpp"
+#include "support/FailingAllocations.hpp"
 
 namespace {
 
@@ -111,6 +112,27 @@ TEST_F(DiagnosticLogger, FormatFlagsOfOneRecordDoNotReachTheNext) {
   traceWith([](std::ostream& out) { out << std::hex << 255; });
   traceWith([](std::ostream& out) { out << 255; });
   EXPECT_THAT(messages, ElementsAre("ff", "255"));
+}
+
+TEST_F(DiagnosticLogger, AMessageIsCompleteOrThereIsNoRecord) {
+  const std::string message(1000, 'x');
+  trace(message);
+  messages.reserve(2);
+  severities.reserve(2);
+  const std::size_t failed = quenlith::test::failEachAllocation(
+      [&] { trace(message); }, [&] { ASSERT_THAT(messages, ElementsAre(message)); });
+  EXPECT_GT(failed, 2u);
+  EXPECT_THAT(messages, ElementsAre(message, message));
+}
+
+TEST_F(DiagnosticLogger, AStreamThatAWriterLetsFailEndsTheMessage) {
+  traceWith([](std::ostream& out) {
+    out << "begin";
+    out.setstate(std::ios_base::badbit);
+    out << "end";
+  });
+  trace("next");
+  EXPECT_THAT(messages, ElementsAre("begin", "next"));
 }
 
 TEST_F(DiagnosticLogger, WithTheBitClearNothingIsFormattedAndNoLockTaken) {

@@ -10,6 +10,7 @@
 #include <boost/log/sources/severity_feature.hpp>
 #include <boost/smart_ptr/make_shared.hpp>
 #include <exception>
+#include <ios>
 #include <locale>
 #include <memory>
 #include <mutex>
@@ -142,16 +143,38 @@ class RecordStream {
   // Not noexcept: pushing calls the sinks, and their exceptions must reach the caller.
   ~RecordStream() noexcept(false) {
     if (std::uncaught_exceptions() > exceptionsInFlight) return;
-    compound->stream.flush();
     core.push_record(std::move(compound->stream.get_record()));
   }
 
   RecordStream(const RecordStream&) = delete;
   RecordStream& operator=(const RecordStream&) = delete;
 
-  std::ostream& out() { return compound->stream.stream(); }
+  /// Lets `writer` write the message. Throws std::bad_alloc without memory for it.
+  void write(MessageWriter writer) {
+    std::ostream& out = compound->stream.stream();
+    const ErrorsThrown thrown(out);
+    try {
+      writer(out);
+      out.flush();
+    } catch (const std::ios_base::failure&) {
+      // A writer may let the stream fail, for example with a null pointer: that ends the message.
+      if (!out.bad()) throw;
+    }
+  }
 
  private:
+  /// By itself, a stream catches what is thrown while it formats, and cuts the message.
+  class ErrorsThrown {
+   public:
+    explicit ErrorsThrown(std::ostream& out) : out(out) { out.exceptions(std::ios_base::badbit); }
+    ~ErrorsThrown() { out.exceptions(std::ios_base::goodbit); }
+    ErrorsThrown(const ErrorsThrown&) = delete;
+    ErrorsThrown& operator=(const ErrorsThrown&) = delete;
+
+   private:
+    std::ostream& out;
+  };
+
   blog::core& core;
   int exceptionsInFlight;
   std::unique_ptr<StreamProvider::stream_compound, StreamReleaser> compound;
@@ -200,7 +223,7 @@ void basic_diagnostic_logger<char>::emit(std::uint32_t severity, MessageWriter w
   }
   if (!record) return;
   RecordStream stream(core, record);
-  writer(stream.out());
+  stream.write(writer);
 }
 
 struct SinkRegistration::Sink {
