@@ -1,5 +1,7 @@
 #include "support/FailingAllocations.hpp"
 
+#include <atomic>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -11,20 +13,40 @@ thread_local std::ptrdiff_t live = 0;
 thread_local std::size_t firstToFail = kNever;
 thread_local std::size_t failureCount = kNever;
 
+thread_local bool failed = false;
+
+/// Prints at the end of the program how many allocations have failed.
+struct Summary {
+  ~Summary() {
+    if (count != 0) std::printf("%zu allocations failed on purpose\n", count.load());
+  }
+  std::atomic<std::size_t> count = 0;
+};
+Summary summary;
+
+enum class Need { kMust, kMay };
+
 // Counts an allocation and says whether it fails.
-bool fails() noexcept {
+bool fails(Need need) noexcept {
   const std::size_t number = allocations++;
-  return number >= firstToFail && number - firstToFail < failureCount;
+  if (number < firstToFail || number - firstToFail >= failureCount) return false;
+  if (need == Need::kMay && failureCount == 1) {
+    ++firstToFail;
+    return false;
+  }
+  failed = true;
+  ++summary.count;
+  return true;
 }
 
-void* allocate(std::size_t size) noexcept {
-  if (fails()) return nullptr;
+void* allocate(std::size_t size, Need need = Need::kMust) noexcept {
+  if (fails(need)) return nullptr;
   ++live;
   return std::malloc(size == 0 ? 1 : size);
 }
 
-void* allocate(std::size_t size, std::align_val_t alignment) noexcept {
-  if (fails()) return nullptr;
+void* allocate(std::size_t size, std::align_val_t alignment, Need need = Need::kMust) noexcept {
+  if (fails(need)) return nullptr;
   ++live;
   const auto unit = static_cast<std::size_t>(alignment);
   const std::size_t rounded = (size + unit - 1) / unit * unit;
@@ -58,16 +80,16 @@ void* operator new[](std::size_t size, std::align_val_t unit) {
   return orThrow(allocate(size, unit));
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return allocate(size);
+  return allocate(size, Need::kMay);
 }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return allocate(size);
+  return allocate(size, Need::kMay);
 }
 void* operator new(std::size_t size, std::align_val_t unit, const std::nothrow_t&) noexcept {
-  return allocate(size, unit);
+  return allocate(size, unit, Need::kMay);
 }
 void* operator new[](std::size_t size, std::align_val_t unit, const std::nothrow_t&) noexcept {
-  return allocate(size, unit);
+  return allocate(size, unit, Need::kMay);
 }
 void operator delete(void* memory) noexcept {
   release(memory);
@@ -118,11 +140,16 @@ std::ptrdiff_t liveAllocations() {
 
 FailingAllocations::FailingAllocations(std::size_t first, std::size_t count) {
   failureCount = count;
+  failed = false;
   firstToFail = first > kNever - allocations ? kNever : allocations + first;
 }
 
 FailingAllocations::~FailingAllocations() {
   firstToFail = kNever;
+}
+
+bool FailingAllocations::hasFailed() const {
+  return failed;
 }
 
 }  // namespace quenlith::test

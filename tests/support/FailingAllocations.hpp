@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <limits>
 #include <new>
+#include <stdexcept>
 
 namespace quenlith::test {
 
@@ -14,7 +15,8 @@ std::size_t allocationCount();
 std::ptrdiff_t liveAllocations();
 
 /// While it lives, the allocations of this thread fail, except for the next `first` ones and those
-/// after the next `first + count`.
+/// after the next `first + count`. One that reports a failure by returning null may be one that is
+/// not needed: it does not fail if `count` is 1. A program prints at its end how many failed.
 class FailingAllocations {
  public:
   explicit FailingAllocations(std::size_t first,
@@ -22,21 +24,30 @@ class FailingAllocations {
   ~FailingAllocations();
   FailingAllocations(const FailingAllocations&) = delete;
   FailingAllocations& operator=(const FailingAllocations&) = delete;
+
+  /// Returns whether one has failed.
+  bool hasFailed() const;
 };
 
-/// Runs `operation` repeatedly, with its allocations failing from the first, the second, ... one
-/// on, until it succeeds; calls `check` after each failure. Returns the number of failures.
-/// Propagates exceptions of `operation` other than std::bad_alloc.
+/// Runs `operation` repeatedly: its first allocation fails, then all from the first one on, then
+/// the second one, ... until it succeeds; calls `check` after each failure. Returns how many
+/// allocations it makes. Propagates exceptions of `operation` other than std::bad_alloc; throws
+/// std::logic_error if it succeeds although an allocation has failed.
 template <typename Operation, typename Check>
 std::size_t failEachAllocation(Operation operation, Check check) {
+  constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
   for (std::size_t first = 0;; ++first) {
-    try {
-      const FailingAllocations failing(first);
-      operation();
-      return first;
-    } catch (const std::bad_alloc&) {
+    for (const std::size_t count : {std::size_t{1}, kAll}) {
+      try {
+        const FailingAllocations failing(first, count);
+        operation();
+        if (!failing.hasFailed()) return first;
+      } catch (const std::bad_alloc&) {
+        check();
+        continue;
+      }
+      throw std::logic_error("an operation hides that an allocation has failed");
     }
-    check();
   }
 }
 
