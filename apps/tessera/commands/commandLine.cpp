@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <exception>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -21,7 +20,7 @@
 #include "tessera/commands/replay.hpp"
 #include "tessera/commands/status.hpp"
 #include "tessera/commands/view.hpp"
-#include "tessera/diagnostics/Problem.hpp"
+#include "tessera/diagnostics/describeException.hpp"
 #include "tessera/diagnostics/report.hpp"
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/files/standardStreams.hpp"
@@ -88,16 +87,10 @@ int runCommandLine(int argumentCount, char** arguments) {
     const std::vector<std::string> words(arguments + (argumentCount > 0 ? 1 : 0),
                                          arguments + argumentCount);
     return runRequest(commandline::readCommandLine(words));
-  } catch (const diagnostics::ProblemError& error) {
-    diagnostics::report(error.what());
   } catch (const workers::WorkerUnusable& error) {
     diagnostics::report(error.what());
-  } catch (const std::exception& error) {
-    diagnostics::report(
-        diagnostics::describe({.file = "tessera",
-                               .place = {},
-                               .what = error.what(),
-                               .remedy = "report it, or try again with fewer or smaller files"}));
+  } catch (...) {
+    diagnostics::reportException(diagnostics::report);
   }
   return kUnusable;
 }
