@@ -1,6 +1,7 @@
 #include "tessera/replay/Replay.hpp"
 
 #include <boost/uuid/uuid.hpp>
+#include <new>
 #include <utility>
 
 #include "document/kdzero/LineNode.hpp"
@@ -98,6 +99,9 @@ template <typename Call>
 void Replay::answerCall(const Call& call) {
   try {
     call();
+  } catch (const std::bad_alloc&) {
+    // Not what the parser does with this call: the run ends.
+    throw;
   } catch (...) {
     const std::string reason = diagnostics::describeException();
     json.beginObject();

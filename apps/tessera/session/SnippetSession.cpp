@@ -1,5 +1,6 @@
 #include "tessera/session/SnippetSession.hpp"
 
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -44,6 +45,9 @@ ParsedSnippet SnippetSession::parse(source::JoinedLines code) {
     resetParsers();
     parseLines(snippet, parsed, number);
   } catch (const diagnostics::ProblemError&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    called = nullptr;
     throw;
   } catch (const NodeMissing&) {
     throw ParserError(number, std::exchange(called, nullptr),
