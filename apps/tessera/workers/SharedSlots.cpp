@@ -30,7 +30,11 @@ void SharedSlots::fill(std::string_view text) noexcept {
 }
 
 std::string_view SharedSlots::oldest(std::size_t size) const noexcept {
-  return {shared->slots[released % kSlots], size};
+  return after(0, size);
+}
+
+std::string_view SharedSlots::after(std::size_t count, std::size_t size) const noexcept {
+  return {shared->slots[(released + count) % kSlots], size};
 }
 
 void SharedSlots::release() noexcept {

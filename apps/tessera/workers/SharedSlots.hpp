@@ -32,6 +32,8 @@ class SharedSlots {
 
   /// In the parent: the text of the oldest slot, which has `size` bytes, until `release`.
   std::string_view oldest(std::size_t size) const noexcept;
+  /// Like `oldest`, of the slot after so many that were filled before it.
+  std::string_view after(std::size_t count, std::size_t size) const noexcept;
   void release() noexcept;
 
   /// How far the worker is with its current input.

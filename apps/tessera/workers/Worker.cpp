@@ -122,9 +122,14 @@ void Worker::finish() noexcept {
   send(kNoMoreInputs);
 }
 
-/// A process that has ended does not read it; `receive` notices.
+/// A process that has ended does not read it; `receive` notices. One that cannot be told would wait
+/// forever: it is ended.
 void Worker::send(std::uint64_t command) const noexcept {
-  static_cast<void>(::send(socket, &command, sizeof command, MSG_NOSIGNAL));
+  while (::send(socket, &command, sizeof command, MSG_NOSIGNAL) < 0) {
+    if (errno == EINTR) continue;
+    if (process > 0) ::kill(process, SIGKILL);
+    return;
+  }
 }
 
 std::deque<std::size_t> Worker::receive() {
@@ -133,7 +138,8 @@ std::deque<std::size_t> Worker::receive() {
     const ssize_t count = ::recv(socket, arrived.data(), sizeof arrived, MSG_DONTWAIT);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0 && errno == EAGAIN) return {};
-    // The end, or an error when the process has left commands unread.
+    // The end, or an error: the process has left commands unread, or cannot be heard any more.
+    if (count < 0) ::kill(process, SIGKILL);
     if (count <= 0) break;
     const auto frameCount = static_cast<std::size_t>(count) / sizeof(Frame);
     for (std::size_t i = 0; i < frameCount; ++i) add(arrived[i]);
@@ -148,6 +154,8 @@ void Worker::add(const Frame& frame) {
     since = Clock::now();
   } else if (frame.kind == Frame::Kind::kUnusable) {
     unusable = true;
+    // The message came just before; that of a job that could not be made is known.
+    if (ready) reason = slots.after(slotsInUse - 1, frames.back().size);
   } else if (!ready) {
     reason = slots.oldest(frame.size);
     slots.release();

@@ -3,16 +3,15 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <exception>
-#include <string>
 #include <string_view>
-#include <vector>
 
-#include "tessera/diagnostics/Problem.hpp"
+#include "tessera/diagnostics/describeException.hpp"
 #include "tessera/workers/Frame.hpp"
 
 namespace tessera::workers {
@@ -43,12 +42,12 @@ class FrameSender {
   }
 
   void flush() {
-    const std::size_t size = pending.size() * sizeof(Frame);
-    // So few bytes are written as a whole.
-    while (size != 0 && ::write(descriptor, pending.data(), size) < 0) {
+    const std::size_t size = pendingCount * sizeof(Frame);
+    // So few bytes are sent as a whole.
+    while (size != 0 && ::send(descriptor, pending.data(), size, 0) < 0) {
       if (errno != EINTR) std::_Exit(EXIT_FAILURE);
     }
-    pending.clear();
+    pendingCount = 0;
     lastTime = Clock::now();
   }
 
@@ -60,15 +59,17 @@ class FrameSender {
   static constexpr std::size_t kMostPending = SharedSlots::kSlots / 2;
 
   void add(const Frame& frame) {
-    pending.push_back(frame);
-    if (pending.size() < kMostPending) return;
+    pending[pendingCount++] = frame;
+    if (pendingCount < kMostPending) return;
     flush();
     isPartSent = true;
   }
 
   int descriptor;
   SharedSlots& slots;
-  std::vector<Frame> pending;
+  // An array, so that a lack of memory can be reported.
+  std::array<Frame, kMostPending> pending;
+  std::size_t pendingCount = 0;
   // Whether frames of the current input were sent.
   bool isPartSent = false;
   Clock::time_point lastTime = Clock::now();
@@ -124,7 +125,6 @@ void runWorker(const MakeJob& makeJob, SharedSlots& slots, int socket) {
   FrameSender frames(socket, slots);
   SlotOutput output(frames);
   SlotMessages messages(frames, output);
-  std::string reason;
   try {
     const std::unique_ptr<Job> job =
         makeJob({.output = output, .messages = messages, .progress = slots.progress()});
@@ -138,16 +138,9 @@ void runWorker(const MakeJob& makeJob, SharedSlots& slots, int socket) {
       frames.sendEnd(outcome);
     }
     return;
-  } catch (const diagnostics::ProblemError& error) {
-    reason = error.what();
-  } catch (const std::exception& error) {
-    reason =
-        diagnostics::describe({.file = "tessera",
-                               .place = {},
-                               .what = error.what(),
-                               .remedy = "report it, or try again with fewer or smaller files"});
+  } catch (...) {
+    diagnostics::reportException([&](std::string_view message) { messages.report(message); });
   }
-  messages.report(reason);
   frames.send({.kind = Frame::Kind::kUnusable});
 }
 
