@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <new>
 
 #include "cppmicroservices/Any.h"
 #include "cppmicroservices/Bundle.h"
@@ -156,6 +157,8 @@ Diagnosis diagnose(const std::vector<std::string>& extensionBundles) {
     }
     describeServices(running.context(), diagnosis.services);
     diagnosis.problems = running.problems();
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception& error) {
     diagnosis.problems.push_back({.file = "tessera",
                                   .place = {},

@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <iterator>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -127,6 +128,7 @@ void RunningBundles::listen() {
     if (event.GetType() != FrameworkEvent::FRAMEWORK_ERROR) return;
     const Bundle bundle = event.GetBundle();
     const std::lock_guard lock(kept->mutex);
+    if (saysOutOfMemory(event.GetMessage())) kept->isOutOfMemory = true;
     kept->errors.push_back({bundle ? bundle.GetLocation() : "", event.GetMessage()});
   };
   framework->GetBundleContext().AddFrameworkListener(listener);
@@ -144,6 +146,7 @@ void RunningBundles::start(const std::string& file, BundleRole role) {
   } catch (const diagnostics::ProblemError&) {
     throw;
   } catch (const std::exception& error) {
+    if (saysOutOfMemory(error.what())) throw std::bad_alloc();
     note(&bundle, describeFault(file, absolute(file), error.what()));
   }
   noteEvents();
@@ -188,7 +191,12 @@ void RunningBundles::registerAppendix(const std::shared_ptr<MarkerAppendix>& app
 void RunningBundles::note(StartedBundle* bundle, Problem problem) {
   if (bundle != nullptr) {
     bundle->hasProblem = true;
-    if (bundle->role != BundleRole::kExtension) problem.remedy = "install the program again";
+    const std::string shortage = remedyForShortage(problem.what);
+    if (!shortage.empty()) {
+      problem.remedy = shortage;
+    } else if (bundle->role != BundleRole::kExtension) {
+      problem.remedy = "install the program again";
+    }
   }
   if (onProblem == OnProblem::kThrow) throw diagnostics::ProblemError(std::move(problem));
   found.push_back(std::move(problem));
@@ -198,6 +206,7 @@ void RunningBundles::noteEvents() {
   std::vector<Event> errors;
   {
     const std::lock_guard lock(events->mutex);
+    if (events->isOutOfMemory) throw std::bad_alloc();
     errors.swap(events->errors);
   }
   for (const Event& error : errors) {
@@ -316,7 +325,6 @@ void RunningBundles::noteUnused(StartedBundle& bundle) {
 
 void RunningBundles::create(StartedBundle& bundle) {
   if (bundle.hasProblem) return;
-  if (bundle.role != BundleRole::kExtension && onProblem == OnProblem::kThrow) return;
   for (ComponentState& state : bundle.components) {
     const auto service = serviceOf(bundle.bundle, state.component.name);
     if (!service) continue;

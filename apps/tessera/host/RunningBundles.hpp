@@ -42,8 +42,8 @@ class RunningBundles {
       const std::shared_ptr<quenlith::shared::appendix::MarkerAppendix>& appendix);
 
   /// Waits until the services of all components are registered, unless they cannot be, and says
-  /// what is wrong with the components of all bundles. The components of extension bundles are
-  /// created, and with `OnProblem::kCollect` all others too.
+  /// what is wrong with the components of all bundles. All components are created: one that cannot
+  /// be created later would be missing in documents without an error.
   void settle();
 
   /// Reports errors and warnings of the framework to the user from now on.
@@ -63,6 +63,8 @@ class RunningBundles {
   struct Events {
     std::mutex mutex;
     std::vector<Event> errors;
+    // Whether there was not enough memory for something that the framework or a bundle did.
+    bool isOutOfMemory = false;
   };
 
   void listen();

@@ -1,6 +1,9 @@
 #include "tessera/host/describeFault.hpp"
 
+#include <cerrno>
 #include <cstddef>
+#include <new>
+#include <system_error>
 
 namespace tessera::host {
 namespace {
@@ -31,6 +34,26 @@ diagnostics::Problem describeFault(const std::string& file, const std::string& l
           .place = {},
           .what = std::string(message.substr(0, mark)),
           .remedy = std::string(message.substr(mark + kRemedyMark.size()))};
+}
+
+bool saysOutOfMemory(std::string_view message) noexcept {
+  return message.find(std::bad_alloc().what()) != message.npos ||
+         message.find("out of memory") != message.npos;
+}
+
+std::string remedyForShortage(std::string_view message) {
+  const auto says = [message](std::string_view part) { return message.find(part) != message.npos; };
+  const auto saysError = [&says](int error) {
+    return says(std::generic_category().message(error));
+  };
+  if (saysError(EMFILE) || saysError(ENFILE)) {
+    return "raise the limit of open files (ulimit -n), or close other programs";
+  }
+  // The second one is what the loader says when it gets no memory for a library.
+  if (saysError(ENOMEM) || says("failed to map segment from shared object")) {
+    return "run fewer workers (-j), or close other programs";
+  }
+  return "";
 }
 
 }  // namespace tessera::host

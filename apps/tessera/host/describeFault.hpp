@@ -13,4 +13,11 @@ namespace tessera::host {
 diagnostics::Problem describeFault(const std::string& file, const std::string& location,
                                    std::string_view message);
 
+/// Returns whether `message` is due to a lack of memory. A framework passes exceptions on as text.
+bool saysOutOfMemory(std::string_view message) noexcept;
+
+/// Returns what to do if `message` is due to a lack of memory or open files, and not to the files
+/// of the program; empty if it is not.
+std::string remedyForShortage(std::string_view message);
+
 }  // namespace tessera::host

@@ -408,8 +408,11 @@ class Bundles(ProgramTest):
             other, task = components.pop(2), components[2]
             task["implementation-class"] = other["implementation-class"]
             del task["references"], task["inject-references"]
-        self.assertRefusedFor(self.install(swap_class), self.PARSERS,
-                              "the parser TaskSnippetParserImpl cannot be created")
+        markup = "quenlith::build::markup"
+        reason = (f"the component {markup}::code::TaskSnippetParserImpl cannot be created" if SYSTEM_FRAMEWORK else
+                  f"component {markup}::code::PlainTextNodeParserImpl: its factory does not provide "
+                  f"{markup}::SnippetParser, which the manifest lists")
+        self.assertRefusedFor(self.install(swap_class), self.PARSERS, reason)
 
 
 class CheckInATerminal(ProgramTest):
