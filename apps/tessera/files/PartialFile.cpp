@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 #include "tessera/diagnostics/Problem.hpp"
@@ -32,12 +33,16 @@ int openFor(const std::string& name, const std::string& partial) {
                          : ::open(partial.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
 }
 
-/// Returns whether `name` is the open file `descriptor`.
-bool isCalled(int descriptor, const std::string& name) {
+/// Returns whether `name` is the open file `descriptor`; nothing, with errno set, if that cannot be
+/// found out.
+std::optional<bool> isCalled(int descriptor, const std::string& name) {
   struct stat held;
   struct stat named;
-  return ::fstat(descriptor, &held) == 0 && ::stat(name.c_str(), &named) == 0 &&
-         held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+  if (::fstat(descriptor, &held) != 0) return std::nullopt;
+  if (::stat(name.c_str(), &named) != 0) {
+    return errno == ENOENT ? std::optional(false) : std::nullopt;
+  }
+  return held.st_dev == named.st_dev && held.st_ino == named.st_ino;
 }
 
 /// Locks an open file for this process, unless another one has a lock. Workers do not inherit it:
@@ -49,22 +54,36 @@ bool lock(int descriptor) {
   return ::fcntl(descriptor, F_SETLK, &whole) == 0;
 }
 
+/// Closes `descriptor`, the file `partial`, and says why it could not be locked.
+[[noreturn]] void failLocking(const std::string& partial, int descriptor) {
+  const int error = errno;
+  const bool isLocked = error == EACCES || error == EAGAIN;
+  struct stat status;
+  // Nobody has a lock, and nothing is lost.
+  if (!isLocked && ::fstat(descriptor, &status) == 0 && status.st_size == 0) {
+    ::unlink(partial.c_str());
+  }
+  ::close(descriptor);
+  if (!isLocked) failOutput(partial, "cannot be locked", error);
+  throw diagnostics::OutputError({.file = partial,
+                                  .place = {},
+                                  .what = "another run is writing it",
+                                  .remedy = "wait for that run, or name another file"});
+}
+
 /// Opens `partial` and locks it, or `name` if `partial` is empty.
 int openLocked(const std::string& name, const std::string& partial) {
   while (true) {
     const int descriptor = openFor(name, partial);
     if (descriptor < 0) failOutput(name, "cannot be created", errno);
     if (partial.empty()) return descriptor;
-    if (!lock(descriptor)) {
-      ::close(descriptor);
-      throw diagnostics::OutputError({.file = partial,
-                                      .place = {},
-                                      .what = "another run is writing it",
-                                      .remedy = "wait for that run, or name another file"});
-    }
+    if (!lock(descriptor)) failLocking(partial, descriptor);
     // Another run may have completed and renamed it before the lock was there.
-    if (isCalled(descriptor, partial)) return descriptor;
+    const std::optional<bool> isOurs = isCalled(descriptor, partial);
+    if (isOurs == true) return descriptor;
+    const int error = errno;
     ::close(descriptor);
+    if (!isOurs) failOutput(name, "cannot be created", error);
   }
 }
 
