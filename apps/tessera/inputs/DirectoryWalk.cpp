@@ -1,9 +1,12 @@
 #include "tessera/inputs/DirectoryWalk.hpp"
 
+#include <dirent.h>
+#include <sys/stat.h>
+
 #include <algorithm>
-#include <cstddef>
-#include <filesystem>
+#include <cerrno>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -13,24 +16,43 @@
 namespace tessera::inputs {
 namespace {
 
-namespace fs = std::filesystem;
+struct DirectoryCloser {
+  void operator()(DIR* directory) const noexcept { ::closedir(directory); }
+};
+
+enum class EntryType { kFile, kDirectory, kOther };
+
+EntryType typeOf(const std::string& path, const dirent& entry) {
+  if (entry.d_type == DT_REG) return EntryType::kFile;
+  if (entry.d_type == DT_DIR) return EntryType::kDirectory;
+  if (entry.d_type != DT_UNKNOWN) return EntryType::kOther;
+  struct stat status;
+  // A file that cannot be looked at is listed, so that an error is reported; one that is gone is
+  // not.
+  if (::lstat(path.c_str(), &status) != 0) {
+    return errno == ENOENT ? EntryType::kOther : EntryType::kFile;
+  }
+  if (S_ISDIR(status.st_mode)) return EntryType::kDirectory;
+  return S_ISREG(status.st_mode) ? EntryType::kFile : EntryType::kOther;
+}
 
 /// Returns the names in `directory` that count, last one first; those of directories end in "/".
 /// Then the paths below come in byte order, because the "/" of a path is compared, too.
+///
+/// The iterator of the standard library ends the process when it has no memory for an entry.
 std::vector<std::string> readNames(const std::string& directory, std::error_code& error) {
   std::vector<std::string> names;
-  for (fs::directory_iterator entry(directory, error), end; !error && entry != end;
-       entry.increment(error)) {
-    std::string name = entry->path().filename().string();
+  const std::unique_ptr<DIR, DirectoryCloser> stream(::opendir(directory.c_str()));
+  errno = stream ? 0 : errno;
+  while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
+    std::string name = entry->d_name;
     if (name.starts_with('.')) continue;
-    std::error_code isGone;
-    const fs::file_type type = entry->symlink_status(isGone).type();
-    if (type == fs::file_type::directory) {
-      names.push_back(std::move(name) + '/');
-    } else if (type == fs::file_type::regular) {
-      names.push_back(std::move(name));
-    }
+    const EntryType type = typeOf(directory + name, *entry);
+    if (type == EntryType::kDirectory) name += '/';
+    if (type != EntryType::kOther) names.push_back(std::move(name));
+    errno = 0;
   }
+  error.assign(errno, std::generic_category());
   std::ranges::sort(names, std::greater<>());
   return names;
 }

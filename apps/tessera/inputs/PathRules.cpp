@@ -62,7 +62,12 @@ PathRules::GitLibrary::GitLibrary() {
   find(addRule, "git_ignore_add_rule");
   find(isIgnored, "git_ignore_path_is_ignored");
   find(lastError, "git_error_last");
-  initialize();
+  if (initialize() < 0) {
+    throw diagnostics::ProblemError({.file = kLibrary,
+                                     .place = {},
+                                     .what = "cannot be initialized",
+                                     .remedy = "name files in place of directories"});
+  }
 }
 
 void PathRules::GitLibrary::check(int result, const std::string& what) const {
