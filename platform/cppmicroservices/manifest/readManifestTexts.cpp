@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fstream>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string_view>
 #include <type_traits>
@@ -90,6 +91,12 @@ const char* describeResult(int result) {
 
 void requireReadable(const std::string& location, int result) {
   if (result == UNZ_OK) return;
+  // minizip does not tell these from a damaged archive.
+  if (errno == ENOMEM) throw std::bad_alloc();
+  if (errno == EMFILE || errno == ENFILE) {
+    refuseBundle(location, std::string("the file cannot be read (") + std::strerror(errno) + ")",
+                 "close files, or raise the limit of open files");
+  }
   refuseBundle(location,
                std::string("the zip archive at the end of the file is damaged (") +
                    describeResult(result) + ")",
@@ -104,6 +111,7 @@ std::uint64_t countEntries(const std::string& location, unzFile archive) {
 
 Archive openArchive(const std::string& location) {
   requireArchive(location);
+  errno = 0;  // For requireReadable().
   Archive archive(::unzOpen64(location.c_str()));
   requireReadable(location, archive ? UNZ_OK : UNZ_BADZIPFILE);
   return archive;

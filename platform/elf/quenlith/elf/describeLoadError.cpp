@@ -11,7 +11,8 @@
 namespace quenlith::elf {
 namespace {
 
-constexpr std::string_view kNotFound = ": cannot open shared object file";
+// It may also be there, and cannot be opened.
+constexpr std::string_view kNotFound = ": cannot open shared object file: No such file";
 constexpr std::string_view kUndefined = "undefined symbol: ";
 
 std::string demangle(const std::string& symbol) {
