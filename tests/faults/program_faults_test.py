@@ -1,0 +1,237 @@
+#!/usr/bin/env python3
+"""Lets every allocation and every system call of the program fail in turn.
+
+program_faults_test.py PROGRAM FAILING_ALLOCATOR FAIL_SYSTEM_CALLS
+
+After each fault: no signal and no hang; either the output that the program has without the fault, or another status and
+a message that says what to do; no file is lost, changed in part or left over.
+
+TESSERA_FAULTS is the number of faults for each command and kind, spread evenly over all; "all" for every one (default:
+8). The test prints how many it injected.
+"""
+import collections
+import concurrent.futures
+import errno
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM, ALLOCATOR, TRACER = (str(pathlib.Path(sys.argv.pop(1)).resolve()) for _ in range(3))
+FAULTS = os.environ.get("TESSERA_FAULTS", "8")
+# A run takes 20 milliseconds: one that is not over by then waits for something that does not happen.
+HANG_SECONDS = 100
+CANNOT_TRACE = 125
+
+SOURCE = rb"""x = 1  # <@output#o [0,1] {"a":[1,2]}>
+# <@task#t1>
+y = 2  # <@text:anchor#here>
+# <@task#t1>
+z = "%%\\"  # <@control:slider#c [0,1] {"min":0}>
+# <@task#t2>
+w # <@output#bad [9,2]>
+# <@appendix>
+# <@task#t1 {"uniqueId":"t1","taskClassDefFile":"fit.json","text":"Fit a line","run":"auto","collapsed":"false"}>
+"""
+INPUTS = {
+    "a.py": SOURCE,
+    "b.sql": b"select 1; -- <@output#q [7,8]>\n-- <@outptu#q2 [7,8]>\n",
+    "damaged.py": b"x = 1  # <@output#o [0,1]\n# <@task#t1>\n# <@outputt#o [0,1]>\ny\n",
+    "calls": rb"""{"op":"document"}
+{"op":"appendix","entries":["%<@task#t1 {\"text\":\"a text of some length\"}>"]}
+{"op":"canParse","parser":"TaskSnippetParserImpl","snippet":{"text":"# <@task#t1>","type":{"group":0,"kind":0}}}
+{"op":"parse","parser":"CodeSnippetParserImpl","snippet":{"text":"# <@task#t1>","type":{"group":0,"kind":0}}}
+{"op":"nodes"}
+""",
+    "dir/.gitignore": b"*.o\n",
+    "dir/a.py": SOURCE,
+    "dir/a.o": b"x\0",
+    "names": b"a.py\nb.sql\n",
+}
+COMMANDS = {
+    "parse as a tree": "parse -j 1 a.py b.sql",
+    "parse as JSON": "parse -j 1 --format json a.py b.sql",
+    "parse as records": "parse -j 1 --format ndjson -o out a.py b.sql",
+    "parse as a page": "parse -j 1 --format html -o out a.py b.sql",
+    "parse and record": "parse --trace --format ndjson --record recording a.py b.sql",
+    "parse with workers": "parse -j 2 --format ndjson a.py b.sql",
+    "parse with workers to a file": "parse -j 2 -o out a.py b.sql",
+    "parse standard input": "parse -j 1 --format ndjson -",
+    "parse a folder": "parse -j 1 --format ndjson dir",
+    "parse a list": "parse -j 1 --format ndjson --files-from names",
+    "check": "check -j 1 a.py b.sql damaged.py",
+    "check as JSON": "check -j 1 --format json a.py b.sql damaged.py",
+    "check as SARIF": "check -j 2 --format sarif -o out a.py b.sql damaged.py",
+    "fix": "check -j 1 --fix damaged.py",
+    "fix with workers": "check -j 2 --fix damaged.py a.py",
+    "markers": "markers -j 1 a.py b.sql",
+    "markers as JSON": "markers -j 2 --format json a.py b.sql",
+    "replay": "replay calls",
+    "explain": "explain missing_task_marker_pair",
+    "help": "parse --help",
+    "doctor": "doctor",
+}
+# The errors of each system call that a program has to expect. 0: half of what is read or written. The calls that are
+# missing here do not fail as they are used. Calls of local files and of the loader are not interrupted.
+ERRORS = {
+    "access": "EIO", "brk": "ENOMEM", "clone": "EAGAIN ENOMEM", "clone3": "EAGAIN ENOMEM", "close": "EIO",
+    "fchmod": "EPERM EIO", "fchown": "EPERM", "fcntl": "ENOLCK", "fdatasync": "EIO ENOSPC", "fstat": "EIO",
+    "fsync": "EIO ENOSPC", "ftruncate": "EIO EINTR", "getcwd": "ENOMEM", "getdents64": "EIO", "getrandom": "EINTR",
+    "ioctl": "ENOTTY", "lseek": "ESPIPE", "mmap": "ENOMEM", "mprotect": "ENOMEM", "munmap": "ENOMEM",
+    "newfstatat": "EIO ENOMEM", "openat": "EMFILE ENOMEM EIO", "poll": "EINTR ENOMEM", "prctl": "EINVAL",
+    "pread64": "EIO", "prlimit64": "EPERM", "read": "0 EINTR EIO", "readlink": "EIO", "recvfrom": "EINTR ENOMEM",
+    "rename": "EIO EXDEV ENOSPC", "sendto": "EINTR ENOMEM", "socketpair": "EMFILE ENOMEM", "wait4": "EINTR",
+    "write": "0 EINTR EAGAIN ENOSPC EPIPE EIO", "writev": "EINTR ENOSPC EIO",
+}
+# A call that is interrupted again and again is no error.
+TEMPORARY = ("0", "EINTR", "EAGAIN")
+SHORTAGES = ("ENOMEM", "EMFILE", "EAGAIN", "ENOLCK")
+HEADERS = subprocess.run(["cpp", "-dM", "-include", "sys/syscall.h", "/dev/null"], capture_output=True).stdout.decode()
+NUMBERS = {name: number for name, number in re.findall(r"#define __NR_(\w+) (\d+)", HEADERS)}
+
+Run = collections.namedtuple("Run", "status output messages files")
+Fault = collections.namedtuple("Fault", "kind number error repeats")
+
+
+def contents(folder):
+    return {str(path.relative_to(folder)): path.read_bytes() for path in folder.rglob("*") if path.is_file()}
+
+
+def run(command, prefix=(), environment={}):
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name, "inputs")
+        for file, data in INPUTS.items():
+            (folder / file).parent.mkdir(parents=True, exist_ok=True)
+            (folder / file).write_bytes(data)
+        (folder / "temporary").mkdir()
+        environment = {**os.environ, "TMPDIR": str(folder / "temporary"), **environment}
+        try:
+            done = subprocess.run([*prefix, PROGRAM, *COMMANDS[command].split()], cwd=folder, env=environment,
+                                  input=SOURCE, capture_output=True, timeout=HANG_SECONDS)
+        except subprocess.TimeoutExpired as late:
+            return Run("hang", late.stdout, late.stderr or b"", {})
+        return Run(done.returncode, done.stdout, done.stderr, contents(folder))
+
+
+def run_with(command, fault):
+    mode = "on" if fault.repeats else "once"
+    if fault.kind in ("new", "malloc"):
+        return run(command, environment={"LD_PRELOAD": ALLOCATOR,
+                                         "FAIL_ALLOCATION": f"{fault.kind}:{fault.number}:{mode}"})
+    error = getattr(errno, fault.error, 0)
+    return run(command, [TRACER, NUMBERS[fault.kind], str(fault.number), str(error), mode])
+
+
+def spread(faults):
+    """Returns as many faults as are wanted, at equal distances."""
+    if FAULTS == "all" or len(faults) <= int(FAULTS):
+        return faults
+    return [faults[i * len(faults) // int(FAULTS)] for i in range(int(FAULTS))]
+
+
+def allocation_faults(command, kind, modes):
+    with tempfile.TemporaryDirectory() as folder:
+        counts = pathlib.Path(folder, "counts")
+        run(command, environment={"LD_PRELOAD": ALLOCATOR, "ALLOCATION_COUNTS": str(counts)})
+        column = ("new", "malloc").index(kind)
+        # One line for each process.
+        count = max(int(line.split()[column]) for line in counts.read_text().splitlines())
+    return [fault for repeats in modes
+            for fault in spread([Fault(kind, number, "", repeats) for number in range(1, count + 1)])]
+
+
+def call_faults(command):
+    with tempfile.TemporaryDirectory() as folder:
+        calls = pathlib.Path(folder, "calls")
+        run(command, [TRACER, "list", str(calls)])
+        counts = collections.Counter(calls.read_text().split())
+    faults = [Fault(call, number, error, repeats) for call in sorted(ERRORS) for error in ERRORS[call].split()
+              for number in range(1, counts[NUMBERS.get(call)] + 1) for repeats in (False, True)
+              if not (repeats and error in TEMPORARY)]
+    return spread(faults)
+
+
+def is_stderr_gone(fault):
+    return fault.kind in ("write", "writev") and fault.repeats
+
+
+def find_damage(command, fault, expected, done):
+    """Returns the files that are neither as they were nor as they are after a run without a fault."""
+    damage = [name for name in INPUTS if name not in done.files]
+    for name, data in done.files.items():
+        is_kept = name == "out.partial" and "--format ndjson" in COMMANDS[command]
+        # Without a file that failed, an output is complete in a different way.
+        is_partial = done.status == 3 and name in ("out", "recording")
+        # Nothing can be found out about the file, and it may be another run's.
+        is_partial |= name.endswith(".partial") and fault.kind == "newfstatat"
+        if data not in (INPUTS.get(name), expected.files.get(name)) and not is_kept and not is_partial:
+            damage.append(name)
+    return damage
+
+
+def judge(command, fault, expected, done):
+    """Returns what is wrong; nothing if the program did well."""
+    # What a doctor finds is its output.
+    messages = (done.messages + (done.output if command == "doctor" else b"")).decode(errors="replace")
+    if done.status == "hang" or done.status < 0 or done.status >= 128:
+        return f"ended by {done.status}"
+    if done.status == expected.status:
+        is_same = (done.output, done.files) == (expected.output, expected.files)
+        return "" if is_same else "wrong output without an error"
+    # The loader and the C library, for example at the first use of a thread's data.
+    if done.status == 127 and ("memory" in messages or "shared librar" in messages):
+        return ""
+    if done.status not in (2, 3):
+        return f"status {done.status}"
+    damage = find_damage(command, fault, expected, done)
+    if damage:
+        return f"damaged or left over: {damage}"
+    if is_stderr_gone(fault):
+        return ""
+    if not re.search(r"error: .*; ", messages):
+        return "no message that says what to do"
+    is_shortage = fault.kind in ("new", "malloc") or fault.error in SHORTAGES
+    if "10 seconds" in messages or (is_shortage and "install the program again" in messages):
+        return "a message that misleads"
+    return ""
+
+
+class ProgramFaults(unittest.TestCase):
+    def inject(self, faults_of):
+        injected = 0
+        outcomes = collections.Counter()
+        failures = []
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            for command in COMMANDS:
+                expected = run(command)
+                faults = faults_of(command)
+                injected += len(faults)
+                runs = pool.map(lambda fault: run_with(command, fault), faults)
+                for fault, done in zip(faults, runs):
+                    outcomes[done.status] += 1
+                    wrong = judge(command, fault, expected, done)
+                    if wrong:
+                        failures.append(f"{COMMANDS[command]}: {fault}: {wrong}: {done.messages.decode()[-300:]}")
+        print(f"{injected} faults injected; status: {dict(outcomes)}", file=sys.stderr)
+        self.assertGreaterEqual(injected, len(COMMANDS))
+        self.assertFalse(failures, "\n".join(failures))
+
+    def test_operator_new(self):
+        self.inject(lambda command: allocation_faults(command, "new", (False, True)))
+
+    def test_malloc(self):
+        # Not from one call on: then libgit2 recurses without an end, and the C library ends a process that throws an
+        # exception through its functions.
+        self.inject(lambda command: allocation_faults(command, "malloc", (False,)))
+
+    def test_system_calls(self):
+        if run("help", [TRACER, "list", "/dev/null"]).status == CANNOT_TRACE:
+            self.skipTest("processes cannot be traced here")
+        self.inject(call_faults)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
