@@ -14,11 +14,19 @@ using line::MarkerKind;
 namespace {
 
 // At memory speed: 16-bit strings are otherwise compared unit by unit.
+int compareBytes(const ustring& a, const ustring& b) noexcept {
+  return std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t));
+}
+
 bool isSame(const ustring& a, const ustring& b) noexcept {
-  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+  return a.size() == b.size() && compareBytes(a, b) == 0;
 }
 
 }  // namespace
+
+bool TaskIdCounts::Order::operator()(const ustring& a, const ustring& b) const noexcept {
+  return a.size() != b.size() ? a.size() < b.size() : compareBytes(a, b) < 0;
+}
 
 std::size_t TaskIdCounts::count(const ustring& block, std::uint64_t version, const ustring& id) {
   if (version == 0 || version != scannedVersion) {

@@ -23,8 +23,14 @@ class TaskIdCounts {
   void clear() noexcept;
 
  private:
+  /// Orders ids by their length and bytes. Any order will do, and the alphabetical one compares
+  /// 16-bit strings unit by unit.
+  struct Order {
+    bool operator()(const fl::i18n::ustring& a, const fl::i18n::ustring& b) const noexcept;
+  };
+
   // Ordered: authors choose the ids, and chosen collisions would make a hash table quadratic.
-  using Counts = std::map<fl::i18n::ustring, std::size_t>;
+  using Counts = std::map<fl::i18n::ustring, std::size_t, Order>;
 
   void scan(const fl::i18n::ustring& block);
 
