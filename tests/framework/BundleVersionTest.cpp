@@ -71,6 +71,7 @@ TEST(BundleVersions, UndefinedOneHasNeitherPartsNorOrder) {
   EXPECT_THROW((void)BundleVersion(1, 0, 0).Compare(none), std::logic_error);
   EXPECT_TRUE(none == BundleVersion::UndefinedVersion());
   EXPECT_FALSE(BundleVersion(0, 0, 0) == none);
+  EXPECT_THROW((void)(none == BundleVersion(0, 0, 0)), std::logic_error);
 }
 
 class VersionOfABundle : public FrameworkFixture {};

@@ -4,6 +4,7 @@
 #include <string>
 
 #include <cppmicroservices/AnyMap.h>
+#include <cppmicroservices/Bundle.h>
 #include <cppmicroservices/LDAPFilter.h>
 #include <cppmicroservices/LDAPProp.h>
 
@@ -63,12 +64,29 @@ TEST(LDAPProps, EmptyExpressionIsLeftOut) {
   EXPECT_TRUE((!negated).IsNull());
 }
 
+TEST(LDAPProps, EmptyTextGivesTheEmptyExpression) {
+  const LDAPProp key("k");
+  const std::string empty;
+  EXPECT_TRUE((key == empty).IsNull());
+  EXPECT_TRUE((key == Any(empty)).IsNull());
+  EXPECT_TRUE((key != empty).IsNull());
+  EXPECT_TRUE((key >= empty).IsNull());
+  EXPECT_TRUE((key <= empty).IsNull());
+  EXPECT_TRUE(key.Approx(empty).IsNull());
+  EXPECT_EQ(text(key == ""), "(k=)");
+}
+
 TEST(LDAPProps, AreFilters) {
   const LDAPFilter filter(LDAPProp("name") == "Ben" && LDAPProp("count") >= 2);
   EXPECT_TRUE(filter.Match(AnyMap(AnyMap::UNORDERED_MAP_CASEINSENSITIVE_KEYS,
                                   {{"name", Any(std::string("Ben"))}, {"count", Any(2)}})));
   EXPECT_FALSE(filter.Match(AnyMap(AnyMap::UNORDERED_MAP_CASEINSENSITIVE_KEYS,
                                    {{"name", Any(std::string("Ben"))}, {"count", Any(1)}})));
+}
+
+TEST(LDAPFilters, EmptyOneMatchesNoBundle) {
+  EXPECT_FALSE(LDAPFilter().Match(cppmicroservices::Bundle()));
+  EXPECT_THROW((void)LDAPFilter("(a=b)").Match(cppmicroservices::Bundle()), std::invalid_argument);
 }
 
 TEST(LDAPProps, EmptyNameAndEmptyValueAreRefused) {

@@ -48,7 +48,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleVersion {
   /// Returns all three numbers and the qualifier, if there is one; "undefined" when there are none.
   std::string ToString() const;
 
-  /// Says whether all parts are equal, or both versions are undefined.
+  /// Says whether all parts are equal, or both versions are undefined. Throws `std::logic_error` when
+  /// only this one is undefined.
   bool operator==(const BundleVersion& other) const;
 
   /// Returns a negative number, 0 or a positive one when this version is less than, equal to or

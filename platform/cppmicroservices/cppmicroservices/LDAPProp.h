@@ -42,8 +42,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT LDAPProp {
   LDAPProp& operator=(const LDAPProp& other) = delete;
   ~LDAPProp() = default;
 
-  LDAPPropExpr operator==(const std::string& value) const { return condition("=", value); }
-  LDAPPropExpr operator==(const Any& value) const { return condition("=", textOf(value)); }
+  LDAPPropExpr operator==(const std::string& value) const { return unlessEmpty("=", value); }
+  LDAPPropExpr operator==(const Any& value) const { return unlessEmpty("=", textOf(value)); }
   LDAPPropExpr operator==(bool value) const { return condition("=", value ? "true" : "false"); }
   template <class T>
   LDAPPropExpr operator==(const T& value) const {
@@ -62,26 +62,26 @@ class QUENLITH_CPPMICROSERVICES_EXPORT LDAPProp {
     return *this != textOf(value);
   }
 
-  LDAPPropExpr operator>=(const std::string& value) const { return condition(">=", value); }
-  LDAPPropExpr operator>=(const Any& value) const { return condition(">=", textOf(value)); }
+  LDAPPropExpr operator>=(const std::string& value) const { return unlessEmpty(">=", value); }
+  LDAPPropExpr operator>=(const Any& value) const { return unlessEmpty(">=", textOf(value)); }
   template <class T>
   LDAPPropExpr operator>=(const T& value) const {
-    return condition(">=", textOf(value));
+    return unlessEmpty(">=", textOf(value));
   }
 
-  LDAPPropExpr operator<=(const std::string& value) const { return condition("<=", value); }
-  LDAPPropExpr operator<=(const Any& value) const { return condition("<=", textOf(value)); }
+  LDAPPropExpr operator<=(const std::string& value) const { return unlessEmpty("<=", value); }
+  LDAPPropExpr operator<=(const Any& value) const { return unlessEmpty("<=", textOf(value)); }
   template <class T>
   LDAPPropExpr operator<=(const T& value) const {
-    return condition("<=", textOf(value));
+    return unlessEmpty("<=", textOf(value));
   }
 
   /// Compares without regard to case and spaces.
-  LDAPPropExpr Approx(const std::string& value) const { return condition("~=", value); }
-  LDAPPropExpr Approx(const Any& value) const { return condition("~=", textOf(value)); }
+  LDAPPropExpr Approx(const std::string& value) const { return unlessEmpty("~=", value); }
+  LDAPPropExpr Approx(const Any& value) const { return unlessEmpty("~=", textOf(value)); }
   template <class T>
   LDAPPropExpr Approx(const T& value) const {
-    return condition("~=", textOf(value));
+    return unlessEmpty("~=", textOf(value));
   }
 
  private:
@@ -93,6 +93,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT LDAPProp {
     return text.str();
   }
 
+  LDAPPropExpr unlessEmpty(const char* sign, const std::string& value) const;
   LDAPPropExpr condition(const char* sign, const std::string& value) const;
 
   std::string property;

@@ -32,7 +32,7 @@ bool LDAPFilter::Match(const ServiceReferenceBase& reference) const {
 }
 
 bool LDAPFilter::Match(const Bundle& bundle) const {
-  return Match(bundle.GetHeaders());
+  return expression && Match(bundle.GetHeaders());
 }
 
 bool LDAPFilter::Match(const AnyMap& dictionary) const {

@@ -37,8 +37,12 @@ LDAPPropExpr LDAPProp::operator!() const {
 }
 
 LDAPPropExpr LDAPProp::operator!=(const std::string& value) const {
-  LDAPPropExpr equal = condition("=", value);
+  LDAPPropExpr equal = unlessEmpty("=", value);
   return !equal;
+}
+
+LDAPPropExpr LDAPProp::unlessEmpty(const char* sign, const std::string& value) const {
+  return value.empty() ? LDAPPropExpr() : condition(sign, value);
 }
 
 LDAPPropExpr LDAPProp::condition(const char* sign, const std::string& value) const {

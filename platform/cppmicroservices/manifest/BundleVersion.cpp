@@ -96,7 +96,7 @@ std::string BundleVersion::ToString() const {
 }
 
 bool BundleVersion::operator==(const BundleVersion& other) const {
-  if (undefined || other.undefined) return undefined == other.undefined;
+  if (other.undefined) return undefined;
   return Compare(other) == 0;
 }
 
