@@ -4,6 +4,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 #include "TextTwin.hpp"
 
@@ -48,8 +49,9 @@ TEST(ConvertUtf16, ConvertsRunsOfEveryUnit) {
 TEST(AppendUtf8, SurrogatesAroundTheCutAgreeWithIcu) {
   const std::u16string pair = u"\U0001F600";
   const std::u16string high = pair.substr(0, 1);
-  for (const std::u16string& surrogates :
-       {high + pair, pair + high, pair + pair, pair + high + pair, high + high + pair}) {
+  const std::vector<std::u16string> cases{high + pair, pair + high, pair + pair, pair + high + pair,
+                                          high + high + pair};
+  for (const std::u16string& surrogates : cases) {
     for (std::size_t before = 0; before < 1100; ++before) {
       std::u16string text(before, u'\u20AC');
       text.append(surrogates).append(600, u'b');
