@@ -157,6 +157,16 @@ TEST_F(Bundles, ListenersReceiveTheStatesInOrder) {
                                  BundleEvent::BUNDLE_STOPPING, BundleEvent::BUNDLE_STOPPED));
 }
 
+TEST_F(Bundles, EventNeedsAValidBundleAndOrigin) {
+  const Bundle none;
+  EXPECT_THROW(BundleEvent(BundleEvent::BUNDLE_STARTED, none), std::invalid_argument);
+  EXPECT_THROW(BundleEvent(BundleEvent::BUNDLE_STARTED, framework, none), std::invalid_argument);
+  EXPECT_FALSE(BundleEvent());
+  EXPECT_EQ(BundleEvent().GetType(), BundleEvent::BUNDLE_UNINSTALLED);
+  EXPECT_FALSE(FrameworkEvent());
+  EXPECT_EQ(FrameworkEvent().GetType(), FrameworkEvent::FRAMEWORK_ERROR);
+}
+
 TEST_F(Bundles, InvalidBundleRefusesEverything) {
   const Bundle none;
   EXPECT_FALSE(none);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <stdexcept>
 
 #include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/FrameworkExport.h"
@@ -24,13 +25,17 @@ class BundleEvent {
     BUNDLE_LAZY_ACTIVATION = 0x00000200  ///< Reserved, never sent.
   };
 
-  /// Makes an invalid event.
+  /// Makes an invalid event, whose type means nothing.
   BundleEvent() = default;
+
+  /// Throw `std::invalid_argument` when a bundle is invalid.
   BundleEvent(Type type, const Bundle& bundle) : BundleEvent(type, bundle, bundle) {}
   BundleEvent(Type type, const Bundle& bundle, const Bundle& origin)
-      : type(type), bundle(bundle), origin(origin) {}
+      : type(type), bundle(bundle), origin(origin) {
+    if (!bundle || !origin) throw std::invalid_argument("the bundle of an event is invalid");
+  }
 
-  explicit operator bool() const { return type != Type{}; }
+  explicit operator bool() const { return static_cast<bool>(bundle); }
   Type GetType() const { return type; }
   Bundle GetBundle() const { return bundle; }
 
@@ -40,7 +45,7 @@ class BundleEvent {
   bool operator==(const BundleEvent&) const = default;
 
  private:
-  Type type{};
+  Type type = BUNDLE_UNINSTALLED;
   Bundle bundle;
   Bundle origin;
 };

@@ -24,13 +24,17 @@ class FrameworkEvent {
     FRAMEWORK_WAIT_TIMEDOUT = 0x00000200
   };
 
-  /// Makes an invalid event.
+  /// Makes an invalid event, whose type means nothing.
   FrameworkEvent() = default;
   FrameworkEvent(Type type, const Bundle& bundle, const std::string& message,
                  std::exception_ptr exception = nullptr)
-      : type(type), bundle(bundle), message(message), exception(std::move(exception)) {}
+      : isValid(true),
+        type(type),
+        bundle(bundle),
+        message(message),
+        exception(std::move(exception)) {}
 
-  explicit operator bool() const { return type != Type{}; }
+  explicit operator bool() const { return isValid; }
   Type GetType() const { return type; }
   Bundle GetBundle() const { return bundle; }
   std::string GetMessage() const { return message; }
@@ -41,7 +45,8 @@ class FrameworkEvent {
   bool operator==(const FrameworkEvent&) const = default;
 
  private:
-  Type type{};
+  bool isValid = false;
+  Type type = FRAMEWORK_ERROR;
   Bundle bundle;
   std::string message;
   std::exception_ptr exception;
