@@ -90,17 +90,17 @@ int openLocked(const std::string& name, const std::string& partial) {
 }  // namespace
 
 PartialFile::PartialFile(const std::string& givenName, Leftover leftover)
-    : PartialFile(givenName, leftover, HeldInterruptions()) {}
+    : PartialFile(givenName, HeldInterruptions()) {
+  // The destructor runs if this throws.
+  if (leftover == Leftover::kReplaced) cutAfter(0);
+}
 
-PartialFile::PartialFile(const std::string& givenName, Leftover leftover,
-                         const HeldInterruptions& /*held*/)
+PartialFile::PartialFile(const std::string& givenName, const HeldInterruptions& /*held*/)
     : name(resolve(givenName)),
       partial(isDirectlyWritten(name) ? std::string() : name + ".partial"),
       number(openLocked(name, partial)),
       file(number, givenName) {
-  if (partial.empty()) return;
-  removal.emplace(partial);
-  if (leftover == Leftover::kReplaced) cutAfter(0);
+  if (!partial.empty()) removal.emplace(partial);
 }
 
 void PartialFile::keepIncomplete() noexcept {

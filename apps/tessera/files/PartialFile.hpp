@@ -47,7 +47,7 @@ class PartialFile {
 
  private:
   /// No interruption arrives before it is known that the file is to be removed.
-  PartialFile(const std::string& name, Leftover leftover, const HeldInterruptions& held);
+  PartialFile(const std::string& name, const HeldInterruptions& held);
 
   std::string name;
   std::string partial;
