@@ -43,7 +43,7 @@ std::string testIdOf(const ParserReference& reference) {
 }  // namespace
 
 ServiceHost::ServiceHost(const std::vector<std::string>& extensionBundles, Pieces pieces)
-    : parserAppendix(std::make_shared<MarkerAppendix>(MarkerAppendix::EntryText::kEmpty)),
+    : parserAppendix(std::make_shared<MarkerAppendix>()),
       running(std::make_unique<RunningBundles>(OnProblem::kThrow)) {
   startBundles(*running, parserAppendix, pieces, extensionBundles);
   // Whatever was wrong at the start has been thrown.

@@ -86,16 +86,6 @@ TEST(MarkerAppendix, EntriesFoundShareTheDataOfTheMarkerAdded) {
   EXPECT_EQ(&entry.marker->dataView(), &added.dataView());
 }
 
-TEST(MarkerAppendix, LeavesTheTextsOfEntriesEmptyIfThatIsWanted) {
-  MarkerAppendix appendix(MarkerAppendix::EntryText::kEmpty);
-  const Marker added(u"# <@task#a {\"k\":1}>");
-  appendix.replace({added});
-  const auto entry = appendix.findEntry(added);
-  EXPECT_EQ(entry.text, u"");
-  EXPECT_EQ(entry.marker, added);
-  EXPECT_EQ(appendix.build(), u"%<@appendix>\n%<@task#a {\"k\":1}>\n");
-}
-
 TEST(MarkerAppendix, EntriesFoundOutliveTheAppendix) {
   quenlith::shared::appendix::AppendixEntry entry;
   {

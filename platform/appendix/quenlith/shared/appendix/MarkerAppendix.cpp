@@ -21,8 +21,7 @@ void MarkerAppendix::addEntry(const Marker& entry) {
   if (entriesByKey.contains(keyOf(entry))) return;
   // The entry joins `entries` last, so that nothing changes when `emplace` throws.
   std::list<AppendixEntry> added;
-  const bool hasText = entryText == EntryText::kCanonical;
-  added.push_back({hasText ? entry.toString() : fl::i18n::ustring(), entry});
+  added.push_back({entry.toString(), entry});
   entriesByKey.emplace(keyOf(*added.front().marker), &added.front());
   // Does not throw, and keeps the entry's address, which `entriesByKey` refers to.
   entries.splice(entries.end(), added);
@@ -31,7 +30,7 @@ void MarkerAppendix::addEntry(const Marker& entry) {
 fl::i18n::ustring MarkerAppendix::build() const {
   if (entries.empty()) return {};
   fl::i18n::ustring text = u"%<@appendix>\n";
-  for (const AppendixEntry& entry : entries) text.append(entry.marker->toString()).append(1, u'\n');
+  for (const AppendixEntry& entry : entries) text.append(entry.text).append(1, u'\n');
   return text;
 }
 
@@ -41,7 +40,7 @@ AppendixEntry MarkerAppendix::findEntry(const Marker& marker) const {
 }
 
 void MarkerAppendix::replace(const std::vector<Marker>& markers) {
-  MarkerAppendix replacement(entryText);
+  MarkerAppendix replacement;
   for (const Marker& marker : markers) replacement.addEntry(marker);
   entries.swap(replacement.entries);
   entriesByKey.swap(replacement.entriesByKey);

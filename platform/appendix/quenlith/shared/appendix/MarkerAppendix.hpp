@@ -18,11 +18,7 @@ namespace quenlith::shared::appendix {
 /// must not change while a parser looks one up.
 class QUENLITH_APPENDIX_EXPORT MarkerAppendix final : public AppendixBuilder {
  public:
-  /// What `findEntry` returns as the text of an entry. Copying the text of a large entry for each
-  /// of many markers takes time in proportion to the product of both sizes.
-  enum class EntryText { kCanonical, kEmpty };
-
-  explicit MarkerAppendix(EntryText entryText = EntryText::kCanonical) : entryText(entryText) {}
+  MarkerAppendix() = default;
   MarkerAppendix(const MarkerAppendix&) = delete;
   MarkerAppendix& operator=(const MarkerAppendix&) = delete;
 
@@ -33,8 +29,8 @@ class QUENLITH_APPENDIX_EXPORT MarkerAppendix final : public AppendixBuilder {
   /// the order in which they were added, each ending in LF. Empty when there are no entries.
   fl::i18n::ustring build() const override;
 
-  /// Like the base class; constant time on average, except for the copy of the text, which is the
-  /// entry's canonical form unless it is left empty. The marker shares the data of the one added.
+  /// Like the base class; constant time on average. The text is the entry's canonical form; the
+  /// marker shares the data of the one added.
   AppendixEntry findEntry(const quenlith::syntax::Marker& marker) const override;
 
   /// Replaces all entries by `markers`, as if by `addEntry`. If it throws, the appendix is
@@ -51,7 +47,6 @@ class QUENLITH_APPENDIX_EXPORT MarkerAppendix final : public AppendixBuilder {
 
   static Key keyOf(const quenlith::syntax::Marker& marker) noexcept;
 
-  EntryText entryText;
   std::list<AppendixEntry> entries;
   std::unordered_map<Key, const AppendixEntry*, KeyHash> entriesByKey;
 };
