@@ -45,12 +45,13 @@ ParserFailure TaskFailures::makeFailure(const AppendixBuilder& appendixBuilder,
                                         const Marker& taskMarker) {
   const std::optional<Marker> found = findAppendixEntry(appendixBuilder, taskMarker);
   if (!found) return {};
-  Entry& entry = entries[taskMarker.getId()];
-  if (!(entry.marker == *found)) {
-    entry.failure.setFailureData(found->getData());
-    entry.marker = *found;
+  auto entry = entries.find(taskMarker.getId());
+  if (entry == entries.end() || !(entry->second.marker == *found)) {
+    ParserFailure failure;
+    failure.setFailureData(found->getData());
+    entry = entries.insert_or_assign(taskMarker.getId(), Entry{*found, failure}).first;
   }
-  return entry.failure;
+  return entry->second.failure;
 }
 
 }  // namespace quenlith::build::markup::code::task
