@@ -134,14 +134,15 @@ TEST_F(FrameworkFaults, LibraryIsInstalledAsAWholeOrNotAtAll) {
       makeArchive({{"one/manifest.json", R"({"bundle.symbolic_name":"one"})"},
                    {"two/manifest.json", R"({"bundle.symbolic_name":"two","a":[1,{"b":"c"}]})"}},
                   0));
-  int events = 0;
-  context.AddBundleListener([&](const BundleEvent&) { ++events; });
+  // The framework stops, and sends events, after the test has returned.
+  const auto events = std::make_shared<int>(0);
+  context.AddBundleListener([events](const BundleEvent&) { ++*events; });
   failEachWithoutLeak([&] { context.InstallBundles(path); },
                       [&](bool hasThrown) {
                         ASSERT_EQ(context.GetBundles().size(), hasThrown ? 1U : 3U);
-                        ASSERT_EQ(std::exchange(events, 0), hasThrown ? 0 : 2);
+                        ASSERT_EQ(std::exchange(*events, 0), hasThrown ? 0 : 2);
                         for (Bundle& bundle : context.GetBundles(path)) bundle.Uninstall();
-                        events = 0;
+                        *events = 0;
                       });
 }
 

@@ -3,6 +3,7 @@
 
 live_page_test.py PROGRAM
 """
+import os
 import pathlib
 import sys
 import unittest
@@ -35,7 +36,9 @@ class LivePage(view_test.Case):
         self.addCleanup(self.tab.close)
 
     def save(self):
-        self.write("a.py", "".join(line + "\n" for line in self.lines))
+        # In one step, as editors do: on a loaded machine, a page of the empty file could be seen before that of the lines.
+        self.write("a.py.new", "".join(line + "\n" for line in self.lines))
+        os.replace(self.folder / "a.py.new", self.folder / "a.py")
 
     def show_changes(self):
         """Saves the lines, and waits until the page has changed and was drawn."""
