@@ -102,6 +102,8 @@ class FrameworkFaults : public HostFramework {
     script->stop = [this](const BundleContext&) { used = nullptr; };
   }
   ~FrameworkFaults() override {
+    // What bundles call when they stop belongs to this class.
+    stop();
     *script = Script();
     std::cout << injectedFaults << " faults injected so far\n";
   }
