@@ -109,7 +109,7 @@ int runMain(int argumentCount, char** arguments, char** environment) {
 extern "C" {
 
 // Ends a process without running its functions for the end.
-[[gnu::visibility("default"), noreturn]] void _Exit(int status) {
+[[gnu::visibility("default"), gnu::noreturn]] void _Exit(int status) {
   writeCounts();
   ::_exit(status);
 }

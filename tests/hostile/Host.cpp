@@ -30,8 +30,7 @@ class Provider final : public quenlith::build::markup::services::ParserServicesP
 }  // namespace
 
 Host::Host()
-    : entries(std::make_shared<MarkerAppendix>()),
-      provider(std::make_shared<Provider>()) {}
+    : entries(std::make_shared<MarkerAppendix>()), provider(std::make_shared<Provider>()) {}
 
 tessera::session::SnippetSession Host::makeSession(tessera::session::Recording* recording) const {
   return {makeParsers(), nullptr, recording};

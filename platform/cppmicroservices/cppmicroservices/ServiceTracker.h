@@ -89,7 +89,7 @@ class ServiceTracker : protected ServiceTrackerCustomizer<S, T> {
   /// Returns the preferred one of the tracked services. Throws `ServiceException` when there is
   /// none.
   virtual ServiceReference<S> GetServiceReference() const {
-    const ServiceReferenceU best = services.best();
+    ServiceReferenceU best = services.best();
     if (!best) throw ServiceException("No service is being tracked");
     return best;
   }
