@@ -33,19 +33,33 @@ def write_files(folder, texts):
     return total
 
 
-def seconds_of(command):
+def seconds_together(commands):
+    """Returns how long the commands take at the same time."""
     begin = time.monotonic()
-    subprocess.run(command, stdout=subprocess.DEVNULL, check=True)
+    processes = [subprocess.Popen(command, stdout=subprocess.DEVNULL) for command in commands]
+    for process, command in zip(processes, commands):
+        if process.wait() != 0:
+            raise subprocess.CalledProcessError(process.returncode, command)
     return time.monotonic() - begin
 
 
-def best_times(commands):
-    """Returns the best time of each command. They take turns: a disturbance hits all alike."""
-    best = [float("inf")] * len(commands)
+def best_times(runs):
+    """Returns the best time of each run, a list of commands that run at the same time. The runs take
+    turns: a disturbance hits all alike."""
+    best = [float("inf")] * len(runs)
     for _ in range(ROUNDS):
-        for number, command in enumerate(commands):
-            best[number] = min(best[number], seconds_of(command))
+        for number, commands in enumerate(runs):
+            best[number] = min(best[number], seconds_together(commands))
     return best
+
+
+def halves(folder):
+    """Writes the paths of a folder's files to two lists in turn."""
+    paths = sorted(folder.iterdir())
+    for number in (0, 1):
+        path = folder.with_name(f"{folder.name}.{number}")
+        path.write_text("".join(f"{path}\n" for path in paths[number::2]))
+        yield path
 
 
 def processes_below(number):
@@ -84,14 +98,21 @@ def rows(program, lines, folder):
     size = write_files(folder / "large", pieces(lines, LARGE_FILES, LARGE_BYTES))
     sets = (("small", f"{SMALL_FILES} small files"), ("large", f"{LARGE_FILES} files of 3 MB"))
     for name, text in sets:
-        commands = [[*parse, "-j", workers, folder / name] for workers in ("1", "2")]
-        one, two = best_times(commands)
+        one, two, separate = best_times(
+            [
+                [[*parse, "-j", "1", folder / name]],
+                [[*parse, "-j", "2", folder / name]],
+                [[*parse, "-j", "1", "--files-from", path] for path in halves(folder / name)],
+            ]
+        )
         yield f"speed of -j 2 in times of -j 1, {text}", "at least", 1.8, one / two
+        aim = f"the same in times of two separate runs of half of the files each, {text}"
+        yield aim, "at least", 0.9, separate / two
     output = folder / "out"
     full = [*parse, "-j", "1", "-o", output, folder / "large"]
     short = [*full, "--omit-empty"]
-    full_time, short_time = best_times([full, short])
-    seconds_of(short)
+    full_time, short_time = best_times([[full], [short]])
+    seconds_together([short])
     aim = "size of a document with --omit-empty, in times of the source"
     yield aim, "at most", 4, output.stat().st_size / size
     yield "time with --omit-empty, in times of the full form", "at most", 1, short_time / full_time

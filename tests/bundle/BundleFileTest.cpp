@@ -9,15 +9,22 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <sstream>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <cppmicroservices/BundleContext.h>
 #include <cppmicroservices/servicecomponent/detail/ComponentInstance.hpp>
 
+#include "quenlith/build/markup/SnippetParser.hpp"
+#include "quenlith/build/markup/services/ParserServicesProvider.hpp"
+#include "quenlith/shared/appendix/MarkerAppendix.hpp"
 #include "support/FailingAllocations.hpp"
 
 namespace {
@@ -25,6 +32,7 @@ namespace {
 using cppmicroservices::service::component::detail::ComponentInstance;
 using quenlith::test::allocationCount;
 using quenlith::test::FailingAllocations;
+using quenlith::test::liveAllocations;
 
 constexpr const char* kSymbolicName = "com_velquorin_quenlith_build_markup_code";
 constexpr std::array kComponents = {
@@ -222,6 +230,110 @@ TEST_F(Factories, ReturnsNullWhenAnyAllocationFails) {
     EXPECT_GT(failures, 1U) << component;
   }
 }
+
+#if EMBEDDED_FRAMEWORK
+
+using quenlith::build::markup::SnippetParser;
+using quenlith::build::markup::services::ParserServicesProvider;
+using quenlith::shared::appendix::AppendixBuilder;
+using quenlith::shared::appendix::MarkerAppendix;
+
+class EmptyProvider final : public ParserServicesProvider {
+ public:
+  std::vector<std::shared_ptr<quenlith::build::markup::contributordata::LineContributorDataParser>>
+  getLineContributorDataParsers() override {
+    return {};
+  }
+  std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>>
+  getCodeElementParsers() override {
+    return {nullptr};
+  }
+};
+
+/// Gives the services of the references, and calls a function in one of the calls.
+class FaultyContext final : public cppmicroservices::service::component::ComponentContext {
+ public:
+  FaultyContext(std::size_t faultyCall, std::function<void()> fault)
+      : faultyCall(faultyCall), fault(std::move(fault)) {}
+
+  bool isReleased() const { return provider.use_count() == 1 && appendix.use_count() == 1; }
+
+  mutable std::vector<std::string> names;
+
+ protected:
+  std::shared_ptr<void> LocateService(const std::string& name,
+                                      const std::string& interfaceId) const override {
+    names.push_back(name);
+    if (names.size() - 1 == faultyCall) fault();
+    if (interfaceId == us_service_interface_iid<AppendixBuilder>()) return appendix;
+    return provider;
+  }
+
+ private:
+  std::size_t faultyCall;
+  std::function<void()> fault;
+  std::shared_ptr<ParserServicesProvider> provider = std::make_shared<EmptyProvider>();
+  std::shared_ptr<AppendixBuilder> appendix = std::make_shared<MarkerAppendix>();
+};
+
+// The calls of a context that becomes invalid, of one that fails in another way, and without
+// memory.
+const std::vector<std::function<void()>> kFaults = {
+    [] { throw std::runtime_error("The bundle context is no longer valid"); }, [] { throw 7; },
+    [] { throw std::bad_alloc(); }};
+
+class ComponentFaults : public Factories {
+ protected:
+  /// The names of the references of `component`, in order.
+  struct Component {
+    std::string component;
+    std::vector<std::string> names;
+  };
+
+  void failToMake(const Component& made, std::size_t faultyCall,
+                  const std::function<void()>& fault) {
+    ComponentInstance* const instance = creator(made.component)();
+    const auto context = std::make_shared<FaultyContext>(faultyCall, fault);
+    EXPECT_ANY_THROW(instance->CreateInstance(context));
+    EXPECT_EQ(context->names.back(), made.names[faultyCall]);
+    EXPECT_TRUE(context->isReleased());
+    makeNow(made, *instance);
+    remover(made.component)(instance);
+  }
+
+ private:
+  static void makeNow(const Component& made, ComponentInstance& instance) {
+    const auto context = std::make_shared<FaultyContext>(made.names.size(), nullptr);
+    instance.CreateInstance(context);
+    EXPECT_EQ(context->names, made.names);
+    EXPECT_FALSE(context->isReleased());
+    EXPECT_NE(cppmicroservices::ExtractInterface<SnippetParser>(instance.GetInterfaceMap()),
+              nullptr);
+    instance.Deactivate();
+    EXPECT_TRUE(context->isReleased());
+  }
+};
+
+TEST_F(ComponentFaults, NoParserIsMadeWithoutOneOfItsServices) {
+  ASSERT_NE(library, nullptr) << dlerror();
+  const std::vector<Component> parsers = {
+      {"quenlith_build_markup_code_CodeSnippetParserImpl", {"parserServicesProvider"}},
+      {"quenlith_build_markup_code_TaskSnippetParserImpl",
+       {"appendixBuilder", "parserServicesProvider"}}};
+  for (const Component& parser : parsers) {
+    for (std::size_t faultyCall = 0; faultyCall < parser.names.size(); ++faultyCall) {
+      for (const auto& fault : kFaults) {
+        // What the framework keeps after the first use stays.
+        failToMake(parser, faultyCall, fault);
+        const std::ptrdiff_t before = liveAllocations();
+        failToMake(parser, faultyCall, fault);
+        EXPECT_EQ(liveAllocations(), before);
+      }
+    }
+  }
+}
+
+#endif
 
 TEST_F(Factories, ContextSlotTakesAnyHandle) {
   ASSERT_NE(library, nullptr) << dlerror();

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <string>
 #include <utility>
@@ -8,6 +10,7 @@
 #include "MarkupBundleFixture.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
 #include "document/kdzero/TesseraDocument.hpp"
+#include "foundation/cppmicroservices/getFramework.hpp"
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
 #include "quenlith/build/markup/contributordata/LineContributorDataParser.hpp"
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
@@ -28,6 +31,44 @@ class SilentContributor : public LineContributorDataParser {
     return {};
   }
 };
+
+// The appendix service as one of the things that are started.
+constexpr const char* kAppendix = "appendix";
+
+// Starts a framework with the bundles in this order, and describes what becomes of a line.
+std::string parseWithBundles(const std::array<std::string, 5>& parts) {
+  using cppmicroservices::Framework;
+  using foundation::cppmicroservices::setFramework;
+  using quenlith::build::markup::SnippetParser;
+  using quenlith::shared::appendix::AppendixBuilder;
+
+  Framework framework = cppmicroservices::FrameworkFactory().NewFramework();
+  framework.Start();
+  setFramework(std::make_shared<Framework>(framework));
+  cppmicroservices::BundleContext context = framework.GetBundleContext();
+  for (const std::string& part : parts) {
+    if (part == kAppendix) {
+      context.RegisterService<AppendixBuilder>(std::make_shared<EmptyAppendix>());
+    } else {
+      context.InstallBundles(part).at(0).Start();
+    }
+  }
+  std::string out =
+      std::to_string(context.GetServiceReferences<SnippetParser>().size()) + " parsers:";
+  const auto parser = context.GetServiceReferences<SnippetParser>("(priority=default)").at(0);
+  const auto document = std::make_shared<document::kdzero::TesseraDocument>();
+  context.GetService(parser)->parse(document, {u"print(total)  # <@output#a [0,12]>", {}, {}});
+  const document::kdzero::Node line = document->getChildAt(0);
+  for (const document::kdzero::Node& child : line->getChildren()) {
+    const auto text = document::kdzero::PlainTextNode::castFrom(child)->getText();
+    out += " [" + fl::i18n::ustring_to_utf8(text) + ']';
+  }
+  out += ", contributor data: " + std::to_string(line->getContributorData().size());
+  setFramework(nullptr);
+  framework.Stop();
+  framework.WaitForStop(std::chrono::milliseconds::zero());
+  return out;
+}
 
 }  // namespace
 
@@ -101,4 +142,12 @@ TEST_F(MarkupBundle, ParserInUseOutlivesTheBundle) {
   bundle.Stop();
   EXPECT_EQ(parserCount(), 0U);
   EXPECT_EQ(parseLine(*held, u"y"), 1U);
+}
+
+TEST(MarkupBundleOrder, ALineIsParsedAlikeInWhateverOrderBundlesStart) {
+  std::array<std::string, 5> parts = {SCR_BUNDLE, BUNDLE, OUTPUT_TEXT, OUTPUT_DATA, kAppendix};
+  std::ranges::sort(parts);
+  do {
+    EXPECT_EQ(parseWithBundles(parts), "2 parsers: [print(total)] [  ], contributor data: 1");
+  } while (std::next_permutation(parts.begin(), parts.end()));
 }

@@ -11,6 +11,7 @@
 #include <cppmicroservices/FrameworkFactory.h>
 #include <cppmicroservices/LDAPFilter.h>
 #include <cppmicroservices/ServiceInterface.h>
+#include <cppmicroservices/ServiceObjects.h>
 #include <cppmicroservices/ServiceProperties.h>
 #include <gtest/gtest.h>
 

@@ -222,7 +222,6 @@ class ProgramFaults(unittest.TestCase):
     def test_operator_new(self):
         self.inject(lambda command: allocation_faults(command, "new", (False, True)))
 
-    @unittest.skipUnless("TESSERA_FAULTS" in os.environ, "the loader and libgit2 do not survive every failure")
     def test_malloc(self):
         # Not from one call on: then libgit2 recurses without an end, and the C library ends a process that throws an
         # exception through its functions.

@@ -8,7 +8,7 @@
 #include "tessera/check/rules/Findings.hpp"
 #include "tessera/check/rules/anchors.hpp"
 #include "tessera/check/rules/appendix.hpp"
-#include "tessera/check/rules/dropUncertainFixes.hpp"
+#include "tessera/check/rules/dropFixes.hpp"
 #include "tessera/check/rules/followingText.hpp"
 #include "tessera/check/rules/handling.hpp"
 #include "tessera/check/rules/otherFailures.hpp"
@@ -77,6 +77,7 @@ CheckedFile checkFile(std::string path, session::ParsedFile file,
   addSuspects(findings.suspects.code, findings.diagnostics);
   addSuspects(findings.suspects.appendix, findings.diagnostics);
   checked.diagnostics = std::move(findings.diagnostics);
+  rules::dropHarmfulFixes(scan, isAccepted, checked.diagnostics);
   for (Diagnostic& diagnostic : checked.diagnostics) scan.escaped.mapToFile(diagnostic);
   std::ranges::stable_sort(checked.diagnostics, {},
                            [](const Diagnostic& diagnostic) { return diagnostic.span.begin; });

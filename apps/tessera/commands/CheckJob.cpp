@@ -52,7 +52,9 @@ CheckedFile CheckJob::check(session::ParsedFile file, const std::string& path) {
 /// Fixes a file, or shows how. If it may not be replaced, its diagnostics are those before the
 /// fixes.
 CheckResult CheckJob::fix(const std::string& path) {
-  files::RewritableFile file(path);
+  // A folder in which the file was found may have become a symbolic link meanwhile.
+  files::RewritableFile file = input().isFound ? files::RewritableFile(path, input().namedBytes)
+                                               : files::RewritableFile(path);
   const auto checkBytes = [&](const std::string& bytes) {
     return check(files().parse(path, source::decodeSource(path, bytes)), path);
   };

@@ -89,11 +89,13 @@ std::vector<Input> listInputsOf(const ParseOptions& options) {
 tree::TreeStyle styleOf(const ParseOptions& options, int descriptor) {
   const std::optional<std::size_t> columns =
       options.columns ? options.columns : terminal::terminalColumns(descriptor);
+  const bool isTerminal = ::isatty(descriptor) != 0;
+  const bool isAscii = isTerminal && !terminal::usesUtf8();
   return {.color = terminal::wantsColor(options.color, descriptor),
-          .symbols = terminal::usesUtf8() ? tree::Symbols::kUnicode : tree::Symbols::kAscii,
+          .symbols = isAscii ? tree::Symbols::kAscii : tree::Symbols::kUnicode,
           .columns = columns ? std::max(*columns, tree::TreeStyle::kFewestColumns)
                              : terminal::RowFolder::kUnlimited,
-          .isTerminal = ::isatty(descriptor) != 0};
+          .isTerminal = isTerminal};
 }
 
 /// A run of the command, perhaps with a recording of its calls.

@@ -5,15 +5,19 @@
 
 namespace tessera::diagnostics {
 
-/// Returns whether `unit` is a character that controls a terminal: U+0000 to U+001F, U+007F to
-/// U+009F, the line and paragraph separators, and those that change the direction of text.
-bool isControl(char16_t unit) noexcept;
-
-/// Returns `text` (UTF-8) with each control character as an escape such as \n or \u001b.
-/// What is not UTF-8 becomes U+FFFD.
+/// Returns `text` (UTF-8) with each invisible character (`characters::isInvisible`) as an escape
+/// such as \n or \u001b, one beyond U+FFFF as two. Joiners and selectors stay where they are part
+/// of an emoji or of a letter. What is not UTF-8 becomes U+FFFD.
 std::string terminalText(std::string_view text);
 
-/// Like `terminalText` of UTF-16, in quotes; quotes and backslashes are escaped too.
+/// Appends the escape of a character that is not an unpaired surrogate.
+void appendEscape(std::string& text, char32_t character);
+
+/// Returns whether `terminalText` of this text, as UTF-8, has no escape.
+bool isShownAsItIs(std::u16string_view text) noexcept;
+
+/// Like `terminalText` of UTF-16, in quotes; quotes and backslashes are escaped too. Unpaired
+/// surrogates become U+FFFD.
 std::string quotedText(std::u16string_view text);
 
 }  // namespace tessera::diagnostics

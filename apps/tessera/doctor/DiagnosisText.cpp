@@ -38,7 +38,7 @@ class TextReport {
   void bundles(const std::vector<Bundle>& list) {
     heading("Bundles, in the order in which they are started");
     for (const Bundle& bundle : list) {
-      const std::string version = bundle.version.empty() ? "" : " " + bundle.version;
+      const std::string version = bundle.version.empty() ? "" : " " + terminalText(bundle.version);
       const std::string name = bundle.name.empty() ? "(unknown)" : terminalText(bundle.name);
       text += "  ";
       state(bundle.state, bundle.state == "active");
@@ -91,7 +91,8 @@ class TextReport {
     text += '\n';
   }
 
-  void row(const std::string& name, const std::string& file) {
+  void row(const std::string& title, const std::string& file) {
+    const std::string name = terminalText(title);
     text += "  " + name;
     text.append(name.size() < kNameColumns ? kNameColumns - name.size() : 1, ' ');
     text += terminalText(file) + "\n";

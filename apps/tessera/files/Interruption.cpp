@@ -1,5 +1,6 @@
 #include "tessera/files/Interruption.hpp"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,19 +16,20 @@
 namespace tessera::files {
 namespace {
 
-/// A path in memory that a signal handler may read.
-struct RemovedPath {
+/// A file in memory that a signal handler may read.
+struct RemovedFile {
   std::atomic<bool> isUsed = false;
-  std::array<char, PATH_MAX> path{};
+  int folder = -1;
+  std::array<char, NAME_MAX + 1> name{};
 };
 
-std::array<RemovedPath, 4> removedPaths;
+std::array<RemovedFile, 4> removedFiles;
 
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 
 extern "C" void endProcess(int signal) {
-  for (const RemovedPath& entry : removedPaths) {
-    if (entry.isUsed) ::unlink(entry.path.data());
+  for (const RemovedFile& file : removedFiles) {
+    if (file.isUsed) ::unlinkat(file.folder, file.name.data(), 0);
   }
   diagnostics::removeStatusAtExit();
   ::_exit(128 + signal);
@@ -56,20 +58,21 @@ HeldInterruptions::~HeldInterruptions() {
   ::pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
-RemovedOnInterruption::RemovedOnInterruption(const std::string& path) {
+RemovedOnInterruption::RemovedOnInterruption(int folder, const std::string& name) {
   const auto free =
-      std::ranges::find_if(removedPaths, [](const auto& entry) { return !entry.isUsed; });
-  if (free == removedPaths.end() || path.size() >= PATH_MAX) {
-    throw std::length_error("the path of an output is too long");
+      std::ranges::find_if(removedFiles, [](const auto& file) { return !file.isUsed; });
+  if (free == removedFiles.end() || name.size() > NAME_MAX) {
+    throw std::length_error("the name of an output is too long");
   }
-  std::ranges::copy(path, free->path.begin());
-  free->path[path.size()] = '\0';
+  std::ranges::copy(name, free->name.begin());
+  free->name[name.size()] = '\0';
+  free->folder = folder;
   free->isUsed = true;
-  slot = static_cast<std::size_t>(free - removedPaths.begin());
+  slot = static_cast<std::size_t>(free - removedFiles.begin());
 }
 
 RemovedOnInterruption::~RemovedOnInterruption() {
-  removedPaths[slot].isUsed = false;
+  removedFiles[slot].isUsed = false;
 }
 
 }  // namespace tessera::files

@@ -26,8 +26,9 @@ class HeldInterruptions {
 /// A file that an interruption removes, as long as this object exists. There may be few of them.
 class RemovedOnInterruption {
  public:
-  /// Throws std::length_error when there are too many or the path is too long.
-  explicit RemovedOnInterruption(const std::string& path);
+  /// The file `name` in the open folder `folder`. Throws std::length_error when there are too many
+  /// or the name is too long.
+  RemovedOnInterruption(int folder, const std::string& name);
   ~RemovedOnInterruption();
   RemovedOnInterruption(const RemovedOnInterruption&) = delete;
   RemovedOnInterruption& operator=(const RemovedOnInterruption&) = delete;

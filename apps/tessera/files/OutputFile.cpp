@@ -56,9 +56,11 @@ bool OutputFile::takeBack(std::uint64_t size) noexcept {
 
 void OutputFile::write(std::string_view piece) {
   if (!isTerminal) return writeAll(piece);
+  const std::string_view shown = filter.pass(piece);
+  if (shown.empty()) return;
   diagnostics::StatusPause pause;
-  writeAll(piece);
-  pause.wrote(piece);
+  writeAll(shown);
+  pause.wrote(shown);
 }
 
 void OutputFile::writeAll(std::string_view piece) {

@@ -4,12 +4,14 @@
 #include <string>
 #include <string_view>
 
+#include "tessera/diagnostics/TerminalFilter.hpp"
 #include "tessera/files/OutputText.hpp"
 
 namespace tessera::files {
 
 /// Writes text to an open file. A short write, an interrupted one and a pipe that does not block
-/// are continued until all is written.
+/// are continued until all is written. A terminal gets escapes for what nobody could see there
+/// (`diagnostics::TerminalFilter`).
 class OutputFile final : public OutputText {
  public:
   /// Borrows the open file `descriptor`; `name` names it in errors.
@@ -30,6 +32,7 @@ class OutputFile final : public OutputText {
   std::string name;
   int descriptor;
   bool isTerminal;
+  diagnostics::TerminalFilter filter;
 };
 
 /// Throws OutputError for the file `name`: `what` happened, for the reason `error` (an errno).

@@ -5,15 +5,15 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
-#include <optional>
 #include <system_error>
 
 #include "tessera/diagnostics/Problem.hpp"
 
 namespace tessera::files {
 namespace {
+
+constexpr const char* kSuffix = ".partial";
 
 /// Returns the file that `name` leads to: through symbolic links, if it exists.
 std::string resolve(const std::string& name) {
@@ -27,22 +27,10 @@ bool isDirectlyWritten(const std::string& name) {
   return ::stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
-int openFor(const std::string& name, const std::string& partial) {
-  // Not through a symbolic link that somebody put in the way.
-  return partial.empty() ? ::open(name.c_str(), O_WRONLY | O_CLOEXEC)
-                         : ::open(partial.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
-}
-
-/// Returns whether `name` is the open file `descriptor`; nothing, with errno set, if that cannot be
-/// found out.
-std::optional<bool> isCalled(int descriptor, const std::string& name) {
-  struct stat held;
-  struct stat named;
-  if (::fstat(descriptor, &held) != 0) return std::nullopt;
-  if (::stat(name.c_str(), &named) != 0) {
-    return errno == ENOENT ? std::optional(false) : std::nullopt;
-  }
-  return held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+OpenFolder openFolderOf(const std::string& name) {
+  OpenFolder folder(name);
+  if (!folder.isOpen()) failOutput(name, "cannot be created", errno);
+  return folder;
 }
 
 /// Locks an open file for this process, unless another one has a lock. Workers do not inherit it:
@@ -54,38 +42,75 @@ bool lock(int descriptor) {
   return ::fcntl(descriptor, F_SETLK, &whole) == 0;
 }
 
-/// Closes `descriptor`, the file `partial`, and says why it could not be locked.
-[[noreturn]] void failLocking(const std::string& partial, int descriptor) {
-  const int error = errno;
-  const bool isLocked = error == EACCES || error == EAGAIN;
+/// Opens a file that is neither a regular one nor a folder.
+int openDirectly(const std::string& name) {
+  Descriptor file(::open(name.c_str(), O_WRONLY | O_CLOEXEC));
+  if (file.get() < 0) failOutput(name, "cannot be created", errno);
   struct stat status;
-  // Nobody has a lock, and nothing is lost.
-  if (!isLocked && ::fstat(descriptor, &status) == 0 && status.st_size == 0) {
-    ::unlink(partial.c_str());
-  }
-  ::close(descriptor);
-  if (!isLocked) failOutput(partial, "cannot be locked", error);
-  throw diagnostics::OutputError({.file = partial,
+  // Somebody may have replaced it meanwhile, perhaps by a link to another file.
+  if (::fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) return file.release();
+  throw diagnostics::OutputError({.file = name,
                                   .place = {},
-                                  .what = "another run is writing it",
-                                  .remedy = "wait for that run, or name another file"});
+                                  .what = "was replaced while it was opened",
+                                  .remedy = "try again, or name another file"});
 }
 
-/// Opens `partial` and locks it, or `name` if `partial` is empty.
-int openLocked(const std::string& name, const std::string& partial) {
-  while (true) {
-    const int descriptor = openFor(name, partial);
-    if (descriptor < 0) failOutput(name, "cannot be created", errno);
-    if (partial.empty()) return descriptor;
-    if (!lock(descriptor)) failLocking(partial, descriptor);
-    // Another run may have completed and renamed it before the lock was there.
-    const std::optional<bool> isOurs = isCalled(descriptor, partial);
-    if (isOurs == true) return descriptor;
-    const int error = errno;
-    ::close(descriptor);
-    if (!isOurs) failOutput(name, "cannot be created", error);
+/// Opens and locks the partial file of one output.
+class PartialOpening {
+ public:
+  PartialOpening(const OpenFolder& folder, const std::string& name)
+      : folder(folder), name(name), path(name + kSuffix), entry(nameOfFile(path)) {}
+
+  int openLocked() const {
+    while (true) {
+      // Not through a symbolic link that somebody put in the way.
+      Descriptor file(folder.open(entry, O_RDWR | O_CREAT, 0666));
+      if (file.get() < 0) failOutput(name, "cannot be created", errno);
+      if (!lock(file.get())) failLocking(file);
+      // Another run may have completed and renamed it before the lock was there.
+      if (isStillThere(file)) return file.release();
+    }
   }
-}
+
+ private:
+  bool isStillThere(const Descriptor& file) const {
+    struct stat held;
+    struct stat named = {};
+    const bool isKnown = ::fstat(file.get(), &held) == 0;
+    if (!isKnown || (!folder.stat(entry, named) && errno != ENOENT)) {
+      failOutput(name, "cannot be created", errno);
+    }
+    if (held.st_nlink == 0 || held.st_dev != named.st_dev || held.st_ino != named.st_ino) {
+      return false;
+    }
+    if (S_ISREG(held.st_mode) && held.st_nlink == 1) return true;
+    // A pipe, or a second name of a file that is elsewhere, was put there.
+    throw diagnostics::OutputError({.file = path,
+                                    .place = {},
+                                    .what = "is in the way, and not a file that a run has left",
+                                    .remedy = "remove it, or name another file"});
+  }
+
+  [[noreturn]] void failLocking(const Descriptor& file) const {
+    const int error = errno;
+    const bool isLocked = error == EACCES || error == EAGAIN;
+    struct stat status;
+    // Nobody has a lock, and nothing is lost.
+    if (!isLocked && ::fstat(file.get(), &status) == 0 && status.st_size == 0) {
+      folder.unlink(entry);
+    }
+    if (!isLocked) failOutput(path, "cannot be locked", error);
+    throw diagnostics::OutputError({.file = path,
+                                    .place = {},
+                                    .what = "another run is writing it",
+                                    .remedy = "wait for that run, or name another file"});
+  }
+
+  const OpenFolder& folder;
+  const std::string& name;
+  std::string path;
+  std::string entry;
+};
 
 }  // namespace
 
@@ -97,10 +122,12 @@ PartialFile::PartialFile(const std::string& givenName, Leftover leftover)
 
 PartialFile::PartialFile(const std::string& givenName, const HeldInterruptions& /*held*/)
     : name(resolve(givenName)),
-      partial(isDirectlyWritten(name) ? std::string() : name + ".partial"),
-      number(openLocked(name, partial)),
+      folder(openFolderOf(name)),
+      partial(isDirectlyWritten(name) ? std::string() : name + kSuffix),
+      partialEntry(nameOfFile(partial)),
+      number(partial.empty() ? openDirectly(name) : PartialOpening(folder, name).openLocked()),
       file(number, givenName) {
-  if (!partial.empty()) removal.emplace(partial);
+  if (!partial.empty()) removal.emplace(folder.number(), partialEntry);
 }
 
 void PartialFile::keepIncomplete() noexcept {
@@ -111,7 +138,9 @@ PartialFile::~PartialFile() {
   if (number < 0) return;
   struct stat status;
   const bool isEmpty = ::fstat(number, &status) == 0 && status.st_size == 0;
-  if (!partial.empty() && isIncomplete && (removal || isEmpty)) ::unlink(partial.c_str());
+  if (!partial.empty() && isIncomplete && (removal || isEmpty)) {
+    folder.unlink(partialEntry);
+  }
   ::close(number);
 }
 
@@ -128,11 +157,11 @@ void PartialFile::complete() {
   file.flush();
   if (partial.empty()) return;
   struct stat old;
-  if (::stat(name.c_str(), &old) == 0) static_cast<void>(::fchmod(number, old.st_mode & 07777));
+  const std::string entry = nameOfFile(name);
+  const bool isReplaced = folder.stat(entry, old) && S_ISREG(old.st_mode);
+  if (isReplaced) static_cast<void>(::fchmod(number, old.st_mode & 07777));
   if (::fdatasync(number) != 0) failOutput(name, "cannot be written", errno);
-  if (::rename(partial.c_str(), name.c_str()) != 0) {
-    failOutput(name, "cannot be replaced", errno);
-  }
+  if (!folder.rename(partialEntry, entry)) failOutput(name, "cannot be replaced", errno);
   isIncomplete = false;
   removal.reset();
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tessera/files/Interruption.hpp"
+#include "tessera/files/OpenFolder.hpp"
 #include "tessera/files/OutputFile.hpp"
 
 namespace tessera::files {
@@ -15,7 +16,9 @@ enum class Leftover { kReplaced, kContinued };
 /// A file that appears under its name only when it is complete: until then it is NAME.partial,
 /// which is locked, so that two runs cannot write it at the same time.
 ///
-/// A device or a pipe is written directly. A symbolic link is followed.
+/// A device or a pipe is written directly. A symbolic link NAME is followed when the file is
+/// opened, and what it leads to is the file from then on; both files stay in the folder that was
+/// opened. NAME.partial is not followed, and neither used if it is a pipe or has a second name.
 class PartialFile {
  public:
   /// Creates or opens NAME.partial. Throws OutputError, and leaves `name` untouched, when that
@@ -50,7 +53,10 @@ class PartialFile {
   PartialFile(const std::string& name, const HeldInterruptions& held);
 
   std::string name;
+  OpenFolder folder;
   std::string partial;
+  // The name of it in the folder: the destructor may have no memory to make it.
+  std::string partialEntry;
   int number = -1;
   bool isIncomplete = true;
   std::optional<RemovedOnInterruption> removal;

@@ -2,8 +2,11 @@
 
 #include <sys/stat.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+
+#include "tessera/files/OpenFolder.hpp"
 
 namespace tessera::files {
 
@@ -14,26 +17,33 @@ class RewritableFile {
   /// read, is not a regular file, or changes while it is read.
   explicit RewritableFile(const std::string& name);
 
+  /// Like that, but symbolic links are followed in the first `followed` bytes of `name` only, which
+  /// end after a slash: for a file that was found below a folder, so that it is not one elsewhere.
+  RewritableFile(const std::string& name, std::size_t followed);
+
   const std::string& bytes() const noexcept { return content; }
 
   /// Replaces the content of the file. Mode and, where the system allows it, owner stay.
   ///
   /// The new content is written to a file in the same folder, ".NAME.tessera-XXXXXX", which then
-  /// takes the place of the file: at any time the file is the old or the new one, complete. Throws
+  /// takes the place of the file: at any time the file is the old or the new one, complete. The
+  /// folder is the one from which the file was read, wherever it has been moved since. Throws
   /// ProblemError, with the file unchanged, when it may not be written, has changed since it was
   /// read, has several names (only one of them would get the new content), or on any other error.
   void replace(std::string_view newContent);
 
  private:
+  RewritableFile(const std::string& name, const std::string& path, std::size_t followed);
+
   void read();
   void requireUnchanged() const;
   void requireWritable() const;
   void writeTo(int descriptor, std::string_view newContent) const;
   [[noreturn]] void fail(const std::string& what, const std::string& remedy) const;
-  [[noreturn]] void failWithError(const std::string& what, int error) const;
 
   std::string name;
-  // Without symbolic links.
+  OpenFolder folder;
+  // The name in the folder; not that of a symbolic link.
   std::string target;
   struct stat status = {};
   std::string content;

@@ -202,7 +202,9 @@ void RunningBundles::note(StartedBundle* bundle, Problem problem) {
   found.push_back(std::move(problem));
 }
 
-void RunningBundles::noteEvents() {
+/// Takes `cause` for the bundle of an error that names none: an installed framework reports some as
+/// errors of itself.
+void RunningBundles::noteEvents(StartedBundle* cause) {
   std::vector<Event> errors;
   {
     const std::lock_guard lock(events->mutex);
@@ -210,7 +212,8 @@ void RunningBundles::noteEvents() {
     errors.swap(events->errors);
   }
   for (const Event& error : errors) {
-    StartedBundle* bundle = findBundle(error.location);
+    StartedBundle* named = findBundle(error.location);
+    StartedBundle* bundle = named == nullptr ? cause : named;
     note(bundle, describeFault(bundle == nullptr ? "tessera" : bundle->file, error.location,
                                error.message));
   }
@@ -329,7 +332,7 @@ void RunningBundles::create(StartedBundle& bundle) {
     const auto service = serviceOf(bundle.bundle, state.component.name);
     if (!service) continue;
     created.push_back(framework->GetBundleContext().GetService(service));
-    noteEvents();
+    noteEvents(&bundle);
     state.hasFailed = created.back() == nullptr || created.back()->empty();
     if (!state.hasFailed || bundle.hasProblem) continue;
     note(&bundle, {.file = bundle.file,

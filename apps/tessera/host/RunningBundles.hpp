@@ -71,7 +71,7 @@ class RunningBundles {
   void install(StartedBundle& bundle);
   void checkFactories(StartedBundle& bundle);
   void note(StartedBundle* bundle, diagnostics::Problem problem);
-  void noteEvents();
+  void noteEvents(StartedBundle* cause = nullptr);
   StartedBundle* findBundle(const std::string& location);
 
   bool isSettled();

@@ -1,12 +1,14 @@
 #include "tessera/host/ServiceHost.hpp"
 
 #include <algorithm>
+#include <exception>
 #include <string_view>
 #include <utility>
 
 #include "cppmicroservices/Any.h"
 #include "cppmicroservices/BundleContext.h"
 #include "cppmicroservices/ServiceReference.h"
+#include "quenlith/build/markup/services/ParserServicesProvider.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/host/findBundles.hpp"
 
@@ -16,6 +18,7 @@ namespace {
 using cppmicroservices::ServiceReference;
 using quenlith::build::markup::SnippetParser;
 using quenlith::build::markup::code::CodeElementParser;
+using quenlith::build::markup::services::ParserServicesProvider;
 using quenlith::shared::appendix::MarkerAppendix;
 
 using ParserReference = ServiceReference<SnippetParser>;
@@ -75,6 +78,18 @@ std::vector<session::NamedParser> ServiceHost::snippetParsers() const {
     }
   }
   return parsers;
+}
+
+void ServiceHost::findLineParsers() const {
+  auto context = running->context();
+  const auto reference = context.GetServiceReference<ParserServicesProvider>();
+  const auto provider = reference ? context.GetService(reference) : nullptr;
+  if (provider == nullptr) return;
+  try {
+    provider->getCodeElementParsers();
+  } catch (const std::exception&) {
+    // The first line repeats it, and is named in the message.
+  }
 }
 
 std::vector<std::shared_ptr<CodeElementParser>> ServiceHost::codeElementParsers() const {

@@ -36,6 +36,10 @@ class ServiceHost {
   std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>>
   codeElementParsers() const;
 
+  /// Lets the parsers' bundle look up the parsers of other bundles, which it otherwise does when it
+  /// parses its first line.
+  void findLineParsers() const;
+
   /// The appendix that the parsers look entries up in.
   quenlith::shared::appendix::MarkerAppendix& appendix() noexcept;
 

@@ -5,6 +5,8 @@
 #include <new>
 #include <system_error>
 
+#include "quenlith/elf/describeLoadError.hpp"
+
 namespace tessera::host {
 namespace {
 
@@ -49,8 +51,7 @@ std::string remedyForShortage(std::string_view message) {
   if (saysError(EMFILE) || saysError(ENFILE)) {
     return "raise the limit of open files (ulimit -n), or close other programs";
   }
-  // The second one is what the loader says when it gets no memory for a library.
-  if (saysError(ENOMEM) || says("failed to map segment from shared object")) {
+  if (quenlith::elf::saysLackOfMemory(message)) {
     return "run fewer workers (-j), or close other programs";
   }
   return "";

@@ -1,39 +1,16 @@
 #include "tessera/html/HtmlText.hpp"
 
-#include <algorithm>
-#include <array>
-
 #include "fl/i18n/ustring.hpp"
 #include "fl/i18n/utf16.hpp"
 #include "foundation/json/format.hpp"
+#include "tessera/characters/Character.hpp"
+#include "tessera/characters/visibility.hpp"
 
 namespace tessera::html {
+
+using characters::Character;
+
 namespace {
-
-struct UnitInterval {
-  char16_t first;
-  char16_t last;
-};
-
-/// Characters that have no shape, that change the direction of the text around them, or that HTML
-/// does not allow: their numbers are shown. Tabs and line feeds are white space.
-constexpr std::array kShownByNumber = std::to_array<UnitInterval>({{0x00, 0x08},
-                                                                   {0x0B, 0x1F},
-                                                                   {0x7F, 0x9F},
-                                                                   {0x200B, 0x200B},
-                                                                   {0x200E, 0x200F},
-                                                                   {0x2028, 0x202E},
-                                                                   {0x2060, 0x206F},
-                                                                   {0xFDD0, 0xFDEF},
-                                                                   {0xFEFF, 0xFEFF},
-                                                                   {0xFFF9, 0xFFFB},
-                                                                   {0xFFFE, 0xFFFF}});
-
-bool isShownByNumber(char16_t unit) noexcept {
-  return std::ranges::any_of(kShownByNumber, [unit](const UnitInterval& interval) {
-    return unit >= interval.first && unit <= interval.last;
-  });
-}
 
 /// Returns whether `unit` is ASCII and needs no escape.
 bool isCopied(char16_t unit) noexcept {
@@ -41,50 +18,58 @@ bool isCopied(char16_t unit) noexcept {
   return unit < 0x7F && unit != u'<' && unit != u'>' && unit != u'&';
 }
 
-/// Returns whether `unit` is part of a run that is converted to UTF-8.
-bool isConverted(char16_t unit) noexcept {
-  return unit >= 0xA0 && !isShownByNumber(unit);
+/// Returns whether `character` is shown by its number: it has no shape, or changes the direction
+/// of the text around it. An unpaired surrogate is shown as U+FFFD.
+bool isShownByNumber(char32_t character, char32_t last) noexcept {
+  return characters::isInvisible(character) && !characters::isSurrogate(character) &&
+         !characters::isPartOfShape(character, last);
 }
 
-std::string nameOfUnit(char16_t unit) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string name = "U+";
-  for (const int shift : {12, 8, 4, 0}) name += kDigits[(unit >> shift) & 0xFU];
-  return name;
+/// Returns how many units at the start of `text` are characters beyond ASCII that are converted to
+/// UTF-8.
+std::size_t countConverted(std::u16string_view text) noexcept {
+  std::size_t count = 0;
+  char32_t last = 0;
+  while (count < text.size() && text[count] >= 0xA0) {
+    const Character character = characters::firstOf(text.substr(count));
+    if (isShownByNumber(character.code, last)) break;
+    last = character.code;
+    count += character.units;
+  }
+  return count;
 }
 
-void appendSpecial(std::string& output, char16_t unit) {
-  switch (unit) {
-    case u'<':
+void appendSpecial(std::string& output, char32_t character) {
+  switch (character) {
+    case U'<':
       output += "&lt;";
       return;
-    case u'>':
+    case U'>':
       output += "&gt;";
       return;
-    case u'&':
+    case U'&':
       output += "&amp;";
       return;
     default:
-      output.append("<i class=u>").append(nameOfUnit(unit)).append("</i>");
+      output.append("<i class=u>").append(characters::nameOf(character)).append("</i>");
   }
 }
 
 }  // namespace
 
 void HtmlText::append(std::u16string_view text) {
-  const auto* unit = text.begin();
-  while (unit != text.end()) {
-    if (isCopied(*unit)) {
-      output += static_cast<char>(*unit++);
-      continue;
+  while (!text.empty()) {
+    if (isCopied(text[0])) {
+      output += static_cast<char>(text[0]);
+      text.remove_prefix(1);
+    } else if (const std::size_t count = countConverted(text); count != 0) {
+      fl::i18n::appendUtf8(output, text.substr(0, count));
+      text.remove_prefix(count);
+    } else {
+      const Character character = characters::firstOf(text);
+      appendSpecial(output, character.code);
+      text.remove_prefix(character.units);
     }
-    const auto* const end = std::find_if_not(unit, text.end(), isConverted);
-    if (end == unit) {
-      appendSpecial(output, *unit++);
-      continue;
-    }
-    fl::i18n::appendUtf8(output, {unit, static_cast<std::size_t>(end - unit)});
-    unit = end;
   }
 }
 
@@ -97,9 +82,21 @@ void HtmlText::addNumber(double number) {
 }
 
 void HtmlText::addPlain(std::string_view utf8) {
-  std::u16string text = fl::i18n::utf8_to_ustring(utf8);
-  std::ranges::replace_if(text, isShownByNumber, u'\uFFFD');
-  append(std::u16string_view(text));
+  const std::u16string text = fl::i18n::utf8_to_ustring(utf8);
+  std::u16string shown;
+  char32_t last = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const Character character = characters::firstOf(std::u16string_view(text).substr(at));
+    if (isShownByNumber(character.code, last)) {
+      shown += u'\uFFFD';
+      last = 0;
+    } else {
+      shown.append(text, at, character.units);
+      last = character.code;
+    }
+    at += character.units;
+  }
+  append(std::u16string_view(shown));
 }
 
 }  // namespace tessera::html

@@ -36,32 +36,38 @@ EntryType typeOf(const std::string& path, const dirent& entry) {
   return S_ISREG(status.st_mode) ? EntryType::kFile : EntryType::kOther;
 }
 
-/// Returns the names in `directory` that count, last one first; those of directories end in "/".
-/// Then the paths below come in byte order, because the "/" of a path is compared, too.
-///
-/// The iterator of the standard library ends the process when it has no memory for an entry.
-std::vector<std::string> readNames(const std::string& directory, std::error_code& error) {
+struct Entries {
+  /// The names that count, last one first; those of directories end in "/". Then the paths below
+  /// come in byte order, because the "/" of a path is compared, too.
   std::vector<std::string> names;
+  bool haveIgnoreFile = false;
+  std::error_code error;
+};
+
+/// The iterator of the standard library ends the process when it has no memory for an entry.
+Entries readEntries(const std::string& directory) {
+  Entries entries;
   const std::unique_ptr<DIR, DirectoryCloser> stream(::opendir(directory.c_str()));
   errno = stream ? 0 : errno;
   while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
     std::string name = entry->d_name;
+    entries.haveIgnoreFile |= name == ".gitignore";
     if (name.starts_with('.')) continue;
     const EntryType type = typeOf(directory + name, *entry);
     if (type == EntryType::kDirectory) name += '/';
-    if (type != EntryType::kOther) names.push_back(std::move(name));
+    if (type != EntryType::kOther) entries.names.push_back(std::move(name));
     errno = 0;
   }
-  error.assign(errno, std::generic_category());
-  std::ranges::sort(names, std::greater<>());
-  return names;
+  entries.error.assign(errno, std::generic_category());
+  std::ranges::sort(entries.names, std::greater<>());
+  return entries;
 }
 
 /// One walk through a directory: the paths that are still to be looked at, the next one last.
 class Walk {
  public:
-  Walk(const std::string& directory, const GlobFilter& globs,
-       const std::optional<IgnoreFiles>& ignored, std::vector<Input>& found)
+  Walk(const std::string& directory, const GlobFilter& globs, std::optional<IgnoreFiles>& ignored,
+       std::vector<Input>& found)
       : root(directory.ends_with('/') ? directory : directory + '/'),
         globs(globs),
         ignored(ignored),
@@ -72,11 +78,11 @@ class Walk {
     while (!pending.empty()) {
       const std::string path = std::move(pending.back());
       pending.pop_back();
-      if (ignored && ignored->exclude(path)) continue;
+      if (hasIgnoreFile(path) && ignored->exclude(path)) continue;
       if (path.ends_with('/')) {
         open(path);
       } else if (globs.accept(path)) {
-        found.push_back({.path = root + path, .isFound = true});
+        found.push_back({.path = root + path, .isFound = true, .namedBytes = root.size()});
       }
     }
   }
@@ -84,16 +90,25 @@ class Walk {
  private:
   /// `path` is relative to the root.
   void open(const std::string& path) {
-    std::error_code error;
-    for (const std::string& name : readNames(root + path, error)) pending.push_back(path + name);
-    if (error) found.push_back({.path = root + path});
+    const Entries entries = readEntries(root + path);
+    if (entries.haveIgnoreFile && !hasIgnoreFile(path)) folderOfIgnoreFile = path;
+    for (const std::string& name : entries.names) pending.push_back(path + name);
+    if (entries.error) found.push_back({.path = root + path});
+  }
+
+  /// Returns whether a directory above has an ignore file. To ask for the rules costs system calls.
+  bool hasIgnoreFile(const std::string& path) const {
+    if (!ignored) return false;
+    return ignored->areAbove() || (folderOfIgnoreFile && path.starts_with(*folderOfIgnoreFile));
   }
 
   std::string root;
   const GlobFilter& globs;
-  const std::optional<IgnoreFiles>& ignored;
+  std::optional<IgnoreFiles>& ignored;
   std::vector<Input>& found;
   std::vector<std::string> pending;
+  // The last directory with an ignore file that is in none with one. What is in it comes in a row.
+  std::optional<std::string> folderOfIgnoreFile;
 };
 
 }  // namespace

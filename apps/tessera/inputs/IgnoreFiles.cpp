@@ -21,11 +21,24 @@ fs::path findRoot(const fs::path& directory) {
 
 IgnoreFiles::IgnoreFiles(const std::string& directory) {
   std::error_code error;
-  const fs::path folder = fs::canonical(directory, error);
+  folder = fs::canonical(directory, error);
   // One that does not exist has no files, either.
-  const fs::path root = error ? fs::path("/") : findRoot(folder);
+  root = error ? fs::path("/") : findRoot(folder);
+  if (error) folder = root;
+  for (fs::path parent = folder; parent != root && !above;) {
+    parent = parent.parent_path();
+    above = fs::exists(parent / ".gitignore", error);
+  }
+}
+
+bool IgnoreFiles::exclude(const std::string& path) {
+  if (!rules) readRules();
+  return rules->select(prefix + path);
+}
+
+void IgnoreFiles::readRules() {
   rules = PathRules::inFolder(root.string());
-  if (error || root == folder) return;
+  if (root == folder) return;
   prefix = folder.lexically_relative(root).string() + '/';
   if (!rules->select(prefix)) return;
   rules = PathRules::inFolder(folder.string());

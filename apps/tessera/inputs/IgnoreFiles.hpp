@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -13,13 +14,23 @@ namespace tessera::inputs {
 /// A directory that they exclude itself, but that the user named, only has its own rules.
 class IgnoreFiles {
  public:
-  /// Throws as PathRules does.
+  /// Does not look below the directory.
   explicit IgnoreFiles(const std::string& directory);
 
-  /// `path` is relative to the directory; that of a directory ends in "/".
-  bool exclude(const std::string& path) const { return rules->select(prefix + path); }
+  /// Whether one above the directory may exclude what is in it.
+  bool areAbove() const noexcept { return above; }
+
+  /// `path` is relative to the directory; that of a directory ends in "/". Throws as PathRules
+  /// does.
+  bool exclude(const std::string& path);
 
  private:
+  void readRules();
+
+  std::filesystem::path folder;
+  std::filesystem::path root;
+  bool above = false;
+  // Made when they are needed first: most directories have no such file.
   std::optional<PathRules> rules;
   // The path of the directory relative to the folder of the rules; empty or ends in "/".
   std::string prefix;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace tessera::inputs {
@@ -10,6 +11,11 @@ struct Input {
   std::string path;
   /// Whether it was found in a directory: binary files found there are left out.
   bool isFound = false;
+  /// If so, the number of bytes at the start of `path` that name this directory, with a slash at
+  /// the end. No symbolic link was followed in the rest.
+  std::size_t namedBytes = 0;
+  /// Whether it is the first of its run, perhaps of one that was interrupted.
+  bool isFirst = false;
 };
 
 }  // namespace tessera::inputs

@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "foundation/json/Writer.hpp"
+#include "tessera/diagnostics/terminalText.hpp"
 #include "tessera/reports/LineFingerprints.hpp"
 #include "tessera/reports/artifactUri.hpp"
+#include "tessera/reports/embeddable.hpp"
 #include "tessera/reports/sarifResult.hpp"
 #include "tessera/reports/sarifRules.hpp"
 #include "tessera/reports/writeMember.hpp"
@@ -52,11 +54,12 @@ std::string notificationOf(const diagnostics::Problem& problem) {
   Writer json(notification, Form::kCompact);
   json.beginObject();
   writeMember(json, "level", "error");
-  writeMessage(json, "message",
-               problem.remedy.empty() ? problem.what : problem.what + "; " + problem.remedy);
+  const std::string what = diagnostics::terminalText(problem.what);
+  const std::string remedy = diagnostics::terminalText(problem.remedy);
+  writeMessage(json, "message", withoutLinks(remedy.empty() ? what : what + "; " + remedy));
   writePlace(json, problem);
   json.endObject();
-  return notification;
+  return embeddable(notification);
 }
 
 std::string notificationOf(std::size_t leftOut) {
@@ -73,6 +76,9 @@ std::string notificationOf(std::size_t leftOut) {
 }
 
 void writeTool(Writer& json) {
+  std::string rules;
+  Writer ruleWriter(rules, Form::kCompact);
+  writeSarifRules(ruleWriter);
   json.key("tool");
   json.beginObject();
   json.key("driver");
@@ -80,7 +86,7 @@ void writeTool(Writer& json) {
   writeMember(json, "name", "tessera");
   writeMember(json, "semanticVersion", TESSERA_VERSION);
   json.key("rules");
-  writeSarifRules(json);
+  json.raw(embeddable(rules));
   json.endObject();
   json.endObject();
 }
@@ -112,7 +118,7 @@ void CheckSarif::write(const CheckedFile& file) {
   }
 }
 
-void CheckSarif::add(std::string result, Severity severity) {
+void CheckSarif::add(const std::string& result, Severity severity) {
   if (resultCount == kMostResults) {
     ++leftOut;
     if (severity != Severity::kFailure || warnings.empty()) return;
@@ -121,7 +127,7 @@ void CheckSarif::add(std::string result, Severity severity) {
     --resultCount;
   }
   if (severity == Severity::kWarning) warnings.push_back(results.size());
-  results.push_back(std::move(result));
+  results.push_back(embeddable(result));
   ++resultCount;
 }
 

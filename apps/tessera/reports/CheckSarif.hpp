@@ -25,7 +25,7 @@ class CheckSarif : public CheckReport {
   void finish() override;
 
  private:
-  void add(std::string result, check::catalogue::Severity severity);
+  void add(const std::string& result, check::catalogue::Severity severity);
 
   files::OutputText& output;
   // Each as JSON; empty for a warning that a failure has displaced.

@@ -60,7 +60,7 @@ class ResultWriter {
   /// Returns the message with a link to each related location: services show only those that the
   /// message links to.
   std::string messageText() const {
-    std::string message = diagnostic.message;
+    std::string message = withoutLinks(diagnostic.message);
     for (std::size_t i = 0; i < relatedCount(); ++i) {
       message += "\n[" + linkText(diagnostic.notes[i].message) + "](" + std::to_string(i + 1) + ")";
     }
@@ -84,7 +84,7 @@ class ResultWriter {
       writeMember(json, "id", std::uint64_t{i + 1});
       const Note& note = diagnostic.notes[i];
       writePlace(note.span, note.otherFile == nullptr ? uri : artifactUri(note.otherFile->path));
-      writeMessage(json, "message", note.message);
+      writeMessage(json, "message", withoutLinks(note.message));
       json.endObject();
     }
     json.endArray();
@@ -94,7 +94,7 @@ class ResultWriter {
     json.key("fixes");
     json.beginArray();
     json.beginObject();
-    writeMessage(json, "description", fix.description);
+    writeMessage(json, "description", withoutLinks(fix.description));
     json.key("artifactChanges");
     json.beginArray();
     json.beginObject();
@@ -147,6 +147,16 @@ class ResultWriter {
 };
 
 }  // namespace
+
+std::string withoutLinks(std::string_view text) {
+  constexpr std::string_view kMiddle = "](";
+  std::string result;
+  for (auto at = text.find(kMiddle); at != text.npos; at = text.find(kMiddle)) {
+    result.append(text.substr(0, at)).append("\\](");
+    text.remove_prefix(at + kMiddle.size());
+  }
+  return result.append(text);
+}
 
 std::string_view sarifLevel(Severity severity) noexcept {
   return severity == Severity::kFailure ? "error" : "warning";

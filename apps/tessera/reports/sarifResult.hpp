@@ -13,4 +13,7 @@ std::string_view sarifLevel(check::catalogue::Severity severity) noexcept;
 std::string sarifResult(const check::catalogue::Diagnostic& diagnostic, const std::string& uri,
                         const std::string& fingerprint);
 
+/// Returns the text of a message so that no part of it is read as a link: "[text](target)" is one.
+std::string withoutLinks(std::string_view text);
+
 }  // namespace tessera::reports

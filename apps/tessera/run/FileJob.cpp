@@ -12,6 +12,7 @@ FileJob::FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inp
       text(context.output),
       messageTarget(context.messages),
       host(setup.bundles, setup.pieces),
+      isRecorded(setup.recording != nullptr),
       log(setup.keepsRecords ? std::make_unique<session::LogCollector>() : nullptr),
       session(host.snippetParsers(), log.get(), setup.recording),
       parser(session, host.appendix(), setup.recording) {
@@ -23,6 +24,9 @@ workers::Outcome FileJob::run(std::size_t index) {
   const inputs::Input& input = inputs[index];
   current = index;
   if (input.isFound && inputs::isBinaryFile(input.path)) return workers::Outcome::kSkipped;
+  // The lookup emits a record, which must not depend on what this process did before. A recorded
+  // run has one process, and its replay has the lookup in the first line.
+  if (log != nullptr && !isRecorded && !input.isFirst) host.findLineParsers();
   try {
     work(input.path);
     return workers::Outcome::kDone;

@@ -51,6 +51,7 @@ class FileJob : public workers::Job {
 
   /// The index of the input that is worked on.
   std::size_t currentInput() const noexcept { return current; }
+  const inputs::Input& input() const noexcept { return inputs[current]; }
   session::FileParser& files() noexcept { return parser; }
   const std::vector<session::NamedParser>& parsers() const noexcept { return session.parsers(); }
   /// Returns whether a parser of a bundle accepts the marker.
@@ -77,6 +78,7 @@ class FileJob : public workers::Job {
   files::OutputText& text;
   workers::Messages& messageTarget;
   host::ServiceHost host;
+  bool isRecorded;
   std::unique_ptr<session::LogCollector> log;
   session::SnippetSession session;
   session::FileParser parser;

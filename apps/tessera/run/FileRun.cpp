@@ -73,6 +73,7 @@ FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
       target(options, rules == nullptr ? IncompleteOutput::kRemoved : IncompleteOutput::kKept),
       files(std::move(files)) {
   reportIfNothingIsFound(options, this->files);
+  if (!this->files.empty()) this->files.front().isFirst = true;
   if (!options.resumes) return;
   ResumedInputs resumed = resumeRecords(target.file(), std::move(this->files), *rules);
   failedBefore = resumed.failed.size();

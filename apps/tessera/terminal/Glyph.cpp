@@ -6,34 +6,27 @@
 #include <utility>
 
 #include "fl/i18n/utf16.hpp"
+#include "tessera/characters/Character.hpp"
+#include "tessera/characters/visibility.hpp"
 
 namespace tessera::terminal {
 namespace {
 
+constexpr char32_t kJoiner = 0x200D;
 constexpr char32_t kTextSelector = 0xFE0E;
 constexpr char32_t kEmojiSelector = 0xFE0F;
 
-using Properties = utf8proc_property_t;
-
-/// One character of a line.
-struct Character {
-  explicit Character(std::u16string_view rest) : code(rest[0]) {
-    if (isHalf(code, 0xD800) && rest.size() > 1 && isHalf(rest[1], 0xDC00)) {
-      units = 2;
-      code = 0x10000 + ((code - 0xD800) << 10) + (rest[1] - 0xDC00);
-    }
+/// A character of a line, with its properties.
+struct Character : characters::Character {
+  explicit Character(std::u16string_view rest) : characters::Character(characters::firstOf(rest)) {
     properties = utf8proc_get_property(static_cast<utf8proc_int32_t>(code));
   }
-
-  static bool isHalf(char32_t unit, char32_t first) { return (unit & 0xFC00) == first; }
 
   std::size_t columns() const {
     return static_cast<std::size_t>(utf8proc_charwidth(static_cast<utf8proc_int32_t>(code)));
   }
 
-  char32_t code;
-  std::size_t units = 1;
-  const Properties* properties;
+  const utf8proc_property_t* properties;
 };
 
 bool isSpaceThatIsShown(char32_t code) {
@@ -42,30 +35,8 @@ bool isSpaceThatIsShown(char32_t code) {
 
 /// Returns whether `character` is written as its number.
 bool isHidden(const Character& character) {
-  switch (character.properties->category) {
-    case UTF8PROC_CATEGORY_CC:
-    case UTF8PROC_CATEGORY_CF:
-    case UTF8PROC_CATEGORY_CN:
-    case UTF8PROC_CATEGORY_CO:
-    case UTF8PROC_CATEGORY_CS:
-    case UTF8PROC_CATEGORY_ZL:
-    case UTF8PROC_CATEGORY_ZP:
-      return true;
-    case UTF8PROC_CATEGORY_ZS:
-      return !isSpaceThatIsShown(character.code);
-    default:
-      // The braille pattern without dots is as blank as a space.
-      return character.properties->ignorable || character.code == 0x2800;
-  }
-}
-
-std::string numberOf(char32_t code) {
-  constexpr std::string_view kHex = "0123456789ABCDEF";
-  std::string digits;
-  for (char32_t rest = code; rest != 0 || digits.size() < 4; rest >>= 4) {
-    digits.insert(digits.begin(), kHex[rest & 0xF]);
-  }
-  return "<U+" + digits + ">";
+  const bool isSpace = character.properties->category == UTF8PROC_CATEGORY_ZS;
+  return isSpace ? !isSpaceThatIsShown(character.code) : characters::isInvisible(character.code);
 }
 
 /// Returns whether `unit` is printable ASCII.
@@ -94,12 +65,11 @@ std::size_t columnsAdded(const Character& character, const Glyph& glyph, bool is
 }
 
 /// Returns whether an invisible character after `last` in a cluster chooses how it looks. A second
-/// selector has no such use.
+/// selector or joiner has no such use, and the tags of a flag could spell any text.
 bool isPartOfEmoji(const Character& character, char32_t last, bool isEmoji) {
   const bool isSelector = character.code == kTextSelector || character.code == kEmojiSelector;
-  if (isSelector) return last != kTextSelector && last != kEmojiSelector;
-  return isEmoji && (character.properties->boundclass == UTF8PROC_BOUNDCLASS_ZWJ ||
-                     character.properties->boundclass == UTF8PROC_BOUNDCLASS_EXTEND);
+  return (isSelector || (isEmoji && character.code == kJoiner)) &&
+         characters::isPartOfShape(character.code, last);
 }
 
 }  // namespace
@@ -136,7 +106,7 @@ void GlyphCursor::takeTab() {
 }
 
 void GlyphCursor::takeNumber(char32_t code, std::size_t units) {
-  current.text = numberOf(code);
+  current.text = '<' + characters::nameOf(code) + '>';
   current.columns = current.text.size();
   current.isNumber = true;
   current.end += units;

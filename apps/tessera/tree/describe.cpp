@@ -124,13 +124,17 @@ std::string describeMembers(const Object& members, Detail detail) {
 bool isNameUnit(char16_t unit) {
   const auto lower = static_cast<char16_t>(unit | 0x20U);
   return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z') || unit == u'_' ||
-         unit == u'-' || unit == u'.' || (unit >= 0x80 && !diagnostics::isControl(unit));
+         unit == u'-' || unit == u'.' || unit >= 0x80;
+}
+
+/// Returns whether `text` is a name that is shown as it is.
+bool isName(std::u16string_view text) {
+  return std::ranges::all_of(text, isNameUnit) && diagnostics::isShownAsItIs(text);
 }
 
 /// Returns the text of a setting: JSON and names as they are, other text in quotes.
 std::string settingText(std::u16string_view text, Detail detail) {
-  const bool isBare =
-      text.starts_with(u'{') || text.starts_with(u'[') || std::ranges::all_of(text, isNameUnit);
+  const bool isBare = text.starts_with(u'{') || text.starts_with(u'[') || isName(text);
   return shortened(isBare ? plainText(text) : diagnostics::quotedText(text), detail);
 }
 
@@ -196,7 +200,7 @@ std::string explainFailure(const ParserFailure& failure, Detail detail) {
 }  // namespace
 
 std::string idText(std::u16string_view id) {
-  return std::ranges::all_of(id, isNameUnit) ? plainText(id) : quoted(id);
+  return isName(id) ? plainText(id) : quoted(id);
 }
 
 std::string describeNode(const Node& node, Detail detail) {

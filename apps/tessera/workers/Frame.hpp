@@ -13,9 +13,9 @@ struct Frame {
     kReady,
     /// The job could not be made; a message before says why.
     kUnusable,
-    /// The next slot contains `size` bytes of the output of the current input.
+    /// `slot` contains `size` bytes of the output of the current input.
     kText,
-    /// The next slot contains a message of `size` bytes.
+    /// `slot` contains a message of `size` bytes.
     kMessage,
     /// The current input is done.
     kEnd,
@@ -25,6 +25,7 @@ struct Frame {
 
   Kind kind = Kind::kReady;
   Outcome outcome = Outcome::kDone;
+  std::uint16_t slot = 0;
   std::uint32_t size = 0;
 };
 

@@ -2,44 +2,62 @@
 
 #include <sys/mman.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <cstring>
 #include <new>
+#include <numeric>
 
 namespace tessera::workers {
+namespace {
 
-SharedSlots::SharedSlots() {
-  void* memory = ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE,
+constexpr std::size_t kSlotsOfAllWorkers = 1024;
+
+}  // namespace
+
+SharedSlots::SharedSlots(std::size_t workerCount)
+    : count(std::clamp(kSlotsOfAllWorkers / workerCount, kFewestSlots, kMostSlots)), free(count) {
+  void* memory = ::mmap(nullptr, mappedBytes(), PROT_READ | PROT_WRITE,
                         MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (memory == MAP_FAILED) throw std::bad_alloc();
   shared = new (memory) Shared;
   shared->begun = 0;
-  ::sem_init(&shared->free, 1, kSlots);
+  ::sem_init(&shared->freed, 1, 0);
+  // The last one is taken first.
+  std::iota(free.rbegin(), free.rend(), std::uint16_t{0});
 }
 
 SharedSlots::~SharedSlots() {
-  ::sem_destroy(&shared->free);
-  ::munmap(shared, sizeof(Shared));
+  ::sem_destroy(&shared->freed);
+  ::munmap(shared, mappedBytes());
 }
 
-void SharedSlots::fill(std::string_view text) noexcept {
-  while (::sem_wait(&shared->free) != 0 && errno == EINTR) {
+std::uint16_t SharedSlots::fill(std::string_view text) noexcept {
+  while (::sem_trywait(&shared->freed) == 0) takeFreed();
+  while (free.empty()) {
+    if (::sem_wait(&shared->freed) == 0) takeFreed();
   }
-  std::memcpy(shared->slots[filled % kSlots], text.data(), text.size());
-  ++filled;
+  const std::uint16_t slot = free.back();
+  free.pop_back();
+  std::memcpy(begin(slot), text.data(), text.size());
+  return slot;
 }
 
-std::string_view SharedSlots::oldest(std::size_t size) const noexcept {
-  return after(0, size);
+/// There is room in `free` for all slots.
+void SharedSlots::takeFreed() noexcept {
+  free.push_back(shared->freedSlots[taken++ % count]);
 }
 
-std::string_view SharedSlots::after(std::size_t count, std::size_t size) const noexcept {
-  return {shared->slots[(released + count) % kSlots], size};
+std::string_view SharedSlots::text(std::uint16_t slot, std::size_t bytes) const noexcept {
+  return {begin(slot), bytes};
 }
 
-void SharedSlots::release() noexcept {
-  ++released;
-  ::sem_post(&shared->free);
+char* SharedSlots::begin(std::uint16_t slot) const noexcept {
+  return reinterpret_cast<char*>(shared + 1) + slot * kSlotBytes;
+}
+
+void SharedSlots::release(std::uint16_t slot) noexcept {
+  shared->freedSlots[released++ % count] = slot;
+  ::sem_post(&shared->freed);
 }
 
 }  // namespace tessera::workers

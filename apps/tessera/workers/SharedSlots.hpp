@@ -6,35 +6,39 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "tessera/progress/InputProgress.hpp"
 
 namespace tessera::workers {
 
-/// A ring of text buffers in memory that a worker shares with its parent. The worker fills slots in
-/// turn, the parent frees them in the same order; a worker that is ahead by all of them waits.
+/// Text buffers in memory that a worker shares with its parent. The worker fills free slots, the
+/// parent frees them; a worker that has filled all of them waits.
 ///
-/// That a slot was filled is told elsewhere, through a socket, which also orders the accesses.
+/// That a slot was filled is told elsewhere, through a socket, which also orders the accesses. The
+/// slot that was freed last is filled first: a worker whose text is taken at once uses a few slots,
+/// which stay in the cache.
 class SharedSlots {
  public:
   static constexpr std::size_t kSlotBytes = 256 * 1024;
-  /// A worker is at most 8 MiB ahead of the output.
-  static constexpr std::size_t kSlots = 32;
+  static constexpr std::size_t kFewestSlots = 32;
 
-  /// Throws std::bad_alloc.
-  SharedSlots();
+  /// The slots of one of `workerCount` workers: 256 MiB for all together, at most 64 MiB and at
+  /// least 8 MiB each. Memory that no text has reached is not used. Throws std::bad_alloc.
+  explicit SharedSlots(std::size_t workerCount);
   ~SharedSlots();
   SharedSlots(const SharedSlots&) = delete;
   SharedSlots& operator=(const SharedSlots&) = delete;
 
-  /// In the worker: copies `text`, at most kSlotBytes, into the next slot, once that is free.
-  void fill(std::string_view text) noexcept;
+  std::size_t size() const noexcept { return count; }
 
-  /// In the parent: the text of the oldest slot, which has `size` bytes, until `release`.
-  std::string_view oldest(std::size_t size) const noexcept;
-  /// Like `oldest`, of the slot after so many that were filled before it.
-  std::string_view after(std::size_t count, std::size_t size) const noexcept;
-  void release() noexcept;
+  /// In the worker: copies `text`, at most kSlotBytes, into a slot, once one is free. Returns the
+  /// number of the slot.
+  std::uint16_t fill(std::string_view text) noexcept;
+
+  /// In the parent: the text of a filled slot, which has `bytes` bytes, until `release`.
+  std::string_view text(std::uint16_t slot, std::size_t bytes) const noexcept;
+  void release(std::uint16_t slot) noexcept;
 
   /// How far the worker is with its current input.
   progress::InputProgress& progress() noexcept { return shared->progress; }
@@ -43,16 +47,27 @@ class SharedSlots {
   std::atomic<std::uint64_t>& begun() noexcept { return shared->begun; }
 
  private:
-  struct Shared {
-    sem_t free;
+  static constexpr std::size_t kMostSlots = 256;
+
+  // The slots follow it in memory.
+  struct alignas(64) Shared {
     progress::InputProgress progress;
     std::atomic<std::uint64_t> begun;
-    char slots[kSlots][kSlotBytes];
+    // How many of the freed slots the worker has not taken, and a ring of their numbers.
+    sem_t freed;
+    std::uint16_t freedSlots[kMostSlots];
   };
 
+  void takeFreed() noexcept;
+  char* begin(std::uint16_t slot) const noexcept;
+  std::size_t mappedBytes() const noexcept { return sizeof(Shared) + count * kSlotBytes; }
+
+  std::size_t count;
   Shared* shared;
-  // Counts of their own in each process: the next slot to fill, the oldest one.
-  std::size_t filled = 0;
+  // In the worker: its free slots, and how many freed ones it has taken.
+  std::vector<std::uint16_t> free;
+  std::size_t taken = 0;
+  // In the parent: how many slots it has freed.
   std::size_t released = 0;
 };
 

@@ -115,17 +115,23 @@ void Worker::closeParentSide() noexcept {
 void Worker::give(std::size_t index) {
   if (unfinished() == 0) since = Clock::now();
   inputs.push_back(index);
-  send(index);
+  unsent.push_back(index);
+}
+
+void Worker::sendInputs() noexcept {
+  if (!unsent.empty()) send(unsent);
+  unsent.clear();
 }
 
 void Worker::finish() noexcept {
-  send(kNoMoreInputs);
+  send({&kNoMoreInputs, 1});
 }
 
 /// A process that has ended does not read it; `receive` notices. One that cannot be told would wait
 /// forever: it is ended.
-void Worker::send(std::uint64_t command) const noexcept {
-  while (::send(socket, &command, sizeof command, MSG_NOSIGNAL) < 0) {
+void Worker::send(std::span<const std::uint64_t> commands) const noexcept {
+  // So few bytes are sent as a whole.
+  while (::send(socket, commands.data(), commands.size_bytes(), MSG_NOSIGNAL) < 0) {
     if (errno == EINTR) continue;
     if (process > 0) ::kill(process, SIGKILL);
     return;
@@ -148,6 +154,10 @@ std::deque<std::size_t> Worker::receive() {
   return loseInput();
 }
 
+std::string_view Worker::textOf(const Frame& frame) const noexcept {
+  return slots.text(frame.slot, frame.size);
+}
+
 void Worker::add(const Frame& frame) {
   if (frame.kind == Frame::Kind::kReady) {
     ready = true;
@@ -155,10 +165,10 @@ void Worker::add(const Frame& frame) {
   } else if (frame.kind == Frame::Kind::kUnusable) {
     unusable = true;
     // The message came just before; that of a job that could not be made is known.
-    if (ready) reason = slots.after(slotsInUse - 1, frames.back().size);
+    if (ready) reason = textOf(frames.back());
   } else if (!ready) {
-    reason = slots.oldest(frame.size);
-    slots.release();
+    reason = textOf(frame);
+    slots.release(frame.slot);
   } else {
     frames.push_back(frame);
     if (frame.kind != Frame::Kind::kEnd) {
@@ -201,7 +211,7 @@ Worker::Clock::time_point Worker::deadline(std::chrono::milliseconds timeout) co
 
 void Worker::endIfLate(std::chrono::milliseconds timeout) {
   if (!isRunning() || Clock::now() < deadline(timeout)) return;
-  if (slotsInUse == SharedSlots::kSlots) {
+  if (slotsInUse == slots.size()) {
     since = Clock::now();
   } else {
     isLate = true;
@@ -224,10 +234,10 @@ std::optional<std::size_t> Worker::currentInput() const noexcept {
 }
 
 void Worker::removeFrame() noexcept {
-  const Frame::Kind kind = frames.front().kind;
+  const Frame frame = frames.front();
   frames.pop_front();
-  if (kind == Frame::Kind::kText || kind == Frame::Kind::kMessage) {
-    slots.release();
+  if (frame.kind == Frame::Kind::kText || frame.kind == Frame::Kind::kMessage) {
+    slots.release(frame.slot);
     --slotsInUse;
   } else {
     inputs.pop_front();

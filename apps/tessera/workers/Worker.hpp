@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,8 @@ class Worker {
  public:
   using Clock = std::chrono::steady_clock;
 
-  Worker() = default;
+  /// One of so many.
+  explicit Worker(std::size_t workerCount) : slots(workerCount) {}
   /// Ends the process if it is still there.
   ~Worker();
   Worker(const Worker&) = delete;
@@ -48,6 +50,8 @@ class Worker {
   /// How many inputs it was given and has not finished.
   std::size_t unfinished() const noexcept { return inputs.size() - finished; }
   void give(std::size_t index);
+  /// Tells the process which inputs it was given.
+  void sendInputs() noexcept;
   /// Tells the process that there are no more inputs.
   void finish() noexcept;
 
@@ -73,7 +77,7 @@ class Worker {
   std::size_t filledSlots() const noexcept { return slotsInUse; }
   const Frame& frame() const noexcept { return frames.front(); }
   /// The text of the current frame.
-  std::string_view text() const noexcept { return slots.oldest(frames.front().size); }
+  std::string_view text() const noexcept { return textOf(frames.front()); }
   /// Removes the current frame, and with it the current input if it was the last of that.
   void removeFrame() noexcept;
 
@@ -82,7 +86,8 @@ class Worker {
   std::uint64_t lastLine() noexcept { return slots.progress().line; }
 
  private:
-  void send(std::uint64_t command) const noexcept;
+  void send(std::span<const std::uint64_t> commands) const noexcept;
+  std::string_view textOf(const Frame& frame) const noexcept;
   void add(const Frame& frame);
   void end();
   std::deque<std::size_t> loseInput();
@@ -99,6 +104,8 @@ class Worker {
   std::size_t finished = 0;
   // How many ends have arrived.
   std::uint64_t endCount = 0;
+  // The inputs that the process has not been told.
+  std::vector<std::uint64_t> unsent;
   std::deque<Frame> frames;
   std::size_t slotsInUse = 0;
   Clock::time_point since = Clock::now();

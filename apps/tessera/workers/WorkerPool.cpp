@@ -16,11 +16,11 @@ namespace {
 // One that is worked on and some that wait, so that no worker waits for its parent. Fewer at the
 // end, so that all workers end at about the same time.
 constexpr std::size_t kLeastInputsPerWorker = 2;
-constexpr std::size_t kMostInputsPerWorker = 8;
+constexpr std::size_t kMostInputsPerWorker = 64;
 
 // The text of an input is passed on as a whole if it needs no more slots: then nothing has to be
 // taken back when the worker ends within it.
-constexpr std::size_t kSlotsHeldBack = SharedSlots::kSlots / 2;
+constexpr std::size_t kSlotsHeldBack = SharedSlots::kFewestSlots / 2;
 
 // After so long without a result, those that have come are written.
 constexpr int kRestMilliseconds = 20;
@@ -49,7 +49,7 @@ void WorkerPool::run(std::size_t count) {
 
 /// Starts a worker that is to work on `inputs` first.
 void WorkerPool::startWorker(std::deque<std::size_t> inputs) {
-  auto worker = std::make_unique<Worker>();
+  auto worker = std::make_unique<Worker>(settings.workers);
   if (!worker->start()) {
     for (const auto& other : workers) other->closeParentSide();
     if (showsProgress()) diagnostics::expectForeignStatus();
@@ -58,6 +58,7 @@ void WorkerPool::startWorker(std::deque<std::size_t> inputs) {
     std::exit(EXIT_SUCCESS);
   }
   for (const std::size_t index : inputs) worker->give(index);
+  worker->sendInputs();
   workers.push_back(std::move(worker));
 }
 
@@ -67,10 +68,11 @@ void WorkerPool::giveInputs() {
   // In turn, so that each has one before any has two.
   for (std::size_t wanted = 1; wanted <= most; ++wanted) {
     for (const auto& worker : workers) {
-      if (nextToGive == end) return;
+      if (nextToGive == end) break;
       if (worker->isRunning() && worker->unfinished() < wanted) worker->give(nextToGive++);
     }
   }
+  for (const auto& worker : workers) worker->sendInputs();
 }
 
 bool WorkerPool::showsProgress() const noexcept {

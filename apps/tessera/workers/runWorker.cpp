@@ -24,8 +24,8 @@ class FrameSender {
   FrameSender(int descriptor, SharedSlots& slots) : descriptor(descriptor), slots(slots) {}
 
   void sendInSlot(Frame::Kind kind, std::string_view text) {
-    slots.fill(text);
-    add({.kind = kind, .size = static_cast<std::uint32_t>(text.size())});
+    const std::uint16_t slot = slots.fill(text);
+    add({.kind = kind, .slot = slot, .size = static_cast<std::uint32_t>(text.size())});
   }
 
   void sendEnd(Outcome outcome) {
@@ -56,7 +56,7 @@ class FrameSender {
 
   static constexpr std::chrono::milliseconds kLongestDelay{5};
   // The parent has to know of most slots to free them, or this process would wait forever.
-  static constexpr std::size_t kMostPending = SharedSlots::kSlots / 2;
+  static constexpr std::size_t kMostPending = SharedSlots::kFewestSlots / 2;
 
   void add(const Frame& frame) {
     pending[pendingCount++] = frame;
@@ -105,19 +105,37 @@ class SlotMessages final : public Messages {
   SlotOutput& output;
 };
 
-/// Reads the number of an input; `kNoMoreInputs` at the end of the channel. Frames that are held
-/// back are sent before it waits.
-std::uint64_t readCommand(int descriptor, FrameSender& frames) {
-  std::uint64_t command = 0;
-  ssize_t count = ::recv(descriptor, &command, sizeof command, MSG_DONTWAIT);
-  if (count < 0) {
-    frames.flush();
-    do {
-      count = ::recv(descriptor, &command, sizeof command, 0);
-    } while (count < 0 && errno == EINTR);
+/// Receives the numbers of the inputs.
+class CommandReader {
+ public:
+  CommandReader(int descriptor, FrameSender& frames) : descriptor(descriptor), frames(frames) {}
+
+  /// Returns the next command; `kNoMoreInputs` at the end of the channel. Frames that are held back
+  /// are sent before it waits.
+  std::uint64_t next() {
+    if (taken == received) receive();
+    return taken == received ? kNoMoreInputs : commands[taken++];
   }
-  return count == sizeof command ? command : kNoMoreInputs;
-}
+
+ private:
+  void receive() {
+    ssize_t count = ::recv(descriptor, commands.data(), sizeof commands, MSG_DONTWAIT);
+    if (count < 0) {
+      frames.flush();
+      do {
+        count = ::recv(descriptor, commands.data(), sizeof commands, 0);
+      } while (count < 0 && errno == EINTR);
+    }
+    taken = 0;
+    received = count < 0 ? 0 : static_cast<std::size_t>(count) / sizeof commands[0];
+  }
+
+  int descriptor;
+  FrameSender& frames;
+  std::array<std::uint64_t, 64> commands;
+  std::size_t taken = 0;
+  std::size_t received = 0;
+};
 
 }  // namespace
 
@@ -129,8 +147,8 @@ void runWorker(const MakeJob& makeJob, SharedSlots& slots, int socket) {
     const std::unique_ptr<Job> job =
         makeJob({.output = output, .messages = messages, .progress = slots.progress()});
     frames.send({.kind = Frame::Kind::kReady});
-    for (auto index = readCommand(socket, frames); index != kNoMoreInputs;
-         index = readCommand(socket, frames)) {
+    CommandReader commands(socket, frames);
+    for (auto index = commands.next(); index != kNoMoreInputs; index = commands.next()) {
       slots.progress().begin();
       ++slots.begun();
       const Outcome outcome = job->run(index);

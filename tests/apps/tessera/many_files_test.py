@@ -100,6 +100,19 @@ class Inputs(ManyFiles):
         # Who names an excluded directory wants its files.
         self.assertEqual(self.files("t/build"), ["t/build/x"])
 
+    def test_a_gitignore_excludes_only_below_its_folder(self):
+        for name in ("a/x", "b/x", "b/deep/x", "bb/x", "c/x", "c/deep/x", "d/x"):
+            self.write(f"t/{name}")
+        self.write("t/b/.gitignore", b"x\n")
+        self.write("t/c/deep/.gitignore", b"x\n")
+        self.assertEqual(self.files("t"), ["t/a/x", "t/bb/x", "t/c/x", "t/d/x"])
+        self.assertEqual(self.files("t/b/deep"), ["t/b/deep/x"])
+        (self.folder / "t/.git").mkdir()
+        self.assertEqual(self.files("t/a", "t/b/deep", "t/d"), ["t/a/x", "t/d/x"])
+        self.write("t/b/.gitignore", b"/deep/x\n")
+        self.assertEqual(self.files("t/b/deep"), [])
+        self.assertEqual(self.files("t/b"), ["t/b/x"])
+
     def test_globs_choose_among_the_files_of_directories(self):
         for name in ("t/a.py", "t/b.c", "t/s/c.py", "t/s/d.c"):
             self.write(name)
@@ -753,13 +766,14 @@ class Resume(ManyFiles):
     def test_the_complete_records_are_kept(self):
         for name in ("t/a", "t/b", "t/c"):
             self.write(name)
-        whole = self.parse("t").stdout
-        lines = whole.splitlines(keepends=True)
-        for kept in (b"", lines[0], lines[0] + lines[1][:-1], lines[0] + lines[1], whole, whole + b"{"):
-            self.write("out.partial", kept)
-            self.parse("t", "-o", "out", "--resume")
-            self.assertEqual((self.folder / "out").read_bytes(), whole)
-            os.unlink(self.folder / "out")
+        for options in (["--trace"], []):
+            whole = self.parse("t", *options).stdout
+            lines = whole.splitlines(keepends=True)
+            for kept in (b"", lines[0], lines[0] + lines[1][:-1], lines[0] + lines[1], whole, whole + b"{"):
+                self.write("out.partial", kept)
+                self.parse("t", "-o", "out", "--resume", *options)
+                self.assertEqual((self.folder / "out").read_bytes(), whole)
+                os.unlink(self.folder / "out")
         # Without --resume they are not.
         self.write("out.partial", lines[1])
         self.parse("t", "-o", "out")

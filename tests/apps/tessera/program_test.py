@@ -64,7 +64,7 @@ def on_terminal(columns, *arguments, **environment):
     """Returns what the program writes to a terminal of so many columns."""
     reader, writer = pty.openpty()
     fcntl.ioctl(writer, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
-    environment = {**os.environ, "TERM": "xterm", "NO_COLOR": "", **environment}
+    environment = {**os.environ, "TERM": "xterm", "NO_COLOR": "", "LC_ALL": "C.UTF-8", **environment}
     with subprocess.Popen([PROGRAM, *arguments], stdin=subprocess.DEVNULL, stdout=writer,
                           stderr=subprocess.DEVNULL, env=environment):
         os.close(writer)
@@ -107,13 +107,16 @@ class Tree(ProgramTest):
         self.assertEqual(narrow, on_terminal(100, "parse", "--width", "40", "--color", "never", self.name))
         self.assertEqual(max(map(len, narrow.split("\n"))), 40)
 
-    def test_symbols_are_those_of_the_locale(self):
+    def test_symbols_on_a_terminal_are_those_of_the_locale(self):
         locales = {"LC_ALL": "", "LC_CTYPE": "", "LANG": ""}
         for settings, is_unicode in (({}, False), ({"LANG": "de_DE.UTF-8"}, True), ({"LANG": "C.utf8"}, True),
                                      ({"LC_CTYPE": "C", "LANG": "C.UTF-8"}, False),
                                      ({"LC_ALL": "C.UTF-8", "LC_CTYPE": "C"}, True), ({"LANG": "de_DE"}, False)):
-            text = tessera("parse", self.name, env={**os.environ, **locales, **settings}).stdout.decode()
+            settings = {**locales, **settings}
+            text = on_terminal(1000, "parse", "--color", "never", self.name, **settings)
             self.assertEqual(("\u2693 here" in text, "anchor here" in text), (is_unicode, not is_unicode), settings)
+            text = tessera("parse", self.name, env={**os.environ, **settings}).stdout.decode()
+            self.assertIn("\u2693 here", text, settings)
 
     def test_files_are_separated_by_an_empty_row(self):
         done = tessera("parse", *self.names)

@@ -54,8 +54,6 @@ class ModelFault : public testing::Test {
  protected:
   void SetUp() override {
     { const TesseraDocument warmUp; }
-    // Each thread keeps an empty record of the failure data that it shared last.
-    ParserFailure().setFailureData({{"warm up", foundation::json::Value(1.0)}});
     liveBefore = liveAllocations();
     document.emplace();
     model = document->getModel();

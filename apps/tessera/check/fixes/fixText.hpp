@@ -21,7 +21,8 @@ struct FixResult {
 };
 
 /// Applies the fixes that `check` finds in `text`, and again those that it finds in the result,
-/// until there are none: fixes that overlap are made one after the other.
+/// until there are none: fixes that overlap are made one after the other. Stops before fixes after
+/// which there would be a failure more of any kind.
 FixResult fixText(FixedText& text, const Check& check);
 
 }  // namespace tessera::check::fixes

@@ -12,7 +12,7 @@ constexpr std::size_t kMaxQuotedUnits = 60;
 constexpr std::size_t kHeadUnits = 40;
 constexpr std::size_t kTailUnits = 15;
 
-bool isNameUnit(char16_t unit) {
+bool isBareNameUnit(char16_t unit) {
   const auto lower = static_cast<char16_t>(unit | 0x20U);
   return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z') || unit == u'_' ||
          unit == u'-' || unit == u'.';
@@ -35,7 +35,7 @@ std::u16string_view tailOf(std::u16string_view text, std::size_t size) {
 }  // namespace
 
 std::u16string_view nameAtStartOf(std::u16string_view text) {
-  const auto end = std::ranges::find_if_not(text, isNameUnit);
+  const auto end = std::ranges::find_if_not(text, isBareNameUnit);
   return text.substr(0, static_cast<std::size_t>(end - text.begin()));
 }
 

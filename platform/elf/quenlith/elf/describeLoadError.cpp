@@ -2,8 +2,13 @@
 
 #include <cxxabi.h>
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <vector>
 
 #include "quenlith/elf/readSharedLibrary.hpp"
@@ -12,8 +17,20 @@ namespace quenlith::elf {
 namespace {
 
 // It may also be there, and cannot be opened.
+constexpr std::string_view kNotOpened = ": cannot open shared object file";
 constexpr std::string_view kNotFound = ": cannot open shared object file: No such file";
 constexpr std::string_view kUndefined = "undefined symbol: ";
+
+// What glibc's loader says when it gets no memory for its tables or for the library.
+constexpr std::array<std::string_view, 5> kLackOfMemory = {
+    ": cannot create ", ": cannot allocate ", ": cannot extend ", "out of memory",
+    "failed to map segment from shared object"};
+// This area has a fixed size.
+constexpr std::string_view kStaticArea = "static TLS block";
+
+std::string textOfLackOfMemory() {
+  return std::generic_category().message(ENOMEM);
+}
 
 std::string demangle(const std::string& symbol) {
   int status = 0;
@@ -42,10 +59,23 @@ Fault missingLibrary(const std::string& path, const std::string& library) {
 
 }  // namespace
 
+bool saysLackOfMemory(std::string_view error) {
+  if (error.find(kStaticArea) != error.npos) return false;
+  // A reason that does not fit in memory is left out.
+  return error.ends_with(kNotOpened) || error.find(textOfLackOfMemory()) != error.npos ||
+         std::ranges::any_of(kLackOfMemory, [error](std::string_view text) {
+           return error.find(text) != error.npos;
+         });
+}
+
 Fault describeLoadError(const std::string& path, std::string_view error) {
-  if (const auto end = error.find(kNotFound); end != std::string_view::npos) {
-    return missingLibrary(path, std::string(error.substr(0, end)));
+  const auto end = error.find(kNotFound);
+  // Without memory for the name of a file, the loader says that the file is missing.
+  const bool isWrong = error.substr(0, end) == path && std::filesystem::exists(path);
+  if (saysLackOfMemory(error) || isWrong) {
+    return {"the library cannot be loaded (" + textOfLackOfMemory() + ")", "close other programs"};
   }
+  if (end != error.npos) return missingLibrary(path, std::string(error.substr(0, end)));
   if (const auto begin = error.find(kUndefined); begin != std::string_view::npos) {
     std::string_view symbol = error.substr(begin + kUndefined.size());
     symbol = symbol.substr(0, symbol.find_first_of(",( "));

@@ -19,14 +19,6 @@ using foundation::json::Value;
 
 const ParserFailure::Data ParserFailure::kNoData;
 
-std::shared_ptr<const ParserFailure::Data> ParserFailure::share(Data data) {
-  thread_local std::weak_ptr<const Data> latest;
-  if (auto known = latest.lock(); known != nullptr && *known == data) return known;
-  auto shared = std::make_shared<const Data>(std::move(data));
-  latest = shared;
-  return shared;
-}
-
 namespace {
 
 /// Adds the same for both zeros, which compare equal, and the same for all NaNs.

@@ -39,7 +39,7 @@ class ParserFailure {
     return *this;
   }
   ParserFailure& setFailureData(Data data) {
-    failureData = data.empty() ? nullptr : share(std::move(data));
+    failureData = data.empty() ? nullptr : std::make_shared<const Data>(std::move(data));
     return *this;
   }
 
@@ -53,11 +53,9 @@ class ParserFailure {
   ustring failureId;
   MarkerInfo markerInfo;
   QUENLITH_MODEL_EXPORT static const Data kNoData;
-  QUENLITH_MODEL_EXPORT static std::shared_ptr<const Data> share(Data data);
 
-  // Immutable; null if there is no data. Shared by the copies of a record, and by records with
-  // equal data that are created one after the other on one thread: each marker of a task without a
-  // partner has the data of the same appendix entry, which may be most of the source.
+  // Immutable; null if there is no data. Shared by the copies of a record: the data may be most of
+  // the source, and each of many markers without a partner has it.
   std::shared_ptr<const Data> failureData;
 };
 

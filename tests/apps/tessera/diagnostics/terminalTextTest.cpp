@@ -6,7 +6,7 @@
 
 namespace {
 
-using tessera::diagnostics::isControl;
+using tessera::diagnostics::isShownAsItIs;
 using tessera::diagnostics::quotedText;
 using tessera::diagnostics::terminalText;
 
@@ -27,10 +27,27 @@ TEST(TerminalText, DirectionControlsAndLineSeparatorsAreEscaped) {
 
 TEST(TerminalText, OtherTextIsUnchanged) {
   EXPECT_EQ(terminalText("x = \"ä\\\" 你 🏆"), "x = \"ä\\\" 你 🏆");
-  EXPECT_FALSE(isControl(u' '));
-  EXPECT_FALSE(isControl(u'~'));
-  EXPECT_FALSE(isControl(u'\u2010'));
-  EXPECT_FALSE(isControl(u'\u202F'));
+  EXPECT_EQ(terminalText("\u00A0\u2010\u202F"), "\u00A0\u2010\u202F");
+}
+
+TEST(TerminalText, OtherInvisibleCharactersAreEscaped) {
+  EXPECT_EQ(terminalText("a\u00ADb\u200Bc\uFEFFd\uE000"), "a\\u00adb\\u200bc\\ufeffd\\ue000");
+  // Beyond U+FFFF: the letter A as a tag, which terminals do not show.
+  EXPECT_EQ(terminalText("a\U000E0041"), "a\\udb40\\udc41");
+  EXPECT_EQ(quotedText(u"a\u200Db\U000E0041"), "\"a\\u200db\\udb40\\udc41\"");
+}
+
+TEST(TerminalText, WhatShapesACharacterStays) {
+  for (const char* text : {"👨\u200D👩\u200D👧", "⚠\uFE0F", "क\u200Dष", "1\uFE0F\u20E3"}) {
+    EXPECT_EQ(terminalText(text), text);
+  }
+  EXPECT_EQ(terminalText("👩\u200D\u200D💻⚠\uFE0F\uFE0F"), "👩\u200D\\u200d💻⚠\uFE0F\\ufe0f");
+  EXPECT_EQ(quotedText(u"\\\u200D"), "\"\\\\\\u200d\"");
+}
+
+TEST(TerminalText, ItIsKnownWhatIsShownAsItIs) {
+  for (const auto* text : {u"", u"a \" \\", u"é中😀", u"⚠\uFE0F"}) EXPECT_TRUE(isShownAsItIs(text));
+  for (const auto* text : {u"\n", u"a\u200B", u"a\U000E0041"}) EXPECT_FALSE(isShownAsItIs(text));
 }
 
 TEST(TerminalText, InvalidUtf8BecomesAReplacementCharacter) {

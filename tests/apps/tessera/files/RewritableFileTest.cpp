@@ -113,6 +113,48 @@ TEST_F(RewritableFileTest, ASymbolicLinkStaysOne) {
   EXPECT_EQ(read(name), "new");
 }
 
+TEST_F(RewritableFileTest, AFileThatBecameALinkStaysOne) {
+  RewritableFile file(name);
+  const std::string victim = folder.write("victim", "victim");
+  std::filesystem::remove(name);
+  std::filesystem::create_symlink(victim, name);
+  EXPECT_THROW(file.replace("new"), ProblemError);
+  EXPECT_TRUE(std::filesystem::is_symlink(name));
+  EXPECT_EQ(read(victim), "victim");
+}
+
+TEST_F(RewritableFileTest, TheFileIsReplacedInTheFolderFromWhichItWasRead) {
+  namespace fs = std::filesystem;
+  const fs::path root = fs::path(name).parent_path();
+  for (const char* below : {"named", "other"}) {
+    fs::create_directory(root / below);
+    write(root / below / "file", "old");
+  }
+  RewritableFile file(root / "named" / "file");
+  fs::rename(root / "named", root / "moved");
+  fs::create_directory_symlink(root / "other", root / "named");
+  file.replace("new");
+  EXPECT_EQ(read(root / "moved" / "file"), "new");
+  EXPECT_EQ(read(root / "other" / "file"), "old");
+}
+
+TEST_F(RewritableFileTest, AFileThatWasFoundIsNotReachedThroughALink) {
+  namespace fs = std::filesystem;
+  const fs::path root = fs::path(name).parent_path();
+  fs::create_directories(root / "named" / "below");
+  fs::create_directory(root / "other");
+  write(root / "other" / "file", "other");
+  const std::string found = root / "named" / "below" / "file";
+  const std::size_t namedBytes = (root / "named").string().size() + 1;
+  fs::create_symlink(root / "other" / "file", found);
+  EXPECT_THROW(RewritableFile(found, namedBytes), ProblemError);
+  EXPECT_EQ(RewritableFile(found).bytes(), "other");
+  fs::remove_all(root / "named" / "below");
+  fs::create_directory_symlink(root / "other", root / "named" / "below");
+  EXPECT_THROW(RewritableFile(found, namedBytes), ProblemError);
+  EXPECT_EQ(RewritableFile(found).bytes(), "other");
+}
+
 TEST_F(RewritableFileTest, AFileWithSeveralNamesIsRefused) {
   std::filesystem::create_hard_link(name, name + "2");
   RewritableFile file(name);

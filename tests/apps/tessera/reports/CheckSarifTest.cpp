@@ -112,6 +112,41 @@ TEST_F(CheckSarifTest, NotesAreRelatedLocationsThatTheMessageLinksTo) {
   EXPECT_EQ(messageOf(related[0]), "[0,2] is \\ here");
 }
 
+TEST_F(CheckSarifTest, NoTextOfAFileIsALink) {
+  const std::string quoted = "the id \"[open](https://example.org)\" [0](1) [a] (b)";
+  const std::string shown = "the id \"[open\\](https://example.org)\" [0\\](1) [a] (b)";
+  add(kFailure, quoted);
+  file.diagnostics[0].notes.push_back({spanOf(2, 0, 2), quoted});
+  file.diagnostics[0].fix = Fix{quoted, {{spanOf(1, 0, 1), "y"}}};
+  report.addProblem({.file = "a.py", .place = {}, .what = quoted, .remedy = {}});
+  const Object only = run();
+  const Value result = only.at("results").get<Array>()[0];
+  EXPECT_TRUE(messageOf(result).starts_with(shown + "\n[")) << messageOf(result);
+  EXPECT_EQ(messageOf(result.get<Object>().at("relatedLocations").get<Array>()[0]), shown);
+  const Value fix = result.get<Object>().at("fixes").get<Array>()[0];
+  EXPECT_EQ(at(fix, "description").at("text"), Value(shown));
+  const Object invocation = only.at("invocations").get<Array>()[0].get<Object>();
+  EXPECT_EQ(messageOf(invocation.at("toolExecutionNotifications").get<Array>()[0]), shown);
+}
+
+TEST_F(CheckSarifTest, TheTextOfANotificationHasNoControlCharacters) {
+  report.addProblem(
+      {.file = "a.py", .place = {}, .what = "a \x1B[31m \u202E", .remedy = "remove the \n"});
+  const Object invocation = run().at("invocations").get<Array>()[0].get<Object>();
+  EXPECT_EQ(messageOf(invocation.at("toolExecutionNotifications").get<Array>()[0]),
+            "a \\u001b[31m \\u202e; remove the \\n");
+}
+
+TEST_F(CheckSarifTest, TheLogCanBePartOfAPage) {
+  add(kFailure, "</script> \u202E");
+  file.diagnostics[0].fix = Fix{"<!--", {{spanOf(1, 0, 1), "<b>\u2028"}}};
+  run();
+  const std::string text = output.all();
+  for (const char* part : {"</", "<!", "<b", "\u202E", "\u2028"}) {
+    EXPECT_EQ(text.find(part), text.npos) << part;
+  }
+}
+
 TEST_F(CheckSarifTest, AFixReplacesItsRegions) {
   add(kFailure);
   file.diagnostics[0].fix = Fix{"Do it", {{spanOf(1, 0, 1), "y"}, {spanOf(1, 2, 3), ""}}};

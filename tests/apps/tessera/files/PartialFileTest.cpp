@@ -1,0 +1,112 @@
+#include "tessera/files/PartialFile.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "apps/tessera/support/TemporaryFolder.hpp"
+#include "tessera/diagnostics/Problem.hpp"
+
+namespace {
+
+using tessera::diagnostics::OutputError;
+using tessera::files::Leftover;
+using tessera::files::PartialFile;
+namespace fs = std::filesystem;
+
+class PartialFileTest : public testing::Test {
+ protected:
+  static std::string read(const fs::path& name) {
+    std::ifstream stream(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+  /// Expects that `name` cannot be written, and says why.
+  void expectRefused(const std::string& what) {
+    for (const Leftover leftover : {Leftover::kReplaced, Leftover::kContinued}) {
+      try {
+        const PartialFile file(name, leftover);
+        ADD_FAILURE() << "opened";
+      } catch (const OutputError& error) {
+        EXPECT_EQ(error.problem().what, what);
+        EXPECT_FALSE(error.problem().remedy.empty());
+      }
+    }
+    EXPECT_FALSE(fs::exists(name));
+    EXPECT_EQ(read(victim), "victim");
+  }
+
+  const TemporaryFolder holder;
+  const fs::path victim = holder.write("victim", "victim");
+  const fs::path root = victim.parent_path();
+  const fs::path folder = root / "folder";
+  const fs::path name = folder / "out";
+  const bool isMade = fs::create_directory(folder);
+};
+
+TEST_F(PartialFileTest, ItAppearsWhenItIsComplete) {
+  PartialFile file(name, Leftover::kReplaced);
+  file.output().text() = "text";
+  file.output().flush();
+  EXPECT_FALSE(fs::exists(name));
+  EXPECT_TRUE(fs::exists(folder / "out.partial"));
+  file.complete();
+  EXPECT_EQ(read(name), "text");
+  EXPECT_FALSE(fs::exists(folder / "out.partial"));
+}
+
+TEST_F(PartialFileTest, ALinkInTheWayIsNotFollowed) {
+  fs::create_symlink(victim, folder / "out.partial");
+  expectRefused("cannot be created: Too many levels of symbolic links");
+  EXPECT_TRUE(fs::is_symlink(folder / "out.partial"));
+}
+
+TEST_F(PartialFileTest, AFileWithASecondNameInTheWayIsNotWritten) {
+  fs::create_hard_link(victim, folder / "out.partial");
+  expectRefused("is in the way, and not a file that a run has left");
+}
+
+TEST_F(PartialFileTest, APipeInTheWayIsNotWritten) {
+  ASSERT_EQ(::mkfifo((folder / "out.partial").c_str(), 0600), 0);
+  expectRefused("is in the way, and not a file that a run has left");
+}
+
+TEST_F(PartialFileTest, ItStaysInTheFolderThatWasNamed) {
+  const fs::path other = root / "other";
+  fs::create_directory(other);
+  std::ofstream(other / "out.partial") << "other";
+  for (const bool isCompleted : {true, false}) {
+    PartialFile file(name, Leftover::kReplaced);
+    file.output().text() = "text";
+    file.output().flush();
+    fs::rename(folder, root / "moved");
+    fs::create_directory_symlink(other, folder);
+    if (isCompleted) file.complete();
+    EXPECT_EQ(read(root / "moved" / "out"), isCompleted ? "text" : "");
+    fs::remove(folder);
+    fs::rename(root / "moved", folder);
+    fs::remove(name);
+  }
+  EXPECT_FALSE(fs::exists(folder / "out.partial"));
+  EXPECT_EQ(read(other / "out.partial"), "other");
+  EXPECT_FALSE(fs::exists(other / "out"));
+}
+
+TEST_F(PartialFileTest, ALinkThatIsNamedIsFollowedOnce) {
+  fs::create_symlink(victim, name);
+  PartialFile file(name, Leftover::kReplaced);
+  file.output().text() = "text";
+  // What it leads to later does not count.
+  fs::remove(name);
+  fs::create_symlink(root / "later", name);
+  file.complete();
+  EXPECT_EQ(read(victim), "text");
+  EXPECT_FALSE(fs::exists(root / "later"));
+  EXPECT_TRUE(fs::is_symlink(name));
+}
+
+}  // namespace
