@@ -74,24 +74,65 @@ function(quenlith_add_test name)
   add_test(NAME ${name} COMMAND ${name} "--gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${name}.xml")
 endfunction()
 
-# quenlith_add_fuzzer(NAME SOURCES ... [LINK ...])
+# quenlith_add_fuzzers(NAME TARGETS target... SOURCES ... TABLE file [LINK ...])
 #
-# Defines one fuzz target: sources that define LLVMFuzzerTestOneInput, and a folder `corpus/NAME`
-# next to them. With QUENLITH_FUZZ, libFuzzer drives it and its test is a short run that starts from the
-# corpus; otherwise its test replays every file of the corpus.
-function(quenlith_add_fuzzer name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
-  set(corpus "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")
-  add_executable(${name} ${arg_SOURCES})
-  target_link_libraries(${name} PRIVATE quenlith_warnings ${arg_LINK})
-  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+# Defines fuzz targets that share their sources and libraries. The function of the target `one` is
+# quenlith::fuzz::checkOne (tests/fuzz/targets.hpp); its corpus is the folder corpus/one.
+#
+# With QUENLITH_FUZZ, libFuzzer drives each target in a program one_fuzz, whose test is a short run that
+# starts from the corpus; the target `fuzzers` builds all of them. Otherwise the program NAME, with the table
+# of the targets in the source TABLE, replays every file of their corpora as one test.
+function(quenlith_add_fuzzers name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TABLE" "TARGETS;SOURCES;LINK")
+  if(NOT QUENLITH_FUZZ)
+    add_executable(${name} ${arg_SOURCES} ${arg_TABLE} replayCorpus.cpp)
+    # GoogleTest is in the precompiled headers.
+    quenlith_configure_fuzzer(${name} ${arg_LINK} GTest::gtest GTest::gmock)
+    target_compile_options(${name} PRIVATE ${QUENLITH_TEST_OPTIONS})
+    quenlith_precompile(${name} TEST)
+    add_test(NAME ${name} COMMAND ${name} "${CMAKE_CURRENT_SOURCE_DIR}/corpus")
+    return()
+  endif()
+  add_library(${name}_targets STATIC ${arg_SOURCES})
+  quenlith_configure_fuzzer(${name}_targets ${arg_LINK})
+  # Only the sources that a target needs are part of its program.
+  set_target_properties(${name}_targets PROPERTIES UNITY_BUILD OFF)
+  foreach(target IN LISTS arg_TARGETS)
+    quenlith_add_fuzz_program(${target} ${name}_targets)
+  endforeach()
+endfunction()
+
+function(quenlith_configure_fuzzer program) # LINK...
+  target_link_libraries(${program} PRIVATE quenlith_warnings ${ARGN})
+  target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+endfunction()
+
+function(quenlith_add_fuzz_program target library)
+  set(program ${target}_fuzz)
+  string(SUBSTRING ${target} 0 1 initial)
+  string(SUBSTRING ${target} 1 -1 others)
+  string(TOUPPER ${initial} initial)
+  add_executable(${program} fuzzTarget.cpp)
+  quenlith_configure_fuzzer(${program} ${library})
+  target_compile_definitions(${program} PRIVATE QUENLITH_FUZZ_TARGET=check${initial}${others})
+  # libFuzzer looks at the counters of every library after each input.
+  target_link_options(${program} PRIVATE -fsanitize=fuzzer -Wl,--as-needed)
+  if(NOT TARGET fuzzers)
+    add_custom_target(fuzzers)
+  endif()
+  add_dependencies(fuzzers ${program})
+  add_test(NAME ${program}
+    COMMAND "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/scripts/lib/fuzz.py" "${CMAKE_BINARY_DIR}"
+      "${CMAKE_CURRENT_SOURCE_DIR}" 30 ${target})
+endfunction()
+
+# quenlith_compile_twin(SOURCE...)
+#
+# Compiles sources of the calling folder for speed, and without sanitizers, in a fuzz build. They contain only
+# independent implementations, with which fuzz targets compare the real ones: what is to be found is in those.
+# They must not call inline functions of the model, which do more when a sanitizer looks at its blocks.
+function(quenlith_compile_twin)
   if(QUENLITH_FUZZ)
-    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
-    set(found "${CMAKE_BINARY_DIR}/corpus/${name}")
-    file(MAKE_DIRECTORY "${found}")
-    add_test(NAME ${name} COMMAND ${name} -max_total_time=30 "${found}" "${corpus}")
-  else()
-    target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests/fuzz/replayCorpus.cpp")
-    add_test(NAME ${name} COMMAND ${name} "${corpus}")
+    set_property(SOURCE ${ARGN} APPEND PROPERTY COMPILE_OPTIONS -O2 -fno-sanitize=all)
   endif()
 endfunction()

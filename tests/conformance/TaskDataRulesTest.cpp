@@ -9,7 +9,7 @@ namespace {
 // The task data of a header whose appendix entry has `data`.
 TaskRecord taskWith(const ustring& data) {
   TaskHost host;
-  host.world.setAppendix({Marker(u"%<@task#a " + data + u">")});
+  host.world.setAppendix({u"%<@task#a " + data + u">"});
   host.parse(u"x # <@task#a>", 0, blockOf({u"a"}));
   return host.taskAt(0);
 }
@@ -73,7 +73,7 @@ TEST(TaskDataRules, EachKeySetsOneField) {
 
 TEST(TaskDataRules, TheMessagesOfAHeaderComeInOrderAndShowTheIdOfTheAppendix) {
   TaskHost host;
-  host.world.setAppendix({Marker(u"%<@task#a {\"uniqueId\":\"u\u00e9\"}>")});
+  host.world.setAppendix({u"%<@task#a {\"uniqueId\":\"u\u00e9\"}>"});
   host.parse(u"x # <@task#a> # <@text:anchor#t>", 0, blockOf({u"a"}));
   EXPECT_EQ(host.takeMessages(),
             (std::vector<std::string>{
@@ -86,7 +86,7 @@ TEST(TaskDataRules, TheMessagesOfAHeaderComeInOrderAndShowTheIdOfTheAppendix) {
 
 TEST(TaskDataRules, ClosingKeepsTheChangesOfTheHost) {
   TaskHost host;
-  host.world.setAppendix({Marker(u"%<@task#a {\"uniqueId\":\"u\",\"view\":\"old\"}>")});
+  host.world.setAppendix({u"%<@task#a {\"uniqueId\":\"u\",\"view\":\"old\"}>"});
   host.parse(u"x # <@task#a>", 0, blockOf({u"a"}));
   const auto header = host.document->getChildAt(0);
   const auto task =

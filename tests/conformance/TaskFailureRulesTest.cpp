@@ -43,19 +43,18 @@ TEST(TaskFailureRules, ThePartnerOfAnOverlappingMarkerFailsUntilReset) {
 }
 
 TEST(TaskFailureRules, AFailureCarriesTheWholeEntryUnchanged) {
-  const Marker entry(
+  const ustring entry =
       u"%<@task#a "
       u"{\"uniqueId\":\"u\",\"n\":null,\"d\":1.0,\"i\":-1,\"l\":[true,{\"x\":\"\u00e9\"}],"
-      u"\"big\":18446744073709551615}>");
-  ASSERT_EQ(entry.getData().size(), 6U);
+      u"\"big\":18446744073709551615}>";
+  const JsonMap data = Marker(entry).getData();
+  ASSERT_EQ(data.size(), 6U);
   TaskHost host;
   host.world.setAppendix({entry});
   host.parse(u"# <@task#a>", 0);
   host.parse(u"# <@task#a>", 3);
-  EXPECT_EQ(host.nodes().at(0).failures.at(0),
-            failureOf(u"missing_task_marker_pair", u"a", entry.getData()));
-  EXPECT_EQ(host.nodes().at(1).failures.at(0),
-            failureOf(u"overlapping_task_marker", u"a", entry.getData()));
+  EXPECT_EQ(host.nodes().at(0).failures.at(0), failureOf(u"missing_task_marker_pair", u"a", data));
+  EXPECT_EQ(host.nodes().at(1).failures.at(0), failureOf(u"overlapping_task_marker", u"a", data));
 }
 
 TEST(TaskFailureRules, FailuresAreBuiltAfterTheLineIsParsed) {

@@ -213,7 +213,7 @@ class Lists(unittest.TestCase):
         for folder, names in nearest.items():
             self.assertTrue((SOURCE / folder).is_dir(), folder)
             for name, _ in names:
-                self.assertRegex(tests, rf"(quenlith_add_(test|fuzzer)\(|NAME ){name}\b")
+                self.assertRegex(tests, rf"(quenlith_add_(test|fuzzers)\(|NAME ){name}\b")
 
 
 if __name__ == "__main__":

@@ -1,6 +1,9 @@
 """scripts_test.py SOURCE TESSERA: tests the total of test reports, what the lint checks, and commands in scripts/
 that cannot build or say how to begin."""
 
+import contextlib
+import io
+import json
 import pathlib
 import re
 import shlex
@@ -14,6 +17,7 @@ SOURCE, TESSERA = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3
 SCRIPTS = SOURCE / "scripts"
 sys.path.insert(0, str(SCRIPTS / "lib"))
 
+import all_tests  # noqa: E402
 import lint  # noqa: E402
 
 CTEST = """<testsuite>
@@ -94,6 +98,155 @@ class Scripts(unittest.TestCase):
             for page in ("README.md", "docs/options.md"):
                 shown = re.search(rf"\S*{page}", done.stderr)[0]
                 self.assertTrue((cwd / shown).is_file(), shown)
+
+
+class AllTests(unittest.TestCase):
+    """`scripts/test --all`, with other parts: the real ones take hours."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def run_parts(self, **commands):
+        """Returns the exit status and the lines printed."""
+        output = io.StringIO()
+        with contextlib.redirect_stdout(output):
+            parts = [all_tests.Part(name, command) for name, command in commands.items()]
+            status = all_tests.run_all(parts, self.folder, self.folder / "logs")
+        return status, output.getvalue().splitlines()
+
+    def test_a_part_that_fails_does_not_end_the_run(self):
+        status, lines = self.run_parts(first="echo text; echo 3 passed, 1 failed, 2 skipped; exit 1", second="exit 7",
+                                       third="echo 5 passed, 0 failed, 1 skipped", fourth="echo done >&2")
+        self.assertEqual((status, lines[-1]), (1, "9 passed, 2 failed, 3 skipped"))
+        rows = [line.split() for line in lines if re.match(r"\w+ +\d+:\d\d:\d\d  ", line)]
+        self.assertEqual([[row[0], *row[2:]] for row in rows],
+                         [["first", "3", "passed,", "1", "failed,", "2", "skipped"], ["second", "0", "passed,", "1", "failed,", "0", "skipped"],
+                          ["third", "5", "passed,", "0", "failed,", "1", "skipped"], ["fourth", "1", "passed,", "0", "failed,", "0", "skipped"]])
+        self.assertIn("text", lines)
+        self.assertEqual((self.folder / "logs" / "fourth.log").read_text(), "done\n")
+
+    def test_parts_that_pass_give_status_0(self):
+        status, lines = self.run_parts(one="true", two="echo 4 passed, 0 failed, 0 skipped")
+        self.assertEqual((status, lines[-1]), (0, "5 passed, 0 failed, 0 skipped"))
+        self.assertIn("not run: scripts/mutate (run it for the folders that changed)", lines)
+
+    def test_a_part_that_fails_after_its_total_is_a_failure(self):
+        status, lines = self.run_parts(one="echo 4 passed, 0 failed, 0 skipped; exit 3")
+        self.assertEqual((status, lines[-1]), (1, "4 passed, 1 failed, 0 skipped"))
+
+    def test_the_time_is_in_hours_minutes_and_seconds(self):
+        row = all_tests.Result(all_tests.Part("one", ""), 3723.6, 1, 0, 0).row()
+        self.assertIn("  1:02:04  1 passed", row)
+
+    def list(self, *arguments):
+        return subprocess.run([SCRIPTS / "test", "--all", "--list", *arguments], cwd=self.folder, capture_output=True, text=True,
+                              timeout=60)
+
+    def test_every_part_is_something_that_exists(self):
+        listed = dict(line.split(maxsplit=1) for line in self.list().stdout.splitlines())
+        self.assertEqual(listed, {part.name: part.command for part in all_tests.make_parts()})
+        presets = {preset["name"] for preset in json.loads((SOURCE / "CMakePresets.json").read_text())["testPresets"]}
+        tests = "".join(path.read_text(errors="replace") for path in SOURCE.joinpath("tests").rglob("*")
+                        if path.suffix in (".py", ".cpp", ".hpp", ".txt"))
+        for command in listed.values():
+            *settings, program = re.match(r"((?:[A-Z_]+=\S+ )*)(.*)", command).groups()
+            for name in re.findall(r"([A-Z_]+)=", settings[0]):
+                self.assertTrue(name in tests or name == "TEST_TIMEOUT", name)
+            for word in shlex.split(program.replace("&&", " ")):
+                if "/" in word and not word.startswith("build/"):
+                    self.assertTrue((SOURCE / word).exists(), word)
+                if program.startswith("scripts/test ") and not word.startswith("scripts/"):
+                    self.assertIn(word.partition(":")[0], presets)
+        for name in all_tests.LEFT_OUT:
+            self.assertTrue((SOURCE / name).exists(), name)
+
+    def test_parts_can_be_chosen(self):
+        self.assertEqual([line.split()[0] for line in self.list("kills", "faults").stdout.splitlines()], ["faults", "kills"])
+        done = self.list("nonsense")
+        self.assertEqual((done.returncode, done.stdout), (2, ""))
+        self.assertIn("no part 'nonsense'; the parts are random,", done.stderr)
+
+
+# Writes what libFuzzer writes; the input "bad" of its corpus ends it.
+FUZZER = """#!/bin/sh
+echo "INFO: Loaded 1 modules   (200 inline 8-bit counters): 200 [0x1, 0x2)," >&2
+for last; do :; done
+echo "$@" >&2
+echo "#8 INITED cov: 11 ft: 12 corp: 3/45b exec/s: 0 rss: 30Mb" >&2
+if [ -e "$last/bad" ]; then
+  echo "Test unit written to crashes/crash-1" >&2
+  exit 77
+fi
+echo "#4000 DONE cov: 31 ft: 1042 corp: 5/67b lim: 8 exec/s: 2000 rss: 31Mb" >&2
+echo "Done 4000 runs in 2 second(s)" >&2
+"""
+
+
+class Fuzz(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.build, self.tests = (pathlib.Path(folder.name).resolve() / name for name in ("build", "tests"))
+        (self.build / "bin").mkdir(parents=True)
+        for target in ("one", "two"):
+            program = self.build / "bin" / f"{target}_fuzz"
+            program.write_text(FUZZER)
+            program.chmod(0o755)
+            (self.tests / "corpus" / target).mkdir(parents=True)
+        (self.tests / "options").write_text("# Options.\none -max_len=5 -dict=words\ntwo\n")
+
+    def fuzz(self, *arguments):
+        done = subprocess.run([sys.executable, SCRIPTS / "lib" / "fuzz.py", self.build, self.tests, *arguments],
+                              capture_output=True, text=True, timeout=60)
+        return done.returncode, done.stdout.splitlines()
+
+    def test_every_target_has_a_row(self):
+        status, rows = self.fuzz("2")
+        self.assertEqual(status, 0)
+        for name, row in zip(("one", "two"), rows[1:3]):
+            self.assertRegex(row, rf"^{name} +4,000 +[\d,]+ +31 of 200 +1,042 +5$")
+        self.assertEqual(rows[-1], "8,000 executions of 2 targets, 0 failed")
+
+    def test_a_failure_is_told_with_its_input(self):
+        (self.tests / "corpus" / "two" / "bad").touch()
+        status, rows = self.fuzz("2")
+        self.assertEqual(status, 1)
+        self.assertRegex(rows[2], r"^two +8 +[\d,]+ +11 of 200 +12 +3  FAILED$")
+        self.assertIn(f"to repeat it: {self.build}/bin/two_fuzz crashes/crash-1", rows)
+        self.assertEqual(rows[-1], "4,008 executions of 2 targets, 1 failed")
+
+    def test_a_target_that_cannot_run_is_a_failure(self):
+        (self.build / "bin" / "one_fuzz").write_text("#!/bin/sh\nexit 1\n")
+        self.assertEqual(self.fuzz("2", "one")[0], 1)
+
+    def test_a_target_gets_its_options_and_both_corpora(self):
+        self.fuzz("3", "one")
+        log = (self.build / "logs" / "one.log").read_text()
+        for option in ("-max_total_time=3", "-max_len=5", f"-dict={self.tests}/dictionaries/words",
+                       f"{self.build}/corpus/one {self.tests}/corpus/one"):
+            self.assertIn(option, log)
+        self.assertFalse((self.build / "logs" / "two.log").exists())
+
+    def test_needs_a_time_and_targets_that_exist(self):
+        for arguments, message in ((["soon"], "usage: scripts/fuzz"), (["0"], "usage: scripts/fuzz"),
+                                   (["--fast", "x"], "usage: scripts/fuzz"),
+                                   (["5", "nothing"], 'there is no target "nothing"; the targets are: ')):
+            done = subprocess.run([SCRIPTS / "fuzz", *arguments], capture_output=True, text=True, timeout=60)
+            self.assertEqual((done.returncode, done.stdout), (1, ""))
+            self.assertIn(message, done.stderr)
+
+    def test_every_target_has_a_corpus_options_and_a_row_in_its_page(self):
+        tests = SOURCE / "tests" / "fuzz"
+        lists = re.findall(r"TARGETS ([a-z ]+)\n", (tests / "CMakeLists.txt").read_text())
+        targets = sorted(" ".join(lists).split())
+        self.assertEqual(targets, sorted(path.name for path in (tests / "corpus").iterdir()))
+        self.assertEqual(targets, sorted(re.findall(r"^(\w+)", (tests / "options").read_text(), re.MULTILINE)))
+        page = (SOURCE / "docs" / "fuzzing.md").read_text()
+        self.assertEqual(targets, sorted(re.findall(r"^\| `(\w+)` \|", page, re.MULTILINE)))
+        for dictionary in re.findall(r"-dict=(\w+)", (tests / "options").read_text()):
+            self.assertTrue((tests / "dictionaries" / dictionary).is_file(), dictionary)
 
 
 class Lint(unittest.TestCase):

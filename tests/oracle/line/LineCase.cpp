@@ -66,8 +66,9 @@ LineCase randomLineCase(Random& random) {
   return lineCase;
 }
 
-Outcome runTwin(const LineCase& lineCase, std::vector<LineFacts>& facts) {
-  World world(lineCase.plan);
+namespace {
+
+Outcome runTwinIn(World& world, const LineCase& lineCase, std::vector<LineFacts>& facts) {
   LineTwin twin(world);
   Outcome outcome;
   for (const ustring& line : lineCase.lines) {
@@ -80,6 +81,20 @@ Outcome runTwin(const LineCase& lineCase, std::vector<LineFacts>& facts) {
   }
   outcome.trace = world.getTrace();
   return outcome;
+}
+
+}  // namespace
+
+Outcome runTwin(const LineCase& lineCase, std::vector<LineFacts>& facts) {
+  World world(lineCase.plan);
+  return runTwinIn(world, lineCase, facts);
+}
+
+std::size_t countCalls(const LineCase& lineCase) {
+  World world(lineCase.plan);
+  std::vector<LineFacts> facts;
+  runTwinIn(world, lineCase, facts);
+  return world.callCount();
 }
 
 Outcome runReal(const LineCase& lineCase) {

@@ -31,6 +31,9 @@ LineCase randomLineCase(Random& random);
 Outcome runTwin(const LineCase& lineCase, std::vector<LineFacts>& facts);
 Outcome runReal(const LineCase& lineCase);
 
+/// Returns how often the twin calls services and logs.
+std::size_t countCalls(const LineCase& lineCase);
+
 /// Returns whether the twin and the real parser have the same outcome.
 bool agree(const LineCase& lineCase);
 

@@ -14,6 +14,8 @@ namespace {
 constexpr std::size_t kCases = 110'000;
 constexpr std::size_t kLeastLines = 200'000;
 constexpr std::size_t kLeast = 1'000;
+// Each one is run for every call of a service. A whole run lets it fail in all ways.
+constexpr std::size_t kFaultCases = 400;
 
 struct FactRow {
   const char* name;
@@ -83,6 +85,37 @@ TEST(LineOracle, RandomLinesAgreeWithTheTwin) {
   }
   std::cout << tally;
   for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
+}
+
+/// Lets every call of a service throw while a line is parsed, and while it is parsed again.
+bool runFaults(const RunSettings& settings, std::size_t number) {
+  Random random(settings.seedOf(number));
+  LineCase lineCase = randomLineCase(random);
+  lineCase.plan.logging = true;
+  lineCase.lines = {lineCase.lines.front(), lineCase.lines.front()};
+  const std::size_t calls = countCalls(lineCase);
+  const bool isWhole = settings.cases >= settings.wholeCases;
+  for (std::size_t call = 0; call < calls; ++call) {
+    for (std::size_t way = 0; way < kWaysToFail; ++way) {
+      if (!isWhole && way != (number + call) % kWaysToFail) continue;
+      planFailure(lineCase.plan, call, way);
+      if (agree(lineCase)) continue;
+      ADD_FAILURE() << settings.repeatHint(number) << ", call " << call << '\n' << report(lineCase);
+      return false;
+    }
+  }
+  return true;
+}
+
+TEST(LineOracle, LinesInWhichAServiceThrowsAgreeWithTheTwin) {
+  const RunSettings settings = RunSettings::fromEnvironment(kFaultCases);
+  if (settings.only) {
+    runFaults(settings, *settings.only);
+    return;
+  }
+  for (std::size_t number = 0; number < settings.cases; ++number) {
+    if (!runFaults(settings, number)) return;
+  }
 }
 
 }  // namespace

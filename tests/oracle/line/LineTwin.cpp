@@ -11,37 +11,37 @@ namespace quenlith::oracle {
 
 namespace {
 
-bool isControl(const Marker& marker) {
-  return marker.getElement() == u"control";
+bool isControl(const PlainMarker& marker) {
+  return marker.element == u"control";
 }
-bool isOutput(const Marker& marker) {
-  return marker.getElement() == u"output";
+bool isOutput(const PlainMarker& marker) {
+  return marker.element == u"output";
 }
-bool isTask(const Marker& marker) {
-  return marker.getElement() == u"task";
+bool isTask(const PlainMarker& marker) {
+  return marker.element == u"task";
 }
-bool isTextAnchor(const Marker& marker) {
-  return marker.getElement() == u"text" && marker.getType() == u"anchor";
-}
-
-void recordFeatures(const Marker& marker, MarkerTypes& types) {
-  if (isControl(marker)) types.insert(Marker(u"control").toString());
-  if (isOutput(marker)) types.insert(Marker(u"output").toString());
-  if (isTask(marker)) types.insert(Marker(u"task").toString());
-  if (isTextAnchor(marker)) types.insert(Marker(u"text").toString());
+bool isTextAnchor(const PlainMarker& marker) {
+  return marker.element == u"text" && marker.type == u"anchor";
 }
 
-bool lists(const std::vector<MarkerInfo>& infos, const Marker& marker) {
+void recordFeatures(const PlainMarker& marker, MarkerTypes& types) {
+  if (isControl(marker)) types.insert(u"%<@control>");
+  if (isOutput(marker)) types.insert(u"%<@output>");
+  if (isTask(marker)) types.insert(u"%<@task>");
+  if (isTextAnchor(marker)) types.insert(u"%<@text>");
+}
+
+bool lists(const std::vector<TwinMarker>& infos, const PlainMarker& marker) {
   return std::any_of(infos.begin(), infos.end(),
-                     [&](const MarkerInfo& info) { return haveEqualParts(info.marker, marker); });
+                     [&](const PlainMarker& other) { return other == marker; });
 }
 
-bool isSubset(const std::vector<MarkerInfo>& part, const std::vector<MarkerInfo>& whole) {
+bool isSubset(const std::vector<TwinMarker>& part, const std::vector<TwinMarker>& whole) {
   return std::all_of(part.begin(), part.end(),
-                     [&](const MarkerInfo& info) { return lists(whole, info.marker); });
+                     [&](const TwinMarker& info) { return lists(whole, info); });
 }
 
-void noteNormalising(const ustring& line, const std::vector<MarkerInfo>& after, LineFacts& facts) {
+void noteNormalising(const ustring& line, const std::vector<TwinMarker>& after, LineFacts& facts) {
   if (line.find(u"%%\\") == ustring::npos) return;
   const auto before = scanLiterally(line);
   facts.normalisingMakesMarker = !isSubset(after, before);
@@ -54,8 +54,8 @@ void LineTwin::parseLine(DocumentRecord& document, const ustring& text, MarkerTy
   facts = {};
   world.log("In LineNodeParserService");
   lineNode = NodeRecord::of(NodeKind::kLine);
-  world.note("getLineContributorDataParsers");
-  world.note("getCodeElementParsers");
+  world.noteCall("getLineContributorDataParsers");
+  world.noteCall("getCodeElementParsers");
   if (text.empty()) {
     appendDefault(text);
   } else {
@@ -67,14 +67,14 @@ void LineTwin::parseLine(DocumentRecord& document, const ustring& text, MarkerTy
 void LineTwin::parseMarkedLine(const ustring& line, MarkerTypes& types) {
   normalised = normalise(line);
   markers = scanLiterally(normalised);
+  facts.markers = markers.size();
   noteNormalising(line, markers, facts);
-  hasTask = std::any_of(markers.begin(), markers.end(),
-                        [](const MarkerInfo& info) { return isTask(info.marker); });
+  hasTask = std::any_of(markers.begin(), markers.end(), isTask);
   slots.assign(fl::i18n::twin::encodeUtf8(normalised).size(), Slot{});
   validRanges.clear();
-  for (const MarkerInfo& info : markers) {
-    recordFeatures(info.marker, types);
-    if (isHandled(info.marker)) {
+  for (const TwinMarker& info : markers) {
+    recordFeatures(info, types);
+    if (isHandled(info)) {
       visitMarker(info);
     } else {
       facts.unhandledMarker = true;
@@ -83,23 +83,23 @@ void LineTwin::parseMarkedLine(const ustring& line, MarkerTypes& types) {
   appendPieces(cutIntoPieces());
 }
 
-void LineTwin::visitMarker(const MarkerInfo& info) {
+void LineTwin::visitMarker(const TwinMarker& info) {
   if (info.range) checkPosition(info);
   for (std::uint64_t i = info.position; i < info.position + info.length; ++i) {
     slots.at(i) = Slot{true, &info};
   }
-  if (isTextAnchor(info.marker)) setAnchor(info.marker);
-  addContributions(info.marker);
+  if (isTextAnchor(info)) setAnchor(info);
+  addContributions(info);
 }
 
-bool LineTwin::isHandled(const Marker& marker) {
+bool LineTwin::isHandled(const PlainMarker& marker) {
   for (std::size_t parser = 0; parser < world.defaultParser(); ++parser) {
     if (world.canParse(parser, marker)) return true;
   }
   return isOutput(marker) || isTask(marker) || isTextAnchor(marker);
 }
 
-void LineTwin::checkPosition(const MarkerInfo& info) {
+void LineTwin::checkPosition(const TwinMarker& info) {
   const Range range = *info.range;
   facts.saturatedRange |= range.second == std::numeric_limits<std::uint64_t>::max();
   if (!isValidPosition(range)) {
@@ -120,10 +120,10 @@ bool LineTwin::isValidPosition(Range range) {
     return false;
   }
   return std::none_of(markers.begin(), markers.end(),
-                      [&](const MarkerInfo& record) { return conflicts(record, range); });
+                      [&](const TwinMarker& record) { return conflicts(record, range); });
 }
 
-bool LineTwin::conflicts(const MarkerInfo& record, Range range) {
+bool LineTwin::conflicts(const TwinMarker& record, Range range) {
   const std::uint64_t begin = record.position;
   const std::uint64_t end = record.position + record.length;
   if (begin <= range.first && range.first <= end) {
@@ -141,14 +141,14 @@ bool LineTwin::conflicts(const MarkerInfo& record, Range range) {
   return false;
 }
 
-void LineTwin::addPositionFailure(const MarkerInfo& info) {
+void LineTwin::addPositionFailure(const TwinMarker& info) {
   using foundation::json::Value;
   world.log("Building a bad position parser failure");
   FailureRecord failure;
   failure.failureId = u"invalid_position_data";
-  failure.featureId = info.marker.getElement();
-  failure.subFeatureId = info.marker.getType();
-  failure.markerId = info.marker.getId();
+  failure.featureId = info.element;
+  failure.subFeatureId = info.type;
+  failure.markerId = info.id;
   failure.data["position"] =
       Value(std::vector<Value>{Value(static_cast<double>(info.range->first)),
                                Value(static_cast<double>(info.range->second))});
@@ -157,24 +157,24 @@ void LineTwin::addPositionFailure(const MarkerInfo& info) {
   facts.equalFailures |= lineNode.failures.size() == before;
 }
 
-void LineTwin::setAnchor(const Marker& marker) {
-  if (marker.getId().empty()) return;
+void LineTwin::setAnchor(const PlainMarker& marker) {
+  if (marker.id.empty()) return;
   if (hasTask) {
     facts.anchorOnTaskLine = true;
     return;
   }
   facts.anchorSet = true;
   world.log("Setting anchor id on the line node");
-  lineNode.anchorId = marker.getId();
+  lineNode.anchorId = marker.id;
 }
 
-void LineTwin::addContributions(const Marker& marker) {
+void LineTwin::addContributions(const PlainMarker& marker) {
   for (std::size_t parser = 0; parser < world.getPlan().contributorParsers.size(); ++parser) {
     if (world.isApplicable(parser, marker)) addContribution(parser, marker);
   }
 }
 
-void LineTwin::addContribution(std::size_t parser, const Marker& marker) {
+void LineTwin::addContribution(std::size_t parser, const PlainMarker& marker) {
   facts.contribution = true;
   world.log("Found an applicable line contributor data parser");
   const Contribution contribution = world.contribute(parser, marker);
@@ -202,7 +202,7 @@ std::vector<LineTwin::Piece> LineTwin::cutIntoPieces() const {
   }
   std::vector<Piece> pieces;
   for (const Run& run : kept) {
-    const MarkerInfo* owner = run.front().slot.owner;
+    const TwinMarker* owner = run.front().slot.owner;
     if (pieces.empty() || pieces.back().owner != owner) pieces.push_back({{}, owner});
     for (const Unit& unit : run) pieces.back().text += unit.unit;
   }
@@ -225,7 +225,7 @@ void LineTwin::appendPieces(const std::vector<Piece>& pieces) {
 }
 
 void LineTwin::appendOwnedPiece(const Piece& piece) {
-  const Marker& marker = piece.owner->marker;
+  const PlainMarker& marker = *piece.owner;
   for (std::size_t parser = 0; parser < world.defaultParser(); ++parser) {
     if (!world.canParse(parser, marker)) continue;
     append(world.parsePiece(parser, piece.text, marker, piece.owner->range));
@@ -246,9 +246,9 @@ void LineTwin::append(const PieceResult& result) {
   lineNode.children.push_back(NodeRecord::plainText(result.text));
 }
 
-void LineTwin::noteRangePairs(const MarkerInfo& info) {
+void LineTwin::noteRangePairs(const TwinMarker& info) {
   facts.validRange = true;
-  for (const MarkerInfo* other : validRanges) {
+  for (const TwinMarker* other : validRanges) {
     const auto [begin, end] = *info.range;
     const auto [otherBegin, otherEnd] = *other->range;
     const bool common = begin < otherEnd && otherBegin < end;
@@ -256,7 +256,7 @@ void LineTwin::noteRangePairs(const MarkerInfo& info) {
     const bool outside = begin <= otherBegin && otherEnd <= end;
     facts.rangeInsideAnother |= inside || outside;
     facts.rangesOverlap |= common && !inside && !outside;
-    facts.equalMarkersWithRanges |= haveEqualParts(other->marker, info.marker);
+    facts.equalMarkersWithRanges |= static_cast<const PlainMarker&>(*other) == info;
   }
   validRanges.push_back(&info);
 }

@@ -4,16 +4,16 @@
 #include <stdexcept>
 #include <vector>
 
+#include "oracle/markers/MarkerTwin.hpp"
 #include "oracle/support/World.hpp"
-#include "quenlith/build/markup/core/MarkerInfo.hpp"
 
 namespace quenlith::oracle {
 
-using build::markup::core::MarkerInfo;
 using MarkerTypes = std::set<ustring>;
 
 /// The features of one line that a run counts, to show that its cases cover them.
 struct LineFacts {
+  std::size_t markers = 0;
   bool validRange = false;
   bool beginNotBeforeEnd = false;
   bool endBeyondLine = false;
@@ -58,7 +58,7 @@ class LineTwin {
  private:
   struct Slot {
     bool isMarkerText = false;
-    const MarkerInfo* owner = nullptr;
+    const TwinMarker* owner = nullptr;
 
     friend bool operator==(const Slot&, const Slot&) = default;
   };
@@ -69,19 +69,19 @@ class LineTwin {
   using Run = std::vector<Unit>;
   struct Piece {
     ustring text;
-    const MarkerInfo* owner = nullptr;
+    const TwinMarker* owner = nullptr;
   };
 
   void parseMarkedLine(const ustring& line, MarkerTypes& types);
-  void visitMarker(const MarkerInfo& info);
-  bool isHandled(const Marker& marker);
-  void checkPosition(const MarkerInfo& info);
+  void visitMarker(const TwinMarker& info);
+  bool isHandled(const PlainMarker& marker);
+  void checkPosition(const TwinMarker& info);
   bool isValidPosition(Range range);
-  bool conflicts(const MarkerInfo& record, Range range);
-  void addPositionFailure(const MarkerInfo& info);
-  void setAnchor(const Marker& marker);
-  void addContributions(const Marker& marker);
-  void addContribution(std::size_t parser, const Marker& marker);
+  bool conflicts(const TwinMarker& record, Range range);
+  void addPositionFailure(const TwinMarker& info);
+  void setAnchor(const PlainMarker& marker);
+  void addContributions(const PlainMarker& marker);
+  void addContribution(std::size_t parser, const PlainMarker& marker);
 
   std::vector<Unit> pairUnitsWithSlots() const;
   std::vector<Piece> cutIntoPieces() const;
@@ -89,15 +89,15 @@ class LineTwin {
   void appendOwnedPiece(const Piece& piece);
   void appendDefault(const ustring& text);
   void append(const PieceResult& result);
-  void noteRangePairs(const MarkerInfo& info);
+  void noteRangePairs(const TwinMarker& info);
 
   World& world;
   LineFacts facts;
   NodeRecord lineNode;
   ustring normalised;
-  std::vector<MarkerInfo> markers;
+  std::vector<TwinMarker> markers;
   std::vector<Slot> slots;
-  std::vector<const MarkerInfo*> validRanges;
+  std::vector<const TwinMarker*> validRanges;
   bool hasTask = false;
 };
 

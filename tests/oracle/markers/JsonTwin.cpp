@@ -52,8 +52,11 @@ std::optional<char16_t> escapedUnit(std::u16string_view text, std::size_t at) {
 // number with the digits of its double to `digits`; returns 0 if there is none.
 std::size_t readScaledNumber(std::u16string_view text, std::string& digits) {
   const std::size_t end = std::min(text.find_first_not_of(u"0.eE+-123456789"), text.size());
+  if (end == 0) return 0;
   static const std::regex kScaled("-?(0|[1-9][0-9]*)(\\.[0-9]+)?[eE][-+]?[0-9]+");
   const std::string literal(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end));
+  // Most literals have none, and the expression takes long.
+  if (literal.find_first_of("eE") == literal.npos) return 0;
   if (!std::regex_match(literal, kScaled)) return 0;
   const double value = std::strtod(literal.c_str(), nullptr);
   if (!std::isfinite(value)) return 0;

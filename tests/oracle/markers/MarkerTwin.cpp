@@ -33,10 +33,10 @@ constexpr std::array<Comment, 10> kComments{{{u"", u'%', 1, kAnyNumber, u""},
                                              {u"<!", u'-', 2, kAnyNumber, u">"},
                                              {u"{", u'-', 1, 1, u"}"}}};
 
-bool isNameUnit(char16_t unit) {
-  constexpr std::u16string_view kNames =
-      u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
-  return unit >= 0x80 || kNames.find(unit) != kNames.npos;
+// Returns whether a leader or an opener can begin with `unit`.
+bool canBegin(char16_t unit) {
+  constexpr std::u16string_view kFirstUnits = u"%#;!/-(<{Rr";
+  return kFirstUnits.find(unit) != kFirstUnits.npos;
 }
 
 // One attempt to read a marker. `at` is the position after the text read so far, and each rule of
@@ -90,8 +90,9 @@ class Attempt {
   }
 
   bool remark() {
+    if (!word(u"REM") && !word(u"rem")) return false;
     const bool isInName = start > floor && isNameUnit(text[start - 1]);
-    return !isInName && (word(u"REM") || word(u"rem")) && blanks();
+    return !isInName && blanks();
   }
 
   // *blank follows. A leader is the whole run of its character, and not the end of an opener.
@@ -233,13 +234,15 @@ std::vector<TwinMarker> twinMarkers(std::u16string_view text, bool anyElement) {
   std::size_t at = 0;
   std::size_t floor = 0;
   while (at < text.size()) {
-    if (const auto marker = Attempt(text, floor, at, anyElement).run()) {
-      at += marker->length;
-      floor = at;
-      markers.push_back(*marker);
-    } else {
+    const auto marker =
+        canBegin(text[at]) ? Attempt(text, floor, at, anyElement).run() : std::nullopt;
+    if (!marker) {
       ++at;
+      continue;
     }
+    at += marker->length;
+    floor = at;
+    markers.push_back(*marker);
   }
   return markers;
 }

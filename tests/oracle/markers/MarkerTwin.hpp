@@ -8,19 +8,15 @@
 #include <utility>
 #include <vector>
 
-#include "quenlith/syntax/Marker.hpp"
+#include "PlainMarker.hpp"
 
 namespace quenlith::oracle {
 
-/// A marker as the twin finds it.
-struct TwinMarker {
+/// A marker as the twin finds it, with its position, length and range.
+struct TwinMarker : PlainMarker {
   std::size_t position = 0;
   std::size_t length = 0;
-  std::u16string element;
-  std::u16string type;
-  std::u16string id;
   std::optional<std::pair<std::uint64_t, std::uint64_t>> range;
-  syntax::Marker::Data data;
 };
 
 /// Finds markers by the grammar, literally: tries at every position of the text whether a marker

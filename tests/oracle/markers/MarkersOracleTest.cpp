@@ -9,29 +9,21 @@
 #include "RandomMarkers.hpp"
 #include "fl/i18n/ustring.hpp"
 #include "oracle/support/RunSettings.hpp"
+#include "oracle/support/compareScans.hpp"
 #include "quenlith/syntax/MarkerCandidate.hpp"
-#include "quenlith/syntax/markers.hpp"
 
 namespace quenlith::oracle {
 namespace {
 
 using fl::i18n::ustring;
 using fl::i18n::ustring_to_utf8;
-using syntax::Marker;
 using syntax::MarkerProblem;
-using syntax::core::MarkerInfo;
 
 constexpr std::size_t kTexts = 200'000;
 constexpr std::size_t kLeast = 1'000;
 
 bool isKnown(std::u16string_view element) {
   return element == u"control" || element == u"output" || element == u"task" || element == u"text";
-}
-
-bool agrees(const MarkerInfo& real, const TwinMarker& twin) {
-  return real.position == twin.position && real.length == twin.length && real.range == twin.range &&
-         real.marker.getElement() == twin.element && real.marker.getType() == twin.type &&
-         real.marker.getId() == twin.id && real.marker.getData() == twin.data;
 }
 
 // Counts how many of the random texts and markers have each feature.
@@ -102,49 +94,10 @@ class FeatureCounts {
   std::map<std::string, std::size_t> counts;
 };
 
-void compareScan(const ustring& text, bool anyElement, const std::vector<TwinMarker>& expected) {
-  const auto real = syntax::get_markers_from_snippet(text, anyElement);
-  ASSERT_EQ(real.size(), expected.size()) << ustring_to_utf8(text);
-  for (std::size_t index = 0; index < real.size(); ++index) {
-    ASSERT_TRUE(agrees(real[index], expected[index])) << ustring_to_utf8(text) << "\n" << index;
-    const Marker& marker = real[index].marker;
-    ASSERT_TRUE(Marker(marker.toString()) == marker) << ustring_to_utf8(marker.toString());
-    ASSERT_TRUE(Marker(text.substr(expected[index].position, expected[index].length)) == marker)
-        << ustring_to_utf8(text);
-  }
-}
-
-// The candidates without a problem are the markers.
-void compareCandidates(const ustring& text, const std::vector<TwinMarker>& known) {
-  auto marker = known.begin();
-  for (const auto& candidate : syntax::findMarkerCandidates(text)) {
-    if (candidate.problem != MarkerProblem::kNone) continue;
-    ASSERT_TRUE(marker != known.end()) << ustring_to_utf8(text);
-    ASSERT_EQ(candidate.position, marker->position) << ustring_to_utf8(text);
-    ASSERT_EQ(candidate.problemPosition, marker->position + marker->length)
-        << ustring_to_utf8(text);
-    ++marker;
-  }
-  ASSERT_TRUE(marker == known.end()) << ustring_to_utf8(text);
-}
-
-void compareFeatures(const ustring& text, const std::vector<TwinMarker>& known) {
-  for (const ustring element : {u"control", u"output", u"task", u"text", u"widget"}) {
-    bool expected = false;
-    for (const TwinMarker& marker : known) {
-      expected = expected || marker.element == element;
-    }
-    ASSERT_EQ(syntax::has_feature(text, element), expected) << ustring_to_utf8(text);
-  }
-}
-
 void compareText(const ustring& text, FeatureCounts& counts) {
   const auto known = twinMarkers(text, false);
   const auto any = twinMarkers(text, true);
-  compareScan(text, false, known);
-  compareScan(text, true, any);
-  compareFeatures(text, known);
-  compareCandidates(text, known);
+  EXPECT_EQ(compareScans(text, known, any), "");
   counts.count(text, known, any);
 }
 

@@ -26,6 +26,8 @@ std::string meaningOfException() {
     return missing ? "throws for want of a default parser" : "throws runtime_error " + text;
   } catch (const std::exception& error) {
     return std::string("throws exception ") + error.what();
+  } catch (int number) {
+    return "throws the number " + std::to_string(number);
   }
 }
 

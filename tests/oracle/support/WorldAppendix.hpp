@@ -1,6 +1,6 @@
 #pragma once
 
-#include "oracle/support/World.hpp"
+#include "oracle/support/services.hpp"
 #include "quenlith/shared/appendix/AppendixBuilder.hpp"
 
 namespace quenlith::oracle {
@@ -11,13 +11,16 @@ class WorldAppendix final : public shared::appendix::AppendixBuilder {
   /// Borrows `serviceWorld`.
   explicit WorldAppendix(World& serviceWorld) : world(serviceWorld) {}
 
-  void addEntry(const Marker&) override { world.note("addEntry"); }
+  void addEntry(const syntax::Marker&) override { world.note("addEntry"); }
   ustring build() const override {
     world.note("build");
     return {};
   }
-  shared::appendix::AppendixEntry findEntry(const Marker& marker) const override {
-    return {u"text that nobody reads", world.findEntry(marker)};
+  shared::appendix::AppendixEntry findEntry(const syntax::Marker& marker) const override {
+    shared::appendix::AppendixEntry result{u"text that nobody reads", std::nullopt};
+    const auto entry = world.findEntry(plainMarker(marker));
+    if (entry) result.marker = syntax::Marker(entry->text);
+    return result;
   }
 
  private:

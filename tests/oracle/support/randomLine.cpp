@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "oracle/support/normalise.hpp"
-#include "quenlith/syntax/markers.hpp"
+#include "oracle/support/scanLiterally.hpp"
 
 namespace quenlith::oracle {
 
@@ -22,7 +22,7 @@ class RangeChooser {
     const auto line = normalise(draftText);
     length = line.size();
     std::size_t begin = 0;
-    for (const auto& info : syntax::get_markers_from_snippet(line, false)) {
+    for (const auto& info : scanLiterally(line)) {
       markers.emplace_back(info.position, info.position + info.length);
       addGap(begin, info.position);
       begin = info.position + info.length + 1;

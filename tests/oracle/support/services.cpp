@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/uuid/nil_generator.hpp>
+#include <optional>
 
 #include "contributors/kdzero/LineData.hpp"
 #include "document/kdzero/PlainTextNode.hpp"
@@ -14,6 +15,11 @@ using contributors::kdzero::LineData;
 using document::kdzero::Node;
 using document::kdzero::PlainTextNode;
 using kd::zero::Model;
+using syntax::Marker;
+
+PlainMarker plainMarker(const Marker& marker) {
+  return {marker.getElement(), marker.getType(), marker.getId(), marker.getData()};
+}
 
 class WorldProvider::Pieces final : public CodeElementParser {
  public:
@@ -23,12 +29,13 @@ class WorldProvider::Pieces final : public CodeElementParser {
   bool canParse(const Marker& marker) override {
     // The default parser is never asked: the twin's trace never contains this note.
     if (number == world.defaultParser()) world.note("canParse of the default parser");
-    return number == world.defaultParser() || world.canParse(number, marker);
+    return number == world.defaultParser() || world.canParse(number, plainMarker(marker));
   }
 
   Node parse(const Model& model, const CodeElement& element) override {
-    const PieceResult result =
-        world.parsePiece(number, element.text, element.marker, element.range);
+    std::optional<PlainMarker> marker;
+    if (element.marker) marker = plainMarker(*element.marker);
+    const PieceResult result = world.parsePiece(number, element.text, marker, element.range);
     if (result.kind == PieceResult::Kind::kEmptyHandle) return {};
     if (result.kind == PieceResult::Kind::kLastOneAgain) return *lastNode;
     PlainTextNode node =
@@ -49,10 +56,12 @@ class WorldProvider::Contributions final : public LineContributorDataParser {
   Contributions(World& serviceWorld, std::size_t parserNumber)
       : world(serviceWorld), number(parserNumber) {}
 
-  bool isApplicable(const Marker& marker) override { return world.isApplicable(number, marker); }
+  bool isApplicable(const Marker& marker) override {
+    return world.isApplicable(number, plainMarker(marker));
+  }
 
   std::pair<ustring, LineData> parse(const Model& model, const Marker& marker) override {
-    const Contribution contribution = world.contribute(number, marker);
+    const Contribution contribution = world.contribute(number, plainMarker(marker));
     LineData data;
     if (contribution.data) {
       data = LineData::Builder(model).createLineData(boost::uuids::nil_uuid());
@@ -89,12 +98,12 @@ std::shared_ptr<CodeElementParser> WorldProvider::makeDefaultParser() const {
 
 std::vector<std::shared_ptr<LineContributorDataParser>>
 WorldProvider::getLineContributorDataParsers() {
-  world.note("getLineContributorDataParsers");
+  world.noteCall("getLineContributorDataParsers");
   return contributorParsers;
 }
 
 std::vector<std::shared_ptr<CodeElementParser>> WorldProvider::getCodeElementParsers() {
-  world.note("getCodeElementParsers");
+  world.noteCall("getCodeElementParsers");
   *lastNode = Node();
   return codeElementParsers;
 }

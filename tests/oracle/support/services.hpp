@@ -5,11 +5,15 @@
 
 #include "oracle/support/World.hpp"
 #include "quenlith/build/markup/services/ParserServicesProvider.hpp"
+#include "quenlith/syntax/Marker.hpp"
 
 namespace quenlith::oracle {
 
 using build::markup::code::CodeElementParser;
 using build::markup::contributordata::LineContributorDataParser;
+
+/// Returns the parts of `marker`.
+PlainMarker plainMarker(const syntax::Marker& marker);
 
 /// Provides services that forward every call to a world. Its construction is not traced.
 class WorldProvider final : public build::markup::services::ParserServicesProvider {

@@ -70,6 +70,19 @@ TaskCase randomTaskCase(Random& random) {
   return taskCase;
 }
 
+TaskCase randomFaultCase(Random& random) {
+  TaskCase taskCase;
+  taskCase.plan = randomPlan(random);
+  taskCase.plan.logging = true;
+  taskCase.steps = retriedLineSteps(random);
+  const TaskSteps again = taskCase.steps;
+  for (const auto kind : {TaskStep::Kind::kReset, TaskStep::Kind::kNewDocument}) {
+    taskCase.steps.emplace_back().kind = kind;
+  }
+  taskCase.steps.insert(taskCase.steps.end(), again.begin(), again.end());
+  return taskCase;
+}
+
 bool agree(const TaskCase& taskCase, std::vector<TaskRow>& rows) {
   const auto twin = makeTwinPlayer(taskCase.plan);
   const auto real = makeRealPlayer(taskCase.plan);

@@ -15,6 +15,10 @@ struct TaskCase {
 
 TaskCase randomTaskCase(Random& random);
 
+/// Returns a case in which the host parses the lines of a snippet, resets the parser and parses
+/// them again into a new document. It repeats a call that throws.
+TaskCase randomFaultCase(Random& random);
+
 /// Returns whether the twin and the real parser agree. Appends the cells of the decision matrix
 /// that the twin went through to `rows`.
 bool agree(const TaskCase& taskCase, std::vector<TaskRow>& rows);

@@ -10,6 +10,8 @@ namespace quenlith::oracle {
 namespace {
 
 constexpr std::size_t kCases = 200'000;
+// Each one is run for every call of a service. A whole run lets it fail in all ways.
+constexpr std::size_t kFaultCases = 50;
 
 bool runCase(const TaskCase& taskCase, const std::string& hint, Tally& tally) {
   std::vector<TaskRow> rows;
@@ -53,6 +55,37 @@ TEST(TaskOracle, RandomCallsAgreeWithTheTwin) {
   if (!runLongCases(settings, tally)) return;
   std::cout << tally;
   for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
+}
+
+/// Lets every call of a service in one case throw.
+bool runFaults(const RunSettings& settings, std::size_t number) {
+  Random random(settings.seedOf(number));
+  TaskCase taskCase = randomFaultCase(random);
+  const auto player = makeTwinPlayer(taskCase.plan);
+  play(*player, taskCase.steps);
+  const std::size_t calls = player->getWorld().callCount();
+  Tally tally;
+  addTaskRows(settings, tally);
+  const bool isWhole = settings.cases >= settings.wholeCases;
+  for (std::size_t call = 0; call < calls; ++call) {
+    for (std::size_t way = 0; way < kWaysToFail; ++way) {
+      if (!isWhole && way != (number + call) % kWaysToFail) continue;
+      planFailure(taskCase.plan, call, way);
+      if (!runCase(taskCase, settings.repeatHint(number), tally)) return false;
+    }
+  }
+  return true;
+}
+
+TEST(TaskOracle, CallsInWhichAServiceThrowsAgreeWithTheTwin) {
+  const RunSettings settings = RunSettings::fromEnvironment(kFaultCases);
+  if (settings.only) {
+    runFaults(settings, *settings.only);
+    return;
+  }
+  for (std::size_t number = 0; number < settings.cases; ++number) {
+    if (!runFaults(settings, number)) return;
+  }
 }
 
 }  // namespace

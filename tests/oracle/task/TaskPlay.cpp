@@ -6,12 +6,21 @@ namespace quenlith::oracle {
 
 namespace {
 
-void playParse(TaskPlayer& player, const Snippet& snippet, SnippetType& lastType) {
+// Returns whether there is a result.
+bool playParse(TaskPlayer& player, const Snippet& snippet, SnippetType& lastType) {
+  bool hasResult = false;
   player.getWorld().note(outcomeOf([&] {
     const auto result = player.parse(snippet);
     lastType = result.type;
+    hasResult = true;
     return showResult(result);
   }));
+  return hasResult;
+}
+
+void playCanParse(TaskPlayer& player, const Snippet& snippet) {
+  player.getWorld().note(outcomeOf(
+      [&] { return std::string(player.canParse(snippet) ? "can parse" : "cannot parse"); }));
 }
 
 void playStep(TaskPlayer& player, const TaskStep& step, SnippetType& lastType) {
@@ -19,9 +28,12 @@ void playStep(TaskPlayer& player, const TaskStep& step, SnippetType& lastType) {
   if (step.usesLastType) snippet.type = lastType;
   switch (step.kind) {
     case TaskStep::Kind::kParse:
-      return playParse(player, snippet, lastType);
+      if (!playParse(player, snippet, lastType) && step.isRetried) {
+        playParse(player, snippet, lastType);
+      }
+      return;
     case TaskStep::Kind::kCanParse:
-      return player.getWorld().note(player.canParse(snippet) ? "can parse" : "cannot parse");
+      return playCanParse(player, snippet);
     case TaskStep::Kind::kReset:
       lastType = {};
       return player.reset();

@@ -1,6 +1,7 @@
 #include "oracle/task/TaskStep.hpp"
 
 #include <array>
+#include <utility>
 
 #include "oracle/support/show.hpp"
 #include "oracle/task/taskLines.hpp"
@@ -125,6 +126,19 @@ TaskSteps randomTaskSteps(Random& random) {
   return steps;
 }
 
+TaskSteps retriedLineSteps(Random& random) {
+  TaskSteps steps{appendixStep(random)};
+  for (TaskStep step : linesInOrder(random)) {
+    if (step.kind == TaskStep::Kind::kParse) {
+      steps.push_back(step);
+      steps.back().kind = TaskStep::Kind::kCanParse;
+      step.isRetried = true;
+    }
+    steps.push_back(std::move(step));
+  }
+  return steps;
+}
+
 TaskSteps oneTaskSteps(Random& random) {
   const ustring block = u"# <@task#a>\n# <@task#a>\n";
   constexpr std::array<std::u16string_view, 4> kLines = {
@@ -189,7 +203,7 @@ std::string showStep(const TaskStep& step) {
       break;
   }
   std::string out = "appendix";
-  for (const Marker& entry : step.appendix) out += ' ' + show(entry.toString());
+  for (const ustring& entry : step.appendix) out += ' ' + show(entry);
   return out;
 }
 

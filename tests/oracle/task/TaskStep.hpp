@@ -33,11 +33,14 @@ struct TaskStep {
   Snippet snippet;
   /// Whether the type of the last result replaces that of the snippet.
   bool usesLastType = false;
+  /// For kParse: whether the host makes the call again when it throws.
+  bool isRetried = false;
   HostNode node = HostNode::kLine;
   /// For kChangeHeader: the number of the top-level node with a task, and its new view.
   std::size_t header = 0;
   ustring view;
-  std::vector<Marker> appendix;
+  /// For kAppendix: the text of each entry.
+  std::vector<ustring> appendix;
 };
 
 using TaskSteps = std::vector<TaskStep>;
@@ -45,6 +48,10 @@ using TaskSteps = std::vector<TaskStep>;
 /// Returns the calls for a few lines: in order, as a host should make them, or any calls in any
 /// order.
 TaskSteps randomTaskSteps(Random& random);
+
+/// Returns an appendix and the lines of a snippet in order, with `canParse` before each. The host
+/// repeats a call that throws.
+TaskSteps retriedLineSteps(Random& random);
 
 /// Returns calls with the markers of one paired task, with low and high kinds.
 TaskSteps oneTaskSteps(Random& random);

@@ -9,26 +9,26 @@ namespace quenlith::oracle {
 
 namespace {
 
-std::optional<Marker> firstMarker(const std::vector<MarkerInfo>& markers, const ustring& element,
-                                  const ustring& type) {
-  for (const MarkerInfo& info : markers) {
-    if (info.marker.getElement() != element) continue;
-    if (type.empty() || info.marker.getType() == type) return info.marker;
+std::optional<PlainMarker> firstMarker(const std::vector<TwinMarker>& markers,
+                                       const ustring& element, const ustring& type) {
+  for (const TwinMarker& marker : markers) {
+    if (marker.element != element) continue;
+    if (type.empty() || marker.type == type) return marker;
   }
   return std::nullopt;
 }
 
-std::vector<Marker> taskMarkersOf(const std::vector<MarkerInfo>& infos) {
-  std::vector<Marker> tasks;
-  for (const MarkerInfo& info : infos) {
-    if (info.marker.getElement() == u"task") tasks.push_back(info.marker);
+std::vector<PlainMarker> taskMarkersOf(const std::vector<TwinMarker>& markers) {
+  std::vector<PlainMarker> tasks;
+  for (const TwinMarker& marker : markers) {
+    if (marker.element == u"task") tasks.push_back(marker);
   }
   return tasks;
 }
 
-bool allEqualToFirst(const std::vector<Marker>& list) {
+bool allEqualToFirst(const std::vector<PlainMarker>& list) {
   return std::all_of(list.begin(), list.end(),
-                     [&](const Marker& marker) { return haveEqualParts(marker, list.front()); });
+                     [&](const PlainMarker& marker) { return marker == list.front(); });
 }
 
 ustring getStringValue(const JsonMap& data, const std::string& key) {
@@ -78,7 +78,7 @@ void TaskTwin::findTaskMarker(Call& call) {
 }
 
 void TaskTwin::decideOverlap(Call& call) {
-  const ustring id = call.taskMarker->getId();
+  const ustring id = call.taskMarker->id;
   call.overlapping = id != currentTaskId;
   if (taskLineCount == 0 && !call.overlapping) {
     rows.push_back(id.empty() ? TaskRow::kIdleSameIdBothEmpty : TaskRow::kIdleSameIdLeftOver);
@@ -94,7 +94,7 @@ bool TaskTwin::decidePairing(Call& call) {
     if (taskLineCount == 0) rows.push_back(TaskRow::kIdleUnpaired);
     return false;
   }
-  currentTaskId = call.taskMarker->getId();
+  currentTaskId = call.taskMarker->id;
   return true;
 }
 
@@ -107,14 +107,14 @@ void TaskTwin::countOpenTask(Call& call) {
 TaskTwin::Next TaskTwin::buildHeader(Call& call) {
   world.log("Task marker found for first time");
   world.log("Adding task marker to the list of seen markers");
-  call.result.markerTypes.insert(Marker(u"task").toString());
+  call.result.markerTypes.insert(u"%<@task>");
   if (call.taskMarker && !call.overlapping) addHeader(call);
   return testSameLine(call);
 }
 
 void TaskTwin::addHeader(Call& call) {
   NodeRecord inlineNode = NodeRecord::of(NodeKind::kTaskInline);
-  inlineNode.id = call.taskMarker->getId();
+  inlineNode.id = call.taskMarker->id;
   world.log("Parsing live task appendix data");
   inlineNode.task = buildLiveTaskData(*call.taskMarker);
   world.log("Adding Header node to tessera doc");
@@ -129,16 +129,16 @@ void TaskTwin::addHeader(Call& call) {
 void TaskTwin::setHeaderAnchor(Call& call) {
   const auto anchor = firstMarker(call.markers, u"text", u"anchor");
   if (!anchor) return;
-  rows.push_back(anchor->getId().empty() ? TaskRow::kHeaderAnchorEmpty : TaskRow::kHeaderAnchor);
+  rows.push_back(anchor->id.empty() ? TaskRow::kHeaderAnchorEmpty : TaskRow::kHeaderAnchor);
   world.log("Found an anchor marker for the task");
-  call.document[taskNodeIndex].anchorId = anchor->getId();
+  call.document[taskNodeIndex].anchorId = anchor->id;
   world.log("Adding text marker to the list of seen markers");
-  call.result.markerTypes.insert(Marker(u"text").toString());
+  call.result.markerTypes.insert(u"%<@text>");
 }
 
 TaskTwin::Next TaskTwin::testSameLine(Call& call) {
   noteIdleRow(call);
-  const std::vector<Marker> tasks = taskMarkersOf(call.markers);
+  const std::vector<PlainMarker> tasks = taskMarkersOf(call.markers);
   if (tasks.size() < 2 || !allEqualToFirst(tasks)) {
     ++taskLineCount;
     return Next::kLineParse;
@@ -172,17 +172,17 @@ void TaskTwin::parseLine(Call& call) {
   }
 }
 
-bool TaskTwin::hasMatchingTaskMarker(const ustring& blockText, const Marker& taskMarker) {
+bool TaskTwin::hasMatchingTaskMarker(const ustring& blockText, const PlainMarker& taskMarker) {
   const auto tasks = taskMarkersOf(scanLiterally(blockText));
-  const ustring id = taskMarker.getId();
+  const ustring id = taskMarker.id;
   const auto count = std::count_if(tasks.begin(), tasks.end(),
-                                   [&](const Marker& marker) { return marker.getId() == id; });
+                                   [&](const PlainMarker& marker) { return marker.id == id; });
   const bool overlapped = std::find(overlappingTaskIds.begin(), overlappingTaskIds.end(), id) !=
                           overlappingTaskIds.end();
   if (count == 2 && !overlapped) return true;
   if (count == 2) rows.push_back(TaskRow::kUnpairedByOverlap);
   world.log("No matching task marker was found for " +
-            fl::i18n::twin::encodeUtf8(taskMarker.toString()));
+            fl::i18n::twin::encodeUtf8(canonicalText(taskMarker)));
   return false;
 }
 
@@ -203,13 +203,13 @@ void TaskTwin::closeTask(DocumentRecord& document) {
   currentTaskId.clear();
 }
 
-JsonMap TaskTwin::findAppendixEntry(const Marker& taskMarker) {
+JsonMap TaskTwin::findAppendixEntry(const PlainMarker& taskMarker) {
   world.log("finding Appendix Entry");
-  const std::optional<Marker> entry = world.findEntry(taskMarker);
-  return entry ? entry->getData() : JsonMap{};
+  const std::optional<AppendixEntry> entry = world.findEntry(taskMarker);
+  return entry ? entry->marker.data : JsonMap{};
 }
 
-TaskRecord TaskTwin::buildLiveTaskData(const Marker& taskMarker) {
+TaskRecord TaskTwin::buildLiveTaskData(const PlainMarker& taskMarker) {
   const JsonMap data = findAppendixEntry(taskMarker);
   TaskRecord task;
   task.appIdentifier = getStringValue(data, "taskClassDefFile");
@@ -225,13 +225,13 @@ TaskRecord TaskTwin::buildLiveTaskData(const Marker& taskMarker) {
   return task;
 }
 
-void TaskTwin::addTaskFailure(NodeRecord& node, const Marker& taskMarker, const ustring& failureId,
-                              const std::string& message) {
+void TaskTwin::addTaskFailure(NodeRecord& node, const PlainMarker& taskMarker,
+                              const ustring& failureId, const std::string& message) {
   world.log(message);
   FailureRecord failure;
   failure.failureId = failureId;
-  failure.featureId = taskMarker.getElement();
-  failure.markerId = taskMarker.getId();
+  failure.featureId = taskMarker.element;
+  failure.markerId = taskMarker.id;
   failure.data = findAppendixEntry(taskMarker);
   node.addFailure(failure);
 }

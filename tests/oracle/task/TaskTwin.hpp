@@ -35,8 +35,8 @@ class TaskTwin {
     DocumentRecord& document;
     const Snippet& snippet;
     ParseResult result;
-    std::vector<MarkerInfo> markers;
-    std::optional<Marker> taskMarker;
+    std::vector<TwinMarker> markers;
+    std::optional<PlainMarker> taskMarker;
     bool pairFound = true;
     bool overlapping = false;
   };
@@ -51,11 +51,11 @@ class TaskTwin {
   void setHeaderAnchor(Call& call);
   Next testSameLine(Call& call);
   void parseLine(Call& call);
-  bool hasMatchingTaskMarker(const ustring& blockText, const Marker& taskMarker);
+  bool hasMatchingTaskMarker(const ustring& blockText, const PlainMarker& taskMarker);
   void closeTask(DocumentRecord& document);
-  JsonMap findAppendixEntry(const Marker& taskMarker);
-  TaskRecord buildLiveTaskData(const Marker& taskMarker);
-  void addTaskFailure(NodeRecord& node, const Marker& taskMarker, const ustring& failureId,
+  JsonMap findAppendixEntry(const PlainMarker& taskMarker);
+  TaskRecord buildLiveTaskData(const PlainMarker& taskMarker);
+  void addTaskFailure(NodeRecord& node, const PlainMarker& taskMarker, const ustring& failureId,
                       const std::string& message);
   void noteIdleRow(const Call& call);
   void noteOpenRow(const Call& call);

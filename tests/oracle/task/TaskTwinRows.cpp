@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "oracle/support/scanLiterally.hpp"
 #include "oracle/task/TaskTwin.hpp"
 
 // What the twin counts. Its decisions do not depend on this.
@@ -16,17 +15,16 @@ struct LineShape {
   bool atStart = false;
 };
 
-LineShape shapeOf(const std::vector<MarkerInfo>& markers) {
-  std::vector<Marker> tasks;
-  for (const MarkerInfo& info : markers) {
-    if (info.marker.getElement() == u"task") tasks.push_back(info.marker);
+LineShape shapeOf(const std::vector<TwinMarker>& markers) {
+  std::vector<PlainMarker> tasks;
+  for (const TwinMarker& marker : markers) {
+    if (marker.element == u"task") tasks.push_back(marker);
   }
   LineShape shape;
   shape.twoOrMore = tasks.size() > 1;
   shape.threeOrMore = tasks.size() > 2;
-  shape.equal = std::all_of(tasks.begin(), tasks.end(), [&](const Marker& marker) {
-    return haveEqualParts(marker, tasks.front());
-  });
+  shape.equal = std::all_of(tasks.begin(), tasks.end(),
+                            [&](const PlainMarker& marker) { return marker == tasks.front(); });
   shape.atStart = !markers.empty() && markers.front().position == 0;
   return shape;
 }
@@ -66,8 +64,8 @@ void TaskTwin::noteOpenRow(const Call& call) {
   } else if (!call.pairFound) {
     rows.push_back(TaskRow::kOpenUnpaired);
   } else {
-    rows.push_back(call.taskMarker->getId() == currentTaskId ? TaskRow::kOpenPairedSameId
-                                                             : TaskRow::kOpenPairedOtherId);
+    rows.push_back(call.taskMarker->id == currentTaskId ? TaskRow::kOpenPairedSameId
+                                                        : TaskRow::kOpenPairedOtherId);
   }
   if (taskLineCount == 0 || !call.taskMarker) return;
   const LineShape shape = shapeOf(call.markers);

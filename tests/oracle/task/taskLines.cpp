@@ -83,8 +83,8 @@ ustring randomBlock(Random& random) {
   return block;
 }
 
-std::vector<Marker> randomAppendix(Random& random) {
-  std::vector<Marker> entries;
+std::vector<ustring> randomAppendix(Random& random) {
+  std::vector<ustring> entries;
   for (const Word id : kIds) {
     if (random.oneIn(3)) continue;
     ustring text = u"%<@task#\"" + ustring(id) + u"\" {\"key\":0";
@@ -92,7 +92,7 @@ std::vector<Marker> randomAppendix(Random& random) {
       if (random.oneIn(4)) continue;
       text.append(u",\"").append(key).append(u"\":").append(random.pick(kValues));
     }
-    entries.emplace_back(text + u"}>");
+    entries.push_back(text + u"}>");
   }
   return entries;
 }

@@ -15,6 +15,6 @@ ustring randomTaskLine(Random& random);
 ustring randomBlock(Random& random);
 
 /// Returns appendix entries for some of the ids, with any keys and any kinds of value.
-std::vector<Marker> randomAppendix(Random& random);
+std::vector<ustring> randomAppendix(Random& random);
 
 }  // namespace quenlith::oracle

@@ -1,0 +1,20 @@
+#include "fuzz/targets.hpp"
+
+#include <array>
+
+namespace quenlith::fuzz {
+
+std::span<const Target> targets() {
+  static constexpr std::array kTargets{Target{"text", &checkText},
+                                       Target{"json", &checkJson},
+                                       Target{"scanner", &checkScanner},
+                                       Target{"marker", &checkMarker},
+                                       Target{"collections", &checkCollections},
+                                       Target{"handles", &checkHandles},
+                                       Target{"filter", &checkFilter},
+                                       Target{"manifest", &checkManifest},
+                                       Target{"library", &checkLibrary}};
+  return kTargets;
+}
+
+}  // namespace quenlith::fuzz
