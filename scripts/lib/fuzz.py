@@ -1,18 +1,19 @@
-"""fuzz.py BUILD TESTS SECONDS [TARGET]...: runs the fuzz targets of BUILD one after the other, for SECONDS each, and
-prints what each did.
+"""fuzz.py BUILD TESTS SECONDS [TARGET]...: runs the fuzz targets of BUILD for SECONDS each, as many at once as there
+are processors, and prints what each did.
 
 TESTS has the seed corpora, the dictionaries and the options. What a target finds stays in BUILD/corpus and is where its next run
 begins; the output of libFuzzer is in BUILD/logs, an input that ends a target in BUILD/crashes. The status is 1 if a
 target failed.
 """
 
+import concurrent.futures
 import dataclasses
 import os
 import pathlib
 import re
-import resource
 import subprocess
 import sys
+import threading
 
 # A target has this much time in addition, to start and to read its corpus, before it is stopped.
 START_SECONDS = 300
@@ -80,10 +81,15 @@ def table(outcomes):
     )
 
 
-def processor_seconds():
-    """Returns how long the processes that were waited for have used a processor."""
-    used = resource.getrusage(resource.RUSAGE_CHILDREN)
-    return used.ru_utime + used.ru_stime
+def run_for(seconds, command, **settings):
+    """Runs a command, which is ended after `seconds`. Returns its status and how long it used a processor."""
+    with subprocess.Popen(command, **settings) as process:
+        alarm = threading.Timer(seconds, process.kill)
+        alarm.start()
+        _, status, used = os.wait4(process.pid, 0)
+        alarm.cancel()
+        process.returncode = os.waitstatus_to_exitcode(status)
+        return process.returncode, used.ru_utime + used.ru_stime
 
 
 def read_options(tests):
@@ -122,16 +128,13 @@ class Fuzzing:
     def run(self, target):
         log = self.folder("logs") / f"{target}.log"
         environment = {**os.environ, **SETTINGS, "TMPDIR": str(self.folder("tmp"))}
-        before = processor_seconds()
+        print(f"fuzz: {target}", file=sys.stderr, flush=True)
         with log.open("wb") as output:
-            try:
-                status = subprocess.run(
-                    self.command(target), stdin=subprocess.DEVNULL, stdout=output, stderr=output,
-                    cwd=self.build, env=environment, timeout=self.seconds + START_SECONDS,
-                ).returncode
-            except subprocess.TimeoutExpired:
-                status = 1
-        return Outcome.of(target, status, processor_seconds() - before, log.read_text(errors="replace"))
+            status, used = run_for(
+                self.seconds + START_SECONDS, self.command(target), stdin=subprocess.DEVNULL,
+                stdout=output, stderr=output, cwd=self.build, env=environment,
+            )
+        return Outcome.of(target, status, used, log.read_text(errors="replace"))
 
     def explain(self, outcome):
         """Prints where a failure is and how to repeat it."""
@@ -145,10 +148,8 @@ def main(arguments):
     build, tests = (pathlib.Path(argument).resolve() for argument in arguments[:2])
     fuzzing = Fuzzing(build, tests, int(arguments[2]))
     targets = arguments[3:] or list(read_options(tests))
-    outcomes = []
-    for target in targets:
-        print(f"fuzz: {target}", file=sys.stderr, flush=True)
-        outcomes.append(fuzzing.run(target))
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as processors:
+        outcomes = list(processors.map(fuzzing.run, targets))
     print(table(outcomes))
     failed = [outcome for outcome in outcomes if outcome.failed]
     for outcome in failed:

@@ -4,8 +4,8 @@ A verdict depends on the content of the file, of every header of the tree that i
 .clang-tidy files, and on the command that compiles it. BUILD need not be built, only configured.
 
 Most of the time goes into the headers of packages, which clang-tidy checks as well, only to drop the
-findings. So several sources of one test program are checked as one; those of a batch with a finding,
-or whose names clash, are then checked one by one.
+findings. So several sources of one target are checked as one; those of a batch with a finding, or whose
+names clash, are then checked one by one.
 """
 
 import concurrent.futures
@@ -17,6 +17,7 @@ import os
 import pathlib
 import re
 import shlex
+import shutil
 import subprocess
 import sys
 
@@ -25,7 +26,8 @@ from passed import ROOT, SOURCE_FOLDERS, Hasher, Passed, sources
 TOOL = "clang-tidy-14"
 # The commands are g++'s; clang does not know some of its warning options.
 ARGUMENTS = ["--quiet", "--warnings-as-errors=*", "--extra-arg=-Wno-unknown-warning-option"]
-BATCH_SIZE = 8
+# Like that of the builds, whose batches compile.
+BATCH_SIZE = 16
 
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*[<"]([^>"]+)[>"]', re.MULTILINE)
 
@@ -84,8 +86,9 @@ class Job:
     options: list
     key: str
 
-    def is_test(self):
-        return self.path.is_relative_to(ROOT / "tests")
+    def config(self):
+        """Returns the .clang-tidy file that applies."""
+        return configs_above(self.path)[0]
 
 
 def options_of(entry):
@@ -122,13 +125,12 @@ def jobs(build):
 
 def batches(todo):
     """Splits the jobs into lists that are checked together."""
-    programs = {}
+    targets = {}
     for job in todo:
-        alone = str(job.path) if not job.is_test() else ""
-        programs.setdefault((alone, *job.options), []).append(job)
-    for program in programs.values():
-        for start in range(0, len(program), BATCH_SIZE):
-            yield program[start : start + BATCH_SIZE]
+        targets.setdefault((job.config(), *job.options), []).append(job)
+    for target in targets.values():
+        for start in range(0, len(target), BATCH_SIZE):
+            yield target[start : start + BATCH_SIZE]
 
 
 class Checker:
@@ -136,11 +138,7 @@ class Checker:
 
     def __init__(self, build):
         self._build = build
-        # So that clang-tidy finds the same configuration for a batch as for its sources.
         self._folder = build / "batches"
-        (self._folder / "tests").mkdir(parents=True, exist_ok=True)
-        config = ROOT / "tests" / ".clang-tidy"
-        (self._folder / "tests" / config.name).write_text(config.read_text())
 
     def check(self, batch):
         """Returns the jobs of the batch that passed, and what clang-tidy printed for the others."""
@@ -157,12 +155,16 @@ class Checker:
         # Copied, not included: some checks look at the main file only.
         text = "".join(job.path.read_text() for job in batch)
         name = hashlib.sha256(text.encode()).hexdigest()[:16]
-        source = self._folder / "tests" / f"{name}.cpp"
+        # With a copy of the configuration, which clang-tidy looks for beside the file and above.
+        folder = self._folder / name
+        folder.mkdir(parents=True, exist_ok=True)
+        shutil.copy(batch[0].config(), folder)
+        source = folder / "batch.cpp"
         source.write_text(text)
         folders = dict.fromkeys(str(job.path.parent) for job in batch)
         quoted = [word for folder in folders for word in ("-iquote", folder)]
         good, _ = self.run([*ARGUMENTS, source, "--", *batch[0].options, *quoted])
-        source.unlink()
+        shutil.rmtree(folder)
         return good
 
     def run(self, arguments):

@@ -272,14 +272,15 @@ class Lint(unittest.TestCase):
         folders = [str(self.folder / name) for name in ("first", "second", ".")]
         self.assertEqual(includes.files(source, folders), sorted([own, first, nested, conditional]))
 
-    def test_only_tests_with_equal_options_are_checked_together(self):
+    def test_only_sources_with_equal_options_and_configurations_are_checked_together(self):
         def job(name, *options):
             return lint.Job(lint.ROOT / name, list(options), "")
 
-        todo = [job("tests/a.cpp", "-Ia"), job("src/a.cpp", "-Ia"), job("src/b.cpp", "-Ia"),
-                job("tests/b.cpp", "-Ia"), job("tests/c.cpp", "-Ib")]
-        names = [[job.path.name for job in batch] for batch in lint.batches(todo)]
-        self.assertEqual(names, [["a.cpp", "b.cpp"], ["a.cpp"], ["b.cpp"], ["c.cpp"]])
+        todo = [job("tests/a.cpp", "-Ia"), job("src/a.cpp", "-Ia"), job("tests/b.cpp", "-Ia"),
+                job("src/b.cpp", "-Ia"), job("platform/cppmicroservices/c.cpp", "-Ia"), job("src/d.cpp", "-Ib")]
+        names = [[str(job.path.relative_to(lint.ROOT)) for job in batch] for batch in lint.batches(todo)]
+        self.assertEqual(names, [["tests/a.cpp", "tests/b.cpp"], ["src/a.cpp", "src/b.cpp"],
+                                 ["platform/cppmicroservices/c.cpp"], ["src/d.cpp"]])
 
     def test_no_batch_is_longer_than_its_limit(self):
         todo = [lint.Job(lint.ROOT / f"tests/{n}.cpp", [], "") for n in range(2 * lint.BATCH_SIZE + 1)]
