@@ -7,8 +7,8 @@
 #include "tessera/check/fixes/FixedText.hpp"
 #include "tessera/check/fixes/fixText.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
+#include "tessera/files/FileReader.hpp"
 #include "tessera/files/RewritableFile.hpp"
-#include "tessera/source/SourceText.hpp"
 
 namespace tessera::commands {
 
@@ -40,7 +40,7 @@ void CheckJob::addProblem(const diagnostics::Problem& problem) {
 
 CheckResult CheckJob::resultOf(const std::string& path) {
   if (options.fixes != Fixes::kNone) return fix(path);
-  return {.problems = {}, .file = check(files().parse(path), path), .difference = {}};
+  return {.problems = {}, .file = check(parse(path), path), .difference = {}};
 }
 
 CheckedFile CheckJob::check(session::ParsedFile file, const std::string& path) {
@@ -52,12 +52,14 @@ CheckedFile CheckJob::check(session::ParsedFile file, const std::string& path) {
 /// Fixes a file, or shows how. If it may not be replaced, its diagnostics are those before the
 /// fixes.
 CheckResult CheckJob::fix(const std::string& path) {
+  if (input().isFound) {
+    files::FileReader reader(path);
+    skipIfBinary(reader);
+  }
   // A folder in which the file was found may have become a symbolic link meanwhile.
   files::RewritableFile file = input().isFound ? files::RewritableFile(path, input().namedBytes)
                                                : files::RewritableFile(path);
-  const auto checkBytes = [&](const std::string& bytes) {
-    return check(files().parse(path, source::decodeSource(path, bytes)), path);
-  };
+  const auto checkBytes = [&](const std::string& bytes) { return check(parse(path, bytes), path); };
   check::fixes::FixedText text(file.bytes());
   check::fixes::FixResult fixed = check::fixes::fixText(text, checkBytes);
   CheckResult result{.problems = {}, .file = std::move(fixed.checked), .difference = {}};

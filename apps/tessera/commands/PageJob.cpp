@@ -50,7 +50,7 @@ void PageJob::work(const std::string& path) {
 
 /// The check takes the text of the file; the document does not need it.
 PageJob::CheckedDocument PageJob::checkedDocument(const std::string& path) {
-  session::ParsedFile file = files().parse(path);
+  session::ParsedFile file = parse(path);
   CheckedDocument document{.parsed = {.code = {},
                                       .parts = {},
                                       .document = file.snippet.document,

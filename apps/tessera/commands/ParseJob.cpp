@@ -49,7 +49,7 @@ ParseJob::ParseJob(const ParseOptions& options, const tree::TreeStyle& style,
 
 /// The memory of a file is freed before the next one is read.
 void ParseJob::work(const std::string& path) {
-  session::ParsedFile file = loseWithoutMemory(path, [&] { return files().parse(path); });
+  session::ParsedFile file = loseWithoutMemory(path, [&] { return parse(path); });
   if (!file.snippet.parts.needsText()) file.snippet.code = {};
   writer->write({path, file.snippet, parsers(), writing});
 }

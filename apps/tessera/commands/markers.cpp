@@ -31,7 +31,7 @@ class MarkersJob final : public run::FileJob {
  private:
   void work(const std::string& path) override {
     const auto listed = loseWithoutMemory(path, [&] {
-      return check::listing::listMarkers(path, files().parse(path),
+      return check::listing::listMarkers(path, parse(path),
                                          [this](const auto& marker) { return isAccepted(marker); });
     });
     append(output().text(), listed);

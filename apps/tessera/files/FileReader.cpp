@@ -6,11 +6,14 @@
 
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
 
 namespace tessera::files {
 namespace {
+
+constexpr std::size_t kExaminedBytes = 8 * 1024;
 
 const char* remedyForReading(int error) {
   switch (error) {
@@ -52,12 +55,33 @@ void FileReader::examine() {
   if (S_ISREG(status.st_mode)) sizeBytes = static_cast<std::size_t>(status.st_size);
 }
 
+bool FileReader::looksBinary() {
+  std::string bytes(kExaminedBytes, '\0');
+  std::size_t size = 0;
+  while (size < bytes.size()) {
+    const std::size_t count = read(bytes.data() + size, bytes.size() - size);
+    size += count;
+    // To read once more would only tell that this is the end.
+    if (count == 0 || size == sizeBytes) break;
+  }
+  bytes.resize(size);
+  ahead = std::move(bytes);
+  return ahead.find('\0') != std::string::npos;
+}
+
 std::size_t FileReader::read(char* target, std::size_t size) {
+  if (!ahead.empty()) return readAhead(target, size);
   while (true) {
     const ssize_t count = ::read(descriptor, target, size);
     if (count >= 0) return static_cast<std::size_t>(count);
     if (errno != EINTR) fail("cannot be read", errno);
   }
+}
+
+std::size_t FileReader::readAhead(char* target, std::size_t size) noexcept {
+  const std::size_t count = ahead.copy(target, size);
+  ahead.erase(0, count);
+  return count;
 }
 
 void FileReader::fail(const char* what, int error) const {

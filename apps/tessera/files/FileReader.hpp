@@ -15,6 +15,12 @@ class FileReader {
   FileReader(const FileReader&) = delete;
   FileReader& operator=(const FileReader&) = delete;
 
+  const std::string& path() const noexcept { return name; }
+
+  /// Returns whether the file is binary: the first 8 KiB contain a NUL. Only before the first
+  /// `read`, which returns these bytes all the same. Throws ProblemError as that does.
+  bool looksBinary();
+
   /// Reads up to `size` bytes (not 0) to `target` and returns how many; 0 is the end. May return
   /// fewer before the end. Throws ProblemError when the file cannot be read.
   std::size_t read(char* target, std::size_t size);
@@ -24,11 +30,14 @@ class FileReader {
 
  private:
   void examine();
+  std::size_t readAhead(char* target, std::size_t size) noexcept;
   [[noreturn]] void fail(const char* what, int error) const;
 
   std::string name;
   int descriptor = 0;
   std::size_t sizeBytes = 0;
+  // What was read before it was asked for.
+  std::string ahead;
 };
 
 }  // namespace tessera::files

@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/FileReader.hpp"
 #include "tessera/inputs/DirectoryWalk.hpp"
 #include "tessera/inputs/GlobFilter.hpp"
-#include "tessera/inputs/isBinaryFile.hpp"
 #include "tessera/inputs/readFileList.hpp"
 
 namespace tessera::inputs {
@@ -54,6 +54,15 @@ void keepShard(std::vector<Input>& inputs, const Shard& shard) {
   inputs.resize(kept);
 }
 
+/// A file that cannot be read is not binary.
+bool isBinary(const std::string& path) {
+  try {
+    return files::FileReader(path).looksBinary();
+  } catch (const diagnostics::ProblemError&) {
+    return false;
+  }
+}
+
 }  // namespace
 
 std::vector<Input> listInputs(const InputOptions& options, BinaryFiles binaryFiles) {
@@ -70,8 +79,7 @@ std::vector<Input> listInputs(const InputOptions& options, BinaryFiles binaryFil
     }
   }
   if (binaryFiles == BinaryFiles::kLeftOut) {
-    std::erase_if(inputs,
-                  [](const Input& input) { return input.isFound && isBinaryFile(input.path); });
+    std::erase_if(inputs, [](const Input& input) { return input.isFound && isBinary(input.path); });
   }
   keepShard(inputs, options.shard);
   return inputs;

@@ -2,9 +2,15 @@
 
 #include <algorithm>
 
-#include "tessera/inputs/isBinaryFile.hpp"
+#include "tessera/source/SourceText.hpp"
 
 namespace tessera::run {
+namespace {
+
+/// A binary file was found in a directory.
+struct BinaryFile {};
+
+}  // namespace
 
 FileJob::FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inputs,
                  const workers::JobContext& context)
@@ -23,13 +29,14 @@ FileJob::FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inp
 workers::Outcome FileJob::run(std::size_t index) {
   const inputs::Input& input = inputs[index];
   current = index;
-  if (input.isFound && inputs::isBinaryFile(input.path)) return workers::Outcome::kSkipped;
   // The lookup emits a record, which must not depend on what this process did before. A recorded
   // run has one process, and its replay has the lookup in the first line.
   if (log != nullptr && !isRecorded && !input.isFirst) host.findLineParsers();
   try {
     work(input.path);
     return workers::Outcome::kDone;
+  } catch (const BinaryFile&) {
+    return workers::Outcome::kSkipped;
   } catch (const diagnostics::OutputError&) {
     throw;
   } catch (const diagnostics::ProblemError& error) {
@@ -37,6 +44,20 @@ workers::Outcome FileJob::run(std::size_t index) {
     addProblem(error.problem());
     return workers::Outcome::kFailed;
   }
+}
+
+session::ParsedFile FileJob::parse(const std::string& path) {
+  files::FileReader file(path);
+  skipIfBinary(file);
+  return parser.parse(path, source::readSource(file));
+}
+
+session::ParsedFile FileJob::parse(const std::string& path, std::string_view bytes) {
+  return parser.parse(path, source::decodeSource(path, bytes));
+}
+
+void FileJob::skipIfBinary(files::FileReader& file) const {
+  if (input().isFound && file.looksBinary()) throw BinaryFile();
 }
 
 bool FileJob::isAccepted(const quenlith::syntax::Marker& marker) {

@@ -6,10 +6,12 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/FileReader.hpp"
 #include "tessera/host/ServiceHost.hpp"
 #include "tessera/inputs/Input.hpp"
 #include "tessera/session/FileParser.hpp"
@@ -44,7 +46,8 @@ class FileJob : public workers::Job {
   FileJob(const ParserSetup& setup, const std::vector<inputs::Input>& inputs,
           const workers::JobContext& context);
 
-  /// Works on the file `path`. Throws ProblemError when it cannot be used, and OutputError.
+  /// Works on the file `path`, which it parses before it writes anything. Throws ProblemError when
+  /// the file cannot be used, and OutputError.
   virtual void work(const std::string& path) = 0;
   /// The file cannot be used; the user was told.
   virtual void addProblem(const diagnostics::Problem& /*problem*/) {}
@@ -52,7 +55,16 @@ class FileJob : public workers::Job {
   /// The index of the input that is worked on.
   std::size_t currentInput() const noexcept { return current; }
   const inputs::Input& input() const noexcept { return inputs[current]; }
-  session::FileParser& files() noexcept { return parser; }
+
+  /// Reads and parses the file `path`; skips a binary one that was found in a directory. Throws
+  /// ProblemError, and OutputError when the calls cannot be recorded.
+  session::ParsedFile parse(const std::string& path);
+  /// Like that, but `bytes` is the content, binary or not.
+  session::ParsedFile parse(const std::string& path, std::string_view bytes);
+  /// Skips the file, which is the current input and was not read yet, if it is a binary one that
+  /// was found in a directory: throws what only `run` catches.
+  void skipIfBinary(files::FileReader& file) const;
+
   const std::vector<session::NamedParser>& parsers() const noexcept { return session.parsers(); }
   /// Returns whether a parser of a bundle accepts the marker.
   bool isAccepted(const quenlith::syntax::Marker& marker);

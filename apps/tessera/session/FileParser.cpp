@@ -29,10 +29,6 @@ std::vector<fl::i18n::ustring> textsOf(const std::vector<quenlith::syntax::Marke
 
 }  // namespace
 
-ParsedFile FileParser::parse(const std::string& name) {
-  return parse(name, source::readSource(name));
-}
-
 ParsedFile FileParser::parse(const std::string& name, source::SourceText source) {
   ParsedFile file;
   file.source = std::move(source);

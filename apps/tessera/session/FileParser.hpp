@@ -9,14 +9,14 @@
 
 namespace tessera::session {
 
-/// One file, read and parsed.
+/// One file, parsed.
 struct ParsedFile {
   ParsedSnippet snippet;
   /// The text of the file. Its code is in `snippet`.
   source::SourceText source;
 };
 
-/// Reads files and parses their code in a session, after their appendix is set.
+/// Parses the code of files in a session, after their appendix is set.
 class FileParser {
  public:
   using Appendix = quenlith::shared::appendix::MarkerAppendix;
@@ -25,11 +25,8 @@ class FileParser {
   FileParser(SnippetSession& session, Appendix& appendix, Recording* recording)
       : session(session), appendix(appendix), recording(recording) {}
 
-  /// Parses the file `name`, "-" for standard input. Throws ProblemError when it cannot be
-  /// read or a parser throws, and OutputError when the calls cannot be recorded.
-  ParsedFile parse(const std::string& name);
-
-  /// Like `parse`, but with the text of the file, which is known already.
+  /// Parses the text of the file `name`. Throws ProblemError when a parser throws, and OutputError
+  /// when the calls cannot be recorded.
   ParsedFile parse(const std::string& name, source::SourceText source);
 
  private:

@@ -6,7 +6,6 @@
 
 #include "fl/i18n/search.hpp"
 #include "quenlith/syntax/markers.hpp"
-#include "tessera/files/FileReader.hpp"
 #include "tessera/source/SourceDecoder.hpp"
 
 namespace tessera::source {
@@ -55,9 +54,8 @@ SourceText splitSource(std::u16string text) {
   return source;
 }
 
-SourceText readSource(const std::string& name) {
-  files::FileReader reader(name);
-  SourceDecoder decoder(name, reader.expectedSizeBytes());
+SourceText readSource(files::FileReader& reader) {
+  SourceDecoder decoder(reader.path(), reader.expectedSizeBytes());
   const auto buffer = std::make_unique_for_overwrite<char[]>(SourceDecoder::kChunkBytes);
   std::size_t unused = 0;
   while (const std::size_t count =

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "tessera/files/FileReader.hpp"
 #include "tessera/source/lines.hpp"
 
 namespace tessera::source {
@@ -19,9 +20,8 @@ struct SourceText {
   std::u16string appendixLineText;
 };
 
-/// Reads the file `name`, "-" for standard input, and cuts it at its appendix. Throws
-/// ProblemError.
-SourceText readSource(const std::string& name);
+/// Reads a file and cuts it at its appendix. Throws ProblemError.
+SourceText readSource(files::FileReader& reader);
 
 /// Like `readSource`, but of the content `bytes` of the file `name`.
 SourceText decodeSource(const std::string& name, std::string_view bytes);

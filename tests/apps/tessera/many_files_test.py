@@ -86,6 +86,18 @@ class Inputs(ManyFiles):
         # Named, each is one.
         self.assertEqual(self.files("t/.b", "t/late", "t/link"), ["t/.b", "t/late", "t/link"])
 
+    def test_every_command_skips_binary_files_of_a_directory(self):
+        self.write("t/text", b"# <@text:anchor#a>\n")
+        binary = b"\0\n# <@text:ancor#b>\n"
+        path = self.write("t/binary", binary)
+        for arguments in (["parse", "--format", "html"], ["check", "--format", "json"], ["check", "--fix", "--format", "json"],
+                          ["markers", "--format", "json"]):
+            done = tessera(*arguments, "t", cwd=self.folder)
+            self.assertEqual((done.returncode, done.stderr), (0, b""), arguments)
+            self.assertIn(b"t/text", done.stdout)
+            self.assertNotIn(b"t/binary", done.stdout)
+        self.assertEqual(pathlib.Path(path).read_bytes(), binary)
+
     def test_gitignore_excludes_files_of_directories(self):
         self.write("t/.gitignore", b"*.o\nbuild/\n!keep.o\n")
         self.write("t/sub/.gitignore", b"/only\n")

@@ -11,7 +11,6 @@ namespace {
 
 using tessera::diagnostics::ProblemError;
 using tessera::source::LineCursor;
-using tessera::source::readSource;
 using tessera::source::SourceText;
 using tessera::source::splitSource;
 
@@ -23,6 +22,11 @@ std::vector<std::u16string> linesOf(const tessera::source::JoinedLines& lines) {
 }
 
 using Lines = std::vector<std::u16string>;
+
+SourceText readSource(const std::string& name) {
+  tessera::files::FileReader file(name);
+  return tessera::source::readSource(file);
+}
 
 TEST(SourceText, LinesEndInLfOrCrlf) {
   const TemporaryFolder folder;

@@ -85,7 +85,7 @@ class ProviderFault : public ProviderFixture {
     disturbedStep = number;
     disturbance = std::move(action);
     const std::uint64_t before = document->getNumberOfChildren();
-    const std::string failure = failureOf([&] { parseWith(parser); });
+    std::string failure = failureOf([&] { parseWith(parser); });
     disturbance = nullptr;
     EXPECT_EQ(document->getNumberOfChildren(), before + (failure.empty() ? 1 : 0));
     EXPECT_EQ(document.use_count(), 1);

@@ -1,0 +1,63 @@
+#include "tessera/files/FileReader.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "apps/tessera/support/TemporaryFolder.hpp"
+
+namespace {
+
+using tessera::files::FileReader;
+
+/// Returns the rest of a file, read in small pieces.
+std::string readAll(FileReader& file) {
+  std::string text;
+  char piece[5];
+  while (const std::size_t count = file.read(piece, sizeof piece)) text.append(piece, count);
+  return text;
+}
+
+TEST(FileReader, AFileWithANulInItsFirst8KiBIsBinary) {
+  const TemporaryFolder folder;
+  struct Case {
+    std::string bytes;
+    bool isBinary;
+  };
+  const std::string text(8191, 'x');
+  const std::string nul(1, '\0');
+  const Case cases[] = {
+      {"", false},
+      {"text", false},
+      {nul, true},
+      {"x" + nul, true},
+      {text, false},
+      {text + nul, true},
+      {text + "x" + nul, false},
+      {text + nul + std::string(100000, 'y'), true},
+  };
+  for (const Case& test : cases) {
+    FileReader file(folder.write("f", test.bytes));
+    EXPECT_EQ(file.looksBinary(), test.isBinary) << test.bytes.size();
+  }
+}
+
+TEST(FileReader, WhatWasExaminedIsReadAllTheSame) {
+  const TemporaryFolder folder;
+  for (const std::size_t size : {0, 1, 5, 6, 8191, 8192, 8193, 20000}) {
+    std::string bytes(size, '\0');
+    std::ranges::generate(bytes, [next = 0]() mutable { return static_cast<char>(++next % 251); });
+    FileReader file(folder.write("f", bytes));
+    file.looksBinary();
+    EXPECT_EQ(readAll(file), bytes) << size;
+  }
+}
+
+// Its size is not known before it is read.
+TEST(FileReader, AFileOfTheSystemIsExaminedUntilItsEnd) {
+  FileReader file("/proc/self/cmdline");
+  EXPECT_TRUE(file.looksBinary());
+}
+
+}  // namespace
