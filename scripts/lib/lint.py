@@ -4,8 +4,8 @@ A verdict depends on the content of the file, of every header of the tree that i
 .clang-tidy files, and on the command that compiles it. BUILD need not be built, only configured.
 
 Most of the time goes into the headers of packages, which clang-tidy checks as well, only to drop the
-findings. So several sources of one target are checked as one; those of a batch with a finding, or whose
-names clash, are then checked one by one.
+findings. So several sources of one target are checked as one. A batch with a finding, or with names that
+clash, is cut into halves, down to single sources.
 """
 
 import concurrent.futures
@@ -142,14 +142,17 @@ class Checker:
 
     def check(self, batch):
         """Returns the jobs of the batch that passed, and what clang-tidy printed for the others."""
-        if len(batch) > 1 and self.together(batch):
+        if len(batch) == 1:
+            good, output = self.alone(batch[0])
+            return (batch, []) if good else ([], [output])
+        if self.together(batch):
             return batch, []
-        passed, outputs = [], []
-        for job in batch:
-            good, output = self.run(["-p", self._build, *ARGUMENTS, job.path])
-            passed += [job] if good else []
-            outputs += [] if good else [output]
-        return passed, outputs
+        middle = len(batch) // 2
+        halves = [self.check(half) for half in (batch[:middle], batch[middle:])]
+        return tuple(list(itertools.chain.from_iterable(lists)) for lists in zip(*halves))
+
+    def alone(self, job):
+        return self.run(["-p", self._build, *ARGUMENTS, job.path])
 
     def together(self, batch):
         # Copied, not included: some checks look at the main file only.

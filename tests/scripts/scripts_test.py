@@ -286,6 +286,22 @@ class Lint(unittest.TestCase):
         todo = [lint.Job(lint.ROOT / f"tests/{n}.cpp", [], "") for n in range(2 * lint.BATCH_SIZE + 1)]
         self.assertEqual([len(batch) for batch in lint.batches(todo)], [lint.BATCH_SIZE, lint.BATCH_SIZE, 1])
 
+    def test_a_batch_that_does_not_pass_is_cut_into_halves(self):
+        class Checker(lint.Checker):
+            def alone(self, job):
+                tried.append([job])
+                return job != "wrong", f"a finding in {job}"
+
+            def together(self, batch):
+                tried.append(batch)
+                return "wrong" not in batch and not {"clash 1", "clash 2"} <= set(batch)
+
+        tried = []
+        checker = Checker(self.folder)
+        self.assertEqual(checker.check(["a", "clash 1", "clash 2", "b"]), (["a", "clash 1", "clash 2", "b"], []))
+        self.assertEqual(tried, [["a", "clash 1", "clash 2", "b"], ["a", "clash 1"], ["clash 2", "b"]])
+        self.assertEqual(checker.check(["a", "b", "wrong"]), (["a", "b"], ["a finding in wrong"]))
+
     def test_options_name_no_file(self):
         entry = {"command": "g++ -DA=\\\"b\\\" -Ix -isystem y -o a.o -c a.cpp"}
         options = lint.options_of(entry)

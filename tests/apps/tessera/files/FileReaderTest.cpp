@@ -45,7 +45,7 @@ TEST(FileReader, AFileWithANulInItsFirst8KiBIsBinary) {
 
 TEST(FileReader, WhatWasExaminedIsReadAllTheSame) {
   const TemporaryFolder folder;
-  for (const std::size_t size : {0, 1, 5, 6, 8191, 8192, 8193, 20000}) {
+  for (const std::size_t size : {0U, 1U, 5U, 6U, 8191U, 8192U, 8193U, 20000U}) {
     std::string bytes(size, '\0');
     std::ranges::generate(bytes, [next = 0]() mutable { return static_cast<char>(++next % 251); });
     FileReader file(folder.write("f", bytes));
