@@ -184,6 +184,14 @@ echo "Done 4000 runs in 2 second(s)" >&2
 """
 
 
+class Presets(unittest.TestCase):
+    def test_a_build_is_tested_once(self):
+        for arguments in (["dev:^a", "dev:^b"], ["asan", "dev-quick", "dev-full:^a"]):
+            done = subprocess.run([SCRIPTS / "test", *arguments], capture_output=True, text=True, timeout=60)
+            self.assertEqual((done.returncode, done.stdout), (1, ""))
+            self.assertIn("only one preset of each build: dev has several", done.stderr)
+
+
 class Fuzz(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()

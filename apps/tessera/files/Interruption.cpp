@@ -16,11 +16,14 @@
 namespace tessera::files {
 namespace {
 
+// Some file systems limit characters, not bytes.
+constexpr std::size_t kMostNameBytes = std::size_t{4} * NAME_MAX;
+
 /// A file in memory that a signal handler may read.
 struct RemovedFile {
   std::atomic<bool> isUsed = false;
   int folder = -1;
-  std::array<char, NAME_MAX + 1> name{};
+  std::array<char, kMostNameBytes + 1> name{};
 };
 
 std::array<RemovedFile, 4> removedFiles;
@@ -61,7 +64,7 @@ HeldInterruptions::~HeldInterruptions() {
 RemovedOnInterruption::RemovedOnInterruption(int folder, const std::string& name) {
   const auto free =
       std::ranges::find_if(removedFiles, [](const auto& file) { return !file.isUsed; });
-  if (free == removedFiles.end() || name.size() > NAME_MAX) {
+  if (free == removedFiles.end() || name.size() > kMostNameBytes) {
     throw std::length_error("the name of an output is too long");
   }
   std::ranges::copy(name, free->name.begin());

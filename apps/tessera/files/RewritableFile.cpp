@@ -5,9 +5,11 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/Interruption.hpp"
 
 namespace tessera::files {
 namespace {
@@ -22,13 +24,14 @@ bool isSame(const struct stat& a, const struct stat& b) {
          isSame(a.st_mtim, b.st_mtim) && isSame(a.st_ctim, b.st_ctim);
 }
 
-/// A file next to another one that is removed at the end, unless it took its place.
+/// A file next to another one that is removed at the end or by an interruption, unless it took its
+/// place.
 class TemporaryFile {
  public:
   TemporaryFile(const OpenFolder& folder, const std::string& target)
-      : folder(folder), file(folder.createTemporary(target, name)) {}
+      : TemporaryFile(folder, target, HeldInterruptions()) {}
   ~TemporaryFile() {
-    if (isThere) folder.unlink(name);
+    if (removal) folder.unlink(name);
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -37,15 +40,23 @@ class TemporaryFile {
   Descriptor& descriptor() noexcept { return file; }
 
   bool renameTo(const std::string& target) noexcept {
-    isThere = !folder.rename(name, target);
-    return !isThere;
+    if (!folder.rename(name, target)) return false;
+    removal.reset();
+    return true;
   }
 
  private:
+  /// No interruption arrives before it is known that the file is to be removed.
+  TemporaryFile(const OpenFolder& folder, const std::string& target,
+                const HeldInterruptions& /*held*/)
+      : folder(folder), file(folder.createTemporary(target, name)) {
+    if (file.get() >= 0) removal.emplace(folder.number(), name);
+  }
+
   const OpenFolder& folder;
   std::string name;
   Descriptor file;
-  bool isThere = file.get() >= 0;
+  std::optional<RemovedOnInterruption> removal;
 };
 
 [[noreturn]] void failWithError(const std::string& name, const std::string& what, int error) {

@@ -26,10 +26,9 @@ bool isShownByNumber(char32_t character, char32_t last) noexcept {
 }
 
 /// Returns how many units at the start of `text` are characters beyond ASCII that are converted to
-/// UTF-8.
-std::size_t countConverted(std::u16string_view text) noexcept {
+/// UTF-8. `last` is the character before, and becomes the last one of these.
+std::size_t countConverted(std::u16string_view text, char32_t& last) noexcept {
   std::size_t count = 0;
-  char32_t last = 0;
   while (count < text.size() && text[count] >= 0xA0) {
     const Character character = characters::firstOf(text.substr(count));
     if (isShownByNumber(character.code, last)) break;
@@ -58,16 +57,19 @@ void appendSpecial(std::string& output, char32_t character) {
 }  // namespace
 
 void HtmlText::append(std::u16string_view text) {
+  char32_t last = 0;
   while (!text.empty()) {
     if (isCopied(text[0])) {
       output += static_cast<char>(text[0]);
+      last = text[0];
       text.remove_prefix(1);
-    } else if (const std::size_t count = countConverted(text); count != 0) {
+    } else if (const std::size_t count = countConverted(text, last); count != 0) {
       fl::i18n::appendUtf8(output, text.substr(0, count));
       text.remove_prefix(count);
     } else {
       const Character character = characters::firstOf(text);
       appendSpecial(output, character.code);
+      last = 0;
       text.remove_prefix(character.units);
     }
   }

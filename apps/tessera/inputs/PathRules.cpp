@@ -38,6 +38,7 @@ struct PathRules::GitLibrary {
 
   void* handle = ::dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL);
   decltype(&::git_libgit2_init) initialize = nullptr;
+  decltype(&::git_libgit2_opts) setOption = nullptr;
   decltype(&::git_repository_new) newRepository = nullptr;
   decltype(&::git_repository_free) freeRepository = nullptr;
   decltype(&::git_repository_set_workdir) setWorkFolder = nullptr;
@@ -56,6 +57,7 @@ struct PathRules::GitLibrary {
 PathRules::GitLibrary::GitLibrary() {
   if (handle == nullptr) failLoading();
   find(initialize, "git_libgit2_init");
+  find(setOption, "git_libgit2_opts");
   find(newRepository, "git_repository_new");
   find(freeRepository, "git_repository_free");
   find(setWorkFolder, "git_repository_set_workdir");
@@ -67,6 +69,11 @@ PathRules::GitLibrary::GitLibrary() {
                                      .place = {},
                                      .what = "cannot be initialized",
                                      .remedy = "name files in place of directories"});
+  }
+  // The same files are taken for every user and on every machine.
+  for (const int level : {GIT_CONFIG_LEVEL_PROGRAMDATA, GIT_CONFIG_LEVEL_SYSTEM,
+                          GIT_CONFIG_LEVEL_XDG, GIT_CONFIG_LEVEL_GLOBAL}) {
+    setOption(GIT_OPT_SET_SEARCH_PATH, level, "");
   }
 }
 

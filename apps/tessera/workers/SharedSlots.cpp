@@ -16,14 +16,26 @@ constexpr std::size_t kSlotsOfAllWorkers = 1024;
 
 SharedSlots::SharedSlots(std::size_t workerCount)
     : count(std::clamp(kSlotsOfAllWorkers / workerCount, kFewestSlots, kMostSlots)), free(count) {
-  void* memory = ::mmap(nullptr, mappedBytes(), PROT_READ | PROT_WRITE,
-                        MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  if (memory == MAP_FAILED) throw std::bad_alloc();
-  shared = new (memory) Shared;
+  map();
   shared->begun = 0;
   ::sem_init(&shared->freed, 1, 0);
+  free.resize(count);
   // The last one is taken first.
   std::iota(free.rbegin(), free.rend(), std::uint16_t{0});
+}
+
+void SharedSlots::map() {
+  const auto tryToMap = [this] {
+    return ::mmap(nullptr, mappedBytes(), PROT_READ | PROT_WRITE,
+                  MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  };
+  void* memory = tryToMap();
+  if (memory == MAP_FAILED) {
+    count = kFewestSlots;
+    memory = tryToMap();
+  }
+  if (memory == MAP_FAILED) throw std::bad_alloc();
+  shared = new (memory) Shared;
 }
 
 SharedSlots::~SharedSlots() {
@@ -31,9 +43,13 @@ SharedSlots::~SharedSlots() {
   ::munmap(shared, mappedBytes());
 }
 
-std::uint16_t SharedSlots::fill(std::string_view text) noexcept {
+bool SharedSlots::haveFree() noexcept {
   while (::sem_trywait(&shared->freed) == 0) takeFreed();
-  while (free.empty()) {
+  return !free.empty();
+}
+
+std::uint16_t SharedSlots::fill(std::string_view text) noexcept {
+  while (!haveFree()) {
     if (::sem_wait(&shared->freed) == 0) takeFreed();
   }
   const std::uint16_t slot = free.back();

@@ -24,13 +24,17 @@ class SharedSlots {
   static constexpr std::size_t kFewestSlots = 32;
 
   /// The slots of one of `workerCount` workers: 256 MiB for all together, at most 64 MiB and at
-  /// least 8 MiB each. Memory that no text has reached is not used. Throws std::bad_alloc.
+  /// least 8 MiB each; 8 MiB also if the process may not have more. Memory that no text has
+  /// reached is not used. Throws std::bad_alloc.
   explicit SharedSlots(std::size_t workerCount);
   ~SharedSlots();
   SharedSlots(const SharedSlots&) = delete;
   SharedSlots& operator=(const SharedSlots&) = delete;
 
   std::size_t size() const noexcept { return count; }
+
+  /// In the worker: whether `fill` would not have to wait.
+  bool haveFree() noexcept;
 
   /// In the worker: copies `text`, at most kSlotBytes, into a slot, once one is free. Returns the
   /// number of the slot.
@@ -58,6 +62,7 @@ class SharedSlots {
     std::uint16_t freedSlots[kMostSlots];
   };
 
+  void map();
   void takeFreed() noexcept;
   char* begin(std::uint16_t slot) const noexcept;
   std::size_t mappedBytes() const noexcept { return sizeof(Shared) + count * kSlotBytes; }

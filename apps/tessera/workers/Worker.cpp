@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -205,6 +206,10 @@ std::deque<std::size_t> Worker::loseInput() {
   return undone;
 }
 
+void Worker::excuse(Clock::duration time) noexcept {
+  since = std::min(since + time, Clock::now());
+}
+
 Worker::Clock::time_point Worker::deadline(std::chrono::milliseconds timeout) const noexcept {
   return unfinished() == 0 || !ready ? Clock::time_point::max() : since + timeout;
 }
@@ -237,6 +242,8 @@ void Worker::removeFrame() noexcept {
   const Frame frame = frames.front();
   frames.pop_front();
   if (frame.kind == Frame::Kind::kText || frame.kind == Frame::Kind::kMessage) {
+    // It has waited until now.
+    if (slotsInUse == slots.size()) since = Clock::now();
     slots.release(frame.slot);
     --slotsInUse;
   } else {

@@ -59,6 +59,8 @@ class Worker {
   /// was at, returns the other inputs that are not done.
   std::deque<std::size_t> receive();
 
+  /// Does not count a time against the process in which nobody listened to it.
+  void excuse(Clock::duration time) noexcept;
   /// When the process is to be ended if it is still at the same input. It has all the time to
   /// start.
   Clock::time_point deadline(std::chrono::milliseconds timeout) const noexcept;

@@ -30,6 +30,15 @@ constexpr int kRestMilliseconds = 20;
 WorkerPool::WorkerPool(const PoolSettings& settings, MakeJob makeJob, Collector& collector)
     : settings(settings), makeJob(std::move(makeJob)), collector(collector) {}
 
+/// Does something that may take long, for example because nobody reads the output.
+template <class Action>
+void WorkerPool::withoutTheirTime(Action action) {
+  const auto begin = Worker::Clock::now();
+  action();
+  const auto time = Worker::Clock::now() - begin;
+  for (const auto& worker : workers) worker->excuse(time);
+}
+
 void WorkerPool::run(std::size_t count) {
   nextToGive = 0;
   nextResult = 0;
@@ -40,7 +49,7 @@ void WorkerPool::run(std::size_t count) {
     showProgress();
     awaitFrames();
     receiveFrames();
-    passResultsOn();
+    withoutTheirTime([this] { passResultsOn(); });
     removeEnded();
   }
   for (const auto& worker : workers) worker->finish();
@@ -115,7 +124,7 @@ void WorkerPool::awaitFrames() {
     sockets.push_back({.fd = worker->descriptor(), .events = POLLIN, .revents = 0});
   }
   if (poll(kRestMilliseconds) != 0) return;
-  collector.rest();
+  withoutTheirTime([this] { collector.rest(); });
   poll(pollTimeout());
 }
 
@@ -132,12 +141,13 @@ void WorkerPool::receiveFrames() {
   std::vector<std::deque<std::size_t>> notBegun;
   for (std::size_t i = 0; i < workers.size(); ++i) {
     const auto& worker = workers[i];
+    if (sockets[i].revents != 0) {
+      std::deque<std::size_t> inputs = worker->receive();
+      requireUsable(*worker);
+      const bool needsSuccessor = !inputs.empty() || nextToGive < end;
+      if (!worker->isRunning() && needsSuccessor) notBegun.push_back(std::move(inputs));
+    }
     if (settings.timeout.count() != 0) worker->endIfLate(settings.timeout);
-    if (sockets[i].revents == 0) continue;
-    std::deque<std::size_t> inputs = worker->receive();
-    requireUsable(*worker);
-    const bool needsSuccessor = !inputs.empty() || nextToGive < end;
-    if (!worker->isRunning() && needsSuccessor) notBegun.push_back(std::move(inputs));
   }
   for (auto& inputs : notBegun) startWorker(std::move(inputs));
 }

@@ -53,6 +53,8 @@ class WorkerPool {
   int poll(int timeoutMilliseconds);
   void receiveFrames();
   void requireUsable(const Worker& worker) const;
+  template <class Action>
+  void withoutTheirTime(Action action);
   void passResultsOn();
   Worker* findWorkerOf(std::size_t index) const;
   bool passFrameOn(Worker& worker);

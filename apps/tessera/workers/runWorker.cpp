@@ -24,6 +24,11 @@ class FrameSender {
   FrameSender(int descriptor, SharedSlots& slots) : descriptor(descriptor), slots(slots) {}
 
   void sendInSlot(Frame::Kind kind, std::string_view text) {
+    // The parent frees only slots that it knows of, and has to see that this process waits for it.
+    if (!slots.haveFree()) {
+      flush();
+      isPartSent = true;
+    }
     const std::uint16_t slot = slots.fill(text);
     add({.kind = kind, .slot = slot, .size = static_cast<std::uint32_t>(text.size())});
   }
@@ -55,7 +60,6 @@ class FrameSender {
   using Clock = std::chrono::steady_clock;
 
   static constexpr std::chrono::milliseconds kLongestDelay{5};
-  // The parent has to know of most slots to free them, or this process would wait forever.
   static constexpr std::size_t kMostPending = SharedSlots::kFewestSlots / 2;
 
   void add(const Frame& frame) {

@@ -98,6 +98,18 @@ class Inputs(ManyFiles):
             self.assertNotIn(b"t/binary", done.stdout)
         self.assertEqual(pathlib.Path(path).read_bytes(), binary)
 
+    def test_the_files_of_a_directory_do_not_depend_on_the_user(self):
+        self.write("home/.config/git/ignore", b"*.a\n")
+        self.write("home/.gitconfig", b"[core]\nexcludesFile = ~/rules\n")
+        self.write("home/rules", b"*.b\n")
+        self.write("t/.gitignore", b"*.c\n")
+        for name in ("t/x.a", "t/x.b", "t/x.c", "t/x.d"):
+            self.write(name)
+        home = {"HOME": str(self.folder / "home"), "XDG_CONFIG_HOME": str(self.folder / "home/.config")}
+        environment = {**os.environ, **home}
+        self.assertEqual(self.files("t", env=environment), ["t/x.a", "t/x.b", "t/x.d"])
+        self.assertEqual(self.files("t", "--no-ignore", "--glob", "*.d", env=environment), ["t/x.d"])
+
     def test_gitignore_excludes_files_of_directories(self):
         self.write("t/.gitignore", b"*.o\nbuild/\n!keep.o\n")
         self.write("t/sub/.gitignore", b"/only\n")
@@ -247,6 +259,19 @@ class Workers(ManyFiles):
             self.assertIn("--timeout", found[3]["error"]["message"])
         for text in ("0", "-1", "x", "1s", "nan", "inf"):
             self.parse("t", "--timeout", text, status=2)
+
+    def test_the_time_in_which_nobody_reads_the_output_is_not_part_of_the_time_of_a_file(self):
+        # More output than a pipe takes, so that the writing begins before the worker is done.
+        self.write("a", b"some ordinary line of code\n" * 60_000)
+        expected = self.parse("a", "-j", "1").stdout
+        command = [PROGRAM, "parse", "--format", "ndjson", "a", "-j", "2", "--timeout", "2"]
+        with subprocess.Popen(command, cwd=self.folder, stdout=subprocess.PIPE) as process:
+            # Only once there is output: the machine may be slow.
+            read = process.stdout.read(1)
+            time.sleep(3)
+            read += process.stdout.read()
+            self.assertEqual(process.wait(120), 0)
+        self.assertEqual(read, expected)
 
     def test_the_start_of_a_process_is_not_part_of_the_time_of_a_file(self):
         self.write_sources(4)
@@ -400,6 +425,21 @@ class Reports(ManyFiles):
             send_signal(process.pid, signal.SIGTERM, pathlib.Path(PROGRAM))
             self.assertEqual(process.wait(), 143)
             self.assertNoLeftovers()
+
+    def test_an_interruption_of_fixes_leaves_whole_files_only(self):
+        wrong, right = b"# <@text:anchr#a>\n", b"# <@text:anchor#a>\n"
+        for _ in range(10):
+            for number in range(500):
+                self.write(f"t/{number}", wrong)
+            process = subprocess.Popen([PROGRAM, "check", "--fix", "t"], cwd=self.folder, start_new_session=True,
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            while process.poll() is None and not any(".tessera-" in name for name in os.listdir(self.folder / "t")):
+                pass
+            if process.returncode is None:
+                send_signal(process.pid, signal.SIGINT, pathlib.Path(PROGRAM))
+            process.wait()
+            self.assertEqual(len(os.listdir(self.folder / "t")), 500)
+            self.assertLessEqual({path.read_bytes() for path in (self.folder / "t").iterdir()}, {wrong, right})
 
     def test_files_are_fixed_in_one_process(self):
         self.write("a", b"# <@text:anchr#a>\n")

@@ -55,5 +55,10 @@ TEST(DescribeLoadError, RecognizesALackOfMemory) {
             "the library /bundles/a.so, which it needs, is not found");
 }
 
+TEST(DescribeLoadError, AFileThatMayNotBeMadeIsNoLackOfMemory) {
+  EXPECT_FALSE(
+      saysLackOfMemory("filesystem error: cannot create directory: Permission denied [/x]"));
+}
+
 }  // namespace
 }  // namespace quenlith::elf

@@ -111,8 +111,7 @@ class FixedLines {
 
   void dropHarmful() {
     joinLines();
-    // Most lines have no range.
-    if (text.find(u'[') == text.npos) return;
+    if (!mayHaveRange()) return;
     const std::size_t before = countUnusable(text);
     const bool isTried = fixed.size() <= kMostTried;
     if (isTried) {
@@ -130,6 +129,16 @@ class FixedLines {
   }
 
  private:
+  /// Most lines have none, before and after their fixes.
+  bool mayHaveRange() const {
+    return text.find(u'[') != text.npos ||
+           std::ranges::any_of(fixed, [](const Diagnostic* diagnostic) {
+             return std::ranges::any_of(diagnostic->fix->edits, [](const Edit& edit) {
+               return edit.text.find('[') != edit.text.npos;
+             });
+           });
+  }
+
   static bool dropIf(bool isDropped, Diagnostic& diagnostic) {
     if (isDropped) diagnostic.fix.reset();
     return isDropped;

@@ -22,9 +22,13 @@ constexpr std::string_view kNotFound = ": cannot open shared object file: No suc
 constexpr std::string_view kUndefined = "undefined symbol: ";
 
 // What glibc's loader says when it gets no memory for its tables or for the library.
-constexpr std::array<std::string_view, 5> kLackOfMemory = {
-    ": cannot create ", ": cannot allocate ", ": cannot extend ", "out of memory",
-    "failed to map segment from shared object"};
+constexpr std::array kLackOfMemory = std::to_array<std::string_view>(
+    {": cannot create HWCAP priorities", ": cannot create RUNPATH/RPATH copy",
+     ": cannot create TLS data structures", ": cannot create cache for search path",
+     ": cannot create capability list", ": cannot create scope list",
+     ": cannot create search path array", ": cannot create searchlist",
+     ": cannot create shared object descriptor", ": cannot allocate ", ": cannot extend ",
+     "out of memory", "failed to map segment from shared object"});
 // This area has a fixed size.
 constexpr std::string_view kStaticArea = "static TLS block";
 
