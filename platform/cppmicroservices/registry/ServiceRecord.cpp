@@ -218,12 +218,13 @@ InterfaceMapConstPtr ServiceRecord::callFactory(const Use& use) noexcept {
   try {
     service = use.factory->GetService(use.user->bundle(), registration());
     if (isComplete(service)) return service;
+    if (!isGoing()) {
+      report("a service factory made no object for an interface of its service",
+             ServiceException::FACTORY_ERROR);
+    }
   } catch (...) {
-    reportThrown("a service factory threw an exception");
-    return nullptr;
+    if (!isGoing()) reportThrown("a service factory threw an exception");
   }
-  report("a service factory made no object for an interface of its service",
-         ServiceException::FACTORY_ERROR);
   return nullptr;
 }
 
@@ -231,6 +232,12 @@ bool ServiceRecord::isComplete(const InterfaceMapConstPtr& service) const {
   return service && std::all_of(interfaces.begin(), interfaces.end(), [&](const auto& interfaceId) {
            return ExtractInterface(service, interfaceId) != nullptr;
          });
+}
+
+// A factory need not make objects any more while its service goes.
+bool ServiceRecord::isGoing() const noexcept {
+  const std::lock_guard lock(mutex);
+  return state != State::kRegistered;
 }
 
 void ServiceRecord::report(const char* problem, ServiceException::Type type) noexcept {

@@ -103,6 +103,7 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
 
   bool isMadeElsewhere(const ServiceClient& user) const;
   bool isCurrent(const Use& use) const;
+  bool isGoing() const noexcept;
   InterfaceMapConstPtr startUse(const std::shared_ptr<ServiceClient>& user,
                                 std::unique_lock<std::mutex>& lock);
   InterfaceMapConstPtr make(std::shared_ptr<Hold> holder);

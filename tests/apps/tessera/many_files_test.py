@@ -261,10 +261,10 @@ class Workers(ManyFiles):
             self.parse("t", "--timeout", text, status=2)
 
     def test_the_time_in_which_nobody_reads_the_output_is_not_part_of_the_time_of_a_file(self):
-        # More output than a pipe takes, so that the writing begins before the worker is done.
+        # More output than the memory that each of so many workers shares, so that it has to wait.
         self.write("a", b"some ordinary line of code\n" * 60_000)
         expected = self.parse("a", "-j", "1").stdout
-        command = [PROGRAM, "parse", "--format", "ndjson", "a", "-j", "2", "--timeout", "2"]
+        command = [PROGRAM, "parse", "--format", "ndjson", "a", "-j", "32", "--timeout", "2"]
         with subprocess.Popen(command, cwd=self.folder, stdout=subprocess.PIPE) as process:
             # Only once there is output: the machine may be slow.
             read = process.stdout.read(1)

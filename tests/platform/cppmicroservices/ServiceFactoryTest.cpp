@@ -96,6 +96,22 @@ TEST_F(ServiceFactories, ThatReturnNothingAreReported) {
             (std::vector{ServiceException::FACTORY_ERROR, ServiceException::FACTORY_ERROR}));
 }
 
+TEST_F(ServiceFactories, ThatFailWhileTheirServiceGoesAreNotReported) {
+  workshop->make = [this]() -> InterfaceMapConstPtr {
+    registration.Unregister();
+    throw std::runtime_error("gone");
+  };
+  EXPECT_EQ(context.GetService(reference), nullptr);
+  registration = context.RegisterService<Greeter>(ToFactory(workshop));
+  workshop->make = [this] {
+    registration.Unregister();
+    return nullptr;
+  };
+  EXPECT_EQ(context.GetService(registration.GetReference()), nullptr);
+  EXPECT_EQ(workshop->made, 2);
+  EXPECT_TRUE(errors.empty());
+}
+
 TEST_F(ServiceFactories, ThatReturnAnotherInterfaceAreReported) {
   workshop->make = [] {
     return InterfaceMapConstPtr(MakeInterfaceMap<Counter>(std::make_shared<Counter>()));
