@@ -22,7 +22,7 @@ SIZE = 1000 if SANITIZERS else 8000
 IS_WHOLE = os.environ.get("HOSTILE_SIZES") == "all"
 SECONDS = 7200 if IS_WHOLE else 600
 
-# Only the last open comment has a fix, and a run fixes a file in at most ten rounds.
+# Only the last open comment has a fix, and a run fixes a file in at most 40 rounds.
 FIXED_LATER = "comments_that_are_not_closed.py"
 
 # Arguments after which the paths follow, and the statuses that are right.
