@@ -20,6 +20,7 @@ using cppmicroservices::ServiceEvent;
 using cppmicroservices::ServiceRegistration;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 
 namespace {
 
@@ -97,9 +98,8 @@ TEST_F(Runtime, ObjectIsDroppedWhenItsReferenceGoesAwayMeanwhile) {
   hook->action = [this] { registration.Unregister(); };
   EXPECT_EQ(get<demo::Number>(), nullptr);
   EXPECT_THAT(hook->take(), ElementsAre("+pair", "-pair"));
-  EXPECT_THAT(takeProblems(),
-              ElementsAre(HasSubstr("component demo::Pair: is not active any more: a service that "
-                                    "it needs has just gone")));
+  // It happens to anybody who gets a service while it goes.
+  EXPECT_THAT(takeProblems(), IsEmpty());
 }
 
 TEST_F(Runtime, DependentIsNotCreatedWithoutItsService) {
