@@ -139,11 +139,11 @@ class Outputs(Links):
 
     def test_a_second_name_in_the_way_is_not_written(self):
         os.link(self.outside / "victim.py", self.work / "out" / "file.partial")
-        self.refuse("is in the way")
+        self.refuse("is not the incomplete output of another run")
 
     def test_a_pipe_in_the_way_is_not_written(self):
         os.mkfifo(self.work / "out" / "file.partial")
-        self.refuse("is in the way")
+        self.refuse("is not the incomplete output of another run")
 
     def test_a_folder_in_the_way_is_not_removed(self):
         (self.work / "out" / "file.partial").mkdir()

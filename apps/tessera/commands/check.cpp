@@ -57,7 +57,7 @@ void requireRecords(const CheckOptions& options) {
   throw diagnostics::ProblemError(
       {.file = "tessera",
        .place = {},
-       .what = "--resume continues the records of a file",
+       .what = "--resume needs an output file that has one record per input",
        .remedy = "add --format json and -o FILE without --fix, or leave --resume out"});
 }
 

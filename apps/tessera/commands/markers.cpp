@@ -46,7 +46,7 @@ void requireRecords(const MarkersOptions& options) {
   throw diagnostics::ProblemError(
       {.file = "tessera",
        .place = {},
-       .what = "--resume continues the records of a file",
+       .what = "--resume needs an output file that has one record per input",
        .remedy = "add --format json and -o FILE, or leave --resume out"});
 }
 

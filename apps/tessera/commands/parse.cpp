@@ -178,7 +178,7 @@ class ParseRun {
 
 void requireRecords(const ParseOptions& options) {
   if (options.format == ParseFormat::kNdjson && !options.run.outputFile.empty()) return;
-  refuseFile("tessera", "--resume continues the records of a file",
+  refuseFile("tessera", "--resume needs an output file that has one record per input",
              "add --format ndjson and -o FILE, or leave --resume out");
 }
 

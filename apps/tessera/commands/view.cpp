@@ -33,7 +33,7 @@ void requireFiles(const ViewOptions& options) {
   if (std::ranges::find(options.inputs.paths, "-") == options.inputs.paths.end()) return;
   throw diagnostics::ProblemError({.file = "-",
                                    .place = {},
-                                   .what = "standard input does not change",
+                                   .what = "standard input cannot be watched",
                                    .remedy = "name a file, or use parse --format html"});
 }
 

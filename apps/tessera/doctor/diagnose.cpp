@@ -162,7 +162,7 @@ Diagnosis diagnose(const std::vector<std::string>& extensionBundles) {
   } catch (const std::exception& error) {
     diagnosis.problems.push_back({.file = "tessera",
                                   .place = {},
-                                  .what = std::string("the framework fails: ") + error.what(),
+                                  .what = std::string("the framework failed: ") + error.what(),
                                   .remedy = "install the program again"});
   }
   return diagnosis;

@@ -22,7 +22,7 @@ const char* remedyForReading(int error) {
       return "check the name";
     case EACCES:
     case EPERM:
-      return "ask for the right to read it, or name another file";
+      return "check its permissions, or name another file";
     case EISDIR:
       return "name the files in it";
     default:

@@ -18,12 +18,12 @@ const char* remedyForWriting(int error) {
   switch (error) {
     case ENOENT:
     case ENOTDIR:
-      return "make its folder, or name a file in another one";
+      return "create its folder, or name a file in another one";
     case EACCES:
     case EPERM:
-      return "ask for the right to write it, or name another file";
+      return "check its permissions, or name another file";
     case ENOSPC:
-      return "make room, or name a file that can be written";
+      return "free some disk space, or name a file that can be written";
     default:
       return "name a file that can be written";
   }

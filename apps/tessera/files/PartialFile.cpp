@@ -85,10 +85,11 @@ class PartialOpening {
     }
     if (S_ISREG(held.st_mode) && held.st_nlink == 1) return true;
     // A pipe, or a second name of a file that is elsewhere, was put there.
-    throw diagnostics::OutputError({.file = path,
-                                    .place = {},
-                                    .what = "is in the way, and not a file that a run has left",
-                                    .remedy = "remove it, or name another file"});
+    throw diagnostics::OutputError(
+        {.file = path,
+         .place = {},
+         .what = "exists, and is not the incomplete output of another run",
+         .remedy = "remove it, or name another file"});
   }
 
   [[noreturn]] void failLocking(const Descriptor& file) const {

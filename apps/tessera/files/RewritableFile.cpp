@@ -60,12 +60,11 @@ class TemporaryFile {
 };
 
 [[noreturn]] void failWithError(const std::string& name, const std::string& what, int error) {
-  const char* remedy =
-      error == ENOENT || error == ENOTDIR ? "check the name"
-      : error == EACCES || error == EPERM || error == EROFS
-          ? "ask for the right to write it and its folder, or check it without --fix"
-      : error == ENOSPC ? "make room, and try again"
-                        : "check it without --fix";
+  const char* remedy = error == ENOENT || error == ENOTDIR ? "check the name"
+                       : error == EACCES || error == EPERM || error == EROFS
+                           ? "change the permissions of the file and its folder, or leave out --fix"
+                       : error == ENOSPC ? "free some disk space, and try again"
+                                         : "check it without --fix";
   throw diagnostics::ProblemError({.file = name,
                                    .place = {},
                                    .what = what + ": " + std::generic_category().message(error),
@@ -126,7 +125,7 @@ void RewritableFile::requireUnchanged() const {
 }
 
 void RewritableFile::requireWritable() const {
-  if (!folder.isWritable(target)) failWithError(name, "may not be written", errno);
+  if (!folder.isWritable(target)) failWithError(name, "is not writable", errno);
   if (status.st_nlink > 1) {
     fail("has several names (hard links), and only one would get the new content",
          "copy it, or correct it by hand");

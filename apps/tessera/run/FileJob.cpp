@@ -69,7 +69,7 @@ bool FileJob::isAccepted(const quenlith::syntax::Marker& marker) {
 void FileJob::failWithoutMemory(const std::string& path) {
   throw diagnostics::ProblemError({.file = path,
                                    .place = {},
-                                   .what = "there is not enough memory for it",
+                                   .what = "there is not enough memory for this file",
                                    .remedy = "run fewer workers (-j), or split the file"});
 }
 

@@ -36,11 +36,11 @@ class FailureGuard final : public workers::Collector {
 
   void endInput(std::size_t index, workers::Outcome outcome) override {
     if (index < failedBefore && outcome == workers::Outcome::kDone) {
-      throw diagnostics::ProblemError(
-          {.file = inputs[index].path,
-           .place = {},
-           .what = "it has no record in the output of the interrupted run, but has one now",
-           .remedy = "run without --resume"});
+      throw diagnostics::ProblemError({.file = inputs[index].path,
+                                       .place = {},
+                                       .what = "the interrupted run could not use this file, but "
+                                               "this run can: its record would be out of order",
+                                       .remedy = "run without --resume"});
     }
     if (!held.empty()) next.addText(std::exchange(held, {}));
     ++ended;

@@ -47,7 +47,7 @@ void TextCollector::loseInput(std::size_t index, const workers::Loss& loss) {
     throw diagnostics::OutputError(
         {.file = file,
          .place = {},
-         .what = "the output ends within its text: " + loss.reason,
+         .what = "the output of this file is incomplete: " + loss.reason,
          .remedy = "write to a file (-o), then such a part is removed and the run goes on"});
   }
   writtenBytes = 0;
@@ -64,7 +64,7 @@ diagnostics::Problem problemOf(const std::string& file, const std::string& what,
           .place = place,
           .what = what + ": " + loss.reason,
           .remedy =
-              "leave the bundle out that causes it, or report it with the calls that "
+              "leave out the bundle that causes this, or report it with the calls that "
               "tessera parse --record writes"};
 }
 

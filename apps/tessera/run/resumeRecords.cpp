@@ -73,7 +73,7 @@ class RecordMatcher {
     throw diagnostics::ProblemError(
         {.file = file.partialName(),
          .place = {},
-         .what = "record " + std::to_string(count + 1) + " is not of " + expected,
+         .what = "record " + std::to_string(count + 1) + " does not belong to " + expected,
          .remedy = "resume with the inputs and options of the interrupted run, or run without "
                    "--resume"});
   }

@@ -112,7 +112,7 @@ std::size_t SnippetSession::choose(const Snippet& snippet) {
     if (called->parser->canParse(snippet)) return i;
   }
   called = nullptr;
-  throw std::runtime_error("no snippet parser takes the line");
+  throw std::runtime_error("no snippet parser accepts the line");
 }
 
 LineOutcome SnippetSession::parseLine(const std::shared_ptr<TesseraDocument>& document,

@@ -29,7 +29,7 @@ constexpr std::chrono::milliseconds kLongestBurst{50};
   throw diagnostics::ProblemError(
       {.file = folder,
        .place = {},
-       .what = std::string("changes cannot be noticed (") + std::strerror(error) + ")",
+       .what = std::string("it cannot be watched for changes (") + std::strerror(error) + ")",
        .remedy = "name fewer directories, or raise fs.inotify.max_user_watches"});
 }
 

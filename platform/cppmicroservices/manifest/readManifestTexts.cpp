@@ -28,7 +28,7 @@ constexpr std::size_t kLongestComment = 65535;
 constexpr std::string_view kManifestName = "/manifest.json";
 
 constexpr const char* kArchiveRemedy =
-    "append a zip archive that holds <symbolic name>/manifest.json to the library, after it was "
+    "append a zip archive that contains <symbolic name>/manifest.json to the library, after it was "
     "stripped";
 
 struct CloseArchive {

@@ -501,7 +501,7 @@ class Reports(ManyFiles):
             self.write("out.partial", lines[1])
             done = self.run_report(command, "--format", "json", "t", "-o", "out", "--resume")
             self.assertEqual(done.returncode, 2)
-            self.assertIn(b"t/a: error: it has no record in the output of the interrupted run", done.stderr)
+            self.assertIn(b"t/a: error: the interrupted run could not use this file", done.stderr)
             self.assertEqual((self.folder / "out.partial").read_bytes(), lines[1])
 
 

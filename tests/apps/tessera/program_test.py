@@ -239,13 +239,13 @@ class Parse(ProgramTest):
         except PermissionError:
             self.skipTest("the user nobody cannot run the program")
         self.assertRefused(done, name + ": error: cannot be opened: Permission denied; "
-                           "ask for the right to read it, or name another file", status=3)
+                           "check its permissions, or name another file", status=3)
 
     def test_output_that_cannot_be_written_is_an_error(self):
         with open("/dev/full", "wb") as full:
             done = subprocess.run([PROGRAM, "parse", *FILES], stdout=full, stderr=subprocess.PIPE, timeout=60)
         self.assertEqual(done.stderr.decode(), "standard output: error: cannot be written: No space left on "
-                         "device; make room, or name a file that can be written\n")
+                         "device; free some disk space, or name a file that can be written\n")
         self.assertEqual(done.returncode, 2)
 
     def test_help_that_cannot_be_written_is_an_error(self):
@@ -253,8 +253,8 @@ class Parse(ProgramTest):
             with open("/dev/full", "wb") as full:
                 done = subprocess.run([PROGRAM, *arguments], stdout=full, stderr=subprocess.PIPE, timeout=60)
             self.assertEqual((done.stderr.decode(), done.returncode), (
-                "standard output: error: cannot be written: No space left on device; make room, or name a file that "
-                "can be written\n", 2))
+                "standard output: error: cannot be written: No space left on device; free some disk space, or "
+                "name a file that can be written\n", 2))
 
     def test_a_closed_stream_is_an_error_and_its_output_goes_to_no_other_file(self):
         name, record = self.write("f", b"x\n"), str(self.folder / "calls")
@@ -527,8 +527,8 @@ class Replay(ProgramTest):
         cases = {
             str(self.folder): "created: Is a directory; name a file that can be written",
             str(self.folder / "none" / "f"):
-                "created: No such file or directory; make its folder, or name a file in another one",
-            "/dev/full": "written: No space left on device; make room, or name a file that can be written",
+                "created: No such file or directory; create its folder, or name a file in another one",
+            "/dev/full": "written: No space left on device; free some disk space, or name a file that can be written",
         }
         for name, message in cases.items():
             with self.subTest(name=name):

@@ -53,28 +53,28 @@ const std::vector<BrokenBundle>& brokenBundles() {
        "FILE: the file cannot be read (Is a directory); give the path of the library of a bundle"},
       {"EmptyFile", Make::kManifestOnly, "",
        "FILE: there is no complete zip archive at the end of the file; append a zip archive that "
-       "holds <symbolic name>/manifest.json to the library, after it was stripped"},
+       "contains <symbolic name>/manifest.json to the library, after it was stripped"},
       {"TextFile", Make::kManifestOnly, named(""),
        "FILE: there is no complete zip archive at the end of the file; append a zip archive that "
-       "holds <symbolic name>/manifest.json to the library, after it was stripped"},
+       "contains <symbolic name>/manifest.json to the library, after it was stripped"},
       {"NoArchive", Make::kNoArchive, "",
        "FILE: there is no complete zip archive at the end of the file; append a zip archive that "
-       "holds <symbolic name>/manifest.json to the library, after it was stripped"},
+       "contains <symbolic name>/manifest.json to the library, after it was stripped"},
       {"CutArchive", Make::kCutArchive, named(""),
        "FILE: there is no complete zip archive at the end of the file; append a zip archive that "
-       "holds <symbolic name>/manifest.json to the library, after it was stripped"},
+       "contains <symbolic name>/manifest.json to the library, after it was stripped"},
       {"WrongBytes", Make::kWrongBytes, named(""),
        "FILE: the zip archive at the end of the file is damaged (CRC error); append a zip archive "
-       "that holds <symbolic name>/manifest.json to the library, after it was stripped"},
+       "that contains <symbolic name>/manifest.json to the library, after it was stripped"},
       {"EmptyArchive", Make::kEmptyArchive, "",
        "FILE: the zip archive at the end of the file has no manifest; append a zip archive that "
-       "holds <symbolic name>/manifest.json to the library, after it was stripped"},
+       "contains <symbolic name>/manifest.json to the library, after it was stripped"},
       {"NoManifest", Make::kOtherFile, named(""),
        "FILE: the zip archive at the end of the file has no manifest; append a zip archive that "
-       "holds <symbolic name>/manifest.json to the library, after it was stripped"},
+       "contains <symbolic name>/manifest.json to the library, after it was stripped"},
       {"ManifestOutsideOfAFolder", Make::kNoFolder, named(""),
        "FILE: the zip archive at the end of the file has no manifest; append a zip archive that "
-       "holds <symbolic name>/manifest.json to the library, after it was stripped"},
+       "contains <symbolic name>/manifest.json to the library, after it was stripped"},
       {"NoLibrary", Make::kArchiveOnly, named(""),
        "FILE: it is not a shared library: it does not begin as an ELF file; name the library of a "
        "bundle"},

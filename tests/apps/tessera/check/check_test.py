@@ -323,8 +323,8 @@ class Fix(CheckTest):
         os.chmod(name, 0o444)
         self.folder.chmod(0o777)
         done = self.fix(name, "--format", "json", **({"user": 65534} if os.geteuid() == 0 else {}))
-        self.assertNotFixed(done, name, "may not be written: Permission denied; ask for the right to write it and "
-                            "its folder, or check it without --fix")
+        self.assertNotFixed(done, name, "is not writable: Permission denied; change the permissions of the file and "
+                            "its folder, or leave out --fix")
         self.assertEqual(len(documents(done.stdout)[0]["diagnostics"]), 3)
         self.assertEqual((self.read(name), os.listdir(self.folder)), (self.BROKEN, ["f"]))
 

@@ -135,7 +135,7 @@ class Workshop:
 
 
 def remedy_of_archive():
-    return "append a zip archive that holds <symbolic name>/manifest.json to the library, after it was stripped"
+    return "append a zip archive that contains <symbolic name>/manifest.json to the library, after it was stripped"
 
 
 CORRECT = "correct the manifest and append the archive again"

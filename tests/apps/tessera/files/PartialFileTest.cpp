@@ -67,12 +67,12 @@ TEST_F(PartialFileTest, ALinkInTheWayIsNotFollowed) {
 
 TEST_F(PartialFileTest, AFileWithASecondNameInTheWayIsNotWritten) {
   fs::create_hard_link(victim, folder / "out.partial");
-  expectRefused("is in the way, and not a file that a run has left");
+  expectRefused("exists, and is not the incomplete output of another run");
 }
 
 TEST_F(PartialFileTest, APipeInTheWayIsNotWritten) {
   ASSERT_EQ(::mkfifo((folder / "out.partial").c_str(), 0600), 0);
-  expectRefused("is in the way, and not a file that a run has left");
+  expectRefused("exists, and is not the incomplete output of another run");
 }
 
 TEST_F(PartialFileTest, ItStaysInTheFolderThatWasNamed) {

@@ -169,7 +169,7 @@ TEST_F(SnippetSessionTest, ALineThatNoParserAcceptsIsAnError) {
     makeSession().parse({u"a", true});
     ADD_FAILURE();
   } catch (const ParserError& error) {
-    EXPECT_STREQ(error.what(), "no snippet parser takes the line");
+    EXPECT_STREQ(error.what(), "no snippet parser accepts the line");
     EXPECT_EQ(error.parser(), "");
   }
 }

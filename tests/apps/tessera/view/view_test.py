@@ -166,7 +166,7 @@ class Answers(Case):
             self.assertEqual(again.port, first.port)
 
     def test_what_cannot_be_shown_is_refused(self):
-        for arguments, message in ((["-"], "standard input does not change"), (["--port", "0", "a"], "is not a port"),
+        for arguments, message in ((["-"], "standard input cannot be watched"), (["--port", "0", "a"], "is not a port"),
                                    (["--port", "65536", "a"], "is not a port"),
                                    (["--close-after", "-1", "a"], "is not a time")):
             done = subprocess.run([PROGRAM, "view", *arguments], cwd=self.folder, capture_output=True, text=True,
