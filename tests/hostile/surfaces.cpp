@@ -106,8 +106,9 @@ class Run {
 
   void measureCheck() {
     ParsedFile file = parse(bytes);
-    const tessera::session::ParsedSnippet document{
-        .code = {}, .parts = {}, .document = file.snippet.document, .lines = file.snippet.lines};
+    tessera::session::ParsedSnippet document;
+    document.document = file.snippet.document;
+    document.lines = file.snippet.lines;
     const std::uint64_t appendixLine = file.source.appendixLine;
     CheckedFile checked;
     add("check", [&] { checked = check(std::move(file)); });
