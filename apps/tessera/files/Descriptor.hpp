@@ -21,7 +21,7 @@ class Descriptor {
 
   int get() const noexcept { return number; }
 
-  /// Returns the file, which is no longer closed at the end.
+  /// Returns the file, which then stays open at the end.
   int release() noexcept { return std::exchange(number, -1); }
 
   /// Returns whether the system reported no error.

@@ -34,7 +34,7 @@ void checkEach(const Markers& markers, const ustring& text) {
   for (const auto& info : markers) {
     checkRoundTrip(info.marker);
     require(Marker(text.substr(info.position, info.length)) == info.marker,
-            "a marker is made of its own text");
+            "the text of a marker makes it");
   }
 }
 

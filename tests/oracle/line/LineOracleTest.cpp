@@ -76,13 +76,8 @@ bool runCase(const RunSettings& settings, std::size_t number, Tally& tally) {
 TEST(LineOracle, RandomLinesAgreeWithTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kCases);
   Tally tally = emptyTally(settings);
-  if (settings.only) {
-    runCase(settings, *settings.only, tally);
-    return;
-  }
-  for (std::size_t number = 0; number < settings.cases; ++number) {
-    if (!runCase(settings, number, tally)) return;
-  }
+  const auto run = [&](std::size_t number) { return runCase(settings, number, tally); };
+  if (!settings.runCases(run)) return;
   std::cout << tally;
   for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
 }
@@ -109,13 +104,7 @@ bool runFaults(const RunSettings& settings, std::size_t number) {
 
 TEST(LineOracle, LinesInWhichAServiceThrowsAgreeWithTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kFaultCases);
-  if (settings.only) {
-    runFaults(settings, *settings.only);
-    return;
-  }
-  for (std::size_t number = 0; number < settings.cases; ++number) {
-    if (!runFaults(settings, number)) return;
-  }
+  settings.runCases([&](std::size_t number) { return runFaults(settings, number); });
 }
 
 }  // namespace

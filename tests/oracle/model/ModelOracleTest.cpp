@@ -238,13 +238,8 @@ TEST(ModelOracle, RandomAppendsHaveTheSameResultsAsTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kCases);
   Tally tally;
   for (const char* name : kAttempts) tally.addRow(name, settings.leastOf(kLeast));
-  if (settings.only) {
-    runCase(settings, *settings.only, tally);
-    return;
-  }
-  for (std::size_t number = 0; number < settings.cases; ++number) {
-    if (!runCase(settings, number, tally)) return;
-  }
+  const auto run = [&](std::size_t number) { return runCase(settings, number, tally); };
+  if (!settings.runCases(run)) return;
   std::cout << tally;
   for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
 }

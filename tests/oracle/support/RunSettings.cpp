@@ -38,6 +38,17 @@ RunSettings RunSettings::fromEnvironment(std::size_t wholeCases) {
   return settings;
 }
 
+bool RunSettings::runCases(const std::function<bool(std::size_t)>& run) const {
+  if (only) {
+    run(*only);
+    return false;
+  }
+  for (std::size_t number = 0; number < cases; ++number) {
+    if (!run(number)) return false;
+  }
+  return true;
+}
+
 std::size_t RunSettings::leastOf(std::size_t wholeLeast) const {
   if (cases >= wholeCases) return wholeLeast;
   return std::max<std::size_t>(1, wholeLeast * cases / wholeCases / 4);

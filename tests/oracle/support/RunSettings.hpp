@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -26,6 +27,10 @@ struct RunSettings {
   /// Returns the minimum in this run of a count that has the minimum `wholeLeast` in a whole run.
   /// It is not 0, but lower than this run's part, because small counts vary more.
   std::size_t leastOf(std::size_t wholeLeast) const;
+
+  /// Calls `run` with the number of each case of this run until it returns false. Returns whether
+  /// all of them passed; false also if there was only one to repeat.
+  bool runCases(const std::function<bool(std::size_t)>& run) const;
 
   std::uint64_t seedOf(std::size_t caseNumber) const;
   /// Returns how to repeat one case.

@@ -45,13 +45,8 @@ TEST(TaskOracle, RandomCallsAgreeWithTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kCases);
   Tally tally;
   addTaskRows(settings, tally);
-  if (settings.only) {
-    runRandomCase(settings, *settings.only, tally);
-    return;
-  }
-  for (std::size_t number = 0; number < settings.cases; ++number) {
-    if (!runRandomCase(settings, number, tally)) return;
-  }
+  const auto run = [&](std::size_t number) { return runRandomCase(settings, number, tally); };
+  if (!settings.runCases(run)) return;
   if (!runLongCases(settings, tally)) return;
   std::cout << tally;
   for (const std::string& row : tally.shortRows()) ADD_FAILURE() << "too seldom: " << row;
@@ -79,13 +74,7 @@ bool runFaults(const RunSettings& settings, std::size_t number) {
 
 TEST(TaskOracle, CallsInWhichAServiceThrowsAgreeWithTheTwin) {
   const RunSettings settings = RunSettings::fromEnvironment(kFaultCases);
-  if (settings.only) {
-    runFaults(settings, *settings.only);
-    return;
-  }
-  for (std::size_t number = 0; number < settings.cases; ++number) {
-    if (!runFaults(settings, number)) return;
-  }
+  settings.runCases([&](std::size_t number) { return runFaults(settings, number); });
 }
 
 }  // namespace
