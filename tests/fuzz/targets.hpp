@@ -15,6 +15,8 @@ void checkScanner(std::string_view input);
 void checkMarker(std::string_view input);
 void checkCollections(std::string_view input);
 void checkHandles(std::string_view input);
+
+// framework/
 void checkFilter(std::string_view input);
 void checkManifest(std::string_view input);
 void checkLibrary(std::string_view input);

@@ -413,12 +413,17 @@ class Names(Case):
             with zipfile.ZipFile(path, "a") as archive:
                 archive.writestr("faults/manifest.json", headers if isinstance(headers, str) else json.dumps(headers))
 
-        component = {"implementation-class": ALL, "service": {"interfaces": [ALL]}, "inject-references": True,
-                     "references": [{"name": ALL, "interface": ALL}]}
+        def component_of(text):
+            return {"implementation-class": text, "service": {"interfaces": [text]}, "inject-references": True,
+                    "references": [{"name": text, "interface": text}]}
+
+        # An installed CppMicroServices cuts a text at its first NUL.
+        whole = component_of(ALL.replace("\0", ""))
         for headers, marks in (
                 ({"bundle.symbolic_name": ALL}, []), ({"bundle.symbolic_name": "faults", "bundle.version": ALL}, []),
                 ({"bundle.symbolic_name": "faults", ALL: ALL}, []),
-                ({"bundle.symbolic_name": "faults", "scr": {"version": 1, "components": [component]}}, MARKS),
+                ({"bundle.symbolic_name": "faults", "scr": {"version": 1, "components": [component_of(ALL)]}}, []),
+                ({"bundle.symbolic_name": "faults", "scr": {"version": 1, "components": [whole]}}, MARKS),
                 ({"bundle.symbolic_name": "faults", "scr": {"version": 1, "components": [{ALL: 1}]}}, []), (ALL, [])):
             add(headers)
             with self.subTest(str(headers)[:60]):

@@ -10,10 +10,7 @@ std::span<const Target> targets() {
                                        Target{"scanner", &checkScanner},
                                        Target{"marker", &checkMarker},
                                        Target{"collections", &checkCollections},
-                                       Target{"handles", &checkHandles},
-                                       Target{"filter", &checkFilter},
-                                       Target{"manifest", &checkManifest},
-                                       Target{"library", &checkLibrary}};
+                                       Target{"handles", &checkHandles}};
   return kTargets;
 }
 

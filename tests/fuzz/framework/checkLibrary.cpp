@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "fuzz/MemoryFile.hpp"
-#include "fuzz/platform/BundleHost.hpp"
+#include "fuzz/framework/BundleHost.hpp"
 #include "fuzz/require.hpp"
 #include "fuzz/targets.hpp"
 #include "quenlith/elf/Fault.hpp"

@@ -1,4 +1,4 @@
-#include "fuzz/platform/BundleHost.hpp"
+#include "fuzz/framework/BundleHost.hpp"
 
 #include <cppmicroservices/Bundle.h>
 #include <cppmicroservices/BundleContext.h>

@@ -10,7 +10,7 @@
 
 #include "framework/broken/BundleFile.hpp"
 #include "fuzz/MemoryFile.hpp"
-#include "fuzz/platform/BundleHost.hpp"
+#include "fuzz/framework/BundleHost.hpp"
 #include "fuzz/readJson.hpp"
 #include "fuzz/require.hpp"
 #include "fuzz/targets.hpp"
