@@ -85,6 +85,9 @@ set(QUENLITH_SANITIZE "" CACHE STRING "Sanitizers to build everything with")
 if(QUENLITH_SANITIZE)
   add_compile_options(-fsanitize=${QUENLITH_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${QUENLITH_SANITIZE})
+else()
+  # A file names only the libraries that it uses, and so does its package. Debian's g++ does this by itself.
+  add_link_options(-Wl,--as-needed)
 endif()
 
 option(QUENLITH_COVERAGE "Count what is reached (clang only)" OFF)
