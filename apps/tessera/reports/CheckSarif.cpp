@@ -23,8 +23,8 @@ namespace {
 
 // Services reject a run with more.
 constexpr std::size_t kMostResults = 25000;
-// Files that could not be checked; a list of any length is of no use.
-constexpr std::size_t kMostNotifications = 1000;
+// Files that could not be checked: after so many they are only counted.
+constexpr std::size_t kMostProblems = 1000;
 
 void writePlace(Writer& json, const diagnostics::Problem& problem) {
   json.key("locations");
@@ -62,15 +62,13 @@ std::string notificationOf(const diagnostics::Problem& problem) {
   return embeddable(notification);
 }
 
-std::string notificationOf(std::size_t leftOut) {
+/// Returns a notification about what the log does not have.
+std::string warningOf(const std::string& message) {
   std::string notification;
   Writer json(notification, Form::kCompact);
   json.beginObject();
   writeMember(json, "level", "warning");
-  writeMessage(json, "message",
-               std::to_string(leftOut) +
-                   " results are left out, because a run has at most 25,000; check fewer "
-                   "files at a time");
+  writeMessage(json, "message", message);
   json.endObject();
   return notification;
 }
@@ -132,12 +130,21 @@ void CheckSarif::add(const std::string& result, Severity severity) {
 }
 
 void CheckSarif::addProblem(const diagnostics::Problem& problem) {
-  failed = true;
-  if (notifications.size() < kMostNotifications) notifications.push_back(notificationOf(problem));
+  if (++problemCount <= kMostProblems) notifications.push_back(notificationOf(problem));
 }
 
 void CheckSarif::finish() {
-  if (leftOut != 0) notifications.push_back(notificationOf(leftOut));
+  if (problemCount > kMostProblems) {
+    notifications.push_back(
+        warningOf(std::to_string(problemCount - kMostProblems) +
+                  " more files could not be checked; they are on standard error"));
+  }
+  if (leftOut != 0) {
+    notifications.push_back(
+        warningOf(std::to_string(leftOut) +
+                  " results are left out, because a run has at most 25,000; check fewer files at "
+                  "a time"));
+  }
   Writer json(output.text(), Form::kCompact);
   json.beginObject();
   writeMember(json, "$schema", "https://json.schemastore.org/sarif-2.1.0.json");
@@ -146,7 +153,7 @@ void CheckSarif::finish() {
   json.beginArray();
   json.beginObject();
   writeTool(json);
-  writeInvocation(json, !failed, notifications);
+  writeInvocation(json, problemCount == 0, notifications);
   writeMember(json, "columnKind", "utf16CodeUnits");
   json.key("results");
   json.beginArray();

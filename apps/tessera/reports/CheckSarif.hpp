@@ -36,7 +36,7 @@ class CheckSarif : public CheckReport {
   std::size_t leftOut = 0;
   // Each as JSON.
   std::vector<std::string> notifications;
-  bool failed = false;
+  std::size_t problemCount = 0;
 };
 
 }  // namespace tessera::reports

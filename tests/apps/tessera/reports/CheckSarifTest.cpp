@@ -137,6 +137,19 @@ TEST_F(CheckSarifTest, TheTextOfANotificationHasNoControlCharacters) {
             "a \\u001b[31m \\u202e; remove the \\n");
 }
 
+TEST_F(CheckSarifTest, AfterAThousandProblemsTheRestIsCounted) {
+  for (int i = 0; i < 1003; ++i) {
+    report.addProblem({.file = "a.py", .place = {}, .what = "bad", .remedy = {}});
+  }
+  const Object invocation = run().at("invocations").get<Array>()[0].get<Object>();
+  EXPECT_EQ(invocation.at("executionSuccessful"), Value(false));
+  const Array notifications = invocation.at("toolExecutionNotifications").get<Array>();
+  ASSERT_EQ(notifications.size(), 1001U);
+  EXPECT_EQ(messageOf(notifications[999]), "bad");
+  EXPECT_EQ(messageOf(notifications[1000]),
+            "3 more files could not be checked; they are on standard error");
+}
+
 TEST_F(CheckSarifTest, TheLogCanBePartOfAPage) {
   add(kFailure, "</script> \u202E");
   file.diagnostics[0].fix = Fix{"<!--", {{spanOf(1, 0, 1), "<b>\u2028"}}};
