@@ -91,6 +91,7 @@ class Walk {
   /// `path` is relative to the root.
   void open(const std::string& path) {
     const Entries entries = readEntries(root + path);
+    if (entries.haveIgnoreFile && ignored) IgnoreFiles::admit(root + path + ".gitignore");
     if (entries.haveIgnoreFile && !hasIgnoreFile(path)) folderOfIgnoreFile = path;
     for (const std::string& name : entries.names) pending.push_back(path + name);
     if (entries.error) found.push_back({.path = root + path});

@@ -16,7 +16,8 @@ std::string exclusionAsRule(const std::string& glob) {
 }
 
 void requireUsable(const std::string& glob) {
-  if (!glob.empty() && glob != "!" && glob.find('\n') == std::string::npos) return;
+  const bool isLine = !glob.empty() && glob != "!" && glob.find('\n') == std::string::npos;
+  if (isLine && PathRules::canRead(glob)) return;
   throw diagnostics::ProblemError(
       {.file = "tessera",
        .place = {},

@@ -12,7 +12,7 @@ namespace tessera::inputs {
 /// of them exclude, everything else is accepted. Without a glob everything is.
 class GlobFilter {
  public:
-  /// Throws ProblemError for an empty glob, and as PathRules does.
+  /// Throws ProblemError for a glob that cannot be used, and as PathRules does.
   explicit GlobFilter(const std::vector<std::string>& globs);
 
   /// `path` is that of a file, relative to the directory that the user named.

@@ -20,8 +20,12 @@ class IgnoreFiles {
   /// Whether one above the directory may exclude what is in it.
   bool areAbove() const noexcept { return above; }
 
-  /// `path` is relative to the directory; that of a directory ends in "/". Throws as PathRules
-  /// does.
+  /// Makes sure that the .gitignore file in a directory below, with the path `path`, can be read.
+  /// To be called before a path in that directory is looked up. Throws ProblemError when it cannot.
+  static void admit(const std::string& path);
+
+  /// `path` is relative to the directory; that of a directory ends in "/". Throws ProblemError when
+  /// a .gitignore file above the directory cannot be read, and as PathRules does.
   bool exclude(const std::string& path);
 
  private:

@@ -118,6 +118,11 @@ PathRules PathRules::fromLines(const std::vector<std::string>& lines) {
   return PathRules(std::move(made));
 }
 
+bool PathRules::canRead(std::string_view line) noexcept {
+  const std::size_t first = line.find_first_not_of(" \t\r!/");
+  return first == line.npos || (line[first] != '\v' && line[first] != '\f');
+}
+
 bool PathRules::select(const std::string& path) const {
   int isSelected = 0;
   repository->git.check(

@@ -1,28 +1,13 @@
 #include "tessera/inputs/readFileList.hpp"
 
-#include <cstddef>
 #include <string_view>
 
-#include "tessera/files/FileReader.hpp"
+#include "tessera/files/readWhole.hpp"
 
 namespace tessera::inputs {
-namespace {
-
-std::string readAll(const std::string& name) {
-  files::FileReader reader(name);
-  std::string bytes;
-  // Not on the stack, which may be small.
-  std::vector<char> piece(64 * 1024);
-  while (const std::size_t count = reader.read(piece.data(), piece.size())) {
-    bytes.append(piece.data(), count);
-  }
-  return bytes;
-}
-
-}  // namespace
 
 std::vector<std::string> readFileList(const std::string& name, bool isNulSeparated) {
-  const std::string bytes = readAll(name);
+  const std::string bytes = files::readWhole(name);
   const char separator = isNulSeparated ? '\0' : '\n';
   std::vector<std::string> paths;
   std::string_view rest = bytes;

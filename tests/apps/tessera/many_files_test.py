@@ -137,6 +137,26 @@ class Inputs(ManyFiles):
         self.assertEqual(self.files("t/b/deep"), [])
         self.assertEqual(self.files("t/b"), ["t/b/x"])
 
+    def test_a_gitignore_that_cannot_be_read_ends_the_run_with_its_place(self):
+        self.write("t/s/a.py")
+        rules = self.folder / "t/.gitignore"
+        for line in (b"\v", b"\fx", b"!\v", b"/\f", b" \t\v", b"\r!\v", b"! /\v"):
+            for before, number in ((b"", 1), (b"\xef\xbb\xbf", 1), (b"*.o\n\n", 3)):
+                with self.subTest(line=line, before=before):
+                    rules.write_bytes(before + line + b"\n*.py\n")
+                    message = self.parse("t", status=2).stderr.decode()
+                    self.assertIn(f"t/.gitignore:{number}:1: error: the line begins with a vertical tab or a form feed; "
+                                  "correct it, or add --no-ignore", message)
+        (self.folder / "t/.git").mkdir()
+        self.assertIn(f"{rules}:3:1: ", self.parse("t/s", status=2).stderr.decode())
+        self.assertEqual(self.files("t", "--no-ignore"), ["t/s/a.py"])
+        rules.unlink()
+        os.mkfifo(rules)
+        self.assertIn("t/.gitignore: error: is not a regular file; ", self.parse("t", status=2).stderr.decode())
+        rules.unlink()
+        rules.write_bytes(b"a\vb\n\\\v\n\t*.o\n")
+        self.assertEqual(self.files("t"), ["t/s/a.py"])
+
     def test_globs_choose_among_the_files_of_directories(self):
         for name in ("t/a.py", "t/b.c", "t/s/c.py", "t/s/d.c"):
             self.write(name)
@@ -145,7 +165,9 @@ class Inputs(ManyFiles):
         self.assertEqual(self.files("t", "--glob", "*.py", "--glob", "!c.*"), ["t/a.py"])
         self.assertEqual(self.files("t", "--glob", "/s/*.c", "--glob", "**/a.py"), ["t/a.py", "t/s/d.c"])
         self.assertEqual(self.files("t/b.c", "--glob", "*.py"), ["t/b.c"])
-        self.parse("t", "--glob", "", status=2)
+        for glob in ("", "!", "a\nb", "\v", "!\f*.py", "/ \v"):
+            with self.subTest(glob=glob):
+                self.assertIn("is not a glob", self.parse("t", "--glob", glob, status=2).stderr.decode())
 
     def test_a_run_that_finds_nothing_says_so(self):
         self.write("t/a.c")
