@@ -40,8 +40,9 @@ class ManifestBuilder {
     return true;
   }
 
-  bool parse_error(std::size_t /*place*/, const std::string& /*token*/,
-                   const Json::exception& error) {
+  bool parse_error(std::size_t /*place*/, const std::string& token, const Json::exception& error) {
+    constexpr int kNumberTooLarge = 406;
+    if (error.id == kNumberTooLarge) return fail("the number " + token + " is too large");
     // The text before "at line 1, column 2: ..." is the JSON library's code for the problem.
     const std::string text = error.what();
     return fail("it is not JSON " + text.substr(text.find("at line")));

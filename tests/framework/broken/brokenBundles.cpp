@@ -97,6 +97,9 @@ const std::vector<BrokenBundle>& brokenBundles() {
       {"KeyTwice", Make::kBundle, named(R"(,"a":1,"a":2)"),
        "FILE: broken/manifest.json cannot be used: the key \"a\" occurs twice; correct the "
        "manifest and append the archive again"},
+      {"NumberTooLarge", Make::kBundle, named(R"(,"a":[-1e999])"),
+       "FILE: broken/manifest.json cannot be used: the number -1e999 is too large; correct the "
+       "manifest and append the archive again"},
       {"NoName", Make::kBundle, R"({"purpose":"parse"})",
        "FILE: broken/manifest.json cannot be used: \"bundle.symbolic_name\" is missing; correct "
        "the manifest and append the archive again"},
