@@ -48,22 +48,28 @@ std::optional<char16_t> escapedUnit(std::u16string_view text, std::size_t at) {
   return static_cast<char16_t>(std::strtoul(digits.c_str(), nullptr, 16));
 }
 
-// Returns the length of the finite number with an exponent at the start of `text` and writes the
-// number with the digits of its double to `digits`; returns 0 if there is none.
-std::size_t readScaledNumber(std::u16string_view text, std::string& digits) {
+/// A number with an exponent.
+struct ScaledNumber {
+  // 0 if there is none.
+  std::size_t length = 0;
+  // The digits of its double, or the number as it is if no double can hold it.
+  std::string digits;
+};
+
+// Returns the number with an exponent at the start of `text`.
+ScaledNumber readScaledNumber(std::u16string_view text) {
   const std::size_t end = std::min(text.find_first_not_of(u"0.eE+-123456789"), text.size());
-  if (end == 0) return 0;
+  if (end == 0) return {};
   static const std::regex kScaled("-?(0|[1-9][0-9]*)(\\.[0-9]+)?[eE][-+]?[0-9]+");
   const std::string literal(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end));
   // Most literals have none, and the expression takes long.
-  if (literal.find_first_of("eE") == literal.npos) return 0;
-  if (!std::regex_match(literal, kScaled)) return 0;
+  if (literal.find_first_of("eE") == literal.npos) return {};
+  if (!std::regex_match(literal, kScaled)) return {};
   const double value = std::strtod(literal.c_str(), nullptr);
-  if (!std::isfinite(value)) return 0;
+  if (!std::isfinite(value)) return {end, literal};
   std::array<char, 32> buffer;
-  digits.assign(buffer.data(), static_cast<std::size_t>(
-                                   std::snprintf(buffer.data(), buffer.size(), "%.16e", value)));
-  return end;
+  const int size = std::snprintf(buffer.data(), buffer.size(), "%.16e", value);
+  return {end, {buffer.data(), static_cast<std::size_t>(size)}};
 }
 
 // A text in which each number with an exponent has 17 digits, because RapidJSON rejects large
@@ -78,14 +84,13 @@ class Stream {
     bool isInString = false;
     while (from < text.size()) {
       const auto unit = escapedUnit(text, from);
-      std::string digits;
-      const std::size_t number = isInString ? 0 : readScaledNumber(text.substr(from), digits);
+      const ScaledNumber number = isInString ? ScaledNumber() : readScaledNumber(text.substr(from));
       if (unit && (*unit & 0xF800) == 0xD800) {
         add(*unit, from);
         from += kEscapeUnits;
-      } else if (number != 0) {
-        for (const char digit : digits) add(static_cast<char16_t>(digit), from);
-        from += number;
+      } else if (number.length != 0) {
+        for (const char digit : number.digits) add(static_cast<char16_t>(digit), from);
+        from += number.length;
       } else {
         isInString = isInString != (text[from] == u'"');
         // The unit after a backslash begins no escape and ends no string.
