@@ -28,7 +28,8 @@ class LineNodeParserService {
   /// are unchanged. A marker with unusable position data becomes a failure on the node. Throws
   /// std::runtime_error when the line has plain text and no default code element parser is
   /// registered. Propagates exceptions from parser services and the model. `document` is unchanged
-  /// when it throws. O(n + m log m) for n code units and m markers.
+  /// when it throws, unless a service has returned an element that was in it. A service may change
+  /// `snippet`. O(n + m log m) for n code units and m markers.
   ParseResult parseLine(std::shared_ptr<document::kdzero::TesseraDocument> document,
                         const Snippet& snippet, ParseResult result);
 

@@ -142,12 +142,10 @@ void LineParser::appendOwned(const LineSegment& segment) {
 
 void parseMarkedLine(const kd::zero::Model& model, const LineNode& lineNode,
                      const ParserLists& parsers, ScannedLine line, ParseResult& result) {
-  LineParser parser(model, lineNode, parsers, result);
-  if (line.mayContainEscapedLeader()) {
-    parser.parse(normaliseLine(line.text()));
-  } else {
-    parser.parse(line.text());
-  }
+  // A copy also without an escaped leader: a service may change the text of the snippet.
+  const ustring normalised =
+      line.mayContainEscapedLeader() ? normaliseLine(line.text()) : line.text();
+  LineParser(model, lineNode, parsers, result).parse(normalised);
 }
 
 }  // namespace quenlith::build::markup::code::line

@@ -390,6 +390,40 @@ TEST_F(LineNodeParserService, AcceptsAParserThatReturnsNoNode) {
   EXPECT_THAT(textsOf(u"x"), IsEmpty());
 }
 
+/// Replaces the text of a snippet at each question.
+class ChangingParser final : public quenlith::build::markup::code::CodeElementParser {
+ public:
+  ChangingParser(Snippet& snippet, ustring replacement)
+      : snippet(snippet), replacement(std::move(replacement)) {}
+
+  bool canParse(const Marker& /*marker*/) override {
+    snippet.text = ustring();
+    snippet.text.shrink_to_fit();
+    snippet.text = replacement;
+    return false;
+  }
+  Node parse(const kd::zero::Model& /*model*/, const CodeElement& /*element*/) override {
+    return {};
+  }
+
+ private:
+  Snippet& snippet;
+  ustring replacement;
+};
+
+TEST_F(LineNodeParserService, ParsesTheLineAsItWasWhenAServiceChangesTheSnippet) {
+  const ustring line = u"abcdefgh # <@output#p [0,1]> # <@output#o [4,6]> and so on";
+  for (const ustring& replacement : {ustring(), ustring(u"x"), ustring(1000, u'y')}) {
+    Snippet snippet{line, {}, {}};
+    const auto changing = std::make_shared<ChangingParser>(snippet, replacement);
+    const auto output = std::make_shared<FakeElementParser>(u"O", u"output");
+    provider->elementParsers = {changing, output, defaultParser};
+    Service(provider).parseLine(document, snippet, {});
+    const Node node = document->getChildAt(document->getNumberOfChildren() - 1);
+    EXPECT_EQ(childTexts(node), (Texts{u"O(a)", u"D(bcd)", u"O(ef)", u"D(gh   and so on)"}));
+  }
+}
+
 TEST_F(LineNodeParserService, LeavesTheDocumentUnchangedWhenACollaboratorThrows) {
   const auto parser = addElementParser(u"O", u"output");
   const auto contributor = addContributor(u"one", u"output");
