@@ -7,6 +7,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "quenlith/syntax/Marker.hpp"
 #include "quenlith/syntax/MarkerCandidate.hpp"
+#include "tessera/check/scan/commentEnd.hpp"
 #include "tessera/check/scan/markerText.hpp"
 
 namespace tessera::check::suspects {
@@ -133,9 +134,19 @@ class RepairSearch {
   const DamagedText& text;
 };
 
+constexpr std::u16string_view kLeaderUnits = u"#%;!/-*";
+
+/// Returns whether `next` is the end of something else than the marker before it, or an empty quote
+/// line: "-->", "#>", "%>", "/>" or ">".
+bool endsSomethingElse(std::u16string_view next) {
+  if (!commentEndAt(next).empty()) return true;
+  next.remove_prefix(std::min(next.find_first_not_of(u" \t"), next.size()));
+  next.remove_prefix(std::min(next.find_first_not_of(kLeaderUnits), next.size()));
+  return next.starts_with(u'>') && next.find_first_not_of(u" \t", 1) == next.npos;
+}
+
 /// Returns the position in `next` after blanks, the leader or opener of `text`, and blanks.
 std::size_t skipLeader(const DamagedText& text, std::u16string_view next) {
-  constexpr std::u16string_view kLeaderUnits = u"#%;!/-*";
   std::size_t at = std::min(next.find_first_not_of(u" \t"), next.size());
   const std::size_t opening = text.line.find(u'<', text.begin + 1);
   std::u16string_view leader = text.line.substr(text.begin, opening - text.begin);
@@ -187,7 +198,8 @@ std::optional<Repair> findRepair(const DamagedText& text) {
 std::optional<Repair> joinLines(const DamagedText& text) {
   // Only the start of a long line is of interest, and a marker in it is not part of this one.
   if (!text.nextLine || text.end != text.line.size() ||
-      text.nextLine->find(u"<@") != std::u16string_view::npos) {
+      text.nextLine->find(u"<@") != std::u16string_view::npos ||
+      endsSomethingElse(*text.nextLine)) {
     return std::nullopt;
   }
   const std::size_t skipped = skipLeader(text, *text.nextLine);

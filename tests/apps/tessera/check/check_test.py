@@ -223,6 +223,26 @@ class Fix(CheckTest):
             self.fix(name)
             self.assertEqual(self.read(name), text)
 
+    def assertFixed(self, before, after):
+        name = self.write("f", before)
+        self.fix(name)
+        self.assertEqual(self.read(name), after, before)
+
+    def test_a_join_leaves_what_ends_something_else(self):
+        """The end of a comment, of embedded code and of a tag, and an empty quote line."""
+        for marker, end in ((b"-- <@text:anchor#a", b"-->"), (b"# <@text:anchor#a", b"-->"),
+                            (b"// <@text:anchor#a", b"  --->"), (b"# <@text:anchor#a", b"#>"),
+                            (b"% <@text:anchor#a", b"%>"), (b"// <@text:anchor#a", b"/>"),
+                            (b"# <@text:anchor#a", b">"), (b"# <@text:anchor#a", b" > ")):
+            self.assertFixed(marker + b"\n" + end + b"\nx\n", marker + b">\n" + end + b"\nx\n")
+
+    def test_a_join_takes_the_end_of_the_marker(self):
+        for before, after in ((b"# <@text:anchor#a\n# >\n", b"# <@text:anchor#a >\n"),
+                              (b"-- <@text:anchor#a\n-- >\n", b"-- <@text:anchor#a >\n"),
+                              (b"<!-- <@text:anchor#a\n> -->\n", b"<!-- <@text:anchor#a> -->\n"),
+                              (b"x  # <@output#a [0,1\n]>\n", b"x  # <@output#a [0,1]>\n")):
+            self.assertFixed(before, after)
+
     def test_fixes_that_touch_are_made_one_after_the_other(self):
         code = b"# <@task#a>\nx\n# <@task#a>\n# <@appendix>\n"
         name = self.write("f", code + b'# <@task#a {"txt":1,"collapsd":true}\n')
