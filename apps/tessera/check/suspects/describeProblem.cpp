@@ -437,7 +437,9 @@ class ProblemWriter {
     complete += missing;
     report(kMissingLeader, catalogue::forms::kLeaderTooShort, found.spanOf(leader),
            {quoted(leader), quoted(complete)});
-    if (startsComment(last)) fixBy({parts.position + leader.size(), 0, missing});
+    // A "-" or "/" with a blank after it may be a list item or a division.
+    const bool isCertain = leader.size() > 1 || isBlock || parts.opening == parts.position + 1;
+    if (isCertain && startsComment(last)) fixBy({parts.position + leader.size(), 0, missing});
   }
 
   /// Returns whether a leader of more of these characters may begin where the short one does. After

@@ -243,6 +243,19 @@ class Fix(CheckTest):
                               (b"x  # <@output#a [0,1\n]>\n", b"x  # <@output#a [0,1]>\n")):
             self.assertFixed(before, after)
 
+    def test_a_list_item_and_a_division_do_not_become_a_comment(self):
+        for text in (b"- <@text:anchor#a>\n", b"  - <@text:anchor#a>\n", b"x = a / <@output#a [0,1]>\n",
+                     b"/ <@text:anchor#a> /\n", b"x = a -\t<@output#a [0,1]>\n"):
+            self.assertFixed(text, text)
+            self.assertIn(b" is not a comment leader: use ", tessera("check", "-", stdin=text).stdout)
+
+    def test_a_leader_that_is_certainly_too_short_is_completed(self):
+        for before, after in ((b"-<@text:anchor#a>\n", b"--<@text:anchor#a>\n"),
+                              (b"x = 1  /<@output#a [0,1]>\n", b"x = 1  //<@output#a [0,1]>\n"),
+                              (b"/ <@text:anchor#a> */\n", b"/* <@text:anchor#a> */\n"),
+                              (b"<!- <@text:anchor#a> -->\n", b"<!-- <@text:anchor#a> -->\n")):
+            self.assertFixed(before, after)
+
     def test_fixes_that_touch_are_made_one_after_the_other(self):
         code = b"# <@task#a>\nx\n# <@task#a>\n# <@appendix>\n"
         name = self.write("f", code + b'# <@task#a {"txt":1,"collapsd":true}\n')
