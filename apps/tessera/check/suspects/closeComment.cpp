@@ -51,16 +51,24 @@ Rest restOf(const FoundMarker& found, std::uint64_t end) {
   return rest;
 }
 
-/// Returns what to insert after the marker so that the text after it is in a separate comment;
-/// nothing if that text is not the rest of the comment.
-std::optional<std::u16string> separator(const Rest& rest, const CommentEnds& ends) {
+/// Returns the opener of the comment as it is written: "/**" begins documentation, "/*" does not.
+std::u16string_view writtenOpener(const FoundMarker& found) {
+  const std::uint64_t begin = found.parts.position;
+  const std::u16string_view opener = found.lineText.substr(begin, found.parts.opening - begin);
+  return opener.substr(0, opener.find_last_not_of(u" \t") + 1);
+}
+
+/// Returns what to insert after the marker so that the text after it is in a separate comment,
+/// which begins with `opener`; nothing if that text is not the rest of the comment.
+std::optional<std::u16string> separator(const Rest& rest, const CommentEnds& ends,
+                                        std::u16string_view opener) {
   const std::u16string_view text = rest.text();
   const std::size_t closer = text.find(ends.closer);
   const bool isRestOfComment = closer != text.npos && closer != 0 && rest.begin != rest.bodyEnd &&
                                text.find(ends.opener) > closer;
   if (!isRestOfComment) return std::nullopt;
   std::u16string inserted = u" ";
-  return inserted.append(ends.closer).append(u" ").append(ends.opener);
+  return inserted.append(ends.closer).append(u" ").append(opener);
 }
 
 }  // namespace
@@ -72,7 +80,7 @@ void closeComment(const FoundMarker& found, std::uint64_t end, BlockComments& co
   DamagedText text{found.line,   found.lineText, found.parts.position, end, rest.bodyEnd,
                    std::nullopt, false};
   std::optional<Repair> repair;
-  const auto inserted = separator(rest, ends);
+  const auto inserted = separator(rest, ends, writtenOpener(found));
   const std::u16string closer = u" " + std::u16string(ends.closer);
   if (inserted) {
     repair = repairBy(text, {rest.bodyEnd, 0, *inserted});

@@ -256,6 +256,14 @@ class Fix(CheckTest):
                               (b"<!- <@text:anchor#a> -->\n", b"<!-- <@text:anchor#a> -->\n")):
             self.assertFixed(before, after)
 
+    def test_text_after_a_marker_becomes_a_comment_of_the_same_kind(self):
+        """ "/**" and "(**" begin documentation."""
+        for opener, closer in ((b"/*", b"*/"), (b"/**", b"*/"), (b"/***", b"*/"), (b"(*", b"*)"), (b"(**", b"*)"),
+                               (b"<!--", b"-->"), (b"{-", b"-}")):
+            marker = opener + b" <@text:anchor#a>"
+            rest = b" The sum. " + closer + b"\n"
+            self.assertFixed(marker + rest, b" ".join((marker, closer, opener)) + rest)
+
     def test_fixes_that_touch_are_made_one_after_the_other(self):
         code = b"# <@task#a>\nx\n# <@task#a>\n# <@appendix>\n"
         name = self.write("f", code + b'# <@task#a {"txt":1,"collapsd":true}\n')
