@@ -72,7 +72,7 @@ inline constexpr std::array kMarkerEntries = std::to_array<CatalogueEntry>({
                     "stays in the text of its line, unless a bundle has a parser for it.",
      .before = "# <@text:ancor#results>\n",
      .after = "# <@text:anchor#results>\n",
-     .fix = "Replaces a misspelt \"anchor\"."},
+     .fix = "Replaces a misspelt \"anchor\", or puts the \"#\" before its id."},
     {.kind = DiagnosticKind::kUnhandledMarker,
      .id = "unhandled_marker",
      .severity = Severity::kWarning,

@@ -20,7 +20,8 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
                     "any other word there is not a marker, and stays in the document.",
      .before = "y = 2  # <@outputs#y [0,1]>\n",
      .after = "y = 2  # <@output#y [0,1]>\n",
-     .fix = "Replaces the word by the element that it resembles."},
+     .fix = "Replaces the word by the element that it resembles, or puts the \"#\" or \":\" after "
+            "the element."},
     {.kind = DiagnosticKind::kMissingElement,
      .id = "missing_element",
      .severity = Severity::kWarning,

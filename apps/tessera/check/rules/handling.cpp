@@ -4,6 +4,7 @@
 
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/scan/markerText.hpp"
+#include "tessera/check/suspects/likeness.hpp"
 #include "tessera/spelling/areSimilar.hpp"
 
 namespace tessera::check::rules {
@@ -19,6 +20,31 @@ using quenlith::syntax::Marker;
 
 constexpr std::u16string_view kAnchor = u"anchor";
 
+/// Returns the id that was probably joined to the type: "<@text:anchorfit>" or
+/// "<@text:anchor-fit>", not "<@text:anchors>". Empty if none was.
+std::u16string_view joinedId(const FoundMarker& marker) {
+  const std::u16string_view type = marker.parts.type;
+  if (!type.starts_with(kAnchor) || !marker.parts.id.empty() || type == u"anchors") return {};
+  return suspects::afterSeparator(type.substr(kAnchor.size()));
+}
+
+/// Reports an anchor without the "#" before its id, or with another character in its place.
+Diagnostic describeJoinedId(const FoundMarker& marker, std::u16string_view id) {
+  const std::u16string_view type = marker.parts.type;
+  std::u16string meant(kAnchor);
+  meant.append(u"#").append(id);
+  Diagnostic diagnostic =
+      catalogue::makeDiagnostic(DiagnosticKind::kUnknownType, kTypeSimilar, marker.spanOf(type),
+                                {quoted(type), quoted(meant)});
+  const std::uint64_t begin = marker.positionOf(type) + kAnchor.size();
+  const std::uint64_t end = marker.positionOf(id);
+  const std::string description =
+      begin == end ? "insert \"#\""
+                   : "replace " + quoted(marker.lineText.substr(begin, 1)) + " by \"#\"";
+  diagnostic.fix = {description, {{marker.spanOf(begin, end), "#"}}};
+  return diagnostic;
+}
+
 /// Reports a text marker that is not an anchor.
 Diagnostic describeType(const FoundMarker& marker) {
   const std::u16string_view type = marker.parts.type;
@@ -26,6 +52,8 @@ Diagnostic describeType(const FoundMarker& marker) {
     return catalogue::makeDiagnostic(DiagnosticKind::kUnknownType, kTypeAbsent,
                                      marker.spanOf(marker.parts.element), {});
   }
+  const std::u16string_view joined = joinedId(marker);
+  if (!joined.empty()) return describeJoinedId(marker, joined);
   const auto span = marker.spanOf(type);
   if (spelling::areSimilar(type, kAnchor)) {
     Diagnostic diagnostic = catalogue::makeDiagnostic(DiagnosticKind::kUnknownType, kTypeSimilar,
@@ -33,18 +61,7 @@ Diagnostic describeType(const FoundMarker& marker) {
     diagnostic.fix = {"replace " + quoted(type) + " by " + quoted(kAnchor), {{span, "anchor"}}};
     return diagnostic;
   }
-  const bool isJoined = type.starts_with(kAnchor) && marker.parts.id.empty();
-  if (!isJoined) {
-    return catalogue::makeDiagnostic(DiagnosticKind::kUnknownType, kTypeOther, span,
-                                     {quoted(type)});
-  }
-  // "<@text:anchorfit>": the "#" was lost.
-  const std::u16string meant = std::u16string(kAnchor) + u"#" + std::u16string(type.substr(6));
-  Diagnostic diagnostic = catalogue::makeDiagnostic(DiagnosticKind::kUnknownType, kTypeSimilar,
-                                                    span, {quoted(type), quoted(meant)});
-  const std::uint64_t at = marker.positionOf(type) + kAnchor.size();
-  diagnostic.fix = {"insert \"#\"", {{marker.spanOf(at, at), "#"}}};
-  return diagnostic;
+  return catalogue::makeDiagnostic(DiagnosticKind::kUnknownType, kTypeOther, span, {quoted(type)});
 }
 
 }  // namespace

@@ -240,24 +240,32 @@ class ProblemWriter {
     fixBy({found.positionOf(written), written.size(), suspect.element});
   }
 
-  /// Returns whether an id or type was probably joined to the element: "<@taskfit>", not
-  /// "<@tasks>".
+  /// Returns whether an id or type was probably joined to the element: "<@taskfit>" or
+  /// "<@task-fit>", not "<@tasks>".
   bool isJoined(std::u16string_view start) const {
     return !start.empty() && parts.id.empty() && parts.type.empty() &&
-           parts.element.substr(start.size()) != u"s";
+           parts.element.substr(start.size()) != u"s" && !joinedTo(start).empty();
   }
 
-  /// "<@taskfit>" and "<@textanchor#a>": the "#" or ":" after the element is missing.
+  /// Returns what was joined to the element `start`.
+  std::u16string_view joinedTo(std::u16string_view start) const {
+    return afterSeparator(parts.element.substr(start.size()));
+  }
+
+  /// "<@taskfit>" and "<@textanchor#a>": the "#" or ":" after the element is missing. "<@task-fit>"
+  /// has another character in its place.
   void writeJoinedElement(std::u16string_view start, Span span) {
-    const bool isType = !parts.id.empty() || parts.element.substr(start.size()) == u"anchor";
-    if (!isType) addId(parts.element.substr(start.size()));
+    const std::u16string_view joined = joinedTo(start);
+    const bool isType = !parts.id.empty() || joined == u"anchor";
+    if (!isType) addId(joined);
     const std::u16string_view separator = isType ? u":" : u"#";
     std::u16string meant(start);
     meant += separator;
-    meant += parts.element.substr(start.size());
+    meant += joined;
     report(kUnknownElement, kElementSimilar, span, {quoted(parts.element), quoted(meant)});
-    const bool isCertain = !isType || parts.element.substr(start.size()) == u"anchor";
-    if (isCertain) fixBy({found.positionOf(parts.element) + start.size(), 0, separator});
+    const std::uint64_t at = found.positionOf(parts.element) + start.size();
+    const bool isCertain = !isType || joined == u"anchor";
+    if (isCertain) fixBy({at, found.positionOf(joined) - at, separator});
   }
 
   void writeMissingId() {

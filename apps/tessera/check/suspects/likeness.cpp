@@ -33,6 +33,11 @@ bool looksLikeData(std::u16string_view text) {
          text.find(u"\":") != text.npos;
 }
 
+std::u16string_view afterSeparator(std::u16string_view rest) {
+  const bool isSeparated = !rest.empty() && u"-._"sv.find(rest.front()) != rest.npos;
+  return rest.substr(isSeparated ? 1 : 0);
+}
+
 std::string_view expectedInJson(std::string_view reason) {
   constexpr std::array<std::pair<std::string_view, std::string_view>, 6> kExpected{{
       {"a key in quotes is missing", "a key in double quotes"},

@@ -17,6 +17,10 @@ bool looksLikeRange(std::u16string_view text);
 /// Returns whether `text`, which is not empty, begins with data whose "{" is missing or replaced.
 bool looksLikeData(std::u16string_view text);
 
+/// Returns `rest`, which follows a name, without a "-", "." or "_" that was written for the
+/// separator at its start.
+std::u16string_view afterSeparator(std::u16string_view rest);
+
 /// Returns what the JSON lexer expected where it stopped for `reason`; `reason` itself if that was
 /// nothing in particular.
 std::string_view expectedInJson(std::string_view reason);

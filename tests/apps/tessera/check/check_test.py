@@ -264,6 +264,18 @@ class Fix(CheckTest):
             rest = b" The sum. " + closer + b"\n"
             self.assertFixed(marker + rest, b" ".join((marker, closer, opener)) + rest)
 
+    def test_an_id_that_was_joined_to_a_name_stays_whole(self):
+        """The separator takes the place of one character that was written for it."""
+        for name, fixed in ((b"text:anchorfit", b"text:anchor#fit"), (b"text:anchora", b"text:anchor#a"),
+                            (b"text:anchor1", b"text:anchor#1"), (b"text:anchor-results", b"text:anchor#results"),
+                            (b"text:anchor.results", b"text:anchor#results"), (b"text:anchor_1", b"text:anchor#1"),
+                            (b"text:anchor--1", b"text:anchor#-1"), (b"text:anchors", b"text:anchor"),
+                            (b"text:anchor-", b"text:anchor"), (b"text.anchor#a", b"text:anchor#a"),
+                            (b"text_anchor#a", b"text:anchor#a"), (b"textanchor#a", b"text:anchor#a")):
+            self.assertFixed(b"# <@" + name + b">\n", b"# <@" + fixed + b">\n")
+        for name in (b"output-o1", b"output.o1", b"output_o1", b"outputo1"):
+            self.assertFixed(b"x  # <@" + name + b" [0,1]>\n", b"x  # <@output#o1 [0,1]>\n")
+
     def test_fixes_that_touch_are_made_one_after_the_other(self):
         code = b"# <@task#a>\nx\n# <@task#a>\n# <@appendix>\n"
         name = self.write("f", code + b'# <@task#a {"txt":1,"collapsd":true}\n')
