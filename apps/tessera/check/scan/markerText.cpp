@@ -1,5 +1,7 @@
 #include "tessera/check/scan/markerText.hpp"
 
+#include <utf8proc.h>
+
 #include <algorithm>
 
 #include "fl/i18n/ustring.hpp"
@@ -11,6 +13,9 @@ namespace {
 constexpr std::size_t kMaxQuotedUnits = 60;
 constexpr std::size_t kHeadUnits = 40;
 constexpr std::size_t kTailUnits = 15;
+// For Unicode they are format characters.
+constexpr char16_t kZeroWidthSpace = 0x200B;
+constexpr char16_t kZeroWidthNoBreakSpace = 0xFEFF;
 
 bool isBareNameUnit(char16_t unit) {
   const auto lower = static_cast<char16_t>(unit | 0x20U);
@@ -33,6 +38,11 @@ std::u16string_view tailOf(std::u16string_view text, std::size_t size) {
 }
 
 }  // namespace
+
+bool isOtherSpace(char16_t unit) {
+  return unit >= 0x80 && (utf8proc_category(unit) == UTF8PROC_CATEGORY_ZS ||
+                          unit == kZeroWidthSpace || unit == kZeroWidthNoBreakSpace);
+}
 
 std::u16string_view nameAtStartOf(std::u16string_view text) {
   const auto end = std::ranges::find_if_not(text, isBareNameUnit);

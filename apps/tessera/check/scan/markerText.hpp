@@ -11,6 +11,10 @@ constexpr bool isBlank(char16_t unit) noexcept {
   return unit == u' ' || unit == u'\t';
 }
 
+/// Returns whether `unit` is a space beyond ASCII, with or without a width. A marker takes it for a
+/// letter.
+bool isOtherSpace(char16_t unit);
+
 /// Returns the ASCII letters, digits, "_", "-" and "." at the start of `text`.
 std::u16string_view nameAtStartOf(std::u16string_view text);
 

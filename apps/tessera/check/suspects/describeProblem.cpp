@@ -300,6 +300,7 @@ class ProblemWriter {
   /// "[0,5]{ " and "[0,5 ]{" have the blank on the wrong side.
   void writeMissingBlank(std::string_view part) {
     report(kMissingBlank, 0, found.spanOf(text.problem, text.problem + 1), {part});
+    if (isOtherSpace(line[text.problem - 1])) return replaceOtherSpaces();
     const bool isAfter = text.problem + 1 < end && line[text.problem + 1] == u' ';
     const std::u16string swapped{u' ', line[text.problem]};
     if (isAfter) return fixBy({text.problem, 2, swapped});
@@ -309,6 +310,16 @@ class ProblemWriter {
     const bool isInId =
         text.problem > 1 && line[text.problem - 2] == u' ' && line[text.problem - 1] == u'"';
     fixBy(isInId ? Replacement{text.problem - 2, 2, u"\" "} : Replacement{text.problem, 0, u" "});
+  }
+
+  /// Another space is read as the end of the id or type before it.
+  void replaceOtherSpaces() {
+    std::uint64_t begin = text.problem;
+    while (isOtherSpace(line[begin - 1])) --begin;
+    const std::uint64_t length = text.problem - begin;
+    fixBy({begin, length, u" "});
+    const bool isInId = suspect.diagnostic.fix && !suspect.ids.empty();
+    if (isInId) suspect.ids.front().resize(suspect.ids.front().size() - length);
   }
 
   void writeRange() {

@@ -276,6 +276,22 @@ class Fix(CheckTest):
         for name in (b"output-o1", b"output.o1", b"output_o1", b"outputo1"):
             self.assertFixed(b"x  # <@" + name + b" [0,1]>\n", b"x  # <@output#o1 [0,1]>\n")
 
+    def test_another_space_before_a_part_becomes_the_blank(self):
+        """It would be a part of the id or type otherwise."""
+        for space in ("\u00a0", "\u2009", "\u202f", "\u3000", "\u200b", "\ufeff", "\u00a0\u00a0"):
+            for before, after in (("x  # <@output#o1{}[0,1]>\n", "x  # <@output#o1 [0,1]>\n"),
+                                  ('x  # <@output#o1{}{{"a":1}}>\n', 'x  # <@output#o1 {{"a":1}}>\n'),
+                                  ("x  # <@output:plot{}[0,1]>\n", "x  # <@output:plot [0,1]>\n")):
+                self.assertFixed(before.format(space).encode(), after.format("").encode())
+        nothing = "x  # <@output#\u00a0[0,1]>\n".encode()
+        self.assertFixed(nothing, nothing)
+        code = b"# <@task#a>\nx\n# <@task#a>\n# <@appendix>\n"
+        self.assertFixed(code + '# <@task#a\u00a0{"text":"A"}>\n'.encode(), code + b'# <@task#a {"text":"A"}>\n')
+
+    def test_a_letter_before_a_part_stays_in_the_id(self):
+        for letter in ("\u00e9", "\u4e2d", "\U0001f3c6"):
+            self.assertFixed(f"x  # <@output#o{letter}[0,1]>\n".encode(), f"x  # <@output#o{letter} [0,1]>\n".encode())
+
     def test_fixes_that_touch_are_made_one_after_the_other(self):
         code = b"# <@task#a>\nx\n# <@task#a>\n# <@appendix>\n"
         name = self.write("f", code + b'# <@task#a {"txt":1,"collapsd":true}\n')
