@@ -82,7 +82,8 @@ void checkNoNewFailure(const CheckedFile& before, const CheckedFile& after,
 
 void checkFixAlone(const SourceFile& file, const CheckedFile& before, std::size_t index) {
   FixedText text(file.bytes);
-  require(text.apply(std::span(before.diagnostics).subspan(index, 1)) == 1, "a fix is made alone");
+  const tessera::check::catalogue::Fix* const fix = &*before.diagnostics[index].fix;
+  require(text.apply(std::span(&fix, 1)) == 1, "a fix is made alone");
   const SourceFile fixed{file.name, text.bytes()};
   checkNoNewFailure(before, Workbench::get().check(fixed), file.bytes, fixed.bytes);
 }

@@ -136,11 +136,11 @@ FixedText::FixedText(std::string_view bytes) : original(splitLines(bytes)) {
   for (std::size_t i = 0; i < original.size(); ++i) lines.push_back({original[i], i});
 }
 
-std::size_t FixedText::apply(std::span<const catalogue::Diagnostic> diagnostics) {
+std::size_t FixedText::apply(std::span<const Fix* const> fixes) {
   Selection selection;
   std::size_t count = 0;
-  for (const catalogue::Diagnostic& diagnostic : diagnostics) {
-    if (diagnostic.fix && selection.take(*diagnostic.fix)) ++count;
+  for (const Fix* fix : fixes) {
+    if (selection.take(*fix)) ++count;
   }
   if (count == 0) return 0;
   Editor editor(lines);

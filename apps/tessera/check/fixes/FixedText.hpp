@@ -18,9 +18,9 @@ class FixedText {
   /// `bytes` is UTF-8.
   explicit FixedText(std::string_view bytes);
 
-  /// Applies the fixes of `diagnostics`, the diagnostics of the current text in ascending order,
-  /// and returns how many. A fix that overlaps or touches an earlier one is left out.
-  std::size_t apply(std::span<const catalogue::Diagnostic> diagnostics);
+  /// Applies `fixes`, those of diagnostics of the current text in ascending order, and returns how
+  /// many. A fix that overlaps or touches an earlier one is left out. Borrows them for the call.
+  std::size_t apply(std::span<const catalogue::Fix* const> fixes);
 
   std::string bytes() const;
 

@@ -21,8 +21,9 @@ struct FixResult {
 };
 
 /// Applies the fixes that `check` finds in `text`, and again those that it finds in the result,
-/// until there are none: fixes that overlap are made one after the other. Stops before fixes after
-/// which there would be a failure more of any kind.
+/// until there are none: fixes that overlap are made one after the other. A fix after which there
+/// would be a failure more of any kind is not made; if that is so only together with earlier fixes,
+/// those are made. Calls `check` a limited number of times, however many fixes there are.
 FixResult fixText(FixedText& text, const Check& check);
 
 }  // namespace tessera::check::fixes

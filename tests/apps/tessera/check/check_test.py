@@ -292,6 +292,10 @@ class Fix(CheckTest):
         for letter in ("\u00e9", "\u4e2d", "\U0001f3c6"):
             self.assertFixed(f"x  # <@output#o{letter}[0,1]>\n".encode(), f"x  # <@output#o{letter} [0,1]>\n".encode())
 
+    def test_fixes_that_must_not_be_made_together_do_not_prevent_others(self):
+        self.assertFixed(b"# <@Text:anchor#q>\n# <@task#aaa>\nx\n# <@taks#bbb>\n# <@taks#aaa>\ny\n# <@task#bbb>\n",
+                         b"# <@text:anchor#q>\n# <@task#aaa>\nx\n# <@taks#bbb>\n# <@task#aaa>\ny\n# <@task#bbb>\n")
+
     def test_fixes_that_touch_are_made_one_after_the_other(self):
         code = b"# <@task#a>\nx\n# <@task#a>\n# <@appendix>\n"
         name = self.write("f", code + b'# <@task#a {"txt":1,"collapsd":true}\n')
