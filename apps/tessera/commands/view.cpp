@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "tessera/commands/LivePage.hpp"
@@ -56,22 +57,26 @@ void announce(const std::string& address) {
 }
 
 /// Lists the inputs. Directories are watched before they are listed, and files before they are
-/// read, so that no change in between goes unnoticed.
-std::vector<inputs::Input> listAndWatch(const ViewOptions& options, view::FileWatch& watch) {
+/// read, so that no change in between goes unnoticed: files that were not watched are added to
+/// `changes`.
+std::vector<inputs::Input> listAndWatch(const ViewOptions& options, view::FileWatch& watch,
+                                        view::Changes& changes) {
   watch.addDirectories(options.inputs.paths);
   run::RunOptions run;
   run.inputs = options.inputs;
   std::vector<inputs::Input> listed = run::listFiles(run);
-  watch.addFoldersOf(listed);
+  watch.addFoldersOf(listed, changes);
   return listed;
 }
 
 /// Keeps the page as it was when it cannot be made: the next change may help.
-bool updatePage(LivePage& page, const view::Changes& changes, const ViewOptions& options,
+bool updatePage(LivePage& page, view::Changes changes, const ViewOptions& options,
                 view::FileWatch& watch) {
   try {
     const bool isListed = !changes.isListChanged && !changes.isUnknown;
-    return page.update(changes, isListed ? page.inputs() : listAndWatch(options, watch));
+    std::vector<inputs::Input> listed =
+        isListed ? page.inputs() : listAndWatch(options, watch, changes);
+    return page.update(changes, std::move(listed));
   } catch (const diagnostics::ProblemError& error) {
     diagnostics::report(error.what());
     return false;
@@ -89,15 +94,16 @@ int view(const ViewOptions& options) {
   reportMissing(options.inputs.paths);
   files::endOnInterruption();
   view::FileWatch watch;
-  LivePage page(options, listAndWatch(options, watch));
+  view::Changes unused;
+  LivePage page(options, listAndWatch(options, watch, unused));
   view::LiveSite site;
   site.publish(page.html());
   const std::unique_ptr<view::Server> server = view::startServer(site, options.port);
   announce(server->address());
   if (options.opensBrowser) view::openBrowser(server->address());
   while (!isAbandoned(site, options)) {
-    const view::Changes changes = watch.await(kPatience);
-    if (changes.isEmpty() || !updatePage(page, changes, options, watch)) continue;
+    view::Changes changes = watch.await(kPatience);
+    if (changes.isEmpty() || !updatePage(page, std::move(changes), options, watch)) continue;
     site.publish(page.html());
   }
   return kFine;

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
 
@@ -17,13 +18,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr unsigned kTouched = IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
+// A link has its content when it is created.
+constexpr unsigned kTouched =
+    IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
 constexpr unsigned kListed =
     IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF;
 // An editor writes a file in several steps, which are this close to each other.
 constexpr std::chrono::milliseconds kPause{5};
 // Changes that do not pause are shown nonetheless.
 constexpr std::chrono::milliseconds kLongestBurst{50};
+// The system follows no more of them either.
+constexpr int kMaxLinks = 40;
 
 [[noreturn]] void failWatch(const std::string& folder, int error) {
   throw diagnostics::ProblemError(
@@ -35,6 +40,30 @@ constexpr std::chrono::milliseconds kLongestBurst{50};
 
 std::string folderOf(const std::string& path) {
   return path.substr(0, path.rfind('/') + 1);
+}
+
+/// Returns the nearest existing folder at or above `folder`, spelled in the same way.
+std::string nearestExisting(std::string folder) {
+  std::error_code ignored;
+  while (!folder.empty() && !fs::is_directory(folder, ignored)) {
+    folder.pop_back();
+    folder = folderOf(folder);
+  }
+  return folder;
+}
+
+/// Returns the paths to which `path` leads through symbolic links, one after the other.
+std::vector<std::string> targetsOf(const std::string& path) {
+  std::vector<std::string> targets;
+  std::error_code error;
+  fs::path at = path;
+  for (int count = 0; count < kMaxLinks; ++count) {
+    const fs::path target = fs::read_symlink(at, error);
+    if (error) break;
+    at = at.parent_path() / target;
+    targets.push_back(at.native());
+  }
+  return targets;
 }
 
 bool isHidden(const fs::path& path) {
@@ -81,10 +110,34 @@ void FileWatch::addDirectories(const std::vector<std::string>& paths) {
   }
 }
 
-void FileWatch::addFoldersOf(const std::vector<inputs::Input>& inputs) {
-  std::set<std::string> found;
-  for (const inputs::Input& input : inputs) found.insert(folderOf(input.path));
-  for (const std::string& folder : found) addFolder(folder);
+void FileWatch::addFoldersOf(const std::vector<inputs::Input>& inputs, Changes& changes) {
+  std::map<std::string, bool> areNew;
+  const auto addFolderOf = [&](const std::string& path) {
+    const auto [folder, isFirst] = areNew.try_emplace(folderOf(path), false);
+    if (isFirst) folder->second = addNearest(folder->first);
+    return folder->second;
+  };
+  links.clear();
+  for (const inputs::Input& input : inputs) {
+    bool isNew = addFolderOf(input.path);
+    // Those that were found are not links.
+    const auto targets = input.isFound ? std::vector<std::string>() : targetsOf(input.path);
+    for (const std::string& target : targets) {
+      links[target].insert(input.path);
+      if (addFolderOf(target)) isNew = true;
+    }
+    if (isNew) changes.touched.insert(input.path);
+  }
+}
+
+/// Returns whether the folder exists and was not watched before by this name.
+bool FileWatch::addNearest(const std::string& folder) {
+  // What was made in a folder before that was watched is found by the next round.
+  while (true) {
+    const std::string nearest = nearestExisting(folder);
+    const bool isNew = addFolder(nearest);
+    if (!isNew || nearest == folder) return isNew;
+  }
 }
 
 /// Returns whether the folder was not watched before by this name.
@@ -124,17 +177,26 @@ void FileWatch::readEvents(Changes& changes) {
 }
 
 void FileWatch::note(int watch, unsigned mask, std::string_view name, Changes& changes) {
-  if ((mask & IN_Q_OVERFLOW) != 0) changes.isUnknown = true;
+  if ((mask & (IN_Q_OVERFLOW | IN_MOVE_SELF)) != 0) changes.isUnknown = true;
   if ((mask & kListed) != 0) changes.isListChanged = true;
   const auto folder = folders.find(watch);
-  if ((mask & IN_IGNORED) != 0 && folder != folders.end()) {
+  if (folder == folders.end()) return;
+  // It has another name, if any.
+  if ((mask & IN_MOVE_SELF) != 0) ::inotify_rm_watch(descriptor, watch);
+  if ((mask & (IN_IGNORED | IN_MOVE_SELF)) != 0) {
     folders.erase(folder);
     return;
   }
-  if ((mask & kTouched) == 0 || folder == folders.end()) return;
-  for (const std::string& spelling : folder->second) {
-    changes.touched.insert(spelling + std::string(name));
+  if ((mask & kTouched) == 0) return;
+  for (const std::string& spelling : folder->second) touch(spelling + std::string(name), changes);
+}
+
+void FileWatch::touch(std::string path, Changes& changes) const {
+  const auto leading = links.find(path);
+  if (leading != links.end()) {
+    changes.touched.insert(leading->second.begin(), leading->second.end());
   }
+  changes.touched.insert(std::move(path));
 }
 
 }  // namespace tessera::view

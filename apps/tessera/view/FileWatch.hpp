@@ -40,22 +40,29 @@ class FileWatch {
   /// list the files only afterwards, because what happens in an unwatched directory is not noticed.
   void addDirectories(const std::vector<std::string>& paths);
 
-  /// Watches the folders of `inputs`. Read them only afterwards. Throws ProblemError.
-  void addFoldersOf(const std::vector<inputs::Input>& inputs);
+  /// Watches the folders of `inputs`, and of the files to which those lead that are symbolic links;
+  /// in place of a folder that does not exist, the nearest one above it. Read the inputs only
+  /// afterwards. Adds those to `changes` whose folder was not watched before, because they may have
+  /// changed meanwhile. Throws ProblemError.
+  void addFoldersOf(const std::vector<inputs::Input>& inputs, Changes& changes);
 
   /// Waits for changes, for at most `patience`, and then until there are none for a moment, so that
   /// what was written in several steps is one change.
   Changes await(std::chrono::milliseconds patience);
 
  private:
+  bool addNearest(const std::string& folder);
   bool addFolder(const std::string& folder);
   bool isReadable(std::chrono::milliseconds patience) const;
   void readEvents(Changes& changes);
   void note(int watch, unsigned mask, std::string_view name, Changes& changes);
+  void touch(std::string path, Changes& changes) const;
 
   int descriptor;
   // How paths spell each folder, by the watch: with a slash at the end, or empty.
   std::map<int, std::set<std::string>> folders;
+  // The inputs that are symbolic links, by the paths to which they lead.
+  std::map<std::string, std::set<std::string>> links;
 };
 
 }  // namespace tessera::view

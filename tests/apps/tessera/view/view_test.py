@@ -206,6 +206,63 @@ class Changes(Case):
                 self.write("gone.py", "first\n")
                 view.await_page("first")
 
+    def test_the_target_of_a_symbolic_link_is_followed(self):
+        self.write("real/r.py", "first\n")
+        (self.folder / "links").mkdir()
+        (self.folder / "links/m.py").symlink_to("../real/r.py")
+        (self.folder / "l.py").symlink_to(self.folder / "links/m.py")
+        with View(self.folder, "l.py") as view:
+            self.assertIn("first", view.page())
+            self.write("real/r.py", "second\n")
+            view.await_page("second")
+            # As editors save a file.
+            self.write("real/new", "third\n")
+            os.rename(self.folder / "real/new", self.folder / "real/r.py")
+            view.await_page("third")
+            shutil.rmtree(self.folder / "real")
+            view.await_page("Not parsed")
+            self.write("real/r.py", "fourth\n")
+            view.await_page("fourth")
+            # One of the links leads to another file.
+            self.write("other/o.py", "fifth\n")
+            os.remove(self.folder / "links/m.py")
+            view.await_page("Not parsed")
+            (self.folder / "links/m.py").symlink_to("../other/o.py")
+            view.await_page("fifth")
+            self.write("other/o.py", "sixth\n")
+            view.await_page("sixth")
+
+    def test_a_link_that_leads_to_itself_is_not_followed_for_ever(self):
+        (self.folder / "l.py").symlink_to("l.py")
+        with View(self.folder, "l.py") as view:
+            self.assertIn("Not parsed", view.page())
+            os.remove(self.folder / "l.py")
+            self.write("l.py", "first\n")
+            view.await_page("first")
+
+    def test_a_folder_that_is_replaced_is_followed(self):
+        self.write("d1/deep/a.py", "first\n")
+        with View(self.folder, "d1/deep/a.py") as view:
+            self.assertIn("first", view.page())
+            for gone in ("d1", "d1/deep"):
+                for number in range(10):
+                    shutil.rmtree(self.folder / gone)
+                    view.await_page("Not parsed")
+                    self.write("d1/deep/a.py", f"early{number}.\n")
+                    view.await_page(f"early{number}.")
+                    self.write("d1/deep/a.py", f"late{number}.\n")
+                    view.await_page(f"late{number}.")
+
+    def test_a_folder_that_is_moved_is_followed(self):
+        self.write("d1/a.py", "first\n")
+        with View(self.folder, "d1/a.py") as view:
+            os.rename(self.folder / "d1", self.folder / "d2")
+            view.await_page("Not parsed")
+            os.rename(self.folder / "d2", self.folder / "d1")
+            view.await_page("first")
+            self.write("d1/a.py", "second\n")
+            view.await_page("second")
+
     def test_a_directory_is_followed(self):
         self.write("t/a.py", "first\n")
         with View(self.folder, "t") as view:
