@@ -115,24 +115,22 @@ class PartialOpening {
 
 }  // namespace
 
-PartialFile::PartialFile(const std::string& givenName, Leftover leftover)
-    : PartialFile(givenName, HeldInterruptions()) {
+PartialFile::PartialFile(const std::string& givenName, Leftover leftover, Incomplete incomplete)
+    : PartialFile(givenName, incomplete, HeldInterruptions()) {
   // The destructor runs if this throws.
   if (leftover == Leftover::kReplaced) cutAfter(0);
 }
 
-PartialFile::PartialFile(const std::string& givenName, const HeldInterruptions& /*held*/)
+PartialFile::PartialFile(const std::string& givenName, Incomplete incomplete,
+                         const HeldInterruptions& /*held*/)
     : name(resolve(givenName)),
       folder(openFolderOf(name)),
       partial(isDirectlyWritten(name) ? std::string() : name + kSuffix),
       partialEntry(nameOfFile(partial)),
       number(partial.empty() ? openDirectly(name) : PartialOpening(folder, name).openLocked()),
       file(number, givenName) {
-  if (!partial.empty()) removal.emplace(folder.number(), partialEntry);
-}
-
-void PartialFile::keepIncomplete() noexcept {
-  removal.reset();
+  if (partial.empty() || incomplete == Incomplete::kKept) return;
+  removal.emplace(folder.number(), partialEntry);
 }
 
 PartialFile::~PartialFile() {

@@ -13,6 +13,10 @@ namespace tessera::files {
 /// What to do with the `.partial` file that an earlier run left.
 enum class Leftover { kReplaced, kContinued };
 
+/// What happens to the `.partial` file of a run that ends early. One that is kept, for a later run
+/// to continue, is removed only if it is empty.
+enum class Incomplete { kRemoved, kKept };
+
 /// A file that appears under its name only when it is complete: until then it is NAME.partial,
 /// which is locked, so that two runs cannot write it at the same time.
 ///
@@ -23,9 +27,11 @@ class PartialFile {
  public:
   /// Creates or opens NAME.partial. Throws OutputError, and leaves `name` untouched, when that
   /// cannot be written or another run holds its lock.
-  PartialFile(const std::string& name, Leftover leftover);
+  PartialFile(const std::string& name, Leftover leftover,
+              Incomplete incomplete = Incomplete::kRemoved);
 
-  /// Removes NAME.partial unless it was renamed or is to be kept. An interruption does the same.
+  /// Removes NAME.partial unless it was renamed or is to be kept. An interruption does the same,
+  /// but also keeps an empty one.
   ~PartialFile();
   PartialFile(const PartialFile&) = delete;
   PartialFile& operator=(const PartialFile&) = delete;
@@ -41,16 +47,12 @@ class PartialFile {
   /// directly and cannot be cut. Throws OutputError.
   bool cutAfter(std::uint64_t size);
 
-  /// Keeps NAME.partial, unless it is empty, if the run ends before `complete`, for a later one to
-  /// continue.
-  void keepIncomplete() noexcept;
-
   /// Writes what is buffered to the disk and renames the file. Throws OutputError.
   void complete();
 
  private:
   /// No interruption arrives before it is known that the file is to be removed.
-  PartialFile(const std::string& name, const HeldInterruptions& held);
+  PartialFile(const std::string& name, Incomplete incomplete, const HeldInterruptions& held);
 
   std::string name;
   OpenFolder folder;

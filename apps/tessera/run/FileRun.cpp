@@ -70,7 +70,7 @@ void reportIfNothingIsFound(const RunOptions& options, const std::vector<inputs:
 FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
                  const RecordRules* rules)
     : options(options),
-      target(options, rules == nullptr ? IncompleteOutput::kRemoved : IncompleteOutput::kKept),
+      target(options, rules == nullptr ? files::Incomplete::kRemoved : files::Incomplete::kKept),
       files(std::move(files)) {
   reportIfNothingIsFound(options, this->files);
   if (!this->files.empty()) this->files.front().isFirst = true;

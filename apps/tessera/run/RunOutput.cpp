@@ -4,12 +4,12 @@
 
 namespace tessera::run {
 
-RunOutput::RunOutput(const RunOptions& options, IncompleteOutput incomplete)
+RunOutput::RunOutput(const RunOptions& options, files::Incomplete incomplete)
     : standardOutput(STDOUT_FILENO, "standard output") {
   if (options.outputFile.empty()) return;
   using files::Leftover;
-  partial.emplace(options.outputFile, options.resumes ? Leftover::kContinued : Leftover::kReplaced);
-  if (incomplete == IncompleteOutput::kKept) partial->keepIncomplete();
+  partial.emplace(options.outputFile, options.resumes ? Leftover::kContinued : Leftover::kReplaced,
+                  incomplete);
 }
 
 int RunOutput::descriptor() const noexcept {

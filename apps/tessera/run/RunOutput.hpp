@@ -8,14 +8,11 @@
 
 namespace tessera::run {
 
-/// Whether the output of a run that ends early is of use: complete records can be continued.
-enum class IncompleteOutput { kRemoved, kKept };
-
 /// Where the output of a run goes: standard output, or a file that appears when it is complete.
 class RunOutput {
  public:
   /// Throws OutputError when the file cannot be written.
-  RunOutput(const RunOptions& options, IncompleteOutput incomplete);
+  RunOutput(const RunOptions& options, files::Incomplete incomplete);
 
   files::OutputFile& text() noexcept { return partial ? partial->output() : standardOutput; }
   /// The open file that the text goes to.

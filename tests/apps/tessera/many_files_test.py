@@ -858,6 +858,27 @@ class Resume(ManyFiles):
         self.parse("t", "-o", "out", "--resume")
         self.assertEqual((self.folder / "out").read_bytes(), b"done")
 
+    def test_an_interruption_while_the_file_is_opened_keeps_the_records(self):
+        for name in ("t/a", "t/b"):
+            self.write(name)
+        kept = self.parse("t").stdout.splitlines(keepends=True)[0]
+        self.write("out.partial", kept)
+        signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGIO})
+        self.addCleanup(signal.pthread_sigmask, signal.SIG_UNBLOCK, {signal.SIGIO})
+        with open(self.folder / "out.partial", "rb") as leased:
+            # Whoever opens the file waits until the lease is given back; this process is told.
+            try:
+                fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_RDLCK)
+            except OSError as error:
+                self.skipTest(f"this file system has no leases: {error}")
+            process = subprocess.Popen([PROGRAM, "parse", "--format", "ndjson", "t", "-o", "out", "--resume"],
+                                       cwd=self.folder, start_new_session=True, stdout=subprocess.DEVNULL)
+            self.assertIsNotNone(signal.sigtimedwait({signal.SIGIO}, 60))
+            send_signal(process.pid, signal.SIGINT, pathlib.Path(PROGRAM))
+            fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_UNLCK)
+            self.assertEqual(process.wait(), 130)
+        self.assertEqual((self.folder / "out.partial").read_bytes(), kept)
+
     def test_records_of_another_run_are_refused(self):
         for name in ("t/a", "t/b"):
             self.write(name)
