@@ -1,5 +1,7 @@
 #include "tessera/run/FileJob.hpp"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 
 #include "tessera/source/SourceText.hpp"
@@ -44,6 +46,13 @@ workers::Outcome FileJob::run(std::size_t index) {
     addProblem(error.problem());
     return workers::Outcome::kFailed;
   }
+}
+
+bool FileJob::isRepeatable(std::size_t index) const {
+  const inputs::Input& input = inputs[index];
+  if (input.isFound) return true;
+  struct stat status;
+  return input.path != "-" && ::stat(input.path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 session::ParsedFile FileJob::parse(const std::string& path) {

@@ -40,6 +40,8 @@ class FileJob : public workers::Job {
  public:
   /// Skips a binary file that was found in a directory. Throws OutputError.
   workers::Outcome run(std::size_t index) final;
+  /// Regular files are.
+  bool isRepeatable(std::size_t index) const final;
 
  protected:
   /// Borrows all. Throws ProblemError when the services cannot be used.

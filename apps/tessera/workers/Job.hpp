@@ -34,6 +34,9 @@ class Job {
 
   /// Works on the input numbered `index`. Throws what ends the run.
   virtual Outcome run(std::size_t index) = 0;
+
+  /// Returns whether another worker can work on that input again. A pipe can be read only once.
+  virtual bool isRepeatable(std::size_t /*index*/) const { return true; }
 };
 
 /// What a job uses; it outlives the job.

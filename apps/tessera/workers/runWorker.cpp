@@ -158,6 +158,9 @@ void runWorker(const MakeJob& makeJob, SharedSlots& slots, int socket) {
       const Outcome outcome = job->run(index);
       output.flush();
       frames.sendEnd(outcome);
+      // If this process ended before its parent knows of the end, the input would be worked on
+      // again.
+      if (!job->isRepeatable(index)) frames.flush();
     }
     return;
   } catch (...) {

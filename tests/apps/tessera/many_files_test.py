@@ -21,6 +21,7 @@ import subprocess
 import sys
 import tempfile
 import termios
+import threading
 import time
 import unittest
 
@@ -262,6 +263,21 @@ class Workers(ManyFiles):
                 self.assertIn(f"t/{name}:3:1: error: ".encode(), done.stderr)
             for number in set(range(20)) - {7, 8, 19}:
                 self.assertEqual(found[number], expected[number])
+
+    def test_what_can_be_read_only_once_is_not_lost_with_a_later_file(self):
+        self.write("a")
+        self.write("crash", b"# %<@text:anchor#segv>\n")
+        os.mkfifo(self.folder / "pipe")
+        source = b"x = 1\n"
+        [expected] = records(self.parse("-", stdin=source).stdout)
+        for name in ("-", "pipe"):
+            if name == "pipe":
+                # It waits until the program opens the pipe.
+                threading.Thread(target=(self.folder / "pipe").write_bytes, args=(source,), daemon=True).start()
+            found = records(self.parse(name, "a", "crash", "a", "-j", "2", "--bundle", FAULTY, status=3, stdin=source).stdout)
+            self.assertEqual([record["file"] for record in found], [name, "a", "crash", "a"])
+            self.assertEqual(["error" in record for record in found], [False, False, True, False])
+            self.assertEqual(found[0], expected | {"file": name})
 
     def test_a_single_file_that_another_bundle_crashes_on_is_reported(self):
         self.write("a", b"# %<@text:anchor#segv>\n")
