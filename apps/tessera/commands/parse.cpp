@@ -78,9 +78,9 @@ run::RecordRules recordRules(bool& hasErrors) {
 }
 
 std::vector<Input> listInputsOf(const ParseOptions& options) {
-  std::vector<Input> inputs = run::listFiles(options.run);
-  if (options.recordFile.empty()) return inputs;
-  run::keepSeparate(inputs, options.recordFile, "--record", "record to");
+  if (options.recordFile.empty()) return run::listFiles(options.run);
+  std::vector<Input> inputs = run::listFiles(
+      options.run, {{.name = options.recordFile, .option = "--record", .use = "record to"}});
   requireReplaceable(options);
   return inputs;
 }

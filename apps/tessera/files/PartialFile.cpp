@@ -115,6 +115,11 @@ class PartialOpening {
 
 }  // namespace
 
+OutputNames outputNames(const std::string& name) {
+  const std::string complete = resolve(name);
+  return {.complete = complete, .partial = complete + kSuffix};
+}
+
 PartialFile::PartialFile(const std::string& givenName, Leftover leftover, Incomplete incomplete)
     : PartialFile(givenName, incomplete, HeldInterruptions()) {
   // The destructor runs if this throws.

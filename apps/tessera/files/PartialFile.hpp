@@ -17,6 +17,14 @@ enum class Leftover { kReplaced, kContinued };
 /// to continue, is removed only if it is empty.
 enum class Incomplete { kRemoved, kKept };
 
+/// The names that an output has, with symbolic links followed.
+struct OutputNames {
+  std::string complete;
+  std::string partial;
+};
+
+OutputNames outputNames(const std::string& name);
+
 /// A file that appears under its name only when it is complete: until then it is NAME.partial,
 /// which is locked, so that two runs cannot write it at the same time.
 ///

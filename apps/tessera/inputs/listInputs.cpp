@@ -41,19 +41,6 @@ void requireOneStandardInput(const InputOptions& options, const std::vector<std:
        .remedy = "name it once"});
 }
 
-void keepShard(std::vector<Input>& inputs, const Shard& shard) {
-  if (shard.count == 1) return;
-  std::size_t kept = 0;
-  for (std::size_t i = shard.index - 1; i < inputs.size();) {
-    if (kept != i) inputs[kept] = std::move(inputs[i]);
-    ++kept;
-    // The next number may be past the largest one that there is.
-    if (inputs.size() - i <= shard.count) break;
-    i += shard.count;
-  }
-  inputs.resize(kept);
-}
-
 /// A file that cannot be read is not binary.
 bool isBinary(const std::string& path) {
   try {
@@ -81,8 +68,20 @@ std::vector<Input> listInputs(const InputOptions& options, BinaryFiles binaryFil
   if (binaryFiles == BinaryFiles::kLeftOut) {
     std::erase_if(inputs, [](const Input& input) { return input.isFound && isBinary(input.path); });
   }
-  keepShard(inputs, options.shard);
   return inputs;
+}
+
+void keepShard(std::vector<Input>& inputs, const Shard& shard) {
+  if (shard.count == 1) return;
+  std::size_t kept = 0;
+  for (std::size_t i = shard.index - 1; i < inputs.size();) {
+    if (kept != i) inputs[kept] = std::move(inputs[i]);
+    ++kept;
+    // The next number may be past the largest one that there is.
+    if (inputs.size() - i <= shard.count) break;
+    i += shard.count;
+  }
+  inputs.resize(kept);
 }
 
 }  // namespace tessera::inputs

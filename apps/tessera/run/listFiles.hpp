@@ -8,17 +8,22 @@
 
 namespace tessera::run {
 
-/// Returns the inputs of a run. The file that it writes to is left out where it was found in a
-/// directory. Throws ProblemError when the user named that file as an input, or the inputs cannot
-/// be listed.
+/// A file that a run writes, as the user named it.
+struct NamedOutput {
+  std::string name;
+  /// The option that the name was given with.
+  std::string option;
+  /// What for: "write".
+  std::string use;
+};
+
+/// Returns the inputs of a run. The files that it writes are left out where they were found in a
+/// directory: its output, `otherOutputs`, what they are called until they are complete, and the
+/// standard streams. Throws ProblemError when the user named one of the outputs as an input or as
+/// the list of the inputs, or the inputs cannot be listed.
 ///
 /// Binary files of directories may be in the list; whoever reads one skips it.
-std::vector<inputs::Input> listFiles(const RunOptions& options);
-
-/// Leaves out the file `name`, and `name`.partial, where it was found in a directory. Throws
-/// ProblemError where the user named it as an input. `option` is the option that `name` was given
-/// with, and `use` says what for: "write".
-void keepSeparate(std::vector<inputs::Input>& inputs, const std::string& name,
-                  const std::string& option, const std::string& use);
+std::vector<inputs::Input> listFiles(const RunOptions& options,
+                                     std::vector<NamedOutput> otherOutputs = {});
 
 }  // namespace tessera::run

@@ -208,6 +208,21 @@ class Inputs(ManyFiles):
         for text in ("0/1", "2/1", "1", "a/2", "1/0", "-1/2", "1/2/3", "/"):
             self.parse("t", "--shard", text, status=2)
 
+    def test_the_files_that_a_run_writes_are_not_counted_in_shards(self):
+        for name in "abcd":
+            self.write(f"t/{name}")
+        self.write("t/aa.r", b"")
+        # In the second run, what the first one wrote is there.
+        for _ in range(2):
+            self.parse("t", "-o", "t/aa", "--record", "t/aa.r", "--shard", "1/2")
+            whole = (self.folder / "t/aa").read_bytes()
+            self.assertEqual([record["file"] for record in records(whole)], ["t/a", "t/c"])
+        os.unlink(self.folder / "t/aa")
+        os.unlink(self.folder / "t/aa.r")
+        self.write("t/aa.partial", whole.splitlines(keepends=True)[0])
+        self.parse("t", "-o", "t/aa", "--shard", "1/2", "--resume")
+        self.assertEqual((self.folder / "t/aa").read_bytes(), whole)
+
     def test_names_of_any_bytes_survive(self):
         self.write(b"t/\xff\n\"", b"x\n")
         [record] = records(self.parse("t").stdout)
@@ -747,6 +762,36 @@ class Outputs(ManyFiles):
         for _ in range(2):
             self.parse("t", "-o", "t/out")
             self.assertEqual([record["file"] for record in records((self.folder / "t/out").read_bytes())], ["t/a"])
+
+    def test_the_partial_file_of_a_link_is_no_input(self):
+        self.write("t/a")
+        self.write("t/real", b"old")
+        self.write("t/real.partial")
+        os.symlink("t/real", self.folder / "link")
+        self.parse("t", "-o", "link")
+        self.assertEqual([record["file"] for record in records((self.folder / "t/real").read_bytes())], ["t/a"])
+
+    def test_a_standard_stream_in_the_directory_is_no_input(self):
+        self.write("t/a")
+        for mode in ("wb", "ab"):
+            with open(self.folder / "t/out", mode) as out, open(self.folder / "t/error", mode) as error:
+                subprocess.run([PROGRAM, "parse", "--format", "ndjson", "t"], cwd=self.folder, stdout=out, stderr=error, check=True)
+            found = records((self.folder / "t/out").read_bytes())
+            self.assertEqual([record["file"] for record in found], ["t/a"] * (1 if mode == "wb" else 2))
+
+    def test_a_list_of_files_is_not_overwritten(self):
+        self.write("a")
+        self.write("list", b"a\n")
+        self.write("other.partial", b"a\n")
+        for option, name, list_name in (("-o", "list", "list"), ("-o", "./list", "list"), ("-o", "other", "other.partial"),
+                                        ("--record", "list", "list"), ("-o", "list", "-")):
+            with open(self.folder / "list", "rb") as stdin:
+                done = subprocess.run([PROGRAM, "parse", "--files-from", list_name, option, name], cwd=self.folder,
+                                      stdin=stdin, capture_output=True)
+            self.assertEqual(done.returncode, 2, (option, name))
+            self.assertIn(b"is the list of the inputs", done.stderr)
+            self.assertEqual((self.folder / "list").read_bytes(), b"a\n")
+        self.assertEqual((self.folder / "other.partial").read_bytes(), b"a\n")
 
     def test_only_a_recording_is_replaced_by_a_recording(self):
         self.write("a")

@@ -30,7 +30,9 @@ Paths list(const std::string& directory, tessera::inputs::InputOptions options) 
   const std::string root = folder().path() + '/';
   options.paths = {root + directory};
   Paths paths;
-  for (const auto& input : listInputs(options, tessera::inputs::BinaryFiles::kListed)) {
+  auto inputs = listInputs(options, tessera::inputs::BinaryFiles::kListed);
+  keepShard(inputs, options.shard);
+  for (const auto& input : inputs) {
     require(input.isFound && input.path.starts_with(root), "a file is found in the folder");
     paths.push_back(input.path.substr(root.size()));
   }
