@@ -56,9 +56,9 @@ bool isRecording(const std::string& name) {
 /// Throws ProblemError when the recording would destroy something else.
 void requireReplaceable(const ParseOptions& options) {
   const std::string& name = options.recordFile;
-  if (files::isRedirectedTo(STDOUT_FILENO, name) || name == options.run.outputFile) {
-    refuseSameOutput(name);
-  }
+  const std::string& output = options.run.outputFile;
+  if (files::isRedirectedTo(STDOUT_FILENO, name)) refuseSameOutput(name);
+  if (!output.empty() && files::haveCommonName(name, output)) refuseSameOutput(name);
   if (options.replacesAnyFile || !std::filesystem::is_regular_file(name) || isRecording(name)) {
     return;
   }

@@ -22,6 +22,14 @@ std::string resolve(const std::string& name) {
   return error ? name : target.string();
 }
 
+/// Returns the only absolute path of a file, which need not exist.
+std::string absolute(const std::string& name) {
+  std::error_code error;
+  const auto path =
+      std::filesystem::weakly_canonical(std::filesystem::absolute(name, error), error);
+  return error ? name : path.string();
+}
+
 bool isDirectlyWritten(const std::string& name) {
   struct stat status;
   return ::stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
@@ -118,6 +126,12 @@ class PartialOpening {
 OutputNames outputNames(const std::string& name) {
   const std::string complete = resolve(name);
   return {.complete = complete, .partial = complete + kSuffix};
+}
+
+bool haveCommonName(const std::string& name, const std::string& other) {
+  const std::string first = absolute(outputNames(name).complete);
+  const std::string second = absolute(outputNames(other).complete);
+  return first == second || first + kSuffix == second || first == second + kSuffix;
 }
 
 PartialFile::PartialFile(const std::string& givenName, Leftover leftover, Incomplete incomplete)

@@ -25,6 +25,9 @@ struct OutputNames {
 
 OutputNames outputNames(const std::string& name);
 
+/// Returns whether two outputs have a name in common, so that one would replace the other.
+bool haveCommonName(const std::string& name, const std::string& other);
+
 /// A file that appears under its name only when it is complete: until then it is NAME.partial,
 /// which is locked, so that two runs cannot write it at the same time.
 ///

@@ -793,6 +793,18 @@ class Outputs(ManyFiles):
             self.assertEqual((self.folder / "list").read_bytes(), b"a\n")
         self.assertEqual((self.folder / "other.partial").read_bytes(), b"a\n")
 
+    def test_two_outputs_do_not_share_a_partial_file(self):
+        self.write("a")
+        for old in ((), ("x",), ("x.partial",)):
+            for name in old:
+                self.write(name, b"")
+            for output, recording in (("x.partial", "x"), ("./x.partial", "x"), ("x", "x.partial"), ("x", "./x")):
+                done = self.parse("a", "-o", output, "--record", recording, status=2)
+                self.assertIn(b"the file to record to is where the output goes", done.stderr)
+                self.assertEqual(sorted(os.listdir(self.folder)), sorted({"a", *old}))
+            for name in old:
+                os.unlink(self.folder / name)
+
     def test_only_a_recording_is_replaced_by_a_recording(self):
         self.write("a")
         self.write("other", b"mine\n")
