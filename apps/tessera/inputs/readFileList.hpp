@@ -6,7 +6,8 @@
 namespace tessera::inputs {
 
 /// Returns the paths that the file `name` lists, "-" for standard input. Each ends in a NUL or
-/// in a line feed; the last one may lack it. Empty ones are skipped. Throws ProblemError.
+/// in a line feed; the last one may lack it. Empty ones are skipped. Throws ProblemError when the
+/// file cannot be read or a line contains a NUL.
 std::vector<std::string> readFileList(const std::string& name, bool isNulSeparated);
 
 }  // namespace tessera::inputs

@@ -190,6 +190,12 @@ class Inputs(ManyFiles):
         self.assertEqual(self.files("-0", "--files-from", "-", stdin=b"b\0a\0"), ["b", "a"])
         self.write("two\nlines")
         self.assertEqual(self.files("-0", "--files-from", "-", stdin=b"two\nlines\0"), ["two\nlines"])
+        # Without -0, a path would end at its first NUL.
+        for text, line in ((b"b\0a\0", 1), (b"b\na\0", 2), (b"\n\0", 2)):
+            done = self.parse("--files-from", "-", status=2, stdin=text)
+            self.assertEqual(done.stdout, b"")
+            self.assertIn(f"-:{line}:".encode(), done.stderr)
+            self.assertIn(b"add -0", done.stderr)
         message = self.parse("-", "--files-from", "-", status=2).stderr
         self.assertIn(b"standard input is named 2 times", message)
         self.parse("--files-from", "missing", status=2)

@@ -198,9 +198,20 @@ void checkIgnored(const std::string& directory, const Paths& files, std::string_
   }
 }
 
+// No path has a NUL.
+void requireRefused(const std::string& lines) {
+  try {
+    tessera::inputs::readFileList(lines, false);
+  } catch (const tessera::diagnostics::ProblemError&) {
+    return;
+  }
+  require(false, "a list of lines with a NUL is refused");
+}
+
 void checkFileList(std::string_view bytes, bool isNulSeparated) {
   static MemoryFile file;
   file.write(bytes);
+  if (!isNulSeparated && bytes.find('\0') != bytes.npos) return requireRefused(file.path());
   Paths expected;
   Choices rest(bytes);
   while (!rest.atEnd()) {
