@@ -22,23 +22,25 @@
 namespace tessera::commands {
 namespace {
 
-/// Says which records of an interrupted run are kept. `status` becomes kFailuresFound when one of
-/// them has a diagnostic at or above `failOn`.
+/// Says which records of an earlier run are kept. `status` becomes kFailuresFound when one of them
+/// has a diagnostic at or above `failOn`.
 ///
 /// The marker that a task lacks may be in any file of the run: a record with one is written again.
 run::RecordRules recordRules(FailOn failOn, int& status) {
   // In text, quotes are escaped: these are members.
-  const auto examine = [failOn, &status](std::string_view content) {
-    if (content.find("\"id\":\"missing_task_marker_pair\"") != content.npos) {
-      return run::Keep::kNothingFromHere;
-    }
+  const auto lacksMarker = [](std::string_view content) {
+    return content.find("\"id\":\"missing_task_marker_pair\"") != content.npos;
+  };
+  const auto note = [failOn, &status](std::string_view content) {
     const std::string_view mark =
         failOn == FailOn::kFailure ? "\"severity\":\"failure\"" : "\"severity\":";
     const bool isFound = failOn != FailOn::kNever && content.find(mark) != content.npos;
     if (isFound) status = kFailuresFound;
-    return run::Keep::kRecord;
   };
-  return {.head = &reports::recordHead, .hasErrorRecords = false, .examine = examine};
+  return {.head = &reports::recordHead,
+          .hasErrorRecords = false,
+          .dependsOnOthers = lacksMarker,
+          .note = note};
 }
 
 void requireFixable(const CheckOptions& options) {
@@ -94,7 +96,6 @@ int runCheck(const CheckOptions& options, std::vector<inputs::Input> files) {
 int check(const CheckOptions& options) {
   requireFixable(options);
   requireRecords(options);
-  if (run::isCompleted(options.run)) return kFine;
   std::vector<inputs::Input> files = run::listFiles(options.run);
   files::endOnInterruption();
   return runCheck(options, std::move(files));

@@ -54,12 +54,10 @@ void requireRecords(const MarkersOptions& options) {
 
 int markers(const MarkersOptions& options) {
   requireRecords(options);
-  if (run::isCompleted(options.run)) return kFine;
   std::vector<inputs::Input> files = run::listFiles(options.run);
   files::endOnInterruption();
-  const run::RecordRules rules{.head = &reports::recordHead,
-                               .hasErrorRecords = false,
-                               .examine = [](std::string_view) { return run::Keep::kRecord; }};
+  const run::RecordRules rules{
+      .head = &reports::recordHead, .hasErrorRecords = false, .dependsOnOthers = {}, .note = {}};
   run::FileRun run(options.run, std::move(files),
                    options.format == MarkersFormat::kJson ? &rules : nullptr);
   run::TextCollector collector(run.inputs(), run.output(),

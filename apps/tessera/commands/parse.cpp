@@ -66,14 +66,14 @@ void requireReplaceable(const ParseOptions& options) {
              "name another file after --record, or add --force to replace it");
 }
 
-/// Says that all records of an interrupted run are kept, and notes whether one is of an input that
+/// Says that all records of an earlier run are kept, and notes whether one is of an input that
 /// could not be parsed.
 run::RecordRules recordRules(bool& hasErrors) {
   return {.head = &formats::recordHead,
           .hasErrorRecords = true,
-          .examine = [&hasErrors](std::string_view content) {
+          .dependsOnOthers = {},
+          .note = [&hasErrors](std::string_view content) {
             hasErrors |= content.starts_with(formats::kErrorRecordMark);
-            return run::Keep::kRecord;
           }};
 }
 
@@ -106,7 +106,7 @@ class ParseRun {
         rules(recordRules(hasErrors)),
         run(options.run, std::move(files),
             options.format == ParseFormat::kNdjson ? &rules : nullptr) {
-    if (options.recordFile.empty()) return;
+    if (options.recordFile.empty() || run.wasCompleted()) return;
     recordFile.emplace(options.recordFile, files::Leftover::kReplaced);
     requireTwoFiles();
     recording.emplace(recordFile->output());
@@ -168,7 +168,7 @@ class ParseRun {
   }
 
   const ParseOptions& options;
-  // Whether a record of an interrupted run is of an input that could not be parsed.
+  // Whether a record of an earlier run is of an input that could not be parsed.
   bool hasErrors = false;
   run::RecordRules rules;
   run::FileRun run;
@@ -186,7 +186,6 @@ void requireRecords(const ParseOptions& options) {
 
 int parse(const ParseOptions& options) {
   if (options.run.resumes) requireRecords(options);
-  if (run::isCompleted(options.run)) return kFine;
   std::vector<Input> files = listInputsOf(options);
   files::endOnInterruption();
   return ParseRun(options, std::move(files)).parse();

@@ -1,6 +1,5 @@
 #include "tessera/run/FileRun.hpp"
 
-#include <filesystem>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -75,7 +74,9 @@ FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
   reportIfNothingIsFound(options, this->files);
   if (!this->files.empty()) this->files.front().isFirst = true;
   if (!options.resumes) return;
-  ResumedInputs resumed = resumeRecords(target.file(), std::move(this->files), *rules);
+  ResumedInputs resumed = wasCompleted()
+                              ? examineRecords(options.outputFile, std::move(this->files), *rules)
+                              : resumeRecords(target.file(), std::move(this->files), *rules);
   failedBefore = resumed.failed.size();
   this->files = std::move(resumed.failed);
   this->files.insert(this->files.end(), std::move_iterator(resumed.rest.begin()),
@@ -101,11 +102,6 @@ bool FileRun::isDoneHere(Processes processes) const noexcept {
   if (processes == Processes::kOwn) return true;
   if (options.timeout.count() != 0) return false;
   return options.workers == 1 || (processes == Processes::kAny && files.size() == 1);
-}
-
-bool isCompleted(const RunOptions& options) {
-  return options.resumes && std::filesystem::exists(options.outputFile) &&
-         !std::filesystem::exists(options.outputFile + ".partial");
 }
 
 }  // namespace tessera::run

@@ -31,6 +31,8 @@ class FileRun {
   /// ProblemError.
   FileRun(const RunOptions& options, std::vector<inputs::Input> files, const RecordRules* rules);
 
+  /// Whether an earlier run has written everything, so that there is nothing to write.
+  bool wasCompleted() const noexcept { return target.wasCompleted(); }
   /// The inputs in the order of the work. Stays valid as long as the run.
   const std::vector<inputs::Input>& inputs() const noexcept { return files; }
   files::OutputFile& output() noexcept { return target.text(); }
@@ -51,11 +53,8 @@ class FileRun {
   const RunOptions& options;
   RunOutput target;
   std::vector<inputs::Input> files;
-  // How many of the first inputs had no record in the interrupted run and can have none in this.
+  // How many of the first inputs had no record in the earlier run and can have none in this.
   std::size_t failedBefore = 0;
 };
-
-/// Returns whether an earlier run has written everything.
-bool isCompleted(const RunOptions& options);
 
 }  // namespace tessera::run

@@ -1,5 +1,6 @@
 #include "tessera/run/resumeRecords.hpp"
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 
@@ -8,6 +9,7 @@
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/Descriptor.hpp"
 
 namespace tessera::run {
 
@@ -42,43 +44,54 @@ class MappedFile {
 /// Assigns records to inputs, both in order.
 class RecordMatcher {
  public:
-  RecordMatcher(const files::PartialFile& file, const std::vector<Input>& inputs,
-                const RecordRules& rules)
-      : file(file), inputs(inputs), rules(rules) {}
+  /// `name` is the file with the records.
+  RecordMatcher(const std::string& name, const std::vector<Input>& inputs, const RecordRules& rules)
+      : name(name), inputs(inputs), rules(rules) {}
 
   /// Returns what follows the head of `record`. Throws ProblemError when it is not the record of
   /// one of the next inputs.
   std::string_view match(std::string_view record) {
-    if (next == inputs.size()) refuse("an input of this run");
+    if (next == inputs.size()) refuseRecord("an input of this run");
     for (found = next; found < inputs.size(); ++found) {
       const std::string head = rules.head(inputs[found].path);
       if (record.starts_with(head + ',') || record == head + '}') return record.substr(head.size());
       if (rules.hasErrorRecords) break;
     }
-    refuse("input \"" + inputs[next].path + "\"");
+    refuseRecord("input \"" + inputs[next].path + "\"");
   }
 
-  /// Keeps the record that was matched.
-  void keep() {
+  /// Keeps the record that was matched, with that content.
+  void keep(std::string_view content) {
+    if (rules.note) rules.note(content);
     ++count;
     for (; next < found; ++next) withoutRecord.push_back(next);
     ++next;
+  }
+
+  /// Throws ProblemError when an input that must have a record has none.
+  void requireAll() const {
+    if (!rules.hasErrorRecords || next == inputs.size()) return;
+    refuse("there is no record of input \"" + inputs[next].path + "\"");
   }
 
   std::size_t firstUndone() const noexcept { return next; }
   const std::vector<std::size_t>& missing() const noexcept { return withoutRecord; }
 
  private:
-  [[noreturn]] void refuse(const std::string& expected) const {
-    throw diagnostics::ProblemError(
-        {.file = file.partialName(),
-         .place = {},
-         .what = "record " + std::to_string(count + 1) + " does not belong to " + expected,
-         .remedy = "resume with the inputs and options of the interrupted run, or run without "
-                   "--resume"});
+  [[noreturn]] void refuseRecord(const std::string& expected) const {
+    refuse("record " + std::to_string(count + 1) + " does not belong to " + expected);
   }
 
-  const files::PartialFile& file;
+  [[noreturn]] void refuse(const std::string& what) const {
+    throw diagnostics::ProblemError(
+        {.file = name,
+         .place = {},
+         .what = what,
+         .remedy = "resume with the inputs and options of the run that wrote the file, or run "
+                   "without --resume"});
+  }
+
+  const std::string& name;
   const std::vector<Input>& inputs;
   const RecordRules& rules;
   // How many records are kept, the first input after theirs, and the one of the matched record.
@@ -88,24 +101,21 @@ class RecordMatcher {
   std::vector<std::size_t> withoutRecord;
 };
 
-}  // namespace
-
-ResumedInputs resumeRecords(files::PartialFile& file, std::vector<Input> inputs,
-                            const RecordRules& rules) {
-  RecordMatcher matcher(file, inputs, rules);
+/// Matches the complete records of `text` until `rules` say that one cannot be kept. Returns the
+/// end of those that are kept.
+std::size_t matchRecords(RecordMatcher& matcher, std::string_view text, const RecordRules& rules) {
   std::size_t end = 0;
-  {
-    const MappedFile mapped(file.descriptor(), file.partialName());
-    const std::string_view text = mapped.text();
-    for (auto lineEnd = text.find('\n'); lineEnd != std::string_view::npos;
-         lineEnd = text.find('\n', end)) {
-      const std::string_view record = text.substr(end, lineEnd - end);
-      if (rules.examine(matcher.match(record)) == Keep::kNothingFromHere) break;
-      matcher.keep();
-      end = lineEnd + 1;
-    }
+  for (auto lineEnd = text.find('\n'); lineEnd != std::string_view::npos;
+       lineEnd = text.find('\n', end)) {
+    const std::string_view content = matcher.match(text.substr(end, lineEnd - end));
+    if (rules.dependsOnOthers && rules.dependsOnOthers(content)) break;
+    matcher.keep(content);
+    end = lineEnd + 1;
   }
-  file.cutAfter(end);
+  return end;
+}
+
+ResumedInputs takeUndone(const RecordMatcher& matcher, std::vector<Input> inputs) {
   ResumedInputs resumed;
   for (const std::size_t index : matcher.missing()) {
     resumed.failed.push_back(std::move(inputs[index]));
@@ -113,6 +123,36 @@ ResumedInputs resumeRecords(files::PartialFile& file, std::vector<Input> inputs,
   const auto firstUndone = inputs.begin() + static_cast<std::ptrdiff_t>(matcher.firstUndone());
   resumed.rest.assign(std::move_iterator(firstUndone), std::move_iterator(inputs.end()));
   return resumed;
+}
+
+}  // namespace
+
+ResumedInputs resumeRecords(files::PartialFile& file, std::vector<Input> inputs,
+                            const RecordRules& rules) {
+  RecordMatcher matcher(file.partialName(), inputs, rules);
+  std::size_t end = 0;
+  {
+    const MappedFile mapped(file.descriptor(), file.partialName());
+    end = matchRecords(matcher, mapped.text(), rules);
+  }
+  file.cutAfter(end);
+  return takeUndone(matcher, std::move(inputs));
+}
+
+ResumedInputs examineRecords(const std::string& name, std::vector<Input> inputs,
+                             const RecordRules& rules) {
+  const files::Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.get() < 0) files::failOutput(name, "cannot be read", errno);
+  RecordRules keepingAll = rules;
+  keepingAll.dependsOnOthers = nullptr;
+  RecordMatcher matcher(name, inputs, keepingAll);
+  matchRecords(matcher, MappedFile(file.get(), name).text(), keepingAll);
+  matcher.requireAll();
+  ResumedInputs undone = takeUndone(matcher, std::move(inputs));
+  undone.failed.insert(undone.failed.end(), std::move_iterator(undone.rest.begin()),
+                       std::move_iterator(undone.rest.end()));
+  undone.rest.clear();
+  return undone;
 }
 
 }  // namespace tessera::run

@@ -11,22 +11,18 @@
 
 namespace tessera::run {
 
-/// What a resumed run may do with a complete record of the interrupted one.
-enum class Keep {
-  kRecord,
-  /// It depends on other files: it and the records after it are written again.
-  kNothingFromHere,
-};
-
-/// The records that a format writes, one per line and input.
+/// The records that a format writes, one per line and input. The content of one is what comes from
+/// the end of its head to its line feed.
 struct RecordRules {
   /// Returns how the record of a file begins, up to a member that all records have.
   std::function<std::string(const std::string& path)> head;
   /// Whether an input without a record of its content has a record that says why.
   bool hasErrorRecords = true;
-  /// Is shown each record of the interrupted run, in order, from the end of its head to its line
-  /// feed.
-  std::function<Keep(std::string_view content)> examine;
+  /// Returns whether a record of an interrupted run depends on other files: it and the records
+  /// after it are written again. Empty if none does.
+  std::function<bool(std::string_view content)> dependsOnOthers;
+  /// Is shown each record that is kept, in order; may be empty.
+  std::function<void(std::string_view content)> note;
 };
 
 /// The inputs of a resumed run.
@@ -43,5 +39,10 @@ struct ResumedInputs {
 /// of the first of `inputs`.
 ResumedInputs resumeRecords(files::PartialFile& file, std::vector<inputs::Input> inputs,
                             const RecordRules& rules);
+
+/// Returns the inputs that have no record in the complete file `name`, all as `failed`. Throws
+/// ProblemError when its records are not those of `inputs`.
+ResumedInputs examineRecords(const std::string& name, std::vector<inputs::Input> inputs,
+                             const RecordRules& rules);
 
 }  // namespace tessera::run

@@ -910,8 +910,7 @@ class Resume(ManyFiles):
             partial = self.folder / (name + ".partial")
             continued += partial.exists() and 0 < partial.stat().st_size < len(expected)
             self.assertFalse((self.folder / name).exists() and partial.exists())
-            is_complete = (self.folder / name).exists()
-            self.parse("t", "-o", name, "-j", workers, "--resume", status=0 if is_complete else 3)
+            self.parse("t", "-o", name, "-j", workers, "--resume", status=3)
             self.assertTrue((self.folder / name).read_bytes() == expected)
             self.assertNoLeftovers()
         print(f"{KILLS} runs killed, {continued} of them within their output", file=sys.stderr)
@@ -932,10 +931,60 @@ class Resume(ManyFiles):
         self.write("out.partial", lines[1])
         self.parse("t", "-o", "out")
         self.assertEqual((self.folder / "out").read_bytes(), whole)
-        # Everything is done already.
-        self.write("out", b"done")
-        self.parse("t", "-o", "out", "--resume")
-        self.assertEqual((self.folder / "out").read_bytes(), b"done")
+
+    def test_a_complete_output_is_left_as_it_is(self):
+        for name in ("t/a", "t/c"):
+            self.write(name)
+        self.write("t/b", b"\xff")
+        # Without a partner, in the last file: a resumed run would write its record again.
+        self.write("t/d", b"# <@task#a>\n")
+        cases = ((["parse", "--format", "ndjson"], 3), (["check", "--format", "json"], 3), (["markers", "--format", "json"], 3))
+        for command, status in cases:
+            whole = tessera(*command, "t", "-o", "out", cwd=self.folder)
+            self.assertEqual(whole.returncode, status)
+            before = (self.folder / "out").stat()
+            done = tessera(*command, "t", "-o", "out", "--resume", "--record=calls" if command[0] == "parse" else "-j1",
+                           cwd=self.folder)
+            self.assertEqual((done.returncode, done.stdout), (status, b""))
+            after = (self.folder / "out").stat()
+            self.assertEqual((after.st_ino, after.st_mtime_ns), (before.st_ino, before.st_mtime_ns))
+            self.assertNoLeftovers()
+        self.assertFalse((self.folder / "calls").exists())
+        os.unlink(self.folder / "t/b")
+        for options, status in (([], 1), (["--fail-on", "warning"], 1), (["--fail-on", "never"], 0)):
+            command = ["check", "--format", "json", "t", "-o", "out", *options]
+            self.assertEqual(tessera(*command, cwd=self.folder).returncode, status)
+            self.assertEqual(tessera(*command, "--resume", cwd=self.folder).returncode, status)
+
+    def test_a_complete_output_of_other_inputs_is_refused(self):
+        for name in "abc":
+            self.write(name)
+        for command in (["parse", "--format", "ndjson"], ["check", "--format", "json"], ["markers", "--format", "json"]):
+            tessera(*command, "a", "b", "-o", "out", cwd=self.folder)
+            whole = (self.folder / "out").read_bytes()
+            for inputs in (["a"], ["b", "a"], ["a", "c"], ["a", "b", "c"]):
+                done = tessera(*command, *inputs, "-o", "out", "--resume", cwd=self.folder)
+                self.assertEqual((done.returncode, done.stdout), (2, b""), inputs)
+                self.assertIn(b"run without --resume", done.stderr)
+                self.assertEqual((self.folder / "out").read_bytes(), whole)
+
+    def test_a_link_is_followed_to_the_records(self):
+        for name in ("a", "b"):
+            self.write(name)
+        whole = self.parse("a", "b").stdout
+        (self.folder / "real").mkdir()
+        os.symlink("real/out", self.folder / "link")
+        self.write("real/out", b"old")
+        self.write("real/out.partial", whole.splitlines(keepends=True)[0])
+        self.parse("a", "b", "-o", "link", "--resume")
+        self.assertEqual((self.folder / "real/out").read_bytes(), whole)
+        self.assertTrue((self.folder / "link").is_symlink())
+        self.assertNoLeftovers()
+
+    def test_what_is_no_file_has_no_records(self):
+        self.write("a")
+        self.assertEqual(self.parse("a", "-o", "/dev/stdout", "--resume").stdout, self.parse("a").stdout)
+        self.parse("a", "-o", ".", "--resume", status=2)
 
     def test_an_interruption_while_the_file_is_opened_keeps_the_records(self):
         for name in ("t/a", "t/b"):
