@@ -785,6 +785,27 @@ class Outputs(ManyFiles):
             found = records((self.folder / "t/out").read_bytes())
             self.assertEqual([record["file"] for record in found], ["t/a"] * (1 if mode == "wb" else 2))
 
+    def test_a_file_that_standard_output_goes_to_keeps_what_it_has(self):
+        self.write("a")
+        self.write("log", b"header\n")
+        expected = self.parse("a").stdout
+        os.symlink("/dev/stdout", self.folder / "link")
+        for name in ("/dev/stdout", "/proc/self/fd/1", "log", "link"):
+            self.write("log", b"header\n")
+            with open(self.folder / "log", "ab") as log:
+                subprocess.run([PROGRAM, "parse", "--format", "ndjson", "a", "-o", name], cwd=self.folder, stdout=log, check=True)
+                log.write(b"footer\n")
+            self.assertEqual((self.folder / "log").read_bytes(), b"header\n" + expected + b"footer\n")
+            self.assertNoLeftovers()
+        for old in (b"header\n", expected, expected[:-1], b""):
+            self.write("log", old)
+            with open(self.folder / "log", "ab") as log:
+                done = subprocess.run([PROGRAM, "parse", "--format", "ndjson", "a", "-o", "/dev/stdout", "--resume"],
+                                      cwd=self.folder, stdout=log, stderr=subprocess.PIPE)
+            self.assertEqual(done.returncode, 2)
+            self.assertIn(b"standard output, which cannot be resumed", done.stderr)
+            self.assertEqual((self.folder / "log").read_bytes(), old)
+
     def test_a_list_of_files_is_not_overwritten(self):
         self.write("a")
         self.write("list", b"a\n")
