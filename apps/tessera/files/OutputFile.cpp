@@ -29,6 +29,11 @@ const char* remedyForWriting(int error) {
   }
 }
 
+bool isRegularFile(int descriptor) {
+  struct stat status;
+  return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
 }  // namespace
 
 void failOutput(const std::string& name, const std::string& what, int error) {
@@ -39,7 +44,10 @@ void failOutput(const std::string& name, const std::string& what, int error) {
 }
 
 OutputFile::OutputFile(int descriptor, std::string name)
-    : name(std::move(name)), descriptor(descriptor), isTerminal(::isatty(descriptor) != 0) {}
+    : name(std::move(name)),
+      descriptor(descriptor),
+      isTerminal(::isatty(descriptor) != 0),
+      isRegular(isRegularFile(descriptor)) {}
 
 void OutputFile::writeThrough(std::string_view piece) {
   flush();
@@ -48,10 +56,12 @@ void OutputFile::writeThrough(std::string_view piece) {
 
 bool OutputFile::takeBack(std::uint64_t size) noexcept {
   struct stat status;
-  if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  // The position is right also in a file that is only appended to.
-  const off_t end = ::lseek(descriptor, 0, SEEK_CUR) - static_cast<off_t>(size);
-  return end >= 0 && ::ftruncate(descriptor, end) == 0 && ::lseek(descriptor, end, SEEK_SET) == end;
+  if (!isRegular || ::fstat(descriptor, &status) != 0) return false;
+  const bool isLast = status.st_size == end && ::lseek(descriptor, 0, SEEK_CUR) == end;
+  const off_t rest = end - static_cast<off_t>(size);
+  if (!isLast || rest < begin || ::ftruncate(descriptor, rest) != 0) return false;
+  end = rest;
+  return ::lseek(descriptor, rest, SEEK_SET) == rest;
 }
 
 void OutputFile::write(std::string_view piece) {
@@ -67,6 +77,7 @@ void OutputFile::writeAll(std::string_view piece) {
   while (!piece.empty()) {
     const ssize_t count = ::write(descriptor, piece.data(), piece.size());
     if (count >= 0) {
+      noteWritten(static_cast<std::size_t>(count));
       piece.remove_prefix(static_cast<std::size_t>(count));
     } else if (errno == EAGAIN) {
       awaitRoom();
@@ -74,6 +85,15 @@ void OutputFile::writeAll(std::string_view piece) {
       failOutput(name, "cannot be written", errno);
     }
   }
+}
+
+/// In a file that is appended to, the position tells whether others have written in between.
+void OutputFile::noteWritten(std::size_t size) noexcept {
+  if (!isRegular) return;
+  const off_t position = ::lseek(descriptor, 0, SEEK_CUR);
+  const off_t first = position - static_cast<off_t>(size);
+  if (first != end) begin = first;
+  end = position;
 }
 
 void OutputFile::awaitRoom() const {

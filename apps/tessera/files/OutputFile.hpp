@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -21,17 +22,22 @@ class OutputFile final : public OutputText {
   void writeThrough(std::string_view piece);
 
   /// Removes the last `size` bytes that were written, and returns whether that was possible: it is
-  /// for a regular file.
+  /// for a regular file in which nobody else has written among or after them.
   bool takeBack(std::uint64_t size) noexcept;
 
  private:
   void write(std::string_view piece) override;
   void writeAll(std::string_view piece);
+  void noteWritten(std::size_t size) noexcept;
   void awaitRoom() const;
 
   std::string name;
   int descriptor;
   bool isTerminal;
+  bool isRegular;
+  // In a regular file, where the bytes that were written last in a row begin and end.
+  std::int64_t begin = 0;
+  std::int64_t end = 0;
   diagnostics::TerminalFilter filter;
 };
 
