@@ -14,7 +14,7 @@
 #include "tessera/commands/status.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/Interruption.hpp"
-#include "tessera/reports/recordHead.hpp"
+#include "tessera/formats/DocumentRecord.hpp"
 #include "tessera/run/FileRun.hpp"
 #include "tessera/run/listFiles.hpp"
 #include "tessera/terminal/settings.hpp"
@@ -37,7 +37,7 @@ run::RecordRules recordRules(FailOn failOn, int& status) {
     const bool isFound = failOn != FailOn::kNever && content.find(mark) != content.npos;
     if (isFound) status = kFailuresFound;
   };
-  return {.head = &reports::recordHead,
+  return {.head = &formats::recordHead,
           .hasErrorRecords = false,
           .dependsOnOthers = lacksMarker,
           .note = note};

@@ -10,8 +10,8 @@
 #include "tessera/commands/status.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/Interruption.hpp"
+#include "tessera/formats/DocumentRecord.hpp"
 #include "tessera/reports/MarkerReport.hpp"
-#include "tessera/reports/recordHead.hpp"
 #include "tessera/run/FileJob.hpp"
 #include "tessera/run/FileRun.hpp"
 #include "tessera/run/TextCollector.hpp"
@@ -57,7 +57,7 @@ int markers(const MarkersOptions& options) {
   std::vector<inputs::Input> files = run::listFiles(options.run);
   files::endOnInterruption();
   const run::RecordRules rules{
-      .head = &reports::recordHead, .hasErrorRecords = false, .dependsOnOthers = {}, .note = {}};
+      .head = &formats::recordHead, .hasErrorRecords = false, .dependsOnOthers = {}, .note = {}};
   run::FileRun run(options.run, std::move(files),
                    options.format == MarkersFormat::kJson ? &rules : nullptr);
   run::TextCollector collector(run.inputs(), run.output(),

@@ -5,8 +5,8 @@
 
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/catalogue/describeEntry.hpp"
+#include "tessera/formats/DocumentRecord.hpp"
 #include "tessera/reports/placeOf.hpp"
-#include "tessera/reports/recordHead.hpp"
 #include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
@@ -15,7 +15,7 @@ using namespace check::catalogue;
 
 void CheckJson::write(const CheckedFile& file) {
   json.beginObject();
-  writeRecordHead(json, file.path);
+  formats::writeRecordHead(json, file.path);
   json.key("diagnostics");
   json.beginArray();
   for (const Diagnostic& diagnostic : file.diagnostics) {

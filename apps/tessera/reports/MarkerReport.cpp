@@ -6,7 +6,7 @@
 #include "fl/i18n/ustring.hpp"
 #include "foundation/json/Writer.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
-#include "tessera/reports/recordHead.hpp"
+#include "tessera/formats/DocumentRecord.hpp"
 #include "tessera/reports/writeMember.hpp"
 
 namespace tessera::reports {
@@ -60,7 +60,7 @@ class MarkerJson {
 
   void write() {
     json.beginObject();
-    writeRecordHead(json, file.path);
+    formats::writeRecordHead(json, file.path);
     json.key("markers");
     json.beginArray();
     for (const ListedMarker& listed : file.markers) writeMarker(listed);

@@ -552,6 +552,23 @@ class Reports(ManyFiles):
             self.assertEqual(self.run_report(*check, *options, "-o", "out", "--resume").returncode, status)
             os.unlink(self.folder / "out")
 
+    def test_names_that_differ_only_in_bytes_have_records_apart(self):
+        names = [b"t/\xfe", b"t/\xff"]
+        self.write(names[0], b"bad \xff")
+        self.write(names[1], b"# <@output#a [5,3]>\n")
+        for command in ("check", "markers"):
+            whole = self.run_report(command, "--format", "json", "t")
+            self.assertEqual(whole.returncode, 3)
+            [record] = records(whole.stdout)
+            self.assertEqual(record["file"], "t/\ufffd")
+            self.assertEqual(base64.b64decode(record["fileBytes"]), names[1])
+            self.assertEqual(list(record)[:3], ["schemaVersion", "file", "fileBytes"])
+            # The file without a record is the first one, also for a resumed run.
+            self.write("out.partial", whole.stdout)
+            done = self.run_report(command, "--format", "json", "t", "-o", "out", "--resume")
+            self.assertEqual((done.returncode, done.stderr), (3, whole.stderr))
+            self.assertEqual((self.folder / "out").read_bytes(), whole.stdout)
+
     def test_a_file_that_has_a_record_only_now_ends_a_resumed_run(self):
         # A record so large that it is written in pieces.
         self.write("t/a", b"# <@output#a [0,1]>\n" * 5000)

@@ -6,9 +6,11 @@ schema_test.py PROGRAM
 import base64
 import copy
 import json
+import os
 import pathlib
 import subprocess
 import sys
+import tempfile
 
 import jsonschema
 
@@ -130,8 +132,18 @@ DAMAGED_CHECKS = {
     "a note without a message": lambda d: d["diagnostics"][0]["notes"][0].pop("message"),
     "no fix": lambda d: d["diagnostics"][0].pop("fix"),
     "a fix without edits": lambda d: d["diagnostics"][0]["fix"].update(edits=[]),
+    "bytes that are not base64": lambda d: d.update(fileBytes="/w="),
     "an edit without its text": lambda d: d["diagnostics"][0]["fix"]["edits"][0].pop("text"),
 }
+
+
+def check_odd_name(program):
+    """Returns the record of `check` about a file whose name is not UTF-8."""
+    with tempfile.TemporaryDirectory() as folder:
+        path = os.path.join(os.fsencode(folder), b"\xff")
+        with open(path, "wb"):
+            pass
+        return json.loads(subprocess.run([program, "check", "--format", "json", path], capture_output=True, timeout=60).stdout)
 
 
 def check_problems(program):
@@ -145,6 +157,8 @@ def check_problems(program):
     problems = [f"{record['file']}: {error.message}" for record in records for error in validator.iter_errors(record)]
     if len(records) != len(sources) or len(sources) < 40:
         problems.append(f"{len(records)} records of {len(sources)} files")
+    record = check_odd_name(program)
+    problems += [f"{record['file']}: {error.message}" for error in validator.iter_errors(record)]
     record = next(record for record in records for diagnostic in record["diagnostics"][:1]
                   if diagnostic["notes"] and diagnostic["fix"])
     for name, damage in DAMAGED_CHECKS.items():
