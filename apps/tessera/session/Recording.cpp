@@ -11,8 +11,11 @@ Recording::Recording(files::OutputText& file)
 
 void Recording::begin(const std::vector<fl::i18n::ustring>& appendixEntries,
                       std::u16string_view code) {
-  auxiliaryTextIsNew = auxiliaryText != code;
-  if (auxiliaryTextIsNew) auxiliaryText = code;
+  if (auxiliaryText != code) {
+    auxiliaryText = code;
+    // It stays new when the file has no call that could say it.
+    auxiliaryTextIsNew = true;
+  }
   beginCommand("document");
   endCommand();
   beginCommand("appendix");

@@ -58,6 +58,20 @@ TEST(Recording, WritesTheAuxiliaryTextOnlyWhenItChanges) {
   EXPECT_EQ(countOf("{\"op\":\"nodes\"}\n"), 3u);
 }
 
+TEST(Recording, WritesAnAuxiliaryTextThatChangedBeforeAFileWithoutCalls) {
+  const TemporaryFolder folder;
+  PartialFile file(folder.path("r"), Leftover::kReplaced);
+  Recording recording(file.output());
+  for (const std::u16string_view code : {u"one", u"", u""}) {
+    recording.begin({}, code);
+    if (!code.empty()) recording.parse("P", Snippet{u"one", {}, u"one"});
+    recording.end();
+  }
+  recording.begin({}, u"");
+  recording.parse("P", Snippet{u"", {}, u""});
+  EXPECT_NE(folder.read("r.partial").find("\"auxiliaryText\":\"\""), std::string::npos);
+}
+
 TEST(Recording, AFileThatCannotBeWrittenIsAnError) {
   PartialFile full("/dev/full", Leftover::kReplaced);
   Recording recording(full.output());
