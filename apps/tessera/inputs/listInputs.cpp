@@ -66,9 +66,13 @@ std::vector<Input> listInputs(const InputOptions& options, BinaryFiles binaryFil
     }
   }
   if (binaryFiles == BinaryFiles::kLeftOut) {
-    std::erase_if(inputs, [](const Input& input) { return input.isFound && isBinary(input.path); });
+    std::erase_if(inputs, isLeftOut);
   }
   return inputs;
+}
+
+bool isLeftOut(const Input& input) {
+  return input.isFound && isBinary(input.path);
 }
 
 void keepShard(std::vector<Input>& inputs, const Shard& shard) {

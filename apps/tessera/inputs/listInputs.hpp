@@ -19,6 +19,10 @@ enum class BinaryFiles { kListed, kLeftOut };
 /// Throws ProblemError when the list or a glob cannot be used, or standard input is named twice.
 std::vector<Input> listInputs(const InputOptions& options, BinaryFiles binaryFiles);
 
+/// Returns whether an input is a binary file that was found in a directory, which is left out. One
+/// that cannot be read is not. Opens the file.
+bool isLeftOut(const Input& input);
+
 /// Leaves only the inputs of `shard` in the list.
 void keepShard(std::vector<Input>& inputs, const Shard& shard);
 

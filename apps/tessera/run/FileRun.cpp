@@ -1,5 +1,6 @@
 #include "tessera/run/FileRun.hpp"
 
+#include <algorithm>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -7,6 +8,7 @@
 
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/diagnostics/report.hpp"
+#include "tessera/inputs/listInputs.hpp"
 #include "tessera/workers/WorkerPool.hpp"
 #include "tessera/workers/runHere.hpp"
 
@@ -64,6 +66,13 @@ void reportIfNothingIsFound(const RunOptions& options, const std::vector<inputs:
       "are left out");
 }
 
+/// Marks the first input that is not left out when it is read: it is the first one also where
+/// binary files are not listed.
+void markFirst(std::vector<inputs::Input>& files) {
+  const auto first = std::ranges::find_if_not(files, inputs::isLeftOut);
+  if (first != files.end()) first->isFirst = true;
+}
+
 }  // namespace
 
 FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
@@ -72,7 +81,7 @@ FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
       target(options, rules == nullptr ? files::Incomplete::kRemoved : files::Incomplete::kKept),
       files(std::move(files)) {
   reportIfNothingIsFound(options, this->files);
-  if (!this->files.empty()) this->files.front().isFirst = true;
+  markFirst(this->files);
   if (!options.resumes) return;
   ResumedInputs resumed = wasCompleted()
                               ? examineRecords(options.outputFile, std::move(this->files), *rules)

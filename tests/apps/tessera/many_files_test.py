@@ -957,8 +957,11 @@ class Resume(ManyFiles):
     def test_the_complete_records_are_kept(self):
         for name in ("t/a", "t/b", "t/c"):
             self.write(name)
+        # A binary file is not the first one, though it is found first.
+        self.write("t/0", b"\0")
         for options in (["--trace"], []):
             whole = self.parse("t", *options).stdout
+            self.assertEqual(self.parse("t", "--shard", f"1/{2**64 - 1}", *options).stdout, whole.splitlines(keepends=True)[0])
             lines = whole.splitlines(keepends=True)
             for kept in (b"", lines[0], lines[0] + lines[1][:-1], lines[0] + lines[1], whole, whole + b"{"):
                 self.write("out.partial", kept)
