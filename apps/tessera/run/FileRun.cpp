@@ -83,9 +83,12 @@ FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
   reportIfNothingIsFound(options, this->files);
   markFirst(this->files);
   if (!options.resumes) return;
-  ResumedInputs resumed = wasCompleted()
-                              ? examineRecords(options.outputFile, std::move(this->files), *rules)
-                              : resumeRecords(target.file(), std::move(this->files), *rules);
+  if (wasCompleted()) {
+    noteRecords(options.outputFile, this->files, *rules);
+    this->files.clear();
+    return;
+  }
+  ResumedInputs resumed = resumeRecords(target.file(), std::move(this->files), *rules);
   failedBefore = resumed.failed.size();
   this->files = std::move(resumed.failed);
   this->files.insert(this->files.end(), std::move_iterator(resumed.rest.begin()),

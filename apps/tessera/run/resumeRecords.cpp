@@ -48,16 +48,15 @@ class RecordMatcher {
   RecordMatcher(const std::string& name, const std::vector<Input>& inputs, const RecordRules& rules)
       : name(name), inputs(inputs), rules(rules) {}
 
-  /// Returns what follows the head of `record`. Throws ProblemError when it is not the record of
-  /// one of the next inputs.
-  std::string_view match(std::string_view record) {
-    if (next == inputs.size()) refuseRecord("an input of this run");
+  /// Returns what follows the head of `record`; nothing when it is not the record of one of the
+  /// next inputs.
+  std::optional<std::string_view> match(std::string_view record) {
     for (found = next; found < inputs.size(); ++found) {
       const std::string head = rules.head(inputs[found].path);
       if (record.starts_with(head + ',') || record == head + '}') return record.substr(head.size());
       if (rules.hasErrorRecords) break;
     }
-    refuseRecord("input \"" + inputs[next].path + "\"");
+    return std::nullopt;
   }
 
   /// Keeps the record that was matched, with that content.
@@ -68,29 +67,22 @@ class RecordMatcher {
     ++next;
   }
 
-  /// Throws ProblemError when an input that must have a record has none.
-  void requireAll() const {
-    if (!rules.hasErrorRecords || next == inputs.size()) return;
-    refuse("there is no record of input \"" + inputs[next].path + "\"");
+  /// Throws ProblemError: the next record does not match.
+  [[noreturn]] void refuseNext() const {
+    const std::string expected =
+        next == inputs.size() ? "an input of this run" : "input \"" + inputs[next].path + "\"";
+    throw diagnostics::ProblemError(
+        {.file = name,
+         .place = {},
+         .what = "record " + std::to_string(count + 1) + " does not belong to " + expected,
+         .remedy = "resume with the inputs and options of the run that wrote the file, or run "
+                   "without --resume"});
   }
 
   std::size_t firstUndone() const noexcept { return next; }
   const std::vector<std::size_t>& missing() const noexcept { return withoutRecord; }
 
  private:
-  [[noreturn]] void refuseRecord(const std::string& expected) const {
-    refuse("record " + std::to_string(count + 1) + " does not belong to " + expected);
-  }
-
-  [[noreturn]] void refuse(const std::string& what) const {
-    throw diagnostics::ProblemError(
-        {.file = name,
-         .place = {},
-         .what = what,
-         .remedy = "resume with the inputs and options of the run that wrote the file, or run "
-                   "without --resume"});
-  }
-
   const std::string& name;
   const std::vector<Input>& inputs;
   const RecordRules& rules;
@@ -101,15 +93,14 @@ class RecordMatcher {
   std::vector<std::size_t> withoutRecord;
 };
 
-/// Matches the complete records of `text` until `rules` say that one cannot be kept. Returns the
-/// end of those that are kept.
-std::size_t matchRecords(RecordMatcher& matcher, std::string_view text, const RecordRules& rules) {
+/// Calls `take` for the complete records of `text`, in order, until it returns false. Returns the
+/// end of those for which it returned true.
+template <class Take>
+std::size_t takeRecords(std::string_view text, Take take) {
   std::size_t end = 0;
   for (auto lineEnd = text.find('\n'); lineEnd != std::string_view::npos;
        lineEnd = text.find('\n', end)) {
-    const std::string_view content = matcher.match(text.substr(end, lineEnd - end));
-    if (rules.dependsOnOthers && rules.dependsOnOthers(content)) break;
-    matcher.keep(content);
+    if (!take(text.substr(end, lineEnd - end))) break;
     end = lineEnd + 1;
   }
   return end;
@@ -130,29 +121,29 @@ ResumedInputs takeUndone(const RecordMatcher& matcher, std::vector<Input> inputs
 ResumedInputs resumeRecords(files::PartialFile& file, std::vector<Input> inputs,
                             const RecordRules& rules) {
   RecordMatcher matcher(file.partialName(), inputs, rules);
-  std::size_t end = 0;
-  {
-    const MappedFile mapped(file.descriptor(), file.partialName());
-    end = matchRecords(matcher, mapped.text(), rules);
-  }
+  const auto keep = [&](std::string_view record) {
+    const auto content = matcher.match(record);
+    if (!content) matcher.refuseNext();
+    if (rules.dependsOnOthers && rules.dependsOnOthers(*content)) return false;
+    matcher.keep(*content);
+    return true;
+  };
+  const std::size_t end =
+      takeRecords(MappedFile(file.descriptor(), file.partialName()).text(), keep);
   file.cutAfter(end);
   return takeUndone(matcher, std::move(inputs));
 }
 
-ResumedInputs examineRecords(const std::string& name, std::vector<Input> inputs,
-                             const RecordRules& rules) {
+void noteRecords(const std::string& name, const std::vector<Input>& inputs,
+                 const RecordRules& rules) {
   const files::Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.get() < 0) files::failOutput(name, "cannot be read", errno);
-  RecordRules keepingAll = rules;
-  keepingAll.dependsOnOthers = nullptr;
-  RecordMatcher matcher(name, inputs, keepingAll);
-  matchRecords(matcher, MappedFile(file.get(), name).text(), keepingAll);
-  matcher.requireAll();
-  ResumedInputs undone = takeUndone(matcher, std::move(inputs));
-  undone.failed.insert(undone.failed.end(), std::move_iterator(undone.rest.begin()),
-                       std::move_iterator(undone.rest.end()));
-  undone.rest.clear();
-  return undone;
+  RecordMatcher matcher(name, inputs, rules);
+  takeRecords(MappedFile(file.get(), name).text(), [&](std::string_view record) {
+    const auto content = matcher.match(record);
+    if (content) matcher.keep(*content);
+    return content.has_value();
+  });
 }
 
 }  // namespace tessera::run

@@ -40,9 +40,9 @@ struct ResumedInputs {
 ResumedInputs resumeRecords(files::PartialFile& file, std::vector<inputs::Input> inputs,
                             const RecordRules& rules);
 
-/// Returns the inputs that have no record in the complete file `name`, all as `failed`. Throws
-/// ProblemError when its records are not those of `inputs`.
-ResumedInputs examineRecords(const std::string& name, std::vector<inputs::Input> inputs,
-                             const RecordRules& rules);
+/// Shows the records of `inputs` in the complete file `name` to `rules.note`, up to the first record
+/// that is not one of theirs. Throws OutputError when the file cannot be read.
+void noteRecords(const std::string& name, const std::vector<inputs::Input>& inputs,
+                 const RecordRules& rules);
 
 }  // namespace tessera::run
