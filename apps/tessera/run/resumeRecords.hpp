@@ -40,8 +40,8 @@ struct ResumedInputs {
 ResumedInputs resumeRecords(files::PartialFile& file, std::vector<inputs::Input> inputs,
                             const RecordRules& rules);
 
-/// Shows the records of `inputs` in the complete file `name` to `rules.note`, up to the first record
-/// that is not one of theirs. Throws OutputError when the file cannot be read.
+/// Shows the records of `inputs` in the complete file `name` to `rules.note`, up to the first
+/// record that is not one of theirs. Throws OutputError when the file cannot be read.
 void noteRecords(const std::string& name, const std::vector<inputs::Input>& inputs,
                  const RecordRules& rules);
 
