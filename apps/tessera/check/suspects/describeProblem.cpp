@@ -160,6 +160,7 @@ class ProblemWriter {
     const std::uint64_t second = parts.opening + 2;
     report(kIncompleteOpening, kOpeningOther, found.spanOf(parts.opening, second + 1), {"\"<@@\""});
     fixBy({second, 1, u""});
+    suspect.element = similarElement(writtenElement(found));
     const auto candidates = quenlith::syntax::findMarkerCandidates(suspect.repaired);
     if (candidates.empty()) return;
     suspect.element = candidates.front().element;

@@ -7,10 +7,12 @@
 
 #include "fl/i18n/search.hpp"
 #include "quenlith/syntax/MarkerCandidate.hpp"
+#include "quenlith/syntax/markers.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/scan/FoundMarker.hpp"
 #include "tessera/check/scan/markerText.hpp"
 #include "tessera/check/suspects/findRepair.hpp"
+#include "tessera/check/suspects/isIntended.hpp"
 
 namespace tessera::check::suspects {
 
@@ -21,8 +23,9 @@ using namespace std::string_view_literals;
 
 constexpr std::u16string_view kElements[] = {u"control", u"output", u"task", u"text"};
 
-/// Returns whether a known element and the start of an id or type follow.
+/// Returns whether a known element and the start of an id or type follow, or "appendix".
 bool startsBody(std::u16string_view text) {
+  if (text.starts_with(kAppendix)) return true;
   return std::ranges::any_of(kElements, [text](std::u16string_view element) {
     return text.size() > element.size() && text.starts_with(element) &&
            (text[element.size()] == u'#' || text[element.size()] == u':');
@@ -91,8 +94,10 @@ class OpeningSearch {
     attempt({at, 2, swapped}, at - 1, at + 2);
   }
 
-  /// Reports the text [`begin`, `end`) if `replacement` makes a marker with an id of it.
+  /// Reports the text [`begin`, `end`) if `replacement` makes a marker with an id of it, or of the
+  /// line one that starts an appendix.
   bool attempt(const Replacement& replacement, std::size_t begin, std::size_t end) {
+    if (attemptAppendix(replacement, begin, end)) return true;
     DamagedText text{lineNumber,   line, findCommentStart(line, floor, begin), 0, begin,
                      std::nullopt, false};
     text.end = std::min(line.find_first_of(u"@<", end), line.size());
@@ -103,6 +108,17 @@ class OpeningSearch {
     if (!repair) return false;
     report(std::move(*repair), begin, end, replacement);
     floor = end;
+    return true;
+  }
+
+  /// There is no fix: everything after the line would become the appendix.
+  bool attemptAppendix(const Replacement& replacement, std::size_t begin, std::size_t end) {
+    if (findCommentStart(line, 0, begin) != 0) return false;
+    std::u16string repaired(line);
+    repaired.replace(replacement.begin, replacement.length, replacement.text);
+    if (!quenlith::syntax::isAppendixLine(repaired)) return false;
+    suspects.push_back(describe(begin, end, replacement));
+    suspects.back().element = kAppendix;
     return true;
   }
 
@@ -121,16 +137,21 @@ class OpeningSearch {
     return leader;
   }
 
-  void report(Repair repair, std::size_t begin, std::size_t end, const Replacement& replacement) {
+  Suspect describe(std::size_t begin, std::size_t end, const Replacement& replacement) const {
     using namespace catalogue::forms;
-    const auto candidates = quenlith::syntax::findMarkerCandidates(repair.text);
-    const FoundMarker marker = makeFoundMarker(candidates.front(), lineNumber, repair.text);
     const bool isMissing = replacement.length == 0;
     Suspect suspect;
     suspect.diagnostic = catalogue::makeDiagnostic(
         catalogue::DiagnosticKind::kIncompleteOpening,
         isMissing ? kOpeningIncomplete : kOpeningOther, catalogue::spanOf(lineNumber, begin, end),
         {quoted(isMissing ? replacement.text : line.substr(begin, end - begin))});
+    return suspect;
+  }
+
+  void report(Repair repair, std::size_t begin, std::size_t end, const Replacement& replacement) {
+    const auto candidates = quenlith::syntax::findMarkerCandidates(repair.text);
+    const FoundMarker marker = makeFoundMarker(candidates.front(), lineNumber, repair.text);
+    Suspect suspect = describe(begin, end, replacement);
     suspect.element = marker.parts.element;
     suspect.ids.push_back(marker.id);
     suspect.diagnostic.fix = std::move(repair.fix);

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "tessera/check/scan/commentEnd.hpp"
+#include "tessera/check/suspects/likeness.hpp"
 #include "tessera/spelling/areSimilar.hpp"
 
 namespace tessera::check::suspects {
@@ -19,7 +20,7 @@ constexpr std::u16string_view kBlanks = u" \t";
 constexpr std::u16string_view kBlanksAndCommentEnds = u" \t*/)-}";
 
 constexpr std::array<std::u16string_view, 5> kIntendedElements{u"control", u"output", u"task",
-                                                               u"text", u"appendix"};
+                                                               u"text", kAppendix};
 
 bool isKnown(std::u16string_view element) {
   return std::ranges::find(kIntendedElements, element) != kIntendedElements.end();
@@ -53,6 +54,13 @@ bool endsLikeMarker(const FoundMarker& found) {
   return false;
 }
 
+/// "<@test>" may be anything; "<@taks>", "<@tasks>" and "<@Text>" may not.
+bool mayBeOtherWord(std::u16string_view element) {
+  const std::u16string_view similar = similarElement(element);
+  return similar == u"text" && differsInOneUnit(similar, element) &&
+         !areEqualExceptCase(similar, element);
+}
+
 bool isUnknownElementIntended(const FoundMarker& found) {
   const auto& parts = found.parts;
   if (!isComplete(parts.comment)) return false;
@@ -74,8 +82,16 @@ bool isUnknownElementIntended(const FoundMarker& found) {
   }
   if (similarElement(parts.element).empty() && elementAtStart(parts.element).empty()) return false;
   if (hasParts(found)) return true;
-  // "<@test>" may be anything; "<@taks>" and "<@tasks>" may not.
-  return isWhole && !differsInOneUnit(similarElement(parts.element), parts.element);
+  return isWhole && !mayBeOtherWord(parts.element);
+}
+
+/// Returns whether `rest` begins with "appendix", perhaps with a typing mistake, and ">".
+bool startsWithAppendix(std::u16string_view rest) {
+  const std::size_t length = std::min(rest.find_first_of(u"> \t"), rest.size());
+  const std::u16string_view word = rest.substr(0, length);
+  const std::size_t end = rest.find_first_not_of(kBlanks, length);
+  const bool isEnded = end != rest.npos && rest[end] == u'>';
+  return isEnded && (word == kAppendix || similarElement(word) == kAppendix);
 }
 
 /// Returns whether the text becomes a marker when blanks after "<@" are removed, or an element is
@@ -92,11 +108,11 @@ bool isElementMissing(const FoundMarker& found) {
   const bool hasPart = after < line.size() && (line[after] == u'#' || line[after] == u':');
   if (hasPart && !similarElement(written).empty()) return true;
   std::u16string_view rest = line.substr(next);
-  if (next != begin && rest.starts_with(u"appendix>")) return true;
   rest = rest.substr(0, rest.find(u"<@"));
   std::u16string repaired(line.substr(found.parts.position, begin - found.parts.position));
   if (next == begin && !rest.starts_with(u'@')) repaired += kIntendedElements.front();
   if (rest.starts_with(u'@')) rest.remove_prefix(1);
+  if (startsWithAppendix(rest)) return true;
   repaired += rest;
   const auto candidates = quenlith::syntax::findMarkerCandidates(repaired);
   if (candidates.empty() || candidates.front().problem != MarkerProblem::kNone) return false;
@@ -108,7 +124,7 @@ bool isElementMissing(const FoundMarker& found) {
 /// quoted marker is none.
 bool isLeaderMissing(const FoundMarker& found) {
   const auto& parts = found.parts;
-  if (parts.element == u"appendix") {
+  if (parts.element == kAppendix) {
     const std::u16string_view line = found.lineText;
     return line.substr(0, parts.opening).find_last_not_of(u" \t") == line.npos &&
            line.find_first_not_of(u" \t", *parts.bodyEnd) == line.npos;
@@ -124,6 +140,9 @@ bool isLeaderMissing(const FoundMarker& found) {
 }  // namespace
 
 std::u16string_view similarElement(std::u16string_view written) {
+  for (const std::u16string_view plural : {u"appendices", u"appendixes"}) {
+    if (areEqualExceptCase(plural, written)) return kAppendix;
+  }
   const auto found = std::ranges::find_if(
       kIntendedElements,
       [written](std::u16string_view element) { return spelling::areSimilar(element, written); });
@@ -133,14 +152,16 @@ std::u16string_view similarElement(std::u16string_view written) {
 std::u16string_view elementAtStart(std::u16string_view written) {
   const auto found =
       std::ranges::find_if(kIntendedElements, [written](std::u16string_view element) {
-        return element != u"appendix" && written.size() > element.size() &&
+        return element != kAppendix && written.size() > element.size() &&
                written.starts_with(element);
       });
   return found == kIntendedElements.end() ? std::u16string_view() : *found;
 }
 
 std::u16string_view writtenElement(const FoundMarker& found) {
-  const std::u16string_view rest = found.lineText.substr(found.parts.opening + 2);
+  std::u16string_view rest = found.lineText.substr(found.parts.opening + 2);
+  // Each candidate of a line has its own part of it.
+  rest = rest.substr(0, rest.find(u"<@"));
   const auto broken = std::ranges::find_if(kIntendedElements, [rest](std::u16string_view element) {
     if (rest.size() <= element.size() || !differsInOneUnit(rest.substr(0, element.size()), element))
       return false;

@@ -6,6 +6,9 @@
 
 namespace tessera::check::suspects {
 
+/// The word of the line that starts an appendix.
+inline constexpr std::u16string_view kAppendix = u"appendix";
+
 /// Returns the element that a misspelt one resembles; empty if there is none. "appendix" counts as
 /// one.
 std::u16string_view similarElement(std::u16string_view written);

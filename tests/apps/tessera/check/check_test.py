@@ -187,6 +187,37 @@ class Check(CheckTest):
                 self.assertNotRegex(diagnostic["message"], UNEXPLAINED, lines)
 
 
+class Mistakes(CheckTest):
+    """What is said about texts that are almost markers, and about text after markers."""
+
+    def found(self, text, name="f.py"):
+        """Returns the diagnostics of a file."""
+        [record] = documents(tessera("check", "--format", "json", self.write(name, text.encode())).stdout)
+        return record["diagnostics"]
+
+    def test_a_damaged_line_that_starts_an_appendix_is_reported(self):
+        """The line is nothing but a comment with the damaged word."""
+        for body in ("<@Appendix>", "<@aPPENDIX>", "<@appendex>", "<@appendices>", "<@Appendixes>", "<@appendi>",
+                     "<@ appendix>", "<@ appendix >", "<@@appendix>", "<@@appendix >", "@appendix>", "@appendix >",
+                     "<appendix>", "@<appendix>", "<!appendix>", "<a@ppendix>"):
+            for before, after in (("# ", ""), ("  //", " "), ("<!-- ", " -->"), ("/*", "*/")):
+                text = f'y = 1  # <@output#y [0,1]>\n{before}{body}{after}\n# <@output#y {{"format":"short"}}>\n'
+                with self.subTest(text):
+                    self.assertEqual([diagnostic["line"] for diagnostic in self.found(text)], [2])
+
+    def test_a_damaged_line_that_starts_an_appendix_explains_its_entries(self):
+        for body in ("<@appendex>", "<@@appendix>", "@appendix>", "<appendix>"):
+            text = f'# <@task#a>\nx\n# <@task#a>\n# {body}\n# <@task#a {{"text":"A"}}>\n'
+            [diagnostic] = self.found(text)
+            self.assertEqual(diagnostic["id"], "missing_task_marker_pair", body)
+            self.assertEqual(diagnostic["notes"][0]["line"], 4, body)
+
+    def test_the_word_appendix_in_other_text_is_not_reported(self):
+        for text in ("# see <appendix>", "# <appendix> of the book", "<appendix>", "# <appendix", "# user@appendix>",
+                     "# <%@appendix>", "# appendix>", "# <@append>", "x = y  # <appendix>"):
+            self.assertEqual(self.found(text + "\n"), [], text)
+
+
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
     return b"\xef\xbb\xbf" + content.replace(b"\r\n", b"\n").replace(b"\n", b"\r\n")
