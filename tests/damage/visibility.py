@@ -13,7 +13,7 @@ SETTINGS = {"taskClassDefFile", "uniqueId", "text", "run", "autorun", "collapsed
             "view"}
 CLOSER = re.compile(r"[ \t]*(?:\*+/|\*+\)|--+>|-\})")
 ELEMENTS = (*grammar.ELEMENTS, "appendix")
-BODY = re.compile(r"(?:control|output|task|text)[:#]")
+BODY = re.compile(r"(?:control|output|task|text)(?:[:#]|[ \t]+\[)")
 
 
 class File:
@@ -114,7 +114,10 @@ def is_whole_without_comment(line, opening):
 
 
 def is_damaged_opening(line, at):
-    """Returns whether a marker appears when "<@" is completed at `at`: lost, replaced or swapped characters."""
+    """Returns whether a marker appears when "<@" is completed at `at`: lost, replaced or swapped characters.
+
+    The marker has an id or a range, or is the line that starts an appendix.
+    """
     if line.startswith("<@", at) or line.startswith("<@", at - 1) and at > 0:
         return False
     if line[at] == "<":
@@ -134,8 +137,10 @@ def is_damaged_opening(line, at):
 
 
 def is_marker_at(text, opening):
+    if text.startswith("<@appendix", opening):
+        return grammar.is_appendix_line(text)
     return bool(BODY.match(text, opening + 2)) and any(
-        marker.opening == opening for marker in grammar.scan_line(text)[0])
+        marker.opening == opening and (marker.id or marker.range) for marker in grammar.scan_line(text)[0])
 
 
 def remains(file):

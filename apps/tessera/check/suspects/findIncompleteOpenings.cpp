@@ -23,12 +23,15 @@ using namespace std::string_view_literals;
 
 constexpr std::u16string_view kElements[] = {u"control", u"output", u"task", u"text"};
 
-/// Returns whether a known element and the start of an id or type follow, or "appendix".
+/// Returns whether a known element and the start of an id, a type or a range follow, or "appendix".
 bool startsBody(std::u16string_view text) {
   if (text.starts_with(kAppendix)) return true;
   return std::ranges::any_of(kElements, [text](std::u16string_view element) {
-    return text.size() > element.size() && text.starts_with(element) &&
-           (text[element.size()] == u'#' || text[element.size()] == u':');
+    if (text.size() <= element.size() || !text.starts_with(element)) return false;
+    const char16_t unit = text[element.size()];
+    const std::size_t next = text.find_first_not_of(u" \t", element.size());
+    return unit == u'#' || unit == u':' ||
+           (isBlank(unit) && next < text.size() && text[next] == u'[');
   });
 }
 
@@ -94,8 +97,8 @@ class OpeningSearch {
     attempt({at, 2, swapped}, at - 1, at + 2);
   }
 
-  /// Reports the text [`begin`, `end`) if `replacement` makes a marker with an id of it, or of the
-  /// line one that starts an appendix.
+  /// Reports the text [`begin`, `end`) if `replacement` makes a marker with an id or a range of it,
+  /// or of the line one that starts an appendix.
   bool attempt(const Replacement& replacement, std::size_t begin, std::size_t end) {
     if (attemptAppendix(replacement, begin, end)) return true;
     DamagedText text{lineNumber,   line, findCommentStart(line, floor, begin), 0, begin,
@@ -129,7 +132,7 @@ class OpeningSearch {
     repaired.replace(replacement.begin - text.begin, replacement.length, replacement.text);
     const auto candidates = quenlith::syntax::findMarkerCandidates(repaired);
     if (candidates.size() != 1 || candidates[0].problem != quenlith::syntax::MarkerProblem::kNone ||
-        candidates[0].id.empty()) {
+        (candidates[0].id.empty() && candidates[0].range.empty())) {
       return std::nullopt;
     }
     const std::uint64_t leader = text.begin + candidates[0].position;

@@ -218,6 +218,28 @@ class Mistakes(CheckTest):
             self.assertEqual(self.found(text + "\n"), [], text)
 
 
+    def test_a_whole_marker_without_an_id_is_like_a_marker_too(self):
+        """A character of "<@" is damaged, or a letter of the element is upper case."""
+        for text, message in (
+                ('x = 1  # <output:double [0,1] {"format":"short"}>', '"@" is missing here: a marker begins with "<@"'),
+                ('x = 1  # @output:double [0,1] {"format":"short"}>', '"<" is missing here: a marker begins with "<@"'),
+                ("x = 1  # <output [0,1]>", '"@" is missing here: a marker begins with "<@"'),
+                ("x = 1  /* @control\t[0,1] */ # @control\t[0,1]>", '"<" is missing here: a marker begins with "<@"'),
+                ("# <@Output>", '"Output" is not an element, because elements are lower case; did you mean "output"?'),
+                ("# <@Control>", '"Control" is not an element, because elements are lower case; did you mean "control"?'),
+                ("# <@Task>", '"Task" is not an element, because elements are lower case; did you mean "task"?'),
+                ("# <@Text>", '"Text" is not an element, because elements are lower case; did you mean "text"?')):
+            self.assertEqual([diagnostic["message"] for diagnostic in self.found(text + "\n")], [message], text)
+
+    def test_a_word_that_resembles_text_is_not_reported(self):
+        for text in ("# <@test>", "# <@next>", "# <@Test>", "# <text>", "# @text>", "# <output {}>", "# <@iew>"):
+            self.assertEqual(self.found(text + "\n"), [], text)
+
+    def test_an_opening_alone_is_reported_at_the_end_of_a_line_only(self):
+        self.assertEqual([diagnostic["id"] for diagnostic in self.found("x -- <@\n")], ["unclosed_marker"])
+        self.assertEqual(self.found("x -- <@ y\n"), [])
+
+
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
     return b"\xef\xbb\xbf" + content.replace(b"\r\n", b"\n").replace(b"\n", b"\r\n")
