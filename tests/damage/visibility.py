@@ -151,8 +151,15 @@ def remains(file):
             continue
         if CLOSER.match(rest):
             yield "end of a block comment after a marker in a line comment"
-        elif re.match(r"[A-Za-z0-9>]", rest) or (rest[0] not in grammar.BLANKS and ">" in rest):
+        elif re.match(r"[A-Za-z0-9>]", rest) or is_like_end(rest):
             yield "text directly after a marker"
+
+
+def is_like_end(rest):
+    """Returns whether the text after a marker ends like one: a range or data, or a word without blanks."""
+    if re.match(r"-?%>|[#?]>|\]\]>", rest):
+        return False
+    return bool(re.match(r"[\[{].*>", rest) or re.match(r"[^ \t]*>", rest))
 
 
 def tasks(file):

@@ -1,5 +1,7 @@
 #include "tessera/check/rules/followingText.hpp"
 
+#include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
 
@@ -18,13 +20,24 @@ bool isWordUnit(char16_t unit) {
   return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z');
 }
 
+/// Returns whether `rest` begins with what ends a code block of a template, a processing
+/// instruction or a section of XML.
+bool startsWithBlockEnd(std::u16string_view rest) {
+  constexpr std::array<std::u16string_view, 5> kBlockEnds{u"%>", u"-%>", u"#>", u"?>", u"]]>"};
+  return std::ranges::any_of(kBlockEnds,
+                             [rest](std::u16string_view end) { return rest.starts_with(end); });
+}
+
 /// Returns whether `rest`, which directly follows a marker, was probably meant to be inside: a
-/// word, or text that ends like a marker itself.
+/// word, or text that ends like a marker itself. Only a range or data contains blanks.
 bool isPartOfMarker(std::u16string_view rest) {
   const char16_t unit = rest.front();
-  if (unit == u' ' || unit == u'\t') return false;
+  if (isBlank(unit) || startsWithBlockEnd(rest)) return false;
   if (unit == u'>' || isWordUnit(unit)) return true;
-  return rest.substr(0, rest.find(u"<@")).find(u'>') != rest.npos;
+  const bool mayHaveBlanks = unit == u'[' || unit == u'{';
+  rest = rest.substr(0, rest.find(u"<@"));
+  if (!mayHaveBlanks) rest = rest.substr(0, rest.find_first_of(u" \t"));
+  return rest.find(u'>') != rest.npos;
 }
 
 suspects::Suspect describeRest(const FoundMarker& marker) {
