@@ -95,7 +95,7 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
      .title = "data that is not a JSON object",
      .messages = {"the data is not a JSON object: expected %1, found %2",
                   "the data is not a JSON object: %1 is not an escape in a string",
-                  "the data is not a JSON object: the line ends before %1",
+                  "the data is not a JSON object: %1 before its end",
                   "expected \"{\" at the start of the data, found %1",
                   "the data is not a JSON object: %1 in a string must be written as an escape"},
      .explanation = "The data of a marker is a JSON object on the same line: keys and texts in "

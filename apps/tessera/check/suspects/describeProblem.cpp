@@ -113,19 +113,14 @@ class ProblemWriter {
 
   void fixBy(const Replacement& replacement) { take(repairBy(text, replacement)); }
 
-  /// The word, or the one character, at the problem; empty at the end of the text.
   std::u16string_view wordAtProblem() const {
-    const std::u16string_view rest = line.substr(text.problem, end - text.problem);
-    if (rest.empty()) return rest;
-    const auto wordEnd = std::ranges::find_if_not(rest, isWordUnit);
-    const auto length = static_cast<std::size_t>(wordEnd - rest.begin());
-    if (length > 0) return rest.substr(0, length);
-    return rest.substr(0, 1);
+    return wordAtStartOf(line.substr(text.problem, end - text.problem));
   }
 
   std::string foundAtProblem() const {
     const std::u16string_view word = wordAtProblem();
-    return word.empty() ? "the end of the line" : quoted(word);
+    if (!word.empty()) return quoted(word);
+    return end < line.size() ? "the next marker" : "the end of the line";
   }
 
   Span atProblem() const {
@@ -178,7 +173,7 @@ class ProblemWriter {
 
   void writeUnknownElement() {
     const std::u16string_view written = writtenElement(found);
-    if (isStartOfElement(written) && text.problem + written.size() == end)
+    if (isStartOfElement(written) && text.problem + written.size() == line.size())
       return writeCutOffElement(written);
     if (written != parts.element && !similarElement(written).empty())
       return writeBrokenElement(written);
@@ -346,7 +341,9 @@ class ProblemWriter {
                     {quoted(numberAtProblem())});
     }
     if (text.problem >= end) {
-      report(kInvalidData, kDataCutOff, atProblem(), {"its end"});
+      const bool isLineEnd = end == line.size();
+      report(kInvalidData, kDataCutOff, atProblem(),
+             {isLineEnd ? "the line ends" : "the next marker begins"});
       return repair();
     }
     if (line[text.problem] == u'\\' && reason.find("escape") != reason.npos) {

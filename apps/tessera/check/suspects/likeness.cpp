@@ -14,6 +14,12 @@ bool isWordUnit(char16_t unit) {
   return isDigit || (lower >= u'a' && lower <= u'z') || unit == u'_' || unit >= 0x80;
 }
 
+std::u16string_view wordAtStartOf(std::u16string_view text) {
+  const auto wordEnd = std::ranges::find_if_not(text, isWordUnit);
+  const auto length = static_cast<std::size_t>(wordEnd - text.begin());
+  return text.substr(0, std::max<std::size_t>(length, 1));
+}
+
 bool areEqualExceptCase(std::u16string_view a, std::u16string_view b) {
   return std::ranges::equal(a, b, {}, {}, [](char16_t unit) {
     return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit;

@@ -8,6 +8,9 @@ namespace tessera::check::suspects {
 /// ASCII.
 bool isWordUnit(char16_t unit);
 
+/// Returns the word, or else the one character, at the start of `text`; empty for an empty text.
+std::u16string_view wordAtStartOf(std::u16string_view text);
+
 /// Returns whether both are equal, apart from the case of ASCII letters.
 bool areEqualExceptCase(std::u16string_view a, std::u16string_view b);
 

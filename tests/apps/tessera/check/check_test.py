@@ -247,6 +247,16 @@ class Mistakes(CheckTest):
             found = self.found(f"x = 1  # <@output#o>{rest}\n")
             self.assertEqual([diagnostic["id"] for diagnostic in found], ["text_after_marker"], rest)
 
+    def test_the_end_of_the_line_is_named_only_where_it_is(self):
+        for text, end in (("y  # <@output#a [4,5", "the end of the line"),
+                          ("y  # <@output#a [4,5 // <@text:anchor#x>", "the next marker"),
+                          ('y  # <@output#a [0,1] {"a":"b}>', "the line ends before its end"),
+                          ('y  # <@output#a [0,1] {"a":"b}> # <@text:anchor#x>', "the next marker begins before its end"),
+                          ("/* <@text:anchor#j> <@text:anchor#k> */", 'expected "*/", found the next marker'),
+                          ("# <@outp", 'the line ends inside the marker, after "<@outp"'),
+                          ("# <@outp# <@text:anchor#x>", '"outp" is not an element')):
+            self.assertIn(end, self.found(text + "\n")[0]["message"], text)
+
 
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
