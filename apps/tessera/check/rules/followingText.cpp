@@ -91,11 +91,12 @@ suspects::Suspect describeTypedLeader(const FoundMarker& marker) {
 void checkFollowingText(const FileScan& scan, Findings& findings) {
   const FoundMarker* before = nullptr;
   for (const FoundMarker& marker : scan.code) {
+    // A text that is not a marker may begin the comment that this one is in.
+    if (!marker.isMarker()) continue;
     const bool isOnLine = before != nullptr && before->line == marker.line;
     const std::uint64_t floor = isOnLine ? before->end() : 0;
     before = &marker;
-    const bool isLineComment =
-        marker.isMarker() && marker.parts.comment == quenlith::syntax::CommentForm::kLine;
+    const bool isLineComment = marker.parts.comment == quenlith::syntax::CommentForm::kLine;
     if (!isLineComment || marker.isOnAmbiguousLine || marker.end() == marker.lineText.size())
       continue;
     const std::u16string_view rest = marker.lineText.substr(marker.end());

@@ -257,6 +257,14 @@ class Mistakes(CheckTest):
                           ("# <@outp# <@text:anchor#x>", '"outp" is not an element')):
             self.assertIn(end, self.found(text + "\n")[0]["message"], text)
 
+    def test_a_comment_that_a_damaged_marker_begins_can_end_after_the_next_one(self):
+        found = self.found("/* <@text:anchor#g> // <@text:anchor#h> */\n")
+        self.assertEqual([diagnostic["message"] for diagnostic in found],
+                         ['the block comment must end right after the marker: expected "*/", found the next marker'])
+        found = self.found("/* <@text:anchor#g> */ // <@text:anchor#h> */\n")
+        self.assertIn('"*/" ends a block comment, but "/*" does not begin one before this marker',
+                      [diagnostic["message"] for diagnostic in found])
+
 
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
