@@ -447,6 +447,10 @@ class ProblemWriter {
     const char16_t last = leader.back();
     if (last == u'*')
       return report(kMissingLeader, kLeaderStar, found.spanOf(leader), {quoted(leader)});
+    const bool endsComment =
+        last == u'/' && parts.position > 0 && line[parts.position - 1] == u'*';
+    if (endsComment)
+      return report(kMissingLeader, kLeaderAbsent, found.spanOf(parts.opening, found.end()), {});
     const bool isBlock =
         last == u'/' && parts.bodyEnd && commentEndAt(line.substr(*parts.bodyEnd)).ends_with(last);
     const std::u16string_view missing = isBlock ? u"*"sv : leader.substr(leader.size() - 1);

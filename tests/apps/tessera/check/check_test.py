@@ -265,6 +265,14 @@ class Mistakes(CheckTest):
         self.assertIn('"*/" ends a block comment, but "/*" does not begin one before this marker',
                       [diagnostic["message"] for diagnostic in found])
 
+    def test_the_end_of_a_comment_is_not_a_leader_that_is_too_short(self):
+        for text in ("/* a */ <@text:anchor#b>", "/**/<@text:anchor#b>", "/* a **/  <@text:anchor#b>"):
+            [diagnostic] = self.found(text + "\n")
+            self.assertIn("there is no comment leader before this marker", diagnostic["message"], text)
+            self.assertEqual((diagnostic["column"], diagnostic["fix"]), (text.index("<") + 1, None))
+        [diagnostic] = self.found("x / <@text:anchor#b>\n")
+        self.assertEqual(diagnostic["message"], '"/" is not a comment leader: use "//"')
+
 
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
