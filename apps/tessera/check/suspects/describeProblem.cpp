@@ -447,8 +447,7 @@ class ProblemWriter {
     const char16_t last = leader.back();
     if (last == u'*')
       return report(kMissingLeader, kLeaderStar, found.spanOf(leader), {quoted(leader)});
-    const bool endsComment =
-        last == u'/' && parts.position > 0 && line[parts.position - 1] == u'*';
+    const bool endsComment = last == u'/' && parts.position > 0 && line[parts.position - 1] == u'*';
     if (endsComment)
       return report(kMissingLeader, kLeaderAbsent, found.spanOf(parts.opening, found.end()), {});
     const bool isBlock =

@@ -13,8 +13,8 @@ namespace tessera::check::suspects {
 void findBrokenOpening(std::uint64_t lineNumber, std::u16string_view line,
                        std::u16string_view nextLine, std::vector<Suspect>& suspects);
 
-/// Adds the texts of a line that would be markers with an id or a range, or start an appendix, if one
-/// character of "<@" were not damaged.
+/// Adds the texts of a line that would be markers with an id or a range, or start an appendix, if
+/// one character of "<@" were not damaged.
 void findIncompleteOpenings(std::uint64_t lineNumber, std::u16string_view line,
                             std::vector<Suspect>& suspects);
 

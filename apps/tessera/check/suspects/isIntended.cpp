@@ -56,9 +56,8 @@ bool endsLikeMarker(const FoundMarker& found) {
 
 /// "<@test>" may be anything; "<@taks>", "<@tasks>" and "<@Text>" may not.
 bool mayBeOtherWord(std::u16string_view element) {
-  const std::u16string_view similar = similarElement(element);
-  return similar == u"text" && differsInOneUnit(similar, element) &&
-         !areEqualExceptCase(similar, element);
+  return similarElement(element) == u"text" &&
+         differsInOneUnit(u"text", spelling::lowered(element));
 }
 
 bool isUnknownElementIntended(const FoundMarker& found) {

@@ -198,8 +198,8 @@ class Mistakes(CheckTest):
     def test_a_damaged_line_that_starts_an_appendix_is_reported(self):
         """The line is nothing but a comment with the damaged word."""
         for body in ("<@Appendix>", "<@aPPENDIX>", "<@appendex>", "<@appendices>", "<@Appendixes>", "<@appendi>",
-                     "<@ appendix>", "<@ appendix >", "<@@appendix>", "<@@appendix >", "@appendix>", "@appendix >",
-                     "<appendix>", "@<appendix>", "<!appendix>", "<a@ppendix>"):
+                     "<@ appendix>", "<@ appendix >", "<@@appendix>", "<@@appendix >", "@appendix>", "<appendix>",
+                     "@<appendix>", "<!appendix>", "<a@ppendix>"):
             for before, after in (("# ", ""), ("  //", " "), ("<!-- ", " -->"), ("/*", "*/")):
                 text = f'y = 1  # <@output#y [0,1]>\n{before}{body}{after}\n# <@output#y {{"format":"short"}}>\n'
                 with self.subTest(text):
