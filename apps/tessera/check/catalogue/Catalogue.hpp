@@ -32,7 +32,7 @@ class MessageForms {
   constexpr const std::string_view* end() const noexcept { return texts.data() + count; }
 
  private:
-  std::array<std::string_view, 7> texts;
+  std::array<std::string_view, 8> texts;
   std::size_t count;
 };
 

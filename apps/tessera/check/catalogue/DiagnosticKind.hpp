@@ -66,7 +66,8 @@ enum MissingTaskMarkerPair : std::uint8_t {
   kPairDamaged,
   kPairInAppendix,
   kPairInOtherFile,
-  kPairUnexplained
+  kPairUnexplained,
+  kPairWithoutId
 };
 enum OverlappingTaskMarker : std::uint8_t { kOverlapsOpenTask, kOverlapUnexplained };
 enum InvalidPositionData : std::uint8_t {

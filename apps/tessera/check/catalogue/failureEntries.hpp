@@ -19,7 +19,8 @@ inline constexpr std::array kFailureEntries = std::to_array<CatalogueEntry>({
           "the task marker %1 has no partner, because the other one is damaged",
           "the task marker %1 has no partner in the code: the other one is in the appendix",
           "the task marker %1 has no partner in this file: the other one is in another file",
-          "the task marker %1 has no partner"},
+          "the task marker %1 has no partner",
+          "%2 task markers have no id, but a task has exactly two; an id begins with \"#\"%1"},
      .explanation =
          "A task is the lines from one task marker to a second one with the same id. Exactly two\n"
          "markers of the code must have that id; the appendix is not part of the code. Without a\n"

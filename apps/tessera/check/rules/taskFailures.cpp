@@ -92,7 +92,7 @@ class TaskFailureRule {
       group.isMerged = true;
       findings.brokenTasks.insert(std::u16string(group.id));
       if (diagnostic == nullptr) {
-        diagnostic = &reportMissing(group, kPairTooMany, std::to_string(group.markers->size()));
+        diagnostic = &reportTooMany(group);
         if (isDamaged) explainBy(*line, *diagnostic);
         if (!isDamaged)
           addNote(*diagnostic, *group.markers->back(),
@@ -200,6 +200,16 @@ class TaskFailureRule {
     return report(group, DiagnosticKind::kMissingTaskMarkerPair, form, {name, argument});
   }
 
+  /// Whoever writes "<@task:fit>" may mean an id.
+  Diagnostic& reportTooMany(const Group& group) {
+    const std::string count = std::to_string(group.markers->size());
+    if (!group.id.empty()) return reportMissing(group, kPairTooMany, count);
+    const bool hasType = std::ranges::any_of(
+        *group.markers, [](const FoundMarker* marker) { return !marker->parts.type.empty(); });
+    const std::string_view hint = hasType ? ", and the text after \":\" is a type" : "";
+    return report(group, DiagnosticKind::kMissingTaskMarkerPair, kPairWithoutId, {hint, count});
+  }
+
   void explainSingle(Group& group) {
     if (Suspect* const suspect = findSuspect(group.id)) {
       return explainBy(*suspect, reportMissing(group, kPairDamaged));
@@ -275,9 +285,8 @@ class TaskFailureRule {
       reportMissing(group, kPairUnexplained);
       return;
     }
-    const std::string count = std::to_string(group.markers->size());
-    addMarkers(reportMissing(group, kPairTooMany, count), *group.markers, markerOf(group),
-               "another marker with this id");
+    addMarkers(reportTooMany(group), *group.markers, markerOf(group),
+               group.id.empty() ? "another marker without an id" : "another marker with this id");
   }
 
   void explainOverlap(const Group& group) {

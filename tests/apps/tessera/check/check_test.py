@@ -273,6 +273,16 @@ class Mistakes(CheckTest):
         [diagnostic] = self.found("x / <@text:anchor#b>\n")
         self.assertEqual(diagnostic["message"], '"/" is not a comment leader: use "//"')
 
+    def test_too_many_task_markers_without_an_id_are_told_what_an_id_is(self):
+        for kinds, hint in (((":fit", ":plot"), ', and the text after ":" is a type'), (("", ""), "")):
+            text = "".join(f"# <@task{kind}>\nx\n# <@task{kind}>\n" for kind in kinds)
+            [diagnostic] = self.found(text)
+            self.assertEqual(diagnostic["message"], "4 task markers have no id, but a task has exactly two; "
+                             'an id begins with "#"' + hint)
+            self.assertEqual({note["message"] for note in diagnostic["notes"]}, {"another marker without an id"})
+        [diagnostic] = self.found("# <@task#a>\nx\n" * 3)
+        self.assertEqual(diagnostic["message"], 'the id "a" is in 3 task markers, but a task has exactly two')
+
 
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
