@@ -265,8 +265,12 @@ class ProblemWriter {
   }
 
   void writeMissingId() {
-    const bool isQuote = text.problem < end && line[text.problem] == u'\'';
-    reportRepairable(kInvalidId, isQuote ? kIdSingleQuotes : kIdAbsent, {});
+    const std::u16string_view rest = line.substr(text.problem, end - text.problem);
+    if (rest.starts_with(u'\'')) return reportRepairable(kInvalidId, kIdSingleQuotes, {});
+    const bool isAbsent =
+        rest.empty() || u" \t>[{#"sv.find(rest.front()) != rest.npos || startsCloser(rest);
+    if (isAbsent) return reportRepairable(kInvalidId, kIdAbsent, {});
+    writeUnquotedId(text.problem, rest);
   }
 
   void writeQuotedId() {
@@ -377,7 +381,7 @@ class ProblemWriter {
     if (looksLikeRange(rest))
       return reportRepairable(kInvalidRange, kRangeOpeningBracket, {foundAtProblem()});
     if (looksLikeData(rest)) return reportRepairable(kInvalidData, kDataBrace, {foundAtProblem()});
-    if (isInId()) return writeUnquotedId(rest);
+    if (isInId()) return writeUnquotedId(found.positionOf(parts.id), rest);
     reportRepairable(kUnclosedMarker, kEndOtherText, {foundAtProblem()});
   }
 
@@ -401,12 +405,14 @@ class ProblemWriter {
            parts.id.front() != u'"';
   }
 
-  void writeUnquotedId(std::u16string_view rest) {
+  /// `rest` continues the id that begins at `begin`.
+  void writeUnquotedId(std::uint64_t begin, std::u16string_view rest) {
     const std::size_t close = rest.find(u'>');
-    if (close == rest.npos)
+    if (close == rest.npos && !parts.id.empty())
       return reportRepairable(kUnclosedMarker, kEndOtherText, {foundAtProblem()});
-    const std::uint64_t begin = found.positionOf(parts.id);
-    const std::size_t other = std::min({close, rest.find(u" ["), rest.find(u" {")});
+    const std::size_t last = close == rest.npos ? rest.find_first_of(u" \t") : close;
+    const std::size_t other =
+        std::min({last, rest.find(u" ["), rest.find(u" {"), rest.size()});
     const std::u16string_view whole = line.substr(begin, text.problem + other - begin);
     const std::u16string_view first = line.substr(begin + parts.id.size(), 1);
     const std::string name = isBlank(first.front()) ? "a blank" : quoted(first);

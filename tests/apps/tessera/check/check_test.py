@@ -283,6 +283,19 @@ class Mistakes(CheckTest):
         [diagnostic] = self.found("# <@task#a>\nx\n" * 3)
         self.assertEqual(diagnostic["message"], 'the id "a" is in 3 task markers, but a task has exactly two')
 
+    def test_an_id_that_begins_with_another_character_is_not_missing(self):
+        for written in ("/usr/bin", "$x", "(a)", "`a`", "*", "a/b", ",a", "a b"):
+            [diagnostic] = self.found(f"# <@text:anchor#{written}>\n")
+            self.assertIn(f'in it needs quotes: write #"{written}"', diagnostic["message"])
+        [diagnostic] = self.found("x = 1  # <@output#/o [0,1]>\n")
+        self.assertEqual(diagnostic["message"], 'an id with "/" in it needs quotes: write #"/o"')
+        [diagnostic] = self.found("# <@text:anchor#/usr/bin and so on\n")
+        self.assertEqual(diagnostic["message"], 'an id with "/" in it needs quotes: write #"/usr/bin"')
+        for text in ("# <@text:anchor#>", "# <@text:anchor# a>", "# <@output# [0,1]>", "x  # <@output#[0,1]>",
+                     "# <@output#{}>", "# <@text:anchor##a>", "# <@text:anchor#", "/* <@text:anchor#*/",
+                     "# <@text:anchor## <@text:anchor#b>"):
+            self.assertEqual(self.found(text + "\n")[0]["message"], 'the id is missing after "#"', text)
+
 
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
