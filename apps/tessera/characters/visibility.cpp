@@ -12,6 +12,7 @@ constexpr char32_t kJoiner = 0x200D;
 constexpr char32_t kTextSelector = 0xFE0E;
 constexpr char32_t kEmojiSelector = 0xFE0F;
 constexpr char32_t kBlankBraille = 0x2800;
+constexpr char32_t kWideSpace = 0x3000;
 
 /// Returns whether an emoji selector makes a key of a telephone of `character`.
 bool isKeycapBase(char32_t character) noexcept {
@@ -36,6 +37,12 @@ bool isInvisible(char32_t character) noexcept {
     default:
       return properties.ignorable || character == kBlankBraille;
   }
+}
+
+bool looksLikeBlank(char32_t character) noexcept {
+  if (character == U' ' || character == kWideSpace) return false;
+  const auto& properties = *utf8proc_get_property(static_cast<utf8proc_int32_t>(character));
+  return properties.category == UTF8PROC_CATEGORY_ZS;
 }
 
 bool isPartOfShape(char32_t character, char32_t last) noexcept {

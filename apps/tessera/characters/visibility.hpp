@@ -11,6 +11,10 @@ namespace tessera::characters {
 /// dots). Spaces can be seen.
 bool isInvisible(char32_t character) noexcept;
 
+/// Returns whether `character` is a space that looks like a blank, but is not one: any other than
+/// the blank itself and the wide space of East Asian text.
+bool looksLikeBlank(char32_t character) noexcept;
+
 /// Returns whether `character` is invisible, but chooses the shape of the character `last` before
 /// it: a joiner or an emoji selector, and `last` is neither ASCII nor invisible, or with the
 /// selector a keycap. Of two that follow each other the second is not, so that they cannot hide a

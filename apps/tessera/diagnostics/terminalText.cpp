@@ -22,14 +22,18 @@ bool isHidden(char32_t code, char32_t last) noexcept {
          !characters::isPartOfShape(code, last);
 }
 
-/// Appends `units`, escaping what is hidden and the characters `special`.
-void appendEscaped(std::string& text, std::u16string_view units, std::u32string_view special) {
+bool isSpecialInQuotes(char32_t code) noexcept {
+  return code == U'"' || code == U'\\' || characters::looksLikeBlank(code);
+}
+
+/// Appends `units`, escaping what is hidden and the characters that `isSpecial` accepts.
+template <class Predicate>
+void appendEscaped(std::string& text, std::u16string_view units, Predicate isSpecial) {
   std::size_t begin = 0;
   char32_t last = 0;
   for (std::size_t i = 0; i < units.size();) {
     const Character character = characters::firstOf(units.substr(i));
-    const bool isEscaped =
-        isHidden(character.code, last) || special.find(character.code) != special.npos;
+    const bool isEscaped = isHidden(character.code, last) || isSpecial(character.code);
     if (isEscaped) {
       fl::i18n::appendUtf8(text, units.substr(begin, i - begin));
       appendEscape(text, character.code);
@@ -70,13 +74,13 @@ bool isShownAsItIs(std::u16string_view text) noexcept {
 
 std::string terminalText(std::string_view text) {
   std::string result;
-  appendEscaped(result, fl::i18n::utf8_to_ustring(text), U"");
+  appendEscaped(result, fl::i18n::utf8_to_ustring(text), [](char32_t) { return false; });
   return result;
 }
 
 std::string quotedText(std::u16string_view text) {
   std::string result = "\"";
-  appendEscaped(result, text, U"\"\\");
+  appendEscaped(result, text, isSpecialInQuotes);
   return result += '"';
 }
 

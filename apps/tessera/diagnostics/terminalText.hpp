@@ -16,8 +16,8 @@ void appendEscape(std::string& text, char32_t character);
 /// Returns whether `terminalText` of this text, as UTF-8, has no escape.
 bool isShownAsItIs(std::u16string_view text) noexcept;
 
-/// Like `terminalText` of UTF-16, in quotes; quotes and backslashes are escaped too. Unpaired
-/// surrogates become U+FFFD.
+/// Like `terminalText` of UTF-16, in quotes; quotes, backslashes and the spaces that look like a
+/// blank (`characters::looksLikeBlank`) are escaped too. Unpaired surrogates become U+FFFD.
 std::string quotedText(std::u16string_view text);
 
 }  // namespace tessera::diagnostics

@@ -29,14 +29,9 @@ struct Character : characters::Character {
   const utf8proc_property_t* properties;
 };
 
-bool isSpaceThatIsShown(char32_t code) {
-  return code == U' ' || code == 0x3000;
-}
-
 /// Returns whether `character` is written as its number.
 bool isHidden(const Character& character) {
-  const bool isSpace = character.properties->category == UTF8PROC_CATEGORY_ZS;
-  return isSpace ? !isSpaceThatIsShown(character.code) : characters::isInvisible(character.code);
+  return characters::isInvisible(character.code) || characters::looksLikeBlank(character.code);
 }
 
 /// Returns whether `unit` is printable ASCII.

@@ -25,6 +25,15 @@ TEST(Visibility, LettersSignsSpacesAndEmojiAreVisible) {
   }
 }
 
+TEST(Visibility, OtherSpacesLookLikeABlank) {
+  for (const char32_t character : {0xA0U, 0x1680U, 0x2000U, 0x2003U, 0x200AU, 0x202FU, 0x205FU}) {
+    EXPECT_TRUE(looksLikeBlank(character)) << nameOf(character);
+  }
+  for (const char32_t character : {0x9U, 0x20U, 0x41U, 0x200BU, 0x2028U, 0x3000U}) {
+    EXPECT_FALSE(looksLikeBlank(character)) << nameOf(character);
+  }
+}
+
 TEST(Visibility, AJoinerOrSelectorIsPartOfALetterOrAnEmojiOnly) {
   for (const char32_t character : {0x200CU, 0x200DU, 0xFE0EU, 0xFE0FU}) {
     EXPECT_TRUE(isPartOfShape(character, 0x915));

@@ -296,6 +296,15 @@ class Mistakes(CheckTest):
                      "# <@text:anchor## <@text:anchor#b>"):
             self.assertEqual(self.found(text + "\n")[0]["message"], 'the id is missing after "#"', text)
 
+    def test_a_space_that_looks_like_a_blank_is_named(self):
+        for text, message in (
+                ("#\u00a0<@task#a>", 'only blanks may be between a comment leader and its marker, not "\\u00a0"'),
+                ("x = 1  # <@output#o [0,\u00a01]>", 'expected a whole number in the range, found "\\u00a01"'),
+                ("# <@text:anchor\u00a0#a>", '"anchor\\u00a0X')):
+            [diagnostic] = self.found(text + "\n")
+            self.assertEqual(diagnostic["message"], message)
+            self.assertNotIn("\u00a0", diagnostic["fix"]["description"] if diagnostic["fix"] else "")
+
 
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""

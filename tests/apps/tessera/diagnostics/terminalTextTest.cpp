@@ -50,6 +50,12 @@ TEST(TerminalText, ItIsKnownWhatIsShownAsItIs) {
   for (const auto* text : {u"\n", u"a\u200B", u"a\U000E0041"}) EXPECT_FALSE(isShownAsItIs(text));
 }
 
+// In quotes one character may be all that is quoted.
+TEST(TerminalText, SpacesThatLookLikeABlankAreEscapedInQuotes) {
+  EXPECT_EQ(quotedText(u"\u00A0a b\u2003\u3000"), "\"\\u00a0a b\\u2003\u3000\"");
+  EXPECT_EQ(terminalText("\u00A0"), "\u00A0");
+}
+
 TEST(TerminalText, InvalidUtf8BecomesAReplacementCharacter) {
   EXPECT_EQ(terminalText("a\xFF"
                          "b"),
