@@ -476,7 +476,16 @@ class ProblemWriter {
     return last == before.npos || (last + 1 < before.size() && before[last] != unit);
   }
 
+  void writeRemark(std::u16string_view remark) {
+    report(kMissingLeader, catalogue::forms::kLeaderTooShort, found.spanOf(remark),
+           {quoted(remark), "\"REM\""});
+    text.begin = found.positionOf(remark);
+    fixBy({text.begin, remark.size(), u"REM"});
+  }
+
   void writeNoLeader() {
+    const std::u16string_view remark = remarkAtEndOf(line.substr(0, parts.opening));
+    if (!remark.empty()) return writeRemark(remark);
     if (hasReplacedBlank(found)) {
       const std::u16string_view replaced = line.substr(parts.opening - 1, 1);
       return report(kMissingLeader, kLeaderReplacedBlank, found.span(), {quoted(replaced)});

@@ -26,6 +26,17 @@ bool areEqualExceptCase(std::u16string_view a, std::u16string_view b) {
   });
 }
 
+std::u16string_view remarkAtEndOf(std::u16string_view text) {
+  constexpr std::u16string_view kRemark = u"rem";
+  const std::u16string_view before = text.substr(0, text.find_last_not_of(u" \t") + 1);
+  if (before.size() == text.size() || before.size() < kRemark.size()) return {};
+  const std::u16string_view word = before.substr(before.size() - kRemark.size());
+  const char16_t unit =
+      before.size() == word.size() ? u' ' : before[before.size() - word.size() - 1];
+  const bool isName = isWordUnit(unit) || unit == u'-' || unit == u'.';
+  return !isName && areEqualExceptCase(kRemark, word) ? word : u""sv;
+}
+
 bool looksLikeRange(std::u16string_view text) {
   const std::size_t digits = u"({<"sv.find(text.front()) != std::u16string_view::npos ? 1 : 0;
   const std::size_t end = text.find_first_not_of(u"0123456789 ,", digits);

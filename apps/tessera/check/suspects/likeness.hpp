@@ -14,6 +14,10 @@ std::u16string_view wordAtStartOf(std::u16string_view text);
 /// Returns whether both are equal, apart from the case of ASCII letters.
 bool areEqualExceptCase(std::u16string_view a, std::u16string_view b);
 
+/// Returns the "REM" that ends `text`, with blanks after it, in another case than "REM" and "rem";
+/// empty if there is none.
+std::u16string_view remarkAtEndOf(std::u16string_view text);
+
 /// Returns whether `text`, which is not empty, begins with a range, perhaps in other brackets.
 bool looksLikeRange(std::u16string_view text);
 

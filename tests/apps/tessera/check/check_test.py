@@ -305,6 +305,15 @@ class Mistakes(CheckTest):
             self.assertEqual(diagnostic["message"], message)
             self.assertNotIn("\u00a0", diagnostic["fix"]["description"] if diagnostic["fix"] else "")
 
+    def test_a_remark_in_mixed_case_is_named(self):
+        for before, word, column in (("Rem ", "Rem", 1), ("@rEM\t", "rEM", 2), ("x : REm  ", "REm", 5)):
+            [diagnostic] = self.found(before + "<@text:anchor#b>\n")
+            self.assertEqual((diagnostic["message"], diagnostic["column"], diagnostic["fix"]["description"]),
+                             (f'"{word}" is not a comment leader: use "REM"', column, f'replace "{word}" by "REM"'))
+        for before in ("Theorem Rem, ", "xRem ", ".Rem ", "-Rem ", "\u00e9Rem "):
+            [diagnostic] = self.found(before + "<@text:anchor#b>\n")
+            self.assertIn("there is no comment leader before this marker", diagnostic["message"], before)
+
 
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
