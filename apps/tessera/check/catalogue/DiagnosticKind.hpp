@@ -104,7 +104,7 @@ enum InvalidData : std::uint8_t {
   kDataControl
 };
 enum MarkerLimit : std::uint8_t { kLimitDepth, kLimitNumber };
-enum UnclosedMarker : std::uint8_t { kEndAbsent, kEndOtherText, kEndCutOff };
+enum UnclosedMarker : std::uint8_t { kEndAbsent, kEndOtherText, kEndCutOff, kEndSeparator };
 enum IncompleteOpening : std::uint8_t { kOpeningIncomplete, kOpeningOther };
 enum MissingLeader : std::uint8_t {
   kLeaderAbsent,

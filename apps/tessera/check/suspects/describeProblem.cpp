@@ -383,6 +383,16 @@ class ProblemWriter {
     if (looksLikeData(rest)) return reportRepairable(kInvalidData, kDataBrace, {foundAtProblem()});
     if (isInId()) return writeUnquotedId(found.positionOf(parts.id), rest);
     reportRepairable(kUnclosedMarker, kEndOtherText, {foundAtProblem()});
+    if (suspect.diagnostic.fix) writeSeparator(suspect.diagnostic.fix->edits.front().text);
+  }
+
+  /// The fix may be dropped, but the message says what it would insert.
+  void writeSeparator(std::string_view inserted) {
+    if (inserted != "#" && inserted != ":") return;
+    suspect.diagnostic.message =
+        catalogue::messageOf(kUnclosedMarker, kEndSeparator,
+                             {foundAtProblem(), inserted == "#" ? "an id" : "a type",
+                              inserted == "#" ? "\"#\"" : "\":\""});
   }
 
   bool startsCloser(std::u16string_view rest) const {

@@ -314,6 +314,20 @@ class Mistakes(CheckTest):
             [diagnostic] = self.found(before + "<@text:anchor#b>\n")
             self.assertIn("there is no comment leader before this marker", diagnostic["message"], before)
 
+    def test_a_blank_before_an_id_or_type_is_explained_without_a_fix_too(self):
+        found = self.found("# <@task fit>\nx\n# <@task fit>\n# <@appendix>\n# <@task fit {}>\n")
+        self.assertEqual([diagnostic["line"] for diagnostic in found], [1, 3, 5])
+        for diagnostic in found:
+            self.assertEqual(diagnostic["message"],
+                             'expected ">" at the end of the marker, found "fit"; an id begins with "#"')
+        self.assertEqual([diagnostic["fix"] for diagnostic in found], [None] * 3)
+        [diagnostic] = self.found("# <@text anchor#a>\n")
+        self.assertEqual((diagnostic["message"], diagnostic["fix"]["description"]),
+                         ('expected ">" at the end of the marker, found "anchor"; a type begins with ":"',
+                          'replace " " by ":"'))
+        [diagnostic] = self.found("# <@task is the word>\n")
+        self.assertEqual(diagnostic["message"], 'expected ">" at the end of the marker, found "is"')
+
 
 def as_windows_writes_it(content):
     """Returns the content with a byte order mark and CRLF."""
