@@ -11,13 +11,20 @@ namespace tessera::check {
 using catalogue::CheckedFile;
 using catalogue::Diagnostic;
 
+namespace {
+
+// Enough to tell whether exactly one other file has a marker of the id.
+constexpr std::size_t kMaxPlaces = 3;
+
+}  // namespace
+
 void HeldFiles::add(CheckedFile file) {
   bool isUnpaired = false;
   for (const Diagnostic& diagnostic : file.diagnostics) {
     if (!diagnostic.unpairedTask) continue;
     isUnpaired = true;
     std::vector<Place>& known = places[*diagnostic.unpairedTask];
-    if (known.size() < 2) known.push_back({held.size(), diagnostic.span});
+    if (known.size() < kMaxPlaces) known.push_back({held.size(), diagnostic.span});
   }
   if (held.empty() && !isUnpaired) return take(file);
   // Only the lines with diagnostics are needed.
@@ -35,9 +42,10 @@ void HeldFiles::explainUnpaired(std::size_t index) {
   for (Diagnostic& diagnostic : held[index].diagnostics) {
     if (!diagnostic.unpairedTask) continue;
     const auto& known = places.at(*diagnostic.unpairedTask);
-    const auto other =
-        std::ranges::find_if(known, [index](const Place& place) { return place.file != index; });
-    if (other == known.end()) continue;
+    const auto isOther = [index](const Place& place) { return place.file != index; };
+    // Of several others, none is the partner.
+    if (std::ranges::count_if(known, isOther) != 1) continue;
+    const auto other = std::ranges::find_if(known, isOther);
     const std::string id =
         diagnostic.unpairedTask->empty() ? "without an id" : scan::quoted(*diagnostic.unpairedTask);
     diagnostic.message =

@@ -12,7 +12,8 @@
 namespace tessera::check {
 
 /// Passes checked files on in their order, but holds a file with an unpaired task marker, and those
-/// after it, until all files are known: another one may have the marker's partner.
+/// after it, until all files are known: exactly one other may have a marker with its id, the
+/// partner.
 class HeldFiles {
  public:
   using Take = std::function<void(const catalogue::CheckedFile&)>;
@@ -35,7 +36,7 @@ class HeldFiles {
 
   Take take;
   std::deque<catalogue::CheckedFile> held;
-  // The first two files with an unpaired marker of each id.
+  // The first three files with an unpaired marker of each id.
   scan::KeyedMap<std::u16string, std::vector<Place>> places;
 };
 

@@ -147,6 +147,14 @@ class Check(CheckTest):
         records = documents(tessera("check", "--format", "json", clean, *names).stdout)
         self.assertEqual([record["file"] for record in records], [clean, *names])
 
+    def test_of_several_other_files_none_has_the_partner(self):
+        for count in (3, 4, 5):
+            names = [self.write(f"{number}.py", b"# <@task#a>\n") for number in range(count)]
+            for record in documents(tessera("check", "--format", "json", *names).stdout):
+                [diagnostic] = record["diagnostics"]
+                self.assertEqual((diagnostic["message"], diagnostic["notes"]), (
+                    'the task marker "a" has no partner: no other task marker in the code has this id', []))
+
     def test_a_note_about_another_file_has_the_place_there(self):
         first, second = self.write("1.py", b"x\n# <@task#a>\n"), self.write("2.py", "\u00e9  # <@task#a>\n".encode())
         rows = tessera("check", first, second).stdout.decode().split("\n")
