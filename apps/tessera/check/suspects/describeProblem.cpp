@@ -113,9 +113,11 @@ class ProblemWriter {
 
   void fixBy(const Replacement& replacement) { take(repairBy(text, replacement)); }
 
-  std::u16string_view wordAtProblem() const {
-    return wordAtStartOf(line.substr(text.problem, end - text.problem));
+  std::u16string_view restAtProblem() const {
+    return line.substr(text.problem, end - text.problem);
   }
+
+  std::u16string_view wordAtProblem() const { return wordAtStartOf(restAtProblem()); }
 
   std::string foundAtProblem() const {
     const std::u16string_view word = wordAtProblem();
@@ -164,11 +166,8 @@ class ProblemWriter {
 
   std::u16string_view nameAt(std::uint64_t begin) const {
     const std::u16string_view rest = line.substr(begin, end - begin);
-    const auto isOther = [](char16_t unit) {
-      return !isWordUnit(unit) && unit != u'-' && unit != u'.';
-    };
     return rest.substr(
-        0, static_cast<std::size_t>(std::ranges::find_if(rest, isOther) - rest.begin()));
+        0, static_cast<std::size_t>(std::ranges::find_if_not(rest, isNameUnit) - rest.begin()));
   }
 
   void writeUnknownElement() {
@@ -265,7 +264,7 @@ class ProblemWriter {
   }
 
   void writeMissingId() {
-    const std::u16string_view rest = line.substr(text.problem, end - text.problem);
+    const std::u16string_view rest = restAtProblem();
     if (rest.starts_with(u'\'')) return reportRepairable(kInvalidId, kIdSingleQuotes, {});
     const bool isAbsent =
         rest.empty() || u" \t>[{#"sv.find(rest.front()) != rest.npos || startsCloser(rest);
@@ -365,13 +364,13 @@ class ProblemWriter {
   }
 
   std::u16string_view numberAtProblem() const {
-    const std::u16string_view rest = line.substr(text.problem, end - text.problem);
+    const std::u16string_view rest = restAtProblem();
     return rest.substr(0, std::min(rest.find_first_not_of(u"+-.0123456789eE"), rest.size()));
   }
 
   /// Something else is where the ">" must be: perhaps the rest of an id, a range or data.
   void writeMissingEnd() {
-    const std::u16string_view rest = line.substr(text.problem, end - text.problem);
+    const std::u16string_view rest = restAtProblem();
     const bool isRest = std::ranges::all_of(rest, isBlank) || startsCloser(rest);
     if (isRest) return reportRepairable(kUnclosedMarker, kEndAbsent, {});
     if (rest.front() == u'[' && !parts.data.empty()) {
@@ -421,8 +420,7 @@ class ProblemWriter {
     if (close == rest.npos && !parts.id.empty())
       return reportRepairable(kUnclosedMarker, kEndOtherText, {foundAtProblem()});
     const std::size_t last = close == rest.npos ? rest.find_first_of(u" \t") : close;
-    const std::size_t other =
-        std::min({last, rest.find(u" ["), rest.find(u" {"), rest.size()});
+    const std::size_t other = std::min({last, rest.find(u" ["), rest.find(u" {"), rest.size()});
     const std::u16string_view whole = line.substr(begin, text.problem + other - begin);
     const std::u16string_view first = line.substr(begin + parts.id.size(), 1);
     const std::string name = isBlank(first.front()) ? "a blank" : quoted(first);

@@ -14,6 +14,10 @@ bool isWordUnit(char16_t unit) {
   return isDigit || (lower >= u'a' && lower <= u'z') || unit == u'_' || unit >= 0x80;
 }
 
+bool isNameUnit(char16_t unit) {
+  return isWordUnit(unit) || unit == u'-' || unit == u'.';
+}
+
 std::u16string_view wordAtStartOf(std::u16string_view text) {
   const auto wordEnd = std::ranges::find_if_not(text, isWordUnit);
   const auto length = static_cast<std::size_t>(wordEnd - text.begin());
@@ -33,8 +37,7 @@ std::u16string_view remarkAtEndOf(std::u16string_view text) {
   const std::u16string_view word = before.substr(before.size() - kRemark.size());
   const char16_t unit =
       before.size() == word.size() ? u' ' : before[before.size() - word.size() - 1];
-  const bool isName = isWordUnit(unit) || unit == u'-' || unit == u'.';
-  return !isName && areEqualExceptCase(kRemark, word) ? word : u""sv;
+  return !isNameUnit(unit) && areEqualExceptCase(kRemark, word) ? word : u""sv;
 }
 
 bool looksLikeRange(std::u16string_view text) {

@@ -8,6 +8,10 @@ namespace tessera::check::suspects {
 /// ASCII.
 bool isWordUnit(char16_t unit);
 
+/// Returns whether an id or type without quotes consists of such units: those of words, "-" and
+/// ".".
+bool isNameUnit(char16_t unit);
+
 /// Returns the word, or else the one character, at the start of `text`; empty for an empty text.
 std::u16string_view wordAtStartOf(std::u16string_view text);
 
