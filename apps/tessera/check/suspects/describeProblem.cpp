@@ -172,7 +172,7 @@ class ProblemWriter {
 
   void writeUnknownElement() {
     const std::u16string_view written = writtenElement(found);
-    if (isStartOfElement(written) && text.problem + written.size() == line.size())
+    if (isStartOfElement(written) && text.problem + written.size() == end)
       return writeCutOffElement(written);
     if (written != parts.element && !similarElement(written).empty())
       return writeBrokenElement(written);

@@ -261,8 +261,7 @@ class Mistakes(CheckTest):
                           ('y  # <@output#a [0,1] {"a":"b}>', "the line ends before its end"),
                           ('y  # <@output#a [0,1] {"a":"b}> # <@text:anchor#x>', "the next marker begins before its end"),
                           ("/* <@text:anchor#j> <@text:anchor#k> */", 'expected "*/", found the next marker'),
-                          ("# <@outp", 'the line ends inside the marker, after "<@outp"'),
-                          ("# <@outp# <@text:anchor#x>", '"outp" is not an element')):
+                          ("# <@outp", 'the line ends inside the marker, after "<@outp"')):
             self.assertIn(end, self.found(text + "\n")[0]["message"], text)
 
     def test_a_comment_that_a_damaged_marker_begins_can_end_after_the_next_one(self):
@@ -308,7 +307,7 @@ class Mistakes(CheckTest):
         for text, message in (
                 ("#\u00a0<@task#a>", 'only blanks may be between a comment leader and its marker, not "\\u00a0"'),
                 ("x = 1  # <@output#o [0,\u00a01]>", 'expected a whole number in the range, found "\\u00a01"'),
-                ("# <@text:anchor\u00a0#a>", '"anchor\\u00a0X')):
+                ("# <@text:anchor\u00a0#a>", '"anchor\\u00a0" is not a type of text marker; did you mean "anchor"?')):
             [diagnostic] = self.found(text + "\n")
             self.assertEqual(diagnostic["message"], message)
             self.assertNotIn("\u00a0", diagnostic["fix"]["description"] if diagnostic["fix"] else "")
