@@ -89,6 +89,17 @@ TEST_F(CheckWork, IsTheSameForIdsWhoseStandardHashesCollide) {
   }
 }
 
+// Nothing ends the word after "<@", or what is tried in its place, before the end of the line.
+TEST_F(CheckWork, IsLinearForManyDamagedOpeningsOnALine) {
+  for (const char* opening : {"//<@", "//<@@", "//<@appendix", "/*<@x", "//<appendix",
+                              "//@appendix", "//<output [", "//<@text:anchor#/", "//<@task fit",
+                              "//<@text:anchor#a>,", "*/<@text#a>", "Rem <@text#a>"}) {
+    std::string half;
+    for (std::size_t i = 0; i < kParts / 2; ++i) half += opening;
+    EXPECT_LT(workOf(half + half), workOf(half) * 23 / 10 + 10000) << opening;
+  }
+}
+
 // Each file has one unpaired marker.
 std::uint64_t workOfFiles(const std::vector<std::string>& ids) {
   std::vector<tessera::check::catalogue::CheckedFile> files;
