@@ -10,6 +10,7 @@
 #include "tessera/check/scan/BlockComments.hpp"
 #include "tessera/check/scan/commentEnd.hpp"
 #include "tessera/check/scan/markerText.hpp"
+#include "tessera/check/suspects/SuspectWriter.hpp"
 #include "tessera/check/suspects/findRepair.hpp"
 #include "tessera/check/suspects/isIntended.hpp"
 #include "tessera/check/suspects/likeness.hpp"
@@ -21,20 +22,15 @@ namespace {
 
 using namespace std::string_view_literals;
 using namespace catalogue::forms;
-using catalogue::DiagnosticKind;
-using catalogue::Span;
 using quenlith::syntax::CommentForm;
 using quenlith::syntax::MarkerProblem;
-using Arguments = std::initializer_list<std::string_view>;
 
 /// Writes the diagnostic of one text.
-class ProblemWriter {
+class ProblemWriter : SuspectWriter {
  public:
   ProblemWriter(const FoundMarker& found, std::uint64_t end, const FoundMarker* before,
                 std::optional<std::u16string_view> nextLine)
-      : found(found), parts(found.parts), line(found.lineText), end(end), before(before) {
-    text = {found.line, line, parts.position, end, std::min(parts.problemPosition, end), nextLine};
-  }
+      : SuspectWriter(found, end, nextLine), before(before) {}
 
   Suspect write() {
     suspect.element = parts.element;
@@ -44,11 +40,7 @@ class ProblemWriter {
   }
 
  private:
-  using enum DiagnosticKind;
-
-  void addId(std::u16string_view id) {
-    if (!id.empty()) suspect.ids.emplace_back(id);
-  }
+  using enum catalogue::DiagnosticKind;
 
   void dispatch() {
     switch (parts.problem) {
@@ -81,52 +73,6 @@ class ProblemWriter {
       default:
         return writeMissingLeader();
     }
-  }
-
-  void report(DiagnosticKind kind, std::size_t form, Span span, Arguments arguments) {
-    suspect.diagnostic = catalogue::makeDiagnostic(kind, form, span, arguments);
-  }
-
-  /// Like `report` at the problem, with the fix of a single wrong character if there is one.
-  void reportRepairable(DiagnosticKind kind, std::size_t form, Arguments arguments) {
-    report(kind, form, atProblem(), arguments);
-    repair();
-  }
-
-  void repair() {
-    suspect.isCutOff = line.find_first_not_of(u" \t", text.problem) == line.npos;
-    if (suspect.isCutOff) take(joinLines(text));
-    if (suspect.diagnostic.fix) return;
-    take(findRepair(text));
-    suspect.isCompleted = suspect.isCutOff;
-    // After a range and a blank, data may have been there.
-    const bool isDataLost =
-        suspect.isCutOff && isBlank(line.back()) && !parts.range.empty() && parts.data.empty();
-    if (isDataLost) suspect.diagnostic.fix.reset();
-  }
-
-  void take(std::optional<Repair> repair) {
-    if (!repair) return;
-    suspect.diagnostic.fix = std::move(repair->fix);
-    suspect.repaired = std::move(repair->text);
-  }
-
-  void fixBy(const Replacement& replacement) { take(repairBy(text, replacement)); }
-
-  std::u16string_view restAtProblem() const {
-    return line.substr(text.problem, end - text.problem);
-  }
-
-  std::u16string_view wordAtProblem() const { return wordAtStartOf(restAtProblem()); }
-
-  std::string foundAtProblem() const {
-    const std::u16string_view word = wordAtProblem();
-    if (!word.empty()) return quoted(word);
-    return end < line.size() ? "the next marker" : "the end of the line";
-  }
-
-  Span atProblem() const {
-    return found.spanOf(text.problem, text.problem + wordAtProblem().size());
   }
 
   void writeMissingElement() {
@@ -523,13 +469,7 @@ class ProblemWriter {
     fixBy({parts.opening, 0, inserted});
   }
 
-  const FoundMarker& found;
-  const quenlith::syntax::MarkerCandidate& parts;
-  std::u16string_view line;
-  std::uint64_t end;
   const FoundMarker* before;
-  DamagedText text;
-  Suspect suspect;
 };
 
 }  // namespace
