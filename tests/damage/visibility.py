@@ -157,7 +157,7 @@ def remains(file):
 
 def is_like_end(rest):
     """Returns whether the text after a marker ends like one: a range or data, or a word without blanks."""
-    if re.match(r"-?%>|[#?]>|\]\]>", rest):
+    if re.match(r"-*(?:[%#?]>|\]\]>|</|[\"']?/>)", rest):
         return False
     return bool(re.match(r"[\[{].*>", rest) or re.match(r"[^ \t]*>", rest))
 

@@ -20,10 +20,12 @@ bool isWordUnit(char16_t unit) {
   return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z');
 }
 
-/// Returns whether `rest` begins with what ends a code block of a template, a processing
-/// instruction or a section of XML.
+/// Returns whether `rest` begins with what ends the code of a template, a processing instruction, a
+/// section or an element of XML.
 bool startsWithBlockEnd(std::u16string_view rest) {
-  constexpr std::array<std::u16string_view, 5> kBlockEnds{u"%>", u"-%>", u"#>", u"?>", u"]]>"};
+  constexpr std::array<std::u16string_view, 8> kBlockEnds{u"%>", u"#>", u"?>",   u"]]>",
+                                                          u"</", u"/>", u"\"/>", u"'/>"};
+  rest.remove_prefix(std::min(rest.find_first_not_of(u'-'), rest.size()));
   return std::ranges::any_of(kBlockEnds,
                              [rest](std::u16string_view end) { return rest.starts_with(end); });
 }

@@ -248,8 +248,8 @@ class Mistakes(CheckTest):
         self.assertEqual(self.found("x -- <@ y\n"), [])
 
     def test_text_after_a_marker_is_reported_only_if_it_looks_like_a_part_of_it(self):
-        for rest in (", used by p->x", ". See <stdio.h>.", ", see [a](<b>)", "%>", "-%>", "#>", "?>", "]]>",
-                     "; a -> b", ". <@iew>"):
+        for rest in (", used by p->x", ". See <stdio.h>.", ", see [a](<b>)", "%>", "-%>", "--%>", "#>", "?>",
+                     "]]>", "</p>", "/>", '"/>', "; a -> b", ". <@iew>"):
             self.assertEqual(self.found(f"x = 1  # <@output#o [0,5]>{rest}\n"), [], rest)
         for rest in (">", "b>", "-b>", '"b>', "[0,1]>", "[0, 1]>", '{"a": 1}>'):
             found = self.found(f"x = 1  # <@output#o>{rest}\n")
