@@ -158,8 +158,9 @@ inline constexpr std::array kSyntaxEntries = std::to_array<CatalogueEntry>({
                     "second one of a line.",
      .before = "y = 2  # <@output#y [0,1]> <@text:anchor#end>\n",
      .after = "y = 2  # <@output#y [0,1]> # <@text:anchor#end>\n",
-     .fix = "Completes a leader that is too short, or repeats the one of the marker before it. "
-            "A \"-\" or \"/\" before a blank stays, because it may be a list item or a division."},
+     .fix = "Completes a leader that is too short, writes REM in upper case, or repeats the "
+            "leader before it. A \"-\" or \"/\" before a blank stays, because it may be a list "
+            "item or a division."},
     {.kind = DiagnosticKind::kUnclosedComment,
      .id = "unclosed_comment",
      .severity = Severity::kWarning,
