@@ -114,7 +114,7 @@ class OpeningSearch {
     return true;
   }
 
-  /// There is no fix: everything after the line would become the appendix.
+  /// It has no fix: everything after the line would become the appendix.
   bool attemptAppendix(const Replacement& replacement, std::size_t begin, std::size_t end) {
     if (findCommentStart(line, 0, begin) != 0) return false;
     std::u16string repaired(line);
