@@ -201,9 +201,27 @@ std::deque<std::size_t> Worker::loseInput() {
   const auto lost = undone.begin() + static_cast<std::ptrdiff_t>(begun - endCount - 1);
   inputs.push_back(*lost);
   undone.erase(lost);
+  dropUnfinishedText();
   frames.push_back({.kind = Frame::Kind::kLost});
   ++finished;
   return undone;
+}
+
+/// Drops the text of the lost input that has arrived, but not its messages: text that was passed on
+/// would have to be taken back.
+void Worker::dropUnfinishedText() noexcept {
+  const auto isEnd = [](const Frame& frame) { return frame.kind == Frame::Kind::kEnd; };
+  const auto isText = [](const Frame& frame) { return frame.kind == Frame::Kind::kText; };
+  const auto first = std::find_if(frames.rbegin(), frames.rend(), isEnd).base();
+  for (auto frame = first; frame != frames.end(); ++frame) {
+    if (isText(*frame)) releaseSlot(*frame);
+  }
+  frames.erase(std::remove_if(first, frames.end(), isText), frames.end());
+}
+
+void Worker::releaseSlot(const Frame& frame) noexcept {
+  slots.release(frame.slot);
+  --slotsInUse;
 }
 
 void Worker::excuse(Clock::duration time) noexcept {
@@ -244,8 +262,7 @@ void Worker::removeFrame() noexcept {
   if (frame.kind == Frame::Kind::kText || frame.kind == Frame::Kind::kMessage) {
     // It has waited until now.
     if (slotsInUse == slots.size()) since = Clock::now();
-    slots.release(frame.slot);
-    --slotsInUse;
+    releaseSlot(frame);
   } else {
     inputs.pop_front();
     --finished;

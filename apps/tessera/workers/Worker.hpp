@@ -93,6 +93,8 @@ class Worker {
   void add(const Frame& frame);
   void end();
   std::deque<std::size_t> loseInput();
+  void dropUnfinishedText() noexcept;
+  void releaseSlot(const Frame& frame) noexcept;
 
   SharedSlots slots;
   pid_t process = 0;

@@ -1,0 +1,118 @@
+#include "tessera/workers/WorkerPool.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "tessera/workers/Collector.hpp"
+#include "tessera/workers/SharedSlots.hpp"
+
+namespace {
+
+using tessera::workers::Collector;
+using tessera::workers::Job;
+using tessera::workers::JobContext;
+using tessera::workers::Loss;
+using tessera::workers::Outcome;
+using tessera::workers::SharedSlots;
+using tessera::workers::WorkerPool;
+using tessera::workers::WorkerUnusable;
+
+/// A number that the test and its workers share.
+class SharedNumber {
+ public:
+  SharedNumber()
+      : memory(::mmap(nullptr, sizeof(Number), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
+                      -1, 0)),
+        number(*new (memory) Number(0)) {}
+  ~SharedNumber() { ::munmap(memory, sizeof(Number)); }
+  SharedNumber(const SharedNumber&) = delete;
+  SharedNumber& operator=(const SharedNumber&) = delete;
+
+  std::atomic<int>& operator*() const noexcept { return number; }
+  /// Waits until it is not 0, but not forever.
+  void await() const {
+    for (int i = 0; i < 6000 && number == 0; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+  }
+
+ private:
+  using Number = std::atomic<int>;
+
+  void* memory;
+  Number& number;
+};
+
+using Work = std::function<void(const JobContext& context, std::size_t index)>;
+
+/// Writes the letter of each input after `work` was done on it.
+class LetterJob final : public Job {
+ public:
+  LetterJob(const JobContext& context, const Work& work) : context(context), work(work) {}
+
+  Outcome run(std::size_t index) override {
+    work(context, index);
+    context.output.text() += static_cast<char>('a' + index);
+    return Outcome::kDone;
+  }
+
+ private:
+  JobContext context;
+  const Work& work;
+};
+
+/// Notes what happens to the inputs: the text of each and its end, or that it was lost.
+class Notes final : public Collector {
+ public:
+  const std::string& text() const noexcept { return notes; }
+
+  void addText(std::string_view piece) override { notes += piece; }
+  void addMessage(std::string_view message) override { notes += message; }
+  void endInput(std::size_t /*index*/, Outcome /*outcome*/) override { notes += '.'; }
+  void rest() override {}
+  void loseInput(std::size_t /*index*/, const Loss& /*loss*/) override { notes += '!'; }
+
+ private:
+  std::string notes;
+};
+
+void writeInManyPieces(const JobContext& context) {
+  for (std::size_t i = 0; i < SharedSlots::kFewestSlots; ++i) {
+    context.output.text() += 'x';
+    context.output.flush();
+  }
+}
+
+// What was passed on to a pipe cannot be taken back.
+TEST(WorkerPool, NothingIsPassedOnOfAnInputThatIsLostBeforeItsTurn) {
+  const SharedNumber isLost;
+  // The first worker is at 0 and is to do 2 then; the other one does the rest.
+  const Work work = [&](const JobContext& context, std::size_t index) {
+    if (index == 0) isLost.await();
+    if (index == 3) {
+      writeInManyPieces(context);
+      ::raise(SIGKILL);
+    }
+    if (index == 4) *isLost = 1;
+  };
+  Notes notes;
+  WorkerPool pool(
+      {.workers = 2},
+      [&](const JobContext& context) { return std::make_unique<LetterJob>(context, work); }, notes);
+  pool.run(5);
+  EXPECT_EQ(notes.text(), "a.b.c.!e.");
+}
+
+}  // namespace
