@@ -51,7 +51,7 @@ void settle(pid_t parent) noexcept {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (::getppid() != parent) std::_Exit(EXIT_FAILURE);
   ::signal(SIGINT, SIG_IGN);
-  ::signal(SIGTERM, SIG_DFL);
+  if (::signal(SIGTERM, SIG_DFL) == SIG_IGN) ::signal(SIGTERM, SIG_IGN);
   ::signal(SIGHUP, SIG_IGN);
 }
 

@@ -35,7 +35,11 @@ template <class Action>
 void WorkerPool::withoutTheirTime(Action action) {
   const auto begin = Worker::Clock::now();
   action();
-  const auto time = Worker::Clock::now() - begin;
+  excuse(Worker::Clock::now() - begin);
+}
+
+/// Does not count a time against the workers.
+void WorkerPool::excuse(Worker::Clock::duration time) {
   for (const auto& worker : workers) worker->excuse(time);
 }
 
@@ -97,13 +101,13 @@ void WorkerPool::showProgress() {
 }
 
 /// Returns the time in milliseconds after which there is something to do though no worker has sent
-/// anything; -1 without one.
+/// anything; -1 without one. No longer than that is counted against a worker when the run was
+/// suspended meanwhile.
 int WorkerPool::pollTimeout() const {
   constexpr auto kInterval = static_cast<int>(progress::RunProgress::kInterval.count());
-  if (settings.timeout.count() == 0) return showsProgress() ? kInterval : -1;
-  const int rest = timeToDeadline();
-  if (!showsProgress()) return rest;
-  return rest < 0 ? kInterval : std::min(rest, kInterval);
+  const int rest = settings.timeout.count() == 0 ? -1 : timeToDeadline();
+  if (rest < 0) return showsProgress() ? kInterval : -1;
+  return std::min(rest, kInterval);
 }
 
 /// Returns the time in milliseconds to the first deadline; -1 without one.
@@ -128,12 +132,16 @@ void WorkerPool::awaitFrames() {
   poll(pollTimeout());
 }
 
-/// Returns how many workers have sent something.
+/// Returns how many workers have sent something. When it takes longer than asked for, all processes
+/// were suspended.
 int WorkerPool::poll(int timeoutMilliseconds) {
+  const auto begin = Worker::Clock::now();
   const int count = ::poll(sockets.data(), sockets.size(), timeoutMilliseconds);
   if (count < 0 && errno != EINTR) {
     throw std::system_error(errno, std::generic_category(), "waiting for a worker");
   }
+  const auto excess = Worker::Clock::now() - begin - std::chrono::milliseconds(timeoutMilliseconds);
+  if (timeoutMilliseconds >= 0 && excess.count() > 0) excuse(excess);
   return count;
 }
 

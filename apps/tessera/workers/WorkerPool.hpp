@@ -55,6 +55,7 @@ class WorkerPool {
   void requireUsable(const Worker& worker) const;
   template <class Action>
   void withoutTheirTime(Action action);
+  void excuse(Worker::Clock::duration time);
   void passResultsOn();
   Worker* findWorkerOf(std::size_t index) const;
   bool passFrameOn(Worker& worker);

@@ -333,6 +333,44 @@ class Workers(ManyFiles):
             self.assertEqual(process.wait(120), 0)
         self.assertEqual(read, expected)
 
+    def start_with_a_waiting_file(self, *arguments, **options):
+        """Starts a run in which a worker waits for the content of its second file."""
+        self.write("a")
+        os.mkfifo(self.folder / "fifo")
+        process = subprocess.Popen([PROGRAM, "parse", "--format", "ndjson", "-j", "2", "a", "fifo", *arguments],
+                                   cwd=self.folder, stdout=subprocess.PIPE, start_new_session=True, **options)
+        # The run has begun once there is the record of the first file.
+        return process, process.stdout.readline()
+
+    def finish_waiting_file(self, process, first):
+        while process.poll() is None:
+            try:
+                writer = os.open(self.folder / "fifo", os.O_WRONLY | os.O_NONBLOCK)
+            except OSError:  # No worker has opened it.
+                time.sleep(0.01)
+                continue
+            os.write(writer, b"x\n")
+            os.close(writer)
+            break
+        with process:
+            rest = process.stdout.read()
+        self.assertEqual([record["file"] for record in records(first + rest) if "error" not in record], ["a", "fifo"])
+        self.assertEqual(process.returncode, 0)
+
+    @unittest.skipIf(IS_SANITIZED, "a sanitizer makes the worker itself slow")
+    def test_the_time_in_which_the_run_is_suspended_is_not_part_of_the_time_of_a_file(self):
+        process, first = self.start_with_a_waiting_file("--timeout", "4")
+        os.killpg(process.pid, signal.SIGSTOP)
+        time.sleep(5)
+        os.killpg(process.pid, signal.SIGCONT)
+        self.finish_waiting_file(process, first)
+
+    def test_an_ignored_signal_does_not_end_the_workers(self):
+        process, first = self.start_with_a_waiting_file(
+            preexec_fn=lambda: signal.signal(signal.SIGTERM, signal.SIG_IGN))
+        os.killpg(process.pid, signal.SIGTERM)
+        self.finish_waiting_file(process, first)
+
     def test_the_start_of_a_process_is_not_part_of_the_time_of_a_file(self):
         self.write_sources(4)
         environment = dict(os.environ, TESSERA_TEST_FAULT="start slowly")
