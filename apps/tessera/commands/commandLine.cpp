@@ -22,6 +22,7 @@
 #include "tessera/commands/view.hpp"
 #include "tessera/diagnostics/describeException.hpp"
 #include "tessera/diagnostics/report.hpp"
+#include "tessera/files/Interruption.hpp"
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/files/standardStreams.hpp"
 #include "tessera/terminal/settings.hpp"
@@ -83,6 +84,7 @@ int runRequest(const commandline::CommandLine& line) {
 
 int runCommandLine(int argumentCount, char** arguments) {
   files::reserveStandardStreams();
+  files::setUpSignals();
   try {
     const std::vector<std::string> words(arguments + (argumentCount > 0 ? 1 : 0),
                                          arguments + argumentCount);

@@ -28,7 +28,7 @@ struct RemovedFile {
 
 std::array<RemovedFile, 4> removedFiles;
 
-constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
 extern "C" void endProcess(int signal) {
   for (const RemovedFile& file : removedFiles) {
@@ -38,7 +38,14 @@ extern "C" void endProcess(int signal) {
   ::_exit(128 + signal);
 }
 
+extern "C" void doNothing(int /*signal*/) {}
+
 }  // namespace
+
+void setUpSignals() noexcept {
+  // Not SIG_IGN: a browser that is started would inherit that.
+  ::signal(SIGXFSZ, doNothing);
+}
 
 void endOnInterruption() noexcept {
   for (const int number : kSignals) {

@@ -6,9 +6,12 @@
 
 namespace tessera::files {
 
-/// From now on, a signal of the user or the system to end (SIGINT, SIGTERM, SIGHUP) ends the
-/// process at once with status 128 + its number, after the files are removed that are then to be
-/// removed. A signal that is ignored stays so.
+/// From now on, to write more to a file than the process may is an error and does not end it.
+void setUpSignals() noexcept;
+
+/// From now on, a signal to end (SIGINT, SIGTERM or SIGHUP from the user or the system, SIGPIPE
+/// when nobody reads the output any more) ends the process at once with status 128 + its number,
+/// after the files are removed that are then to be removed. A signal that is ignored stays so.
 void endOnInterruption() noexcept;
 
 /// Holds those signals back for this thread, as long as this object exists. For a moment only.

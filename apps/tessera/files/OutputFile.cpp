@@ -22,6 +22,8 @@ const char* remedyForWriting(int error) {
     case EACCES:
     case EPERM:
       return "check its permissions, or name another file";
+    case EFBIG:
+      return "raise the limit of the size of files (ulimit -f), or write fewer files at a time";
     case ENOSPC:
       return "free some disk space, or name a file that can be written";
     default:

@@ -46,13 +46,20 @@ struct Channel {
   std::array<int, 2> ends{-1, -1};
 };
 
-/// Prepares the process of a worker: it ends with its parent, which alone reacts to the terminal.
+/// Gives a signal its default effect, unless it is ignored.
+void reset(int signal) noexcept {
+  if (::signal(signal, SIG_DFL) == SIG_IGN) ::signal(signal, SIG_IGN);
+}
+
+/// Prepares the process of a worker: it ends with its parent, which alone reacts to the terminal
+/// and removes files.
 void settle(pid_t parent) noexcept {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (::getppid() != parent) std::_Exit(EXIT_FAILURE);
   ::signal(SIGINT, SIG_IGN);
-  if (::signal(SIGTERM, SIG_DFL) == SIG_IGN) ::signal(SIGTERM, SIG_IGN);
   ::signal(SIGHUP, SIG_IGN);
+  reset(SIGTERM);
+  reset(SIGPIPE);
 }
 
 std::string describeStatus(int status) {

@@ -903,6 +903,32 @@ class Outputs(ManyFiles):
         self.parse("a", "--record", "empty")
         self.assertNoLeftovers()
 
+    def test_a_file_that_may_not_grow_is_an_error_of_the_output(self):
+        self.write("large", b"a line of text\n" * 10_000)
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+        for form in ("tree", "json", "html"):
+            done = tessera("parse", "--format", form, "large", "-o", "out", cwd=self.folder, preexec_fn=limit)
+            self.assertEqual(done.returncode, 2)
+            self.assertIn(b"File too large; raise the limit", done.stderr)
+            self.assertEqual(os.listdir(self.folder), ["large"])
+        # Also where the output is standard output.
+        with open(self.folder / "out", "wb") as out:
+            done = subprocess.run([PROGRAM, "help", "parse"], stdout=out, stderr=subprocess.PIPE, preexec_fn=limit)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b"File too large", done.stderr)
+
+    def test_a_reader_that_is_gone_is_an_interruption(self):
+        for number in range(100):
+            self.write(f"t/{number}", b"\xff")
+        for options in (("-j", "1"), ("-j", "2")):
+            reader, writer = os.pipe()
+            os.close(reader)
+            done = subprocess.run([PROGRAM, "parse", "--format", "html", "-o", "out", "t", *options], cwd=self.folder,
+                                  stderr=writer, timeout=120)
+            os.close(writer)
+            self.assertEqual(done.returncode, 128 + signal.SIGPIPE)
+            self.assertEqual(os.listdir(self.folder), ["t"])
+
     def test_workers_that_wait_for_a_failed_output_are_ended(self):
         for number in range(16):
             self.write(f"t/{number}", b"a line of text\n" * 40_000)
