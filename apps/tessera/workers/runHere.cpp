@@ -5,7 +5,10 @@
 #include <mutex>
 #include <stop_token>
 #include <string_view>
+#include <system_error>
 #include <thread>
+
+#include "tessera/files/Interruption.hpp"
 
 namespace tessera::workers {
 namespace {
@@ -35,25 +38,35 @@ class CollectedMessages final : public Messages {
   CollectedOutput& output;
 };
 
-/// Shows the progress until it is destroyed.
+/// Shows the progress until it is destroyed, if a thread can be started for that.
 class ProgressThread {
  public:
   ProgressThread(progress::RunProgress& shown, const progress::InputProgress& progress,
                  const std::atomic<std::size_t>& current) {
     if (!shown.isActive()) return;
-    thread = std::jthread([&](const std::stop_token& stop) {
-      std::mutex mutex;
-      std::unique_lock lock(mutex);
-      std::condition_variable_any ended;
-      while (!stop.stop_requested()) {
-        const progress::RunProgress::Current input{current, progress.share};
-        shown.show({&input, 1});
-        ended.wait_for(lock, stop, progress::RunProgress::kInterval, [] { return false; });
-      }
-    });
+    // The thread inherits this: it must not take a signal that the other one holds back.
+    const files::HeldInterruptions held;
+    try {
+      thread =
+          std::jthread([&](const std::stop_token& stop) { show(shown, progress, current, stop); });
+    } catch (const std::system_error&) {
+      // The work goes on without it.
+    }
   }
 
  private:
+  static void show(progress::RunProgress& shown, const progress::InputProgress& progress,
+                   const std::atomic<std::size_t>& current, const std::stop_token& stop) {
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::condition_variable_any ended;
+    while (!stop.stop_requested()) {
+      const progress::RunProgress::Current input{current, progress.share};
+      shown.show({&input, 1});
+      ended.wait_for(lock, stop, progress::RunProgress::kInterval, [] { return false; });
+    }
+  }
+
   std::jthread thread;
 };
 

@@ -765,6 +765,19 @@ class Progress(ManyFiles):
             self.assertEqual(screen(terminal.data), [""])
             self.assertTrue(any(0 < percent < 100 for percent in shown), shown)
 
+    @unittest.skipIf(IS_SANITIZED, "a sanitizer reserves more address space than there is")
+    def test_a_run_without_memory_for_it_goes_on(self):
+        self.write("a")
+        _, most = resource.getrlimit(resource.RLIMIT_STACK)
+        if most != resource.RLIM_INFINITY and most < 1 << 30: self.skipTest("there are no large stacks")
+
+        def limit():
+            # A new thread has a stack of this size.
+            resource.setrlimit(resource.RLIMIT_STACK, (1 << 30, most))
+            resource.setrlimit(resource.RLIMIT_AS, (1 << 30, 1 << 30))
+        done = tessera("parse", "a", "-j", "1", "--progress", "always", cwd=self.folder, preexec_fn=limit)
+        self.assertEqual((done.returncode, done.stdout), (0, tessera("parse", "a", cwd=self.folder).stdout))
+
     def test_elsewhere_it_is_lines(self):
         for name in ("t/a", "t/b", "t/c"):
             self.write(name)
