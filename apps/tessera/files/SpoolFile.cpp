@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tessera/files/Interruption.hpp"
+
 namespace tessera::files {
 namespace {
 
@@ -18,6 +20,8 @@ int openSpool() {
   std::error_code error;
   const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
   std::string name = (error ? std::filesystem::path("/tmp") : folder) / "tessera-XXXXXX";
+  // None arrives while the file has a name.
+  const HeldInterruptions held;
   const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
   if (descriptor < 0) failOutput(name, "cannot be made", errno);
   ::unlink(name.c_str());
