@@ -1,6 +1,7 @@
 #include "tessera/files/FileReader.hpp"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -74,8 +75,18 @@ std::size_t FileReader::read(char* target, std::size_t size) {
   while (true) {
     const ssize_t count = ::read(descriptor, target, size);
     if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno != EINTR) fail("cannot be read", errno);
+    if (errno == EAGAIN) {
+      awaitBytes();
+    } else if (errno != EINTR) {
+      fail("cannot be read", errno);
+    }
   }
+}
+
+/// Standard input may be a pipe that does not block.
+void FileReader::awaitBytes() const {
+  pollfd stream{.fd = descriptor, .events = POLLIN, .revents = 0};
+  if (::poll(&stream, 1, -1) < 0 && errno != EINTR) fail("cannot be read", errno);
 }
 
 std::size_t FileReader::readAhead(char* target, std::size_t size) noexcept {

@@ -30,6 +30,7 @@ class FileReader {
 
  private:
   void examine();
+  void awaitBytes() const;
   std::size_t readAhead(char* target, std::size_t size) noexcept;
   [[noreturn]] void fail(const char* what, int error) const;
 

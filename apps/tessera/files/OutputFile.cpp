@@ -1,6 +1,5 @@
 #include "tessera/files/OutputFile.hpp"
 
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,6 +9,7 @@
 
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/diagnostics/StatusLine.hpp"
+#include "tessera/diagnostics/writeAll.hpp"
 
 namespace tessera::files {
 namespace {
@@ -76,17 +76,9 @@ void OutputFile::write(std::string_view piece) {
 }
 
 void OutputFile::writeAll(std::string_view piece) {
-  while (!piece.empty()) {
-    const ssize_t count = ::write(descriptor, piece.data(), piece.size());
-    if (count >= 0) {
-      noteWritten(static_cast<std::size_t>(count));
-      piece.remove_prefix(static_cast<std::size_t>(count));
-    } else if (errno == EAGAIN) {
-      awaitRoom();
-    } else if (errno != EINTR) {
-      failOutput(name, "cannot be written", errno);
-    }
-  }
+  const int error = diagnostics::writeAll(descriptor, piece);
+  if (error != 0) failOutput(name, "cannot be written", error);
+  noteWritten(piece.size());
 }
 
 /// In a file that is appended to, the position tells whether others have written in between.
@@ -96,13 +88,6 @@ void OutputFile::noteWritten(std::size_t size) noexcept {
   const off_t first = position - static_cast<off_t>(size);
   if (first != end) begin = first;
   end = position;
-}
-
-void OutputFile::awaitRoom() const {
-  pollfd stream{.fd = descriptor, .events = POLLOUT, .revents = 0};
-  if (::poll(&stream, 1, -1) < 0 && errno != EINTR) {
-    failOutput(name, "cannot be written", errno);
-  }
 }
 
 }  // namespace tessera::files

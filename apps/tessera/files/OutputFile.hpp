@@ -29,7 +29,6 @@ class OutputFile final : public OutputText {
   void write(std::string_view piece) override;
   void writeAll(std::string_view piece);
   void noteWritten(std::size_t size) noexcept;
-  void awaitRoom() const;
 
   std::string name;
   int descriptor;

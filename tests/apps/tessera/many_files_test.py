@@ -975,6 +975,34 @@ class Outputs(ManyFiles):
         with open(reader, "rb") as pipe:
             self.assertTrue(pipe.read() == expected)
         self.assertEqual(process.wait(), 0)
+        # Also messages, which need more room than a pipe has.
+        for number in range(1500):
+            self.write(f"bad/{number:04}", b"\xff")
+        expected = self.parse("bad", status=3).stderr
+        for workers in ("1", "2"):
+            reader, writer = os.pipe()
+            os.set_blocking(writer, False)
+            process = subprocess.Popen([PROGRAM, "parse", "bad", "-j", workers], stderr=writer, cwd=self.folder)
+            os.close(writer)
+            time.sleep(0.5)
+            with open(reader, "rb") as pipe:
+                self.assertTrue(pipe.read() == expected)
+            self.assertEqual(process.wait(), 3)
+
+    def test_standard_input_that_does_not_block_is_waited_for(self):
+        self.write("a")
+        for arguments, data in ((["-"], b"x\n"), (["--files-from", "-"], b"a\n")):
+            reader, writer = os.pipe()
+            os.set_blocking(reader, False)
+            process = subprocess.Popen([PROGRAM, "parse", *arguments], stdin=reader, stdout=subprocess.PIPE,
+                                       cwd=self.folder)
+            os.close(reader)
+            time.sleep(0.2)
+            with open(writer, "wb") as pipe:
+                pipe.write(data)
+            output, _ = process.communicate(timeout=120)
+            self.assertIn(b"   1   x\n", output)
+            self.assertEqual(process.returncode, 0)
 
     def start_and_interrupt(self, number, *arguments):
         """Interrupts a run that hangs at its second file, and returns its exit status."""
