@@ -22,6 +22,9 @@ constexpr std::size_t kMostInputsPerWorker = 64;
 // taken back when the worker ends within it.
 constexpr std::size_t kSlotsHeldBack = SharedSlots::kFewestSlots / 2;
 
+// How many processes may end before they are ready if another one was ready before.
+constexpr std::size_t kMostLostStarts = 8;
+
 // After so long without a result, those that have come are written.
 constexpr int kRestMilliseconds = 20;
 
@@ -160,9 +163,13 @@ void WorkerPool::receiveFrames() {
   for (auto& inputs : notBegun) startWorker(std::move(inputs));
 }
 
-void WorkerPool::requireUsable(const Worker& worker) const {
+/// Throws WorkerUnusable when a further worker would be of no use either.
+void WorkerPool::requireUsable(const Worker& worker) {
   if (worker.isUnusable()) throw WorkerUnusable(worker.endReason());
+  hasReadyWorker |= worker.isReady();
   if (worker.isRunning() || worker.isReady()) return;
+  // The bundles can be started: something else ended it.
+  if (hasReadyWorker && lostStarts++ < kMostLostStarts) return;
   throw WorkerUnusable(
       diagnostics::describe({.file = "tessera",
                              .place = {},

@@ -52,7 +52,7 @@ class WorkerPool {
   void awaitFrames();
   int poll(int timeoutMilliseconds);
   void receiveFrames();
-  void requireUsable(const Worker& worker) const;
+  void requireUsable(const Worker& worker);
   template <class Action>
   void withoutTheirTime(Action action);
   void excuse(Worker::Clock::duration time);
@@ -74,6 +74,9 @@ class WorkerPool {
   std::size_t nextToGive = 0;
   std::size_t nextResult = 0;
   std::size_t end = 0;
+  // Whether a worker was ready, and how many others ended before they were.
+  bool hasReadyWorker = false;
+  std::size_t lostStarts = 0;
 };
 
 }  // namespace tessera::workers

@@ -115,4 +115,46 @@ TEST(WorkerPool, NothingIsPassedOnOfAnInputThatIsLostBeforeItsTurn) {
   EXPECT_EQ(notes.text(), "a.b.c.!e.");
 }
 
+/// Runs two inputs in one worker, which is lost with the first one. So are `lostStarts` of the
+/// processes that are to take its place, before they are ready.
+std::string runWithLostStarts(int lostStarts) {
+  const SharedNumber started;
+  const Work work = [&](const JobContext& /*context*/, std::size_t index) {
+    if (index == 0) ::raise(SIGKILL);
+  };
+  Notes notes;
+  WorkerPool pool(
+      {.workers = 1},
+      [&](const JobContext& context) {
+        const int number = (*started)++;
+        if (number > 0 && number <= lostStarts) ::raise(SIGKILL);
+        return std::make_unique<LetterJob>(context, work);
+      },
+      notes);
+  pool.run(2);
+  return notes.text();
+}
+
+// Somebody else may have killed it.
+TEST(WorkerPool, AProcessThatEndsAtItsStartIsReplacedIfOneCouldBeStartedBefore) {
+  EXPECT_EQ(runWithLostStarts(1), "!b.");
+  EXPECT_EQ(runWithLostStarts(2), "!b.");
+  EXPECT_THROW(runWithLostStarts(1000), WorkerUnusable);
+}
+
+TEST(WorkerPool, AProcessThatEndsAtItsStartEndsTheRunIfNoneCouldBeStarted) {
+  Notes notes;
+  const SharedNumber started;
+  WorkerPool pool(
+      {.workers = 1},
+      [&](const JobContext& /*context*/) {
+        ++*started;
+        ::raise(SIGKILL);
+        return std::unique_ptr<Job>();
+      },
+      notes);
+  EXPECT_THROW(pool.run(2), WorkerUnusable);
+  EXPECT_EQ(*started, 1);
+}
+
 }  // namespace
