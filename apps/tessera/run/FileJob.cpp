@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tessera/diagnostics/describeException.hpp"
 #include "tessera/source/SourceText.hpp"
 
 namespace tessera::run {
@@ -71,8 +72,18 @@ void FileJob::skipIfBinary(files::FileReader& file) const {
 
 bool FileJob::isAccepted(const quenlith::syntax::Marker& marker) {
   if (!elementParsers) elementParsers = host.codeElementParsers();
-  return std::ranges::any_of(*elementParsers,
-                             [&marker](const auto& taker) { return taker->canParse(marker); });
+  try {
+    return std::ranges::any_of(*elementParsers,
+                               [&marker](const auto& taker) { return taker->canParse(marker); });
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (...) {
+    throw diagnostics::ProblemError({.file = input().path,
+                                     .place = {},
+                                     .what = "a parser threw when it was asked about a marker: " +
+                                             diagnostics::describeException(),
+                                     .remedy = "leave out bundles, or report it"});
+  }
 }
 
 void FileJob::failWithoutMemory(const std::string& path) {
@@ -80,6 +91,11 @@ void FileJob::failWithoutMemory(const std::string& path) {
                                    .place = {},
                                    .what = "there is not enough memory for this file",
                                    .remedy = "run fewer workers (-j), or split the file"});
+}
+
+void FileJob::failAsTooLarge(const std::string& path) {
+  throw diagnostics::ProblemError(
+      {.file = path, .place = {}, .what = "this file is too large", .remedy = "split the file"});
 }
 
 }  // namespace tessera::run

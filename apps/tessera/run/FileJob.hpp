@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,24 +69,28 @@ class FileJob : public workers::Job {
   void skipIfBinary(files::FileReader& file) const;
 
   const std::vector<session::NamedParser>& parsers() const noexcept { return session.parsers(); }
-  /// Returns whether a parser of a bundle accepts the marker.
+  /// Returns whether a parser of a bundle accepts the marker. Throws ProblemError when one throws.
   bool isAccepted(const quenlith::syntax::Marker& marker);
   files::OutputText& output() noexcept { return text; }
   workers::Messages& messages() noexcept { return messageTarget; }
 
-  /// Returns what `step` returns. Without memory for it, only the file `path` is lost: throws
-  /// ProblemError. `step` must not write a part of the output.
+  /// Returns what `step` returns. Without memory for it, or when something would be larger than it
+  /// may ever be, only the file `path` is lost: throws ProblemError. `step` must not write a part
+  /// of the output.
   template <typename Step>
   static auto loseWithoutMemory(const std::string& path, Step step) {
     try {
       return step();
     } catch (const std::bad_alloc&) {
       failWithoutMemory(path);
+    } catch (const std::length_error&) {
+      failAsTooLarge(path);
     }
   }
 
  private:
   [[noreturn]] static void failWithoutMemory(const std::string& path);
+  [[noreturn]] static void failAsTooLarge(const std::string& path);
 
   const std::vector<inputs::Input>& inputs;
   std::size_t current = 0;

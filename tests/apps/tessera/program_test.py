@@ -218,6 +218,16 @@ class Parse(ProgramTest):
                                "bundles, or report it with the calls that --record writes",
                                output_of(*arguments, good), status=3)
 
+    def test_a_parser_that_throws_after_parsing_ends_its_file(self):
+        good = self.write("good", b"x\n")
+        bad = self.write("bad", b"y = 1  # <@control:slider#fickle [4,5]>\n")
+        for command in ("check", "markers"):
+            for workers in ("1", "2"):
+                arguments = [command, "--format", "json", "-j", workers, "--bundle", str(SLIDER_BUNDLE)]
+                done = tessera(*arguments, bad, good)
+                self.assertRefused(done, bad + ": error: a parser threw when it was asked about a marker: not again; "
+                                   "leave out bundles, or report it", output_of(*arguments, good), status=3)
+
     def test_a_message_follows_the_output_of_the_files_before_it(self):
         good, bad = self.write("good", b"x\n"), str(self.folder / "none")
         done = subprocess.run([PROGRAM, "parse", good, bad, good], stdout=subprocess.PIPE,

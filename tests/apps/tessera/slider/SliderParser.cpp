@@ -8,10 +8,12 @@
 namespace tests {
 
 /// An extension that records a failure for a slider whose minimum is not a number, and throws for
-/// one with the id "stuck".
+/// one with the id "stuck". For one with the id "fickle" it throws when it is asked again after it
+/// has parsed it.
 class SliderParser : public quenlith::build::markup::code::CodeElementParser {
  public:
   bool canParse(const quenlith::syntax::Marker& marker) override {
+    if (marker.idView() == u"fickle" && hasParsedFickle) throw std::runtime_error("not again");
     return marker.elementView() == u"control" && marker.typeView() == u"slider";
   }
 
@@ -19,6 +21,7 @@ class SliderParser : public quenlith::build::markup::code::CodeElementParser {
                                const quenlith::build::markup::code::CodeElement& element) override {
     using document::kdzero::PlainTextNode;
     const quenlith::syntax::Marker& marker = element.marker.value();
+    hasParsedFickle |= marker.idView() == u"fickle";
     if (marker.idView() == u"stuck") throw std::runtime_error("the slider is stuck");
     PlainTextNode node = PlainTextNode::Builder(model).createPlainTextNode(boost::uuids::uuid{});
     node->setText(element.text);
@@ -32,6 +35,9 @@ class SliderParser : public quenlith::build::markup::code::CodeElementParser {
     }
     return node;
   }
+
+ private:
+  bool hasParsedFickle = false;
 };
 
 }  // namespace tests
