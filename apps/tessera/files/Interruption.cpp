@@ -45,6 +45,7 @@ extern "C" void doNothing(int /*signal*/) {}
 void setUpSignals() noexcept {
   // Not SIG_IGN: a browser that is started would inherit that.
   ::signal(SIGXFSZ, doNothing);
+  ::signal(SIGCHLD, SIG_DFL);
 }
 
 void endOnInterruption() noexcept {

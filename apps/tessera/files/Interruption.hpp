@@ -6,7 +6,8 @@
 
 namespace tessera::files {
 
-/// From now on, to write more to a file than the process may is an error and does not end it.
+/// From now on, to write more to a file than the process may is an error and does not end it, and
+/// how a worker ended can be asked, whatever the caller of the program has set.
 void setUpSignals() noexcept;
 
 /// From now on, a signal to end (SIGINT, SIGTERM or SIGHUP from the user or the system, SIGPIPE

@@ -18,6 +18,7 @@ SharedSlots::SharedSlots(std::size_t workerCount)
     : count(std::clamp(kSlotsOfAllWorkers / workerCount, kFewestSlots, kMostSlots)), free(count) {
   map();
   shared->begun = 0;
+  shared->beganAt = 0;
   ::sem_init(&shared->freed, 1, 0);
   free.resize(count);
   // The last one is taken first.
@@ -41,6 +42,12 @@ void SharedSlots::map() {
 SharedSlots::~SharedSlots() {
   ::sem_destroy(&shared->freed);
   ::munmap(shared, mappedBytes());
+}
+
+void SharedSlots::beginInput() noexcept {
+  shared->progress.begin();
+  shared->beganAt = Clock::now().time_since_epoch().count();
+  ++shared->begun;
 }
 
 bool SharedSlots::haveFree() noexcept {

@@ -3,6 +3,7 @@
 #include <semaphore.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -20,6 +21,8 @@ namespace tessera::workers {
 /// which stay in the cache.
 class SharedSlots {
  public:
+  using Clock = std::chrono::steady_clock;
+
   static constexpr std::size_t kSlotBytes = 256 * 1024;
   static constexpr std::size_t kFewestSlots = 32;
 
@@ -47,8 +50,14 @@ class SharedSlots {
   /// How far the worker is with its current input.
   progress::InputProgress& progress() noexcept { return shared->progress; }
 
-  /// How many inputs the worker has begun.
-  std::atomic<std::uint64_t>& begun() noexcept { return shared->begun; }
+  /// In the worker: notes that it begins an input.
+  void beginInput() noexcept;
+
+  /// How many inputs the worker has begun, and when it began the last one.
+  std::uint64_t begun() const noexcept { return shared->begun; }
+  Clock::time_point beganAt() const noexcept {
+    return Clock::time_point(Clock::duration(shared->beganAt));
+  }
 
  private:
   static constexpr std::size_t kMostSlots = 256;
@@ -57,6 +66,8 @@ class SharedSlots {
   struct alignas(64) Shared {
     progress::InputProgress progress;
     std::atomic<std::uint64_t> begun;
+    // All processes have the same clock.
+    std::atomic<Clock::rep> beganAt;
     // How many of the freed slots the worker has not taken, and a ring of their numbers.
     sem_t freed;
     std::uint16_t freedSlots[kMostSlots];

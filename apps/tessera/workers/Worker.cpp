@@ -15,6 +15,7 @@
 #include <system_error>
 #include <utility>
 
+#include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/Interruption.hpp"
 #include "tessera/workers/runWorker.hpp"
 
@@ -24,12 +25,20 @@ namespace {
 /// How long a worker may take to stop its bundles.
 constexpr std::chrono::seconds kStopPatience{10};
 
+[[noreturn]] void failStart(int error) {
+  throw diagnostics::ProblemError(
+      {.file = "tessera",
+       .place = {},
+       .what = "a worker process cannot be started: " + std::generic_category().message(error),
+       .remedy = "run fewer workers (-j)"});
+}
+
 /// The ends of a channel, closed unless they are taken.
 struct Channel {
   Channel() {
     // Not a pipe: a send to a process that has ended must not raise a signal.
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-      throw std::system_error(errno, std::generic_category(), "no channel to a worker");
+      failStart(errno);
     }
   }
   ~Channel() {
@@ -101,7 +110,7 @@ bool Worker::start() {
   const files::HeldInterruptions held;
   process = ::fork();
   if (process < 0) {
-    throw std::system_error(errno, std::generic_category(), "a worker cannot be started");
+    failStart(errno);
   }
   if (process == 0) {
     settle(parent);
@@ -232,11 +241,16 @@ void Worker::releaseSlot(const Frame& frame) noexcept {
 }
 
 void Worker::excuse(Clock::duration time) noexcept {
-  since = std::min(since + time, Clock::now());
+  since = std::min(lastBegin() + time, Clock::now());
+}
+
+/// Returns when the time of the current input began. The end of the one before may not have come.
+Worker::Clock::time_point Worker::lastBegin() const noexcept {
+  return std::max(since, slots.beganAt());
 }
 
 Worker::Clock::time_point Worker::deadline(std::chrono::milliseconds timeout) const noexcept {
-  return unfinished() == 0 || !ready ? Clock::time_point::max() : since + timeout;
+  return unfinished() == 0 || !ready ? Clock::time_point::max() : lastBegin() + timeout;
 }
 
 void Worker::endIfLate(std::chrono::milliseconds timeout) {

@@ -32,7 +32,7 @@ class Worker {
   Worker& operator=(const Worker&) = delete;
 
   /// Starts the process. Returns false in the process itself, which is to call `work` and to exit.
-  /// Throws std::system_error.
+  /// Throws ProblemError.
   bool start();
 
   /// In the process itself: makes a job and does it until there are no more inputs.
@@ -94,6 +94,7 @@ class Worker {
   void end();
   std::deque<std::size_t> loseInput();
   void dropUnfinishedText() noexcept;
+  Clock::time_point lastBegin() const noexcept;
   void releaseSlot(const Frame& frame) noexcept;
 
   SharedSlots slots;

@@ -42,7 +42,7 @@ class WorkerPool {
   WorkerPool(const PoolSettings& settings, MakeJob makeJob, Collector& collector);
 
   /// Works on the inputs numbered from 0 up to, but not including, `count`. Throws WorkerUnusable,
-  /// what the collector throws, and std::system_error.
+  /// ProblemError, what the collector throws, and std::system_error.
   void run(std::size_t count);
 
  private:

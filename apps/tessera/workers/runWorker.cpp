@@ -35,8 +35,7 @@ class FrameSender {
 
   void sendEnd(Outcome outcome) {
     add({.kind = Frame::Kind::kEnd, .outcome = outcome});
-    // The parent may assume that an input of which it has a part, but not the end, is not done. It
-    // measures times from one end to the next.
+    // The parent may assume that an input of which it has a part, but not the end, is not done.
     if (isPartSent || Clock::now() - lastTime > kLongestDelay) flush();
     isPartSent = false;
   }
@@ -153,8 +152,7 @@ void runWorker(const MakeJob& makeJob, SharedSlots& slots, int socket) {
     frames.send({.kind = Frame::Kind::kReady});
     CommandReader commands(socket, frames);
     for (auto index = commands.next(); index != kNoMoreInputs; index = commands.next()) {
-      slots.progress().begin();
-      ++slots.begun();
+      slots.beginInput();
       const Outcome outcome = job->run(index);
       output.flush();
       frames.sendEnd(outcome);

@@ -1,25 +1,22 @@
 #include "tessera/workers/WorkerPool.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
-#include <atomic>
-#include <chrono>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
-#include <new>
 #include <string>
 #include <string_view>
-#include <thread>
-#include <utility>
 
+#include "apps/tessera/workers/SharedNumber.hpp"
 #include "tessera/workers/Collector.hpp"
 #include "tessera/workers/SharedSlots.hpp"
 
 namespace {
 
+using tessera::tests::SharedNumber;
 using tessera::workers::Collector;
 using tessera::workers::Job;
 using tessera::workers::JobContext;
@@ -28,32 +25,6 @@ using tessera::workers::Outcome;
 using tessera::workers::SharedSlots;
 using tessera::workers::WorkerPool;
 using tessera::workers::WorkerUnusable;
-
-/// A number that the test and its workers share.
-class SharedNumber {
- public:
-  SharedNumber()
-      : memory(::mmap(nullptr, sizeof(Number), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
-                      -1, 0)),
-        number(*new (memory) Number(0)) {}
-  ~SharedNumber() { ::munmap(memory, sizeof(Number)); }
-  SharedNumber(const SharedNumber&) = delete;
-  SharedNumber& operator=(const SharedNumber&) = delete;
-
-  std::atomic<int>& operator*() const noexcept { return number; }
-  /// Waits until it is not 0, but not forever.
-  void await() const {
-    for (int i = 0; i < 6000 && number == 0; ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-  }
-
- private:
-  using Number = std::atomic<int>;
-
-  void* memory;
-  Number& number;
-};
 
 using Work = std::function<void(const JobContext& context, std::size_t index)>;
 
@@ -126,7 +97,7 @@ std::string runWithLostStarts(int lostStarts) {
   WorkerPool pool(
       {.workers = 1},
       [&](const JobContext& context) {
-        const int number = (*started)++;
+        const std::int64_t number = (*started)++;
         if (number > 0 && number <= lostStarts) ::raise(SIGKILL);
         return std::make_unique<LetterJob>(context, work);
       },
