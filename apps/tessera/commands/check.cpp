@@ -38,6 +38,7 @@ run::RecordRules recordRules(FailOn failOn, int& status) {
     if (isFound) status = kFailuresFound;
   };
   return {.head = &formats::recordHead,
+          .contents = {",\"diagnostics\":"},
           .hasErrorRecords = false,
           .dependsOnOthers = lacksMarker,
           .note = note};

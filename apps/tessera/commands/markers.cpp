@@ -56,8 +56,11 @@ int markers(const MarkersOptions& options) {
   requireRecords(options);
   std::vector<inputs::Input> files = run::listFiles(options.run);
   files::endOnInterruption();
-  const run::RecordRules rules{
-      .head = &formats::recordHead, .hasErrorRecords = false, .dependsOnOthers = {}, .note = {}};
+  const run::RecordRules rules{.head = &formats::recordHead,
+                               .contents = {",\"markers\":"},
+                               .hasErrorRecords = false,
+                               .dependsOnOthers = {},
+                               .note = {}};
   run::FileRun run(options.run, std::move(files),
                    options.format == MarkersFormat::kJson ? &rules : nullptr);
   run::TextCollector collector(run.inputs(), run.output(),

@@ -69,7 +69,9 @@ void requireReplaceable(const ParseOptions& options) {
 /// Says that all records of an earlier run are kept, and notes whether one is of an input that
 /// could not be parsed.
 run::RecordRules recordRules(bool& hasErrors) {
+  // Empty members may be left out.
   return {.head = &formats::recordHead,
+          .contents = {",\"nodes\":", ",\"lines\":", formats::kErrorRecordMark, "}"},
           .hasErrorRecords = true,
           .dependsOnOthers = {},
           .note = [&hasErrors](std::string_view content) {

@@ -31,6 +31,8 @@ void writeRecordHead(Writer& json, std::string_view file) {
   json.key("schemaVersion");
   json.number(std::uint64_t{1});
   json.key("file");
+  // A record has it also where empty members are omitted.
+  if (file.empty()) return json.raw(R"("")");
   json.text(file);
   if (isUtf8(file)) return;
   json.key("fileBytes");

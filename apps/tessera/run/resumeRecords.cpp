@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <iterator>
 #include <utility>
@@ -53,7 +54,9 @@ class RecordMatcher {
   std::optional<std::string_view> match(std::string_view record) {
     for (found = next; found < inputs.size(); ++found) {
       const std::string head = rules.head(inputs[found].path);
-      if (record.starts_with(head + ',') || record == head + '}') return record.substr(head.size());
+      if (record.starts_with(head) && hasContent(record.substr(head.size()))) {
+        return record.substr(head.size());
+      }
       if (rules.hasErrorRecords) break;
     }
     return std::nullopt;
@@ -83,6 +86,12 @@ class RecordMatcher {
   const std::vector<std::size_t>& missing() const noexcept { return withoutRecord; }
 
  private:
+  bool hasContent(std::string_view afterHead) const {
+    return std::ranges::any_of(rules.contents, [afterHead](std::string_view begin) {
+      return afterHead.starts_with(begin);
+    });
+  }
+
   const std::string& name;
   const std::vector<Input>& inputs;
   const RecordRules& rules;

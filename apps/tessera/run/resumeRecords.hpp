@@ -16,6 +16,8 @@ namespace tessera::run {
 struct RecordRules {
   /// Returns how the record of a file begins, up to a member that all records have.
   std::function<std::string(const std::string& path)> head;
+  /// How a record goes on after its head: with one of these. Those of other commands do not.
+  std::vector<std::string_view> contents;
   /// Whether an input without a record of its content has a record that says why.
   bool hasErrorRecords = true;
   /// Returns whether a record of an interrupted run depends on other files: it and the records

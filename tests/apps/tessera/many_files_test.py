@@ -396,6 +396,19 @@ class Workers(ManyFiles):
                 self.assertEqual(done.returncode, 3)
                 self.assertIn(b"huge: error: there is not enough memory", done.stderr)
 
+    def test_workers_that_cannot_be_started_are_too_many(self):
+        self.write_sources(40)
+        limit = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (32, 32))
+        message = self.parse("t", "-j", "32", status=2, preexec_fn=limit).stderr
+        self.assertEqual(message, b"tessera: error: a worker process cannot be started: Too many open files; "
+                         b"run fewer workers (-j)\n")
+
+    def test_what_ended_a_worker_is_told_though_the_caller_ignores_the_ends_of_its_processes(self):
+        self.write("a", b"# %<@text:anchor#segv>\n")
+        [record] = records(self.parse("a", "-j", "2", "--bundle", FAULTY, status=3,
+                                      preexec_fn=lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN)).stdout)
+        self.assertIn("signal 11", record["error"]["message"])
+
     def test_a_bundle_that_ends_the_process_when_it_starts_is_unusable(self):
         self.write_sources(3)
         environment = dict(os.environ, TESSERA_TEST_FAULT="abort")
@@ -1162,6 +1175,33 @@ class Resume(ManyFiles):
             done = self.parse("t", "-o", "out", "--resume", status=2)
             self.assertIn(b"out.partial: error: record ", done.stderr)
             self.assertEqual((self.folder / "out.partial").read_bytes(), kept)
+
+    def test_records_of_another_command_are_refused(self):
+        self.write("a", b"# <@text:anchr>\n")
+        commands = (["parse", "--format", "ndjson"], ["parse", "--format", "ndjson", "--omit-empty"],
+                    ["check", "--format", "json"], ["markers", "--format", "json"])
+        for written in commands:
+            kept = tessera(*written, "a", cwd=self.folder).stdout
+            for resumed in commands:
+                self.write("out.partial", kept)
+                done = tessera(*resumed, "a", "-o", "out", "--resume", cwd=self.folder)
+                if resumed[0] == written[0]:
+                    self.assertEqual((self.folder / "out").read_bytes(), kept)
+                    os.unlink(self.folder / "out")
+                    continue
+                self.assertEqual(done.returncode, 2)
+                self.assertIn(b"out.partial: error: record 1 does not belong to input \"a\"", done.stderr)
+                self.assertEqual((self.folder / "out.partial").read_bytes(), kept)
+
+    def test_an_input_without_a_name_is_kept_too(self):
+        self.write("a")
+        for options in ([], ["--omit-empty"]):
+            whole = self.parse("a", "", "a", *options, status=3).stdout
+            self.assertEqual([record["file"] for record in records(whole)], ["a", "", "a"])
+            self.write("out.partial", b"".join(whole.splitlines(keepends=True)[:2]))
+            self.parse("a", "", "a", *options, "-o", "out", "--resume", status=3)
+            self.assertEqual((self.folder / "out").read_bytes(), whole)
+            os.unlink(self.folder / "out")
 
     def test_it_is_for_records_in_a_file(self):
         self.write("a")
