@@ -219,6 +219,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
   BundleContext(const std::shared_ptr<detail::BundlePrivate>& bundle, std::uint64_t generation)
       : d(bundle), generation(generation) {}
   detail::BundlePrivate& valid() const;
+  InterfaceMapConstPtr acquire(const ServiceReferenceBase& reference) const;
 
   // `equal` says whether two listeners are the same one; null compares as the public form says.
   template <class Function>

@@ -17,7 +17,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceException : public std::runtime_er
     FACTORY_ERROR = 2,      ///< A service factory made an object that cannot be used.
     FACTORY_EXCEPTION = 3,  ///< A service factory threw the nested exception.
     REMOTE = 5,
-    FACTORY_RECURSION = 6  ///< A service factory asked for the service that it was making.
+    FACTORY_RECURSION = 6  ///< A service factory asked for its own service.
   };
 
   ServiceException(const std::string& message, const Type& type = UNSPECIFIED);

@@ -41,7 +41,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceReferenceBase {
   std::vector<Bundle> GetUsingBundles() const;
 
   /// Returns the interface of the reference; empty when it is for all of them.
-  std::string GetInterfaceId() const { return interfaceId ? *interfaceId : ""; }
+  std::string GetInterfaceId() const { return record && interfaceId ? *interfaceId : ""; }
 
   /// Says whether the service was registered under `interfaceId`.
   bool IsConvertibleTo(const std::string& interfaceId) const;

@@ -14,12 +14,13 @@ namespace {
 
 using detail::ServiceRecord;
 
-InterfaceMapConstPtr acquire(const std::shared_ptr<detail::BundlePrivate>& user,
-                             const ServiceReferenceBase& reference) {
+void requireRegistered(const detail::BundlePrivate& user, const ServiceReferenceBase& reference) {
   if (!reference) {
     throw std::invalid_argument("the reference names no service that is registered");
   }
-  return ServiceRecord::of(reference)->acquire(user);
+  if (!ServiceRecord::of(reference)->isIn(user.core->services)) {
+    throw std::invalid_argument("the reference names a service of another framework");
+  }
 }
 
 void requireObjects(const InterfaceMapConstPtr& service) {
@@ -76,7 +77,7 @@ ServiceRegistrationU BundleContext::RegisterService(const InterfaceMapConstPtr& 
                                                     const ServiceProperties& properties) {
   detail::FrameworkCore& core = *valid().core;
   requireObjects(service);
-  return core.services.registerService(d, service, properties)->registration();
+  return core.services.registerService(d, generation, service, properties)->registration();
 }
 
 std::vector<ServiceReferenceU> BundleContext::GetServiceReferences(const std::string& interfaceId,
@@ -93,28 +94,31 @@ ServiceReferenceU BundleContext::GetServiceReference(const std::string& interfac
 }
 
 std::shared_ptr<void> BundleContext::GetService(const ServiceReferenceBase& reference) {
-  valid();
-  const InterfaceMapConstPtr service = acquire(d, reference);
+  const InterfaceMapConstPtr service = acquire(reference);
   void* const object = ExtractInterface(service, reference.GetInterfaceId()).get();
   return object == nullptr ? nullptr : std::shared_ptr<void>(service, object);
 }
 
 InterfaceMapConstPtr BundleContext::GetService(const ServiceReferenceU& reference) {
-  valid();
-  return acquire(d, reference);
+  return acquire(reference);
+}
+
+InterfaceMapConstPtr BundleContext::acquire(const ServiceReferenceBase& reference) const {
+  requireRegistered(valid(), reference);
+  return ServiceRecord::of(reference)->acquire(d, generation);
 }
 
 ListenerToken BundleContext::AddServiceListener(const ServiceListener& listener,
                                                 const std::string& filter) {
-  return valid().core->listeners.add(d, listener, filter);
+  return valid().core->listeners.add(d, generation, listener, filter);
 }
 
 ListenerToken BundleContext::AddBundleListener(const BundleListener& listener) {
-  return valid().core->listeners.add(d, listener);
+  return valid().core->listeners.add(d, generation, listener);
 }
 
 ListenerToken BundleContext::AddFrameworkListener(const FrameworkListener& listener) {
-  return valid().core->listeners.add(d, listener);
+  return valid().core->listeners.add(d, generation, listener);
 }
 
 void BundleContext::removeListener(const ServiceListener& listener, Equal<ServiceListener> equal) {
@@ -145,8 +149,7 @@ void detail::sendFrameworkEvent(const BundleContext& context, const FrameworkEve
 detail::ServiceObjectsBase::ServiceObjectsBase(const BundleContext& bundleContext,
                                                const ServiceReferenceBase& service)
     : reference(service), context(std::make_unique<BundleContext>(bundleContext)) {
-  BundlePrivate::of(*context);
-  if (!reference) throw std::invalid_argument("the service reference is invalid");
+  requireRegistered(BundlePrivate::of(*context), reference);
 }
 
 detail::ServiceObjectsBase::ServiceObjectsBase(ServiceObjectsBase&&) noexcept = default;
@@ -163,7 +166,9 @@ std::shared_ptr<void> detail::ServiceObjectsBase::object() const {
 InterfaceMapConstPtr detail::ServiceObjectsBase::interfaceMap() const {
   BundlePrivate& user = BundlePrivate::of(*context);
   // Not BundleContext::GetService, which throws when the service is unregistered after this test.
-  return reference ? ServiceRecord::of(reference)->acquire(user.shared_from_this()) : nullptr;
+  return reference ? ServiceRecord::of(reference)->acquire(user.shared_from_this(),
+                                                           BundlePrivate::generationOf(*context))
+                   : nullptr;
 }
 
 }  // namespace cppmicroservices

@@ -49,8 +49,8 @@ void BundlePrivate::requireInstalled() const {
   }
 }
 
-void BundlePrivate::requireOpen() const {
-  if (closing) throwInvalidContext();
+void BundlePrivate::requireOpen(std::uint64_t contextGeneration) const {
+  if (closing || !isCurrent(contextGeneration)) throwInvalidContext();
 }
 
 BundlePrivate::Transition::Transition(BundlePrivate& target) : target(target) {

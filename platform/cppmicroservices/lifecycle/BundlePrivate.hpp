@@ -44,6 +44,7 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
   virtual void uninstall() = 0;
 
   static BundlePrivate& of(const BundleContext& context) { return context.valid(); }
+  static std::uint64_t generationOf(const BundleContext& context) { return context.generation; }
 
   Bundle bundle() override;
 
@@ -63,7 +64,7 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
   /// Throws `std::logic_error` when the bundle was uninstalled.
   void requireInstalled() const;
 
-  void requireOpen() const override;
+  void requireOpen(std::uint64_t contextGeneration) const override;
 
   /// Says whether this thread is starting, stopping or uninstalling the bundle.
   bool isInTransitionOfThisThread();

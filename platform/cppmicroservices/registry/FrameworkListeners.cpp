@@ -17,6 +17,9 @@ namespace cppmicroservices::detail {
 
 namespace {
 
+// Shared by all frameworks, so that none knows the token of another one.
+std::atomic<ListenerTokenId> lastTokenId = 0;
+
 // Says whether a listener with `filter` is told. Without the memory to find out it is: it can look
 // for itself, but never learns of an event that it was not sent.
 bool matches(const LDAPFilter& filter, const AnyMap& properties) noexcept {
@@ -41,21 +44,23 @@ bool sameFunction(const std::function<void(const Event&)>& left,
 
 template <class Function>
 ListenerToken FrameworkListeners::addTo(SharedList<Function>& list, const Owner& owner,
-                                        const Function& function, const LDAPFilter& filter) {
-  // Destroyed after the lock: the destructors of listeners may call anything.
-  SharedList<Function> before;
-  const std::lock_guard lock(mutex);
-  // Under the lock, so that a bundle that stops finds every listener it has added.
-  owner->requireOpen();
-  auto longer = withoutRemoved<Function>(list, 1);
-  auto listener = std::make_shared<Listener<Function>>();
-  listener->id = ++lastId;
+                                        std::uint64_t generation, const Function& function,
+                                        const LDAPFilter& filter) {
+  // Made before the lock and destroyed after it: copying and destroying a listener may call
+  // anything.
+  const auto listener = std::make_shared<Listener<Function>>();
+  listener->id = ++lastTokenId;
   listener->owner = owner;
   listener->function = function;
   listener->filter = filter;
-  longer->push_back(std::move(listener));
+  SharedList<Function> before;
+  const std::lock_guard lock(mutex);
+  // Under the lock, so that a bundle that stops finds every listener it has added.
+  owner->requireOpen(generation);
+  auto longer = withoutRemoved<Function>(list, 1);
+  longer->push_back(listener);
   before = std::exchange(list, std::move(longer));
-  return ListenerToken(lastId);
+  return ListenerToken(listener->id);
 }
 
 template <class Function>
@@ -88,9 +93,10 @@ void FrameworkListeners::removeFrom(SharedList<Function>& list,
 template <class Condition>
 void FrameworkListeners::removeIf(const Condition& condition) noexcept {
   // Keeps the functions until the lock is released: their destructors may call anything.
-  const auto before =
-      std::tuple(current(serviceListeners), current(bundleListeners), current(frameworkListeners));
+  std::tuple<SharedList<ServiceListener>, SharedList<BundleListener>, SharedList<FrameworkListener>>
+      before;
   const std::lock_guard lock(mutex);
+  before = std::tie(serviceListeners, bundleListeners, frameworkListeners);
   removeFrom(serviceListeners, condition);
   removeFrom(bundleListeners, condition);
   removeFrom(frameworkListeners, condition);
@@ -119,18 +125,20 @@ void FrameworkListeners::callAll(const SharedList<Function>& list, const Event& 
   for (const auto& listener : *list) call(*listener, event);
 }
 
-ListenerToken FrameworkListeners::add(const Owner& owner, const ServiceListener& listener,
-                                      const std::string& filter) {
-  return addTo(serviceListeners, owner, listener,
+ListenerToken FrameworkListeners::add(const Owner& owner, std::uint64_t generation,
+                                      const ServiceListener& listener, const std::string& filter) {
+  return addTo(serviceListeners, owner, generation, listener,
                filter.empty() ? LDAPFilter() : LDAPFilter(filter));
 }
 
-ListenerToken FrameworkListeners::add(const Owner& owner, const BundleListener& listener) {
-  return addTo(bundleListeners, owner, listener, LDAPFilter());
+ListenerToken FrameworkListeners::add(const Owner& owner, std::uint64_t generation,
+                                      const BundleListener& listener) {
+  return addTo(bundleListeners, owner, generation, listener, LDAPFilter());
 }
 
-ListenerToken FrameworkListeners::add(const Owner& owner, const FrameworkListener& listener) {
-  return addTo(frameworkListeners, owner, listener, LDAPFilter());
+ListenerToken FrameworkListeners::add(const Owner& owner, std::uint64_t generation,
+                                      const FrameworkListener& listener) {
+  return addTo(frameworkListeners, owner, generation, listener, LDAPFilter());
 }
 
 void FrameworkListeners::remove(const ListenerToken& token) noexcept {
@@ -189,11 +197,13 @@ void FrameworkListeners::send(const FrameworkEvent& event) noexcept {
 void FrameworkListeners::send(const ServiceEvent& event, const AnyMap* before) noexcept {
   const auto listeners = current(serviceListeners);
   if (!listeners) return;
-  const auto properties = ServiceRecord::of(event.GetServiceReference())->properties();
+  const auto record = ServiceRecord::of(event.GetServiceReference());
+  const auto properties = record->properties();
   const ServiceEvent endMatch(ServiceEvent::SERVICE_MODIFIED_ENDMATCH, event.GetServiceReference());
+  const bool tellsOfTheEnd = event.GetType() == ServiceEvent::SERVICE_UNREGISTERING;
   for (const auto& listener : *listeners) {
     if (matches(listener->filter, *properties)) {
-      call(*listener, event);
+      if (tellsOfTheEnd || !record->isGoing()) call(*listener, event);
     } else if (before != nullptr && matches(listener->filter, *before)) {
       call(*listener, endMatch);
     }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <mutex>
@@ -20,18 +21,22 @@ namespace cppmicroservices::detail {
 
 class ServiceClient;
 
-/// The listeners of a framework. They are called in the sending thread with no lock held, and not
-/// after they were removed. An exception of a listener becomes an error event for the framework
-/// listeners; exceptions of framework listeners are dropped.
+/// The listeners of a framework. They are called in the sending thread with no lock held. An event
+/// that is sent after a listener was removed does not reach it; a thread that was sending one then
+/// may still call it, since a removal that waited could wait for itself. An exception of a listener
+/// becomes an error event for the framework listeners; exceptions of framework listeners are
+/// dropped.
 class FrameworkListeners {
  public:
   using Owner = std::shared_ptr<ServiceClient>;
 
-  /// Adds a listener of `owner`. Throws `IllegalStateException` when that bundle stops, and
-  /// `std::invalid_argument` when `filter` cannot be parsed.
-  ListenerToken add(const Owner& owner, const ServiceListener& listener, const std::string& filter);
-  ListenerToken add(const Owner& owner, const BundleListener& listener);
-  ListenerToken add(const Owner& owner, const FrameworkListener& listener);
+  /// Adds a listener of `owner` in its start `generation`. Throws `IllegalStateException` when that
+  /// start ends or has ended, and `std::invalid_argument` when `filter` cannot be parsed.
+  ListenerToken add(const Owner& owner, std::uint64_t generation, const ServiceListener& listener,
+                    const std::string& filter);
+  ListenerToken add(const Owner& owner, std::uint64_t generation, const BundleListener& listener);
+  ListenerToken add(const Owner& owner, std::uint64_t generation,
+                    const FrameworkListener& listener);
 
   void remove(const ListenerToken& token) noexcept;
 
@@ -52,7 +57,8 @@ class FrameworkListeners {
   void send(const FrameworkEvent& event) noexcept;
 
   /// Sends to the listeners whose filter matches the properties of the service. After a change
-  /// of properties, `before` are the previous ones.
+  /// of properties, `before` are the previous ones. Does not tell of a registration or a change
+  /// when the service has begun to go: the listener may have been told of that already.
   void send(const ServiceEvent& event, const AnyMap* before = nullptr) noexcept;
 
   /// Sends an error of `source` to the framework listeners. The report is lost when memory runs
@@ -80,8 +86,8 @@ class FrameworkListeners {
   using SharedList = std::shared_ptr<const List<Function>>;
 
   template <class Function>
-  ListenerToken addTo(SharedList<Function>& list, const Owner& owner, const Function& function,
-                      const LDAPFilter& filter);
+  ListenerToken addTo(SharedList<Function>& list, const Owner& owner, std::uint64_t generation,
+                      const Function& function, const LDAPFilter& filter);
   template <class Function>
   static std::shared_ptr<List<Function>> withoutRemoved(const SharedList<Function>& list,
                                                         std::size_t freePlaces);
@@ -102,7 +108,6 @@ class FrameworkListeners {
   void callAll(const SharedList<Function>& list, const Event& event) noexcept;
 
   mutable std::mutex mutex;
-  ListenerTokenId lastId = 0;
   SharedList<ServiceListener> serviceListeners;
   SharedList<BundleListener> bundleListeners;
   SharedList<FrameworkListener> frameworkListeners;

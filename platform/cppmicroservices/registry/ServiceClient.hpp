@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "cppmicroservices/Bundle.h"
 
 namespace cppmicroservices::detail {
@@ -12,9 +14,10 @@ class ServiceClient {
   /// Returns the public handle of the bundle.
   virtual Bundle bundle() = 0;
 
-  /// Throws `IllegalStateException` when the bundle is at the end of its stop, where it must not
-  /// register, get or listen to anything more.
-  virtual void requireOpen() const = 0;
+  /// Throws `IllegalStateException` unless the bundle is in its start `generation`, and not at the
+  /// end of its stop, where it must not register, get or listen to anything more. A context has
+  /// the generation of the start that it belongs to.
+  virtual void requireOpen(std::uint64_t generation) const = 0;
 };
 
 }  // namespace cppmicroservices::detail

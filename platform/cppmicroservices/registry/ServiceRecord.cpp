@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 #include "cppmicroservices/Constants.h"
@@ -123,10 +124,11 @@ std::shared_ptr<const AnyMap> ServiceRecord::withFrameworkProperties(
   return std::make_shared<const AnyMap>(std::move(all));
 }
 
-void ServiceRecord::publish(std::shared_ptr<const AnyMap> newProperties) noexcept {
+std::shared_ptr<const AnyMap> ServiceRecord::publish(
+    std::shared_ptr<const AnyMap> newProperties) noexcept {
   ranking = rankingOf(*newProperties).value_or(0);
   const std::lock_guard lock(mutex);
-  currentProperties.swap(newProperties);
+  return std::exchange(currentProperties, std::move(newProperties));
 }
 
 void ServiceRecord::warnOfUnusableRanking() noexcept {
@@ -152,31 +154,31 @@ std::shared_ptr<const AnyMap> ServiceRecord::properties() const {
 
 void ServiceRecord::setProperties(const ServiceProperties& given) {
   auto all = withFrameworkProperties(given);
-  const auto before = properties();
-  registry.update(shared_from_this(), std::move(all));
+  const auto before = registry.update(shared_from_this(), std::move(all));
+  if (!before) throw std::logic_error("the service is being unregistered");
   warnOfUnusableRanking();
   registry.listeners.send(ServiceEvent(ServiceEvent::SERVICE_MODIFIED, reference()), before.get());
 }
 
-InterfaceMapConstPtr ServiceRecord::acquire(const std::shared_ptr<ServiceClient>& user) {
+InterfaceMapConstPtr ServiceRecord::acquire(const std::shared_ptr<ServiceClient>& user,
+                                            std::uint64_t generation) {
   std::unique_lock lock(mutex);
-  made.wait(lock, [&] { return !isMadeElsewhere(*user); });
+  leftFactory.wait(lock, [&] { return !isInFactoryElsewhere(*user); });
   // Under the lock, so that a bundle that stops finds every service it uses.
-  user->requireOpen();
+  user->requireOpen(generation);
   if (state == State::kUnregistered) return nullptr;
   const auto entry = uses.find(user.get());
   if (entry == uses.end()) return startUse(user, lock);
-  if (entry->second->maker == std::thread::id()) return hold(entry->second);
+  if (entry->second->caller == std::thread::id()) return hold(entry->second);
   lock.unlock();
-  report("a service factory asked for the service that it was making",
-         ServiceException::FACTORY_RECURSION);
+  report("a service factory asked for its own service", ServiceException::FACTORY_RECURSION);
   return nullptr;
 }
 
-bool ServiceRecord::isMadeElsewhere(const ServiceClient& user) const {
+bool ServiceRecord::isInFactoryElsewhere(const ServiceClient& user) const {
   const auto entry = uses.find(&user);
-  return entry != uses.end() && entry->second->maker != std::thread::id() &&
-         entry->second->maker != std::this_thread::get_id();
+  return entry != uses.end() && entry->second->caller != std::thread::id() &&
+         entry->second->caller != std::this_thread::get_id();
 }
 
 bool ServiceRecord::isCurrent(const Use& use) const {
@@ -192,7 +194,7 @@ InterfaceMapConstPtr ServiceRecord::startUse(const std::shared_ptr<ServiceClient
   // From here on nothing can fail but the factory.
   holder->use = use;
   if (!use->factory) return InterfaceMapConstPtr(std::move(holder), use->service.get());
-  use->maker = std::this_thread::get_id();
+  use->caller = std::this_thread::get_id();
   lock.unlock();
   return make(std::move(holder));
 }
@@ -201,8 +203,8 @@ InterfaceMapConstPtr ServiceRecord::make(std::shared_ptr<Hold> holder) {
   Use& use = *holder->use;
   InterfaceMapConstPtr service = callFactory(use);
   std::unique_lock lock(mutex);
-  use.maker = std::thread::id();
-  made.notify_all();
+  use.caller = std::thread::id();
+  leftFactory.notify_all();
   use.service = service;
   const bool isWanted = isCurrent(use);
   if (isWanted && !service) uses.erase(use.user.get());
@@ -218,6 +220,7 @@ InterfaceMapConstPtr ServiceRecord::callFactory(const Use& use) noexcept {
   try {
     service = use.factory->GetService(use.user->bundle(), registration());
     if (isComplete(service)) return service;
+    // A factory need not make objects any more while its service goes.
     if (!isGoing()) {
       report("a service factory made no object for an interface of its service",
              ServiceException::FACTORY_ERROR);
@@ -232,12 +235,6 @@ bool ServiceRecord::isComplete(const InterfaceMapConstPtr& service) const {
   return service && std::all_of(interfaces.begin(), interfaces.end(), [&](const auto& interfaceId) {
            return ExtractInterface(service, interfaceId) != nullptr;
          });
-}
-
-// A factory need not make objects any more while its service goes.
-bool ServiceRecord::isGoing() const noexcept {
-  const std::lock_guard lock(mutex);
-  return state != State::kRegistered;
 }
 
 void ServiceRecord::report(const char* problem, ServiceException::Type type) noexcept {
@@ -266,12 +263,17 @@ InterfaceMapConstPtr ServiceRecord::hold(const UsePointer& use) {
 }
 
 void ServiceRecord::release(const UsePointer& use) noexcept {
-  {
-    const std::lock_guard lock(mutex);
-    if (--use->holdCount > 0 || !isCurrent(*use)) return;
-    uses.erase(use->user.get());
+  std::unique_lock lock(mutex);
+  if (--use->holdCount > 0 || !isCurrent(*use)) return;
+  if (use->factory) {
+    // The use stays in its place meanwhile, so that no other thread calls the factory for its user.
+    use->caller = std::this_thread::get_id();
+    lock.unlock();
+    returnToFactory(*use);
+    lock.lock();
+    leftFactory.notify_all();
   }
-  returnToFactory(*use);
+  if (isCurrent(*use)) uses.erase(use->user.get());
 }
 
 void ServiceRecord::returnToFactory(const Use& use) noexcept {
@@ -294,8 +296,8 @@ void ServiceRecord::releaseFrom(const ServiceClient& user) noexcept {
     const std::lock_guard lock(mutex);
     const auto entry = uses.find(&user);
     if (entry == uses.end()) return;
-    // The thread that makes the objects returns them itself.
-    if (entry->second->maker == std::thread::id()) use = entry->second;
+    // A thread that is in the factory for them returns the objects itself.
+    if (entry->second->caller == std::thread::id()) use = entry->second;
     uses.erase(entry);
   }
   if (use) returnToFactory(*use);
@@ -324,9 +326,9 @@ void ServiceRecord::dropObjects() noexcept {
     droppedObjects.swap(objects);
     droppedFactory.swap(factory);
     ended.swap(uses);
-    // A thread that makes objects returns them itself.
+    // A thread that is in the factory for them returns the objects itself.
     std::erase_if(ended,
-                  [](const auto& entry) { return entry.second->maker != std::thread::id(); });
+                  [](const auto& entry) { return entry.second->caller != std::thread::id(); });
   }
   for (const auto& [user, use] : ended) returnToFactory(*use);
 }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -48,15 +49,18 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
   std::shared_ptr<const AnyMap> properties() const;
 
   /// Replaces the properties that are not the framework's and tells the listeners. Throws like
-  /// the constructor; the properties are unchanged then.
+  /// the constructor, and `std::logic_error` when the service is being unregistered; the properties
+  /// are unchanged then.
   void setProperties(const ServiceProperties& given);
 
   /// Tells the framework listeners when the ranking is not a number that can be used.
   void warnOfUnusableRanking() noexcept;
 
-  /// Returns the objects of the service for `user`, which uses it until the last copy of the
-  /// pointer is destroyed; null when it was unregistered or its factory failed.
-  InterfaceMapConstPtr acquire(const std::shared_ptr<ServiceClient>& user);
+  /// Returns the objects of the service for `user` in its start `generation`, which uses it until
+  /// the last copy of the pointer is destroyed; null when it was unregistered or its factory
+  /// failed. Throws `IllegalStateException` when that start ends or has ended.
+  InterfaceMapConstPtr acquire(const std::shared_ptr<ServiceClient>& user,
+                               std::uint64_t generation);
 
   bool isUsedBy(const ServiceClient& user) const;
 
@@ -67,6 +71,12 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
   bool unregister() noexcept;
 
   bool isRegistered() const { return state != State::kUnregistered; }
+
+  /// Says whether the service is one of `other`, or was.
+  bool isIn(const ServiceRegistry& other) const { return &registry == &other; }
+
+  /// Says whether the service was unregistered, or is being so.
+  bool isGoing() const noexcept { return state != State::kRegistered; }
 
   /// Returns the bundles that use the service.
   std::vector<std::shared_ptr<ServiceClient>> users() const;
@@ -93,17 +103,17 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
     InterfaceMapConstPtr service;
     std::shared_ptr<ServiceFactory> factory;
     int holdCount = 0;
-    std::thread::id maker;  // the thread in which the factory makes the objects
+    std::thread::id caller;  // the thread in which the factory makes or takes back the objects
   };
   using UsePointer = std::shared_ptr<Use>;
   using Uses = std::map<const ServiceClient*, UsePointer>;
 
   std::shared_ptr<const AnyMap> withFrameworkProperties(const ServiceProperties& given) const;
-  void publish(std::shared_ptr<const AnyMap> newProperties) noexcept;
+  // Returns the properties that it replaces.
+  std::shared_ptr<const AnyMap> publish(std::shared_ptr<const AnyMap> newProperties) noexcept;
 
-  bool isMadeElsewhere(const ServiceClient& user) const;
+  bool isInFactoryElsewhere(const ServiceClient& user) const;
   bool isCurrent(const Use& use) const;
-  bool isGoing() const noexcept;
   InterfaceMapConstPtr startUse(const std::shared_ptr<ServiceClient>& user,
                                 std::unique_lock<std::mutex>& lock);
   InterfaceMapConstPtr make(std::shared_ptr<Hold> holder);
@@ -118,7 +128,7 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
 
   ServiceRegistry& registry;
   mutable std::mutex mutex;
-  std::condition_variable made;
+  std::condition_variable leftFactory;
   std::atomic<State> state = State::kRegistered;
   InterfaceMapConstPtr objects;
   std::shared_ptr<ServiceFactory> factory;

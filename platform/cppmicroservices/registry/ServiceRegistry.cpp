@@ -34,19 +34,19 @@ bool eraseFrom(Records& records, const ServiceRecord& record) noexcept {
 ServiceRegistry::ServiceRegistry(FrameworkListeners& listeners) : listeners(listeners) {}
 
 std::shared_ptr<ServiceRecord> ServiceRegistry::registerService(
-    const std::shared_ptr<ServiceClient>& bundle, const InterfaceMapConstPtr& service,
-    const ServiceProperties& properties) {
+    const std::shared_ptr<ServiceClient>& bundle, std::uint64_t generation,
+    const InterfaceMapConstPtr& service, const ServiceProperties& properties) {
   auto record = std::make_shared<ServiceRecord>(*this, bundle, service, properties, ++lastId);
-  add(record);
+  add(record, generation);
   record->warnOfUnusableRanking();
   listeners.send(ServiceEvent(ServiceEvent::SERVICE_REGISTERED, record->reference()));
   return record;
 }
 
-void ServiceRegistry::add(const std::shared_ptr<ServiceRecord>& record) {
+void ServiceRegistry::add(const std::shared_ptr<ServiceRecord>& record, std::uint64_t generation) {
   const std::lock_guard lock(mutex);
   // Under the lock, so that a bundle that stops finds every service it has registered.
-  record->bundle->requireOpen();
+  record->bundle->requireOpen(generation);
   try {
     insertInto(records, record);
     for (const std::string& interfaceId : record->interfaces) {
@@ -78,19 +78,18 @@ bool ServiceRegistry::eraseFromLists(const ServiceRecord& record) noexcept {
   return wasThere;
 }
 
-void ServiceRegistry::update(const std::shared_ptr<ServiceRecord>& record,
-                             std::shared_ptr<const AnyMap> properties) noexcept {
+std::shared_ptr<const AnyMap> ServiceRegistry::update(
+    const std::shared_ptr<ServiceRecord>& record,
+    std::shared_ptr<const AnyMap> properties) noexcept {
   const std::lock_guard lock(mutex);
   // The old ranking finds the record, the new one its place. A list that has just lost an entry
   // has the capacity for it, so that nothing here can fail.
-  const bool isRegistered = eraseFrom(records, *record);
-  if (isRegistered) {
-    for (const auto& name : record->interfaces) eraseFrom(recordsByInterface.at(name), *record);
-  }
-  record->publish(std::move(properties));
-  if (!isRegistered) return;
+  if (!eraseFrom(records, *record)) return nullptr;
+  for (const auto& name : record->interfaces) eraseFrom(recordsByInterface.at(name), *record);
+  auto replaced = record->publish(std::move(properties));
   insertInto(records, record);
   for (const auto& name : record->interfaces) insertInto(recordsByInterface.at(name), record);
+  return replaced;
 }
 
 std::vector<ServiceReferenceU> ServiceRegistry::find(const std::string& interfaceId,

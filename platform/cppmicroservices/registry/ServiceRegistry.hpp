@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -22,19 +23,21 @@ class ServiceRegistry {
   /// Keeps a reference to `listeners`, which it tells of every change.
   explicit ServiceRegistry(FrameworkListeners& listeners);
 
-  /// Registers a service of `bundle` and tells the listeners. Lookups find it before the first
-  /// listener is told. Throws `IllegalStateException` when the bundle stops, and like the
-  /// constructor of `ServiceRecord`; nothing is registered then.
+  /// Registers a service of `bundle` in its start `generation` and tells the listeners. Lookups
+  /// find it before the first listener is told. Throws `IllegalStateException` when that start ends
+  /// or has ended, and like the constructor of `ServiceRecord`; nothing is registered then.
   std::shared_ptr<ServiceRecord> registerService(const std::shared_ptr<ServiceClient>& bundle,
+                                                 std::uint64_t generation,
                                                  const InterfaceMapConstPtr& service,
                                                  const ServiceProperties& properties);
 
   /// Removes `record`, if it is there. Tells nobody.
   void remove(const ServiceRecord& record) noexcept;
 
-  /// Gives `record` new properties and moves it to its place in the order. Tells nobody.
-  void update(const std::shared_ptr<ServiceRecord>& record,
-              std::shared_ptr<const AnyMap> properties) noexcept;
+  /// Gives `record` new properties and moves it to its place in the order. Returns those that it
+  /// replaced; null, and changes nothing, when `record` is not there. Tells nobody.
+  std::shared_ptr<const AnyMap> update(const std::shared_ptr<ServiceRecord>& record,
+                                       std::shared_ptr<const AnyMap> properties) noexcept;
 
   /// Returns references to the services under `interfaceId`, all when it is empty, that `filter`
   /// matches. Throws `std::invalid_argument` when there are such services and `filter`, which may
@@ -72,7 +75,7 @@ class ServiceRegistry {
     return place < records.size() ? records[place] : nullptr;
   }
 
-  void add(const std::shared_ptr<ServiceRecord>& record);
+  void add(const std::shared_ptr<ServiceRecord>& record, std::uint64_t generation);
   bool eraseFromLists(const ServiceRecord& record) noexcept;
   Records recordsOf(const std::string& interfaceId) const;
 

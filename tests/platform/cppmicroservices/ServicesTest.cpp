@@ -1,9 +1,11 @@
+#include <cppmicroservices/BundleEvent.h>
 #include <cppmicroservices/Constants.h>
 #include <cppmicroservices/LDAPFilter.h>
 #include <cppmicroservices/ServiceEvent.h>
 #include <cppmicroservices/ServiceObjects.h>
 
 #include <algorithm>
+#include <functional>
 #include <stdexcept>
 #include <unordered_set>
 
@@ -202,15 +204,43 @@ TEST_F(Services, RegistrationThatIsEndingIsNotEndedAgain) {
   EXPECT_EQ(told, 1);
 }
 
-TEST_F(Services, RegistrationThatIsEndingIsNotFoundAgain) {
-  auto registration = add("a");
+TEST_F(Services, RegistrationThatIsEndingKeepsItsProperties) {
+  auto registration = add("a", {{"p", Any(1)}});
+  std::vector<ServiceEvent::Type> heard;
   context.AddServiceListener([&](const ServiceEvent& event) {
+    heard.push_back(event.GetType());
     if (event.GetType() != ServiceEvent::SERVICE_UNREGISTERING) return;
-    registration.SetProperties({{Constants::SERVICE_RANKING, Any(5)}});
+    EXPECT_THROW(registration.SetProperties({{"p", Any(2)}}), std::logic_error);
     EXPECT_EQ(found(), "");
   });
+  const auto reference = registration.GetReference();
   registration.Unregister();
+  EXPECT_EQ(any_cast<int>(reference.GetProperty("p")), 1);
+  EXPECT_EQ(heard, std::vector{ServiceEvent::SERVICE_UNREGISTERING});
   EXPECT_EQ(found(), "");
+}
+
+TEST_F(Services, ListenerIsNotToldOfAChangeAfterTheEnd) {
+  auto registration = add("a");
+  context.AddServiceListener([&](const ServiceEvent& event) {
+    if (event.GetType() == ServiceEvent::SERVICE_MODIFIED) registration.Unregister();
+  });
+  std::vector<ServiceEvent::Type> heard;
+  context.AddServiceListener([&](const ServiceEvent& event) { heard.push_back(event.GetType()); });
+  registration.SetProperties({{"p", Any(1)}});
+  EXPECT_EQ(heard, std::vector{ServiceEvent::SERVICE_UNREGISTERING});
+}
+
+TEST_F(Services, ListenerIsToldOfALostMatchWhenTheServiceEndsMeanwhile) {
+  auto registration = add("a", {{"p", Any(1)}});
+  context.AddServiceListener([&](const ServiceEvent& event) {
+    if (event.GetType() == ServiceEvent::SERVICE_MODIFIED) registration.Unregister();
+  });
+  std::vector<ServiceEvent::Type> heard;
+  context.AddServiceListener([&](const ServiceEvent& event) { heard.push_back(event.GetType()); },
+                             "(p=1)");
+  registration.SetProperties({{"p", Any(2)}});
+  EXPECT_EQ(heard, std::vector{ServiceEvent::SERVICE_MODIFIED_ENDMATCH});
 }
 
 TEST_F(Services, ListenerIsCalledWhenItsFilterMatchesBeforeOrAfterAChange) {
@@ -300,6 +330,60 @@ TEST_F(Services, ListenerThatIsRemovedMeanwhileIsNotCalled) {
   EXPECT_EQ(calls, 0);
   registration.Unregister();
   EXPECT_EQ(calls, 0);
+}
+
+/// Calls the framework each time it is copied, as the listener of a user may.
+struct CopyingListener {
+  explicit CopyingListener(std::function<void()> onCopy) : action(std::move(onCopy)) {}
+  CopyingListener(const CopyingListener& other) : action(other.action) { action(); }
+  CopyingListener& operator=(const CopyingListener&) = delete;
+  void operator()(const ServiceEvent& /*event*/) const {}
+  std::function<void()> action;
+};
+
+TEST_F(Services, CopyOfAListenerMayCallTheFramework) {
+  int copies = 0;
+  const ServiceListener listener = CopyingListener([&] {
+    context.RemoveListener(context.AddBundleListener([](const BundleEvent&) {}));
+    ++copies;
+  });
+  copies = 0;
+  context.AddServiceListener(listener);
+  EXPECT_GT(copies, 0);
+}
+
+TEST_F(Services, MovedReferenceHasNoInterface) {
+  auto registration = add("a");
+  ServiceReference<Greeter> reference = registration.GetReference();
+  const ServiceReference<Greeter> moved = std::move(reference);
+  EXPECT_EQ(moved.GetInterfaceId(), "embedded_framework::Greeter");
+  EXPECT_EQ(reference.GetInterfaceId(), "");  // NOLINT(bugprone-use-after-move)
+}
+
+TEST_F(Services, TokenOfAnotherFrameworkRemovesNothing) {
+  Framework other = FrameworkFactory().NewFramework();
+  other.Start();
+  int heard = 0;
+  context.AddServiceListener([&](const ServiceEvent&) { ++heard; });
+  std::vector<ListenerToken> others;
+  for (int count = 0; count < 20; ++count) {
+    others.push_back(other.GetBundleContext().AddServiceListener([](const ServiceEvent&) {}));
+  }
+  for (ListenerToken& token : others) context.RemoveListener(std::move(token));
+  auto registration = add("a");
+  EXPECT_EQ(heard, 1);
+}
+
+TEST_F(Services, ReferenceOfAnotherFrameworkIsRefused) {
+  Framework other = FrameworkFactory().NewFramework();
+  other.Start();
+  auto registration = add("a");
+  const auto reference = registration.GetReference();
+  BundleContext others = other.GetBundleContext();
+  EXPECT_THROW(others.GetService(reference), std::invalid_argument);
+  EXPECT_THROW(others.GetService(ServiceReferenceU(reference)), std::invalid_argument);
+  EXPECT_THROW(others.GetServiceObjects(reference), std::invalid_argument);
+  EXPECT_TRUE(reference.GetUsingBundles().empty());
 }
 
 TEST_F(Services, TokensMove) {

@@ -3,9 +3,11 @@
 #include <cppmicroservices/ServiceFactory.h>
 
 #include <atomic>
+#include <functional>
 #include <future>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "platform/cppmicroservices/HostFramework.hpp"
 #include "platform/cppmicroservices/Script.hpp"
@@ -104,6 +106,117 @@ TEST_F(Threads, BundleThatStopsWhileItsServiceIsCreatedGetsNull) {
   workshop->leave.set_value();
   EXPECT_EQ(object.get(), nullptr);
   EXPECT_EQ(workshop->returned, 1);
+}
+
+/// A factory that waits inside `UngetService` until the test sets `leave`.
+class SlowReturns : public ServiceFactory {
+ public:
+  InterfaceMapConstPtr GetService(const Bundle&, const ServiceRegistrationBase&) override {
+    ++made;
+    if (isReturning) ++overlaps;
+    return MakeInterfaceMap<Greeter>(std::make_shared<Hello>());
+  }
+  void UngetService(const Bundle&, const ServiceRegistrationBase&,
+                    const InterfaceMapConstPtr&) override {
+    if (hasReturned.exchange(true)) return;
+    isReturning = true;
+    onReturn();
+    entered.set_value();
+    leave.get_future().wait();
+    isReturning = false;
+  }
+
+  std::promise<void> entered;
+  std::promise<void> leave;
+  std::function<void()> onReturn = [] {};
+  std::atomic<bool> hasReturned = false;
+  std::atomic<bool> isReturning = false;
+  std::atomic<int> overlaps = 0;
+  std::atomic<int> made = 0;
+};
+
+class ReturningThreads : public HostFramework {
+ protected:
+  std::future<void> dropInAnotherThread(std::shared_ptr<Greeter> object) {
+    return std::async(std::launch::async,
+                      [object = std::move(object)]() mutable { object = nullptr; });
+  }
+
+  std::shared_ptr<SlowReturns> returns = std::make_shared<SlowReturns>();
+  ServiceRegistration<Greeter> registration =
+      context.RegisterService<Greeter>(ToFactory(returns));
+  ServiceReference<Greeter> reference = registration.GetReference();
+};
+
+TEST_F(ReturningThreads, ServiceIsNotMadeWhileItIsReturned) {
+  auto dropping = dropInAnotherThread(context.GetService(reference));
+  returns->entered.get_future().wait();
+  auto second = std::async(std::launch::async, [&] { return context.GetService(reference); });
+  EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+  returns->leave.set_value();
+  EXPECT_NE(second.get(), nullptr);
+  dropping.get();
+  EXPECT_EQ(returns->overlaps, 0);
+  EXPECT_EQ(returns->made, 2);
+}
+
+TEST_F(ReturningThreads, ServiceUnregisteredWhileItIsReturnedIsReturnedOnce) {
+  auto dropping = dropInAnotherThread(context.GetService(reference));
+  returns->entered.get_future().wait();
+  auto second = std::async(std::launch::async, [&] { return context.GetService(reference); });
+  EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+  registration.Unregister();
+  returns->leave.set_value();
+  EXPECT_EQ(second.get(), nullptr);
+  dropping.get();
+  EXPECT_EQ(returns->made, 1);
+}
+
+TEST_F(ReturningThreads, FactoryDoesNotGetWhatItIsReturning) {
+  returns->onReturn = [this] { EXPECT_EQ(context.GetService(reference), nullptr); };
+  returns->leave.set_value();
+  EXPECT_NE(context.GetService(reference), nullptr);
+  EXPECT_EQ(returns->made, 1);
+  EXPECT_EQ(errors, std::vector<std::string>{"a service factory asked for its own service"});
+  EXPECT_TRUE(reference.GetUsingBundles().empty());
+}
+
+TEST_F(Threads, CallOfAnEarlierStartDoesNotActInTheNext) {
+  auto scripts = context.RegisterService<Script>(std::make_shared<Script>());
+  Bundle bundle = context.InstallBundles(SCRIPTED_BUNDLE).at(0);
+  bundle.Start();
+  const BundleContext earlier = bundle.GetBundleContext();
+  auto first = getInAnotherThread(earlier);
+  workshop->entered.get_future().wait();
+  auto second = getInAnotherThread(earlier);
+  EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+  bundle.Stop();
+  bundle.Start();
+  workshop->leave.set_value();
+  EXPECT_EQ(first.get(), nullptr);
+  EXPECT_THROW(second.get(), std::runtime_error);
+  EXPECT_EQ(workshop->made, 1);
+  bundle.Stop();
+}
+
+TEST_F(HostFramework, ListenerIsRemovedWhileAnotherThreadIsInIt) {
+  std::promise<void> entered;
+  std::promise<void> leave;
+  std::atomic<int> calls = 0;
+  ListenerToken token = context.AddServiceListener([&](const ServiceEvent&) {
+    if (++calls > 1) return;
+    entered.set_value();
+    leave.get_future().wait();
+  });
+  auto registering = std::async(std::launch::async, [this] {
+    return context.RegisterService<Greeter>(std::make_shared<Hello>());
+  });
+  entered.get_future().wait();
+  context.RemoveListener(std::move(token));
+  auto other = context.RegisterService<Greeter>(std::make_shared<Hello>());
+  leave.set_value();
+  registering.get();
+  EXPECT_EQ(calls, 1);
 }
 
 TEST_F(HostFramework, RegistryIsUsedFromSeveralThreadsAtOnce) {
