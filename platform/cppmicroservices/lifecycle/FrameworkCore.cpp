@@ -12,22 +12,26 @@ namespace cppmicroservices::detail {
 
 std::shared_ptr<FrameworkOwner> FrameworkCore::make(ManifestCheck check) {
   const auto core = std::make_shared<FrameworkCore>(check);
-  // Before the system bundle, since the owner breaks the cycle between that and the core.
-  auto owner = std::make_shared<FrameworkOwner>(core);
+  auto system = std::make_shared<SystemBundle>(core);
+  core->system = system;
+  auto owner = std::make_shared<FrameworkOwner>(std::move(system));
   core->owner = owner;
-  core->system = std::make_shared<SystemBundle>(core);
   return owner;
 }
 
 FrameworkOwner::~FrameworkOwner() {
-  if (!core->system) return;
   try {
-    core->system->stop();
+    system->stop();
   } catch (const std::exception&) {
     // A thread without a handle is starting or stopping the framework for more than 5 seconds.
   }
   core->listeners.clear();
-  core->system.reset();
+}
+
+std::shared_ptr<SystemBundle> FrameworkCore::systemBundle() const {
+  auto found = findSystemBundle();
+  if (!found) throwInvalidContext();
+  return found;
 }
 
 std::vector<Bundle> FrameworkCore::install(BundlePrivate& installer, const std::string& location) {
@@ -49,9 +53,11 @@ std::vector<Bundle> FrameworkCore::install(BundlePrivate& installer, const std::
 FrameworkCore::Installed FrameworkCore::add(const std::string& location,
                                             const std::vector<AnyMap>& manifests) {
   Installed result;
+  const auto framework = systemBundle();
   const std::lock_guard lock(mutex);
   // Under the lock, so that a framework that stops finds every bundle.
-  if (!system->acceptsBundles()) throw std::logic_error("the framework stops: no bundle is added");
+  if (!framework->acceptsBundles())
+    throw std::logic_error("the framework stops: no bundle is added");
   auto longer = installed;
   for (const AnyMap& manifest : manifests) {
     const auto bundle = std::make_shared<LibraryBundle>(shared_from_this(), lastId + 1, location,
@@ -114,7 +120,7 @@ std::shared_ptr<LibraryBundle> FrameworkCore::findLast(long id) const {
 }
 
 std::shared_ptr<BundlePrivate> FrameworkCore::find(long id) const {
-  if (id == 0) return system;
+  if (id == 0) return systemBundle();
   const std::lock_guard lock(mutex);
   const auto entry = installed.find(id);
   return entry == installed.end() ? nullptr : entry->second;
@@ -128,7 +134,7 @@ FrameworkCore::LibraryBundles FrameworkCore::libraryBundles() const {
 }
 
 std::vector<Bundle> FrameworkCore::bundles() const {
-  std::vector<Bundle> result{system->bundle()};
+  std::vector<Bundle> result{systemBundle()->bundle()};
   for (const auto& bundle : libraryBundles()) result.push_back(bundle->bundle());
   return result;
 }

@@ -36,7 +36,7 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   /// Removes `bundle` from the list, if it is there.
   void forget(const BundlePrivate& bundle);
 
-  /// Returns the bundle with that id, null when there is none.
+  /// Returns the bundle with that id, null when there is none. Throws like `systemBundle` for 0.
   std::shared_ptr<BundlePrivate> find(long id) const;
 
   /// Returns the installed bundle with the highest id up to `id`, null when there is none.
@@ -47,15 +47,18 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   std::vector<Bundle> bundlesAt(const std::string& location) const;
   LibraryBundles libraryBundles() const;
 
-  SystemBundle& systemBundle() const { return *system; }
+  /// Returns the framework's bundle, null when its owner is gone and nothing else keeps it.
+  std::shared_ptr<SystemBundle> findSystemBundle() const { return system.lock(); }
+
+  /// Returns the framework's bundle. Throws like `throwInvalidContext` when there is none: a
+  /// context was valid when its caller began, and is not any more.
+  std::shared_ptr<SystemBundle> systemBundle() const;
 
   FrameworkListeners listeners;
   ServiceRegistry services{listeners};
   std::weak_ptr<FrameworkOwner> owner;
 
  private:
-  friend class FrameworkOwner;
-
   using BundleTable = std::map<long, std::shared_ptr<LibraryBundle>>;
 
   struct Installed {
@@ -73,21 +76,25 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   const ManifestCheck checkManifest;
   mutable std::mutex mutex;
   long lastId = 0;
-  std::shared_ptr<SystemBundle> system;
+  std::weak_ptr<SystemBundle> system;
   BundleTable installed;
 };
 
 /// Keeps a framework running: all `Bundle` objects of the framework share it.
 class FrameworkOwner {
  public:
-  explicit FrameworkOwner(std::shared_ptr<FrameworkCore> core) : core(std::move(core)) {}
+  explicit FrameworkOwner(std::shared_ptr<SystemBundle> framework)
+      : core(framework->core), system(std::move(framework)) {}
 
-  /// Stops the framework and breaks the reference cycle between it and its bundles.
+  /// Stops the framework, which breaks the reference cycle between it and its bundles.
   ~FrameworkOwner();
   FrameworkOwner(const FrameworkOwner&) = delete;
   FrameworkOwner& operator=(const FrameworkOwner&) = delete;
 
   const std::shared_ptr<FrameworkCore> core;
+
+ private:
+  const std::shared_ptr<SystemBundle> system;
 };
 
 }  // namespace cppmicroservices::detail

@@ -2,7 +2,9 @@
 
 #include <dlfcn.h>
 
+#include <mutex>
 #include <new>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -27,6 +29,19 @@ const std::string kCreateActivator = "_us_create_activator_";
 const std::string kDestroyActivator = "_us_destroy_activator_";
 
 namespace elf = quenlith::elf;
+
+// The libraries that have the context of a bundle, known by the functions that set it: a library
+// has room for one context of each of its bundles, whatever the number of frameworks.
+struct LibraryContexts {
+  std::mutex mutex;
+  std::set<void (*)(BundleContextPrivate*)> setters;
+};
+
+// Never destroyed: a framework may stop when the process ends.
+LibraryContexts& usedContexts() {
+  static LibraryContexts& contexts = *new LibraryContexts;
+  return contexts;
+}
 
 std::string ownFile() {
   return elf::fileOfCode(reinterpret_cast<const void*>(&ownFile));
@@ -71,7 +86,8 @@ bool LibraryBundle::abandon() noexcept {
 }
 
 void LibraryBundle::stopAfterTransition() noexcept {
-  if (abandon()) core->systemBundle().endOneStop();
+  if (!abandon()) return;
+  if (const auto framework = core->findSystemBundle()) framework->endOneStop();
 }
 
 void LibraryBundle::uninstall() {
@@ -95,7 +111,8 @@ void LibraryBundle::reportFailedStop(const char* occasion,
 }
 
 void LibraryBundle::requireRunningFramework() const {
-  if (core->find(id).get() != this || !core->systemBundle().acceptsBundles()) {
+  const auto framework = core->findSystemBundle();
+  if (core->find(id).get() != this || !framework || !framework->acceptsBundles()) {
     throw std::runtime_error(location + ": the framework of the bundle " + symbolicName +
                              " was stopped; start a framework and install the bundle again");
   }
@@ -109,7 +126,7 @@ void LibraryBundle::activate() {
   enter(Bundle::STATE_STARTING, BundleEvent::BUNDLE_STARTING);
   try {
     loadLibrary();
-    if (setContext != nullptr) setContext(&handle);
+    giveContext();
     if (hasActivator(headers)) startActivator();
   } catch (...) {
     enter(Bundle::STATE_STOPPING, BundleEvent::BUNDLE_STOPPING);
@@ -135,8 +152,32 @@ std::exception_ptr LibraryBundle::deactivate() noexcept {
 void LibraryBundle::finishStop() noexcept {
   // The library has its context until its services are gone: their destructors may use it.
   closeContext();
-  if (setContext != nullptr) setContext(nullptr);
+  takeContextBack();
   enter(Bundle::STATE_RESOLVED, BundleEvent::BUNDLE_STOPPED);
+}
+
+void LibraryBundle::giveContext() {
+  if (setContext == nullptr) return;
+  LibraryContexts& contexts = usedContexts();
+  {
+    const std::lock_guard lock(contexts.mutex);
+    hasGivenContext = contexts.setters.insert(setContext).second;
+  }
+  if (!hasGivenContext) {
+    refuseBundle(location,
+                 "another bundle of this process uses the context of the library for the name " +
+                     symbolicName,
+                 "stop that bundle first, or run its framework in another process");
+  }
+  setContext(&handle);
+}
+
+void LibraryBundle::takeContextBack() noexcept {
+  if (!std::exchange(hasGivenContext, false)) return;
+  setContext(nullptr);
+  LibraryContexts& contexts = usedContexts();
+  const std::lock_guard lock(contexts.mutex);
+  contexts.setters.erase(setContext);
 }
 
 void LibraryBundle::loadLibrary() {

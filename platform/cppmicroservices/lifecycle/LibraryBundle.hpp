@@ -42,6 +42,8 @@ class LibraryBundle final : public BundlePrivate {
   void finishStop() noexcept;
   void reportFailedStop(const char* occasion, const std::exception_ptr& cause) noexcept;
 
+  void giveContext();
+  void takeContextBack() noexcept;
   void loadLibrary();
   void openLibrary();
   void* symbol(const std::string& prefix) const;
@@ -56,6 +58,7 @@ class LibraryBundle final : public BundlePrivate {
   SetContext setContext = nullptr;
   DestroyActivator destroy = nullptr;
   BundleActivator* activator = nullptr;
+  bool hasGivenContext = false;
 };
 
 }  // namespace detail

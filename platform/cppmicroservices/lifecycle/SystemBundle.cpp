@@ -30,6 +30,10 @@ void SystemBundle::init() {
 
 void SystemBundle::initialize() {
   if (acceptsBundles()) return;
+  if (core->owner.expired()) {
+    throw std::runtime_error(
+        "the framework has ended: its last handle was destroyed; create another");
+  }
   if (state == Bundle::STATE_STOPPING) {
     throw std::runtime_error("the framework is still stopping: wait until it has stopped");
   }

@@ -426,6 +426,62 @@ TEST_F(Lifecycle, FrameworkRunsWhileAnObjectRefersToIt) {
   EXPECT_FALSE(kept);
 }
 
+TEST_F(Lifecycle, FrameworkWhoseHandlesAreGoneDoesNotStartAgain) {
+  Bundle left;
+  {
+    Framework other = FrameworkFactory().NewFramework();
+    other.Start();
+    other.GetBundleContext().AddBundleListener(
+        [&left](const BundleEvent& event) { left = event.GetBundle(); });
+  }
+  ASSERT_TRUE(left);
+  Framework gone(left);
+  const std::string text = "the framework has ended: its last handle was destroyed; create another";
+  EXPECT_EQ(textOf([&] { gone.Start(); }), text);
+  EXPECT_EQ(textOf([&] { gone.Init(); }), text);
+  EXPECT_EQ(gone.GetState(), Bundle::STATE_RESOLVED);
+  EXPECT_FALSE(gone.GetBundleContext());
+  gone.Stop();
+}
+
+TEST_F(Lifecycle, BundleWhoseFrameworkIsGoneDoesNotStart) {
+  Bundle left;
+  {
+    Framework other = FrameworkFactory().NewFramework();
+    other.Start();
+    other.GetBundleContext().InstallBundles(bare()).at(0).Start();
+    other.GetBundleContext().AddBundleListener([&left](const BundleEvent& event) {
+      if (event.GetType() == BundleEvent::BUNDLE_STOPPED) left = event.GetBundle();
+    });
+  }
+  ASSERT_TRUE(left);
+  EXPECT_NE(textOf([&] { left.Start(); }).find("the framework of the bundle bare was stopped"),
+            std::string::npos);
+  left.Stop();
+  left.Uninstall();
+}
+
+TEST_F(Lifecycle, LibraryHasOneContext) {
+  bundle.Start();
+  Framework other = FrameworkFactory().NewFramework();
+  other.Start();
+  BundleContext others = other.GetBundleContext();
+  auto scripts = others.RegisterService<Script>(script);
+  Bundle second = others.InstallBundles(SCRIPTED_BUNDLE).at(0);
+  EXPECT_EQ(textOf([&] { second.Start(); }),
+            bundle.GetLocation() +
+                ": another bundle of this process uses the context of the library for the name "
+                "scripted; stop that bundle first, or run its framework in another process");
+  EXPECT_EQ(second.GetState(), Bundle::STATE_RESOLVED);
+  EXPECT_EQ(script->contextOfBundle().GetBundle(), bundle);
+  bundle.Stop();
+  second.Start();
+  EXPECT_EQ(script->contextOfBundle().GetBundle(), second);
+  second.Stop();
+  bundle.Start();
+  EXPECT_EQ(script->contextOfBundle().GetBundle(), bundle);
+}
+
 TEST_F(Lifecycle, OnlyTheFrameworkIsAFramework) {
   EXPECT_EQ(Framework(context.GetBundle(0)), framework);
   EXPECT_THROW(Framework{bundle}, std::logic_error);
