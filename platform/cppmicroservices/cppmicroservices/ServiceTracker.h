@@ -76,7 +76,7 @@ class ServiceTracker : protected ServiceTrackerCustomizer<S, T> {
   std::shared_ptr<TrackedParamType> WaitForService(const std::chrono::duration<Rep, Period>& time) {
     if (time < time.zero()) throw std::invalid_argument("the time to wait is negative");
     if (time == time.zero()) return WaitForService();
-    return typed(services.wait(std::chrono::duration_cast<std::chrono::nanoseconds>(time)));
+    return typed(services.wait(inNanoseconds(time)));
   }
 
   /// Returns references to the tracked services, the preferred one last.
@@ -167,6 +167,15 @@ class ServiceTracker : protected ServiceTrackerCustomizer<S, T> {
             [customizer](const ServiceReferenceU& reference, const Object& object) {
               customizer->RemovedService(reference, typed(object));
             }};
+  }
+
+  // Returns the longest time that nanoseconds can express when `time` is longer.
+  template <class Rep, class Period>
+  static std::chrono::nanoseconds inNanoseconds(const std::chrono::duration<Rep, Period>& time) {
+    constexpr auto kLongest = std::chrono::nanoseconds::max();
+    return std::chrono::duration<double>(time) < std::chrono::duration<double>(kLongest)
+               ? std::chrono::duration_cast<std::chrono::nanoseconds>(time)
+               : kLongest;
   }
 
   auto serviceOf(const ServiceReference<S>& reference)

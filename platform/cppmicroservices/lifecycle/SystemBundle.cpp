@@ -11,6 +11,9 @@ namespace cppmicroservices::detail {
 
 namespace {
 
+// A wait of this length never ends by itself, and the time of its end can be calculated.
+constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24 * 365 * 100);
+
 AnyMap systemHeaders() {
   return {{Constants::BUNDLE_SYMBOLICNAME, Constants::SYSTEM_BUNDLE_SYMBOLICNAME},
           {Constants::BUNDLE_NAME, Constants::SYSTEM_BUNDLE_LOCATION},
@@ -67,7 +70,14 @@ void SystemBundle::endOneStop() noexcept {
   // The remaining listeners are the host's, which is not told that its own services go.
   core->listeners.removeAllOf(*this);
   closeContext();
-  enter(Bundle::STATE_RESOLVED);
+  endStop();
+}
+
+void SystemBundle::endStop() noexcept {
+  const std::lock_guard lock(mutex);
+  state = Bundle::STATE_RESOLVED;
+  ++stopCount;
+  changed.notify_all();
 }
 
 void SystemBundle::uninstall() {
@@ -105,14 +115,16 @@ FrameworkEvent SystemBundle::waitForStop(const std::chrono::milliseconds& timeou
                           "stop of a bundle that it is in");
   }
   std::unique_lock lock(mutex);
-  const auto hasStopped = [this] { return !isRunning(); };
-  if (timeout == std::chrono::milliseconds::zero()) {
-    changed.wait(lock, hasStopped);
-  } else if (!changed.wait_for(lock, timeout, hasStopped)) {
+  // It may have been started again before this thread sees that it stopped.
+  const auto isOver = [this, before = stopCount] { return !isRunning() || stopCount != before; };
+  constexpr auto kNoTime = std::chrono::milliseconds::zero();
+  if (timeout == kNoTime) {
+    changed.wait(lock, isOver);
+  } else if (!changed.wait_for(lock, std::clamp(timeout, kNoTime, kLongestWait), isOver)) {
     return FrameworkEvent(FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT, bundle(), "");
   }
-  const auto type = state == Bundle::STATE_RESOLVED ? FrameworkEvent::FRAMEWORK_STOPPED
-                                                    : FrameworkEvent::FRAMEWORK_ERROR;
+  const auto type =
+      stopCount > 0 ? FrameworkEvent::FRAMEWORK_STOPPED : FrameworkEvent::FRAMEWORK_ERROR;
   return FrameworkEvent(type, bundle(), "");
 }
 

@@ -39,10 +39,12 @@ class SystemBundle final : public BundlePrivate {
   bool isRunning() const;
   void initialize();
   void stopBundles() noexcept;
+  void endStop() noexcept;
   bool waitsForThisThread();
 
   // The bundles that have not stopped yet, and one for `stop`.
   std::atomic<std::size_t> pendingStops = 0;
+  std::size_t stopCount = 0;
 };
 
 }  // namespace cppmicroservices::detail

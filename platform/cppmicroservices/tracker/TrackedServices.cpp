@@ -217,7 +217,10 @@ std::shared_ptr<TrackedServices::Session> TrackedServices::current() const {
 
 TrackedServices::Object TrackedServices::wait(std::optional<std::chrono::nanoseconds> timeout) {
   using Clock = std::chrono::steady_clock;
-  const auto end = timeout ? Clock::now() + *timeout : Clock::time_point::max();
+  // Not added to the time first, which could overflow.
+  const auto start = Clock::now();
+  const bool hasEnd = timeout && *timeout < Clock::time_point::max() - start;
+  const auto end = hasEnd ? start + *timeout : Clock::time_point::max();
   const auto session = current();
   while (true) {
     if (!context) throw std::logic_error("The bundle context is no longer valid");

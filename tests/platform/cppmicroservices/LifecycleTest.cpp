@@ -1,13 +1,17 @@
 #include <cppmicroservices/BundleEvent.h>
 #include <cppmicroservices/IllegalStateException.h>
 #include <cppmicroservices/ServiceEvent.h>
+#include <cppmicroservices/ServiceTracker.h>
 #include <dlfcn.h>
 
 #include <filesystem>
+#include <functional>
 #include <future>
+#include <ostream>
 #include <stdexcept>
 #include <thread>
 #include <unordered_set>
+#include <utility>
 
 #include "framework/broken/BundleFile.hpp"
 #include "platform/cppmicroservices/HostFramework.hpp"
@@ -505,6 +509,88 @@ TEST_F(Lifecycle, WaitingThreadIsToldAboutTheStop) {
   });
   stop();
   EXPECT_EQ(waiting.get(), FrameworkEvent::FRAMEWORK_STOPPED);
+}
+
+// A thread that waits has to be woken and to lock before it sees the state, so that a stop and a
+// start right after each other are usually over by then.
+TEST_F(Lifecycle, WaitingThreadIsToldAboutAStopBeforeAStart) {
+  for (int round = 0; round < 10; ++round) {
+    auto waiting = std::async(std::launch::async, [this] {
+      return framework.WaitForStop(std::chrono::seconds(10)).GetType();
+    });
+    EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+    framework.Stop();
+    framework.Start();
+    ASSERT_EQ(waiting.get(), FrameworkEvent::FRAMEWORK_STOPPED);
+  }
+}
+
+TEST_F(Lifecycle, WaitsAsLongAsItIsTold) {
+  for (const auto time : {std::chrono::milliseconds::max(), std::chrono::milliseconds::max() / 2}) {
+    auto waiting =
+        std::async(std::launch::async, [this, time] { return framework.WaitForStop(time).GetType(); });
+    EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+    stop();
+    EXPECT_EQ(waiting.get(), FrameworkEvent::FRAMEWORK_STOPPED);
+    framework.Start();
+  }
+  EXPECT_EQ(framework.WaitForStop(std::chrono::milliseconds::min()).GetType(),
+            FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT);
+}
+
+TEST_F(Lifecycle, TrackerWaitsAsLongAsItIsTold) {
+  ServiceTracker<Greeter> tracker(context);
+  const auto expectToWait = [&](auto time) {
+    tracker.Open();
+    auto waiting = std::async(std::launch::async, [&] { return tracker.WaitForService(time); });
+    EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+    auto greeter = context.RegisterService<Greeter>(std::make_shared<Hello>());
+    EXPECT_NE(waiting.get(), nullptr);
+    tracker.Close();
+    greeter.Unregister();
+  };
+  expectToWait(std::chrono::milliseconds::max());
+  expectToWait(std::chrono::nanoseconds::max());
+  expectToWait(std::chrono::hours::max());
+  expectToWait(std::chrono::duration<double>(1e300));
+}
+
+/// Runs `onCopy`, once, when a copy is made.
+template <class Event>
+struct Restarter {
+  explicit Restarter(std::function<void()>& onCopy) : action(&onCopy) {}
+  Restarter(const Restarter& other) : action(other.action) {
+    if (const auto call = std::exchange(*action, nullptr)) call();
+  }
+  Restarter& operator=(const Restarter&) = default;
+  void operator()(const Event& /*event*/) const {}
+  friend std::ostream& operator<<(std::ostream& os, const Restarter& /*value*/) { return os; }
+  std::function<void()>* action;
+};
+
+TEST_F(Lifecycle, CallOfAnEarlierStartDoesNotActInTheNext) {
+  bundle.Start();
+  BundleContext own = bundle.GetBundleContext();
+  std::function<void()> onCopy;
+  const ServiceProperties properties{{"p", Any(Restarter<ServiceEvent>(onCopy))}};
+  const ServiceListener serviceListener = Restarter<ServiceEvent>(onCopy);
+  const BundleListener bundleListener = Restarter<BundleEvent>(onCopy);
+  const auto restart = [&] {
+    bundle.Stop();
+    bundle.Start();
+  };
+  const std::vector<std::function<void()>> calls = {
+      [&] { (void)own.RegisterService<Greeter>(std::make_shared<Hello>(), properties); },
+      [&] { own.AddServiceListener(serviceListener); },
+      [&] { own.AddBundleListener(bundleListener); },
+  };
+  for (const auto& call : calls) {
+    own = bundle.GetBundleContext();
+    onCopy = restart;
+    EXPECT_EQ(textOf(call), "The bundle context is no longer valid");
+    EXPECT_TRUE(bundle.GetBundleContext());
+  }
+  EXPECT_TRUE(bundle.GetRegisteredServices().empty());
 }
 
 TEST_F(Lifecycle, BundlesAreOrderedAndHashed) {
