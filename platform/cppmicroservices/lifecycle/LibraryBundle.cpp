@@ -2,11 +2,12 @@
 
 #include <dlfcn.h>
 
+#include <map>
 #include <mutex>
 #include <new>
-#include <set>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 #include "cppmicroservices/Constants.h"
 #include "lifecycle/FrameworkCore.hpp"
@@ -30,15 +31,18 @@ const std::string kDestroyActivator = "_us_destroy_activator_";
 
 namespace elf = quenlith::elf;
 
-// The libraries that have the context of a bundle, known by the functions that set it: a library
-// has room for one context of each of its bundles, whatever the number of frameworks.
+using SetContext = void (*)(BundleContextPrivate*);
+
+// The contexts that each library was given, by the function that sets the one that it uses. There
+// are several when several frameworks have started its bundle: a library has room for one, that of
+// the last start.
 struct LibraryContexts {
   std::mutex mutex;
-  std::set<void (*)(BundleContextPrivate*)> setters;
+  std::map<SetContext, std::vector<BundleContextPrivate*>> given;
 };
 
 // Never destroyed: a framework may stop when the process ends.
-LibraryContexts& usedContexts() {
+LibraryContexts& libraryContexts() {
   static LibraryContexts& contexts = *new LibraryContexts;
   return contexts;
 }
@@ -158,26 +162,21 @@ void LibraryBundle::finishStop() noexcept {
 
 void LibraryBundle::giveContext() {
   if (setContext == nullptr) return;
-  LibraryContexts& contexts = usedContexts();
-  {
-    const std::lock_guard lock(contexts.mutex);
-    hasGivenContext = contexts.setters.insert(setContext).second;
-  }
-  if (!hasGivenContext) {
-    refuseBundle(location,
-                 "another bundle of this process uses the context of the library for the name " +
-                     symbolicName,
-                 "stop that bundle first, or run its framework in another process");
-  }
+  LibraryContexts& contexts = libraryContexts();
+  const std::lock_guard lock(contexts.mutex);
+  contexts.given[setContext].push_back(&handle);
   setContext(&handle);
 }
 
 void LibraryBundle::takeContextBack() noexcept {
-  if (!std::exchange(hasGivenContext, false)) return;
-  setContext(nullptr);
-  LibraryContexts& contexts = usedContexts();
+  if (setContext == nullptr) return;
+  LibraryContexts& contexts = libraryContexts();
   const std::lock_guard lock(contexts.mutex);
-  contexts.setters.erase(setContext);
+  const auto entry = contexts.given.find(setContext);
+  if (entry == contexts.given.end()) return;
+  std::erase(entry->second, &handle);
+  setContext(entry->second.empty() ? nullptr : entry->second.back());
+  if (entry->second.empty()) contexts.given.erase(entry);
 }
 
 void LibraryBundle::loadLibrary() {

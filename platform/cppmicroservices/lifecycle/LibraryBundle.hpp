@@ -58,7 +58,6 @@ class LibraryBundle final : public BundlePrivate {
   SetContext setContext = nullptr;
   DestroyActivator destroy = nullptr;
   BundleActivator* activator = nullptr;
-  bool hasGivenContext = false;
 };
 
 }  // namespace detail

@@ -143,8 +143,7 @@ class ReturningThreads : public HostFramework {
   }
 
   std::shared_ptr<SlowReturns> returns = std::make_shared<SlowReturns>();
-  ServiceRegistration<Greeter> registration =
-      context.RegisterService<Greeter>(ToFactory(returns));
+  ServiceRegistration<Greeter> registration = context.RegisterService<Greeter>(ToFactory(returns));
   ServiceReference<Greeter> reference = registration.GetReference();
 };
 
