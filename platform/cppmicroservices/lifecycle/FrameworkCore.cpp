@@ -1,14 +1,23 @@
 #include "lifecycle/FrameworkCore.hpp"
 
-#include <algorithm>
 #include <filesystem>
-#include <iterator>
 #include <stdexcept>
 #include <utility>
 
 #include "cppmicroservices/Constants.h"
 
 namespace cppmicroservices::detail {
+
+namespace {
+
+std::vector<Bundle> handlesOf(const std::vector<BundleTable::Entry>& bundles) {
+  std::vector<Bundle> handles;
+  handles.reserve(bundles.size());
+  for (const auto& bundle : bundles) handles.push_back(bundle->bundle());
+  return handles;
+}
+
+}  // namespace
 
 std::shared_ptr<FrameworkOwner> FrameworkCore::make(ManifestCheck check) {
   const auto core = std::make_shared<FrameworkCore>(check);
@@ -58,44 +67,31 @@ FrameworkCore::Installed FrameworkCore::add(const std::string& location,
   // Under the lock, so that a framework that stops finds every bundle.
   if (!framework->acceptsBundles())
     throw std::logic_error("the framework stops: no bundle is added");
-  auto longer = installed;
+  BundleTable added;
   for (const AnyMap& manifest : manifests) {
     const auto bundle = std::make_shared<LibraryBundle>(shared_from_this(), lastId + 1, location,
                                                         manifest, manifests.size());
-    const auto twin = findTwin(longer, *bundle);
+    const auto twin = installed.findTwin(*bundle);
     // Those of the library that were not uninstalled stay as they are.
-    if (twin && twin->location == location && installed.count(twin->id) > 0) continue;
+    if (twin && twin->location == location) continue;
     if (twin) refuseTwin(*bundle, *twin);
-    longer.emplace(bundle->id, bundle);
+    if (const auto brother = added.findTwin(*bundle)) refuseTwin(*bundle, *brother);
+    added.add(bundle);
     result.added.push_back(bundle->bundle());
     ++lastId;
   }
-  result.all = bundlesAt(longer, location);
+  result.all = handlesOf(installed.at(location));
+  // Their ids are higher.
+  result.all.insert(result.all.end(), result.added.begin(), result.added.end());
   // Nothing can fail any more.
-  installed.swap(longer);
+  installed.takeAllOf(added);
   return result;
 }
 
 bool FrameworkCore::isInstalledCompletely(const std::string& location) const {
   const std::lock_guard lock(mutex);
-  std::size_t missing = 1;
-  bool isFirst = true;
-  for (const auto& [id, bundle] : installed) {
-    if (bundle->location != location) continue;
-    if (std::exchange(isFirst, false)) missing = bundle->libraryBundleCount;
-    --missing;
-  }
-  return missing == 0;
-}
-
-std::shared_ptr<LibraryBundle> FrameworkCore::findTwin(const BundleTable& table,
-                                                       const BundlePrivate& added) {
-  for (const auto& [id, bundle] : table) {
-    if (bundle->symbolicName == added.symbolicName && bundle->version == added.version) {
-      return bundle;
-    }
-  }
-  return nullptr;
+  const auto bundles = installed.at(location);
+  return !bundles.empty() && bundles.size() == bundles.front()->libraryBundleCount;
 }
 
 void FrameworkCore::refuseTwin(const BundlePrivate& added, const BundlePrivate& twin) {
@@ -108,29 +104,25 @@ void FrameworkCore::refuseTwin(const BundlePrivate& added, const BundlePrivate& 
                "change the name or the version of one of the two bundles or uninstall the other");
 }
 
-void FrameworkCore::forget(const BundlePrivate& bundle) {
+void FrameworkCore::forget(const BundlePrivate& bundle) noexcept {
   const std::lock_guard lock(mutex);
-  installed.erase(bundle.id);
+  installed.remove(bundle);
 }
 
 std::shared_ptr<LibraryBundle> FrameworkCore::findLast(long id) const {
   const std::lock_guard lock(mutex);
-  const auto after = installed.upper_bound(id);
-  return after == installed.begin() ? nullptr : std::prev(after)->second;
+  return installed.findLast(id);
 }
 
 std::shared_ptr<BundlePrivate> FrameworkCore::find(long id) const {
   if (id == 0) return systemBundle();
   const std::lock_guard lock(mutex);
-  const auto entry = installed.find(id);
-  return entry == installed.end() ? nullptr : entry->second;
+  return installed.find(id);
 }
 
-FrameworkCore::LibraryBundles FrameworkCore::libraryBundles() const {
+std::vector<std::shared_ptr<LibraryBundle>> FrameworkCore::libraryBundles() const {
   const std::lock_guard lock(mutex);
-  LibraryBundles bundles;
-  for (const auto& [id, bundle] : installed) bundles.push_back(bundle);
-  return bundles;
+  return installed.all();
 }
 
 std::vector<Bundle> FrameworkCore::bundles() const {
@@ -141,16 +133,7 @@ std::vector<Bundle> FrameworkCore::bundles() const {
 
 std::vector<Bundle> FrameworkCore::bundlesAt(const std::string& location) const {
   const std::lock_guard lock(mutex);
-  return bundlesAt(installed, location);
-}
-
-std::vector<Bundle> FrameworkCore::bundlesAt(const BundleTable& table,
-                                             const std::string& location) {
-  std::vector<Bundle> result;
-  for (const auto& [id, bundle] : table) {
-    if (bundle->location == location) result.push_back(bundle->bundle());
-  }
-  return result;
+  return handlesOf(installed.at(location));
 }
 
 }  // namespace cppmicroservices::detail

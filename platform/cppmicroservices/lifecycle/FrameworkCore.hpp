@@ -1,11 +1,11 @@
 #pragma once
 
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "lifecycle/BundleTable.hpp"
 #include "lifecycle/LibraryBundle.hpp"
 #include "lifecycle/SystemBundle.hpp"
 #include "manifest/bundleManifests.hpp"
@@ -25,8 +25,6 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
 
   explicit FrameworkCore(ManifestCheck checkManifest) : checkManifest(checkManifest) {}
 
-  using LibraryBundles = std::vector<std::shared_ptr<LibraryBundle>>;
-
   /// Installs those bundles of the library at `location` that are not installed, all or none, in
   /// the order of their paths in the archive. Returns all bundles of the library by ascending id.
   /// Throws `std::runtime_error` when the file cannot be used, `std::logic_error` when the
@@ -34,7 +32,7 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   std::vector<Bundle> install(BundlePrivate& installer, const std::string& location);
 
   /// Removes `bundle` from the list, if it is there.
-  void forget(const BundlePrivate& bundle);
+  void forget(const BundlePrivate& bundle) noexcept;
 
   /// Returns the bundle with that id, null when there is none. Throws like `systemBundle` for 0.
   std::shared_ptr<BundlePrivate> find(long id) const;
@@ -45,7 +43,7 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   /// Returns all bundles, or those of a library, by ascending id.
   std::vector<Bundle> bundles() const;
   std::vector<Bundle> bundlesAt(const std::string& location) const;
-  LibraryBundles libraryBundles() const;
+  std::vector<std::shared_ptr<LibraryBundle>> libraryBundles() const;
 
   /// Returns the framework's bundle, null when its owner is gone and nothing else keeps it.
   std::shared_ptr<SystemBundle> findSystemBundle() const { return system.lock(); }
@@ -59,18 +57,13 @@ class FrameworkCore : public std::enable_shared_from_this<FrameworkCore> {
   std::weak_ptr<FrameworkOwner> owner;
 
  private:
-  using BundleTable = std::map<long, std::shared_ptr<LibraryBundle>>;
-
   struct Installed {
     std::vector<Bundle> added;
     std::vector<Bundle> all;
   };
 
   Installed add(const std::string& location, const std::vector<AnyMap>& manifests);
-  static std::vector<Bundle> bundlesAt(const BundleTable& table, const std::string& location);
   bool isInstalledCompletely(const std::string& location) const;
-  static std::shared_ptr<LibraryBundle> findTwin(const BundleTable& table,
-                                                 const BundlePrivate& added);
   [[noreturn]] static void refuseTwin(const BundlePrivate& added, const BundlePrivate& twin);
 
   const ManifestCheck checkManifest;
