@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <ostream>
 #include <stdexcept>
 #include <tuple>
@@ -77,20 +76,15 @@ void* Bundle::GetSymbol(void* handle, const std::string& name) const {
 std::vector<ServiceReferenceU> Bundle::GetRegisteredServices() const {
   valid().requireInstalled();
   std::vector<ServiceReferenceU> references;
-  for (const auto& service : d->core->services.all()) {
-    if (service->bundle == d) references.push_back(service->reference());
-  }
+  for (const auto& service : d->core->services.of(*d)) references.push_back(service->reference());
   return references;
 }
 
 std::vector<ServiceReferenceU> Bundle::GetServicesInUse() const {
   valid().requireInstalled();
   std::vector<ServiceReferenceU> references;
-  for (const auto& service : d->core->services.all()) {
-    const auto users = service->users();
-    if (std::find(users.begin(), users.end(), d) != users.end()) {
-      references.push_back(service->reference());
-    }
+  for (const auto& service : d->uses.all()) {
+    if (!service->isGoing()) references.push_back(service->reference());
   }
   return references;
 }

@@ -115,10 +115,12 @@ void BundlePrivate::openContext() {
 
 void BundlePrivate::closeContext() noexcept {
   closing = true;
-  core->services.applyWhere([this](const auto& service) { return service.bundle.get() == this; },
-                            [](auto& service) { service.unregister(); });
-  core->services.applyWhere([this](const auto& service) { return service.isUsedBy(*this); },
-                            [this](auto& service) { service.releaseFrom(*this); });
+  while (const auto service = core->services.firstOf(*this)) {
+    service->unregister();
+    // Another thread may be about to do this.
+    core->services.remove(*service);
+  }
+  while (const auto service = uses.first()) service->releaseFrom(*this);
   core->listeners.removeAllOf(*this);
   generation.fetch_add(1, std::memory_order_acq_rel);
 }

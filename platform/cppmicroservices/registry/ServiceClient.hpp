@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "cppmicroservices/Bundle.h"
+#include "registry/ServiceUses.hpp"
 
 namespace cppmicroservices::detail {
 
@@ -18,6 +19,8 @@ class ServiceClient {
   /// end of its stop, where it must not register, get or listen to anything more. A context has
   /// the generation of the start that it belongs to.
   virtual void requireOpen(std::uint64_t generation) const = 0;
+
+  ServiceUses uses;
 };
 
 }  // namespace cppmicroservices::detail

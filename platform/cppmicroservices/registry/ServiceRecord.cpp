@@ -154,7 +154,7 @@ std::shared_ptr<const AnyMap> ServiceRecord::properties() const {
 
 void ServiceRecord::setProperties(const ServiceProperties& given) {
   auto all = withFrameworkProperties(given);
-  const auto before = registry.update(shared_from_this(), std::move(all));
+  const auto before = registry.update(*this, std::move(all));
   if (!before) throw std::logic_error("the service is being unregistered");
   warnOfUnusableRanking();
   registry.listeners.send(ServiceEvent(ServiceEvent::SERVICE_MODIFIED, reference()), before.get());
@@ -186,11 +186,19 @@ bool ServiceRecord::isCurrent(const Use& use) const {
   return entry != uses.end() && entry->second.get() == &use;
 }
 
+void ServiceRecord::endUse(const ServiceClient& user) noexcept {
+  const auto entry = uses.find(&user);
+  entry->second->user->uses.remove(entry->second->entry);
+  uses.erase(entry);
+}
+
 InterfaceMapConstPtr ServiceRecord::startUse(const std::shared_ptr<ServiceClient>& user,
                                              std::unique_lock<std::mutex>& lock) {
   auto holder = std::make_shared<Hold>(shared_from_this());
-  const auto use = std::make_shared<Use>(Use{user, factory ? nullptr : objects, factory, 1, {}});
+  const auto use = std::make_shared<Use>(
+      Use{user, factory ? nullptr : objects, factory, 1, {}, ServiceUses::Entry(*this)});
   uses.emplace(user.get(), use);
+  user->uses.add(use->entry);
   // From here on nothing can fail but the factory.
   holder->use = use;
   if (!use->factory) return InterfaceMapConstPtr(std::move(holder), use->service.get());
@@ -207,7 +215,7 @@ InterfaceMapConstPtr ServiceRecord::make(std::shared_ptr<Hold> holder) {
   leftFactory.notify_all();
   use.service = service;
   const bool isWanted = isCurrent(use);
-  if (isWanted && !service) uses.erase(use.user.get());
+  if (isWanted && !service) endUse(*use.user);
   lock.unlock();
   // The service may have been unregistered, or its user stopped, in the meantime.
   if (!isWanted) returnToFactory(use);
@@ -273,7 +281,7 @@ void ServiceRecord::release(const UsePointer& use) noexcept {
     lock.lock();
     leftFactory.notify_all();
   }
-  if (isCurrent(*use)) uses.erase(use->user.get());
+  if (isCurrent(*use)) endUse(*use->user);
 }
 
 void ServiceRecord::returnToFactory(const Use& use) noexcept {
@@ -285,11 +293,6 @@ void ServiceRecord::returnToFactory(const Use& use) noexcept {
   }
 }
 
-bool ServiceRecord::isUsedBy(const ServiceClient& user) const {
-  const std::lock_guard lock(mutex);
-  return uses.count(&user) > 0;
-}
-
 void ServiceRecord::releaseFrom(const ServiceClient& user) noexcept {
   UsePointer use;
   {
@@ -298,7 +301,7 @@ void ServiceRecord::releaseFrom(const ServiceClient& user) noexcept {
     if (entry == uses.end()) return;
     // A thread that is in the factory for them returns the objects itself.
     if (entry->second->caller == std::thread::id()) use = entry->second;
-    uses.erase(entry);
+    endUse(user);
   }
   if (use) returnToFactory(*use);
 }
@@ -325,6 +328,7 @@ void ServiceRecord::dropObjects() noexcept {
     state = State::kUnregistered;
     droppedObjects.swap(objects);
     droppedFactory.swap(factory);
+    for (const auto& [user, use] : uses) use->user->uses.remove(use->entry);
     ended.swap(uses);
     // A thread that is in the factory for them returns the objects itself.
     std::erase_if(ended,

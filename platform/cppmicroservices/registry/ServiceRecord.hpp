@@ -62,8 +62,6 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
   InterfaceMapConstPtr acquire(const std::shared_ptr<ServiceClient>& user,
                                std::uint64_t generation);
 
-  bool isUsedBy(const ServiceClient& user) const;
-
   /// Takes the service away from `user`, if it uses it.
   void releaseFrom(const ServiceClient& user) noexcept;
 
@@ -104,6 +102,7 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
     std::shared_ptr<ServiceFactory> factory;
     int holdCount = 0;
     std::thread::id caller;  // the thread in which the factory makes or takes back the objects
+    ServiceUses::Entry entry;
   };
   using UsePointer = std::shared_ptr<Use>;
   using Uses = std::map<const ServiceClient*, UsePointer>;
@@ -114,6 +113,7 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
 
   bool isInFactoryElsewhere(const ServiceClient& user) const;
   bool isCurrent(const Use& use) const;
+  void endUse(const ServiceClient& user) noexcept;
   InterfaceMapConstPtr startUse(const std::shared_ptr<ServiceClient>& user,
                                 std::unique_lock<std::mutex>& lock);
   InterfaceMapConstPtr make(std::shared_ptr<Hold> holder);

@@ -1,6 +1,5 @@
 #include "registry/ServiceRegistry.hpp"
 
-#include <algorithm>
 #include <utility>
 
 #include "cppmicroservices/LDAPFilter.h"
@@ -9,27 +8,31 @@ namespace cppmicroservices::detail {
 
 namespace {
 
-using Records = std::vector<std::shared_ptr<ServiceRecord>>;
-
-bool precedes(const std::shared_ptr<ServiceRecord>& left, const ServiceRecord& right) {
-  if (left->ranking != right.ranking) return left->ranking > right.ranking;
-  return left->id < right.id;
-}
-
-// Does not allocate when `records` has had one more entry before.
-void insertInto(Records& records, const std::shared_ptr<ServiceRecord>& record) {
-  records.insert(std::lower_bound(records.begin(), records.end(), *record, precedes), record);
-}
-
-// Says whether `record` was there.
+template <class Records>
 bool eraseFrom(Records& records, const ServiceRecord& record) noexcept {
-  const auto place = std::lower_bound(records.begin(), records.end(), record, precedes);
+  const auto place = records.find(record);
   if (place == records.end() || place->get() != &record) return false;
   records.erase(place);
   return true;
 }
 
+// Also erases the list when it becomes empty.
+template <class Lists, class Key>
+void eraseFrom(Lists& lists, const Key& key, const ServiceRecord& record) noexcept {
+  const auto entry = lists.find(key);
+  if (entry == lists.end()) return;
+  eraseFrom(entry->second, record);
+  if (entry->second.empty()) lists.erase(entry);
+}
+
 }  // namespace
+
+bool ServiceRegistry::Precedes::operator()(const ServiceRecord& left,
+                                           const ServiceRecord& right) const {
+  const int lefts = left.ranking;
+  const int rights = right.ranking;
+  return lefts != rights ? lefts > rights : left.id < right.id;
+}
 
 ServiceRegistry::ServiceRegistry(FrameworkListeners& listeners) : listeners(listeners) {}
 
@@ -48,9 +51,10 @@ void ServiceRegistry::add(const std::shared_ptr<ServiceRecord>& record, std::uin
   // Under the lock, so that a bundle that stops finds every service it has registered.
   record->bundle->requireOpen(generation);
   try {
-    insertInto(records, record);
+    records.insert(record);
+    recordsByBundle[record->bundle.get()].insert(record);
     for (const std::string& interfaceId : record->interfaces) {
-      insertInto(recordsByInterface[interfaceId], record);
+      recordsByInterface[interfaceId].insert(record);
     }
   } catch (...) {
     eraseFromLists(*record);
@@ -69,26 +73,29 @@ void ServiceRegistry::remove(const ServiceRecord& record) noexcept {
 // Also for a record that is in some of its lists only. Says whether it was in the list of all.
 bool ServiceRegistry::eraseFromLists(const ServiceRecord& record) noexcept {
   const bool wasThere = eraseFrom(records, record);
+  eraseFrom(recordsByBundle, record.bundle.get(), record);
   for (const std::string& interfaceId : record.interfaces) {
-    const auto entry = recordsByInterface.find(interfaceId);
-    if (entry == recordsByInterface.end()) continue;
-    eraseFrom(entry->second, record);
-    if (entry->second.empty()) recordsByInterface.erase(entry);
+    eraseFrom(recordsByInterface, interfaceId, record);
   }
   return wasThere;
 }
 
-std::shared_ptr<const AnyMap> ServiceRegistry::update(
-    const std::shared_ptr<ServiceRecord>& record,
-    std::shared_ptr<const AnyMap> properties) noexcept {
+std::shared_ptr<const AnyMap> ServiceRegistry::update(ServiceRecord& record,
+                                                      std::shared_ptr<const AnyMap> properties) {
+  std::vector<std::pair<Records*, Records::node_type>> moved;
+  // All that is allocated, before anything is changed.
+  moved.reserve(record.interfaces.size() + 2);
+  const auto take = [&](Records& list) {
+    moved.emplace_back(&list, list.extract(list.find(record)));
+  };
   const std::lock_guard lock(mutex);
-  // The old ranking finds the record, the new one its place. A list that has just lost an entry
-  // has the capacity for it, so that nothing here can fail.
-  if (!eraseFrom(records, *record)) return nullptr;
-  for (const auto& name : record->interfaces) eraseFrom(recordsByInterface.at(name), *record);
-  auto replaced = record->publish(std::move(properties));
-  insertInto(records, record);
-  for (const auto& name : record->interfaces) insertInto(recordsByInterface.at(name), record);
+  if (!records.contains(record)) return nullptr;
+  // The old ranking finds the record, the new one its place.
+  take(records);
+  take(recordsByBundle.at(record.bundle.get()));
+  for (const std::string& name : record.interfaces) take(recordsByInterface.at(name));
+  auto replaced = record.publish(std::move(properties));
+  for (auto& [list, node] : moved) list->insert(std::move(node));
   return replaced;
 }
 
@@ -96,7 +103,7 @@ std::vector<ServiceReferenceU> ServiceRegistry::find(const std::string& interfac
                                                      const std::string& filter) const {
   if (interfaceId.starts_with("::")) return find(interfaceId.substr(2), filter);
   std::vector<ServiceReferenceU> references;
-  const Records candidates = recordsOf(interfaceId);
+  const auto candidates = recordsOf(interfaceId);
   if (candidates.empty()) return references;
   const LDAPFilter condition = filter.empty() ? LDAPFilter() : LDAPFilter(filter);
   for (const auto& record : candidates) {
@@ -106,15 +113,26 @@ std::vector<ServiceReferenceU> ServiceRegistry::find(const std::string& interfac
   return references;
 }
 
-std::vector<std::shared_ptr<ServiceRecord>> ServiceRegistry::all() const {
-  return recordsOf("");
+std::vector<std::shared_ptr<ServiceRecord>> ServiceRegistry::of(const ServiceClient& bundle) const {
+  const std::lock_guard lock(mutex);
+  const auto entry = recordsByBundle.find(&bundle);
+  if (entry == recordsByBundle.end()) return {};
+  return {entry->second.begin(), entry->second.end()};
 }
 
-ServiceRegistry::Records ServiceRegistry::recordsOf(const std::string& interfaceId) const {
+std::shared_ptr<ServiceRecord> ServiceRegistry::firstOf(const ServiceClient& bundle) const {
   const std::lock_guard lock(mutex);
-  if (interfaceId.empty()) return records;
+  const auto entry = recordsByBundle.find(&bundle);
+  return entry == recordsByBundle.end() ? nullptr : *entry->second.begin();
+}
+
+std::vector<std::shared_ptr<ServiceRecord>> ServiceRegistry::recordsOf(
+    const std::string& interfaceId) const {
+  const std::lock_guard lock(mutex);
+  if (interfaceId.empty()) return {records.begin(), records.end()};
   const auto entry = recordsByInterface.find(interfaceId);
-  return entry == recordsByInterface.end() ? Records() : entry->second;
+  if (entry == recordsByInterface.end()) return {};
+  return {entry->second.begin(), entry->second.end()};
 }
 
 }  // namespace cppmicroservices::detail

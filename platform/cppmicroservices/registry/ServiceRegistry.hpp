@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "registry/FrameworkListeners.hpp"
@@ -35,9 +35,10 @@ class ServiceRegistry {
   void remove(const ServiceRecord& record) noexcept;
 
   /// Gives `record` new properties and moves it to its place in the order. Returns those that it
-  /// replaced; null, and changes nothing, when `record` is not there. Tells nobody.
-  std::shared_ptr<const AnyMap> update(const std::shared_ptr<ServiceRecord>& record,
-                                       std::shared_ptr<const AnyMap> properties) noexcept;
+  /// replaced; null when `record` is not there. Changes nothing then, and when it throws. Tells
+  /// nobody.
+  std::shared_ptr<const AnyMap> update(ServiceRecord& record,
+                                       std::shared_ptr<const AnyMap> properties);
 
   /// Returns references to the services under `interfaceId`, all when it is empty, that `filter`
   /// matches. Throws `std::invalid_argument` when there are such services and `filter`, which may
@@ -45,45 +46,43 @@ class ServiceRegistry {
   std::vector<ServiceReferenceU> find(const std::string& interfaceId,
                                       const std::string& filter) const;
 
-  /// Calls `action` for every service for which `condition` holds, until there is none left:
-  /// `action` must end that. Calls it with no lock held, and allocates nothing.
-  template <class Condition, class Action>
-  void applyWhere(const Condition& condition, const Action& action) {
-    // `action` and other threads change the list, so that one pass may miss a service.
-    for (bool isDone = false; !std::exchange(isDone, true);) {
-      std::size_t place = 0;
-      while (const auto record = findFrom(place, condition)) {
-        isDone = false;
-        action(*record);
-      }
-    }
-  }
+  /// Returns the services that `bundle` has registered, in the order of preference.
+  std::vector<std::shared_ptr<ServiceRecord>> of(const ServiceClient& bundle) const;
 
-  /// Returns all services in the order of preference.
-  std::vector<std::shared_ptr<ServiceRecord>> all() const;
+  /// Returns the preferred one of the services that `bundle` has registered, null when there is
+  /// none. Allocates nothing.
+  std::shared_ptr<ServiceRecord> firstOf(const ServiceClient& bundle) const;
 
   FrameworkListeners& listeners;
 
  private:
-  using Records = std::vector<std::shared_ptr<ServiceRecord>>;
-
-  // Returns the first record from `place` on for which `condition` holds, and sets `place` to it.
-  template <class Condition>
-  std::shared_ptr<ServiceRecord> findFrom(std::size_t& place, const Condition& condition) const {
-    const std::lock_guard lock(mutex);
-    while (place < records.size() && !condition(*records[place])) ++place;
-    return place < records.size() ? records[place] : nullptr;
-  }
+  // The order of preference.
+  struct Precedes {
+    using is_transparent = void;
+    using Pointer = std::shared_ptr<ServiceRecord>;
+    bool operator()(const Pointer& left, const Pointer& right) const {
+      return (*this)(*left, *right);
+    }
+    bool operator()(const Pointer& left, const ServiceRecord& right) const {
+      return (*this)(*left, right);
+    }
+    bool operator()(const ServiceRecord& left, const Pointer& right) const {
+      return (*this)(left, *right);
+    }
+    bool operator()(const ServiceRecord& left, const ServiceRecord& right) const;
+  };
+  using Records = std::set<std::shared_ptr<ServiceRecord>, Precedes>;
 
   void add(const std::shared_ptr<ServiceRecord>& record, std::uint64_t generation);
   bool eraseFromLists(const ServiceRecord& record) noexcept;
-  Records recordsOf(const std::string& interfaceId) const;
+  std::vector<std::shared_ptr<ServiceRecord>> recordsOf(const std::string& interfaceId) const;
 
   mutable std::mutex mutex;
   std::atomic<long> lastId = 0;
   Records records;
-  // Has no empty lists.
+  // Have no empty lists.
   std::unordered_map<std::string, Records> recordsByInterface;
+  std::unordered_map<const ServiceClient*, Records> recordsByBundle;
 };
 
 }  // namespace cppmicroservices::detail

@@ -56,6 +56,14 @@ class Cost : public HostFramework {
     return path;
   }
 
+  std::vector<ServiceRegistration<Greeter>> registerMany(BundleContext owner, std::size_t count) {
+    std::vector<ServiceRegistration<Greeter>> registrations;
+    for (std::size_t number = 0; number < count; ++number) {
+      registrations.push_back(owner.RegisterService<Greeter>(std::make_shared<Hello>()));
+    }
+    return registrations;
+  }
+
   void restart() {
     stop();
     start();
@@ -86,6 +94,34 @@ TEST_F(Cost, OfLibrariesIsLinear) {
     restart();
   });
   for (const std::string& path : paths) std::filesystem::remove(path);
+}
+
+TEST_F(Cost, OfBundlesThatStopIsLinear) {
+  for (const std::size_t count : {std::size_t{1}, kFew, kMany}) makeLibrary(count);
+  expectLinear([this](std::size_t n) {
+    const auto others = registerMany(context, n);
+    const auto reference = others.front().GetReference();
+    std::vector<std::shared_ptr<Greeter>> used;
+    for (Bundle bundle :
+         context.InstallBundles(std::string(WORK_FOLDER) + "/cost" + std::to_string(n) + ".so")) {
+      bundle.Start();
+      BundleContext own = bundle.GetBundleContext();
+      (void)own.RegisterService<Counter>(std::make_shared<Counter>());
+      used.push_back(own.GetService(reference));
+      ASSERT_EQ(bundle.GetRegisteredServices().size(), 1U);
+      ASSERT_EQ(bundle.GetServicesInUse().size(), 1U);
+    }
+    restart();
+  });
+}
+
+TEST_F(Cost, OfServicesIsLinear) {
+  expectLinear([this](std::size_t n) {
+    for (auto& registration : registerMany(context, n)) {
+      registration.SetProperties({{"a", Any(1)}});
+      registration.Unregister();
+    }
+  });
 }
 
 }  // namespace
