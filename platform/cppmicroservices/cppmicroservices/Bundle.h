@@ -107,7 +107,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT Bundle {
   /// `Start`; an exception of the activator is passed on after everything else was done.
   void Stop();
 
-  /// Stops and removes the bundle. Its library stays loaded. Throws `std::logic_error` when it
+  /// Stops and removes the bundle. Its library stays loaded, but no other thread may call
+  /// `GetBundleContext` in it meanwhile. Throws `std::logic_error` when it
   /// was uninstalled, `std::runtime_error` for the framework itself.
   void Uninstall();
 

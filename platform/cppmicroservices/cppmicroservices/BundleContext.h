@@ -125,9 +125,10 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
     return GetServiceReference(interfaceId);
   }
 
-  /// Returns the service object, null when its factory failed. The bundle uses the service until
-  /// the last copy of the pointer is destroyed. Throws `std::invalid_argument` when `reference`
-  /// does not refer to a registered service.
+  /// Returns the service object, null when its factory failed or the service is unregistered during
+  /// the call. The bundle uses the service until the last copy of the pointer is destroyed. Throws
+  /// `std::invalid_argument` when `reference` does not refer to a registered service of this
+  /// framework.
   std::shared_ptr<void> GetService(const ServiceReferenceBase& reference);
 
   /// Like the form above, but returns the objects of all interfaces.
@@ -178,7 +179,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
 
   /// Remove a listener that this bundle has added; do nothing when there is none. A function
   /// pointer is found by its value, any other function object by its type: of several of one type,
-  /// which a lambda in a loop or `std::bind` make, the first is removed. Use `RemoveListener`.
+  /// which a lambda in a loop or `std::bind` make, the first is removed. Use `RemoveListener`, of
+  /// which the same is true otherwise.
   [[deprecated("use RemoveListener")]] void RemoveServiceListener(const ServiceListener& listener) {
     removeListener(listener, nullptr);
   }
@@ -210,7 +212,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT BundleContext {
     removeListener(FrameworkListener(Listener{receiver, callback}), &Listener::equal);
   }
 
-  /// Removes the listener of `token`; does nothing when there is none.
+  /// Removes the listener of `token`; does nothing when there is none. A thread that is sending an
+  /// event at that time may still be in the listener, or call it once more, after this has
+  /// returned: it is not waited for, since the listener could wait for the caller.
   void RemoveListener(ListenerToken token);
 
  private:

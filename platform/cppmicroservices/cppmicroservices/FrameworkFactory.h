@@ -6,7 +6,8 @@ namespace cppmicroservices {
 
 class Framework;
 
-/// Creates frameworks, which are independent of each other.
+/// Creates frameworks, which are independent of each other but for the context of a library; see
+/// `GetBundleContext`.
 class QUENLITH_CPPMICROSERVICES_EXPORT FrameworkFactory {
  public:
   /// Returns a new framework, not started.

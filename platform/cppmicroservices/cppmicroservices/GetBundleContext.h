@@ -8,7 +8,11 @@ extern "C" cppmicroservices::BundleContextPrivate* US_GET_CTX_FUNC(US_BUNDLE_NAM
 namespace cppmicroservices {
 
 /// Returns the context of the bundle that the calling code belongs to, an invalid one unless the
-/// bundle is starting, active or stopping.
+/// bundle is starting, active or stopping. When several frameworks of the process have started the
+/// bundle, it is the context of the last start.
+///
+/// Must not be called while another thread uninstalls the bundle or stops its framework: the
+/// threads of a bundle have to end before its activator's `Stop` returns.
 static inline BundleContext GetBundleContext() {
   BundleContextPrivate* const handle = US_GET_CTX_FUNC(US_BUNDLE_NAME)();
   return handle == nullptr ? BundleContext() : detail::MakeBundleContext(handle);

@@ -27,7 +27,7 @@ class QUENLITH_CPPMICROSERVICES_EXPORT ServiceRegistrationBase {
   ServiceReferenceBase GetReference(const std::string& interfaceId = std::string()) const;
 
   /// Replaces the properties, except those that the framework sets, and tells the listeners.
-  /// Throws `std::logic_error` when the service is not registered,
+  /// Throws `std::logic_error` when the service is not registered or is being unregistered,
   /// `std::runtime_error` when two keys differ in case only.
   void SetProperties(const ServiceProperties& properties);
 

@@ -23,9 +23,9 @@ class ServiceClient;
 
 /// The listeners of a framework. They are called in the sending thread with no lock held. An event
 /// that is sent after a listener was removed does not reach it; a thread that was sending one then
-/// may still call it, since a removal that waited could wait for itself. An exception of a listener
-/// becomes an error event for the framework listeners; exceptions of framework listeners are
-/// dropped.
+/// may still call it, since a removal cannot wait for a listener that may wait for it. An exception
+/// of a listener becomes an error event for the framework listeners; exceptions of framework
+/// listeners are dropped.
 class FrameworkListeners {
  public:
   using Owner = std::shared_ptr<ServiceClient>;
