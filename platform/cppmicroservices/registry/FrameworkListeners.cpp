@@ -1,9 +1,7 @@
 #include "registry/FrameworkListeners.hpp"
 
-#include <algorithm>
-#include <cstddef>
+#include <atomic>
 #include <functional>
-#include <iterator>
 #include <new>
 #include <tuple>
 #include <type_traits>
@@ -43,75 +41,71 @@ bool sameFunction(const std::function<void(const Event&)>& left,
 }  // namespace
 
 template <class Function>
-ListenerToken FrameworkListeners::addTo(SharedList<Function>& list, const Owner& owner,
+ListenerToken FrameworkListeners::addTo(List<Function>& list, const Owner& owner,
                                         std::uint64_t generation, const Function& function,
                                         const LDAPFilter& filter) {
-  // Made before the lock and destroyed after it: copying and destroying a listener may call
-  // anything.
-  const auto listener = std::make_shared<Listener<Function>>();
-  listener->id = ++lastTokenId;
-  listener->owner = owner;
-  listener->function = function;
-  listener->filter = filter;
-  SharedList<Function> before;
+  // Made before the lock, and destroyed after it when it is not added: copying and destroying a
+  // listener may call anything.
+  const ListenerTokenId id = ++lastTokenId;
+  List<Function> added;
+  added.emplace(id, std::make_shared<const Listener<Function>>(
+                        Listener<Function>{id, owner, function, filter}));
+  IdsByOwner addedId{{owner.get(), id}};
   const std::lock_guard lock(mutex);
   // Under the lock, so that a bundle that stops finds every listener it has added.
   owner->requireOpen(generation);
-  auto longer = withoutRemoved<Function>(list, 1);
-  longer->push_back(listener);
-  before = std::exchange(list, std::move(longer));
-  return ListenerToken(listener->id);
+  // Nothing can fail any more.
+  list.merge(added);
+  idsByOwner.merge(addedId);
+  return ListenerToken(id);
+}
+
+void FrameworkListeners::remove(ListenerTokenId id) noexcept {
+  // Keeps the listener until the lock is released: its destructor may call anything.
+  std::tuple<List<ServiceListener>::node_type, List<BundleListener>::node_type,
+             List<FrameworkListener>::node_type>
+      removed;
+  const std::lock_guard lock(mutex);
+  const auto extract = [&](auto& list, auto& node) {
+    node = list.extract(id);
+    if (node) idsByOwner.erase({node.mapped()->owner.get(), id});
+  };
+  extract(serviceListeners, std::get<0>(removed));
+  extract(bundleListeners, std::get<1>(removed));
+  extract(frameworkListeners, std::get<2>(removed));
+}
+
+ListenerTokenId FrameworkListeners::firstIdOf(const ServiceClient& owner) const noexcept {
+  const std::lock_guard lock(mutex);
+  const auto first = idsByOwner.lower_bound({&owner, 0});
+  return first == idsByOwner.end() || first->first != &owner ? 0 : first->second;
 }
 
 template <class Function>
-std::shared_ptr<FrameworkListeners::List<Function>> FrameworkListeners::withoutRemoved(
-    const SharedList<Function>& list, std::size_t freePlaces) {
-  auto copy = std::make_shared<List<Function>>();
-  copy->reserve((list ? list->size() : 0) + freePlaces);
-  if (!list) return copy;
-  std::copy_if(list->begin(), list->end(), std::back_inserter(*copy),
-               [](const auto& listener) { return !listener->removed; });
-  return copy;
-}
-
-template <class Function, class Condition>
-void FrameworkListeners::removeFrom(SharedList<Function>& list,
-                                    const Condition& condition) noexcept {
-  if (!list || std::none_of(list->begin(), list->end(), condition)) return;
-  bool isEmpty = true;
-  for (const auto& listener : *list) {
-    if (condition(listener)) listener->removed = true;
-    isEmpty = isEmpty && listener->removed;
-  }
-  try {
-    list = isEmpty ? nullptr : withoutRemoved<Function>(list, 0);
-  } catch (const std::bad_alloc&) {
-    // The listeners stay in the list until the next change, but they are not called.
-  }
-}
-
-template <class Condition>
-void FrameworkListeners::removeIf(const Condition& condition) noexcept {
-  // Keeps the functions until the lock is released: their destructors may call anything.
-  std::tuple<SharedList<ServiceListener>, SharedList<BundleListener>, SharedList<FrameworkListener>>
-      before;
+ListenerTokenId FrameworkListeners::lastIdIn(const List<Function>& list) const noexcept {
   const std::lock_guard lock(mutex);
-  before = std::tie(serviceListeners, bundleListeners, frameworkListeners);
-  removeFrom(serviceListeners, condition);
-  removeFrom(bundleListeners, condition);
-  removeFrom(frameworkListeners, condition);
+  return list.empty() ? 0 : list.rbegin()->first;
 }
 
 template <class Function>
-FrameworkListeners::SharedList<Function> FrameworkListeners::current(
-    const SharedList<Function>& list) const {
+std::shared_ptr<const FrameworkListeners::Listener<Function>> FrameworkListeners::findAfter(
+    const List<Function>& list, ListenerTokenId id) const noexcept {
   const std::lock_guard lock(mutex);
-  return list;
+  const auto next = list.upper_bound(id);
+  return next == list.end() ? nullptr : next->second;
+}
+
+template <class Function, class Action>
+void FrameworkListeners::forEach(const List<Function>& list, const Action& action) const noexcept {
+  const ListenerTokenId last = lastIdIn(list);
+  auto listener = findAfter(list, 0);
+  while (listener && listener->id <= last && action(*listener)) {
+    listener = findAfter(list, listener->id);
+  }
 }
 
 template <class Function, class Event>
 void FrameworkListeners::call(const Listener<Function>& listener, const Event& event) noexcept {
-  if (listener.removed) return;
   try {
     listener.function(event);
   } catch (...) {
@@ -120,9 +114,11 @@ void FrameworkListeners::call(const Listener<Function>& listener, const Event& e
 }
 
 template <class Function, class Event>
-void FrameworkListeners::callAll(const SharedList<Function>& list, const Event& event) noexcept {
-  if (!list) return;
-  for (const auto& listener : *list) call(*listener, event);
+void FrameworkListeners::callAll(const List<Function>& list, const Event& event) noexcept {
+  forEach(list, [&](const auto& listener) {
+    call(listener, event);
+    return true;
+  });
 }
 
 ListenerToken FrameworkListeners::add(const Owner& owner, std::uint64_t generation,
@@ -142,22 +138,21 @@ ListenerToken FrameworkListeners::add(const Owner& owner, std::uint64_t generati
 }
 
 void FrameworkListeners::remove(const ListenerToken& token) noexcept {
-  removeIf([&token](const auto& listener) { return listener->id == token.id; });
+  if (token) remove(token.id);
 }
 
 template <class Function, class Equal>
-void FrameworkListeners::removeFirst(const SharedList<Function>& list, const ServiceClient& owner,
+void FrameworkListeners::removeFirst(const List<Function>& list, const ServiceClient& owner,
                                      const Function& function, Equal equal) noexcept {
-  const SharedList<Function> listeners = current(list);
-  if (!listeners) return;
-  for (const auto& listener : *listeners) {
-    if (listener->owner.get() != &owner || listener->removed) continue;
-    const bool isSame = equal == nullptr ? sameFunction(listener->function, function)
-                                         : equal(listener->function, function);
-    if (!isSame) continue;
-    removeIf([&listener](const auto& other) { return other->id == listener->id; });
-    return;
-  }
+  ListenerTokenId found = 0;
+  forEach(list, [&](const auto& listener) {
+    if (listener.owner.get() != &owner) return true;
+    const bool isSame = equal == nullptr ? sameFunction(listener.function, function)
+                                         : equal(listener.function, function);
+    if (isSame) found = listener.id;
+    return !isSame;
+  });
+  if (found != 0) remove(found);
 }
 
 void FrameworkListeners::remove(const ServiceClient& owner, const ServiceListener& function,
@@ -179,35 +174,39 @@ void FrameworkListeners::remove(const ServiceClient& owner, const FrameworkListe
 }
 
 void FrameworkListeners::removeAllOf(const ServiceClient& owner) noexcept {
-  removeIf([&owner](const auto& listener) { return listener->owner.get() == &owner; });
+  while (const ListenerTokenId id = firstIdOf(owner)) remove(id);
 }
 
 void FrameworkListeners::clear() noexcept {
-  removeIf([](const auto& /*listener*/) { return true; });
+  std::tuple<List<ServiceListener>, List<BundleListener>, List<FrameworkListener>> removed;
+  const std::lock_guard lock(mutex);
+  std::get<0>(removed).swap(serviceListeners);
+  std::get<1>(removed).swap(bundleListeners);
+  std::get<2>(removed).swap(frameworkListeners);
+  idsByOwner.clear();
 }
 
 void FrameworkListeners::send(const BundleEvent& event) noexcept {
-  callAll(current(bundleListeners), event);
+  callAll(bundleListeners, event);
 }
 
 void FrameworkListeners::send(const FrameworkEvent& event) noexcept {
-  callAll(current(frameworkListeners), event);
+  callAll(frameworkListeners, event);
 }
 
 void FrameworkListeners::send(const ServiceEvent& event, const AnyMap* before) noexcept {
-  const auto listeners = current(serviceListeners);
-  if (!listeners) return;
   const auto record = ServiceRecord::of(event.GetServiceReference());
   const auto properties = record->properties();
   const ServiceEvent endMatch(ServiceEvent::SERVICE_MODIFIED_ENDMATCH, event.GetServiceReference());
   const bool tellsOfTheEnd = event.GetType() == ServiceEvent::SERVICE_UNREGISTERING;
-  for (const auto& listener : *listeners) {
-    if (matches(listener->filter, *properties)) {
-      if (tellsOfTheEnd || !record->isGoing()) call(*listener, event);
-    } else if (before != nullptr && matches(listener->filter, *before)) {
-      call(*listener, endMatch);
+  forEach(serviceListeners, [&](const auto& listener) {
+    if (matches(listener.filter, *properties)) {
+      if (tellsOfTheEnd || !record->isGoing()) call(listener, event);
+    } else if (before != nullptr && matches(listener.filter, *before)) {
+      call(listener, endMatch);
     }
-  }
+    return true;
+  });
 }
 
 void FrameworkListeners::reportError(ServiceClient& source, std::string_view message,

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <atomic>
-#include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "cppmicroservices/BundleEvent.h"
 #include "cppmicroservices/FrameworkEvent.h"
@@ -22,8 +22,8 @@ namespace cppmicroservices::detail {
 class ServiceClient;
 
 /// The listeners of a framework. They are called in the sending thread with no lock held. An event
-/// that is sent after a listener was removed does not reach it; a thread that was sending one then
-/// may still call it, since a removal cannot wait for a listener that may wait for it. An exception
+/// that is sent after a listener was removed does not reach it. A thread that is about to call it
+/// at that time still does: a removal cannot wait for a listener that may wait for it. An exception
 /// of a listener becomes an error event for the framework listeners; exceptions of framework
 /// listeners are dropped.
 class FrameworkListeners {
@@ -73,44 +73,44 @@ class FrameworkListeners {
     Owner owner;
     Function function;
     LDAPFilter filter;
-    mutable std::atomic<bool> removed = false;
   };
 
+  // In the order in which they were added. A sender looks up one after the other, so that others
+  // may change the list meanwhile and nothing is copied.
   template <class Function>
-  using List = std::vector<std::shared_ptr<const Listener<Function>>>;
+  using List = std::map<ListenerTokenId, std::shared_ptr<const Listener<Function>>>;
 
-  // Replaced as a whole at each change, so that a sender iterates over an unchanging list. Null
-  // when it is empty, and not replaced when there is no memory to remove a listener: that one is
-  // marked.
-  template <class Function>
-  using SharedList = std::shared_ptr<const List<Function>>;
+  using IdsByOwner = std::set<std::pair<const ServiceClient*, ListenerTokenId>>;
 
   template <class Function>
-  ListenerToken addTo(SharedList<Function>& list, const Owner& owner, std::uint64_t generation,
+  ListenerToken addTo(List<Function>& list, const Owner& owner, std::uint64_t generation,
                       const Function& function, const LDAPFilter& filter);
-  template <class Function>
-  static std::shared_ptr<List<Function>> withoutRemoved(const SharedList<Function>& list,
-                                                        std::size_t freePlaces);
-  template <class Function, class Condition>
-  static void removeFrom(SharedList<Function>& list, const Condition& condition) noexcept;
-  template <class Condition>
-  void removeIf(const Condition& condition) noexcept;
   template <class Function, class Equal>
-  void removeFirst(const SharedList<Function>& list, const ServiceClient& owner,
-                   const Function& function, Equal equal) noexcept;
+  void removeFirst(const List<Function>& list, const ServiceClient& owner, const Function& function,
+                   Equal equal) noexcept;
+  void remove(ListenerTokenId id) noexcept;
+  ListenerTokenId firstIdOf(const ServiceClient& owner) const noexcept;
+
+  // Calls `action` for each listener that is in `list` now and not removed before its turn, until
+  // it returns false.
+  template <class Function, class Action>
+  void forEach(const List<Function>& list, const Action& action) const noexcept;
   template <class Function>
-  SharedList<Function> current(const SharedList<Function>& list) const;
+  ListenerTokenId lastIdIn(const List<Function>& list) const noexcept;
+  template <class Function>
+  std::shared_ptr<const Listener<Function>> findAfter(const List<Function>& list,
+                                                      ListenerTokenId id) const noexcept;
   template <class Function, class Event>
   void call(const Listener<Function>& listener, const Event& event) noexcept;
+  template <class Function, class Event>
+  void callAll(const List<Function>& list, const Event& event) noexcept;
   void reportThrown(ServiceClient& owner) noexcept;
 
-  template <class Function, class Event>
-  void callAll(const SharedList<Function>& list, const Event& event) noexcept;
-
   mutable std::mutex mutex;
-  SharedList<ServiceListener> serviceListeners;
-  SharedList<BundleListener> bundleListeners;
-  SharedList<FrameworkListener> frameworkListeners;
+  List<ServiceListener> serviceListeners;
+  List<BundleListener> bundleListeners;
+  List<FrameworkListener> frameworkListeners;
+  IdsByOwner idsByOwner;
 };
 
 }  // namespace cppmicroservices::detail

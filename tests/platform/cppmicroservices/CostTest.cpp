@@ -1,3 +1,5 @@
+#include <cppmicroservices/ServiceEvent.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -121,6 +123,16 @@ TEST_F(Cost, OfServicesIsLinear) {
       registration.SetProperties({{"a", Any(1)}});
       registration.Unregister();
     }
+  });
+}
+
+TEST_F(Cost, OfListenersIsLinear) {
+  expectLinear([this](std::size_t n) {
+    std::vector<ListenerToken> tokens;
+    for (std::size_t number = 0; number < n; ++number) {
+      tokens.push_back(context.AddServiceListener([](const ServiceEvent&) {}));
+    }
+    for (ListenerToken& token : tokens) context.RemoveListener(std::move(token));
   });
 }
 

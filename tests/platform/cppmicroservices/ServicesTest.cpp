@@ -332,6 +332,18 @@ TEST_F(Services, ListenerThatIsRemovedMeanwhileIsNotCalled) {
   EXPECT_EQ(calls, 0);
 }
 
+TEST_F(Services, ListenerThatIsAddedMeanwhileIsNotCalled) {
+  int calls = 0;
+  std::vector<ListenerToken> added;
+  context.AddServiceListener([&](const ServiceEvent&) {
+    added.push_back(context.AddServiceListener([&](const ServiceEvent&) { ++calls; }));
+  });
+  auto registration = add("a");
+  EXPECT_EQ(calls, 0);
+  registration.Unregister();
+  EXPECT_EQ(calls, 1);
+}
+
 /// Calls the framework each time it is copied, as the listener of a user may.
 struct CopyingListener {
   explicit CopyingListener(std::function<void()> onCopy) : action(std::move(onCopy)) {}
