@@ -7,12 +7,16 @@
 #include <utility>
 
 #include "components/ManifestValue.hpp"
+#include "cppmicroservices/Constants.h"
 #include "cppmicroservices/servicecomponent/ComponentConstants.hpp"
+#include "properties/text.hpp"
 
 namespace cppmicroservices::detail {
 
 namespace {
 
+using service::component::ComponentConstants::COMPONENT_ID;
+using service::component::ComponentConstants::COMPONENT_NAME;
 using service::component::ComponentConstants::SERVICE_COMPONENT;
 
 // An optional key and the values that this framework supports.
@@ -64,12 +68,18 @@ void checkReference(const ManifestValue& reference) {
                   {"target", {}, "target filters"}});
 }
 
+std::string readInterface(const ManifestValue& value) {
+  std::string interfaceId(withoutGlobalScope(value.text()));
+  if (interfaceId.empty()) value.fail("must name an interface");
+  return interfaceId;
+}
+
 std::vector<std::string> readInterfaces(const ManifestValue& service) {
   service.allowKeys({"interfaces", "scope"});
   refuseFeatures(service, {{"scope", {text("singleton")}, "services of that scope"}});
   std::vector<std::string> interfaceIds;
   for (const ManifestValue& interfaceId : service.at("interfaces").elements()) {
-    interfaceIds.push_back(interfaceId.text());
+    interfaceIds.push_back(readInterface(interfaceId));
   }
   return interfaceIds;
 }
@@ -82,9 +92,26 @@ std::vector<ReferenceDescription> readReferences(const ManifestValue& component)
   std::vector<ReferenceDescription> references;
   for (const ManifestValue& reference : component.at("references").elements()) {
     checkReference(reference);
-    references.push_back({reference.at("name").text(), reference.at("interface").text()});
+    references.push_back({reference.at("name").text(), readInterface(reference.at("interface"))});
   }
   return references;
+}
+
+// A key in another spelling than that of a property that is set at the registration would make the
+// registration fail.
+ServiceProperties readProperties(const ManifestValue& properties) {
+  const AnyMap reserved{{COMPONENT_NAME, Any()},
+                        {COMPONENT_ID, Any()},
+                        {Constants::OBJECTCLASS, Any()},
+                        {Constants::SERVICE_ID, Any()},
+                        {Constants::SERVICE_SCOPE, Any()}};
+  for (const auto& [key, value] : properties.object()) {
+    const auto other = reserved.find(key);
+    if (other == reserved.end() || other->first == key) continue;
+    properties.fail("has the key \"" + key + "\", which differs from \"" + other->first +
+                    "\" in case only");
+  }
+  return ServiceProperties(properties.object().begin(), properties.object().end());
 }
 
 ComponentDescription readComponent(const ManifestValue& component, const std::string& name) {
@@ -94,8 +121,7 @@ ComponentDescription readComponent(const ManifestValue& component, const std::st
                                    .properties = {},
                                    .references = readReferences(component)};
   if (component.has("properties")) {
-    const AnyMap& properties = component.at("properties").object();
-    description.properties.insert(properties.begin(), properties.end());
+    description.properties = readProperties(component.at("properties"));
   }
   return description;
 }

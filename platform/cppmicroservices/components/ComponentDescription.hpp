@@ -15,7 +15,8 @@ struct ReferenceDescription {
   std::string interfaceId;
 };
 
-/// Describes a component as the manifest of its bundle does.
+/// Describes a component as the manifest of its bundle does. Identifiers of interfaces have no `::`
+/// at their start.
 struct ComponentDescription {
   /// The name, which is the class unless the manifest gives another.
   std::string name;

@@ -183,6 +183,17 @@ const std::vector<BrokenBundle>& brokenBundles() {
       {"PropertiesAreAList", Make::kBundle, fine(R"(,"properties":[])"),
        "FILE: scr.components[0] (demo::Fine).properties must be an object; correct the manifest of "
        "the bundle"},
+      {"PropertyInAnotherSpelling", Make::kBundle, fine(R"(,"properties":{"Component.Name":"a"})"),
+       "FILE: scr.components[0] (demo::Fine).properties has the key \"Component.Name\", which "
+       "differs from \"component.name\" in case only; correct the manifest of the bundle"},
+      {"PropertyOfTheFrameworkInAnotherSpelling", Make::kBundle,
+       fine(R"(,"properties":{"ObjectClass":["a"]})"),
+       "FILE: scr.components[0] (demo::Fine).properties has the key \"ObjectClass\", which differs "
+       "from \"objectclass\" in case only; correct the manifest of the bundle"},
+      {"InterfaceIsAScope", Make::kBundle,
+       component(R"("implementation-class":"demo::Fine","service":{"interfaces":["::"]})"),
+       "FILE: scr.components[0] (demo::Fine).service.interfaces[0] must name an interface; correct "
+       "the manifest of the bundle"},
       {"UnknownKeyOfAComponent", Make::kBundle, fine(R"(,"refrences":[])"),
        "FILE: scr.components[0] (demo::Fine) has the key \"refrences\", which Declarative Services "
        "do not know; correct the manifest of the bundle"},
