@@ -73,8 +73,8 @@ class ServiceRecord : public std::enable_shared_from_this<ServiceRecord> {
   /// Says whether the service is one of `other`, or was.
   bool isIn(const ServiceRegistry& other) const { return &registry == &other; }
 
-  /// Says whether the service was unregistered, or is being so.
-  bool isGoing() const noexcept { return state != State::kRegistered; }
+  /// Says whether the service is registered and not being unregistered.
+  bool isFindable() const noexcept { return state == State::kRegistered; }
 
   /// Returns the bundles that use the service.
   std::vector<std::shared_ptr<ServiceClient>> users() const;

@@ -5,6 +5,7 @@
 
 #include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/ServiceRegistrationBase.h"
+#include "cppmicroservices/detail/ServiceState.h"
 #include "registry/ServiceRecord.hpp"
 
 namespace cppmicroservices {
@@ -58,6 +59,16 @@ bool ServiceReferenceBase::operator<(const ServiceReferenceBase& other) const {
   const int mine = record->ranking;
   const int others = other.record->ranking;
   return mine != others ? mine < others : record->id > other.record->id;
+}
+
+bool detail::isFindable(const ServiceReferenceBase& reference) {
+  const auto& record = ServiceRecord::of(reference);
+  return record && record->isFindable();
+}
+
+detail::Preference detail::preferenceOf(const ServiceReferenceBase& reference) {
+  const ServiceRecord& record = *ServiceRecord::of(reference);
+  return {record.ranking, -record.id};
 }
 
 detail::ServiceRecord& ServiceRegistrationBase::registered() const {
