@@ -10,7 +10,12 @@ class Activator : public BundleActivator {
  public:
   void Start(BundleContext context) override {
     runtime = std::make_shared<Runtime>(context);
-    runtime->start();
+    try {
+      runtime->start();
+    } catch (...) {
+      runtime->stop();
+      throw;
+    }
   }
 
   void Stop(BundleContext) override { runtime->stop(); }

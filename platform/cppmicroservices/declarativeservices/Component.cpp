@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstddef>
+#include <exception>
 #include <stdexcept>
 #include <utility>
 
 #include <cppmicroservices/ServiceInterface.h>
+#include <cppmicroservices/detail/ServiceState.h>
 #include <cppmicroservices/servicecomponent/ComponentConstants.hpp>
 
 namespace cppmicroservices::declarativeservices {
@@ -41,68 +42,32 @@ class UnlockGuard {
   std::unique_lock<std::mutex>& lock;
 };
 
-bool contains(const std::vector<ServiceReferenceU>& services, const ServiceReferenceU& service) {
-  return std::find(services.begin(), services.end(), service) != services.end();
-}
-
 }  // namespace
 
 Component::Component(const Bundle& owner, detail::ComponentDescription description)
-    : bundle(owner),
-      context(owner.GetBundleContext()),
+    : context(owner.GetBundleContext()),
+      location(owner.GetLocation()),
       component(std::make_shared<const detail::ComponentDescription>(std::move(description))),
       factory(FactoryFunctions::find(owner, component->name)) {
   for (const detail::ReferenceDescription& reference : component->references) {
-    references.push_back({reference.interfaceId, {}});
+    serviceCounts.push_back(&detail::serviceCount(reference.interfaceId));
   }
 }
 
 void Component::start() {
-  for (Reference& reference : references) {
-    const auto found = context.GetServiceReferences(reference.interfaceId);
-    const std::lock_guard lock(mutex);
-    for (const ServiceReferenceU& service : found) {
-      if (!contains(wentEarly, service) && !contains(reference.candidates, service)) {
-        reference.candidates.push_back(service);
-      }
-    }
-  }
-  {
-    const std::lock_guard lock(mutex);
-    started = true;
-    wentEarly.clear();
-  }
-  settle();
+  std::unique_lock lock(mutex);
+  started = true;
+  settle(std::move(lock));
 }
 
-void Component::serviceCame(const ServiceReferenceU& service) {
-  {
-    const std::lock_guard lock(mutex);
-    for (Reference& reference : references) {
-      if (service.IsConvertibleTo(reference.interfaceId) &&
-          !contains(reference.candidates, service)) {
-        reference.candidates.push_back(service);
-      }
-    }
-  }
-  settle();
-}
-
-void Component::serviceWent(const ServiceReferenceU& service) {
-  {
-    const std::lock_guard lock(mutex);
-    for (Reference& reference : references) std::erase(reference.candidates, service);
-    if (!started) wentEarly.push_back(service);
-  }
-  settle();
+void Component::update() {
+  settle(std::unique_lock(mutex));
 }
 
 void Component::stop() {
-  {
-    const std::lock_guard lock(mutex);
-    stopped = true;
-  }
-  settle();
+  std::unique_lock lock(mutex);
+  stopped = true;
+  settle(std::move(lock));
 }
 
 bool Component::isOffered() const {
@@ -110,54 +75,80 @@ bool Component::isOffered() const {
   return current != nullptr;
 }
 
-// Registers or unregisters the service as the candidates of the references require. Calls others
+std::string Component::label() const {
+  return location + ": component " + component->name;
+}
+
+// Registers or unregisters the service as the services that are registered require. Calls others
 // without the lock. A thread that finds another one here returns: that one checks again.
-void Component::settle() {
-  std::unique_lock lock(mutex);
+void Component::settle(std::unique_lock<std::mutex> lock) {
+  outdated = true;
   if (changing) return;
   const FlagGuard raised(changing);
-  while (step(lock)) {
+  while (std::exchange(outdated, false)) {
+    try {
+      step(lock);
+    } catch (const std::exception&) {
+      // Another thread has left its change to this one.
+      if (!outdated) throw;
+    }
   }
 }
 
-bool Component::step(std::unique_lock<std::mutex>& lock) {
-  if (current && (stopped || !isStillBound())) {
-    const std::shared_ptr<Configuration> old = std::exchange(current, nullptr);
-    const UnlockGuard unlocked(lock);
-    withdraw(*old);
-    return true;
+void Component::step(std::unique_lock<std::mutex>& lock) {
+  if (current) {
+    if (stopped || !isStillBound()) withdraw(lock);
+  } else if (started && !stopped) {
+    offer(lock);
   }
-  if (!current && started && !stopped && hasAllServices()) {
-    current = std::make_shared<Configuration>(component, factory, context, bestServices());
-    const std::shared_ptr<Configuration> made = current;
-    const UnlockGuard unlocked(lock);
-    offer(made);
-    return true;
-  }
-  return false;
-}
-
-bool Component::hasAllServices() const {
-  return std::none_of(references.begin(), references.end(),
-                      [](const Reference& reference) { return reference.candidates.empty(); });
 }
 
 bool Component::isStillBound() const {
-  return std::equal(references.begin(), references.end(), current->boundServices().begin(),
-                    [](const Reference& reference, const ServiceReferenceU& service) {
-                      return contains(reference.candidates, service);
-                    });
+  const Services& services = current->boundServices();
+  return std::all_of(services.begin(), services.end(), detail::isFindable);
 }
 
-std::vector<ServiceReferenceU> Component::bestServices() const {
-  std::vector<ServiceReferenceU> best;
-  for (const Reference& reference : references) {
-    best.push_back(*std::max_element(reference.candidates.begin(), reference.candidates.end()));
+// Does nothing when a reference has no service.
+void Component::offer(std::unique_lock<std::mutex>& lock) {
+  const UnlockGuard unlocked(lock);
+  auto services = findServices();
+  if (!services) return;
+  const auto made =
+      std::make_shared<Configuration>(component, factory, context, location, std::move(*services));
+  if (!makeCurrent(made)) return;
+  try {
+    registerService(made);
+  } catch (const std::exception&) {
+    const std::lock_guard locked(mutex);
+    current = nullptr;
+    throw;
   }
-  return best;
 }
 
-void Component::offer(const std::shared_ptr<Configuration>& made) {
+// Returns the preferred service of each reference, nothing when one has none.
+std::optional<Component::Services> Component::findServices() {
+  // First, so that the others are not looked up while one is missing.
+  const bool isOneMissing =
+      std::any_of(serviceCounts.begin(), serviceCounts.end(),
+                  [](const detail::ServiceCount* count) { return *count == 0; });
+  if (isOneMissing) return std::nullopt;
+  Services found;
+  for (const detail::ReferenceDescription& reference : component->references) {
+    found.push_back(context.GetServiceReference(reference.interfaceId));
+    if (!detail::isFindable(found.back())) return std::nullopt;
+  }
+  return found;
+}
+
+// Says whether the component was not stopped in the meantime.
+bool Component::makeCurrent(const std::shared_ptr<Configuration>& made) {
+  const std::lock_guard lock(mutex);
+  if (stopped) return false;
+  current = made;
+  return true;
+}
+
+void Component::registerService(const std::shared_ptr<Configuration>& made) {
   const std::shared_ptr<ServiceFactory> service = made;
   const auto interfaces = std::make_shared<InterfaceMap>();
   for (const std::string& interfaceId : component->interfaceIds) {
@@ -170,14 +161,20 @@ void Component::offer(const std::shared_ptr<Configuration>& made) {
   registration = context.RegisterService(interfaces, properties);
 }
 
-void Component::withdraw(Configuration& old) {
+void Component::withdraw(std::unique_lock<std::mutex>& lock) {
+  // Other services may take the place of those that have gone.
+  outdated = true;
+  std::shared_ptr<Configuration> old = std::exchange(current, nullptr);
+  const UnlockGuard unlocked(lock);
   try {
     registration.Unregister();
   } catch (const std::logic_error&) {
     // The framework has unregistered it: the bundle stopped while the service was registered.
   }
   registration = nullptr;
-  old.close();
+  old->close();
+  // Without the lock: a service that nothing else refers to is destroyed with it.
+  old.reset();
 }
 
 }  // namespace cppmicroservices::declarativeservices

@@ -37,11 +37,11 @@ class BoundServices : public service::component::ComponentContext {
 
 Configuration::Configuration(std::shared_ptr<const detail::ComponentDescription> description,
                              const FactoryFunctions& functions, BundleContext ownContext,
-                             std::vector<ServiceReferenceU> bound)
+                             std::string file, std::vector<ServiceReferenceU> bound)
     : component(std::move(description)),
       factory(functions),
       context(std::move(ownContext)),
-      location(context.GetBundle().GetLocation()),
+      location(std::move(file)),
       services(std::move(bound)) {}
 
 void Configuration::fail(const std::string& reason) const {

@@ -23,9 +23,10 @@ namespace cppmicroservices::declarativeservices {
 /// May be used from several threads, which wait only for the one that makes the object.
 class Configuration : public ServiceFactory, public std::enable_shared_from_this<Configuration> {
  public:
-  /// `bound` has a service for each reference of `description`, in order.
+  /// `bound` has a service for each reference of `description`, in order. `file` is the library,
+  /// for messages.
   Configuration(std::shared_ptr<const detail::ComponentDescription> description,
-                const FactoryFunctions& functions, BundleContext ownContext,
+                const FactoryFunctions& functions, BundleContext ownContext, std::string file,
                 std::vector<ServiceReferenceU> bound);
 
   /// Returns the one object for all bundles. Throws `ComponentException` when it cannot be made:

@@ -1,6 +1,7 @@
 #include "Runtime.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include <cppmicroservices/Constants.h>
@@ -24,13 +25,12 @@ void Runtime::start() {
 
 void Runtime::stop() {
   context.RemoveListener(std::move(bundleListener));
-  std::map<long, Components> left;
   {
     const std::lock_guard lock(mutex);
     stopped = true;
-    left = bundles;
   }
-  for (const auto& [id, components] : left) remove(id);
+  // Not by a copy of the table, for which there may be no memory.
+  while (const auto id = firstBundle()) remove(*id);
   context.RemoveListener(std::move(serviceListener));
 }
 
@@ -40,10 +40,11 @@ void Runtime::bundleChanged(const BundleEvent& event) {
 }
 
 void Runtime::serviceChanged(const ServiceEvent& event) {
-  const ServiceReferenceU service = event.GetServiceReference();
-  for (const std::shared_ptr<Component>& component : watchersOf(service)) {
-    if (event.GetType() == ServiceEvent::SERVICE_REGISTERED) component->serviceCame(service);
-    if (event.GetType() == ServiceEvent::SERVICE_UNREGISTERING) component->serviceWent(service);
+  const bool hasComeOrGone = event.GetType() == ServiceEvent::SERVICE_REGISTERED ||
+                             event.GetType() == ServiceEvent::SERVICE_UNREGISTERING;
+  if (!hasComeOrGone) return;
+  for (const std::shared_ptr<Component>& component : watchersOf(event.GetServiceReference())) {
+    change(*component, &Component::update);
   }
 }
 
@@ -52,9 +53,10 @@ Runtime::Components Runtime::watchersOf(const ServiceReferenceU& service) {
   const Any interfaceIds = service.GetProperty(Constants::OBJECTCLASS);
   const std::lock_guard lock(mutex);
   for (const std::string& interfaceId : ref_any_cast<std::vector<std::string>>(interfaceIds)) {
-    const auto range = watchers.equal_range(interfaceId);
-    std::transform(range.first, range.second, std::back_inserter(found),
-                   [](const auto& entry) { return entry.second; });
+    const auto entry = watchers.find(interfaceId);
+    if (entry == watchers.end()) continue;
+    std::transform(entry->second.begin(), entry->second.end(), std::back_inserter(found),
+                   [](const auto& watcher) { return watcher.second; });
   }
   return found;
 }
@@ -62,8 +64,10 @@ Runtime::Components Runtime::watchersOf(const ServiceReferenceU& service) {
 void Runtime::add(const Bundle& bundle) {
   if (bundle.GetState() != Bundle::STATE_ACTIVE) return;
   const Components components = makeComponents(bundle);
-  if (!keep(bundle, components)) return;
-  for (const std::shared_ptr<Component>& component : components) component->start();
+  if (!keep(bundle.GetBundleId(), components)) return;
+  for (const std::shared_ptr<Component>& component : components) {
+    change(*component, &Component::start);
+  }
   reportCircle(bundle, components);
   // A bundle that began to stop before it was kept has no further event for it.
   if (bundle.GetState() != Bundle::STATE_ACTIVE) remove(bundle.GetBundleId());
@@ -82,15 +86,20 @@ Runtime::Components Runtime::makeComponents(const Bundle& bundle) {
 }
 
 // Says whether this call has added the bundle.
-bool Runtime::keep(const Bundle& bundle, const Components& components) {
+bool Runtime::keep(long bundleId, const Components& components) {
   const std::lock_guard lock(mutex);
-  if (stopped || !bundles.emplace(bundle.GetBundleId(), components).second) return false;
-  for (const std::shared_ptr<Component>& component : components) {
-    for (const auto& reference : component->description().references) {
-      watchers.emplace(reference.interfaceId, component);
+  if (stopped || !bundles.emplace(bundleId, components).second) return false;
+  for (std::size_t place = 0; place < components.size(); ++place) {
+    for (const auto& reference : components[place]->description().references) {
+      watchers[reference.interfaceId].emplace(std::pair(bundleId, place), components[place]);
     }
   }
   return true;
+}
+
+std::optional<long> Runtime::firstBundle() {
+  const std::lock_guard lock(mutex);
+  return bundles.empty() ? std::nullopt : std::optional(bundles.begin()->first);
 }
 
 void Runtime::remove(long bundleId) {
@@ -103,10 +112,39 @@ Runtime::Components Runtime::takeAll(long bundleId) {
   if (entry == bundles.end()) return {};
   Components components = std::move(entry->second);
   bundles.erase(entry);
-  std::erase_if(watchers, [&](const auto& watcher) {
-    return std::find(components.begin(), components.end(), watcher.second) != components.end();
-  });
+  for (std::size_t place = 0; place < components.size(); ++place) {
+    forget(bundleId, place, components[place]->description());
+  }
   return components;
+}
+
+void Runtime::forget(long bundleId, std::size_t place,
+                     const detail::ComponentDescription& component) {
+  for (const detail::ReferenceDescription& reference : component.references) {
+    const auto entry = watchers.find(reference.interfaceId);
+    if (entry == watchers.end()) continue;
+    entry->second.erase({bundleId, place});
+    if (entry->second.empty()) watchers.erase(entry);
+  }
+}
+
+// An exception affects this component only.
+void Runtime::change(Component& component, void (Component::*operation)()) noexcept {
+  try {
+    (component.*operation)();
+  } catch (const std::exception& problem) {
+    reportFailure(component, problem);
+  }
+}
+
+void Runtime::reportFailure(const Component& component, const std::exception& problem) noexcept {
+  try {
+    const Bundle bundle = component.bundle();
+    if (bundle.GetState() != Bundle::STATE_ACTIVE) return;
+    report(bundle, component.label() + ": its service cannot be registered: " + problem.what());
+  } catch (const std::exception&) {
+    // The bundle or the runtime has stopped, or there is no memory for the report.
+  }
 }
 
 void Runtime::reportCircle(const Bundle& bundle, const Components& components) {

@@ -13,9 +13,13 @@
 #include <cppmicroservices/ServiceEvent.h>
 
 #include "framework/FrameworkFixture.hpp"
+#include "platform/declarativeservices/MadeBundles.hpp"
 #include "support/testCycles.hpp"
 
 using cppmicroservices::Bundle;
+using cppmicroservices::BundleContext;
+using cppmicroservices::Framework;
+using cppmicroservices::FrameworkFactory;
 using cppmicroservices::ServiceEvent;
 using cppmicroservices::ServiceRegistration;
 using testing::ElementsAre;
@@ -148,6 +152,36 @@ TEST_F(Runtime, ServiceUnregisteredWhileComponentsStartIsNotBound) {
   parts.Start();
   EXPECT_TRUE(context.GetServiceReference<demo::Word>());
   EXPECT_FALSE(context.GetServiceReference<demo::Number>());
+}
+
+TEST_F(Runtime, ServiceUnregisteredBeforeTheRuntimeIsToldOfItIsNotBound) {
+  Bundle provider;
+  // Comes before the runtime, which is told that the service goes and then that it came.
+  onService(ServiceEvent::SERVICE_REGISTERED, "(objectclass=svc.provided)",
+            [&provider] { provider.Stop(); });
+  runtime = startRuntime();
+  auto bundles = installMade(context, "early",
+                             {{{"demo::Fine", {"svc.provided"}, {"svc.cue"}}},
+                              {{"demo::Fine", {"svc.built"}, {"svc.provided"}}}});
+  provider = bundles.at(0);
+  for (Bundle& bundle : bundles) bundle.Start();
+  const auto cue = registerNamed(context, "svc.cue");
+  EXPECT_EQ(provider.GetState(), Bundle::STATE_RESOLVED);
+  EXPECT_FALSE(context.GetServiceReference("svc.built"));
+  EXPECT_THAT(takeProblems(), IsEmpty());
+}
+
+TEST_F(Runtime, FrameworkWithComponentsStopsWithItsLastHandle) {
+  BundleContext kept;
+  {
+    Framework other = FrameworkFactory().NewFramework();
+    other.Start();
+    kept = other.GetBundleContext();
+    kept.InstallBundles(SCR_BUNDLE).at(0).Start();
+    kept.InstallBundles(pathOf("parts")).at(0).Start();
+    ASSERT_TRUE(kept.GetServiceReference<demo::Word>());
+  }
+  EXPECT_FALSE(kept);
 }
 
 TEST_F(Runtime, ComponentWorksAfterAListenerThrew) {
