@@ -64,6 +64,7 @@ class ServiceTracker : protected ServiceTrackerCustomizer<S, T> {
   virtual void Open() { services.open(); }
 
   /// Stops to track: removes every service, and waits until no other thread is in the customizer.
+  /// Also waits for a `Close` in another thread, unless the customizer calls it.
   virtual void Close() { services.close(); }
 
   /// Waits until a service is tracked or the tracker is closed; returns what `GetService` does.

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <cstddef>
 #include <exception>
 #include <mutex>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
 #include <unordered_map>
 #include <unordered_set>
@@ -12,6 +14,7 @@
 
 #include "cppmicroservices/Constants.h"
 #include "cppmicroservices/ServiceEvent.h"
+#include "cppmicroservices/detail/ServiceState.h"
 
 namespace cppmicroservices::detail {
 
@@ -20,10 +23,40 @@ namespace {
 // How often a waiting thread looks whether its context is still valid, of which nothing tells it.
 constexpr std::chrono::milliseconds kContextCheckInterval{50};
 
+// Returns a value of a filter that matches `text` only: the identifier of a template may contain
+// special characters.
+std::string escaped(const std::string& text) {
+  std::string value;
+  for (const char character : text) {
+    if (std::string_view(R"(\*())").find(character) != std::string_view::npos) value += '\\';
+    value += character;
+  }
+  return value;
+}
+
 std::string filterOf(const TrackedServices::Criteria& criteria) {
   if (criteria.interfaceId.empty()) return criteria.filter;
   const bool hasScope = criteria.interfaceId.starts_with("::");
-  return "(" + Constants::OBJECTCLASS + "=" + criteria.interfaceId.substr(hasScope ? 2 : 0) + ")";
+  const std::string interfaceId = criteria.interfaceId.substr(hasScope ? 2 : 0);
+  return "(" + Constants::OBJECTCLASS + "=" + escaped(interfaceId) + ")";
+}
+
+// A callback that the current thread is in. Each refers to the one around it.
+struct Call {
+  const void* tracker;
+  const void* session;
+  const Call* outer;
+};
+
+thread_local const Call* innermostCall = nullptr;
+
+template <class Condition>
+int countCalls(const Condition& condition) {
+  int count = 0;
+  for (const Call* call = innermostCall; call != nullptr; call = call->outer) {
+    if (condition(*call)) ++count;
+  }
+  return count;
 }
 
 }  // namespace
@@ -31,7 +64,8 @@ std::string filterOf(const TrackedServices::Criteria& criteria) {
 /// What is tracked between an `open` and the `close` after it.
 class TrackedServices::Session {
  public:
-  explicit Session(const Callbacks& callbacks) : callbacks(callbacks) {}
+  Session(const void* tracker, const Callbacks& callbacks)
+      : tracker(tracker), callbacks(callbacks) {}
 
   void handle(const ServiceEvent& event) {
     const bool isGone = event.GetType() == ServiceEvent::SERVICE_UNREGISTERING ||
@@ -39,25 +73,26 @@ class TrackedServices::Session {
     if (isGone) {
       untrack(event.GetServiceReference());
     } else {
-      track(event.GetServiceReference(), event.GetType() == ServiceEvent::SERVICE_MODIFIED);
+      std::unique_lock lock(mutex);
+      gone.erase(event.GetServiceReference());
+      track(lock, event.GetServiceReference(), event.GetType() == ServiceEvent::SERVICE_MODIFIED);
     }
   }
 
-  void track(const ServiceReferenceU& reference, bool isModified) {
-    std::unique_lock lock(mutex);
-    if (isClosed) return;
-    if (const auto entry = tracked.find(reference); entry != tracked.end()) {
-      if (!isModified) return;
-      ++changes;
-      const Object object = entry->second;
-      call(lock, [&] { callbacks.modified(reference, object); });
-    } else if (adding.insert(reference).second) {
-      add(lock, reference);
+  // Tracks the services that a lookup has found after the session began to get events.
+  void trackFound(const std::vector<ServiceReferenceU>& references) {
+    for (const ServiceReferenceU& reference : references) {
+      std::unique_lock lock(mutex);
+      if (gone.count(reference) == 0) track(lock, reference, false);
     }
+    const std::lock_guard lock(mutex);
+    isOpening = false;
+    gone.clear();
   }
 
   void untrack(const ServiceReferenceU& reference) {
     std::unique_lock lock(mutex);
+    if (isOpening) gone.insert(reference);
     // The thread that adds it removes it.
     if (adding.erase(reference) > 0) return;
     const auto entry = tracked.find(reference);
@@ -68,10 +103,12 @@ class TrackedServices::Session {
     call(lock, [&, removed = removed, object = object] { callbacks.removed(removed, object); });
   }
 
-  // Removes all services; throws the first exception of a callback afterwards.
-  void close() {
+  // Removes all services and waits for the callbacks in other threads. Returns the first exception
+  // of a callback.
+  std::exception_ptr close() noexcept {
     std::unique_lock lock(mutex);
     isClosed = true;
+    isOpening = false;
     adding.clear();
     changed.notify_all();
     std::exception_ptr thrown;
@@ -85,14 +122,12 @@ class TrackedServices::Session {
       }
       lock.lock();
     }
-    const std::thread::id self = std::this_thread::get_id();
-    changed.wait(lock, [&] {
-      return std::all_of(callers.begin(), callers.end(), [&](auto id) { return id == self; });
-    });
-    if (thrown) std::rethrow_exception(thrown);
+    const int own = countCalls([this](const Call& call) { return call.session == this; });
+    changed.wait(lock, [&] { return calls == own; });
+    return thrown;
   }
 
-  // Returns false when the time was up, or nothing will be tracked any more.
+  // Returns whether a service is tracked or the session is closed, false when the time was up.
   bool waitUntil(std::chrono::steady_clock::time_point end) {
     std::unique_lock lock(mutex);
     return changed.wait_until(lock, end, [this] { return isClosed || !tracked.empty(); });
@@ -104,6 +139,21 @@ class TrackedServices::Session {
   bool isClosed = false;
 
  private:
+  void track(std::unique_lock<std::mutex>& lock, const ServiceReferenceU& reference,
+             bool isModified) {
+    if (isClosed) return;
+    if (const auto entry = tracked.find(reference); entry != tracked.end()) {
+      if (!isModified) return;
+      ++changes;
+      const Object object = entry->second;
+      call(lock, [&] { callbacks.modified(reference, object); });
+    } else if (isFindable(reference) && adding.insert(reference).second) {
+      // One that is not findable has gone, and `untrack` may have been called before. It is called
+      // after this for one that goes later.
+      add(lock, reference);
+    }
+  }
+
   void add(std::unique_lock<std::mutex>& lock, const ServiceReferenceU& reference) {
     Object object;
     try {
@@ -124,39 +174,49 @@ class TrackedServices::Session {
     }
   }
 
-  // Calls `function` without the lock.
+  // Calls `function` without the lock. Allocates nothing, so that no callback is left out.
   template <class Function>
   void call(std::unique_lock<std::mutex>& lock, const Function& function) {
-    callers.push_back(std::this_thread::get_id());
+    const Call made{tracker, this, innermostCall};
+    innermostCall = &made;
+    ++calls;
     lock.unlock();
     try {
       function();
     } catch (...) {
       lock.lock();
-      endCall();
+      endCall(made);
       throw;
     }
     lock.lock();
-    endCall();
+    endCall(made);
   }
 
-  void endCall() {
-    callers.erase(std::find(callers.begin(), callers.end(), std::this_thread::get_id()));
+  void endCall(const Call& made) {
+    innermostCall = made.outer;
+    --calls;
     changed.notify_all();
   }
 
+  const void* const tracker;
   const Callbacks callbacks;
   std::condition_variable changed;
+  // The services that have gone, and not come again, since before the lookup of `trackFound`.
+  std::unordered_set<ServiceReferenceU> gone;
+  bool isOpening = true;
   // Those for which a thread is in `Callbacks::adding`.
   std::unordered_set<ServiceReferenceU> adding;
-  // The threads that are in a callback.
-  std::vector<std::thread::id> callers;
+  // How many callbacks all threads are in.
+  int calls = 0;
 };
 
 struct TrackedServices::State {
   mutable std::mutex mutex;
   std::shared_ptr<Session> session;
   ListenerToken listener;
+  // How many sessions are being closed.
+  int closing = 0;
+  std::condition_variable closed;
 };
 
 TrackedServices::TrackedServices(const BundleContext& context, Criteria criteria,
@@ -174,7 +234,7 @@ TrackedServices::Criteria TrackedServices::only(const ServiceReferenceBase& refe
 }
 
 void TrackedServices::open() {
-  const auto session = std::make_shared<Session>(callbacks);
+  const auto session = std::make_shared<Session>(this, callbacks);
   {
     const std::lock_guard lock(state->mutex);
     if (state->session) return;
@@ -183,10 +243,7 @@ void TrackedServices::open() {
     state->session = session;
   }
   try {
-    for (const auto& reference :
-         context.GetServiceReferences(criteria.interfaceId, criteria.filter)) {
-      session->track(reference, false);
-    }
+    session->trackFound(context.GetServiceReferences(criteria.interfaceId, criteria.filter));
   } catch (...) {
     close();
     throw;
@@ -200,14 +257,34 @@ void TrackedServices::close() {
     const std::lock_guard lock(state->mutex);
     session = std::exchange(state->session, nullptr);
     listener = std::move(state->listener);
+    if (session) ++state->closing;
   }
-  if (!session) return;
+  std::exception_ptr thrown;
+  if (session) {
+    removeListener(std::move(listener));
+    thrown = session->close();
+  }
+  waitForOthers(session ? 1 : 0);
+  if (thrown) std::rethrow_exception(thrown);
+}
+
+void TrackedServices::removeListener(ListenerToken listener) noexcept {
   try {
     context.RemoveListener(std::move(listener));
-  } catch (const std::runtime_error&) {
+  } catch (const std::exception&) {
     // The context is no longer valid: the listener was removed when its bundle stopped.
   }
-  session->close();
+}
+
+// Ends the part of the caller, who has closed `own` sessions, and waits for the other threads that
+// close one. Not in a callback: they wait for it.
+void TrackedServices::waitForOthers(int own) noexcept {
+  const bool isInCallback =
+      countCalls([this](const Call& call) { return call.tracker == this; }) > 0;
+  std::unique_lock lock(state->mutex);
+  state->closing -= own;
+  state->closed.notify_all();
+  if (!isInCallback) state->closed.wait(lock, [this] { return state->closing == 0; });
 }
 
 std::shared_ptr<TrackedServices::Session> TrackedServices::current() const {
@@ -234,12 +311,18 @@ std::vector<TrackedServices::Entry> TrackedServices::entries() const {
   const auto session = current();
   if (!session) return {};
   std::unique_lock lock(session->mutex);
-  std::vector<Entry> entries;
-  entries.reserve(session->tracked.size());
-  for (const auto& [reference, object] : session->tracked) entries.push_back({reference, object});
+  std::vector<std::pair<Preference, Entry>> found;
+  found.reserve(session->tracked.size());
+  for (const auto& [reference, object] : session->tracked) {
+    found.push_back({preferenceOf(reference), {reference, object}});
+  }
   lock.unlock();
-  std::sort(entries.begin(), entries.end(),
-            [](const Entry& left, const Entry& right) { return left.reference < right.reference; });
+  // By a copy of what defines the order, since another thread may change the ranking of a service.
+  std::sort(found.begin(), found.end(),
+            [](const auto& left, const auto& right) { return left.first < right.first; });
+  std::vector<Entry> entries;
+  entries.reserve(found.size());
+  for (auto& [preference, entry] : found) entries.push_back(std::move(entry));
   return entries;
 }
 

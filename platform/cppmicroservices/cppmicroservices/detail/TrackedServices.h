@@ -9,6 +9,7 @@
 
 #include "cppmicroservices/BundleContext.h"
 #include "cppmicroservices/FrameworkExport.h"
+#include "cppmicroservices/ListenerToken.h"
 #include "cppmicroservices/ServiceReference.h"
 
 namespace cppmicroservices::detail {
@@ -55,8 +56,9 @@ class QUENLITH_CPPMICROSERVICES_EXPORT TrackedServices {
   /// it is closed then.
   void open();
 
-  /// Removes all services, and waits for callbacks in other threads. Does nothing when it is
-  /// closed. Throws the first exception of `removed` after everything else was done.
+  /// Removes all services, and waits for callbacks in other threads. When another thread closes it,
+  /// waits for that, unless this is called by a callback. Throws the first exception of `removed`
+  /// after everything else was done.
   void close();
 
   /// Waits until a service is tracked, at most for `timeout`, without a limit when there is none.
@@ -81,6 +83,8 @@ class QUENLITH_CPPMICROSERVICES_EXPORT TrackedServices {
   class Session;
 
   std::shared_ptr<Session> current() const;
+  void removeListener(ListenerToken listener) noexcept;
+  void waitForOthers(int own) noexcept;
 
   BundleContext context;
   const Criteria criteria;
