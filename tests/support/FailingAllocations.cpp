@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -14,6 +15,9 @@ thread_local std::size_t firstToFail = kNever;
 thread_local std::size_t failureCount = kNever;
 
 thread_local bool failed = false;
+
+thread_local std::size_t hookedAllocation = kNever;
+thread_local std::function<void()> hook;
 
 /// Prints at the end of the program how many allocations have failed.
 struct Summary {
@@ -29,6 +33,10 @@ enum class Need { kMust, kMay };
 // Counts an allocation and says whether it fails.
 bool fails(Need need) noexcept {
   const std::size_t number = allocations++;
+  if (number >= hookedAllocation) {
+    hookedAllocation = kNever;
+    hook();
+  }
   if (number < firstToFail || number - firstToFail >= failureCount) return false;
   if (need == Need::kMay && failureCount == 1) {
     ++firstToFail;
@@ -150,6 +158,20 @@ FailingAllocations::~FailingAllocations() {
 
 bool FailingAllocations::hasFailed() const {
   return failed;
+}
+
+AllocationHook::AllocationHook(std::size_t number, std::function<void()> action) {
+  hook = std::move(action);
+  hookedAllocation = allocations + number;
+}
+
+AllocationHook::~AllocationHook() {
+  hookedAllocation = kNever;
+  hook = nullptr;
+}
+
+bool AllocationHook::hasCalled() const {
+  return hookedAllocation == kNever;
 }
 
 }  // namespace quenlith::test

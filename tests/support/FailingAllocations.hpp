@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <new>
 #include <stdexcept>
@@ -27,6 +28,19 @@ class FailingAllocations {
 
   /// Returns whether one has failed.
   bool hasFailed() const;
+};
+
+/// While it lives, this thread calls `action` in the allocation after the next `number` ones. What
+/// it calls and waits for must not need a lock that the thread has then.
+class AllocationHook {
+ public:
+  AllocationHook(std::size_t number, std::function<void()> action);
+  ~AllocationHook();
+  AllocationHook(const AllocationHook&) = delete;
+  AllocationHook& operator=(const AllocationHook&) = delete;
+
+  /// Returns whether it has called `action`.
+  bool hasCalled() const;
 };
 
 /// Runs `operation` repeatedly: its first allocation fails, then all from the first one on, then

@@ -84,7 +84,7 @@ std::vector<ServiceReferenceU> Bundle::GetServicesInUse() const {
   valid().requireInstalled();
   std::vector<ServiceReferenceU> references;
   for (const auto& service : d->uses.all()) {
-    if (!service->isGoing()) references.push_back(service->reference());
+    if (service->isFindable()) references.push_back(service->reference());
   }
   return references;
 }

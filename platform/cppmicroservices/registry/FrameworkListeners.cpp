@@ -201,7 +201,7 @@ void FrameworkListeners::send(const ServiceEvent& event, const AnyMap* before) n
   const bool tellsOfTheEnd = event.GetType() == ServiceEvent::SERVICE_UNREGISTERING;
   forEach(serviceListeners, [&](const auto& listener) {
     if (matches(listener.filter, *properties)) {
-      if (tellsOfTheEnd || !!record->isFindable()) call(listener, event);
+      if (tellsOfTheEnd || record->isFindable()) call(listener, event);
     } else if (before != nullptr && matches(listener.filter, *before)) {
       call(listener, endMatch);
     }

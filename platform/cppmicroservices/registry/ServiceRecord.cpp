@@ -229,12 +229,12 @@ InterfaceMapConstPtr ServiceRecord::callFactory(const Use& use) noexcept {
     service = use.factory->GetService(use.user->bundle(), registration());
     if (isComplete(service)) return service;
     // A factory need not make objects any more while its service goes.
-    if (!isGoing()) {
+    if (isFindable()) {
       report("a service factory made no object for an interface of its service",
              ServiceException::FACTORY_ERROR);
     }
   } catch (...) {
-    if (!isGoing()) reportThrown("a service factory threw an exception");
+    if (isFindable()) reportThrown("a service factory threw an exception");
   }
   return nullptr;
 }

@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <cstddef>
 #include <exception>
+#include <future>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -18,7 +20,9 @@
 using cppmicroservices::Bundle;
 using cppmicroservices::FrameworkEvent;
 using cppmicroservices::ServiceEvent;
+using cppmicroservices::ServiceRegistrationU;
 using quenlith::test::allocationCount;
+using quenlith::test::AllocationHook;
 using quenlith::test::FailingAllocations;
 using testing::AllOf;
 using testing::ElementsAre;
@@ -121,6 +125,34 @@ TEST_F(Isolation, ScopeOfInterfacesIsNotPartOfWhatTheFactoryProvides) {
   start({{{"demo::Needs", {"::demo::Broken"}, {"::demo::Word"}}}});
   EXPECT_NE(context.GetService(context.GetServiceReference<demo::Broken>()), nullptr);
   EXPECT_THAT(takeProblems(), IsEmpty());
+}
+
+TEST_F(Isolation, BundleMayStopAtAnyPointWhileItsComponentBecomesReady) {
+  Bundle runtime = startRuntime();
+  Bundle stopping = start({{{"demo::Fine", {"svc.x"}, {"svc.needed"}}},
+                           {{"demo::Fine", {"svc.y"}, {"svc.needed"}}}})
+                        .at(0);
+  bool hasStopped = true;
+  for (std::size_t number = 0; hasStopped; ++number) {
+    std::future<void> stop;
+    const auto stopElsewhere = [&] {
+      stop = std::async(std::launch::async, [&stopping] { stopping.Stop(); });
+      // Not to its end when the allocation is made under a lock that it needs.
+      stop.wait_for(std::chrono::milliseconds(20));
+    };
+    ServiceRegistrationU needed;
+    {
+      const AllocationHook hook(number, stopElsewhere);
+      needed = registerNamed(context, "svc.needed");
+      hasStopped = hook.hasCalled();
+    }
+    if (hasStopped) stop.get();
+    ASSERT_EQ(isOffered("svc.x"), !hasStopped) << number;
+    ASSERT_TRUE(isOffered("svc.y")) << number;
+    ASSERT_THAT(takeProblems(), IsEmpty()) << number;
+    needed.Unregister();
+    stopping.Start();
+  }
 }
 
 /// Runs `operation` with its n-th allocation failing, and then with all from the n-th on, for every

@@ -171,6 +171,23 @@ TEST_F(Runtime, ServiceUnregisteredBeforeTheRuntimeIsToldOfItIsNotBound) {
   EXPECT_THAT(takeProblems(), IsEmpty());
 }
 
+// The README states this limit. Fewer with sanitizers, which need more stack per level.
+TEST_F(Runtime, OneServiceMayMakeAChainOfAThousandComponentsReady) {
+  constexpr std::size_t kLevels = CYCLES / 10;
+  runtime = startRuntime();
+  std::vector<std::vector<MadeComponent>> chain;
+  for (std::size_t level = 0; level < kLevels; ++level) {
+    chain.push_back({{"demo::Fine",
+                      {"svc.level" + std::to_string(level)},
+                      {"svc.level" + std::to_string(level + 1)}}});
+  }
+  for (Bundle& bundle : installMade(context, "chain", chain)) bundle.Start();
+  auto cue = registerNamed(context, "svc.level" + std::to_string(kLevels));
+  EXPECT_TRUE(context.GetServiceReference("svc.level0"));
+  cue.Unregister();
+  EXPECT_FALSE(context.GetServiceReference("svc.level0"));
+}
+
 TEST_F(Runtime, FrameworkWithComponentsStopsWithItsLastHandle) {
   BundleContext kept;
   {
