@@ -65,8 +65,9 @@ FrameworkCore::Installed FrameworkCore::add(const std::string& location,
   const auto framework = systemBundle();
   const std::lock_guard lock(mutex);
   // Under the lock, so that a framework that stops finds every bundle.
-  if (!framework->acceptsBundles())
+  if (!framework->acceptsBundles()) {
     throw std::logic_error("the framework stops: no bundle is added");
+  }
   BundleTable added;
   for (const AnyMap& manifest : manifests) {
     const auto bundle = std::make_shared<LibraryBundle>(shared_from_this(), lastId + 1, location,
