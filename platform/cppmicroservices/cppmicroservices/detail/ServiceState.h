@@ -9,9 +9,9 @@ namespace cppmicroservices::detail {
 
 /// Says whether lookups find the service of `reference`.
 ///
-/// They stop to find it before the first listener is told that it is being unregistered. Who stores
-/// a service under a lock that its listener takes too, and asks this after it has stored it, never
-/// keeps one that is gone: the listener finds it, or this says that it is going.
+/// It becomes false before any listener is told that the service is being unregistered. A caller
+/// that asks for it under a lock which its own listener takes too, and stores the service under the
+/// same lock, never keeps one that has gone: if this was true, the listener is called later.
 QUENLITH_CPPMICROSERVICES_EXPORT bool isFindable(const ServiceReferenceBase& reference);
 
 /// The ranking of a service and its negative id: the preferred service has the greatest.
