@@ -59,7 +59,10 @@ class Reader {
   void add(const Operand& operand) {
     CLI::Option* const parsed = app.add_option(std::string(operand.name));
     if (operand.isRepeatable) {
-      parsed->expected(CLI::detail::expected_max_vector_size);
+      // An option that takes extra arguments would read "[a,b]" as a list of values. This one
+      // needs as many values as there can be, which is checked nowhere.
+      constexpr int kMost = CLI::detail::expected_max_vector_size;
+      parsed->expected(kMost, kMost);
       parsed->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     }
     operands.emplace_back(&operand, parsed);

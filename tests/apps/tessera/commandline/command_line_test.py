@@ -4,6 +4,7 @@
 command_line_test.py PROGRAM
 """
 import fcntl
+import json
 import os
 import pathlib
 import pty
@@ -11,14 +12,15 @@ import re
 import struct
 import subprocess
 import sys
+import tempfile
 import termios
 import unittest
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 
 
-def tessera(*arguments):
-    return subprocess.run([PROGRAM, *arguments], stdin=subprocess.DEVNULL, capture_output=True, timeout=120)
+def tessera(*arguments, **options):
+    return subprocess.run([PROGRAM, *arguments], stdin=subprocess.DEVNULL, capture_output=True, timeout=120, **options)
 
 
 def in_terminal(arguments, columns):
@@ -133,6 +135,27 @@ class CommandLine(unittest.TestCase):
     def test_what_follows_two_dashes_is_not_an_option(self):
         done = tessera("parse", "--", "--help")
         self.assertRefused(done, "--help: error: cannot be opened: No such file or directory; check the name", status=3)
+
+    def test_a_path_in_brackets_is_one_path(self):
+        with tempfile.TemporaryDirectory() as folder:
+            names = ["[x]", "[a,b]", "[]", "[-]", '[x,"q"]', "['x']"]
+            # What the names would be without brackets.
+            for name in (*names, "x", "a", "b", "q"):
+                pathlib.Path(folder, name).write_text("text\n", encoding="utf-8")
+            for arguments in (*([name] for name in names), ["--", "[x]"], ["--", *names], ["x", "[x]", "a", "b"], names):
+                with self.subTest(arguments=arguments):
+                    done = tessera("parse", "--format", "ndjson", *arguments, cwd=folder)
+                    paths = [json.loads(record)["file"] for record in done.stdout.splitlines()]
+                    self.assertEqual((paths, done.stderr), ([name for name in arguments if name != "--"], b""))
+            self.assertRefused(tessera("replay", "[x,a]", cwd=folder),
+                               "[x,a]: error: cannot be opened: No such file or directory; check the name")
+
+    def test_a_glob_in_brackets_is_one_glob(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for name in ("a", "b", "c", "a,b"):
+                pathlib.Path(folder, name).write_text("text\n", encoding="utf-8")
+            done = tessera("parse", "--format", "ndjson", "--glob", "[a,b]", ".", cwd=folder)
+            self.assertEqual([json.loads(record)["file"] for record in done.stdout.splitlines()], ["./a", "./b"])
 
     def test_help_is_as_wide_as_the_terminal(self):
         for columns in (50, 80, 132):
