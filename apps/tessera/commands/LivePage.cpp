@@ -94,7 +94,8 @@ LivePage::LivePage(const ViewOptions& options, std::vector<inputs::Input> inputs
 
 LivePage::~LivePage() = default;
 
-/// The number of a file is part of its section: another list needs other sections.
+/// The number of a file is part of its section: another list needs other sections. There are none
+/// when they could not be made.
 void LivePage::parseAll() {
   // One framework at a time.
   sections.reset();
@@ -103,7 +104,7 @@ void LivePage::parseAll() {
 }
 
 bool LivePage::update(const view::Changes& changes, std::vector<inputs::Input> listed) {
-  if (changes.isUnknown || !isSameList(files, listed)) {
+  if (changes.isUnknown || sections == nullptr || !isSameList(files, listed)) {
     files = std::move(listed);
     parseAll();
     return true;

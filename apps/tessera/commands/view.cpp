@@ -18,6 +18,7 @@
 #include "tessera/files/Interruption.hpp"
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/inputs/Input.hpp"
+#include "tessera/inputs/readFileList.hpp"
 #include "tessera/run/listFiles.hpp"
 #include "tessera/view/FileWatch.hpp"
 #include "tessera/view/LiveSite.hpp"
@@ -29,6 +30,17 @@ namespace {
 
 // How soon it is noticed that nobody has the page open any more.
 constexpr std::chrono::milliseconds kPatience{200};
+
+/// Replaces the file with more paths by those paths. It is read once: standard input ends.
+ViewOptions withListedPaths(ViewOptions options) {
+  inputs::InputOptions& inputs = options.inputs;
+  if (inputs.listFile.empty()) return options;
+  for (std::string& path : inputs::readFileList(inputs.listFile, inputs.isNulSeparated)) {
+    inputs.paths.push_back(std::move(path));
+  }
+  inputs.listFile.clear();
+  return options;
+}
 
 void requireFiles(const ViewOptions& options) {
   if (std::ranges::find(options.inputs.paths, "-") == options.inputs.paths.end()) return;
@@ -69,14 +81,16 @@ std::vector<inputs::Input> listAndWatch(const ViewOptions& options, view::FileWa
   return listed;
 }
 
-/// Keeps the page as it was when it cannot be made: the next change may help.
-bool updatePage(LivePage& page, view::Changes changes, const ViewOptions& options,
+/// Keeps the page as it was, and `changes`, when it cannot be made: the next change may help.
+bool updatePage(LivePage& page, view::Changes& changes, const ViewOptions& options,
                 view::FileWatch& watch) {
   try {
     const bool isListed = !changes.isListChanged && !changes.isUnknown;
     std::vector<inputs::Input> listed =
         isListed ? page.inputs() : listAndWatch(options, watch, changes);
-    return page.update(changes, std::move(listed));
+    const bool isOther = page.update(changes, std::move(listed));
+    changes = {};
+    return isOther;
   } catch (const diagnostics::ProblemError& error) {
     diagnostics::report(error.what());
     return false;
@@ -89,7 +103,8 @@ bool isAbandoned(const view::LiveSite& site, const ViewOptions& options) {
 
 }  // namespace
 
-int view(const ViewOptions& options) {
+int view(const ViewOptions& given) {
+  const ViewOptions options = withListedPaths(given);
   requireFiles(options);
   reportMissing(options.inputs.paths);
   files::endOnInterruption();
@@ -101,10 +116,12 @@ int view(const ViewOptions& options) {
   const std::unique_ptr<view::Server> server = view::startServer(site, options.port);
   announce(server->address());
   if (options.opensBrowser) view::openBrowser(server->address());
+  view::Changes pending;
   while (!isAbandoned(site, options)) {
     view::Changes changes = watch.await(kPatience);
-    if (changes.isEmpty() || !updatePage(page, std::move(changes), options, watch)) continue;
-    site.publish(page.html());
+    if (changes.isEmpty()) continue;
+    pending.add(std::move(changes));
+    if (updatePage(page, pending, options, watch)) site.publish(page.html());
   }
   return kFine;
 }

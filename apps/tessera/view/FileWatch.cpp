@@ -18,9 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A link has its content when it is created.
+// A link has its content when it is created. A change of attributes may make a file readable.
 constexpr unsigned kTouched =
-    IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
+    IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ATTRIB;
 constexpr unsigned kListed =
     IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF;
 // An editor writes a file in several steps, which are this close to each other.
@@ -66,6 +66,12 @@ std::vector<std::string> targetsOf(const std::string& path) {
   return targets;
 }
 
+/// Returns whether an event says that other files may be listed.
+bool changesList(unsigned mask, std::string_view name) {
+  const bool isOtherFolder = (mask & IN_ISDIR) != 0 && (mask & IN_ATTRIB) != 0;
+  return (mask & kListed) != 0 || isOtherFolder || name == ".gitignore";
+}
+
 bool isHidden(const fs::path& path) {
   return path.filename().native().starts_with('.');
 }
@@ -89,6 +95,12 @@ std::vector<std::string> foldersBelow(const std::string& path) {
 }
 
 }  // namespace
+
+void Changes::add(Changes others) {
+  touched.merge(others.touched);
+  isListChanged = isListChanged || others.isListChanged;
+  isUnknown = isUnknown || others.isUnknown;
+}
 
 FileWatch::FileWatch() : descriptor(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
   if (descriptor < 0) failWatch("tessera", errno);
@@ -178,7 +190,7 @@ void FileWatch::readEvents(Changes& changes) {
 
 void FileWatch::note(int watch, unsigned mask, std::string_view name, Changes& changes) {
   if ((mask & (IN_Q_OVERFLOW | IN_MOVE_SELF)) != 0) changes.isUnknown = true;
-  if ((mask & kListed) != 0) changes.isListChanged = true;
+  if (changesList(mask, name)) changes.isListChanged = true;
   const auto folder = folders.find(watch);
   if (folder == folders.end()) return;
   // It has another name, if any.

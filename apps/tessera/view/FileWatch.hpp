@@ -21,6 +21,9 @@ struct Changes {
   /// list.
   bool isUnknown = false;
 
+  /// Adds what has changed according to `others`.
+  void add(Changes others);
+
   bool isEmpty() const noexcept { return touched.empty() && !isListChanged && !isUnknown; }
 };
 

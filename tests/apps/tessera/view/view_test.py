@@ -3,6 +3,8 @@
 
 view_test.py PROGRAM
 """
+import contextlib
+import ctypes
 import http.client
 import os
 import pathlib
@@ -24,17 +26,27 @@ PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 # How long something may take on a loaded machine under a sanitizer.
 DEADLINE = 60
 
+PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH = 24, 1, 2
+
+
+def drop_rights():
+    """Lets the user root be refused like any other."""
+    for capability in (CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH):
+        ctypes.CDLL(None).prctl(PR_CAPBSET_DROP, capability, 0, 0, 0)
+
 
 class View:
     """A running `tessera view`; use it in a with statement."""
 
-    def __init__(self, folder, *arguments):
-        self.folder, self.arguments = folder, arguments
+    def __init__(self, folder, *arguments, **options):
+        """`says` is an expression that matches what the program writes to standard error."""
+        self.folder, self.arguments, self.options = folder, arguments, options
+        self.says = options.pop("says", "")
 
     def __enter__(self):
         self.process = subprocess.Popen([PROGRAM, "view", "--no-browser", *self.arguments], cwd=self.folder,
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-                                        start_new_session=True)
+                                        start_new_session=True, **self.options)
         self.address = self.process.stdout.readline().rstrip("\n")
         address = urllib.parse.urlsplit(self.address)
         self.authority, self.port, self.path = address.netloc, address.port, address.path
@@ -44,7 +56,7 @@ class View:
         self.process.kill()
         errors = self.process.communicate()[1]
         # A sanitizer would write what it finds.
-        if kind is None and errors:
+        if kind is None and errors and not re.fullmatch(self.says, errors):
             raise AssertionError(errors)
 
     def request(self, path, method="GET", **headers):
@@ -72,6 +84,10 @@ class View:
         connection = socket.create_connection(("127.0.0.1", self.port), timeout=DEADLINE)
         connection.sendall(f"GET {self.path}events HTTP/1.1\r\nHost: {self.authority}\r\n\r\n".encode())
         return connection
+
+    def message(self):
+        """Waits for a message, and returns it."""
+        return self.process.stderr.readline()
 
     def await_end(self, status=0):
         """Waits until the program ends, and checks its status."""
@@ -179,7 +195,9 @@ class Answers(Case):
             self.assertEqual(again.port, first.port)
 
     def test_what_cannot_be_shown_is_refused(self):
-        for arguments, message in ((["-"], "standard input cannot be watched"), (["--port", "0", "a"], "is not a port"),
+        self.write("list", "a\n-\n")
+        for arguments, message in ((["-"], "standard input cannot be watched"),
+                                   (["--files-from", "list"], "standard input cannot be watched"), (["--port", "0", "a"], "is not a port"),
                                    (["--port", "65536", "a"], "is not a port"),
                                    (["--close-after", "-1", "a"], "is not a time")):
             done = subprocess.run([PROGRAM, "view", *arguments], cwd=self.folder, capture_output=True, text=True,
@@ -292,6 +310,65 @@ class Changes(Case):
             view.await_page("!second")
             shutil.rmtree(self.folder / "t/new")
             view.await_page("!fourth")
+
+    def test_a_change_of_rights_or_of_gitignore_is_noticed(self):
+        self.write("t/a.py", "first\n")
+        self.write("t/new/b.py", "second\n")
+        self.write("t/.gitignore", "nothing\n")
+        os.chmod(self.folder / "t/new", 0)
+        os.chmod(self.folder / "t/a.py", 0)
+        with View(self.folder, "t", preexec_fn=drop_rights) as view:
+            view.await_page("Not parsed")
+            os.chmod(self.folder / "t/a.py", 0o644)
+            view.await_page("first")
+            os.chmod(self.folder / "t/new", 0o755)
+            view.await_page("second")
+            with open(self.folder / "t/.gitignore", "w", encoding="utf-8") as file:
+                file.write("new\n")
+            view.await_page("!second")
+
+    def test_a_list_of_files_is_read_once(self):
+        self.write("a.py", "first\n")
+        self.write("t/b.py", "second\n")
+        self.write("list", "a.py\nt\n")
+        with open(self.folder / "list", encoding="utf-8") as names, \
+                View(self.folder, "--files-from", "-", stdin=names) as view:
+            self.assertIn("second", view.page())
+            self.write("t/c.py", "third\n")
+            self.assertIn("first", view.await_page("third"))
+            os.rename(self.folder / "t/c.py", self.folder / "t/d.py")
+            self.assertIn("first", view.await_page("t/d.py"))
+            # As editors save a file.
+            self.write("new", "fourth\n")
+            os.rename(self.folder / "new", self.folder / "a.py")
+            self.assertIn("second", view.await_page("fourth"))
+
+    def test_a_change_is_not_lost_when_the_files_cannot_be_listed(self):
+        self.write("t/a.py", "first\n")
+        with View(self.folder, "t", says="(t/.gitignore:1:1: error: the line begins with .*\n)+") as view:
+            self.write("t/.gitignore", "\f\n")
+            self.assertIn("t/.gitignore:1:1: error: ", view.message())
+            # As editors save a file.
+            self.write("new", "second\n")
+            os.rename(self.folder / "new", self.folder / "t/a.py")
+            self.assertIn("t/.gitignore:1:1: error: ", view.message())
+            self.assertIn("first", view.page())
+            os.remove(self.folder / "t/.gitignore")
+            view.await_page("second")
+
+    def test_the_page_is_made_again_when_a_bundle_is_there_again(self):
+        pieces, = PROGRAM.parent.parent.rglob("libtessera_pieces.so")
+        bundle = self.folder / "bundle.so"
+        bundle.symlink_to(pieces)
+        self.write("t/a.py", "first\n")
+        missing = "bundle.so: error: the file cannot be read "
+        with View(self.folder, "--bare", "--bundle", "bundle.so", "t", says=f"({missing}.*\n)+") as view:
+            bundle.unlink()
+            self.write("t/b.py", "second\n")
+            self.assertIn(missing, view.message())
+            bundle.symlink_to(pieces)
+            self.write("t/a.py", "third\n")
+            self.assertIn("second", view.await_page("third"))
 
     def test_a_change_during_an_update_is_not_lost(self):
         self.write("t/a.py")
