@@ -1,5 +1,6 @@
 #include <httplib.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <exception>
@@ -18,8 +19,12 @@ namespace {
 constexpr const char* kAddress = "127.0.0.1";
 // Each open page takes a thread.
 constexpr std::size_t kThreads = 32;
+// How long a connection may be silent: it takes a thread, and needs no token for that.
+constexpr std::chrono::seconds kSilence{1};
 // How soon it is noticed that a page was closed.
 constexpr std::chrono::milliseconds kHeartbeat{500};
+// How often a thread that starts is looked at.
+constexpr std::chrono::milliseconds kPause{1};
 
 std::optional<std::string> headerOf(const httplib::Request& request, const char* name) {
   if (!request.has_header(name)) return std::nullopt;
@@ -93,14 +98,25 @@ class HttpServer final : public Server {
     url = "http://" + authority + "/" + token + "/";
     answerRequests();
     http.warmUp();
-    thread = std::thread([this] { http.listen_after_bind(); });
+    listen();
     return true;
   }
 
   const std::string& address() const noexcept override { return url; }
 
  private:
+  /// Returns when the thread listens: `stop` would do nothing before, and the thread never end.
+  void listen() {
+    thread = std::thread([this] {
+      http.listen_after_bind();
+      hasEnded = true;
+    });
+    while (!http.is_running() && !hasEnded) std::this_thread::sleep_for(kPause);
+  }
+
   void answerRequests() {
+    http.set_read_timeout(kSilence);
+    http.set_keep_alive_timeout(kSilence.count());
     http.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
     http.set_default_headers({{"Cache-Control", "no-store"},
                               {"Referrer-Policy", "no-referrer"},
@@ -155,6 +171,7 @@ class HttpServer final : public Server {
   WarmServer http;
   std::optional<AccessRules> rules;
   std::string url;
+  std::atomic<bool> hasEnded = false;
   std::thread thread;
 };
 

@@ -205,6 +205,31 @@ class Answers(Case):
             self.assertEqual((done.returncode, done.stdout), (2, ""))
             self.assertIn(message, done.stderr)
 
+    def test_an_address_that_cannot_be_written_ends_the_command(self):
+        self.write("a.py")
+        for _ in range(12):
+            with open("/dev/full", "w", encoding="utf-8") as full:
+                done = subprocess.run([PROGRAM, "view", "--no-browser", "a.py"], cwd=self.folder, stdout=full,
+                                      stderr=subprocess.PIPE, text=True, timeout=DEADLINE)
+            self.assertEqual(done.returncode, 2)
+            self.assertIn("standard output: error: ", done.stderr)
+
+    def test_connections_without_the_address_do_not_block_the_page(self):
+        self.write("a.py", "shown\n")
+        with View(self.folder, "a.py") as view, contextlib.ExitStack() as open_until_the_end:
+            for _ in range(64):
+                open_until_the_end.enter_context(socket.create_connection(("127.0.0.1", view.port), timeout=DEADLINE))
+            began = time.monotonic()
+            self.assertIn("shown", view.page())
+            self.assertLess(time.monotonic() - began, 5)
+
+    def test_31_pages_can_be_open(self):
+        self.write("a.py", "shown\n")
+        with View(self.folder, "a.py") as view, contextlib.ExitStack() as open_until_the_end:
+            for _ in range(31):
+                open_until_the_end.enter_context(view.events()).recv(1)
+            self.assertIn("shown", view.page())
+
 
 class Changes(Case):
     def test_a_file_is_followed(self):
