@@ -108,7 +108,7 @@ class ParseRun {
         rules(recordRules(hasErrors)),
         run(options.run, std::move(files),
             options.format == ParseFormat::kNdjson ? &rules : nullptr) {
-    if (options.recordFile.empty() || run.wasCompleted()) return;
+    if (options.recordFile.empty()) return;
     recordFile.emplace(options.recordFile, files::Leftover::kReplaced);
     requireTwoFiles();
     recording.emplace(recordFile->output());

@@ -116,11 +116,18 @@ std::string readRecordFile(const Arguments& arguments) {
   failValue(arguments, *name, "a file to record to: name a file");
 }
 
+/// Returns "" if there is none.
+std::string readListFile(const Arguments& arguments) {
+  const std::string* const name = arguments.find("--files-from");
+  if (name == nullptr) return {};
+  if (name->empty()) failValue(arguments, "", "a list of paths: name a file");
+  return *name;
+}
+
 inputs::InputOptions readInputs(const Arguments& arguments) {
   inputs::InputOptions options;
   options.paths = arguments.operands();
-  const std::string* const list = arguments.find("--files-from");
-  if (list != nullptr) options.listFile = *list;
+  options.listFile = readListFile(arguments);
   options.isNulSeparated = arguments.has("--null");
   options.globs = arguments.values("--glob");
   options.respectsIgnoreFiles = !arguments.has("--no-ignore");

@@ -83,7 +83,7 @@ FileRun::FileRun(const RunOptions& options, std::vector<inputs::Input> files,
   reportIfNothingIsFound(options, this->files);
   markFirst(this->files);
   if (!options.resumes) return;
-  if (wasCompleted()) {
+  if (target.wasCompleted()) {
     noteRecords(options.outputFile, this->files, *rules);
     this->files.clear();
     return;

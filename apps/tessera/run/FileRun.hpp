@@ -31,8 +31,6 @@ class FileRun {
   /// ProblemError.
   FileRun(const RunOptions& options, std::vector<inputs::Input> files, const RecordRules* rules);
 
-  /// Whether an earlier run has written everything, so that there is nothing to write.
-  bool wasCompleted() const noexcept { return target.wasCompleted(); }
   /// The inputs in the order of the work. Stays valid as long as the run.
   const std::vector<inputs::Input>& inputs() const noexcept { return files; }
   files::OutputFile& output() noexcept { return target.text(); }
