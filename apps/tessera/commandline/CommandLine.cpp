@@ -31,14 +31,23 @@ const Command& requireCommand(const std::string& name) {
   failUsage(nullptr, "unknown command \"" + name + "\"", adviceOnCommand(name));
 }
 
-const Option& requireProgramOption(const std::string& word) {
-  std::vector<std::string_view> names;
+/// Returns the option that `word` names by its letter or in full; null if there is none.
+const Option* findProgramOption(std::string_view word) {
   for (const Option& option : program().options) {
     const bool isLetter = word.size() == 2 && word[0] == '-' && word[1] == option.letter;
-    if (word == option.name || isLetter) return option;
-    names.push_back(option.name);
+    if (word == option.name || isLetter) return &option;
   }
+  return nullptr;
+}
+
+const Option& requireProgramOption(const std::string& word) {
+  if (const Option* const option = findProgramOption(word)) return *option;
   const std::string name = word.substr(0, word.find('='));
+  if (const Option* const option = findProgramOption(name)) {
+    failUsage(nullptr, "\"" + std::string(option->name) + "\" takes no value", {});
+  }
+  std::vector<std::string_view> names;
+  for (const Option& option : program().options) names.push_back(option.name);
   failUsage(nullptr, "unknown option \"" + name + "\"", suggest(name, names));
 }
 

@@ -86,6 +86,8 @@ class CommandLine(unittest.TestCase):
             ("--jump", "--help"): 'unknown option "--jump"; ',
             ("--verison",): 'unknown option "--verison"; did you mean "--version"? ',
             ("-x",): 'unknown option "-x"; ',
+            ("--help=1",): '"--help" takes no value; ',
+            ("-V=", "parse"): '"--version" takes no value; ',
         }
         of_commands = {
             ("parse",): "PATH is required; ",
