@@ -18,11 +18,13 @@ constexpr Choice kColors[] = {
     {"always", "whatever the output is"},
     {"never", "not at all"},
 };
-constexpr Option kColor{.name = "--color",
-                        .value = "WHEN",
-                        .help = "When text is coloured.",
-                        .choices = kColors,
-                        .noun = "a way to colour"};
+constexpr Option colorOption(std::string_view help) {
+  return {.name = "--color",
+          .value = "WHEN",
+          .help = help,
+          .choices = kColors,
+          .noun = "a way to colour"};
+}
 constexpr Option kParseOptions[] = {
     {.name = "--format",
      .value = "FORMAT",
@@ -30,14 +32,15 @@ constexpr Option kParseOptions[] = {
      .choices = kParseFormats,
      .noun = "a format"},
     {.name = "--omit-empty",
-     .help = "Leave out JSON members whose value is empty: \"\", [], {}, null, false or 0."},
+     .help = "With format json or ndjson: leave out members whose value is empty: \"\", [], {}, "
+             "null, false or 0."},
     {.name = "--trace",
      .help = "Show the records that the parsers emit; in a tree, everything about each line."},
     {.name = "--width",
      .value = "COLUMNS",
      .help = "The longest row of a tree.",
      .fallback = "the width of the terminal"},
-    kColor,
+    colorOption("When a tree is coloured."),
     {.name = "--record",
      .value = "FILE",
      .help = "Write the calls of the parsers for tessera replay.",
@@ -77,7 +80,7 @@ constexpr Option kCheckOptions[] = {
      .help = "The severity from which on the exit status is 1.",
      .choices = kSeverities,
      .noun = "a severity"},
-    kColor,
+    colorOption("When format text is coloured."),
     {.name = "--fix", .help = "Make the fixes that are safe, and write what is left."},
     {.name = "--dry-run",
      .help = "With --fix: change nothing, and write the fixes as a unified diff.",
@@ -254,7 +257,13 @@ constexpr Meaning kStatuses[] = {
 };
 constexpr Meaning kEnvironment[] = {
     {"NO_COLOR", "If set and not empty, text is not coloured unless --color always is given."},
-    {"TERM", "If dumb, the same."},
+    {"TERM", "If dumb, the same; and on a terminal, the progress of a run is not shown."},
+    {"LC_ALL, LC_CTYPE, LANG",
+     "The first one that is set says whether a tree on a terminal has Unicode signs: if its value "
+     "contains UTF-8."},
+    {"DISPLAY, WAYLAND_DISPLAY", "If neither is set, view opens no browser."},
+    {"PATH", "Where view finds xdg-open, which opens the browser."},
+    {"TMPDIR", "Where the page of parse --format html or view is stored until it is written."},
 };
 
 constexpr Program kProgram{

@@ -56,7 +56,8 @@ inline constexpr Option kRunOptions[] = {
      .fallback = "the number of processor cores"},
     {.name = "--timeout",
      .value = "SECONDS",
-     .help = "Give up a file after that time, for example 30 or 0.5.",
+     .help = "Give up a file after that time, for example 30 or 0.5. Not with parse --record and "
+             "check --fix.",
      .fallback = "no limit"},
     {.name = "--progress",
      .value = "WHEN",
