@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iterator>
 #include <new>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -45,6 +46,13 @@ std::string propertyOf(const cppmicroservices::ServiceReferenceU& service, const
 
 std::string absolute(const std::string& file) {
   return std::filesystem::absolute(file).string();
+}
+
+/// Returns the one name that all spellings of the path `file` have in common.
+std::string canonical(const std::string& file) {
+  std::error_code error;
+  std::filesystem::path path = std::filesystem::weakly_canonical(file, error);
+  return error ? absolute(file) : path.string();
 }
 
 /// Returns the service of the component `name` of `bundle`, invalid while there is none.
@@ -135,7 +143,7 @@ void RunningBundles::listen() {
 }
 
 void RunningBundles::start(const std::string& file, BundleRole role) {
-  if (findBundle(absolute(file)) != nullptr) return;
+  if (findBundle(file) != nullptr) return;
   StartedBundle& bundle = started.emplace_back(StartedBundle{.file = file, .role = role});
   const std::string own = quenlith::elf::loadedFramework().value_or("");
   if (const auto fault = quenlith::elf::checkBundleLibrary(file, own)) {
@@ -212,7 +220,7 @@ void RunningBundles::noteEvents(StartedBundle* cause) {
     errors.swap(events->errors);
   }
   for (const Event& error : errors) {
-    StartedBundle* named = findBundle(error.location);
+    StartedBundle* named = error.location.empty() ? nullptr : findBundle(error.location);
     StartedBundle* bundle = named == nullptr ? cause : named;
     note(bundle, describeFault(bundle == nullptr ? "tessera" : bundle->file, error.location,
                                error.message));
@@ -220,8 +228,9 @@ void RunningBundles::noteEvents(StartedBundle* cause) {
 }
 
 StartedBundle* RunningBundles::findBundle(const std::string& location) {
-  const auto bundle = std::ranges::find(
-      started, location, [](const StartedBundle& other) { return absolute(other.file); });
+  const auto bundle =
+      std::ranges::find(started, canonical(location),
+                        [](const StartedBundle& other) { return canonical(other.file); });
   return bundle == started.end() ? nullptr : &*bundle;
 }
 

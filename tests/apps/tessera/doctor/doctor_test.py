@@ -368,6 +368,25 @@ class Faults(DoctorTest):
             self.assertEqual(problem["remedy"],
                              "name fewer bundles, to find out which one it is, and leave that one out")
 
+    def test_an_output_that_cannot_be_written_is_no_fault_of_a_bundle(self):
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            done = subprocess.run([PROGRAM, "doctor"], stdout=full, stderr=subprocess.PIPE, text=True, timeout=60)
+        self.assertEqual(done.returncode, 2)
+        self.assertRegex(done.stderr, "^standard output: error: .*No space left on device.*\n$")
+
+    def test_a_bundle_that_is_named_in_several_ways_is_one(self):
+        made = self.workshop.components(component())
+        (self.folder / "link.so").symlink_to(made)
+        (self.folder / "below").mkdir()
+        spellings = ["broken.so", "./broken.so", made, "below/../broken.so", "link.so"]
+        bundles = [word for spelling in spellings for word in ("--bundle", spelling)]
+        done = run("doctor", "--format", "json", *bundles, program=PROGRAM.resolve(), cwd=self.folder)
+        diagnosis = json.loads(done.stdout)
+        self.assertEqual((diagnosis["problems"], done.returncode), ([], 0))
+        self.assertEqual([bundle["file"] for bundle in diagnosis["bundles"][3:]], ["broken.so"])
+        parsed = run("parse", *bundles, self.source, program=PROGRAM.resolve(), cwd=self.folder)
+        self.assertEqual((parsed.stderr, parsed.returncode), (b"", 0))
+
     def test_a_snippet_parser_that_adds_no_node_is_named(self):
         made = self.workshop.components(component("faults::Silent", ["quenlith::build::markup::SnippetParser"]))
         self.source.write_text("x\nsilent\n")
