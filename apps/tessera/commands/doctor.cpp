@@ -1,8 +1,10 @@
 #include "tessera/commands/doctor.hpp"
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +14,7 @@
 #include "tessera/doctor/DiagnosisJson.hpp"
 #include "tessera/doctor/DiagnosisText.hpp"
 #include "tessera/doctor/diagnose.hpp"
+#include "tessera/files/Descriptor.hpp"
 #include "tessera/files/OutputFile.hpp"
 #include "tessera/terminal/settings.hpp"
 
@@ -31,6 +34,20 @@ int write(const DoctorOptions& options, const tessera::doctor::Diagnosis& diagno
   return diagnosis.problems.empty() ? kFine : kUnusable;
 }
 
+/// A pipe that does not block: what starts with a bundle may keep its end open.
+struct Pipe {
+  Pipe() {
+    std::array<int, 2> ends{-1, -1};
+    if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+    readEnd = files::Descriptor(ends[0]);
+    writeEnd = files::Descriptor(ends[1]);
+  }
+  bool isOpen() const noexcept { return readEnd.get() >= 0; }
+
+  files::Descriptor readEnd{-1};
+  files::Descriptor writeEnd{-1};
+};
+
 /// Returns the status of `process` when it has ended, as `waitpid` gives it.
 int awaitEnd(pid_t process) {
   int status = 0;
@@ -39,8 +56,32 @@ int awaitEnd(pid_t process) {
   return status;
 }
 
+/// Says when this process has made a diagnosis, or has failed by itself: a bundle that ends the
+/// process ends it before.
+class Completion {
+ public:
+  explicit Completion(const files::Descriptor& pipe) noexcept : pipe(pipe) {}
+  ~Completion() { [[maybe_unused]] const ssize_t unused = ::write(pipe.get(), "", 1); }
+  Completion(const Completion&) = delete;
+  Completion& operator=(const Completion&) = delete;
+
+ private:
+  const files::Descriptor& pipe;
+};
+
+/// Returns whether the process that has ended has said so to the other end of `pipe`.
+bool isComplete(const files::Descriptor& pipe) {
+  char said = 0;
+  return ::read(pipe.get(), &said, 1) == 1;
+}
+
 bool isOwnStatus(int status) {
   return WIFEXITED(status) && (WEXITSTATUS(status) == kFine || WEXITSTATUS(status) == kUnusable);
+}
+
+tessera::doctor::Diagnosis diagnose(const DoctorOptions& options, const files::Descriptor& pipe) {
+  const Completion completion(pipe);
+  return tessera::doctor::diagnose(options.bundles);
 }
 
 std::string describeStatus(int status) {
@@ -52,17 +93,18 @@ std::string describeStatus(int status) {
 }  // namespace
 
 int doctor(const DoctorOptions& options) {
-  // A bundle may end the process in which it is started. Everything is written at once, so that
-  // this process writes all or nothing in that case. If there is no process to be had, this one
-  // starts the bundles.
-  const pid_t process = fork();
+  // A bundle may end the process in which it is started, with any status. Everything is written at
+  // once, so that this process writes all or nothing in that case. If there is no process to be
+  // had, this one starts the bundles.
+  Pipe pipe;
+  const pid_t process = pipe.isOpen() ? fork() : -1;
   if (process <= 0) {
-    const int status = write(options, tessera::doctor::diagnose(options.bundles));
+    const int status = write(options, diagnose(options, pipe.writeEnd));
     if (process == 0) std::_Exit(status);
     return status;
   }
   const int status = awaitEnd(process);
-  if (isOwnStatus(status)) return WEXITSTATUS(status);
+  if (isComplete(pipe.readEnd) && isOwnStatus(status)) return WEXITSTATUS(status);
   return write(options, tessera::doctor::describeEnd(describeStatus(status)));
 }
 

@@ -357,7 +357,10 @@ class Faults(DoctorTest):
                           *["neither the program nor a bundle provides"] * 2])
 
     def test_a_bundle_that_ends_the_process_is_a_problem(self):
-        for code, how in (("std::raise(SIGKILL)", r"by signal 9 \(Killed\)"), ("std::_Exit(7)", "with status 7")):
+        for code, how in (("std::raise(SIGKILL)", r"by signal 9 \(Killed\)"),
+                          # Some of them are statuses of the command itself.
+                          *((f"std::_Exit({status})", f"with status {status}") for status in (0, 2, 3, 7)),
+                          ("std::exit(0)", "with status 0")):
             self.workshop.linked(source="#include <csignal>\n#include <cstdlib>\n"
                                  f"__attribute__((constructor)) static void end() {{ {code}; }}\n")
             # An installed framework loads only bundles with an activator or components.
