@@ -74,16 +74,23 @@ const Value* valueIn(const Control& control) {
   return findMember(control.data, {"value", "default"});
 }
 
-std::optional<bool> truthOf(const Control& control) {
-  if (const Value* value = valueIn(control)) {
-    if (const bool* truth = value->getIf<bool>()) return *truth;
-    return std::nullopt;
-  }
+std::optional<bool> truthOf(const Value& value) {
+  const bool* truth = value.getIf<bool>();
+  return truth == nullptr ? std::nullopt : std::optional(*truth);
+}
+
+/// Returns the truth value that `text` is in a programming language.
+std::optional<bool> truthInText(std::string_view text) {
   constexpr std::array<std::string_view, 3> kTrue = {"true", "True", "TRUE"};
   constexpr std::array<std::string_view, 3> kFalse = {"false", "False", "FALSE"};
-  if (std::ranges::find(kTrue, control.text) != kTrue.end()) return true;
-  if (std::ranges::find(kFalse, control.text) != kFalse.end()) return false;
+  if (std::ranges::find(kTrue, text) != kTrue.end()) return true;
+  if (std::ranges::find(kFalse, text) != kFalse.end()) return false;
   return std::nullopt;
+}
+
+std::optional<bool> truthOf(const Control& control) {
+  const Value* value = valueIn(control);
+  return value == nullptr ? truthInText(control.text) : truthOf(*value);
 }
 
 /// Returns a value as a reader wants to see it: a text without quotes, others as JSON.
@@ -94,12 +101,14 @@ std::string shownValue(const Value& value) {
   return json;
 }
 
-/// Returns what an option is called: an option may be an object with a label and a value.
+/// Returns what an option is called: an option may be an object with a label and a value. An empty
+/// name is shown with its quotes.
 std::string shownOption(const Value& option) {
   const auto* members = option.getIf<Object>();
-  if (members == nullptr) return shownValue(option);
-  const Value* label = findMember(*members, {"label", "text", "name", "value"});
-  return shownValue(label == nullptr ? option : *label);
+  const Value* label =
+      members == nullptr ? nullptr : findMember(*members, {"label", "text", "name", "value"});
+  const std::string name = shownValue(label == nullptr ? option : *label);
+  return name.empty() ? "\"\"" : name;
 }
 
 const Value& valueOfOption(const Value& option) {
@@ -116,8 +125,10 @@ std::string_view withoutQuotes(std::string_view text) noexcept {
 }
 
 bool isChosen(const Control& control, const Value& option) {
-  if (const Value* value = valueIn(control)) return *value == valueOfOption(option);
-  const std::string shown = shownValue(valueOfOption(option));
+  const Value& own = valueOfOption(option);
+  if (const Value* value = valueIn(control)) return *value == own;
+  if (const auto truth = truthOf(own)) return truth == truthInText(control.text);
+  const std::string shown = shownValue(own);
   return shown == control.text || shown == withoutQuotes(control.text);
 }
 
@@ -125,18 +136,28 @@ bool isObject(const Value& value) noexcept {
   return value.is<Object>();
 }
 
-bool drawChoice(HtmlText& html, const Control& control, const Array& options) {
+/// Draws an option and returns whether it is the chosen one.
+bool drawOption(HtmlText& html, const Control& control, const Value& option) {
+  const bool isChecked = isChosen(control, option);
+  html.add("<label><input type=radio disabled");
+  if (isChecked) html.add(" checked");
+  html.add(">", shownOption(option), "</label>");
+  return isChecked;
+}
+
+/// Draws the options under `key` of the data.
+bool drawChoice(HtmlText& html, const Control& control, std::string_view key,
+                const Array& options) {
   html.add("<fieldset class=choice disabled><legend>", control.name, "</legend>");
   const std::size_t shown = std::min(options.size(), kMostOptions);
+  bool showsValue = valueIn(control) == nullptr;
   for (std::size_t i = 0; i < shown; ++i) {
-    html.add("<label><input type=radio disabled");
-    if (isChosen(control, options[i])) html.add(" checked");
-    html.add(">", shownOption(options[i]), "</label>");
+    if (drawOption(html, control, options[i])) showsValue = true;
   }
   if (shown < options.size()) html.add("<span>and ", options.size() - shown, " more</span>");
   html.add("</fieldset>");
-  return shown == options.size() && std::ranges::none_of(options, isObject) &&
-         hasOnly(control.data, {"options", "choices", "items", "values", "value", "default"});
+  return showsValue && shown == options.size() && std::ranges::none_of(options, isObject) &&
+         hasOnly(control.data, {key, "value", "default"});
 }
 
 bool drawCheckBox(HtmlText& html, const Control& control, bool isChecked) {
@@ -172,12 +193,15 @@ bool drawSlider(HtmlText& html, const Control& control, const Bounds& bounds, do
   html.addNumber(bounds.least);
   html.add(" to ");
   html.addNumber(bounds.most);
-  if (const auto step = numberOf(findMember(control.data, {"step"}))) {
+  const Value* const stepValue = findMember(control.data, {"step"});
+  const auto step = numberOf(stepValue);
+  if (step) {
     html.add(", step ");
     html.addNumber(*step);
   }
   html.add("</span>");
-  return hasOnly(control.data, {"min", "max", "step", "value", "default"});
+  return (stepValue == nullptr || step) &&
+         hasOnly(control.data, {"min", "max", "step", "value", "default"});
 }
 
 bool drawField(HtmlText& html, const Control& control) {
@@ -188,10 +212,20 @@ bool drawField(HtmlText& html, const Control& control) {
   return hasOnly(control.data, {"value", "default"});
 }
 
+/// Returns the member of the data that lists the options of a choice; null if there is none.
+const Object::value_type* findOptions(const Object& data) {
+  for (const std::string_view key : {"options", "choices", "items", "values"}) {
+    const auto found = data.find(std::string(key));
+    if (found == data.end()) continue;
+    const auto* options = found->second.getIf<Array>();
+    return options == nullptr || options->empty() ? nullptr : &*found;
+  }
+  return nullptr;
+}
+
 bool drawAny(HtmlText& html, const Control& control) {
-  const Value* options = findMember(control.data, {"options", "choices", "items", "values"});
-  if (options != nullptr && options->is<Array>() && !options->get<Array>().empty()) {
-    return drawChoice(html, control, options->get<Array>());
+  if (const auto* list = findOptions(control.data)) {
+    return drawChoice(html, control, list->first, list->second.get<Array>());
   }
   if (const auto truth = truthOf(control)) return drawCheckBox(html, control, *truth);
   const Value* set = valueIn(control);

@@ -21,11 +21,6 @@ std::string indentedJson(const foundation::json::Object& members) {
   return json;
 }
 
-bool belongTogether(const PieceNode::Impl& left, const PieceNode::Impl& right) {
-  return left.getRange() == right.getRange() && left.getId() == right.getId() &&
-         left.getType() == right.getType();
-}
-
 void addMarkerData(HtmlText& html, const PieceNode::Impl& piece, std::u16string_view name) {
   html.add("<details class=j><summary>data<span class=v> of ", name, "</span></summary><pre>",
            indentedJson(piece.getData()), "</pre></details>");
@@ -40,7 +35,7 @@ void LineHtml::begin(std::uint64_t newFile, std::uint64_t newNumber) {
   text.clear();
   labels.clear();
   below.clear();
-  described = nullptr;
+  described.clear();
 }
 
 void LineHtml::add(const Node& top) {
@@ -68,8 +63,7 @@ void LineHtml::addNode(const Node& node) {
       HtmlText(text).add(session::textOf(node));
       break;
     case NodeKind::kPiece:
-      addPiece(*static_cast<const PieceNode::Impl*>(node.get()),
-               &node->getMetaClass() == &ControlNode::Impl::classOf());
+      addPiece(node);
       break;
     case NodeKind::kOther:
       addOther(node);
@@ -82,15 +76,16 @@ void LineHtml::addNode(const Node& node) {
   addData(node);
 }
 
-void LineHtml::addPiece(const PieceNode::Impl& piece, bool isControl) {
+void LineHtml::addPiece(const Node& node) {
+  const auto& piece = *static_cast<const PieceNode::Impl*>(node.get());
+  const bool isControl = &node->getMetaClass() == &ControlNode::Impl::classOf();
   HtmlText html(text);
   if (isControl) {
     html.add("<mark class=c>", piece.getText(), "</mark>");
   } else {
     html.add("<mark class=o>", piece.getText(), "</mark>");
   }
-  if (described == nullptr || !belongTogether(*described, piece)) describePiece(piece, isControl);
-  described = &piece;
+  if (described.add(node)) describePiece(piece, isControl);
 }
 
 void LineHtml::describePiece(const PieceNode::Impl& piece, bool isControl) {

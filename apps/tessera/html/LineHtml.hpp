@@ -8,6 +8,7 @@
 
 #include "document/kdzero/Node.hpp"
 #include "tessera/html/HtmlText.hpp"
+#include "tessera/html/PieceMarkers.hpp"
 #include "tessera/pieces/PieceNode.hpp"
 
 namespace tessera::html {
@@ -36,7 +37,7 @@ class LineHtml {
 
  private:
   void addNode(const document::kdzero::Node& node);
-  void addPiece(const pieces::PieceNode::Impl& piece, bool isControl);
+  void addPiece(const document::kdzero::Node& node);
   void describePiece(const pieces::PieceNode::Impl& piece, bool isControl);
   void addOther(const document::kdzero::Node& node);
 
@@ -46,8 +47,7 @@ class LineHtml {
   std::string text;
   std::string labels;
   std::string below;
-  // The piece described last: a marker may own several pieces of a line.
-  const pieces::PieceNode::Impl* described = nullptr;
+  PieceMarkers described;
 };
 
 /// Appends a link to line `number` of the file numbered `file`, whose text is the anchor there.

@@ -4,6 +4,7 @@
 
 #include "tessera/formats/NodeKind.hpp"
 #include "tessera/html/HtmlText.hpp"
+#include "tessera/html/PieceMarkers.hpp"
 #include "tessera/html/TaskCard.hpp"
 #include "tessera/pieces/ControlNode.hpp"
 #include "tessera/session/NodeCursor.hpp"
@@ -30,8 +31,9 @@ void visitNodes(const session::ParsedSnippet& parsed, Visit visit) {
   }
 }
 
-void countPiece(const Node& node, SectionCounts& counts) {
-  if (formats::kindOf(node) != NodeKind::kPiece) return;
+/// Counts the marker of a piece, unless another piece of it is in `known`.
+void countMarker(const Node& node, PieceMarkers& known, SectionCounts& counts) {
+  if (formats::kindOf(node) != NodeKind::kPiece || !known.add(node)) return;
   const bool isControl = &node->getMetaClass() == &pieces::ControlNode::Impl::classOf();
   ++(isControl ? counts.controls : counts.outputs);
 }
@@ -51,7 +53,8 @@ SectionCounts countParts(const PageFile& file) {
   visitNodes(file.parsed, [&counts](const Node& node, std::uint64_t /*line*/) {
     counts.anchors += node->getAnchorId().empty() ? 0 : 1;
     counts.tasks += formats::kindOf(node) == NodeKind::kTaskLine ? 1 : 0;
-    for (const Node& child : node->getChildren()) countPiece(child, counts);
+    PieceMarkers known;
+    for (const Node& child : node->getChildren()) countMarker(child, known, counts);
   });
   return counts;
 }

@@ -43,6 +43,17 @@ void addSettings(HtmlText& html, const LiveAppIntegratedInlineNode::Impl& task) 
   html.add("</dl>\n");
 }
 
+/// Adds how many lines a task has, unless the parsers do not say it.
+void addLineCount(HtmlText& html, std::uint64_t lines) {
+  if (lines == 0) return;
+  html.add(" <span class=q>", lines);
+  if (lines == 1) {
+    html.add(" line</span>");
+  } else {
+    html.add(" lines</span>");
+  }
+}
+
 }  // namespace
 
 std::u16string_view titleOfTask(const Node& header) noexcept {
@@ -59,19 +70,13 @@ std::uint64_t linesOfTask(const Node& header) noexcept {
 
 void beginTaskCard(HtmlText& html, const Node& header, std::uint64_t file, std::uint64_t line) {
   const auto* task = taskOf(header);
-  const std::uint64_t lines = linesOfTask(header);
   if (task != nullptr && task->getLiveTaskData().getCollapsed() == u"true") {
     html.add("<details class=t>");
   } else {
     html.add("<details class=t open>");
   }
-  html.add("<summary><h3><span class=v>Task: </span>", titleOfTask(header), "</h3> <span class=q>",
-           lines);
-  if (lines == 1) {
-    html.add(" line</span>");
-  } else {
-    html.add(" lines</span>");
-  }
+  html.add("<summary><h3><span class=v>Task: </span>", titleOfTask(header), "</h3>");
+  addLineCount(html, linesOfTask(header));
   if (!header->getAnchorId().empty()) addAnchor(html, file, line, header->getAnchorId());
   html.add("</summary>\n");
   if (task != nullptr) addSettings(html, *task);

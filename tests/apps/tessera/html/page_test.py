@@ -216,6 +216,56 @@ class PageTest(unittest.TestCase):
                 source = f"{text}  # <@control#c [0,{len(text)}] {data}>\n"
                 self.assertIn(drawn, parse(self.write("a.py", source)))
 
+    def test_the_data_of_a_control_is_shown_unless_the_drawing_shows_all_of_it(self):
+        cases = [  # the text, the data, whether the drawing shows all of it
+            ("1", '{"options":["a","b"],"value":"b"}', True),
+            ("a", '{"options":["a","b"]}', True),
+            ("'c'", '{"options":["a","b"]}', True),
+            ("1", '{"options":["a","b"],"value":"c"}', False),
+            ("1", '{"options":["a","b"],"default":1}', False),
+            ("3", '{"options":["3","4"],"choices":["q"]}', False),
+            ("3", '{"options":["3","4"],"values":3}', False),
+            ("3", '{"choices":["3","4"]}', True),
+            ("3", '{"min":1,"max":5,"step":2}', True),
+            ("3", '{"min":1,"max":5,"step":"any"}', False),
+            ("3", '{"min":1,"max":5,"step":null}', False),
+            ("3", '{"min":1,"max":5,"value":"high"}', False),
+        ]
+        for text, data, is_all in cases:
+            with self.subTest(text=text, data=data):
+                page = parse(self.write("a.py", f"{text}  # <@control#c [0,{len(text)}] {data}>\n"))
+                self.assertEqual("<details class=j>" not in page, is_all)
+
+    def test_an_option_that_is_a_truth_value_or_empty_can_be_recognized(self):
+        unchecked, checked = "<label><input type=radio disabled>", "<label><input type=radio disabled checked>"
+        for text, data, drawn in (("True", "[true,false]", checked + "true</label>" + unchecked + "false</label>"),
+                                  ("FALSE", "[true,false]", unchecked + "true</label>" + checked + "false</label>"),
+                                  ("True", '["true","True"]', unchecked + "true</label>" + checked + "True</label>"),
+                                  ('""', '["","a"]', checked + '""</label>' + unchecked + "a</label>")):
+            with self.subTest(text=text, data=data):
+                source = f'{text}  # <@control#c [0,{len(text)}] {{"options":{data}}}>\n'
+                self.assertIn(drawn, parse(self.write("a.py", source)).replace("&quot;", '"'))
+
+    def test_a_marker_with_several_pieces_is_one(self):
+        text = parse(self.write("a.py", 'area = 2 * r + 3 * s  # <@output#area [7,20] {"k":1}> '
+                                '# <@control:slider#r [11,12] {"max":9}>  # <@control:slider#s [19,20] {"max":8}>\n'))
+        for expected in ("<dt>outputs</dt><dd>1</dd>", "<dt>controls</dt><dd>2</dd>", "<li>1 output</li>",
+                         "<li>2 controls</li>"):
+            self.assertIn(expected, text)
+        self.assertEqual(re.findall('class="w (.)"', text), ["o", "c", "c"])
+        self.assertEqual(re.findall("<details class=j>.*? of (\\w+)", text), ["area", "r", "s"])
+        self.assertEqual(text.count("<mark class=o>"), 2)
+
+    def test_markers_with_one_piece_each_are_told_apart(self):
+        text = parse(self.write("a.py", "ab  # <@output#x [0,1]> # <@output#y [1,2]>\nab  # <@output#x [0,1]>\n"))
+        self.assertIn("<dt>outputs</dt><dd>3</dd>", text)
+        self.assertEqual(text.count('class="w o"'), 3)
+
+    def test_a_task_without_a_number_of_lines_has_none(self):
+        text = self.page("# <@task#a>\nx\n# <@task#a> # <@task#b>\nx\n# <@task#b>\n").text()
+        self.assertIn("Task: a 3 lines", text)
+        self.assertRegex(text, "Task: b\n")
+
     def test_a_piece_is_in_its_place(self):
         text = parse(self.write("a.py", "y = f(x) + 1  # <@output#o [4,8] {\"a\":[1]}>\n"))
         self.assertIn("<li\nid=f1-1>y = <mark class=o>f(x)</mark> + 1   <span class=\"w o\">", text)
