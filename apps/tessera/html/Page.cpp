@@ -163,6 +163,19 @@ void writeProblems(files::OutputText& output, const PageSummary& summary) {
   html.add("</ul></section>\n");
 }
 
+/// Says that nothing was found, unless nothing was looked at.
+void writeNothingFound(HtmlText& html, const PageSummary& summary) {
+  const std::size_t problems = countProblems(summary);
+  if (problems == summary.entries.size()) {
+    html.add("<p class=card>No file was parsed.</p>\n");
+  } else if (problems != 0) {
+    html.add(
+        "<p class=card>Nothing is wrong with the markers of the files that were parsed.</p>\n");
+  } else {
+    html.add("<p class=card>Nothing is wrong with the markers.</p>\n");
+  }
+}
+
 }  // namespace
 
 void PageSummary::add(const SectionCounts& file) {
@@ -215,7 +228,7 @@ void beginDiagnosticList(files::OutputText& output, const PageSummary& summary) 
   const std::uint64_t count = summary.countDiagnostics();
   html.add("<section aria-labelledby=found><h2 id=found>Failures and warnings</h2>\n");
   if (count == 0) {
-    html.add("<p class=card>Nothing is wrong with the markers.</p>\n");
+    writeNothingFound(html, summary);
   } else if (count <= kMostOpenDiagnostics) {
     html.add("<ol class=\"card list\">\n");
   } else {

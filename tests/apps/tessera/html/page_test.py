@@ -190,6 +190,20 @@ class PageTest(unittest.TestCase):
         self.assertIn(f"error {missing} ", page.text())
         self.assertIn("Not parsed", page.text())
 
+    def test_nothing_is_said_about_the_markers_of_files_that_were_not_parsed(self):
+        bad, good = self.write("bad.py", b"\xff\n"), self.write("good.py", "y\n")
+        (self.folder / "none").mkdir()
+        nothing = "Nothing is wrong with the markers"
+        for names, status, said in (([good], 0, nothing + "."),
+                                    ([bad, good], 3, nothing + " of the files that were parsed."),
+                                    ([bad], 3, "No file was parsed."),
+                                    ([str(self.folder / "none")], 0, "No file was parsed.")):
+            with self.subTest(names=names):
+                text = self.check_form(parse(*names, status=status)).text()
+                self.assertIn(said, text)
+                if nothing not in said:
+                    self.assertNotIn(nothing, text)
+
     def test_a_file_whose_process_ends_is_listed_and_the_others_are_there(self):
         names = [self.write("a.py", "before\n"), self.write("b.py", "x = 1  # <@output#abort [0,1]>\n"), self.write("c.py", "after\n")]
         page = self.check_form(parse("-j", "2", "--bundle", str(FAULTY), *names, status=3))
