@@ -192,6 +192,14 @@ class Display(BrowserTest):
                 tab = self.page(wide, *map(str, EXAMPLES), width=width)
                 self.assertLessEqual(tab.evaluate("document.documentElement.scrollWidth"), width)
 
+    def test_an_anchor_is_after_a_line_that_is_written_from_right_to_left(self):
+        tab = self.page(self.write("a.py", "x = \u05e9\u05dc\u05d5\u05dd # <@text:anchor#\u05e2\u05d5\u05d2\u05df>\n"))
+        self.assertTrue(tab.evaluate("""(line => {
+            const text = document.createRange();
+            text.selectNodeContents(line.firstChild);
+            return text.getBoundingClientRect().right <= line.querySelector('.a').getBoundingClientRect().left;
+        })(document.getElementById('f1-1'))"""))
+
     def test_print_shows_what_is_folded(self):
         tab = self.page(self.write("a.py", SOURCE.replace('"run":"auto"', '"collapsed":"true"')))
         visible = "document.getElementById('f1-6').checkVisibility()"
