@@ -14,6 +14,8 @@ constexpr std::size_t kMaxName = 64;
 constexpr std::string_view kTakenByCMake[] = {
     "all",  "clean",   "depend",        "edit_cache", "help", "install", "list_install_components",
     "none", "package", "rebuild_cache", "test"};
+// The name is a word of the sources, where the preprocessor would replace these.
+constexpr std::string_view kTakenByMacros[] = {"errno", "i386", "linux", "unix"};
 constexpr std::string_view kTakenByBundles[] = {"com_velquorin_quenlith_build_markup_code",
                                                 "declarative_services", "main", "system_bundle",
                                                 "tessera_pieces"};
@@ -47,6 +49,7 @@ std::string faultOf(std::string_view name) {
   if (name.size() > kMaxName)
     return "is too long for the name of a bundle: use at most 64 characters";
   if (isOneOf(name, kTakenByCMake)) return "is the name of a target of CMake: use another name";
+  if (isOneOf(name, kTakenByMacros)) return "is a macro of C++ compilers: use another name";
   if (isOneOf(name, kTakenByBundles)) return "is the name of another bundle: use another name";
   return {};
 }

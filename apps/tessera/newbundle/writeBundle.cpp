@@ -19,11 +19,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
+[[noreturn]] void failAt(const fs::path& path, const std::string& what, const std::string& remedy) {
+  throw diagnostics::ProblemError(
+      {.file = path.string(), .place = {}, .what = what, .remedy = remedy});
+}
+
 [[noreturn]] void failAt(const fs::path& path, const std::string& what) {
-  throw diagnostics::ProblemError({.file = path.string(),
-                                   .place = {},
-                                   .what = what,
-                                   .remedy = "name another directory, one that does not exist"});
+  failAt(path, what, "name another directory, one that does not exist");
 }
 
 void replaceAll(std::string& text, std::string_view placeholder, std::string_view value) {
@@ -52,6 +54,9 @@ std::string fillIn(std::string_view pattern, const std::string& name) {
 void requireEmptyFolder(const fs::path& folder) {
   std::error_code error;
   if (fs::create_directory(folder, error)) return;
+  if (error == std::errc::no_such_file_or_directory) {
+    failAt(folder, "cannot be made: " + error.message(), "make the folder above it first");
+  }
   if (error) failAt(folder, "cannot be made: " + error.message());
   const fs::directory_iterator first(folder, error);
   if (error) failAt(folder, "cannot be read: " + error.message());

@@ -16,6 +16,7 @@ PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 SPELLING = ('is not the name of a bundle: use lower-case letters and digits, a letter first, with single "_" between '
             "words, for example word_count")
 TARGET = "is the name of a target of CMake: use another name"
+MACRO = "is a macro of C++ compilers: use another name"
 
 
 class NewBundle(unittest.TestCase):
@@ -56,6 +57,7 @@ class NewBundle(unittest.TestCase):
         cases = {name: SPELLING for name in ("", "A", "wordCount", "1a", "_a", "a_", "a__b", "a-b", "a.b", "a b", "ä",
                                              "../a", "a/b", "a\n")}
         cases |= {name: TARGET for name in ("test", "all", "install", "package")}
+        cases |= {name: MACRO for name in ("errno", "i386", "linux", "unix")}
         cases |= {"tessera_pieces": "is the name of another bundle: use another name",
                   "a" * 65: "is too long for the name of a bundle: use at most 64 characters"}
         for name, fault in cases.items():
@@ -67,7 +69,7 @@ class NewBundle(unittest.TestCase):
                 self.assertEqual(self.content(), {})
 
     def test_names_at_the_limits_are_taken(self):
-        for number, name in enumerate(("a", "a1", "a_b_c", "tests", "class", "a" * 64)):
+        for number, name in enumerate(("a", "a1", "a_b_c", "tests", "class", "linux_a", "a" * 64)):
             self.assertEqual(self.write(name, str(number)).stderr, "")
 
     def test_nothing_that_exists_is_changed(self):
@@ -76,13 +78,14 @@ class NewBundle(unittest.TestCase):
         (self.folder / "file").write_text("mine")
         (self.folder / "link").symlink_to("nowhere")
         before = self.content()
-        for name, fault in {"full": "is not empty", "file": "cannot be made: File exists",
-                            "link": "cannot be made: File exists",
-                            "none/below": "cannot be made: No such file or directory"}.items():
+        another = "name another directory, one that does not exist"
+        for name, fault in {"full": "is not empty; " + another, "file": "cannot be made: File exists; " + another,
+                            "link": "cannot be made: File exists; " + another,
+                            "none/below": "cannot be made: No such file or directory; make the folder above it first",
+                            }.items():
             with self.subTest(name):
                 done = self.write("a", name)
-                self.assertEqual(done.stderr,
-                                 f"{name}: error: {fault}; name another directory, one that does not exist\n")
+                self.assertEqual(done.stderr, f"{name}: error: {fault}\n")
                 self.assertEqual((done.returncode, done.stdout), (2, ""))
                 self.assertEqual(self.content(), before)
 
