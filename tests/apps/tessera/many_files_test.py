@@ -396,6 +396,7 @@ class Workers(ManyFiles):
                 self.assertEqual(done.returncode, 3)
                 self.assertIn(b"huge: error: there is not enough memory", done.stderr)
 
+    @unittest.skipIf(IS_SANITIZED, "a sanitizer needs descriptors")
     def test_workers_that_cannot_be_started_are_too_many(self):
         self.write_sources(40)
         limit = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (32, 32))
