@@ -30,7 +30,15 @@ std::array<RemovedFile, 4> removedFiles;
 
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
+/// Passes the signal on to the main thread, unless this is it, and returns whether it did.
+bool passToMainThread(int signal) noexcept {
+  const pid_t process = ::getpid();
+  return ::gettid() != process && ::tgkill(process, process, signal) == 0;
+}
+
 extern "C" void endProcess(int signal) {
+  // A thread of a framework or a server may take a signal that the main thread holds back.
+  if (passToMainThread(signal)) return;
   for (const RemovedFile& file : removedFiles) {
     if (file.isUsed) ::unlinkat(file.folder, file.name.data(), 0);
   }

@@ -12,10 +12,12 @@ void setUpSignals() noexcept;
 
 /// From now on, a signal to end (SIGINT, SIGTERM or SIGHUP from the user or the system, SIGPIPE
 /// when nobody reads the output any more) ends the process at once with status 128 + its number,
-/// after the files are removed that are then to be removed. A signal that is ignored stays so.
+/// after the files are removed that are then to be removed. A signal that is ignored stays so. The
+/// main thread takes all of them.
 void endOnInterruption() noexcept;
 
-/// Holds those signals back for this thread, as long as this object exists. For a moment only.
+/// Holds those signals back as long as this object exists, for a moment only. For the main thread:
+/// they are those of the process.
 class HeldInterruptions {
  public:
   HeldInterruptions() noexcept;

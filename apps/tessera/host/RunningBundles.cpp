@@ -162,7 +162,8 @@ void RunningBundles::start(const std::string& file, BundleRole role) {
 
 // A library may contain several bundles: they are one to the user.
 void RunningBundles::install(StartedBundle& bundle) {
-  for (Bundle& installed : framework->GetBundleContext().InstallBundles(bundle.file)) {
+  // The loader searches for a name without a slash elsewhere.
+  for (Bundle& installed : framework->GetBundleContext().InstallBundles(absolute(bundle.file))) {
     bundle.bundle = installed;
     for (Component& component : readComponents(installed.GetHeaders())) {
       bundle.components.push_back({.component = std::move(component)});

@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include "tessera/diagnostics/Problem.hpp"
-#include "tessera/files/Interruption.hpp"
 #include "tessera/view/Server.hpp"
 
 namespace tessera::view {
@@ -30,8 +29,6 @@ StartServer* loadServer() {
 }  // namespace
 
 std::unique_ptr<Server> startServer(Site& site, std::uint16_t port) {
-  // The threads of the server inherit this: the thread that writes files holds signals back too.
-  const files::HeldInterruptions held;
   std::unique_ptr<Server> server(loadServer()(&site, port));
   if (server) return server;
   fail("127.0.0.1:" + std::to_string(port), "this port cannot be used",

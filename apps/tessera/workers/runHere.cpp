@@ -8,8 +8,6 @@
 #include <system_error>
 #include <thread>
 
-#include "tessera/files/Interruption.hpp"
-
 namespace tessera::workers {
 namespace {
 
@@ -44,8 +42,6 @@ class ProgressThread {
   ProgressThread(progress::RunProgress& shown, const progress::InputProgress& progress,
                  const std::atomic<std::size_t>& current) {
     if (!shown.isActive()) return;
-    // The thread inherits this: it must not take a signal that the other one holds back.
-    const files::HeldInterruptions held;
     try {
       thread =
           std::jthread([&](const std::stop_token& stop) { show(shown, progress, current, stop); });

@@ -118,18 +118,6 @@ class Case(unittest.TestCase):
 
 
 class Answers(Case):
-    def test_the_threads_of_the_server_take_no_interruption(self):
-        # The thread that writes files holds interruptions back for moments: none may end the process then.
-        self.write("a.py")
-        with View(self.folder, "a.py") as view:
-            view.page()
-            threads = [name for name in os.listdir(f"/proc/{view.process.pid}/task") if name != str(view.process.pid)]
-            self.assertTrue(threads)
-            for name in threads:
-                status = pathlib.Path(f"/proc/{view.process.pid}/task/{name}/status").read_text()
-                blocked = int(re.search(r"SigBlk:\s*(\w+)", status)[1], 16)
-                self.assertTrue(blocked >> (signal.SIGINT - 1) & 1, status)
-
     def test_the_page_is_that_of_parse(self):
         self.write("a.py", "x = 1  # <@output#o [0,1]>\n# <@task#lost>\n")
         self.write("b.py")
