@@ -31,7 +31,7 @@ FAULTY = str(pathlib.Path(sys.argv.pop(2)).resolve())
 PROGRAM = str(pathlib.Path(sys.argv.pop(1)).resolve())
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 IS_SANITIZED = any(name in pathlib.Path(PROGRAM).read_bytes() for name in (b"__asan_init", b"__tsan_init"))
-IS_EMBEDDED = b"libquenlith_cppmicroservices" in pathlib.Path(PROGRAM).read_bytes()
+IS_EMBEDDED = b"libCppMicroServices.so" not in pathlib.Path(PROGRAM).read_bytes()
 KILLS = int(os.environ.get("TESSERA_KILLS", "20"))
 
 
