@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <stdexcept>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "kd/zero/DeferredReleases.hpp"
@@ -15,19 +17,23 @@ namespace kd::zero {
 /// The implementation class of a kind of elements names it as a friend and has a constructor, a
 /// static `classOf` that returns what `describe` made for it, and `releaseAll`, which calls
 /// `releaseAll` of each of its collections. Where it has collections, it also has `verifyParts`,
-/// which reports each of them. docs/model.md has an example.
+/// which reports each of them. It has no virtual functions, and its first base is the
+/// implementation class of its base kind. docs/model.md has an example.
 struct ElementMaker {
   /// Returns a new, detached element of kind `K` that belongs to the model of `storage`. Throws
-  /// std::bad_alloc or what the constructor throws; the model is unchanged in that case.
+  /// std::bad_alloc, std::logic_error if the implementation class has another base first, or what
+  /// the constructor throws; the model is unchanged in that case.
   template <class K, class... Arguments>
   static K make(ModelStorage& storage, Arguments&&... arguments) {
     using Impl = typename K::Impl;
     static_assert(sizeof(Impl) + meta::Class::kPrefixBytes <= ModelStorage::kLargestBlock &&
                   alignof(Impl) <= 8);
+    static_assert(!std::is_polymorphic_v<Impl>, "an implementation class has no virtual functions");
     const std::size_t prefixBytes = prefixBytesOf<Impl>();
     const std::size_t sizeBytes = prefixBytes + sizeof(Impl);
     auto* block = static_cast<std::byte*>(storage.allocateElement(sizeBytes));
     try {
+      requireElementFirst<Impl>(block + prefixBytes);
       if (prefixBytes != 0) *reinterpret_cast<const meta::Class**>(block) = &Impl::classOf();
       return K::adopt(new (block + prefixBytes) Impl(std::forward<Arguments>(arguments)...));
     } catch (...) {
@@ -60,6 +66,15 @@ struct ElementMaker {
     } else {
       return Impl::classOf().getPrefixBytes();
     }
+  }
+
+  // An element is found and deallocated by the address of its base ModelElement::Impl. The offset
+  // of a base is a constant, so the compiler removes this check.
+  template <class Impl>
+  static void requireElementFirst(std::byte* place) {
+    const ModelElement::Impl* element = reinterpret_cast<Impl*>(place);
+    if (static_cast<const void*>(element) == place) return;
+    throw std::logic_error("the first base of an implementation class is that of its base kind");
   }
 
   template <class Impl>
