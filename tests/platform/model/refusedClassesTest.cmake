@@ -13,3 +13,4 @@ function(expect_refusal macro expected)
 endfunction()
 
 expect_refusal(VIRTUAL_FUNCTION "an implementation class has no virtual functions")
+expect_refusal(WITHOUT_CLASS "an implementation class has its own classOf")

@@ -29,6 +29,8 @@ struct ElementMaker {
     static_assert(sizeof(Impl) + meta::Class::kPrefixBytes <= ModelStorage::kLargestBlock &&
                   alignof(Impl) <= 8);
     static_assert(!std::is_polymorphic_v<Impl>, "an implementation class has no virtual functions");
+    static_assert(hasOwnClass<Impl, typename K::BaseKind::Impl>(),
+                  "an implementation class has its own classOf");
     const std::size_t prefixBytes = prefixBytesOf<Impl>();
     const std::size_t sizeBytes = prefixBytes + sizeof(Impl);
     auto* block = static_cast<std::byte*>(storage.allocateElement(sizeBytes));
@@ -65,6 +67,20 @@ struct ElementMaker {
       return meta::Class::prefixBytes(Impl::kClassKey);
     } else {
       return Impl::classOf().getPrefixBytes();
+    }
+  }
+
+  // An inherited `classOf` would describe a smaller or abstract class, which destroys too little or
+  // cannot destroy at all. Compared as template arguments: where g++ instruments the code, the
+  // comparison of two function pointers is not a constant expression.
+  template <auto function>
+  struct Function {};
+  template <class Impl, class BaseImpl>
+  static constexpr bool hasOwnClass() noexcept {
+    if constexpr (requires { &BaseImpl::classOf; }) {
+      return !std::is_same_v<Function<&Impl::classOf>, Function<&BaseImpl::classOf>>;
+    } else {
+      return true;
     }
   }
 

@@ -151,6 +151,9 @@ inline void ModelElement::dropRef() const noexcept {
 template <class Self, class Base>
 class Handle : public Base {
  public:
+  /// The kind that `Self` is derived from.
+  using BaseKind = Base;
+
   static Self adopt(ModelElement::Impl* element) noexcept {
     Self handle;
     handle.take(element);
