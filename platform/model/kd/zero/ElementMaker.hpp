@@ -16,9 +16,10 @@ namespace kd::zero {
 ///
 /// The implementation class of a kind of elements names it as a friend and has a constructor, a
 /// static `classOf` that returns what `describe` made for it, and `releaseAll`, which calls
-/// `releaseAll` of each of its collections. Where it has collections, it also has `verifyParts`,
-/// which reports each of them. It has no virtual functions, and its first base is the
-/// implementation class of its base kind. docs/model.md has an example.
+/// `releaseAll` of its base and of each of its collections of elements; debug builds assert that.
+/// Where it has collections, it also has `verifyParts`, which reports each of them. It has no
+/// virtual functions, and its first base is the implementation class of its base kind.
+/// docs/model.md has an example.
 struct ElementMaker {
   /// Returns a new, detached element of kind `K` that belongs to the model of `storage`. Throws
   /// std::bad_alloc, std::logic_error if the implementation class has another base first, or what

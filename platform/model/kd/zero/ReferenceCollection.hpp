@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -42,7 +43,8 @@ class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection
   ReferenceCollection(ModelElement::Impl* const& collectionOwner,
                       meta::PropertyKey property) noexcept
       : AbstractOwnedCollection(collectionOwner, property, Content::kElements) {}
-  ~ReferenceCollection() = default;
+  // An owner that forgets to release a collection would keep its elements and their model forever.
+  ~ReferenceCollection() { assert(empty() && "releaseAll of the owner releases each collection"); }
 
   void append(ModelElement element) {
     if (!appendDetached(element)) appendByRules(std::move(element));
