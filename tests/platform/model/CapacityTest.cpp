@@ -107,6 +107,27 @@ TEST(Class, ElementsOutsideTheTableReturnTheirWholeBlocks) {
   EXPECT_EQ(model.storage().allocate(sizeof(LateElement::Impl) + sizeof(const Class*)), place);
 }
 
+TEST(ClassDeathTest, TwoClassesWithOneFixedKeyEndTheProcess) {
+  static const Class first({2}, u"test::First", &Class::modelElement(), 16, nullptr, nullptr);
+  EXPECT_DEATH(Class({2}, u"test::Second", &Class::modelElement(), 16, nullptr, nullptr),
+               "the fixed key 2 of a class of model elements is out of range or in use");
+  EXPECT_EQ(Class::at(2), &first);
+}
+
+TEST(ClassDeathTest, AFixedKeyOutsideTheirRangeEndsTheProcess) {
+  EXPECT_DEATH(
+      Class({Class::kFixedKeys}, u"test::Fixed", &Class::modelElement(), 16, nullptr, nullptr),
+      "the fixed key 4 of a class of model elements is out of range or in use");
+}
+
+TEST(PropertyDeathTest, TwoPropertiesWithOneFixedKeyEndTheProcess) {
+  const Property::Traits traits{.name = u"property", .many = true};
+  static const Property first({.index = 2, .linksContainer = false}, traits);
+  EXPECT_DEATH(Property({.index = 2, .linksContainer = false}, traits),
+               "the fixed key 2 of a property of model elements is out of range or in use");
+  EXPECT_EQ(&Property::at(2), &first);
+}
+
 TEST(Property, CollectionsOfOneTooManyAreRefused) {
   const Property& first = lateParts();
   static std::deque<Property> properties;

@@ -1,8 +1,27 @@
 #include "kd/zero/meta/Class.hpp"
 
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
 
 namespace kd::zero::meta {
+
+namespace {
+
+// The elements of the two classes would be destroyed as if they were of one. A description is
+// created while its library is loaded, where an exception would leave the loader locked.
+void requireFreeKey(ClassKey key, std::span<const Class* const> table) noexcept {
+  if (key.index < Class::kFixedKeys && table[key.index] == nullptr) return;
+  std::fprintf(
+      stderr,
+      "the fixed key %u of a class of model elements is out of range or in use; describe the class "
+      "without a fixed key\n",
+      unsigned{key.index});
+  std::abort();
+}
+
+}  // namespace
 
 std::array<const Class*, ClassKey::kNotInTable + 1> Class::table{};
 
@@ -29,6 +48,7 @@ Class::Class(ClassKey key, std::u16string_view qualifiedName, const Type::Impl* 
       dismantle(dismantle),
       verify(verify),
       key(key) {
+  requireFreeKey(key, table);
   table[key.index] = this;
 }
 

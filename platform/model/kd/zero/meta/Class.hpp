@@ -42,8 +42,10 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
   /// Does not throw, so that a library with classes in static storage can always be loaded.
   Class(std::u16string_view qualifiedName, const Type::Impl* base, std::size_t sizeBytes = 0,
         Dismantle dismantle = nullptr, Verify verify = nullptr) noexcept;
-  /// Like it, with a fixed key below kFixedKeys that no other class has. A constant key makes the
-  /// header of a new element a constant: one store instead of a load and two.
+  /// Like it, with a fixed key below kFixedKeys that no other class has. Fixed keys are for the
+  /// model library: another library cannot know which are in use. A key that is out of range or in
+  /// use ends the process with a message. A constant key makes the header of a new element a
+  /// constant: one store instead of a load and two.
   Class(ClassKey key, std::u16string_view qualifiedName, const Type::Impl* base,
         std::size_t sizeBytes, Dismantle dismantle, Verify verify) noexcept;
 

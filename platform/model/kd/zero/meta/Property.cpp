@@ -1,9 +1,27 @@
 #include "kd/zero/meta/Property.hpp"
 
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
 #include <stdexcept>
 
 namespace kd::zero::meta {
+
+namespace {
+
+// Like that of the classes: the collections of the two properties would follow the rules of one.
+void requireFreeKey(PropertyKey key, std::span<const Property* const> table) noexcept {
+  if (key.index < Property::kFixedKeys && table[key.index] == nullptr) return;
+  std::fprintf(stderr,
+               "the fixed key %u of a property of model elements is out of range or in use; "
+               "describe the property "
+               "without a fixed key\n",
+               unsigned{key.index});
+  std::abort();
+}
+
+}  // namespace
 
 std::array<const Property*, Property::kCapacity> Property::table{};
 
@@ -20,6 +38,7 @@ Property::Property(const Traits& traits) noexcept
 
 Property::Property(PropertyKey key, const Traits& traits) noexcept
     : propertyTraits(traits), key(key), inTable(true) {
+  requireFreeKey(key, table);
   table[key.index] = this;
 }
 

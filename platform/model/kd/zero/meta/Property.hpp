@@ -56,7 +56,9 @@ class QUENLITH_MODEL_EXPORT Property {
   /// When kCapacity properties exist already, creating a collection of this one throws.
   explicit Property(const Traits& traits) noexcept;
   /// Like it, with a fixed key below kFixedKeys that no other property has and that agrees with
-  /// `traits`. A constant key makes the header of a new collection a constant, which is one store.
+  /// `traits`. Fixed keys are for the model library: another library cannot know which are in use.
+  /// A key that is out of range or in use ends the process with a message. A constant key makes the
+  /// header of a new collection a constant, which is one store.
   Property(PropertyKey key, const Traits& traits) noexcept;
   Property(const Property&) = delete;
   Property& operator=(const Property&) = delete;
