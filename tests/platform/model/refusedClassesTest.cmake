@@ -14,3 +14,4 @@ endfunction()
 
 expect_refusal(VIRTUAL_FUNCTION "an implementation class has no virtual functions")
 expect_refusal(WITHOUT_CLASS "an implementation class has its own classOf")
+expect_refusal(SEQUENCE_OF_BOOL "a sequence of bool would have no references to its values")

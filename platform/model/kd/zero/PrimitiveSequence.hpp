@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -20,6 +21,10 @@ namespace kd::zero {
 /// large unique sequence takes constant time on average; otherwise it takes linear time.
 template <class T>
 class PrimitiveSequence final : public PrimitiveCollection {
+  // A std::vector<bool> packs its values into bits.
+  static_assert(!std::same_as<T, bool>,
+                "a sequence of bool would have no references to its values; use an enumeration");
+
  public:
   PrimitiveSequence(const ModelElement::Impl& collectionOwner, meta::PropertyKey property)
       : PrimitiveCollection(collectionOwner, property) {}
