@@ -4,7 +4,7 @@
 # resources. The manifest decides: its "bundle.symbolic_name" becomes the define US_BUNDLE_NAME and the
 # initialization code, its components become the list of exported functions; nothing else is exported.
 # After each link, a check fails unless the library defines exactly the functions that the manifest needs, and
-# each component provides the interfaces that the manifest lists for it. Unknown keys of "scr" stop the
+# the class of each component provides the interfaces that the manifest lists for it, and no more. Unknown keys of "scr" stop the
 # configure step.
 # Each component takes one line in a file of SOURCES, see quenlith/bundle/component.hpp.
 #

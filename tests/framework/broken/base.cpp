@@ -19,19 +19,26 @@ class ThrowsError : public Broken {
   ThrowsError() { throw std::runtime_error("no luck"); }
 };
 
+namespace {
+
 class ThrowsNumber : public Broken {
  public:
   ThrowsNumber() { throw 7; }
 };
+
+}  // namespace
 
 class Needs : public Broken {
  public:
   explicit Needs(const std::shared_ptr<Word>&) {}
 };
 
+class Both : public Broken, public NeedsBroken {};
+
 }  // namespace demo
 
 QUENLITH_COMPONENT(demo_Fine, demo::Fine, Provides<demo::Broken>);
+QUENLITH_COMPONENT(demo_Both, demo::Both, Provides<demo::Broken, demo::NeedsBroken>);
 QUENLITH_COMPONENT(demo_ThrowsError, demo::ThrowsError, Provides<demo::Broken>);
 QUENLITH_COMPONENT(demo_ThrowsNumber, demo::ThrowsNumber, Provides<demo::Broken>);
 QUENLITH_COMPONENT(demo_Needs, demo::Needs, Provides<demo::Broken>, Reference<"word", demo::Word>);
