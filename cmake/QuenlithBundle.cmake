@@ -4,8 +4,8 @@
 # resources. The manifest decides: its "bundle.symbolic_name" becomes the define US_BUNDLE_NAME and the
 # initialization code, its components become the list of exported functions; nothing else is exported.
 # After each link, a check fails unless the library defines exactly the functions that the manifest needs, and
-# the class of each component provides the interfaces that the manifest lists for it, and no more. Unknown keys of "scr" stop the
-# configure step.
+# the class of each component provides the interfaces that the manifest lists for it, and no more. Unknown keys of
+# "scr" stop the configure step.
 # Each component takes one line in a file of SOURCES, see quenlith/bundle/component.hpp.
 #
 # Install a bundle with quenlith_install_bundle: install(TARGETS) may strip it, and stripping removes the
