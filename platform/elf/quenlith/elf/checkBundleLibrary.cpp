@@ -33,6 +33,36 @@ std::string remedyForFramework(const LibraryName& running) {
          (running.framework() == Framework::kEmbedded ? "system" : "embedded");
 }
 
+std::vector<std::string> foldersOfTheEnvironment() {
+  std::vector<std::string> folders;
+  const char* paths = std::getenv("LD_LIBRARY_PATH");
+  std::string_view rest = paths == nullptr ? "" : paths;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find(':'), rest.size());
+    folders.emplace_back(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  return folders;
+}
+
+// The folders in which the loader looks for what `library` needs, in its order.
+std::vector<std::string> searchedFolders(const SharedLibrary& library) {
+  std::vector<std::string> folders = foldersOfTheEnvironment();
+  const auto place = library.hasRunPath ? folders.end() : folders.begin();
+  folders.insert(place, library.searchPaths.begin(), library.searchPaths.end());
+  return folders;
+}
+
+// The loader passes over what is missing or for another machine, and looks further.
+bool isUsable(const std::string& file) {
+  try {
+    readSharedLibrary(file);
+    return true;
+  } catch (const UnusableLibrary&) {
+    return false;
+  }
+}
+
 /// A check of one bundle's library and of the libraries that it brings along.
 class Check {
  public:
@@ -59,7 +89,7 @@ class Check {
     try {
       library = readSharedLibrary(file);
     } catch (const UnusableLibrary& error) {
-      // The loader passes over a file that does not suit it, and looks further.
+      // A library that is followed was usable just before.
       if (!isBundle) return std::nullopt;
       return error.fault();
     }
@@ -67,7 +97,7 @@ class Check {
     for (const std::string& text : library.needed) {
       const LibraryName needed(text);
       if (auto fault = checkNeeded(subject, needed)) return fault;
-      if (!isLoaded(needed)) follow(needed, library.searchPaths);
+      if (!isLoaded(needed)) follow(needed, library);
     }
     return std::nullopt;
   }
@@ -109,19 +139,11 @@ class Check {
     return std::ranges::find(loaded, library.name, &LibraryName::name) != loaded.end();
   }
 
-  void follow(const LibraryName& library, std::vector<std::string> folders) {
-    // The loader prefers this variable to the RUNPATH of the library.
-    if (const char* paths = std::getenv("LD_LIBRARY_PATH")) {
-      std::string_view rest = paths;
-      while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find(':'), rest.size());
-        folders.emplace_back(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-      }
-    }
-    for (const std::string& folder : folders) {
-      const std::string file = (fs::path(folder) / library.name).string();
-      if (!fs::exists(file)) continue;
+  // Adds the file of the library that the loader chooses.
+  void follow(const LibraryName& needed, const SharedLibrary& from) {
+    for (const std::string& folder : searchedFolders(from)) {
+      const std::string file = (fs::path(folder) / needed.name).string();
+      if (!isUsable(file)) continue;
       if (std::ranges::find(pending, file) == pending.end()) pending.push_back(file);
       return;
     }

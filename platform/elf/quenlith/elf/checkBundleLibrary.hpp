@@ -15,7 +15,7 @@ namespace quenlith::elf {
 /// - it needs another version of one of this project's libraries than the one that is loaded.
 ///
 /// Libraries of others are followed where the search paths of the bundle or LD_LIBRARY_PATH lead to
-/// them. No code of the bundle is run.
+/// them, in the order of the loader. No code of the bundle is run.
 std::optional<Fault> checkBundleLibrary(const std::string& path, const std::string& frameworkFile);
 
 }  // namespace quenlith::elf

@@ -95,7 +95,8 @@ SharedLibrary readSharedLibrary(const std::string& path) {
     if (entry.d_tag == DT_RPATH) rPath = text;
   }
   const std::string folder = std::filesystem::absolute(path).parent_path().string();
-  library.searchPaths = splitPaths(runPath.empty() ? rPath : runPath, folder);
+  library.hasRunPath = !runPath.empty();
+  library.searchPaths = splitPaths(library.hasRunPath ? runPath : rPath, folder);
   return library;
 }
 

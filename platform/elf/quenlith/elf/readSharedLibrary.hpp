@@ -13,6 +13,9 @@ struct SharedLibrary {
   std::vector<std::string> needed;
   /// The folders in which the loader looks for these, with $ORIGIN replaced: RUNPATH, else RPATH.
   std::vector<std::string> searchPaths;
+  /// Whether these are the RUNPATH, which the loader searches after the folders of LD_LIBRARY_PATH.
+  /// It searches an RPATH before them.
+  bool hasRunPath = false;
 };
 
 /// Reads the dynamic section of the shared library `path`. Throws `UnusableLibrary` when the file
