@@ -5,6 +5,8 @@
 #include <string_view>
 #include <variant>
 
+#include "quenlith/export/json.hpp"
+
 namespace foundation::json {
 
 /// A number of a JSON text. A literal without fraction and exponent is a signed integer if it fits
@@ -15,6 +17,6 @@ using Number = std::variant<std::int64_t, std::uint64_t, double>;
 ///
 /// `literal` must be one well-formed JSON number. A double is the nearest one; a number too small
 /// for a double becomes zero with the same sign. Does not allocate, however many digits there are.
-std::optional<Number> parseNumber(std::u16string_view literal);
+QUENLITH_JSON_EXPORT std::optional<Number> parseNumber(std::u16string_view literal);
 
 }  // namespace foundation::json
