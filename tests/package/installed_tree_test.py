@@ -229,6 +229,19 @@ class InstalledTree(unittest.TestCase):
                        "if(Boost_FOUND)\n  message(FATAL_ERROR \"Boost was looked for\")\nendif()\n"
                        "get_target_property(type Quenlith::json TYPE)\n")
 
+    def test_libraries_whose_headers_include_boost_link_it(self):
+        components = set()
+        for path in pathlib.Path(SOURCE, "platform").rglob("*.hpp"):
+            installed = self.prefix / "include" / "quenlith" / pathlib.Path(*path.relative_to(SOURCE).parts[2:])
+            if installed.exists() and "#include <boost/" in installed.read_text():
+                components.add(path.relative_to(SOURCE).parts[1])
+        self.assertIn("markers", components)
+        for name in components:
+            self.configure(f"find_package(Quenlith 0.1 REQUIRED COMPONENTS {name})\n"
+                           f"get_target_property(libraries Quenlith::{name} INTERFACE_LINK_LIBRARIES)\n"
+                           "if(NOT Boost::headers IN_LIST libraries)\n"
+                           f"  message(FATAL_ERROR \"Quenlith::{name} does not link Boost::headers\")\nendif()\n")
+
     def test_an_unknown_component_is_refused(self):
         done = self.configure("find_package(Quenlith 0.1 REQUIRED COMPONENTS nonsense)\n", status=1)
         self.assertIn("Quenlith has no library nonsense", " ".join(done.stderr.split()))
