@@ -56,6 +56,10 @@ endfunction()
 # f.cold, is a part of a function.
 function(check_functions)
   run("${NM}" --defined-only "${LIBRARY}")
+  if(NOT output MATCHES "(^|\n)[0-9A-Fa-f]+ [A-Za-z] ")
+    fail("the library has no symbol table; remove -s from the link options, a Release build is stripped after this "
+      "check")
+  endif()
   string(REGEX MATCHALL " [A-Za-z] (_us_set_bundle_context_instance_|_us_create_|_us_destroy_|NewInstance_|DeleteInstance_)[A-Za-z0-9_]*\n"
     defined "${output}\n")
   list(TRANSFORM defined REPLACE "^ [A-Za-z] |\n$" "")

@@ -1,5 +1,5 @@
 # Runs the post-link step of a bundle on libraries that do not match their manifest, and checks its
-# messages. Input: SCRIPT, BASE (the library), NM, ZIP, WORK (a folder to write to).
+# messages. Input: SCRIPT, BASE (the library), NM, STRIP, ZIP, WORK (a folder to write to).
 cmake_minimum_required(VERSION 3.25)
 
 set(all _us_set_bundle_context_instance_broken)
@@ -13,9 +13,11 @@ file(WRITE "${WORK}/manifest.json" "{}")
 file(WRITE "${WORK}/MANIFEST" "{}")
 set(library "${WORK}/bundle.so")
 
+set(base "${BASE}")
+
 # Runs the step for a library that should export `exports` and expects `expected` in its message.
 function(expect_message name symbolicName exports expected)
-  file(COPY_FILE "${BASE}" "${library}")
+  file(COPY_FILE "${base}" "${library}")
   execute_process(COMMAND "${CMAKE_COMMAND}" "-DLIBRARY=${library}" "-DMANIFEST=MANIFEST"
       "-DSYMBOLIC_NAME=${symbolicName}" "-DEXPORTS=${exports}" "-DWORK=${WORK}" "-DNM=${NM}"
       -DSTRIP= "-DZIP=${ZIP}" -P "${SCRIPT}"
@@ -33,6 +35,12 @@ expect_message(MissingActivator broken "${complete};_us_create_activator_broken"
 set(fewer ${complete})
 list(REMOVE_ITEM fewer NewInstance_demo_Fine)
 expect_message(FactoryTooMany broken "${fewer}" "NewInstance_demo_Fine is defined, but MANIFEST has no entry that calls for it; add the component (or \"bundle.activator\": true) to the manifest, or remove the function")
+
+set(base "${WORK}/stripped.so")
+file(COPY_FILE "${BASE}" "${base}")
+execute_process(COMMAND "${STRIP}" "${base}" COMMAND_ERROR_IS_FATAL ANY)
+expect_message(Stripped broken "${complete}" "the library has no symbol table; remove -s from the link options, a Release build is stripped after this check")
+set(base "${BASE}")
 
 # Runs the step with a manifest in which the class `class` provides `interfaces`, a JSON list.
 function(expect_component name class interfaces expected)
