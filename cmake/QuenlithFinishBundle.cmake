@@ -46,7 +46,7 @@ function(describe_missing symbol defined)
     if(others)
       set(others " (defined are the functions of ${others})")
     endif()
-    fail("${MANIFEST} has a component with the class ${class} (\"::\" as \"_\"), but ${symbol} is not defined"
+    fail("${MANIFEST} has a component with the name or class ${class} (\"::\" as \"_\"), but ${symbol} is not defined"
       "${others}; correct the name, or add QUENLITH_COMPONENT(${class}, Class, Provides<Interface>) to a file in "
       "SOURCES")
   endif()

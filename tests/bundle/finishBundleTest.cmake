@@ -29,7 +29,7 @@ function(expect_message name symbolicName exports expected)
   endif()
 endfunction()
 
-expect_message(MissingFactory broken "${all}" "MANIFEST has a component with the class demo_Half (\"::\" as \"_\"), but DeleteInstance_demo_Half is not defined (defined are the functions of demo_Both, demo_Fine, demo_Half, demo_Needs, demo_Null, demo_Thrower, demo_ThrowsError, demo_ThrowsNumber); correct the name, or add QUENLITH_COMPONENT(demo_Half, Class, Provides<Interface>) to a file in SOURCES")
+expect_message(MissingFactory broken "${all}" "MANIFEST has a component with the name or class demo_Half (\"::\" as \"_\"), but DeleteInstance_demo_Half is not defined (defined are the functions of demo_Both, demo_Fine, demo_Half, demo_Needs, demo_Null, demo_Thrower, demo_ThrowsError, demo_ThrowsNumber); correct the name, or add QUENLITH_COMPONENT(demo_Half, Class, Provides<Interface>) to a file in SOURCES")
 expect_message(OtherName other "_us_set_bundle_context_instance_other" "US_BUNDLE_NAME is 'broken', but \"bundle.symbolic_name\" in MANIFEST is 'other'; leave US_BUNDLE_NAME to quenlith_add_bundle")
 expect_message(MissingActivator broken "${complete};_us_create_activator_broken" "MANIFEST has \"bundle.activator\": true, but _us_create_activator_broken is not defined; add CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(Class) to a source, or set \"bundle.activator\" to false")
 set(fewer ${complete})

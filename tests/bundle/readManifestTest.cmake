@@ -34,3 +34,14 @@ expect_component_message(ReferenceText [=["references":["A"]]=] "scr.components.
 expect_message(ScrKey [=[{"bundle.symbolic_name":"demo","scr":{"version":1,"component":[]}}]=] "scr has the key \"component\", ${unknown} version, components")
 # Keys outside of "scr" are the bundle's.
 expect_message(OtherKeys [=[{"bundle.symbolic_name":"demo","anything":{"version":1}}]=] "")
+
+# The name of a component is a part of the names of two C functions.
+set(function "the functions of a component are named after it; use letters, digits, underscores and \"::\", a digit not first")
+foreach(name IN ITEMS "text-parser" "text.parser" "text parser" "2nd" "é" "Parser<int>" "")
+  expect_component_message(ComponentName "\"name\":\"${name}\"" "component 0 of \"scr\" has the name or class \"${name}\": ${function}")
+endforeach()
+expect_component_message(NestedName [=["name":"a::B_2"]=] "")
+expect_message(TemplateClass [=[{"bundle.symbolic_name":"demo","scr":{"version":1,"components":[
+  {"implementation-class":"demo::Fine<int>"}]}}]=] "component 0 of \"scr\" has the name or class \"demo::Fine<int>\": ${function}")
+expect_message(NamedTemplateClass [=[{"bundle.symbolic_name":"demo","scr":{"version":1,"components":[
+  {"implementation-class":"demo::Fine<int>","name":"Fine"}]}}]=] "")

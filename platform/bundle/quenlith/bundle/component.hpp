@@ -70,8 +70,9 @@ struct Factory<Implementation, Provides<Interfaces...>, Reference<names, Referen
 
 /// Exports the two functions with which the runtime creates and destroys a component instance.
 ///
-/// `symbol` is the qualified name of the class with "_" for "::". The other arguments are the
-/// class, its interfaces, and its references in the order of the manifest and of the constructor:
+/// `symbol` is the "name" of the component in the manifest, by default the qualified name of the
+/// class, with "_" for "::". The other arguments are the class, its interfaces, and its references
+/// in the order of the manifest and of the constructor:
 ///
 ///     QUENLITH_COMPONENT(demo_Speaker, demo::Speaker, Provides<demo::Greeter>,
 ///                        Reference<"dictionary", demo::Dictionary>)
