@@ -19,7 +19,8 @@ set(QUENLITH_BUNDLE_SCRIPT "${CMAKE_CURRENT_LIST_DIR}/QuenlithFinishBundle.cmake
 
 function(quenlith_add_bundle name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "MANIFEST;OUTPUT_NAME" "SOURCES;LINK")
-  if(NOT arg_MANIFEST OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS)
+  if(NOT arg_MANIFEST OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS
+      OR OUTPUT_NAME IN_LIST arg_KEYWORDS_MISSING_VALUES)
     message(FATAL_ERROR "quenlith_add_bundle(${name}): use NAME MANIFEST file SOURCES source... "
       "[LINK target...] [OUTPUT_NAME name]")
   endif()
@@ -62,6 +63,9 @@ endfunction()
 
 function(quenlith_install_bundle name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESTINATION" "")
+  if(arg_UNPARSED_ARGUMENTS OR arg_KEYWORDS_MISSING_VALUES)
+    message(FATAL_ERROR "quenlith_install_bundle(${name}): use NAME [DESTINATION folder]")
+  endif()
   if(NOT arg_DESTINATION)
     include(GNUInstallDirs)
     set(arg_DESTINATION "${CMAKE_INSTALL_LIBDIR}")

@@ -45,3 +45,22 @@ expect_message(TemplateClass [=[{"bundle.symbolic_name":"demo","scr":{"version":
   {"implementation-class":"demo::Fine<int>"}]}}]=] "component 0 of \"scr\" has the name or class \"demo::Fine<int>\": ${function}")
 expect_message(NamedTemplateClass [=[{"bundle.symbolic_name":"demo","scr":{"version":1,"components":[
   {"implementation-class":"demo::Fine<int>","name":"Fine"}]}}]=] "")
+
+# Calls a function of the script; expects a failure with `expected` in its message.
+function(expect_misuse name call expected)
+  file(WRITE "${WORK}/${name}.cmake" "cmake_minimum_required(VERSION 3.25)\ninclude(\"${SCRIPT}\")\n${call}\n")
+  execute_process(COMMAND "${CMAKE_COMMAND}" -P "${WORK}/${name}.cmake" RESULT_VARIABLE result ERROR_VARIABLE said)
+  string(REGEX REPLACE "[ \n]+" " " said "${said}")
+  string(FIND "${said}" "${expected}" place)
+  if(result EQUAL 0 OR place EQUAL -1)
+    message(SEND_ERROR "${name}: expected a failure with \"${expected}\", got ${result}: ${said}")
+  endif()
+endfunction()
+
+set(install "quenlith_install_bundle(demo): use NAME [DESTINATION folder]")
+expect_misuse(UnknownArgument "quenlith_install_bundle(demo DESTINATIONS bundles)" "${install}")
+expect_misuse(SecondName "quenlith_install_bundle(demo other)" "${install}")
+expect_misuse(NoDestination "quenlith_install_bundle(demo DESTINATION)" "${install}")
+set(add "quenlith_add_bundle(demo): use NAME MANIFEST file SOURCES source... [LINK target...] [OUTPUT_NAME name]")
+expect_misuse(NoOutputName "quenlith_add_bundle(demo MANIFEST a SOURCES b OUTPUT_NAME)" "${add}")
+expect_misuse(NoManifest "quenlith_add_bundle(demo SOURCES b)" "${add}")
