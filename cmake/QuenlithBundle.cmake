@@ -20,7 +20,7 @@ set(QUENLITH_BUNDLE_SCRIPT "${CMAKE_CURRENT_LIST_DIR}/QuenlithFinishBundle.cmake
 function(quenlith_add_bundle name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "MANIFEST;OUTPUT_NAME" "SOURCES;LINK")
   if(NOT arg_MANIFEST OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS
-      OR OUTPUT_NAME IN_LIST arg_KEYWORDS_MISSING_VALUES)
+      OR "OUTPUT_NAME" IN_LIST arg_KEYWORDS_MISSING_VALUES)
     message(FATAL_ERROR "quenlith_add_bundle(${name}): use NAME MANIFEST file SOURCES source... "
       "[LINK target...] [OUTPUT_NAME name]")
   endif()
@@ -183,7 +183,7 @@ function(quenlith_append_manifest name manifest symbolicName work exports)
   add_custom_command(TARGET ${name} POST_BUILD VERBATIM
     COMMENT "Checking ${name} against its manifest and embedding it"
     COMMAND "${CMAKE_COMMAND}" "-DLIBRARY=$<TARGET_FILE:${name}>" "-DMANIFEST=${manifest}"
-      "-DSYMBOLIC_NAME=${symbolicName}" "-DEXPORTS=${exports}" "-DWORK=${work}" "-DNM=${CMAKE_NM}"
+      "-DSYMBOLIC_NAME=${symbolicName}" "-DEXPORTS=${exports}" "-DWORK=${work}/$<CONFIG>" "-DNM=${CMAKE_NM}"
       "-DSTRIP=${strip}" "-DZIP=${QUENLITH_ZIP_PROGRAM}" -P "${QUENLITH_BUNDLE_SCRIPT}")
 endfunction()
 

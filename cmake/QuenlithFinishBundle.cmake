@@ -1,7 +1,7 @@
 # Run after the link of a bundle: checks the library against its manifest, then embeds the manifest.
 #
 # In: LIBRARY, MANIFEST, SYMBOLIC_NAME, EXPORTS (functions that the manifest calls for), WORK (a folder
-# of this bundle's own), NM, STRIP (empty: keep the symbols), ZIP. A library that fails is removed, so
+# of this bundle and configuration), NM, STRIP (empty: keep the symbols), ZIP. A library that fails is removed, so
 # that the next build links and checks it again.
 
 cmake_minimum_required(VERSION 3.25)
@@ -193,7 +193,8 @@ function(append_archive)
   file(REMOVE "${archive}")
   # -X: without owners and with one time of each file. "cmake -E tar" would add when it was read.
   run("${CMAKE_COMMAND}" -E chdir archive "${ZIP}" -q -X -r "${archive}" "${SYMBOLIC_NAME}")
-  set(whole "${WORK}/whole")
+  # Beside the library: a file is not renamed from one file system to another.
+  set(whole "${LIBRARY}.whole")
   execute_process(COMMAND "${CMAKE_COMMAND}" -E cat "${LIBRARY}" "${archive}" OUTPUT_FILE "${whole}"
     COMMAND_ERROR_IS_FATAL ANY)
   # Offsets that count from the start of the file: libraries that read zip archives want them.
@@ -203,6 +204,7 @@ function(append_archive)
   file(RENAME "${whole}" "${LIBRARY}")
 endfunction()
 
+file(MAKE_DIRECTORY "${WORK}")
 check_functions()
 check_interfaces()
 if(STRIP)
