@@ -11,9 +11,19 @@ using namespace std::string_view_literals;
 
 constexpr std::size_t kMaxName = 64;
 // Names of CMake's own targets, and of bundles that are loaded together with the new one.
-constexpr std::string_view kTakenByCMake[] = {
-    "all",  "clean",   "depend",        "edit_cache", "help", "install", "list_install_components",
-    "none", "package", "rebuild_cache", "test"};
+constexpr std::string_view kTakenByCMake[] = {"all",
+                                              "clean",
+                                              "depend",
+                                              "edit_cache",
+                                              "help",
+                                              "install",
+                                              "list_install_components",
+                                              "none",
+                                              "package",
+                                              "package_source",
+                                              "preinstall",
+                                              "rebuild_cache",
+                                              "test"};
 // The name is a word of the sources, where the preprocessor would replace these.
 constexpr std::string_view kTakenByMacros[] = {"errno", "i386", "linux", "unix"};
 constexpr std::string_view kTakenByBundles[] = {"com_velquorin_quenlith_build_markup_code",

@@ -56,7 +56,7 @@ class NewBundle(unittest.TestCase):
     def test_names_that_cannot_be_used_are_refused(self):
         cases = {name: SPELLING for name in ("", "A", "wordCount", "1a", "_a", "a_", "a__b", "a-b", "a.b", "a b", "ä",
                                              "../a", "a/b", "a\n")}
-        cases |= {name: TARGET for name in ("test", "all", "install", "package")}
+        cases |= {name: TARGET for name in ("test", "all", "install", "package", "preinstall", "package_source")}
         cases |= {name: MACRO for name in ("errno", "i386", "linux", "unix")}
         cases |= {"tessera_pieces": "is the name of another bundle: use another name",
                   "a" * 65: "is too long for the name of a bundle: use at most 64 characters"}
