@@ -185,7 +185,7 @@ def check_develops(root):
         '#include "quenlith/syntax/Marker.hpp"\n'
         'int main() { return quenlith::syntax::Marker(u"<@output#a>").getId() == u"a" ? 0 : 1; }\n'
     )
-    root.run("c++", "/root/main.cpp", "-o", "/root/main", *flags)
+    root.run("c++", "-std=c++20", "/root/main.cpp", "-o", "/root/main", *flags)
     root.run("/root/main")
     say("  ok: a program is built with the flags of pkg-config and runs")
 

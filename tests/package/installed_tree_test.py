@@ -190,19 +190,36 @@ class InstalledTree(unittest.TestCase):
                    # pkg-config escapes each byte of the letter by itself.
                    errors="surrogateescape").stdout
 
+    def output_of(self, code, standard="c++20"):
+        """Compiles a program with the flags of pkg-config; returns what it prints."""
+        source, program = self.work / "user.cpp", self.work / "user"
+        source.write_text(code)
+        command = shlex.join([COMPILER, f"-std={standard}", str(source), "-o", str(program)])
+        # The flags are quoted for a shell.
+        run("sh", "-c", f"{command} {self.pkg_config('--cflags', '--libs').strip()}")
+        folders = ":".join([f"{self.prefix}/lib", *FRAMEWORK])
+        return run(program, env={**os.environ, "LD_LIBRARY_PATH": folders}).stdout
+
     def test_pkg_config_names_what_a_program_needs(self):
-        flags = self.pkg_config("--cflags", "--libs")
-        source, program = self.work / "marker.cpp", self.work / "marker"
-        source.write_text(
+        self.assertEqual(self.output_of(
             '#include <cstdio>\n#include "quenlith/syntax/Marker.hpp"\n'
             'int main() { std::puts(quenlith::syntax::Marker(u"<@output#a>").getId() == u"a" ?'
-            ' "found" : "missed"); }\n'
-        )
-        # The flags are quoted for a shell.
-        command = shlex.join([COMPILER, str(source), "-o", str(program)])
-        run("sh", "-c", f"{command} {flags.strip()}")
-        shown = run(program, env={**os.environ, "LD_LIBRARY_PATH": f"{self.prefix}/lib"})
-        self.assertEqual(shown.stdout, "found\n")
+            ' "found" : "missed"); }\n'), "found\n")
+
+    def test_pkg_config_names_the_framework(self):
+        self.assertEqual(self.output_of(
+            '#include <cstdio>\n#include <cppmicroservices/BundleContext.h>\n'
+            '#include <cppmicroservices/Framework.h>\n#include <cppmicroservices/FrameworkFactory.h>\n'
+            'int main() {\n'
+            '  auto framework = cppmicroservices::FrameworkFactory().NewFramework();\n'
+            '  framework.Init();\n'
+            '  std::puts(framework.GetBundleContext() ? "runs" : "does not run");\n'
+            '}\n'), "runs\n")
+
+    def test_pkg_config_leaves_the_standard_to_the_author(self):
+        self.assertEqual(self.output_of(
+            '#include <cstdio>\n#include "quenlith/syntax/Marker.hpp"\n'
+            'int main() { std::puts(__cplusplus > 202002L ? "newer" : "C++20"); }\n', "c++23"), "newer\n")
 
     def test_a_host_of_others_reads_the_pieces(self):
         with tempfile.TemporaryDirectory(dir=self.work) as folder:
