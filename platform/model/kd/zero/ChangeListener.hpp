@@ -9,7 +9,9 @@ namespace kd::zero {
 
 class AbstractOwnedCollection;
 
-/// Is notified of each change to a collection of a model before the change is made.
+/// Is notified of each value that is appended to a sequence of plain values of a model, before it
+/// is appended. There are no notifications of other changes: to collections of elements, to the
+/// texts of nodes and to other fields.
 class QUENLITH_MODEL_EXPORT ChangeListener {
  public:
   virtual ~ChangeListener();

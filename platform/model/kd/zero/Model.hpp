@@ -38,8 +38,9 @@ class QUENLITH_MODEL_EXPORT Model {
   explicit operator bool() const noexcept { return storageOfModel != nullptr; }
   friend bool operator==(const Model&, const Model&) noexcept = default;
 
-  /// Borrows `listener`, which must outlive the model or be removed, and notifies it of each later
-  /// change. A listener that is added twice is notified twice.
+  /// Borrows `listener`, which must outlive the model or be removed, and notifies it of each value
+  /// that is later appended to a sequence of plain values. A listener that is added twice is
+  /// notified twice.
   void addListener(ChangeListener& listener) const;
   /// Undoes one `addListener`; does nothing when there was none. May be called during a
   /// notification: a listener that was removed is not notified of that change any more.
