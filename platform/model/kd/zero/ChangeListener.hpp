@@ -17,7 +17,8 @@ class QUENLITH_MODEL_EXPORT ChangeListener {
   virtual ~ChangeListener();
 
   /// Called before `collection` changes. `change` describes the change; the listener owns it. An
-  /// exception prevents the change and reaches the caller that requested it.
+  /// exception prevents the change and reaches the caller that requested it. Must not append to
+  /// `collection`; it may append to others.
   virtual void modifying(const AbstractOwnedCollection& collection,
                          std::unique_ptr<OCDChange> change) = 0;
 };
