@@ -17,7 +17,9 @@ namespace kd::zero {
 /// Base of the collections of references to elements of any kind.
 ///
 /// A first element is stored in the collection itself, several in a block of the model's storage.
-/// Appending takes amortized constant time.
+/// Appending takes amortized constant time, and time linear in the size of the other collection if
+/// another one contained the element: moving all elements of a large collection one by one takes
+/// quadratic time.
 class QUENLITH_MODEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
  public:
   /// Tells whether it owns its elements: an element is in at most one composite collection.
