@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "document/kdzero/PlainTextNode.hpp"
+#include "document/kdzero/keys.hpp"
 #include "kd/zero/ElementMaker.hpp"
 #include "kd/zero/ElementSequence.hpp"
 #include "kd/zero/Model.hpp"
@@ -107,25 +109,29 @@ TEST(Class, ElementsOutsideTheTableReturnTheirWholeBlocks) {
   EXPECT_EQ(model.storage().allocate(sizeof(LateElement::Impl) + sizeof(const Class*)), place);
 }
 
-TEST(ClassDeathTest, TwoClassesWithOneFixedKeyEndTheProcess) {
-  static const Class first({2}, u"test::First", &Class::modelElement(), 16, nullptr, nullptr);
-  EXPECT_DEATH(Class({2}, u"test::Second", &Class::modelElement(), 16, nullptr, nullptr),
-               "the fixed key 2 of a class of model elements is out of range or in use");
-  EXPECT_EQ(Class::at(2), &first);
+TEST(Class, TheFirst127AreInTheTable) {
+  EXPECT_EQ(Class::at(1), &document::kdzero::PlainTextNode::Impl::classOf());
+  describeManyClasses();
+  for (std::uint8_t index = 0; index < 127; ++index) EXPECT_NE(Class::at(index), nullptr) << +index;
+  EXPECT_EQ(Class::at(ClassKey::kNotInTable), nullptr);
 }
 
-TEST(ClassDeathTest, AFixedKeyOutsideTheirRangeEndsTheProcess) {
+TEST(ClassDeathTest, AFixedKeyThatIsInUseEndsTheProcess) {
+  const ClassKey key = document::kdzero::PlainTextNode::Impl::kClassKey;
+  EXPECT_DEATH(Class(key, u"test::Second", &Class::modelElement(), 16, nullptr, nullptr),
+               "the fixed key 1 of a class of model elements is out of range or in use");
+}
+
+TEST(ClassDeathTest, AFixedKeyOutOfRangeEndsTheProcess) {
   EXPECT_DEATH(
       Class({Class::kFixedKeys}, u"test::Fixed", &Class::modelElement(), 16, nullptr, nullptr),
-      "the fixed key 4 of a class of model elements is out of range or in use");
+      "the fixed key 2 of a class of model elements is out of range or in use");
 }
 
-TEST(PropertyDeathTest, TwoPropertiesWithOneFixedKeyEndTheProcess) {
+TEST(PropertyDeathTest, AFixedKeyThatIsInUseEndsTheProcess) {
   const Property::Traits traits{.name = u"property", .many = true};
-  static const Property first({.index = 2, .linksContainer = false}, traits);
-  EXPECT_DEATH(Property({.index = 2, .linksContainer = false}, traits),
-               "the fixed key 2 of a property of model elements is out of range or in use");
-  EXPECT_EQ(&Property::at(2), &first);
+  EXPECT_DEATH(Property(document::kdzero::keys::kChildren, traits),
+               "the fixed key 0 of a property of model elements is out of range or in use");
 }
 
 TEST(Property, CollectionsOfOneTooManyAreRefused) {
@@ -133,6 +139,9 @@ TEST(Property, CollectionsOfOneTooManyAreRefused) {
   static std::deque<Property> properties;
   const Property::Traits traits{.name = u"property", .many = true};
   while (properties.size() < Property::kCapacity) properties.emplace_back(traits);
+  for (std::size_t index = 0; index < Property::kCapacity; ++index) {
+    EXPECT_TRUE(Property::isAt(static_cast<std::uint16_t>(index))) << index;
+  }
   EXPECT_EQ(&Property::at(first.getIndex()), &first);
 
   std::size_t usable = 0;

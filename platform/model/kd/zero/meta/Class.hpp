@@ -29,7 +29,7 @@ struct ClassKey {
 /// as the process. Bundles that define classes may create descriptions on several threads.
 class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
  public:
-  /// DeferredReleases everything that an element refers to and runs its destructor; the caller
+  /// Releases everything that an element refers to and runs its destructor; the caller
   /// returns its block.
   using Dismantle = void (*)(ModelElement::Impl& element,
                              ModelElement::DeferredReleases& releases) noexcept;
@@ -52,7 +52,7 @@ class QUENLITH_MODEL_EXPORT Class : public Type::Impl {
   /// The type that every class of elements conforms to.
   static const Type::Impl& modelElement() noexcept;
 
-  static constexpr std::size_t kFixedKeys = 4;
+  static constexpr std::size_t kFixedKeys = 2;
   /// Returns the class at `index` of the table, or null; kNotInTable gives null.
   static const Class* at(std::uint8_t index) noexcept { return table[index]; }
 

@@ -64,7 +64,7 @@ class QUENLITH_MODEL_EXPORT Property {
   Property& operator=(const Property&) = delete;
 
   static constexpr std::size_t kCapacity = 65536;
-  static constexpr std::size_t kFixedKeys = 4;
+  static constexpr std::size_t kFixedKeys = 1;
   static const Property& at(std::uint16_t index) noexcept { return *table[index]; }
   /// Tells whether there is a property at `index` of the table.
   static bool isAt(std::uint16_t index) noexcept { return table[index] != nullptr; }
