@@ -46,8 +46,9 @@ class QUENLITH_MODEL_EXPORT Model {
   /// notification: a listener that was removed is not notified of that change any more.
   void removeListener(ChangeListener& listener) const noexcept;
 
-  /// Number of collection operations started so far, committed or not. An append that is skipped
-  /// or rejected does not count, so a host can tell whether a call tried to change anything.
+  /// Number of collection operations started so far, committed or not. An append that is skipped,
+  /// or rejected by a rule of its collection, does not count, so a host can tell whether a call
+  /// tried to change anything. One that a listener rejects counts.
   std::uint64_t getNumberOfOperations() const noexcept { return storageOfModel->operations; }
 
   /// Returns a text that names the first invariant of the model found broken, or null if there is
