@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -9,7 +10,8 @@ namespace tessera::files {
 /// records.
 class OutputText {
  public:
-  OutputText() = default;
+  /// `flushIfLarge` writes from `largeBytes` on.
+  explicit OutputText(std::size_t largeBytes = kLargeBytes) : largeBytes(largeBytes) {}
   /// Text that was not flushed is lost.
   virtual ~OutputText() = default;
   OutputText(const OutputText&) = delete;
@@ -20,7 +22,7 @@ class OutputText {
 
   /// Like `flush`, but only if much is buffered.
   void flushIfLarge() {
-    if (buffered.size() >= kLargeBytes) flush();
+    if (buffered.size() >= largeBytes) flush();
   }
 
   /// Writes the buffered text. Throws OutputError; the text is then dropped, so that a later call
@@ -34,6 +36,7 @@ class OutputText {
   /// Writes all of `piece`, which is not empty. Throws OutputError.
   virtual void write(std::string_view piece) = 0;
 
+  std::size_t largeBytes;
   std::string buffered;
 };
 

@@ -55,14 +55,17 @@ bool SharedSlots::haveFree() noexcept {
   return !free.empty();
 }
 
-std::uint16_t SharedSlots::fill(std::string_view text) noexcept {
+std::uint16_t SharedSlots::take() noexcept {
   while (!haveFree()) {
     if (::sem_wait(&shared->freed) == 0) takeFreed();
   }
   const std::uint16_t slot = free.back();
   free.pop_back();
-  std::memcpy(begin(slot), text.data(), text.size());
   return slot;
+}
+
+void SharedSlots::copy(std::uint16_t slot, std::size_t used, std::string_view text) noexcept {
+  std::memcpy(begin(slot) + used, text.data(), text.size());
 }
 
 /// There is room in `free` for all slots.

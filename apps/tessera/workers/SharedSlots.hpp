@@ -39,9 +39,11 @@ class SharedSlots {
   /// In the worker: whether `fill` would not have to wait.
   bool haveFree() noexcept;
 
-  /// In the worker: copies `text`, at most kSlotBytes, into a slot, once one is free. Returns the
-  /// number of the slot.
-  std::uint16_t fill(std::string_view text) noexcept;
+  /// In the worker: takes a slot, once one is free, and returns its number.
+  std::uint16_t take() noexcept;
+  /// In the worker: copies `text` into a slot that was taken, after `used` bytes. Together they are
+  /// at most kSlotBytes.
+  void copy(std::uint16_t slot, std::size_t used, std::string_view text) noexcept;
 
   /// In the parent: the text of a filled slot, which has `bytes` bytes, until `release`.
   std::string_view text(std::uint16_t slot, std::size_t bytes) const noexcept;

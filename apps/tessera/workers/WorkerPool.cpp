@@ -81,11 +81,15 @@ void WorkerPool::startWorker(std::deque<std::size_t> inputs) {
 void WorkerPool::giveInputs() {
   const std::size_t share = (end - nextToGive) / (4 * std::max(workers.size(), std::size_t{1}));
   const std::size_t most = std::clamp(share, kLeastInputsPerWorker, kMostInputsPerWorker);
+  std::vector<Worker*> hungry;
+  for (const auto& worker : workers) {
+    if (worker->isRunning() && worker->unfinished() <= most / 2) hungry.push_back(worker.get());
+  }
   // In turn, so that each has one before any has two.
   for (std::size_t wanted = 1; wanted <= most; ++wanted) {
-    for (const auto& worker : workers) {
+    for (Worker* const worker : hungry) {
       if (nextToGive == end) break;
-      if (worker->isRunning() && worker->unfinished() < wanted) worker->give(nextToGive++);
+      if (worker->unfinished() < wanted) worker->give(nextToGive++);
     }
   }
   for (const auto& worker : workers) worker->sendInputs();

@@ -3,13 +3,16 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "tessera/diagnostics/describeException.hpp"
 #include "tessera/workers/Frame.hpp"
@@ -23,14 +26,18 @@ class FrameSender {
  public:
   FrameSender(int descriptor, SharedSlots& slots) : descriptor(descriptor), slots(slots) {}
 
-  void sendInSlot(Frame::Kind kind, std::string_view text) {
+  /// Takes a slot of the shared memory, to be sent as soon as it is filled.
+  std::uint16_t takeSlot() {
     // The parent frees only slots that it knows of, and has to see that this process waits for it.
     if (!slots.haveFree()) {
       flush();
       isPartSent = true;
     }
-    const std::uint16_t slot = slots.fill(text);
-    add({.kind = kind, .slot = slot, .size = static_cast<std::uint32_t>(text.size())});
+    return slots.take();
+  }
+
+  void sendSlot(Frame::Kind kind, std::uint16_t slot, std::size_t size) {
+    add({.kind = kind, .slot = slot, .size = static_cast<std::uint32_t>(size)});
   }
 
   void sendEnd(Outcome outcome) {
@@ -59,11 +66,12 @@ class FrameSender {
   using Clock = std::chrono::steady_clock;
 
   static constexpr std::chrono::milliseconds kLongestDelay{5};
-  static constexpr std::size_t kMostPending = SharedSlots::kFewestSlots / 2;
+  static constexpr std::size_t kMostPending = 64;
 
   void add(const Frame& frame) {
     pending[pendingCount++] = frame;
-    if (pendingCount < kMostPending) return;
+    // The parent can free slots meanwhile.
+    if (pendingCount < std::min(kMostPending, slots.size() / 2)) return;
     flush();
     isPartSent = true;
   }
@@ -78,33 +86,61 @@ class FrameSender {
   Clock::time_point lastTime = Clock::now();
 };
 
+/// Collects the text of an input in slots. It is copied in pieces that are still in the nearest
+/// cache.
 class SlotOutput final : public files::OutputText {
  public:
-  explicit SlotOutput(FrameSender& frames) : frames(frames) {}
+  SlotOutput(FrameSender& frames, SharedSlots& slots)
+      : OutputText(kPieceBytes), frames(frames), slots(slots) {}
+
+  /// Sends all text.
+  void send() {
+    flush();
+    if (slot) frames.sendSlot(Frame::Kind::kText, *std::exchange(slot, std::nullopt), used);
+  }
 
  private:
+  static constexpr std::size_t kPieceBytes = 16 * 1024;
+
   void write(std::string_view piece) override {
     while (!piece.empty()) {
-      const auto part = piece.substr(0, SharedSlots::kSlotBytes);
-      frames.sendInSlot(Frame::Kind::kText, part);
+      if (!slot) {
+        slot = frames.takeSlot();
+        used = 0;
+      }
+      const auto part = piece.substr(0, SharedSlots::kSlotBytes - used);
+      slots.copy(*slot, used, part);
+      used += part.size();
       piece.remove_prefix(part.size());
+      if (used == SharedSlots::kSlotBytes) {
+        frames.sendSlot(Frame::Kind::kText, *std::exchange(slot, std::nullopt), used);
+      }
     }
   }
 
   FrameSender& frames;
+  SharedSlots& slots;
+  // The slot that is being filled, and how much of it is.
+  std::optional<std::uint16_t> slot;
+  std::size_t used = 0;
 };
 
 class SlotMessages final : public Messages {
  public:
-  SlotMessages(FrameSender& frames, SlotOutput& output) : frames(frames), output(output) {}
+  SlotMessages(FrameSender& frames, SharedSlots& slots, SlotOutput& output)
+      : frames(frames), slots(slots), output(output) {}
 
   void report(std::string_view message) override {
-    output.flush();
-    frames.sendInSlot(Frame::Kind::kMessage, message.substr(0, SharedSlots::kSlotBytes));
+    output.send();
+    const auto part = message.substr(0, SharedSlots::kSlotBytes);
+    const std::uint16_t slot = frames.takeSlot();
+    slots.copy(slot, 0, part);
+    frames.sendSlot(Frame::Kind::kMessage, slot, part.size());
   }
 
  private:
   FrameSender& frames;
+  SharedSlots& slots;
   SlotOutput& output;
 };
 
@@ -144,8 +180,8 @@ class CommandReader {
 
 void runWorker(const MakeJob& makeJob, SharedSlots& slots, int socket) {
   FrameSender frames(socket, slots);
-  SlotOutput output(frames);
-  SlotMessages messages(frames, output);
+  SlotOutput output(frames, slots);
+  SlotMessages messages(frames, slots, output);
   try {
     const std::unique_ptr<Job> job =
         makeJob({.output = output, .messages = messages, .progress = slots.progress()});
@@ -154,7 +190,7 @@ void runWorker(const MakeJob& makeJob, SharedSlots& slots, int socket) {
     for (auto index = commands.next(); index != kNoMoreInputs; index = commands.next()) {
       slots.beginInput();
       const Outcome outcome = job->run(index);
-      output.flush();
+      output.send();
       frames.sendEnd(outcome);
       // If this process ended before its parent knows of the end, the input would be worked on
       // again.
