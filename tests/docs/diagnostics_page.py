@@ -7,7 +7,10 @@ import pathlib
 import subprocess
 import sys
 
-BEGIN = "<!-- Made by `tessera explain --format markdown`; tests/docs/diagnostics_page.py --update writes it. -->\n"
+BEGIN = """\
+<!-- Made by `tessera explain --format markdown`. To write it:
+     python3 tests/docs/diagnostics_page.py build/dev/bin/tessera docs/diagnostics.md --update -->
+"""
 
 
 def main(program, page, *options):
