@@ -2,6 +2,7 @@
 // line.
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -59,6 +60,9 @@ void parse(const Parsers& parsers, const std::vector<fl::i18n::ustring>& lines) 
   const auto document = std::make_shared<document::kdzero::TesseraDocument>();
   quenlith::build::markup::Snippet snippet;
   for (const auto& line : lines) snippet.auxiliaryText += line + u"\n";
+  // A new number for each text, so that the task parser need not compare texts.
+  static std::uint64_t lastBlockVersion = 0;
+  snippet.blockVersion = ++lastBlockVersion;
   for (const auto& line : lines) {
     snippet.text = line;
     for (const auto& parser : parsers) {
