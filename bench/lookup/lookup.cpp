@@ -50,8 +50,8 @@ class RunningFramework {
 };
 
 /// The lookup of contributors that the parser services provider does for every line while none is
-/// registered. The argument is the number of services of another interface. In the embedded
-/// framework it takes at most 20 ns in a process of one thread.
+/// registered. The argument is the number of services of another interface. The embedded
+/// framework aims at 20 ns in a process of one thread.
 void lookUpNoContributor(benchmark::State& state) {
   const RunningFramework running(static_cast<int>(state.range(0)));
   for (auto _ : state) {
