@@ -48,7 +48,7 @@ struct CommandError {
   std::uint64_t column = 1;
   std::string what;
   /// What to do about it.
-  std::string remedy = "write one command a line, as tessera parse --record does";
+  std::string remedy = "write one command per line, as tessera parse --record does";
 };
 
 }  // namespace tessera::replay

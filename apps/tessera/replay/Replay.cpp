@@ -151,11 +151,12 @@ SnippetParser& Replay::findParser(const Command& command) const {
   std::string known;
   for (const session::NamedParser& entry : parsers) {
     if (entry.name == wanted) return *entry.parser;
-    known += diagnostics::quotedText(fl::i18n::utf8_to_ustring(entry.name)) + " or ";
+    if (!known.empty()) known += " or ";
+    known += diagnostics::quotedText(fl::i18n::utf8_to_ustring(entry.name));
   }
   throw CommandError{.column = command.subjectColumn,
                      .what = "there is no parser " + diagnostics::quotedText(command.parser),
-                     .remedy = "name " + known + "start the bundle that has it with --bundle"};
+                     .remedy = "name " + known + ", or start the bundle that has it with --bundle"};
 }
 
 const quenlith::build::markup::Snippet& Replay::takeSnippet(const CommandSnippet& given) {

@@ -549,12 +549,12 @@ class Replay(ProgramTest):
         self.assertEqual(done.stdout, b'{}\n{"nodes":[]}\n')
 
     def test_a_bad_line_ends_the_run_and_is_reported(self):
-        remedy = "; write one command a line, as tessera parse --record does"
+        remedy = "; write one command per line, as tessera parse --record does"
         cases = {
             b'{"op":"nodes"': ":2:14: error: ",
             b'{"op":"jump"}': ':2:7: error: unknown operation "jump"' + remedy,
             b'{"op":"reset","parser":"none"}': ':2:24: error: there is no parser "none"; name '
-                '"TaskSnippetParserImpl" or "CodeSnippetParserImpl" or start the bundle that has it with --bundle\n',
+                '"TaskSnippetParserImpl" or "CodeSnippetParserImpl", or start the bundle that has it with --bundle\n',
             b'{"op":"setView","node":0,"view":""}': ":2:24: error: the node 0 is not the header of a task; "
                 'count the top-level nodes from 0, as "nodes" shows them\n',
             b'{"op":"addLine","text":"\xc3\xa4\xff"}': ":2:26: error: a byte is not valid UTF-8; "

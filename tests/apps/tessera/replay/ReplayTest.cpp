@@ -146,7 +146,7 @@ TEST_F(Replay, AParserOrNodeThatDoesNotExistEndsTheRun) {
   const std::string kCount = "count the top-level nodes from 0, as \"nodes\" shows them";
   EXPECT_EQ(
       errorOf(uR"({"op":"reset","parser":"Q"})"),
-      "24 there is no parser \"Q\"; name \"P\" or start the bundle that has it with --bundle");
+      "24 there is no parser \"Q\"; name \"P\", or start the bundle that has it with --bundle");
   EXPECT_EQ(errorOf(uR"({"op":"setView","node":0,"view":""})"),
             "24 the node 0 is not the header of a task; " + kCount);
   run(uR"({"op":"addLine","text":""})");
