@@ -247,12 +247,14 @@ constexpr Example kProgramExamples[] = {
 };
 constexpr Meaning kStatuses[] = {
     {"0", "Everything is fine."},
-    {"1", "check found something at or above --fail-on."},
+    {"1", "check found something at or above --fail-on, and could read and parse all inputs."},
     {"2",
      "The command line, a bundle or the output cannot be used. Also without arguments, when the "
      "program "
      "only says how to begin."},
-    {"3", "Some inputs could not be read or parsed; everything else was written."},
+    {"3",
+     "Some inputs could not be read or parsed, whatever check found in the others; everything else "
+     "was written."},
     {"130", "The run was interrupted."},
 };
 constexpr Meaning kEnvironment[] = {

@@ -18,8 +18,8 @@ inline constexpr Option kBundle{.name = "--bundle",
 inline constexpr Option kBare{
     .name = "--bare",
     .help =
-        "Drop the pieces of output and control markers, as the parsers do without other "
-        "bundles."};
+        "Make no nodes for output and control markers, as the parsers without other bundles: the "
+        "text of an output is left out, and the marker of a control stays in its line."};
 inline constexpr Option kBundleOptions[] = {kBundle, kBare};
 inline constexpr Group kBundles{"Bundles", kBundleOptions};
 inline constexpr Option kBundleOnly[] = {kBundle};
