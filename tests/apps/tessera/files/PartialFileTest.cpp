@@ -59,6 +59,22 @@ TEST_F(PartialFileTest, ItAppearsWhenItIsComplete) {
   EXPECT_FALSE(fs::exists(folder / "out.partial"));
 }
 
+TEST_F(PartialFileTest, AFileThatCannotTakeItsPlaceIsAnErrorAndIsRemoved) {
+  {
+    PartialFile file(name, Leftover::kReplaced);
+    file.output().text() = "text";
+    fs::create_directory(name);
+    try {
+      file.complete();
+      ADD_FAILURE() << "completed";
+    } catch (const OutputError& error) {
+      EXPECT_EQ(error.problem().what, "cannot be replaced: Is a directory");
+    }
+  }
+  EXPECT_TRUE(fs::is_directory(name));
+  EXPECT_FALSE(fs::exists(folder / "out.partial"));
+}
+
 TEST_F(PartialFileTest, ALinkInTheWayIsNotFollowed) {
   fs::create_symlink(victim, folder / "out.partial");
   expectRefused("cannot be created: Too many levels of symbolic links");
