@@ -1,5 +1,5 @@
+#include <cstdio>
 #include <cstdlib>
-#include <iostream>
 #include <string>
 
 #include "quenlith/elf/LibraryName.hpp"
@@ -23,13 +23,12 @@ namespace elf = quenlith::elf;
     return;
   }
   const std::string own = elf::fileOfCode(reinterpret_cast<const void*>(&requireOneFramework));
-  std::cerr
-      << own +
-             ": this is the embedded framework, needed by a bundle that was built against it, "
-             "and this process runs another framework, " +
-             other +
-             ": bundles of one cannot run in the other; build the bundle against the "
-             "framework of this program\n";
+  // Not to std::cerr, which nothing may have initialized yet.
+  std::fprintf(stderr,
+               "%s: this is the embedded framework, needed by a bundle that was built against it, "
+               "and this process runs another framework, %s: bundles of one cannot run in the "
+               "other; build the bundle against the framework of this program\n",
+               own.c_str(), other.c_str());
   std::abort();
 }
 

@@ -1,8 +1,8 @@
-"""identity_test.py COMPILER embedded|system TESSERA HOST RUNTIME BUNDLE
+"""identity_test.py COMPILER embedded|system TESSERA HOST RUNTIME BUNDLE [LIBRARY LOADER]
 
 Gives bundles to the program TESSERA and to HOST, a host without checks: BUNDLE, which was built against the
 framework of both, and bundles that were built against another one. RUNTIME is the Declarative Services
-runtime for HOST.
+runtime for HOST. LIBRARY is the embedded framework, and LOADER a program that only loads libraries.
 
 A library is linked with a framework of a certain name and version if its dynamic section says so: most
 tests make small libraries with such names. A bundle that was really built against the other framework is
@@ -12,6 +12,7 @@ framework and name its lib/libtessera_pieces.so.
 
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import sys
@@ -20,6 +21,7 @@ import unittest
 import zipfile
 
 COMPILER, FRAMEWORK, TESSERA, HOST, RUNTIME, BUNDLE = sys.argv[1:7]
+OWN, LOADER = sys.argv[7:] or (None, None)
 OTHER_BUNDLE = os.environ.get("OTHER_FRAMEWORK_BUNDLE")
 EMBEDDED = FRAMEWORK == "embedded"
 # Names of libraries of the other framework and of this one in another version.
@@ -118,6 +120,15 @@ class Identity(unittest.TestCase):
     def test_the_framework_refuses_them_in_every_host(self):
         bundle = self.bundle(self.link(OTHER))
         self.assertRefused(self.run_program(HOST, RUNTIME, bundle), f"{bundle}: it was built against {OTHER_PHRASE}")
+
+    @unittest.skipUnless(EMBEDDED, "only the embedded framework looks for another one when it is loaded")
+    def test_the_embedded_framework_ends_a_process_that_runs_another(self):
+        other = self.link(OTHER)
+        done = self.run_program(LOADER, other, OWN)
+        self.assertEqual(done.returncode, -signal.SIGABRT, done.stderr)
+        self.assertRegex(done.stderr, f"^{re.escape(OWN)}: this is the embedded framework.* runs another framework, {other}: "
+                         "bundles of one cannot run in the other; .*\n$")
+        self.assertEqual(self.run_program(LOADER, OWN).returncode, 0)
 
     @unittest.skipUnless(OTHER_BUNDLE, "OTHER_FRAMEWORK_BUNDLE does not name a bundle of the other framework")
     def test_a_bundle_that_was_really_built_against_the_other_framework_is_refused(self):
