@@ -6,7 +6,7 @@
 // from there on
 // ("on"). RESULT is the error number that it returns without being made; 0 lets it read or write
 // half of what it is asked to. "list" lets nothing fail and writes the numbers of all calls to
-// FILE, in their order.
+// FILE, in their order; a slash follows that of a call that writes a folder to the disk.
 //
 // The exit status is that of the program; 128 and the signal if a signal ended it; 125 if it cannot
 // be traced.
@@ -21,8 +21,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -141,7 +143,9 @@ class Tracer {
     // main() begins with this one.
     isMainRunning |= call == SYS_fcntl;
     if (!isMainRunning) return Entered::kUnchanged;
-    if (list != nullptr) std::fprintf(list, "%lu\n", call);
+    if (list != nullptr) {
+      std::fprintf(list, "%lu%s\n", call, writesFolder(process, *registers) ? "/" : "");
+    }
     if (call != fault.call || list != nullptr) return Entered::kUnchanged;
     ++count;
     if (fault.isRepeated ? count < fault.first : count != fault.first) return Entered::kUnchanged;
@@ -156,6 +160,13 @@ class Tracer {
     registers->orig_rax = static_cast<unsigned long>(-1);
     registers.store();
     return Entered::kFailing;
+  }
+
+  static bool writesFolder(pid_t process, const user_regs_struct& registers) {
+    if (registers.orig_rax != SYS_fsync && registers.orig_rax != SYS_fdatasync) return false;
+    const std::string descriptors = "/proc/" + std::to_string(process) + "/fd/";
+    std::error_code error;
+    return std::filesystem::is_directory(descriptors + std::to_string(registers.rdi), error);
   }
 
   Fault fault;

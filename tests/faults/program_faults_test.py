@@ -6,8 +6,9 @@ program_faults_test.py PROGRAM FAILING_ALLOCATOR FAIL_SYSTEM_CALLS
 After each fault: no signal and no hang; either the output that the program has without the fault, or another status and
 a message that says what to do; no file is lost, changed in part or left over.
 
-TESSERA_FAULTS is the number of faults for each command and kind, spread evenly over all; "all" for every one (default:
-8). The test prints how many it injected.
+TESSERA_FAULTS is the number of faults for each command and kind; "all" for every one (default: 8). Those of allocations
+are spread evenly over all. Those of system calls are spread over the calls: each fails with each of its errors in at
+least one command, for which the number must not be much smaller. The test prints how many it injected.
 """
 import collections
 import concurrent.futures
@@ -89,9 +90,13 @@ ERRORS_OF_SPELLINGS = {
     "write writev": "0 EINTR EAGAIN ENOSPC EPIPE EIO",
 }
 ERRORS = {name: errors for names, errors in ERRORS_OF_SPELLINGS.items() for name in names.split()}
+# Who ignores these loses data without a word.
+WRITES_TO_DISK = ("fdatasync", "fsync", "ftruncate")
+DISK_ERRORS = ("EIO", "ENOSPC")
 # A call that is interrupted again and again is no error.
 TEMPORARY = ("0", "EINTR", "EAGAIN")
 SHORTAGES = ("ENOMEM", "EMFILE", "EAGAIN", "ENOLCK")
+GOLDEN_RATIO = (5 ** 0.5 - 1) / 2
 HEADERS = subprocess.run(["cpp", "-dM", "-include", "sys/syscall.h", "/dev/null"], capture_output=True).stdout.decode()
 NUMBERS = {name: number for name, number in re.findall(r"#define __NR_(\w+) (\d+)", HEADERS)}
 
@@ -135,6 +140,32 @@ def spread(faults):
     return [faults[i * len(faults) // int(FAULTS)] for i in range(int(FAULTS))]
 
 
+def grouped(command, faults):
+    """Returns the faults of each call and error."""
+    groups = collections.defaultdict(list)
+    for fault in faults:
+        groups[fault.kind, fault.error, loses_data(command, fault)].append(fault)
+    return groups
+
+
+def spread_over_calls(faults_of_commands):
+    """Returns as many faults of each command as are wanted: of the calls and errors that were tried least, and among
+    these of those that the fewest of the other commands have. A call that is made often hides no other."""
+    if FAULTS == "all":
+        return faults_of_commands
+    groups_of_commands = {command: grouped(command, faults) for command, faults in faults_of_commands.items()}
+    left = collections.Counter(key for groups in groups_of_commands.values() for key in groups)
+    tried = collections.Counter()
+    chosen = {}
+    for command, groups in groups_of_commands.items():
+        keys = sorted(groups, key=lambda key: (tried[key], left[key], key))[:int(FAULTS)]
+        # The first call, then one that is far from those that were chosen before.
+        chosen[command] = [groups[key][int(tried[key] * GOLDEN_RATIO % 1 * len(groups[key]))] for key in keys]
+        tried.update(keys)
+        left.subtract(groups.keys())
+    return chosen
+
+
 def allocation_faults(command, kind, modes):
     with tempfile.TemporaryDirectory() as folder:
         counts = pathlib.Path(folder, "counts")
@@ -148,19 +179,29 @@ def allocation_faults(command, kind, modes):
 
 @functools.cache
 def calls_of(command):
-    """Returns how often each system call of the table is made."""
+    """Returns the system calls of the table that are made: for each, whether each time is about a folder."""
     with tempfile.TemporaryDirectory() as folder:
-        calls = pathlib.Path(folder, "calls")
-        run(command, [TRACER, "list", str(calls)])
-        counts = collections.Counter(calls.read_text().split())
-    return {call: counts[NUMBERS[call]] for call in ERRORS if counts[NUMBERS.get(call)]}
+        list_of_calls = pathlib.Path(folder, "calls")
+        run(command, [TRACER, "list", str(list_of_calls)])
+        calls = collections.defaultdict(list)
+        for line in list_of_calls.read_text().splitlines():
+            calls[line.removesuffix("/")].append(line.endswith("/"))
+    return {call: calls[NUMBERS[call]] for call in ERRORS if NUMBERS.get(call) in calls}
 
 
 def call_faults(command):
-    faults = [Fault(call, number, error, repeats) for call, count in sorted(calls_of(command).items())
-              for error in ERRORS[call].split() for number in range(1, count + 1) for repeats in (False, True)
-              if not (repeats and error in TEMPORARY)]
-    return spread(faults)
+    return [Fault(call, number, error, repeats) for call, times in sorted(calls_of(command).items())
+            for error in ERRORS[call].split() for number in range(1, len(times) + 1) for repeats in (False, True)
+            if not (repeats and error in TEMPORARY)]
+
+
+def loses_data(command, fault):
+    """Returns whether what was written to a file may not be on the disk. The entries of a folder are written as far as
+    the system allows that: without them, the old file may be back."""
+    if fault.kind not in WRITES_TO_DISK or fault.error not in DISK_ERRORS:
+        return False
+    last = None if fault.repeats else fault.number
+    return not all(calls_of(command)[fault.kind][fault.number - 1:last])
 
 
 def is_stderr_gone(fault):
@@ -188,6 +229,8 @@ def judge(command, fault, expected, done):
     if done.status == "hang" or done.status < 0 or done.status >= 128:
         return f"ended by {done.status}"
     if done.status == expected.status:
+        if loses_data(command, fault):
+            return "an error was ignored"
         is_same = (done.output, done.files) == (expected.output, expected.files)
         return "" if is_same else "wrong output without an error"
     # The loader and the C library, for example at the first use of a thread's data.
@@ -209,14 +252,13 @@ def judge(command, fault, expected, done):
 
 
 class ProgramFaults(unittest.TestCase):
-    def inject(self, faults_of):
+    def inject(self, faults_of_commands):
         injected = 0
         outcomes = collections.Counter()
         failures = []
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-            for command in COMMANDS:
+            for command, faults in faults_of_commands.items():
                 expected = run(command)
-                faults = faults_of(command)
                 injected += len(faults)
                 runs = pool.map(lambda fault: run_with(command, fault), faults)
                 for fault, done in zip(faults, runs):
@@ -229,12 +271,12 @@ class ProgramFaults(unittest.TestCase):
         self.assertFalse(failures, "\n".join(failures))
 
     def test_operator_new(self):
-        self.inject(lambda command: allocation_faults(command, "new", (False, True)))
+        self.inject({command: allocation_faults(command, "new", (False, True)) for command in COMMANDS})
 
     def test_malloc(self):
         # Not from one call on: then libgit2 recurses without an end, and the C library ends a process that throws an
         # exception through its functions.
-        self.inject(lambda command: allocation_faults(command, "malloc", (False,)))
+        self.inject({command: allocation_faults(command, "malloc", (False,)) for command in COMMANDS})
 
     def require_tracer(self):
         if run("help", [TRACER, "list", "/dev/null"]).status == CANNOT_TRACE:
@@ -242,7 +284,11 @@ class ProgramFaults(unittest.TestCase):
 
     def test_system_calls(self):
         self.require_tracer()
-        self.inject(call_faults)
+        faults = {command: call_faults(command) for command in COMMANDS}
+        chosen = spread_over_calls(faults)
+        self.assertEqual(*({key for command in COMMANDS for key in grouped(command, lists[command])}
+                           for lists in (chosen, faults)))
+        self.inject(chosen)
 
     def test_every_call_of_the_table_is_made(self):
         self.require_tracer()
