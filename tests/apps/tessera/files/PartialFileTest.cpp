@@ -96,20 +96,23 @@ TEST_F(PartialFileTest, ItStaysInTheFolderThatWasNamed) {
   fs::create_directory(other);
   std::ofstream(other / "out.partial") << "other";
   for (const bool isCompleted : {true, false}) {
-    PartialFile file(name, Leftover::kReplaced);
-    file.output().text() = "text";
-    file.output().flush();
-    fs::rename(folder, root / "moved");
-    fs::create_directory_symlink(other, folder);
-    if (isCompleted) file.complete();
+    {
+      PartialFile file(name, Leftover::kReplaced);
+      file.output().text() = "text";
+      file.output().flush();
+      fs::rename(folder, root / "moved");
+      fs::create_directory_symlink(other, folder);
+      if (isCompleted) file.complete();
+      EXPECT_NE(fs::exists(root / "moved" / "out.partial"), isCompleted);
+    }
     EXPECT_EQ(read(root / "moved" / "out"), isCompleted ? "text" : "");
+    EXPECT_FALSE(fs::exists(root / "moved" / "out.partial"));
+    EXPECT_EQ(read(other / "out.partial"), "other");
+    EXPECT_FALSE(fs::exists(other / "out"));
     fs::remove(folder);
     fs::rename(root / "moved", folder);
     fs::remove(name);
   }
-  EXPECT_FALSE(fs::exists(folder / "out.partial"));
-  EXPECT_EQ(read(other / "out.partial"), "other");
-  EXPECT_FALSE(fs::exists(other / "out"));
 }
 
 TEST_F(PartialFileTest, ALinkThatIsNamedIsFollowedOnce) {
