@@ -376,6 +376,9 @@ class Fix(CheckTest):
         self.fix(name)
         self.assertEqual(self.read(name), after, before)
 
+    def test_a_file_with_a_nul_keeps_its_rest(self):
+        self.assertFixed(b"# <@text:ancor#a>\nx\0y\n# <@text:ancor#b>\n", b"# <@text:anchor#a>\nx\0y\n# <@text:anchor#b>\n")
+
     def test_a_join_leaves_what_ends_something_else(self):
         """The end of a comment, of embedded code and of a tag, and an empty quote line."""
         for marker, end in ((b"-- <@text:anchor#a", b"-->"), (b"# <@text:anchor#a", b"-->"),

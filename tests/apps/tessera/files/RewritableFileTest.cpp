@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 #include "apps/tessera/support/TemporaryFolder.hpp"
 #include "tessera/diagnostics/Problem.hpp"
@@ -15,6 +16,7 @@ namespace {
 
 using tessera::diagnostics::ProblemError;
 using tessera::files::RewritableFile;
+using namespace std::string_view_literals;
 
 class RewritableFileTest : public testing::Test {
  protected:
@@ -45,14 +47,14 @@ class RewritableFileTest : public testing::Test {
   }
 
   const TemporaryFolder folder;
-  const std::string name = folder.write("file", "old\0text");
+  const std::string name = folder.write("file", "old\0text"sv);
 };
 
 TEST_F(RewritableFileTest, ReplacesTheWholeContent) {
   RewritableFile file(name);
-  EXPECT_EQ(file.bytes(), read(name));
-  file.replace("new");
-  EXPECT_EQ(read(name), "new");
+  EXPECT_EQ(file.bytes(), "old\0text"sv);
+  file.replace("new\0text"sv);
+  EXPECT_EQ(read(name), "new\0text"sv);
   EXPECT_EQ(std::distance(
                 std::filesystem::directory_iterator(std::filesystem::path(name).parent_path()), {}),
             1);
