@@ -1,4 +1,5 @@
 // failSystemCalls list FILE PROGRAM [ARGUMENT]...
+// failSystemCalls kill N PROGRAM [ARGUMENT]...
 // failSystemCalls CALL N RESULT MODE PROGRAM [ARGUMENT]...
 //
 // Runs a program, and lets a system call of it or of its child processes fail: the call of the
@@ -7,6 +8,7 @@
 // ("on"). RESULT is the error number that it returns without being made; 0 lets it read or write
 // half of what it is asked to. "list" lets nothing fail and writes the numbers of all calls to
 // FILE, in their order; a slash follows that of a call that writes a folder to the disk.
+// "kill" kills the process that makes the N-th call of all, in place of it.
 //
 // The exit status is that of the program; 128 and the signal if a signal ended it; 125 if it cannot
 // be traced.
@@ -36,6 +38,7 @@ struct Fault {
   unsigned long first = 0;
   long error = 0;
   bool isRepeated = false;
+  bool isKill = false;
 };
 
 [[noreturn]] void fail(const char* what) {
@@ -146,11 +149,11 @@ class Tracer {
     if (list != nullptr) {
       std::fprintf(list, "%lu%s\n", call, writesFolder(process, *registers) ? "/" : "");
     }
-    if (call != fault.call || list != nullptr) return Entered::kUnchanged;
+    if (list != nullptr || (call != fault.call && !fault.isKill)) return Entered::kUnchanged;
     ++count;
     if (fault.isRepeated ? count < fault.first : count != fault.first) return Entered::kUnchanged;
     saved[process] = *registers;
-    if (fault.error == 0 || call == SYS_brk) {
+    if (!fault.isKill && (fault.error == 0 || call == SYS_brk)) {
       // The latter fails by returning the end that it has not changed.
       if (call == SYS_brk) registers->rdi = 0;
       if (fault.error == 0 && registers->rdx > 1) registers->rdx /= 2;
@@ -159,6 +162,7 @@ class Tracer {
     }
     registers->orig_rax = static_cast<unsigned long>(-1);
     registers.store();
+    if (fault.isKill) ::kill(process, SIGKILL);
     return Entered::kFailing;
   }
 
@@ -188,6 +192,10 @@ int main(int argumentCount, char** arguments) {
     const int status = Tracer({}, list).run(arguments + 3);
     std::fclose(list);
     return status;
+  }
+  if (argumentCount > 3 && std::strcmp(arguments[1], "kill") == 0) {
+    const Fault fault{.first = std::strtoul(arguments[2], nullptr, 10), .isKill = true};
+    return Tracer(fault, nullptr).run(arguments + 3);
   }
   if (argumentCount < 6) return kCannotTrace;
   const Fault fault{.call = std::strtoul(arguments[1], nullptr, 10),

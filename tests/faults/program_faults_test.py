@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Lets every allocation and every system call of the program fail in turn.
+"""Lets every allocation and every system call of the program fail in turn, and kills it while it replaces a file.
 
 program_faults_test.py PROGRAM FAILING_ALLOCATOR FAIL_SYSTEM_CALLS
 
@@ -17,6 +17,7 @@ import functools
 import os
 import pathlib
 import re
+import signal
 import subprocess
 import sys
 import tempfile
@@ -178,14 +179,19 @@ def allocation_faults(command, kind, modes):
 
 
 @functools.cache
+def list_of_calls(command):
+    with tempfile.TemporaryDirectory() as folder:
+        calls = pathlib.Path(folder, "calls")
+        run(command, [TRACER, "list", str(calls)])
+        return calls.read_text().splitlines()
+
+
+@functools.cache
 def calls_of(command):
     """Returns the system calls of the table that are made: for each, whether each time is about a folder."""
-    with tempfile.TemporaryDirectory() as folder:
-        list_of_calls = pathlib.Path(folder, "calls")
-        run(command, [TRACER, "list", str(list_of_calls)])
-        calls = collections.defaultdict(list)
-        for line in list_of_calls.read_text().splitlines():
-            calls[line.removesuffix("/")].append(line.endswith("/"))
+    calls = collections.defaultdict(list)
+    for line in list_of_calls(command):
+        calls[line.removesuffix("/")].append(line.endswith("/"))
     return {call: calls[NUMBERS[call]] for call in ERRORS if NUMBERS.get(call) in calls}
 
 
@@ -294,6 +300,24 @@ class ProgramFaults(unittest.TestCase):
         self.require_tracer()
         made = set().union(*map(calls_of, COMMANDS))
         self.assertEqual([names for names in ERRORS_OF_SPELLINGS if not made & set(names.split())], [])
+
+    def test_a_kill_leaves_the_old_or_the_new_file(self):
+        """The program is killed before each call from the one on that makes the name of the temporary file."""
+        self.require_tracer()
+        calls = list_of_calls("fix")
+        first = max(place for place, call in enumerate(calls) if call == NUMBERS["getrandom"])
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            killed = [*pool.map(lambda place: run("fix", [TRACER, "kill", str(place + 1)]), range(first, len(calls)))]
+        self.assertEqual({done.status for done in killed}, {128 + signal.SIGKILL})
+        old, new = INPUTS["damaged.py"], run("fix").files["damaged.py"]
+        contents_of_file = [done.files.get("damaged.py") for done in killed]
+        replaced = contents_of_file.index(new)
+        self.assertGreater(replaced, 0)
+        self.assertEqual(contents_of_file, [old] * replaced + [new] * (len(killed) - replaced))
+        # The temporary file is there until it has replaced the other one.
+        within = [any(".tessera-" in name for name in done.files) for done in killed]
+        self.assertIn(True, within[:replaced])
+        self.assertNotIn(True, within[replaced:])
 
 
 if __name__ == "__main__":
