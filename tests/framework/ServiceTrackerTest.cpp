@@ -79,6 +79,15 @@ class ServiceTrackers : public FrameworkFixture {
     for (const auto& word : tracker.GetServices()) found.push_back(word->text());
     return found;
   }
+
+  /// Returns when another thread waits for a service.
+  static std::future<std::shared_ptr<demo::Word>> startWaiting(
+      ServiceTracker<demo::Word>& tracker) {
+    auto waiting = std::async(std::launch::async, [&] { return tracker.WaitForService(); });
+    // Nothing tells that the thread has begun to wait.
+    EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    return waiting;
+  }
 };
 
 TEST_F(ServiceTrackers, TrackWhatIsThereAndWhatComesAndGoes) {
@@ -209,7 +218,7 @@ TEST_F(ServiceTrackers, WaitForAService) {
   tracker.Open();
   EXPECT_EQ(tracker.WaitForService(std::chrono::milliseconds(1)), nullptr);
   EXPECT_THROW(tracker.WaitForService(std::chrono::milliseconds(-1)), std::invalid_argument);
-  auto waiting = std::async(std::launch::async, [&] { return tracker.WaitForService(); });
+  auto waiting = startWaiting(tracker);
   const auto word = add("word");
   EXPECT_EQ(waiting.get()->text(), "word");
   EXPECT_EQ(tracker.WaitForService(std::chrono::milliseconds::zero())->text(), "word");
@@ -218,8 +227,12 @@ TEST_F(ServiceTrackers, WaitForAService) {
 TEST_F(ServiceTrackers, WaitUntilTheyAreClosed) {
   ServiceTracker<demo::Word> tracker(context);
   tracker.Open();
-  auto waiting = std::async(std::launch::async, [&] { return tracker.WaitForService(); });
+  auto waiting = startWaiting(tracker);
   tracker.Close();
+  EXPECT_EQ(waiting.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+  // Ends a wait that the tracker did not end.
+  framework.Stop();
+  framework.WaitForStop(std::chrono::milliseconds::zero());
   EXPECT_EQ(waiting.get(), nullptr);
 }
 
