@@ -165,10 +165,14 @@ class Check(CheckTest):
         self.assertEqual([diagnostic["notes"][0][key] for key in place], [diagnostic[key] for key in place])
 
     def test_a_task_of_65536_lines_is_reported(self):
-        for count, ids in ((65535, []), (65536, ["task_too_long"]), (70000, ["task_too_long"])):
-            text = b"# <@task#a>\n" + b"x\n" * (count - 2) + b'# <@task#a>\n# <@appendix>\n# <@task#a {"text":"A"}>\n'
+        for count, is_reported in ((65535, False), (65536, True), (70000, True)):
+            text = (b"x\n# <@task#a>\n" + b"x\n" * (count - 2) +
+                    b'# <@task#a>\n# <@appendix>\n# <@task#a {"text":"A"}>\n')
             [record] = documents(tessera("check", "--format", "json", self.write("f", text)).stdout)
-            self.assertEqual([diagnostic["id"] for diagnostic in record["diagnostics"]], ids, count)
+            found = [tuple(diagnostic[key] for key in ("id", "line", "column", "endLine", "endColumn", "message"))
+                     for diagnostic in record["diagnostics"]]
+            message = f'the task "a" ends after 65,535 lines: its last marker is on line {count + 1}'
+            self.assertEqual(found, [("task_too_long", 2, 1, 2, 12, message)] if is_reported else [], count)
 
     def test_every_failure_of_the_parsers_is_explained(self):
         """Random tasks and ranges: each failure in the document belongs to a diagnostic with a reason."""
