@@ -365,7 +365,9 @@ class Names(Case):
             arguments = [*arguments, *(["a.py"] if arguments[0] in ("parse", "check") else [])]
             with self.subTest([argument[:30] for argument in arguments]):
                 self.write("a.py", "x\n")
-                shown = MARK.findall("".join(arguments).split("=")[0]) if arguments[1:2] and arguments[1].startswith("--") else MARKS
+                # What follows a "=" in an option is its value, which an unknown option does not have.
+                is_option = arguments[1:2] and arguments[1].startswith("--") and MARK.search(arguments[1])
+                shown = MARK.findall(arguments[1].split("=")[0]) if is_option else MARKS
                 output, messages = run(*arguments, cwd=self.folder)
                 self.check_text(output + messages, shown)
                 self.check_on_terminal(run_on_terminal(*arguments, cwd=self.folder), shown)
