@@ -473,6 +473,20 @@ class Reports(ManyFiles):
             for workers in ("1", "3"):
                 self.assertEqual(self.run_report(*command, "t", "-j", workers).returncode, status)
 
+    def test_their_inputs_are_chosen_like_those_of_parse(self):
+        for name in ("t/a.py", "t/b.c", "t/c.py"):
+            self.write(name)
+        self.write("t/.gitignore", b"c.*\n")
+        for command in ("check", "markers"):
+            for arguments, expected in ((["t"], ["t/a.py", "t/b.c"]), (["t", "--glob", "*.py"], ["t/a.py"]),
+                                        (["t", "--no-ignore"], ["t/a.py", "t/b.c", "t/c.py"]),
+                                        (["t", "--shard", "2/2"], ["t/b.c"]),
+                                        (["-0", "--files-from", "-"], ["t/c.py", "t/a.py"])):
+                with self.subTest(command=command, arguments=arguments):
+                    done = self.run_report(command, "--format", "json", *arguments, stdin=b"t/c.py\0t/a.py\0")
+                    self.assertEqual((done.returncode, done.stderr), (0, b""))
+                    self.assertEqual([record["file"] for record in records(done.stdout)], expected)
+
     def test_partners_in_other_files_are_found(self):
         self.write_marked()
         for workers in ("1", "3"):

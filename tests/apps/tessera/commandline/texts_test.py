@@ -15,7 +15,7 @@ import unittest
 PROGRAM, GENERATED, PAGE = (pathlib.Path(sys.argv.pop(1)).resolve() for _ in range(3))
 EXAMPLES = pathlib.Path(__file__).resolve().parents[4] / "examples"
 # A value that the program accepts for an option without a closed list.
-VALUES = {"FILE": "f", "GLOB": "*", "I/N": "1/2", "N": "2", "SECONDS": "1"}
+VALUES = {"FILE": "f", "GLOB": "*", "I/N": "1/2", "N": "2", "SECONDS": "1", "COLUMNS": "80"}
 
 
 def run(*command, **options):
@@ -90,11 +90,28 @@ class Texts(unittest.TestCase):
         for command in commands():
             for letter, name, value, closed in options(help_of(command)):
                 for form in filter(None, (letter, name)):
-                    for given in closed or [VALUES.get(value)]:
+                    for given in closed or [value and VALUES[value]]:
                         arguments = [form] if value is None else [form, given]
                         with self.subTest(command=command, arguments=arguments):
                             done = run(PROGRAM, command, *arguments, "--help")
                             self.assertEqual((done.stderr, done.returncode), ("", 0))
+
+    def test_the_program_accepts_a_value_of_every_option(self):
+        """With --help, it does not read the values."""
+        count = 0
+        for command in commands():
+            shown = help_of(command)
+            # The server does not end.
+            if " PATH...\n" not in shown or command == "view":
+                continue
+            for _, name, value, closed in options(shown):
+                for given in closed or filter(None, [value and VALUES[value]]):
+                    with self.subTest(command=command, option=name, value=given), tempfile.TemporaryDirectory() as folder:
+                        pathlib.Path(folder, "f").write_text("f\n")
+                        count += 1
+                        done = run(PROGRAM, command, name, given, "f", cwd=folder)
+                        self.assertNotRegex(done.stderr, '(?m)^tessera: error: "')
+        self.assertGreater(count, 30)
 
     def test_every_value_of_a_closed_list_means_something(self):
         count = 0
