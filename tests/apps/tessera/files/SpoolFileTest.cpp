@@ -8,8 +8,10 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <random>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include "apps/tessera/support/TemporaryFolder.hpp"
@@ -30,6 +32,43 @@ void interrupt(pid_t process) {
     ::kill(process, SIGINT);
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
+}
+
+/// Sets the folder of temporary files until it is destroyed.
+class TemporaryFolderSetting {
+ public:
+  explicit TemporaryFolderSetting(const std::string& folder) {
+    if (const char* const value = std::getenv("TMPDIR")) before = value;
+    ::setenv("TMPDIR", folder.c_str(), 1);
+  }
+  ~TemporaryFolderSetting() {
+    before ? ::setenv("TMPDIR", before->c_str(), 1) : ::unsetenv("TMPDIR");
+  }
+  TemporaryFolderSetting(const TemporaryFolderSetting&) = delete;
+  TemporaryFolderSetting& operator=(const TemporaryFolderSetting&) = delete;
+
+ private:
+  std::optional<std::string> before;
+};
+
+/// Returns whether this process has a file open that is, or was, in `folder`.
+bool hasOpenFileIn(const std::string& folder) {
+  const auto begin = std::filesystem::canonical(folder).string() + '/';
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    // That of the iterator may be closed before it is read.
+    std::error_code error;
+    if (std::filesystem::read_symlink(entry, error).string().starts_with(begin)) return true;
+  }
+  return false;
+}
+
+TEST(SpoolFile, IsInTheTemporaryFolderWithoutAName) {
+  const TemporaryFolder folder;
+  const TemporaryFolderSetting setting(folder.path(""));
+  EXPECT_FALSE(hasOpenFileIn(folder.path("")));
+  const tessera::files::SpoolFile file;
+  EXPECT_TRUE(hasOpenFileIn(folder.path("")));
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path("")));
 }
 
 TEST(SpoolFile, AnInterruptionLeavesNoName) {
