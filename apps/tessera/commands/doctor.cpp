@@ -61,7 +61,10 @@ int awaitEnd(pid_t process) {
 class Completion {
  public:
   explicit Completion(const files::Descriptor& pipe) noexcept : pipe(pipe) {}
-  ~Completion() { [[maybe_unused]] const ssize_t unused = ::write(pipe.get(), "", 1); }
+  ~Completion() {
+    while (::write(pipe.get(), "", 1) < 0 && errno == EINTR) {
+    }
+  }
   Completion(const Completion&) = delete;
   Completion& operator=(const Completion&) = delete;
 

@@ -30,6 +30,15 @@ std::string absolute(const std::string& name) {
   return error ? name : path.string();
 }
 
+/// Calls ftruncate() until it is not interrupted.
+bool cut(int descriptor, off_t size) {
+  int result = -1;
+  do {
+    result = ::ftruncate(descriptor, size);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
 bool isDirectlyWritten(const std::string& name) {
   struct stat status;
   return ::stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
@@ -165,7 +174,7 @@ PartialFile::~PartialFile() {
 bool PartialFile::cutAfter(std::uint64_t size) {
   if (partial.empty()) return false;
   const auto end = static_cast<off_t>(size);
-  if (::ftruncate(number, end) != 0 || ::lseek(number, end, SEEK_SET) < 0) {
+  if (!cut(number, end) || ::lseek(number, end, SEEK_SET) < 0) {
     failOutput(name, "cannot be written", errno);
   }
   return true;
