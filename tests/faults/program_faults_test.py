@@ -300,6 +300,12 @@ class ProgramFaults(unittest.TestCase):
                            for lists in (chosen, faults)))
         self.inject(chosen)
 
+    def test_records_that_may_not_be_on_the_disk_are_not_continued(self):
+        self.require_tracer()
+        for error in DISK_ERRORS:
+            done = run_with("parse as records", Fault("fdatasync", 1, error, False))
+            self.assertEqual((done.status, done.files), (2, {**INPUTS, "out.partial": b""}), done.messages)
+
     def test_every_call_of_the_table_is_made(self):
         self.require_tracer()
         made = set().union(*map(calls_of, COMMANDS))

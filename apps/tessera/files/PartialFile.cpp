@@ -187,10 +187,17 @@ void PartialFile::complete() {
   const std::string entry = nameOfFile(name);
   const bool isReplaced = folder.stat(entry, old) && S_ISREG(old.st_mode);
   if (isReplaced) static_cast<void>(::fchmod(number, old.st_mode & 07777));
-  if (::fdatasync(number) != 0) failOutput(name, "cannot be written", errno);
+  if (::fdatasync(number) != 0) failWriting(errno);
   if (!folder.rename(partialEntry, entry)) failOutput(name, "cannot be replaced", errno);
   isIncomplete = false;
   removal.reset();
+}
+
+void PartialFile::failWriting(int error) {
+  // The system does not write the same bytes again: a run that continued the file would complete it
+  // without them. An empty file is kept, so that an older output is not taken for that of this run.
+  if (!removal && cut(number, 0)) isIncomplete = false;
+  failOutput(name, "cannot be written", error);
 }
 
 }  // namespace tessera::files

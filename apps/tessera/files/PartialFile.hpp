@@ -58,12 +58,15 @@ class PartialFile {
   /// directly and cannot be cut. Throws OutputError.
   bool cutAfter(std::uint64_t size);
 
-  /// Writes what is buffered to the disk and renames the file. Throws OutputError.
+  /// Writes what is buffered to the disk and renames the file. Throws OutputError. If what
+  /// was written may not be on the disk, a file that is to be kept is empty afterwards.
   void complete();
 
  private:
   /// No interruption arrives before it is known that the file is to be removed.
   PartialFile(const std::string& name, Incomplete incomplete, const HeldInterruptions& held);
+
+  [[noreturn]] void failWriting(int error);
 
   std::string name;
   OpenFolder folder;
