@@ -36,7 +36,7 @@ class SharedSlots {
 
   std::size_t size() const noexcept { return count; }
 
-  /// In the worker: whether `fill` would not have to wait.
+  /// In the worker: whether `take` would not have to wait.
   bool haveFree() noexcept;
 
   /// In the worker: takes a slot, once one is free, and returns its number.

@@ -81,13 +81,14 @@ void WorkerPool::startWorker(std::deque<std::size_t> inputs) {
 void WorkerPool::giveInputs() {
   const std::size_t share = (end - nextToGive) / (4 * std::max(workers.size(), std::size_t{1}));
   const std::size_t most = std::clamp(share, kLeastInputsPerWorker, kMostInputsPerWorker);
-  std::vector<Worker*> hungry;
+  // Many at a time: each message to a worker takes system calls in both processes.
+  std::vector<Worker*> receivers;
   for (const auto& worker : workers) {
-    if (worker->isRunning() && worker->unfinished() <= most / 2) hungry.push_back(worker.get());
+    if (worker->isRunning() && worker->unfinished() <= most / 2) receivers.push_back(worker.get());
   }
   // In turn, so that each has one before any has two.
   for (std::size_t wanted = 1; wanted <= most; ++wanted) {
-    for (Worker* const worker : hungry) {
+    for (Worker* const worker : receivers) {
       if (nextToGive == end) break;
       if (worker->unfinished() < wanted) worker->give(nextToGive++);
     }
