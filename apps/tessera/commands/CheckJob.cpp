@@ -54,7 +54,7 @@ CheckedFile CheckJob::check(session::ParsedFile file, const std::string& path) {
 CheckResult CheckJob::fix(const std::string& path) {
   if (input().isFound) {
     files::FileReader reader(path);
-    skipIfBinary(reader);
+    skipIfLeftOut(reader);
   }
   // A folder in which the file was found may have become a symbolic link meanwhile.
   files::RewritableFile file = input().isFound ? files::RewritableFile(path, input().namedBytes)

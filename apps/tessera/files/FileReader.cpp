@@ -53,7 +53,8 @@ void FileReader::examine() {
   struct stat status;
   if (::fstat(descriptor, &status) != 0) fail("cannot be read", errno);
   if (S_ISDIR(status.st_mode)) fail("cannot be read", EISDIR);
-  if (S_ISREG(status.st_mode)) sizeBytes = static_cast<std::size_t>(status.st_size);
+  fileId = idOf(status);
+  if (fileId) sizeBytes = static_cast<std::size_t>(status.st_size);
 }
 
 bool FileReader::looksBinary() {
@@ -62,8 +63,7 @@ bool FileReader::looksBinary() {
   while (size < bytes.size()) {
     const std::size_t count = read(bytes.data() + size, bytes.size() - size);
     size += count;
-    // To read once more would only tell that this is the end.
-    if (count == 0 || size == sizeBytes) break;
+    if (count == 0 || isAtEnd) break;
   }
   bytes.resize(size);
   ahead = std::move(bytes);
@@ -73,14 +73,22 @@ bool FileReader::looksBinary() {
 std::size_t FileReader::read(char* target, std::size_t size) {
   if (!ahead.empty()) return readAhead(target, size);
   while (true) {
-    const ssize_t count = ::read(descriptor, target, size);
-    if (count >= 0) return static_cast<std::size_t>(count);
+    const ssize_t count = isAtEnd ? 0 : ::read(descriptor, target, size);
+    if (count >= 0) return advance(static_cast<std::size_t>(count), size);
     if (errno == EAGAIN) {
       awaitBytes();
     } else if (errno != EINTR) {
       fail("cannot be read", errno);
     }
   }
+}
+
+/// Notes what a read gave. A regular file gives fewer bytes than wanted only at its end, or if a
+/// signal interrupts it: to read once more would only tell that this is the end.
+std::size_t FileReader::advance(std::size_t count, std::size_t wanted) noexcept {
+  readBytes += count;
+  isAtEnd = sizeBytes != 0 && readBytes >= sizeBytes && count < wanted;
+  return count;
 }
 
 /// Standard input may be a pipe that does not block.

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
+
+#include "tessera/files/FileId.hpp"
 
 namespace tessera::files {
 
@@ -16,6 +19,8 @@ class FileReader {
   FileReader& operator=(const FileReader&) = delete;
 
   const std::string& path() const noexcept { return name; }
+  /// Nothing for standard input and for what is not a regular file.
+  const std::optional<FileId>& id() const noexcept { return fileId; }
 
   /// Returns whether the file is binary: the first 8 KiB contain a NUL. Only before the first
   /// `read`, which returns these bytes all the same. Throws ProblemError as that does.
@@ -30,13 +35,18 @@ class FileReader {
 
  private:
   void examine();
+  std::size_t advance(std::size_t count, std::size_t wanted) noexcept;
   void awaitBytes() const;
   std::size_t readAhead(char* target, std::size_t size) noexcept;
   [[noreturn]] void fail(const char* what, int error) const;
 
   std::string name;
   int descriptor = 0;
+  std::optional<FileId> fileId;
   std::size_t sizeBytes = 0;
+  // How many bytes were read from the file, and whether no others will come.
+  std::size_t readBytes = 0;
+  bool isAtEnd = false;
   // What was read before it was asked for.
   std::string ahead;
 };

@@ -1,8 +1,9 @@
 #include "tessera/files/standardStreams.hpp"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
+
+#include <algorithm>
 
 namespace tessera::files {
 namespace {
@@ -23,10 +24,15 @@ void reserveStandardStreams() noexcept {
 }
 
 bool isRedirectedTo(int descriptor, const std::string& name) noexcept {
-  struct stat stream;
-  struct stat file;
-  return ::fstat(descriptor, &stream) == 0 && ::stat(name.c_str(), &file) == 0 &&
-         S_ISREG(stream.st_mode) && stream.st_dev == file.st_dev && stream.st_ino == file.st_ino;
+  const auto file = idOfStream(descriptor);
+  return file && file == idOfFile(name);
+}
+
+StreamFiles::StreamFiles() noexcept
+    : files{idOfStream(STDOUT_FILENO), idOfStream(STDERR_FILENO)} {}
+
+bool StreamFiles::contain(const std::optional<FileId>& file) const noexcept {
+  return file && std::ranges::find(files, file) != files.end();
 }
 
 }  // namespace tessera::files

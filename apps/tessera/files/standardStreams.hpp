@@ -1,6 +1,10 @@
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
+
+#include "tessera/files/FileId.hpp"
 
 namespace tessera::files {
 
@@ -11,5 +15,17 @@ void reserveStandardStreams() noexcept;
 
 /// Returns whether the standard stream `descriptor` is the regular file `name`.
 bool isRedirectedTo(int descriptor, const std::string& name) noexcept;
+
+/// The regular files to which standard output and standard error were redirected when it was made.
+class StreamFiles {
+ public:
+  StreamFiles() noexcept;
+
+  /// Returns whether `file` is one of them; no file is not.
+  bool contain(const std::optional<FileId>& file) const noexcept;
+
+ private:
+  std::array<std::optional<FileId>, 2> files;
+};
 
 }  // namespace tessera::files

@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
-#include "tessera/files/FileReader.hpp"
 #include "tessera/inputs/DirectoryWalk.hpp"
 #include "tessera/inputs/GlobFilter.hpp"
 #include "tessera/inputs/readFileList.hpp"
@@ -41,18 +40,9 @@ void requireOneStandardInput(const InputOptions& options, const std::vector<std:
        .remedy = "name it once"});
 }
 
-/// A file that cannot be read is not binary.
-bool isBinary(const std::string& path) {
-  try {
-    return files::FileReader(path).looksBinary();
-  } catch (const diagnostics::ProblemError&) {
-    return false;
-  }
-}
-
 }  // namespace
 
-std::vector<Input> listInputs(const InputOptions& options, BinaryFiles binaryFiles) {
+std::vector<Input> listInputs(const InputOptions& options, UnopenedFiles unopenedFiles) {
   const std::vector<std::string> paths = readPaths(options);
   requireOneStandardInput(options, paths);
   const GlobFilter globs(options.globs);
@@ -65,14 +55,25 @@ std::vector<Input> listInputs(const InputOptions& options, BinaryFiles binaryFil
       inputs.push_back({.path = path});
     }
   }
-  if (binaryFiles == BinaryFiles::kLeftOut) {
-    std::erase_if(inputs, isLeftOut);
+  if (unopenedFiles == UnopenedFiles::kOpened) {
+    const files::StreamFiles streams;
+    std::erase_if(inputs, [&](const Input& input) { return isLeftOut(input, streams); });
   }
   return inputs;
 }
 
-bool isLeftOut(const Input& input) {
-  return input.isFound && isBinary(input.path);
+bool isLeftOut(files::FileReader& file, const files::StreamFiles& streams) {
+  return streams.contain(file.id()) || file.looksBinary();
+}
+
+bool isLeftOut(const Input& input, const files::StreamFiles& streams) {
+  if (!input.isFound) return false;
+  try {
+    files::FileReader file(input.path);
+    return isLeftOut(file, streams);
+  } catch (const diagnostics::ProblemError&) {
+    return false;
+  }
 }
 
 void keepShard(std::vector<Input>& inputs, const Shard& shard) {

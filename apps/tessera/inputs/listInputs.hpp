@@ -2,14 +2,16 @@
 
 #include <vector>
 
+#include "tessera/files/FileReader.hpp"
+#include "tessera/files/standardStreams.hpp"
 #include "tessera/inputs/Input.hpp"
 #include "tessera/inputs/InputOptions.hpp"
 
 namespace tessera::inputs {
 
-/// Whether binary files are left out of the list, or only when they are read. The former opens each
-/// file once more.
-enum class BinaryFiles { kListed, kLeftOut };
+/// Whether the files that only opening them shows to be left out are in the list, and left out when
+/// they are read. Otherwise each file is opened once more.
+enum class UnopenedFiles { kListed, kOpened };
 
 /// Returns the inputs that `options` name, in the order of the paths. A directory is replaced by
 /// the regular files in it and below, in byte order of their paths, without hidden and excluded
@@ -17,11 +19,15 @@ enum class BinaryFiles { kListed, kLeftOut };
 /// tells why. The files of `listFile` come after `paths`. The list is not divided into shards.
 ///
 /// Throws ProblemError when the list or a glob cannot be used, or standard input is named twice.
-std::vector<Input> listInputs(const InputOptions& options, BinaryFiles binaryFiles);
+std::vector<Input> listInputs(const InputOptions& options, UnopenedFiles unopenedFiles);
 
-/// Returns whether an input is a binary file that was found in a directory, which is left out. One
-/// that cannot be read is not. Opens the file.
-bool isLeftOut(const Input& input);
+/// Returns whether a file that was found in a directory is left out: it is binary, or one of
+/// `streams`. Call it before the file is read. Throws ProblemError when it cannot be read.
+bool isLeftOut(files::FileReader& file, const files::StreamFiles& streams);
+
+/// Returns whether an input was found in a directory and is left out. Opens it; what cannot be read
+/// is not left out.
+bool isLeftOut(const Input& input, const files::StreamFiles& streams);
 
 /// Leaves only the inputs of `shard` in the list.
 void keepShard(std::vector<Input>& inputs, const Shard& shard);

@@ -5,13 +5,14 @@
 #include <algorithm>
 
 #include "tessera/diagnostics/describeException.hpp"
+#include "tessera/inputs/listInputs.hpp"
 #include "tessera/source/SourceText.hpp"
 
 namespace tessera::run {
 namespace {
 
-/// A binary file was found in a directory.
-struct BinaryFile {};
+/// The file is left out.
+struct LeftOutFile {};
 
 }  // namespace
 
@@ -38,7 +39,7 @@ workers::Outcome FileJob::run(std::size_t index) {
   try {
     work(input.path);
     return workers::Outcome::kDone;
-  } catch (const BinaryFile&) {
+  } catch (const LeftOutFile&) {
     return workers::Outcome::kSkipped;
   } catch (const diagnostics::OutputError&) {
     throw;
@@ -58,7 +59,7 @@ bool FileJob::isRepeatable(std::size_t index) const {
 
 session::ParsedFile FileJob::parse(const std::string& path) {
   files::FileReader file(path);
-  skipIfBinary(file);
+  skipIfLeftOut(file);
   return parser.parse(path, source::readSource(file));
 }
 
@@ -66,8 +67,8 @@ session::ParsedFile FileJob::parse(const std::string& path, std::string_view byt
   return parser.parse(path, source::decodeSource(path, bytes));
 }
 
-void FileJob::skipIfBinary(files::FileReader& file) const {
-  if (input().isFound && file.looksBinary()) throw BinaryFile();
+void FileJob::skipIfLeftOut(files::FileReader& file) const {
+  if (input().isFound && inputs::isLeftOut(file, streams)) throw LeftOutFile();
 }
 
 bool FileJob::isAccepted(const quenlith::syntax::Marker& marker) {

@@ -13,6 +13,7 @@
 #include "quenlith/build/markup/code/CodeElementParser.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/FileReader.hpp"
+#include "tessera/files/standardStreams.hpp"
 #include "tessera/host/ServiceHost.hpp"
 #include "tessera/inputs/Input.hpp"
 #include "tessera/session/FileParser.hpp"
@@ -39,7 +40,7 @@ struct ParserSetup {
 /// Parses files and does something with each. Starts a framework in the process that makes it.
 class FileJob : public workers::Job {
  public:
-  /// Skips a binary file that was found in a directory. Throws OutputError.
+  /// Skips what `inputs::isLeftOut` leaves out. Throws OutputError.
   workers::Outcome run(std::size_t index) final;
   /// Regular files are.
   bool isRepeatable(std::size_t index) const final;
@@ -59,14 +60,14 @@ class FileJob : public workers::Job {
   std::size_t currentInput() const noexcept { return current; }
   const inputs::Input& input() const noexcept { return inputs[current]; }
 
-  /// Reads and parses the file `path`; skips a binary one that was found in a directory. Throws
-  /// ProblemError, and OutputError when the calls cannot be recorded.
+  /// Reads and parses the file `path`, or skips it, as `skipIfLeftOut` does. Throws ProblemError,
+  /// and OutputError when the calls cannot be recorded.
   session::ParsedFile parse(const std::string& path);
   /// Like that, but `bytes` is the content, binary or not.
   session::ParsedFile parse(const std::string& path, std::string_view bytes);
-  /// Skips the file, which is the current input and was not read yet, if it is a binary one that
-  /// was found in a directory: throws what only `run` catches.
-  void skipIfBinary(files::FileReader& file) const;
+  /// Skips the file, which is the current input and was not read yet, if it is one that is left
+  /// out: throws what only `run` catches.
+  void skipIfLeftOut(files::FileReader& file) const;
 
   const std::vector<session::NamedParser>& parsers() const noexcept { return session.parsers(); }
   /// Returns whether a parser of a bundle accepts the marker. Throws ProblemError when one throws.
@@ -93,6 +94,7 @@ class FileJob : public workers::Job {
   [[noreturn]] static void failAsTooLarge(const std::string& path);
 
   const std::vector<inputs::Input>& inputs;
+  files::StreamFiles streams;
   std::size_t current = 0;
   files::OutputText& text;
   workers::Messages& messageTarget;

@@ -66,10 +66,12 @@ void reportIfNothingIsFound(const RunOptions& options, const std::vector<inputs:
       "are left out");
 }
 
-/// Marks the first input that is not left out when it is read: it is the first one also where
-/// binary files are not listed.
+/// Marks the first input that is not left out when it is read: it is the first one also where those
+/// are not listed.
 void markFirst(std::vector<inputs::Input>& files) {
-  const auto first = std::ranges::find_if_not(files, inputs::isLeftOut);
+  const files::StreamFiles streams;
+  const auto first = std::ranges::find_if_not(
+      files, [&](const inputs::Input& file) { return inputs::isLeftOut(file, streams); });
   if (first != files.end()) first->isFirst = true;
 }
 

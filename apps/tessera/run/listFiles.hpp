@@ -18,11 +18,12 @@ struct NamedOutput {
 };
 
 /// Returns the inputs of a run. The files that it writes are left out where they were found in a
-/// directory: its output, `otherOutputs`, what they are called until they are complete, and the
-/// standard streams. Throws ProblemError when the user named one of the outputs as an input or as
-/// the list of the inputs, or the inputs cannot be listed.
+/// directory: its output, `otherOutputs`, and what they are called until they are complete. Throws
+/// ProblemError when the user named one of the outputs as an input or as the list of the inputs, or
+/// the inputs cannot be listed.
 ///
-/// Binary files of directories may be in the list; whoever reads one skips it.
+/// Binary files of directories may be in the list, and files that are standard streams; whoever
+/// reads one skips it (`inputs::isLeftOut`).
 std::vector<inputs::Input> listFiles(const RunOptions& options,
                                      std::vector<NamedOutput> otherOutputs = {});
 

@@ -876,12 +876,34 @@ class Outputs(ManyFiles):
         self.assertEqual([record["file"] for record in records((self.folder / "t/real").read_bytes())], ["t/a"])
 
     def test_a_standard_stream_in_the_directory_is_no_input(self):
+        source = b"# <@text:ancor#a>\n"
+        for name in ("t/a", "t/b"):
+            self.write(name, source)
+        for command in (["parse", "--format", "ndjson"], ["check", "--format", "json"], ["markers", "--format", "json"],
+                        ["check", "--fix", "--format", "json"]):
+            for options, expected in (((), ["t/a", "t/b"]), (("-j", "2"), ["t/a", "t/b"]), (("--shard", "1/2"), ["t/a"])):
+                # The output is the first file in the directory, and the errors are between others.
+                for name in ("t/0", "t/aa"):
+                    self.write(name, source)
+                os.link(self.folder / "t/aa", self.folder / "t/c")
+                with open(self.folder / "t/0", "ab") as out, open(self.folder / "t/aa", "ab") as error:
+                    subprocess.run([PROGRAM, *command, "t", *options], cwd=self.folder, stdout=out, stderr=error)
+                written = (self.folder / "t/0").read_bytes()
+                self.assertTrue(written.startswith(source), written)
+                found = [record["file"] for record in records(written.removeprefix(source))]
+                self.assertEqual(found, expected, (command, options))
+                self.assertTrue((self.folder / "t/aa").read_bytes().startswith(source))
+                for name in ("t/0", "t/aa", "t/c"):
+                    os.unlink(self.folder / name)
+
+    def test_the_log_does_not_depend_on_a_standard_stream_in_the_directory(self):
         self.write("t/a")
-        for mode in ("wb", "ab"):
-            with open(self.folder / "t/out", mode) as out, open(self.folder / "t/error", mode) as error:
-                subprocess.run([PROGRAM, "parse", "--format", "ndjson", "t"], cwd=self.folder, stdout=out, stderr=error, check=True)
-            found = records((self.folder / "t/out").read_bytes())
-            self.assertEqual([record["file"] for record in found], ["t/a"] * (1 if mode == "wb" else 2))
+        expected = tessera("parse", "--format", "ndjson", "--trace", "t", cwd=self.folder).stdout
+        for options in ((), ("-j", "2")):
+            with open(self.folder / "t/0", "w+b") as out:
+                subprocess.run([PROGRAM, "parse", "--format", "ndjson", "--trace", "t", *options], cwd=self.folder, stdout=out)
+                out.seek(0)
+                self.assertEqual(out.read(), expected)
 
     def test_a_file_that_standard_output_goes_to_keeps_what_it_has(self):
         self.write("a")
