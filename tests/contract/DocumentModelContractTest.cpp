@@ -90,6 +90,7 @@ static_assert(isHandle<LiveAppIntegratedInlineNode>());
 static_assert(isHandle<ContributorData>());
 static_assert(isHandle<NodeContributorData>());
 static_assert(isHandle<LineData>());
+static_assert(isHandle<Model>());
 
 static_assert(std::is_convertible_v<const LineNode&, Node>);
 static_assert(std::is_convertible_v<const PlainTextNode&, Node>);

@@ -17,6 +17,8 @@ class ChangeListener;
 /// uses a model.
 class QUENLITH_MODEL_EXPORT Model {
  public:
+  using Impl = ModelStorage;
+
   /// Returns a new model without elements.
   static Model create();
   /// Returns a handle to the model that owns `storage`.
@@ -36,6 +38,8 @@ class QUENLITH_MODEL_EXPORT Model {
   }
 
   explicit operator bool() const noexcept { return storageOfModel != nullptr; }
+  Impl* get() const noexcept { return storageOfModel; }
+  Impl* operator->() const noexcept { return storageOfModel; }
   friend bool operator==(const Model&, const Model&) noexcept = default;
 
   /// Borrows `listener`, which must outlive the model or be removed, and notifies it of each value
