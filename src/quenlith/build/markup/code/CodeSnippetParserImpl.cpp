@@ -1,7 +1,5 @@
 #include "quenlith/build/markup/code/CodeSnippetParserImpl.hpp"
 
-#include <utility>
-
 #include "quenlith/build/markup/code/LineNodeParserService.hpp"
 #include "quenlith/shared/logging/trace.hpp"
 
@@ -24,7 +22,7 @@ ParseResult CodeSnippetParserImpl::parse(
     std::shared_ptr<document::kdzero::TesseraDocument> document, const Snippet& snippet) {
   trace("Parsing using the default parser");
   LineNodeParserService service(parserServicesProvider);
-  ParseResult result = service.parseLine(std::move(document), snippet, ParseResult());
+  ParseResult result = service.parseLine(document, snippet, ParseResult());
   // A line of plain code leaves no task open, whatever the type of the result.
   result.type = SnippetType{};
   return result;

@@ -26,8 +26,8 @@ ParseResult LineNodeParserService::parseLine(std::shared_ptr<TesseraDocument> do
                                              const Snippet& snippet, ParseResult result) {
   trace("In LineNodeParserService");
   const kd::zero::Model model = document->getModel();
-  const line::ParserLists parsers(*parserServicesProvider, typeid(PlainTextNodeParserImpl));
   LineNode lineNode = LineNode::Builder(model).createLineNode(boost::uuids::uuid{});
+  const line::ParserLists parsers(*parserServicesProvider, typeid(PlainTextNodeParserImpl));
   const line::ScannedLine line(snippet.text);
   if (line.isPlainText()) {
     lineNode->getChildrenMutable().add(parsers.parsePlainText(model, line.text()));

@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "fakes/ParserFakes.hpp"
 #include "support/LogCollector.hpp"
@@ -76,6 +77,16 @@ TEST_F(CodeSnippetParser, ReleasesTheDocument) {
   parser.parse(document, {u"x", {}, {}});
   EXPECT_EQ(document.use_count(), 1);
   EXPECT_EQ(provider.use_count(), 2);
+}
+
+TEST_F(CodeSnippetParser, ReleasesTheProviderBeforeTheDocument) {
+  long providerUsers = 0;
+  std::shared_ptr<TesseraDocument> last(new TesseraDocument, [&](TesseraDocument* released) {
+    providerUsers = provider.use_count();
+    delete released;
+  });
+  parser.parse(std::move(last), {u"x", {}, {}});
+  EXPECT_EQ(providerUsers, 2);
 }
 
 TEST_F(CodeSnippetParser, KeepsWhatWasAddedBeforeAnException) {

@@ -17,6 +17,7 @@
 #include "foundation/core/except/IException.hpp"
 #include "quenlith/build/markup/code/PlainTextNodeParserImpl.hpp"
 #include "support/LogCollector.hpp"
+#include "support/nilUuid.hpp"
 
 namespace {
 
@@ -76,6 +77,36 @@ class LineNodeParserService : public testing::Test {
   std::shared_ptr<FakeProvider> provider = std::make_shared<FakeProvider>();
   std::shared_ptr<TesseraDocument> document = std::make_shared<TesseraDocument>();
 };
+
+/// Makes a node when it is asked for the first list.
+class NodeMakingProvider final
+    : public quenlith::build::markup::services::ParserServicesProvider {
+ public:
+  explicit NodeMakingProvider(kd::zero::Model model) : model(std::move(model)) {}
+
+  std::vector<
+      std::shared_ptr<quenlith::build::markup::contributordata::LineContributorDataParser>>
+  getLineContributorDataParsers() override {
+    made = LineNode::Builder(model).createLineNode(quenlith::test::kNil);
+    return {};
+  }
+  std::vector<std::shared_ptr<quenlith::build::markup::code::CodeElementParser>>
+  getCodeElementParsers() override {
+    return {std::make_shared<PlainTextNodeParserImpl>()};
+  }
+
+  LineNode made;
+
+ private:
+  kd::zero::Model model;
+};
+
+TEST_F(LineNodeParserService, MakesTheLineNodeBeforeItAsksTheProvider) {
+  const auto asked = std::make_shared<NodeMakingProvider>(document->getModel());
+  Service(asked).parseLine(document, Snippet{u"x", {}, {}}, {});
+  // The elements of a new model are at ascending addresses.
+  EXPECT_LT(document->getChildAt(0).get(), asked->made.get());
+}
 
 // Lines without markers.
 
