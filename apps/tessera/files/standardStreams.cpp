@@ -28,8 +28,7 @@ bool isRedirectedTo(int descriptor, const std::string& name) noexcept {
   return file && file == idOfFile(name);
 }
 
-StreamFiles::StreamFiles() noexcept
-    : files{idOfStream(STDOUT_FILENO), idOfStream(STDERR_FILENO)} {}
+StreamFiles::StreamFiles() noexcept : files{idOfStream(STDOUT_FILENO), idOfStream(STDERR_FILENO)} {}
 
 bool StreamFiles::contain(const std::optional<FileId>& file) const noexcept {
   return file && std::ranges::find(files, file) != files.end();

@@ -64,11 +64,10 @@ class WrittenFiles {
   }
 
   [[noreturn]] static void refuseOutput(const WrittenFile& file, const std::string& other) {
-    throw diagnostics::ProblemError(
-        {.file = file.name,
-         .place = {},
-         .what = "the file to " + file.output.use + " is " + other,
-         .remedy = "name another file after " + file.output.option});
+    throw diagnostics::ProblemError({.file = file.name,
+                                     .place = {},
+                                     .what = "the file to " + file.output.use + " is " + other,
+                                     .remedy = "name another file after " + file.output.option});
   }
 
   std::vector<WrittenFile> existing;
@@ -80,8 +79,7 @@ std::vector<Input> listFiles(const RunOptions& options, std::vector<NamedOutput>
   // Where inputs are counted, what is left out is not an input.
   const bool isCounted = options.resumes || options.inputs.shard.count > 1;
   std::vector<Input> inputs = inputs::listInputs(
-      options.inputs,
-      isCounted ? inputs::UnopenedFiles::kOpened : inputs::UnopenedFiles::kListed);
+      options.inputs, isCounted ? inputs::UnopenedFiles::kOpened : inputs::UnopenedFiles::kListed);
   std::vector<NamedOutput> outputs = std::move(otherOutputs);
   if (!options.outputFile.empty()) {
     outputs.push_back({.name = options.outputFile, .option = "-o", .use = "write"});

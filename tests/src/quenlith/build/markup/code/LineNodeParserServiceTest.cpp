@@ -79,13 +79,11 @@ class LineNodeParserService : public testing::Test {
 };
 
 /// Makes a node when it is asked for the first list.
-class NodeMakingProvider final
-    : public quenlith::build::markup::services::ParserServicesProvider {
+class NodeMakingProvider final : public quenlith::build::markup::services::ParserServicesProvider {
  public:
   explicit NodeMakingProvider(kd::zero::Model model) : model(std::move(model)) {}
 
-  std::vector<
-      std::shared_ptr<quenlith::build::markup::contributordata::LineContributorDataParser>>
+  std::vector<std::shared_ptr<quenlith::build::markup::contributordata::LineContributorDataParser>>
   getLineContributorDataParsers() override {
     made = LineNode::Builder(model).createLineNode(quenlith::test::kNil);
     return {};
