@@ -9,8 +9,9 @@
 
 namespace tessera::inputs {
 
-/// Whether the files that only opening them shows to be left out are in the list, and left out when
-/// they are read. Otherwise each file is opened once more.
+/// What happens to files that are known to be left out only when they are opened: binary ones and
+/// standard streams. They stay in the list, and are skipped when they are read; or each file is
+/// opened for the list, once more than otherwise.
 enum class UnopenedFiles { kListed, kOpened };
 
 /// Returns the inputs that `options` name, in the order of the paths. A directory is replaced by
