@@ -29,12 +29,16 @@ constexpr Sizes kQuick{.small = 1'000, .large = 4'000, .exponent = 1.15};
 constexpr Sizes kAll{.small = 125'000, .large = 1'000'000, .exponent = 1.05};
 // For `kLargeResults`: of a text of a million code units, they would have a hundred gigabytes.
 constexpr Sizes kLargeResult{.small = 4'000, .large = 16'000, .exponent = 1.15};
+// For `kLongTask`: after 65,535 lines the task ends, and each line that follows asks one parser
+// more.
+constexpr Sizes kWithinTask{.small = 15'625, .large = 125'000, .exponent = 1.05};
+constexpr std::string_view kLongTask = "a long task";
 
 // What grows in steps, such as a hash table.
 constexpr std::uint64_t kConstantWork = 25'000;
 constexpr std::size_t kConstantBytes = 200'000;
 // A vector or a string that grows has up to twice the capacity that it needs.
-constexpr double kDoubling = 1.5;
+constexpr double kDoubling = 2;
 
 // Hosts may call the parsers on threads with small stacks.
 constexpr std::size_t kLargestStack = std::size_t{64} << 10U;
@@ -64,9 +68,11 @@ bool hasLargeResult(const std::string& family, const std::string& surface) {
 
 /// Returns the sizes for the texts of `family`.
 Sizes sizesOf(const std::string& family, const Sizes& usual) {
+  const auto atMost = [&usual](const Sizes& own) { return usual.large > own.large ? own : usual; };
+  if (family == kLongTask) return atMost(kWithinTask);
   const bool isLarge =
       std::ranges::any_of(kLargeResults, [&](const auto& large) { return large.family == family; });
-  return isLarge && usual.large > kLargeResult.large ? kLargeResult : usual;
+  return isLarge ? atMost(kLargeResult) : usual;
 }
 
 /// The largest exponent found, and where.

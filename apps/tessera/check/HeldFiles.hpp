@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tessera/check/catalogue/CheckedFile.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check {
 
@@ -37,7 +37,7 @@ class HeldFiles {
   Take take;
   std::deque<catalogue::CheckedFile> held;
   // The first three files with an unpaired marker of each id.
-  scan::KeyedMap<std::u16string, std::vector<Place>> places;
+  hashing::KeyedMap<std::u16string, std::vector<Place>> places;
 };
 
 }  // namespace tessera::check

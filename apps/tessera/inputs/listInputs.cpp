@@ -42,7 +42,7 @@ void requireOneStandardInput(const InputOptions& options, const std::vector<std:
 
 }  // namespace
 
-std::vector<Input> listInputs(const InputOptions& options, UnopenedFiles unopenedFiles) {
+std::vector<Input> listInputs(const InputOptions& options, LeaveOut leaveOut) {
   const std::vector<std::string> paths = readPaths(options);
   requireOneStandardInput(options, paths);
   const GlobFilter globs(options.globs);
@@ -55,7 +55,7 @@ std::vector<Input> listInputs(const InputOptions& options, UnopenedFiles unopene
       inputs.push_back({.path = path});
     }
   }
-  if (unopenedFiles == UnopenedFiles::kOpened) {
+  if (leaveOut == LeaveOut::kWhenListed) {
     const files::StreamFiles streams;
     std::erase_if(inputs, [&](const Input& input) { return isLeftOut(input, streams); });
   }

@@ -9,10 +9,10 @@
 
 namespace tessera::inputs {
 
-/// What happens to files that are known to be left out only when they are opened: binary ones and
-/// standard streams. They stay in the list, and are skipped when they are read; or each file is
-/// opened for the list, once more than otherwise.
-enum class UnopenedFiles { kListed, kOpened };
+/// When binary files and standard streams are left out of a directory, which are recognised once a
+/// file is open: when it is read, and until then it is in the list; or before the list is returned,
+/// for which each file is opened once more.
+enum class LeaveOut { kWhenRead, kWhenListed };
 
 /// Returns the inputs that `options` name, in the order of the paths. A directory is replaced by
 /// the regular files in it and below, in byte order of their paths, without hidden and excluded
@@ -20,7 +20,7 @@ enum class UnopenedFiles { kListed, kOpened };
 /// tells why. The files of `listFile` come after `paths`. The list is not divided into shards.
 ///
 /// Throws ProblemError when the list or a glob cannot be used, or standard input is named twice.
-std::vector<Input> listInputs(const InputOptions& options, UnopenedFiles unopenedFiles);
+std::vector<Input> listInputs(const InputOptions& options, LeaveOut leaveOut);
 
 /// Returns whether a file that was found in a directory is left out: it is binary, or one of
 /// `streams`. Call it before the file is read. Throws ProblemError when it cannot be read.

@@ -79,7 +79,7 @@ std::vector<Input> listFiles(const RunOptions& options, std::vector<NamedOutput>
   // Where inputs are counted, what is left out is not an input.
   const bool isCounted = options.resumes || options.inputs.shard.count > 1;
   std::vector<Input> inputs = inputs::listInputs(
-      options.inputs, isCounted ? inputs::UnopenedFiles::kOpened : inputs::UnopenedFiles::kListed);
+      options.inputs, isCounted ? inputs::LeaveOut::kWhenListed : inputs::LeaveOut::kWhenRead);
   std::vector<NamedOutput> outputs = std::move(otherOutputs);
   if (!options.outputFile.empty()) {
     outputs.push_back({.name = options.outputFile, .option = "-o", .use = "write"});

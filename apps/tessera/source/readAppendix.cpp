@@ -1,15 +1,16 @@
 #include "tessera/source/readAppendix.hpp"
 
-#include <set>
+#include <string>
 #include <utility>
 
 #include "quenlith/syntax/markers.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::source {
 
 std::vector<quenlith::syntax::Marker> readAppendix(const SourceText& source) {
   std::vector<quenlith::syntax::Marker> entries;
-  std::set<std::pair<fl::i18n::ustring, fl::i18n::ustring>> keys;
+  hashing::KeyedSet<std::pair<std::u16string, std::u16string>> keys;
   LineCursor cursor(source.appendix.text, source.appendix.any);
   while (const auto line = cursor.next()) {
     const auto markers =

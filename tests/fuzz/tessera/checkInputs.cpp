@@ -30,7 +30,7 @@ Paths list(const std::string& directory, tessera::inputs::InputOptions options) 
   const std::string root = folder().path() + '/';
   options.paths = {root + directory};
   Paths paths;
-  auto inputs = listInputs(options, tessera::inputs::UnopenedFiles::kListed);
+  auto inputs = listInputs(options, tessera::inputs::LeaveOut::kWhenRead);
   keepShard(inputs, options.shard);
   for (const auto& input : inputs) {
     require(input.isFound && input.path.starts_with(root), "a file is found in the folder");

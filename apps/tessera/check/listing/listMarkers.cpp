@@ -1,7 +1,6 @@
 #include "tessera/check/listing/listMarkers.hpp"
 
 #include <algorithm>
-#include <map>
 #include <set>
 #include <span>
 #include <string_view>
@@ -11,10 +10,10 @@
 
 #include "tessera/check/scan/FileScan.hpp"
 #include "tessera/check/scan/HiddenRanges.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
 #include "tessera/check/scan/LineRanges.hpp"
 #include "tessera/check/scan/RecordedFailures.hpp"
 #include "tessera/check/scan/TaskWalk.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::listing {
 
@@ -32,7 +31,7 @@ using Name = std::pair<std::u16string_view, std::u16string_view>;
 struct LineRecord {
   std::vector<std::u16string> anchors;
   /// The ids of the failures on markers with the same element and id, which may be many.
-  std::map<Name, std::set<std::u16string_view>> failureIds;
+  hashing::KeyedMap<Name, std::set<std::u16string_view>> failureIds;
 };
 
 using LineRecords = std::unordered_map<std::uint64_t, LineRecord>;
@@ -178,8 +177,8 @@ class EntryFates {
     return isUsed ? kEntry : kUnusedEntry;
   }
 
-  KeyedSet<std::u16string> used;
-  KeyedSet<std::u16string> known;
+  hashing::KeyedSet<std::u16string> used;
+  hashing::KeyedSet<std::u16string> known;
 };
 
 /// Calls `takeLine` with what was found on each line.

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "tessera/check/catalogue/Diagnostic.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
 #include "tessera/check/suspects/findSuspects.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::rules {
 
@@ -18,7 +18,7 @@ struct Findings {
   std::vector<catalogue::Diagnostic> diagnostics;
   suspects::Suspects suspects;
   /// The ids of the tasks that are reported already: nothing more is said about their entries.
-  scan::KeyedSet<std::u16string> brokenTasks;
+  hashing::KeyedSet<std::u16string> brokenTasks;
   /// The lines of the appendix that are reported already.
   std::unordered_set<std::uint64_t> reportedLines;
 };

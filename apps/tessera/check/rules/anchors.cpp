@@ -6,7 +6,7 @@
 #include <unordered_set>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::rules {
 
@@ -94,7 +94,7 @@ class AnchorRule {
 
   Findings& findings;
   std::unordered_set<std::uint64_t> openingLines;
-  KeyedMap<std::u16string_view, Seen> seen;
+  hashing::KeyedMap<std::u16string_view, Seen> seen;
 };
 
 }  // namespace

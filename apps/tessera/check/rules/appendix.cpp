@@ -8,9 +8,9 @@
 #include "quenlith/syntax/markers.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
 #include "tessera/check/rules/settings.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
 #include "tessera/check/scan/SimilarNames.hpp"
 #include "tessera/check/scan/markerText.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::rules {
 
@@ -39,7 +39,7 @@ std::string entryName(const FoundMarker& marker) {
   return plainText(marker.parts.element) + " marker " + nameOf(marker);
 }
 
-using Index = KeyedMap<std::u16string, const FoundMarker*>;
+using Index = hashing::KeyedMap<std::u16string, const FoundMarker*>;
 
 class AppendixRule {
  public:

@@ -13,8 +13,8 @@
 #include "fl/i18n/ustring.hpp"
 #include "tessera/check/rules/settings.hpp"
 #include "tessera/check/scan/FoundMarker.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
 #include "tessera/check/scan/LineRanges.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::rules {
 
@@ -87,7 +87,7 @@ class PossibleTasks {
   const TaskWalk& walk;
   // Of the task markers, in order.
   std::vector<std::uint64_t> lines;
-  KeyedMap<std::u16string, std::size_t> repairs;
+  hashing::KeyedMap<std::u16string, std::size_t> repairs;
 };
 
 /// Returns the lines that the edits of a fix touch.
@@ -231,7 +231,7 @@ void dropUncertainFixes(const FileScan& scan, const TaskWalk& walk, Findings& fi
     if (!suspect.isCompleted) return true;
     return element == u"text" ? marker.isAnchor() && !marker.id.empty() : marker.range.has_value();
   });
-  KeyedSet<std::u16string_view> entries;
+  hashing::KeyedSet<std::u16string_view> entries;
   for (const FoundMarker& entry : scan.appendix) {
     if (entry.isTask()) entries.insert(entry.id);
   }

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <deque>
-#include <map>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "fl/i18n/ustring.hpp"
 #include "tessera/check/catalogue/Catalogue.hpp"
@@ -11,6 +12,7 @@
 #include "tessera/check/scan/HiddenRanges.hpp"
 #include "tessera/check/scan/LineRanges.hpp"
 #include "tessera/check/scan/markerText.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 #include "tessera/source/lines.hpp"
 
 namespace tessera::check::rules {
@@ -93,7 +95,7 @@ class LineCheck {
       if (!marker.isMarker() || !marker.range) continue;
       const auto [begin, end] = *marker.range;
       if (ranges.problemOf(begin, end) == RangeProblem::kNone) continue;
-      unusable[{std::u16string(marker.parts.element), marker.id}].push_back(&marker);
+      unusable[{marker.parts.element, marker.id}].push_back(&marker);
     }
   }
 
@@ -197,7 +199,9 @@ class LineCheck {
   std::string length;
   // The markers whose ranges cannot be used, by element and id; each is removed when it is
   // explained.
-  std::map<std::pair<std::u16string, std::u16string>, std::deque<const FoundMarker*>> unusable;
+  hashing::KeyedMap<std::pair<std::u16string_view, std::u16string_view>,
+                    std::deque<const FoundMarker*>>
+      unusable;
 };
 
 void reportUnexplained(const FileScan& scan, const RecordedFailure& failure, Findings& findings) {

@@ -6,9 +6,9 @@
 #include <unordered_map>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
 #include "tessera/check/scan/SimilarNames.hpp"
 #include "tessera/check/scan/markerText.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::rules {
 
@@ -112,9 +112,9 @@ class TaskFailureRule {
 
   /// A marker whose ">" came too early has another id than its partner: neither of them is a pair.
   void explainByEarlyEnd() {
-    KeyedMap<std::u16string_view, std::size_t> singles;
+    hashing::KeyedMap<std::u16string_view, std::size_t> singles;
     SimilarNames similar;
-    KeyedSet<std::u16string_view> takenIds;
+    hashing::KeyedSet<std::u16string_view> takenIds;
     for (const Suspect& suspect : findings.suspects.code) {
       if (suspect.takenId) takenIds.insert(*suspect.takenId);
     }
@@ -161,7 +161,7 @@ class TaskFailureRule {
   }
 
   void makeGroups(std::span<const RecordedFailure> failures) {
-    KeyedMap<std::u16string_view, std::size_t> byId;
+    hashing::KeyedMap<std::u16string_view, std::size_t> byId;
     for (const RecordedFailure& failure : failures) {
       const bool isOverlap = failure.failureId == u"overlapping_task_marker";
       const auto [known, isNew] = byId.emplace(failure.markerId, groups.size());
@@ -312,13 +312,13 @@ class TaskFailureRule {
   Findings& findings;
   std::vector<Group> groups;
   SimilarNames similarGroups;
-  KeyedMap<std::u16string, std::vector<std::size_t>> suspectsById;
+  hashing::KeyedMap<std::u16string, std::vector<std::size_t>> suspectsById;
   SimilarNames similarSuspects;
   // The first few suspects whose line ends inside the marker.
   std::vector<std::size_t> cutOff;
-  KeyedMap<std::u16string_view, const Overlap*> overlaps;
+  hashing::KeyedMap<std::u16string_view, const Overlap*> overlaps;
   std::unordered_map<const FoundMarker*, const Task*> tasksByOpening;
-  KeyedMap<std::u16string_view, Markers> appendixMarkers;
+  hashing::KeyedMap<std::u16string_view, Markers> appendixMarkers;
 };
 
 }  // namespace

@@ -1,10 +1,10 @@
 #include "tessera/check/rules/tasks.hpp"
 
 #include <algorithm>
-#include <map>
 #include <string>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::rules {
 
@@ -55,7 +55,7 @@ Diagnostic& report(Findings& findings, DiagnosticKind kind, std::size_t form,
 
 /// Reports the markers of each id once.
 void checkIgnored(const TaskWalk& walk, Findings& findings) {
-  std::map<std::u16string_view, std::size_t> reported;
+  hashing::KeyedMap<std::u16string_view, std::size_t> reported;
   for (const IgnoredTaskMarker& ignored : walk.ignored) {
     if (findings.brokenTasks.contains(ignored.marker->id)) continue;
     const auto [known, isNew] = reported.emplace(ignored.marker->id, findings.diagnostics.size());

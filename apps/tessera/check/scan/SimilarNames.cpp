@@ -42,7 +42,7 @@ void SimilarNames::add(std::u16string_view name, std::size_t number) {
   };
   const std::u16string lower = lowered(name);
   if (lower.size() > kMaxNameUnits) {
-    insert(KeyedHasher()(lower));
+    insert(hashing::KeyedHasher()(lower));
   } else {
     forEachKey(lower, insert);
   }
@@ -59,7 +59,7 @@ std::optional<std::size_t> SimilarNames::find(std::u16string_view name) const {
   };
   const std::u16string lower = lowered(name);
   if (lower.size() > kMaxNameUnits) {
-    look(KeyedHasher()(lower));
+    look(hashing::KeyedHasher()(lower));
   } else {
     forEachKey(lower, look);
   }

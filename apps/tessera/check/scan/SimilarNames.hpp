@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tessera/check/scan/KeyedMap.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::scan {
 
@@ -37,7 +37,7 @@ class SimilarNames {
   std::vector<Entry> entries;
   // The indices of entries by the hashes of their keys. A key keeps few: more would make a search
   // among many names with one key slow, and the first ones are as good as the others.
-  KeyedMap<std::uint64_t, std::vector<std::size_t>> index;
+  hashing::KeyedMap<std::uint64_t, std::vector<std::size_t>> index;
 };
 
 }  // namespace tessera::check::scan

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tessera/check/scan/FileScan.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::scan {
 
@@ -43,7 +43,7 @@ class TaskWalk {
   std::vector<IgnoredTaskMarker> ignored;
 
   /// The task markers of each id, in order.
-  using ById = KeyedMap<std::u16string_view, std::vector<const FoundMarker*>>;
+  using ById = hashing::KeyedMap<std::u16string_view, std::vector<const FoundMarker*>>;
   ById byId;
 
  private:
@@ -56,7 +56,7 @@ class TaskWalk {
 
   // The index of the open task plus 1; 0 when none is open.
   std::size_t openTask = 0;
-  KeyedSet<std::u16string_view> overlappingIds;
+  hashing::KeyedSet<std::u16string_view> overlappingIds;
 };
 
 }  // namespace tessera::check::scan

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "tessera/check/catalogue/Catalogue.hpp"
-#include "tessera/check/scan/KeyedMap.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 namespace tessera::check::suspects {
 
@@ -29,7 +29,7 @@ Suspect describe(const FoundMarker& marker, EscapedTaskMarker form) {
 }  // namespace
 
 void findEscapedTasks(const FileScan& scan, std::vector<Suspect>& suspects) {
-  KeyedMap<std::u16string_view, std::size_t> byId;
+  hashing::KeyedMap<std::u16string_view, std::size_t> byId;
   for (const FoundMarker& marker : scan.code) {
     if (marker.isOnAmbiguousLine && marker.isTask() &&
         marker.text().find(u"%%\\") != std::u16string_view::npos) {

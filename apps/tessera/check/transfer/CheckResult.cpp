@@ -1,6 +1,5 @@
 #include "tessera/check/transfer/CheckResult.hpp"
 
-#include <algorithm>
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
@@ -171,19 +170,25 @@ class Decoder {
 
 /// Returns the numbers of the lines that reports look at, in ascending order.
 std::vector<std::uint64_t> linesOf(const std::vector<Diagnostic>& diagnostics) {
-  std::vector<std::uint64_t> numbers;
-  const auto add = [&numbers](const Span& span) {
-    numbers.push_back(span.begin.line);
-    numbers.push_back(span.end.line);
+  std::vector<bool> isShown;
+  const auto mark = [&isShown](std::uint64_t number) {
+    if (number >= isShown.size()) isShown.resize(number + 1);
+    isShown[number] = true;
+  };
+  const auto markBoth = [&mark](const Span& span) {
+    mark(span.begin.line);
+    mark(span.end.line);
   };
   for (const Diagnostic& diagnostic : diagnostics) {
-    add(diagnostic.span);
-    for (const Note& note : diagnostic.notes) add(note.span);
+    markBoth(diagnostic.span);
+    for (const Note& note : diagnostic.notes) markBoth(note.span);
     if (!diagnostic.fix) continue;
-    for (const Edit& edit : diagnostic.fix->edits) add(edit.span);
+    for (const Edit& edit : diagnostic.fix->edits) markBoth(edit.span);
   }
-  std::ranges::sort(numbers);
-  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  std::vector<std::uint64_t> numbers;
+  for (std::uint64_t number = 0; number < isShown.size(); ++number) {
+    if (isShown[number]) numbers.push_back(number);
+  }
   return numbers;
 }
 

@@ -1,8 +1,8 @@
-#include "tessera/check/scan/KeyedMap.hpp"
+#include "tessera/hashing/KeyedMap.hpp"
 
 #include "fl/i18n/KeyedHash.hpp"
 
-namespace tessera::check::scan {
+namespace tessera::hashing {
 
 using fl::i18n::KeyedHash;
 
@@ -12,10 +12,18 @@ std::size_t KeyedHasher::operator()(std::u16string_view text) const {
   return static_cast<std::size_t>(hash.finish());
 }
 
+std::size_t KeyedHasher::operator()(
+    const std::pair<std::u16string_view, std::u16string_view>& texts) const {
+  KeyedHash hash(KeyedHash::keyOfProcess());
+  hash.add(texts.first);
+  hash.add(texts.second);
+  return static_cast<std::size_t>(hash.finish());
+}
+
 std::size_t KeyedHasher::operator()(std::uint64_t number) const {
   KeyedHash hash(KeyedHash::keyOfProcess());
   hash.add(number);
   return static_cast<std::size_t>(hash.finish());
 }
 
-}  // namespace tessera::check::scan
+}  // namespace tessera::hashing
