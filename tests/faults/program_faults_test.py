@@ -28,6 +28,9 @@ FAULTS = os.environ.get("TESSERA_FAULTS", "8")
 # A run takes 20 milliseconds: one that is not over by then waits for something that does not happen.
 HANG_SECONDS = 100
 CANNOT_TRACE = 125
+# A fault has the number of a call, so each run has to make the same ones. The C library would otherwise return memory
+# in some runs and not in others, depending on the address of it.
+SAME_CALLS = {"MALLOC_TRIM_THRESHOLD_": "1000000000"}
 
 SOURCE = rb"""x = 1  # <@output#o [0,1] {"a":[1,2]}>
 # <@task#t1>
@@ -118,7 +121,7 @@ def run(command, prefix=(), environment={}):
             (folder / file).parent.mkdir(parents=True, exist_ok=True)
             (folder / file).write_bytes(data)
         (folder / "temporary").mkdir()
-        environment = {**os.environ, "TMPDIR": str(folder / "temporary"), **environment}
+        environment = {**os.environ, **SAME_CALLS, "TMPDIR": str(folder / "temporary"), **environment}
         try:
             done = subprocess.run([*prefix, PROGRAM, *COMMANDS[command].split()], cwd=folder, env=environment,
                                   input=SOURCE, capture_output=True, timeout=HANG_SECONDS)
