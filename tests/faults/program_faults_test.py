@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Lets every allocation and every system call of the program fail in turn, and kills it while it replaces a file.
+"""Lets every allocation and every system call of the program fail in turn, kills it while it replaces a file, and counts
+the calls for a file.
 
 program_faults_test.py PROGRAM FAILING_ALLOCATOR FAIL_SYSTEM_CALLS
 
@@ -22,6 +23,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 
 PROGRAM, ALLOCATOR, TRACER = (str(pathlib.Path(sys.argv.pop(1)).resolve()) for _ in range(3))
 FAULTS = os.environ.get("TESSERA_FAULTS", "8")
@@ -313,6 +315,14 @@ class ProgramFaults(unittest.TestCase):
         self.require_tracer()
         made = set().union(*map(calls_of, COMMANDS))
         self.assertEqual([names for names in ERRORS_OF_SPELLINGS if not made & set(names.split())], [])
+
+    def test_a_file_of_a_folder_is_opened_and_read_once(self):
+        self.require_tracer()
+        calls = collections.Counter(list_of_calls("parse a folder"))
+        with unittest.mock.patch.dict(INPUTS, {"dir/b.py": SOURCE}):
+            added = collections.Counter(list_of_calls.__wrapped__("parse a folder")) - calls
+        self.assertEqual({name: added[NUMBERS[name]] for name in ("openat", "read", "close")},
+                         {"openat": 1, "read": 1, "close": 1})
 
     def test_a_kill_leaves_the_old_or_the_new_file(self):
         """The program is killed before each call from the one on that makes the name of the temporary file."""
