@@ -30,6 +30,18 @@ TEST(Recording, WritesEachCallInAdvance) {
             "\"kind\":3},\"auxiliaryText\":\"code\"}}\n");
 }
 
+// Two ids may differ in a surrogate only.
+TEST(Recording, KeepsAnUnpairedSurrogateOfAnEntry) {
+  const TemporaryFolder folder;
+  PartialFile file(folder.path("r"), Leftover::kReplaced);
+  Recording recording(file.output());
+  recording.begin({u"%<@task#a\xD800>", u"\xDFFF\"\xD83D\xDE00\xD83D"}, u"");
+  EXPECT_EQ(folder.read("r.partial"),
+            "{\"op\":\"document\"}\n"
+            "{\"op\":\"appendix\",\"entries\":[\"%<@task#a\\ud800>\","
+            "\"\\udfff\\\"\U0001F600\\ud83d\"]}\n");
+}
+
 TEST(Recording, WritesTheAuxiliaryTextOnlyWhenItChanges) {
   const TemporaryFolder folder;
   PartialFile file(folder.path("r"), Leftover::kReplaced);
