@@ -83,6 +83,17 @@ class Fates(unittest.TestCase):
                 self.check_line(nodes, by_line.get(line["line"], []), lines[line["line"] - 1], bool(options))
         self.assertEqual(seen, {"node", "hidden", "dropped", "anchor", "unset_anchor", "failure", "text", "handled"})
 
+    def test_a_range_that_the_parser_counts_otherwise(self):
+        # The task parser reads the line as it is, the line parser without the backslash: at 45 units its end is past
+        # that of the line, at 44 it is not.
+        for end, fate in ((45, "failure"), (44, "node")):
+            line = f'# <@output#o [41,{end}]> # <@task#"x%%\\"y"> tail'
+            self.assertEqual(len(line), 45)
+            output, = (marker for marker in listed(2 * (line + "\n"))[:2] if marker["element"] == "output")
+            self.assertEqual(output["fates"], [fate], line)
+            children = [child["kind"] for child in parsed(2 * (line + "\n"))["nodes"][1]["children"]]
+            self.assertEqual("OutputNode" in children, fate == "node")
+
     def test_every_fate_has_a_golden_case_and_is_on_the_page(self):
         seen = {fate for source in SOURCES for marker in listed(source.read_text()) for fate in marker["fates"]}
         page = (ROOT / "docs" / "markers.md").read_text()

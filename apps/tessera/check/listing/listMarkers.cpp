@@ -27,11 +27,19 @@ using enum MarkerFate;
 /// An element and an id.
 using Name = std::pair<std::u16string_view, std::u16string_view>;
 
+constexpr std::u16string_view kRangeFailure = u"invalid_position_data";
+
 /// The anchors and failures of one line, as the document has them.
 struct LineRecord {
   std::vector<std::u16string> anchors;
   /// The ids of the failures on markers with the same element and id, which may be many.
   hashing::KeyedMap<Name, std::set<std::u16string_view>> failureIds;
+
+  const std::set<std::u16string_view>& failuresOf(const FoundMarker& marker) const {
+    static const std::set<std::u16string_view> kNone;
+    const auto found = failureIds.find({marker.parts.element, marker.id});
+    return found == failureIds.end() ? kNone : found->second;
+  }
 };
 
 using LineRecords = std::unordered_map<std::uint64_t, LineRecord>;
@@ -63,6 +71,20 @@ ListedMarker makeListed(const FoundMarker& found) {
           .failureIds = {}};
 }
 
+/// The markers of one line, and what the document has for them. Borrows both.
+struct Line {
+  std::span<const FoundMarker> found;
+  const LineRecord& record;
+  LineRanges ranges{found};
+
+  bool hasUsableRange(const FoundMarker& marker) const {
+    if (!marker.isMarker() || !marker.range) return false;
+    // The parser may have counted other positions.
+    if (marker.isOnAmbiguousLine) return !record.failuresOf(marker).contains(kRangeFailure);
+    return ranges.problemOf(marker.range->first, marker.range->second) == RangeProblem::kNone;
+  }
+};
+
 /// Finds what became of the markers of the code, line by line.
 class CodeFates {
  public:
@@ -76,26 +98,16 @@ class CodeFates {
   }
 
   void addLine(std::span<const FoundMarker> found, std::vector<ListedMarker>& listed) {
-    const LineRanges ranges(found);
-    std::vector<const FoundMarker*> withText;
+    static const LineRecord kNothing;
+    const auto record = records.find(found.front().line);
+    const Line line{.found = found, .record = record == records.end() ? kNothing : record->second};
+    const auto hidden = findHidden(line);
     for (const FoundMarker& marker : found) {
-      if (hasUsableRange(marker, ranges) && isHandled(marker)) withText.push_back(&marker);
-    }
-    std::unordered_set<const FoundMarker*> hidden;
-    for (const HiddenRange& range : findHiddenRanges(withText)) {
-      if (range.isWhole) hidden.insert(range.marker);
-    }
-    for (const FoundMarker& marker : found) {
-      if (marker.isMarker()) listed.push_back(list(marker, ranges, hidden.contains(&marker)));
+      if (marker.isMarker()) listed.push_back(list(marker, line, hidden.contains(&marker)));
     }
   }
 
  private:
-  static bool hasUsableRange(const FoundMarker& marker, const LineRanges& ranges) {
-    return marker.isMarker() && marker.range &&
-           ranges.problemOf(marker.range->first, marker.range->second) == RangeProblem::kNone;
-  }
-
   bool accepts(const FoundMarker& marker) const {
     return isAccepted(Marker(std::u16string(marker.text())));
   }
@@ -105,10 +117,22 @@ class CodeFates {
            accepts(marker);
   }
 
-  ListedMarker list(const FoundMarker& marker, const LineRanges& ranges, bool isHidden) const {
+  /// Returns the markers whose texts all belong to later ones.
+  std::unordered_set<const FoundMarker*> findHidden(const Line& line) const {
+    std::vector<const FoundMarker*> withText;
+    for (const FoundMarker& marker : line.found) {
+      if (line.hasUsableRange(marker) && isHandled(marker)) withText.push_back(&marker);
+    }
+    std::unordered_set<const FoundMarker*> hidden;
+    for (const HiddenRange& range : findHiddenRanges(withText)) {
+      if (range.isWhole) hidden.insert(range.marker);
+    }
+    return hidden;
+  }
+
+  ListedMarker list(const FoundMarker& marker, const Line& line, bool isHidden) const {
     ListedMarker listed = makeListed(marker);
-    const auto record = records.find(marker.line);
-    if (record != records.end()) addFailures(marker, ranges, record->second, listed);
+    addFailures(marker, line, listed);
     if (!isHandled(marker)) {
       listed.fates.push_back(kText);
       return listed;
@@ -117,11 +141,10 @@ class CodeFates {
       listed.fates.push_back(task->second);
     }
     if (marker.isAnchor()) {
-      const bool isSet =
-          record != records.end() && std::ranges::count(record->second.anchors, marker.id) != 0;
+      const bool isSet = std::ranges::count(line.record.anchors, marker.id) != 0;
       listed.fates.push_back(isSet ? kAnchor : kUnsetAnchor);
     }
-    if (hasUsableRange(marker, ranges)) {
+    if (line.hasUsableRange(marker)) {
       listed.fates.push_back(isHidden ? kHidden : accepts(marker) ? kNode : kDropped);
     }
     if (listed.fates.empty()) listed.fates.push_back(kHandled);
@@ -130,13 +153,9 @@ class CodeFates {
 
   /// A failure names an element and an id, and is about all such markers of its line. One about
   /// ranges is about those whose range cannot be used.
-  static void addFailures(const FoundMarker& marker, const LineRanges& ranges,
-                          const LineRecord& record, ListedMarker& listed) {
-    const auto found = record.failureIds.find({marker.parts.element, marker.id});
-    if (found == record.failureIds.end()) return;
-    for (const std::u16string_view id : found->second) {
-      const bool isAboutRange = id == u"invalid_position_data";
-      if (isAboutRange && (!marker.range || hasUsableRange(marker, ranges))) continue;
+  static void addFailures(const FoundMarker& marker, const Line& line, ListedMarker& listed) {
+    for (const std::u16string_view id : line.record.failuresOf(marker)) {
+      if (id == kRangeFailure && (!marker.range || line.hasUsableRange(marker))) continue;
       listed.failureIds.emplace_back(id);
     }
     if (!listed.failureIds.empty()) listed.fates.push_back(kFailure);
