@@ -44,8 +44,9 @@ using inputs::Input;
              "name another file after --record");
 }
 
+/// Returns whether the file is empty or begins as `session::Recording` does.
 bool isRecording(const std::string& name) {
-  constexpr std::string_view kBegin = "{\"op\":\"";
+  constexpr std::string_view kBegin = "{\"op\":\"document\"}\n";
   std::array<char, kBegin.size()> begin{};
   std::ifstream file(name, std::ios::binary);
   file.read(begin.data(), begin.size());

@@ -78,7 +78,7 @@ class Walk {
     while (!pending.empty()) {
       const std::string path = std::move(pending.back());
       pending.pop_back();
-      if (hasIgnoreFile(path) && ignored->exclude(path)) continue;
+      if (ignored && ignored->exclude(path)) continue;
       if (path.ends_with('/')) {
         open(path);
       } else if (globs.accept(path)) {
@@ -91,16 +91,9 @@ class Walk {
   /// `path` is relative to the root.
   void open(const std::string& path) {
     const Entries entries = readEntries(root + path);
-    if (entries.haveIgnoreFile && ignored) IgnoreFiles::admit(root + path + ".gitignore");
-    if (entries.haveIgnoreFile && !hasIgnoreFile(path)) folderOfIgnoreFile = path;
+    if (entries.haveIgnoreFile && ignored) ignored->enter(path, root + path + ".gitignore");
     for (const std::string& name : entries.names) pending.push_back(path + name);
     if (entries.error) found.push_back({.path = root + path});
-  }
-
-  /// Returns whether a directory above has an ignore file. To ask for the rules costs system calls.
-  bool hasIgnoreFile(const std::string& path) const {
-    if (!ignored) return false;
-    return ignored->areAbove() || (folderOfIgnoreFile && path.starts_with(*folderOfIgnoreFile));
   }
 
   std::string root;
@@ -108,8 +101,6 @@ class Walk {
   std::optional<IgnoreFiles>& ignored;
   std::vector<Input>& found;
   std::vector<std::string> pending;
-  // The last directory with an ignore file that is in none with one. What is in it comes in a row.
-  std::optional<std::string> folderOfIgnoreFile;
 };
 
 }  // namespace

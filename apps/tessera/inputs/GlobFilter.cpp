@@ -1,6 +1,7 @@
 #include "tessera/inputs/GlobFilter.hpp"
 
 #include <algorithm>
+#include <string_view>
 
 #include "tessera/diagnostics/Problem.hpp"
 
@@ -9,10 +10,6 @@ namespace {
 
 bool isExclusion(const std::string& glob) {
   return glob.starts_with('!');
-}
-
-std::string exclusionAsRule(const std::string& glob) {
-  return glob.substr(1);
 }
 
 void requireUsable(const std::string& glob) {
@@ -31,17 +28,25 @@ GlobFilter::GlobFilter(const std::vector<std::string>& globs) {
   if (globs.empty()) return;
   std::ranges::for_each(globs, requireUsable);
   selectsAccepted = !std::ranges::all_of(globs, isExclusion);
-  if (selectsAccepted) {
-    rules = PathRules::fromLines(globs);
-  } else {
-    std::vector<std::string> excluded;
-    std::ranges::transform(globs, std::back_inserter(excluded), exclusionAsRule);
-    rules = PathRules::fromLines(excluded);
+  std::vector<std::string_view> lines(globs.begin(), globs.end());
+  if (!selectsAccepted) {
+    for (std::string_view& line : lines) line.remove_prefix(1);
   }
+  rules.emplace(lines);
 }
 
 bool GlobFilter::accept(const std::string& path) const {
-  return !rules || rules->select(path) == selectsAccepted;
+  return !rules || select(path) == selectsAccepted;
+}
+
+/// What no glob matches is like the directory that it is in.
+bool GlobFilter::select(std::string path) const {
+  while (!path.empty()) {
+    if (const auto selected = rules->select(path)) return *selected;
+    path.pop_back();
+    path.resize(path.rfind('/') + 1);
+  }
+  return false;
 }
 
 }  // namespace tessera::inputs

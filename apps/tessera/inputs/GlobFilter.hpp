@@ -19,6 +19,8 @@ class GlobFilter {
   bool accept(const std::string& path) const;
 
  private:
+  bool select(std::string path) const;
+
   std::optional<PathRules> rules;
   // Whether the rules select what is accepted, not what is excluded.
   bool selectsAccepted = false;

@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
+#include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/readWhole.hpp"
@@ -17,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kName = ".gitignore";
+constexpr std::string_view kName = ".gitignore";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 [[noreturn]] void failReading(const std::string& path, std::optional<diagnostics::Place> place,
@@ -26,15 +27,32 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
       {.file = path, .place = place, .what = what, .remedy = "correct it, or add --no-ignore"});
 }
 
-/// Returns the number of the first line that libgit2 cannot read.
-std::optional<std::uint64_t> findUnreadableLine(std::string_view rules) {
-  if (rules.starts_with(kByteOrderMark)) rules.remove_prefix(kByteOrderMark.size());
-  for (std::uint64_t number = 1; !rules.empty(); ++number) {
-    const std::size_t end = std::min(rules.find('\n'), rules.size());
-    if (!PathRules::canRead(rules.substr(0, end))) return number;
-    rules.remove_prefix(std::min(end + 1, rules.size()));
+std::vector<std::string_view> linesOf(std::string_view text) {
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  std::vector<std::string_view> lines;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    lines.push_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
   }
-  return std::nullopt;
+  return lines;
+}
+
+/// Returns the rules of a .gitignore file, or none if there is none. A pipe would have to be waited
+/// for.
+std::optional<PathRules> readRules(const std::string& path) {
+  struct stat status;
+  if (::stat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return std::nullopt;
+  if (!S_ISREG(status.st_mode)) failReading(path, {}, "is not a regular file");
+  const std::string text = files::readWhole(path);
+  const std::vector<std::string_view> lines = linesOf(text);
+  const auto unreadable = std::ranges::find_if_not(lines, PathRules::canRead);
+  if (unreadable != lines.end()) {
+    const auto number = static_cast<std::uint64_t>(unreadable - lines.begin() + 1);
+    failReading(path, diagnostics::Place{number, 1},
+                "the line begins with a vertical tab or a form feed");
+  }
+  return PathRules(lines);
 }
 
 /// Returns the root of the git work tree that contains `directory`, or `directory` without one.
@@ -50,43 +68,42 @@ fs::path findRoot(const fs::path& directory) {
 
 IgnoreFiles::IgnoreFiles(const std::string& directory) {
   std::error_code error;
-  folder = fs::canonical(directory, error);
+  const fs::path folder = fs::canonical(directory, error);
   // One that does not exist has no files, either.
-  root = error ? fs::path("/") : findRoot(folder);
-  if (error) folder = root;
-  for (fs::path parent = folder; parent != root && !above;) {
-    parent = parent.parent_path();
-    above = fs::exists(parent / kName, error);
+  if (!error) readAbove(folder, findRoot(folder));
+}
+
+void IgnoreFiles::readAbove(const fs::path& folder, const fs::path& root) {
+  if (folder == root) return;
+  fs::path parent = root;
+  for (const fs::path& name : folder.lexically_relative(root)) {
+    enter("", (parent / kName).string());
+    parent /= name;
+    prefix += name.string() + '/';
+    if (!selects(prefix)) continue;
+    levels.clear();
+    return;
   }
 }
 
-/// libgit2 would wait for a pipe, and does not come back from some lines.
-void IgnoreFiles::admit(const std::string& path) {
-  struct stat status;
-  if (::stat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return;
-  if (!S_ISREG(status.st_mode)) failReading(path, {}, "is not a regular file");
-  if (const auto line = findUnreadableLine(files::readWhole(path))) {
-    failReading(path, diagnostics::Place{*line, 1},
-                "the line begins with a vertical tab or a form feed");
-  }
+void IgnoreFiles::enter(const std::string& path, const std::string& name) {
+  if (auto rules = readRules(name)) levels.push_back({prefix + path, std::move(*rules)});
 }
 
 bool IgnoreFiles::exclude(const std::string& path) {
-  if (!rules) readRules();
-  return rules->select(prefix + path);
+  const std::string whole = prefix + path;
+  while (!levels.empty() && !whole.starts_with(levels.back().path)) levels.pop_back();
+  return selects(whole);
 }
 
-void IgnoreFiles::readRules() {
-  for (fs::path parent = folder; parent != root;) {
-    parent = parent.parent_path();
-    admit((parent / kName).string());
+/// Of several files, the innermost one that has a rule for the path counts.
+bool IgnoreFiles::selects(const std::string& path) const {
+  for (auto level = levels.rbegin(); level != levels.rend(); ++level) {
+    if (const auto selected = level->rules.select(path.substr(level->path.size()))) {
+      return *selected;
+    }
   }
-  rules = PathRules::inFolder(root.string());
-  if (root == folder) return;
-  prefix = folder.lexically_relative(root).string() + '/';
-  if (!rules->select(prefix)) return;
-  rules = PathRules::inFolder(folder.string());
-  prefix.clear();
+  return false;
 }
 
 }  // namespace tessera::inputs

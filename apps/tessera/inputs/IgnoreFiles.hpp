@@ -1,8 +1,8 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "tessera/inputs/PathRules.hpp"
 
@@ -14,29 +14,34 @@ namespace tessera::inputs {
 /// A directory that they exclude itself, but that the user named, only has its own rules.
 class IgnoreFiles {
  public:
-  /// Does not look below the directory.
+  /// Does not look into the directory. Throws ProblemError when a .gitignore file above it cannot
+  /// be read, and as PathRules does.
   explicit IgnoreFiles(const std::string& directory);
 
-  /// Whether one above the directory may exclude what is in it.
-  bool areAbove() const noexcept { return above; }
+  /// Reads the .gitignore file `name` of the directory `path`, which is relative to the directory
+  /// and empty or ends in "/". Call it before a path in that directory is looked up. Throws as the
+  /// constructor.
+  void enter(const std::string& path, const std::string& name);
 
-  /// Makes sure that the .gitignore file in a directory below, with the path `path`, can be read.
-  /// To be called before a path in that directory is looked up. Throws ProblemError when it cannot.
-  static void admit(const std::string& path);
-
-  /// `path` is relative to the directory; that of a directory ends in "/". Throws ProblemError when
-  /// a .gitignore file above the directory cannot be read, and as PathRules does.
+  /// `path` is relative to the directory; that of a directory ends in "/". Call it for the paths in
+  /// the order of a walk, and not for those in a directory that is excluded. Throws as PathRules
+  /// does.
   bool exclude(const std::string& path);
 
  private:
-  void readRules();
+  /// The rules of one file.
+  struct Level {
+    /// The directory of the file, relative to the root of the work tree.
+    std::string path;
+    PathRules rules;
+  };
 
-  std::filesystem::path folder;
-  std::filesystem::path root;
-  bool above = false;
-  // Made when they are needed first: most directories have no such file.
-  std::optional<PathRules> rules;
-  // The path of the directory relative to the folder of the rules; empty or ends in "/".
+  void readAbove(const std::filesystem::path& folder, const std::filesystem::path& root);
+  bool selects(const std::string& path) const;
+
+  // From the outermost directory inwards, those around the path looked up last.
+  std::vector<Level> levels;
+  // The directory, relative to the root of the work tree: empty or ends in "/".
   std::string prefix;
 };
 

@@ -4,7 +4,8 @@
 #include <git2.h>
 #include <git2/sys/repository.h>
 
-#include <utility>
+#include <algorithm>
+#include <memory>
 
 #include "tessera/diagnostics/Problem.hpp"
 
@@ -41,7 +42,6 @@ struct PathRules::GitLibrary {
   decltype(&::git_libgit2_opts) setOption = nullptr;
   decltype(&::git_repository_new) newRepository = nullptr;
   decltype(&::git_repository_free) freeRepository = nullptr;
-  decltype(&::git_repository_set_workdir) setWorkFolder = nullptr;
   decltype(&::git_ignore_add_rule) addRule = nullptr;
   decltype(&::git_ignore_path_is_ignored) isIgnored = nullptr;
   decltype(&::git_error_last) lastError = nullptr;
@@ -60,7 +60,6 @@ PathRules::GitLibrary::GitLibrary() {
   find(setOption, "git_libgit2_opts");
   find(newRepository, "git_repository_new");
   find(freeRepository, "git_repository_free");
-  find(setWorkFolder, "git_repository_set_workdir");
   find(addRule, "git_ignore_add_rule");
   find(isIgnored, "git_ignore_path_is_ignored");
   find(lastError, "git_error_last");
@@ -88,46 +87,70 @@ void PathRules::GitLibrary::check(int result, const std::string& what) const {
        .remedy = "correct it, or add --no-ignore"});
 }
 
-/// A repository in memory that consists of rules only.
-struct PathRules::Repository {
-  Repository() { git.check(git.newRepository(&repository), "repository"); }
-  ~Repository() { git.freeRepository(repository); }
-  Repository(const Repository&) = delete;
-  Repository& operator=(const Repository&) = delete;
+/// Patterns that match a path or not, in a repository in memory.
+class PathRules::Patterns {
+ public:
+  Patterns() {
+    git.check(git.newRepository(&repository), "repository");
+    add(kAnything);
+  }
+  ~Patterns() { git.freeRepository(repository); }
+  Patterns(const Patterns&) = delete;
+  Patterns& operator=(const Patterns&) = delete;
+
+  /// libgit2 leaves out a negation if it sees no earlier rule that the negation could change, and
+  /// asks the directories above about a path that no rule matches. Here each pattern is a negation
+  /// and follows a rule that matches everything, so neither happens.
+  void addPattern(std::string_view pattern) { add('!' + std::string(pattern)); }
+
+  bool match(const std::string& path) const {
+    int isIgnored = 0;
+    git.check(git.isIgnored(&isIgnored, repository, path.c_str()), path);
+    return isIgnored == 0;
+  }
+
+ private:
+  // libgit2 does not count "*" as a rule that a negation could change.
+  static constexpr const char* kAnything = "?*";
+
+  void add(const std::string& rule) { git.check(git.addRule(repository, rule.c_str()), rule); }
 
   const GitLibrary& git = GitLibrary::get();
   git_repository* repository = nullptr;
 };
 
-PathRules::PathRules(std::unique_ptr<Repository> repository) : repository(std::move(repository)) {}
+/// The patterns of rules in a row that all select, or all take back.
+struct PathRules::Group {
+  bool selects;
+  std::unique_ptr<Patterns> patterns;
+};
+
+PathRules::PathRules(const std::vector<std::string_view>& lines) {
+  for (const std::string_view line : lines) {
+    if (line.empty() || line.starts_with('#')) continue;
+    const bool selects = !line.starts_with('!');
+    if (groups.empty() || groups.back().selects != selects) {
+      groups.push_back({selects, std::make_unique<Patterns>()});
+    }
+    groups.back().patterns->addPattern(selects ? line : line.substr(1));
+  }
+}
+
 PathRules::~PathRules() = default;
 PathRules::PathRules(PathRules&& other) noexcept = default;
 PathRules& PathRules::operator=(PathRules&& other) noexcept = default;
-
-PathRules PathRules::inFolder(const std::string& folder) {
-  auto made = std::make_unique<Repository>();
-  made->git.check(made->git.setWorkFolder(made->repository, folder.c_str(), 0), folder);
-  return PathRules(std::move(made));
-}
-
-PathRules PathRules::fromLines(const std::vector<std::string>& lines) {
-  auto made = std::make_unique<Repository>();
-  for (const std::string& line : lines) {
-    made->git.check(made->git.addRule(made->repository, line.c_str()), line);
-  }
-  return PathRules(std::move(made));
-}
 
 bool PathRules::canRead(std::string_view line) noexcept {
   const std::size_t first = line.find_first_not_of(" \t\r!/");
   return first == line.npos || (line[first] != '\v' && line[first] != '\f');
 }
 
-bool PathRules::select(const std::string& path) const {
-  int isSelected = 0;
-  repository->git.check(
-      repository->git.isIgnored(&isSelected, repository->repository, path.c_str()), path);
-  return isSelected != 0;
+std::optional<bool> PathRules::select(const std::string& path) const {
+  const auto deciding = std::find_if(groups.rbegin(), groups.rend(), [&path](const Group& group) {
+    return group.patterns->match(path);
+  });
+  if (deciding == groups.rend()) return std::nullopt;
+  return deciding->selects;
 }
 
 }  // namespace tessera::inputs

@@ -1,24 +1,21 @@
 #pragma once
 
-#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tessera::inputs {
 
-/// Rules in the syntax of .gitignore, each of which selects paths. libgit2 reads and matches them;
-/// it is loaded when it is first needed, because that takes as long as the rest of a short run.
+/// Rules in the syntax of .gitignore, each of which selects paths or, with "!", takes them back. A
+/// later rule counts more. libgit2 matches them; it is loaded when it is first needed, because that
+/// takes as long as the rest of a short run.
 ///
 /// Operations throw ProblemError when libgit2 cannot be loaded or reports an error.
 class PathRules {
  public:
-  /// The rules of the .gitignore files in `folder` and below. Their lines must be such that can be
-  /// read.
-  static PathRules inFolder(const std::string& folder);
-  /// The rules `lines`, in order: a later one counts more. They must be such that can be read.
-  static PathRules fromLines(const std::vector<std::string>& lines);
-
+  /// The lines must be such that can be read. Empty ones and comments are no rules.
+  explicit PathRules(const std::vector<std::string_view>& lines);
   ~PathRules();
   PathRules(PathRules&& other) noexcept;
   PathRules& operator=(PathRules&& other) noexcept;
@@ -27,17 +24,18 @@ class PathRules {
   /// vertical tab or a form feed comes first, after blanks, "!" and "/".
   static bool canRead(std::string_view line) noexcept;
 
-  /// Returns whether the rules select `path`, which is relative to the folder and ends in "/" if it
-  /// is a directory, or a directory above it.
-  bool select(const std::string& path) const;
+  /// Returns whether the last rule that matches `path` selects it; nothing if none matches. `path`
+  /// is relative to the folder of the rules and ends in "/" if it is a directory. What the rules
+  /// say of the directories above it is not considered.
+  std::optional<bool> select(const std::string& path) const;
 
  private:
   struct GitLibrary;
-  struct Repository;
+  class Patterns;
+  struct Group;
 
-  explicit PathRules(std::unique_ptr<Repository> repository);
-
-  std::unique_ptr<Repository> repository;
+  // In the order of the lines.
+  std::vector<Group> groups;
 };
 
 }  // namespace tessera::inputs

@@ -8,6 +8,7 @@ TESSERA_KILLS is the number of runs that are killed at a random moment and resum
 """
 import base64
 import fcntl
+import itertools
 import json
 import os
 import pathlib
@@ -15,6 +16,7 @@ import pty
 import random
 import re
 import resource
+import shutil
 import signal
 import struct
 import subprocess
@@ -126,6 +128,29 @@ class Inputs(ManyFiles):
         # Who names an excluded directory wants its files.
         self.assertEqual(self.files("t/build"), ["t/build/x"])
 
+    @unittest.skipUnless(shutil.which("git"), "git is not installed")
+    def test_gitignore_files_exclude_what_git_excludes(self):
+        names = ["a", "b", "ab", "a.py", "b.py", "[a]"]
+        folders = ["", "a/", "d/", "d/a/", "d/e/", "d/e/b/"]
+        patterns = ["a", "b", "ab", "*", "*.py", "?", "[ab]", "[!a].py", "a*", "\\[a]", "e", "b/", "*/", "d/a", "/a",
+                    "**/b", "d/**", "a/**", "e/*.py", "/*/a", "**/e/a.py", "", "# a", "\\a", "a ", "b.py\r"]
+        environment = {**os.environ, "HOME": str(self.folder), "GIT_CONFIG_NOSYSTEM": "1"}
+        for folder, name in itertools.product(folders, names):
+            if name + "/" not in [f.removeprefix(folder) for f in folders]:
+                self.write(f"t/{folder}{name}")
+        tree = self.folder / "t"
+        subprocess.run(["git", "init", "-q", tree], env=environment, check=True, capture_output=True)
+        rng = random.Random(4)
+        for case in range(150):
+            for folder in folders:
+                lines = [rng.choice(["", "", "!"]) + rng.choice(patterns) for _ in range(rng.randrange(4))]
+                (tree / folder / ".gitignore").write_text("\n".join(lines))
+            shown = subprocess.run(["git", "ls-files", "-o", "-z", "--exclude-standard"], cwd=tree, env=environment,
+                                   check=True, capture_output=True).stdout.decode().split("\0")
+            expected = sorted(f"t/{path}" for path in shown if path and not path.endswith(".gitignore"))
+            rules = {folder: (tree / folder / ".gitignore").read_text() for folder in folders}
+            self.assertEqual(self.files("t"), expected, (case, rules))
+
     def test_a_gitignore_excludes_only_below_its_folder(self):
         for name in ("a/x", "b/x", "b/deep/x", "bb/x", "c/x", "c/deep/x", "d/x"):
             self.write(f"t/{name}")
@@ -166,6 +191,8 @@ class Inputs(ManyFiles):
         self.assertEqual(self.files("t", "--glob", "!*.py"), ["t/b.c", "t/s/d.c"])
         self.assertEqual(self.files("t", "--glob", "*.py", "--glob", "!c.*"), ["t/a.py"])
         self.assertEqual(self.files("t", "--glob", "/s/*.c", "--glob", "**/a.py"), ["t/a.py", "t/s/d.c"])
+        self.assertEqual(self.files("t", "--glob", "/s/*.c", "--glob", "!d.c"), [])
+        self.assertEqual(self.files("t", "--glob", "/s/", "--glob", "!d.c"), ["t/s/c.py"])
         self.assertEqual(self.files("t/b.c", "--glob", "*.py"), ["t/b.c"])
         for glob in ("", "!", "a\nb", "\v", "!\f*.py", "/ \v"):
             with self.subTest(glob=glob):
@@ -954,9 +981,10 @@ class Outputs(ManyFiles):
 
     def test_only_a_recording_is_replaced_by_a_recording(self):
         self.write("a")
-        self.write("other", b"mine\n")
-        self.assertIn(b"is not a recording", self.parse("a", "--record", "other", status=2).stderr)
-        self.assertEqual((self.folder / "other").read_bytes(), b"mine\n")
+        for mine in (b"mine\n", b'{"op":"add","path":"/a","value":1}\n'):
+            self.write("other", mine)
+            self.assertIn(b"is not a recording", self.parse("a", "--record", "other", status=2).stderr)
+            self.assertEqual((self.folder / "other").read_bytes(), mine)
         self.parse("a", "--record", "other", "--force")
         first = (self.folder / "other").read_bytes()
         self.assertTrue(first.startswith(b'{"op":"document"}\n'))
