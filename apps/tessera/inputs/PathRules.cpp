@@ -4,9 +4,6 @@
 #include <git2.h>
 #include <git2/sys/repository.h>
 
-#include <algorithm>
-#include <memory>
-
 #include "tessera/diagnostics/Problem.hpp"
 
 namespace tessera::inputs {
@@ -87,25 +84,29 @@ void PathRules::GitLibrary::check(int result, const std::string& what) const {
        .remedy = "correct it, or add --no-ignore"});
 }
 
-/// Patterns that match a path or not, in a repository in memory.
+/// Finds whether the last of some patterns that matches a path selects it.
+///
+/// libgit2 leaves out a negation if it sees no earlier rule that the negation could change, and
+/// asks the directories above about a path that no rule matches. Here a rule that matches
+/// everything comes first, and a pattern that selects is a negation, so neither happens.
 class PathRules::Patterns {
  public:
   Patterns() {
-    git.check(git.newRepository(&repository), "repository");
+    git_repository* made = nullptr;
+    git.check(git.newRepository(&made), "repository");
+    repository.reset(made);
     add(kAnything);
   }
-  ~Patterns() { git.freeRepository(repository); }
-  Patterns(const Patterns&) = delete;
-  Patterns& operator=(const Patterns&) = delete;
 
-  /// libgit2 leaves out a negation if it sees no earlier rule that the negation could change, and
-  /// asks the directories above about a path that no rule matches. Here each pattern is a negation
-  /// and follows a rule that matches everything, so neither happens.
-  void addPattern(std::string_view pattern) { add('!' + std::string(pattern)); }
+  void addSelecting(std::string_view pattern) { add('!' + std::string(pattern)); }
+  void addOther(std::string_view pattern) {
+    const bool isEscaped = pattern.starts_with('!') || pattern.starts_with('#');
+    add((isEscaped ? "\\" : "") + std::string(pattern));
+  }
 
-  bool match(const std::string& path) const {
+  bool select(const std::string& path) const {
     int isIgnored = 0;
-    git.check(git.isIgnored(&isIgnored, repository, path.c_str()), path);
+    git.check(git.isIgnored(&isIgnored, repository.get(), path.c_str()), path);
     return isIgnored == 0;
   }
 
@@ -113,26 +114,26 @@ class PathRules::Patterns {
   // libgit2 does not count "*" as a rule that a negation could change.
   static constexpr const char* kAnything = "?*";
 
-  void add(const std::string& rule) { git.check(git.addRule(repository, rule.c_str()), rule); }
+  void add(const std::string& rule) {
+    git.check(git.addRule(repository.get(), rule.c_str()), rule);
+  }
 
   const GitLibrary& git = GitLibrary::get();
-  git_repository* repository = nullptr;
-};
-
-/// The patterns of rules in a row that all select, or all take back.
-struct PathRules::Group {
-  bool selects;
-  std::unique_ptr<Patterns> patterns;
+  std::unique_ptr<git_repository, decltype(&::git_repository_free)> repository{nullptr,
+                                                                               git.freeRepository};
 };
 
 PathRules::PathRules(const std::vector<std::string_view>& lines) {
   for (const std::string_view line : lines) {
     if (line.empty() || line.starts_with('#')) continue;
-    const bool selects = !line.starts_with('!');
-    if (groups.empty() || groups.back().selects != selects) {
-      groups.push_back({selects, std::make_unique<Patterns>()});
+    if (!all) {
+      all = std::make_unique<Patterns>();
+      selecting = std::make_unique<Patterns>();
     }
-    groups.back().patterns->addPattern(selects ? line : line.substr(1));
+    const bool selects = !line.starts_with('!');
+    const std::string_view pattern = selects ? line : line.substr(1);
+    all->addSelecting(pattern);
+    selects ? selecting->addSelecting(pattern) : selecting->addOther(pattern);
   }
 }
 
@@ -146,11 +147,8 @@ bool PathRules::canRead(std::string_view line) noexcept {
 }
 
 std::optional<bool> PathRules::select(const std::string& path) const {
-  const auto deciding = std::find_if(groups.rbegin(), groups.rend(), [&path](const Group& group) {
-    return group.patterns->match(path);
-  });
-  if (deciding == groups.rend()) return std::nullopt;
-  return deciding->selects;
+  if (!all || !all->select(path)) return std::nullopt;
+  return selecting->select(path);
 }
 
 }  // namespace tessera::inputs

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,10 +33,10 @@ class PathRules {
  private:
   struct GitLibrary;
   class Patterns;
-  struct Group;
 
-  // In the order of the lines.
-  std::vector<Group> groups;
+  // Select what any rule matches, and what the last rule that matches selects. Null without a rule.
+  std::unique_ptr<Patterns> all;
+  std::unique_ptr<Patterns> selecting;
 };
 
 }  // namespace tessera::inputs

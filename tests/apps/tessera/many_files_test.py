@@ -130,10 +130,10 @@ class Inputs(ManyFiles):
 
     @unittest.skipUnless(shutil.which("git"), "git is not installed")
     def test_gitignore_files_exclude_what_git_excludes(self):
-        names = ["a", "b", "ab", "a.py", "b.py", "[a]"]
+        names = ["a", "b", "ab", "a.py", "b.py", "[a]", "!a", "#b"]
         folders = ["", "a/", "d/", "d/a/", "d/e/", "d/e/b/"]
         patterns = ["a", "b", "ab", "*", "*.py", "?", "[ab]", "[!a].py", "a*", "\\[a]", "e", "b/", "*/", "d/a", "/a",
-                    "**/b", "d/**", "a/**", "e/*.py", "/*/a", "**/e/a.py", "", "# a", "\\a", "a ", "b.py\r"]
+                    "**/b", "d/**", "a/**", "e/*.py", "/*/a", "**/e/a.py", "", "# a", "\\a", "a ", "b.py\r", "\\#b", "#b", "!a"]
         environment = {**os.environ, "HOME": str(self.folder), "GIT_CONFIG_NOSYSTEM": "1"}
         for folder, name in itertools.product(folders, names):
             if name + "/" not in [f.removeprefix(folder) for f in folders]:
