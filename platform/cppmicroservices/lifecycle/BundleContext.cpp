@@ -138,10 +138,6 @@ void BundleContext::RemoveListener(ListenerToken token) {
   valid().core->listeners.remove(token);
 }
 
-BundleContext detail::MakeBundleContext(BundleContextPrivate* handle) {
-  return handle->bundle.context(handle->bundle.shared_from_this());
-}
-
 void detail::sendFrameworkEvent(const BundleContext& context, const FrameworkEvent& event) {
   BundlePrivate::of(context).core->listeners.send(event);
 }

@@ -16,16 +16,7 @@
 #include "cppmicroservices/BundleVersion.h"
 #include "registry/ServiceClient.hpp"
 
-namespace cppmicroservices {
-
-/// The context of a bundle as the bundle's library stores it.
-class BundleContextPrivate {
- public:
-  explicit BundleContextPrivate(detail::BundlePrivate& bundle) : bundle(bundle) {}
-  detail::BundlePrivate& bundle;
-};
-
-namespace detail {
+namespace cppmicroservices::detail {
 
 class FrameworkCore;
 
@@ -117,7 +108,6 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
   /// makes its context invalid.
   void closeContext() noexcept;
 
-  BundleContextPrivate handle{*this};
   std::mutex mutex;
   std::condition_variable changed;
 
@@ -130,5 +120,4 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
   std::atomic<std::uint64_t> generation = 0;
 };
 
-}  // namespace detail
-}  // namespace cppmicroservices
+}  // namespace cppmicroservices::detail

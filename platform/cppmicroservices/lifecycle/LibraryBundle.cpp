@@ -2,12 +2,9 @@
 
 #include <dlfcn.h>
 
-#include <map>
-#include <mutex>
 #include <new>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
 #include "cppmicroservices/Constants.h"
 #include "lifecycle/FrameworkCore.hpp"
@@ -30,22 +27,6 @@ const std::string kCreateActivator = "_us_create_activator_";
 const std::string kDestroyActivator = "_us_destroy_activator_";
 
 namespace elf = quenlith::elf;
-
-using SetContext = void (*)(BundleContextPrivate*);
-
-// The contexts that each library was given, by the function that sets the one that it uses. There
-// are several when several frameworks have started its bundle: a library has room for one, that of
-// the last start.
-struct LibraryContexts {
-  std::mutex mutex;
-  std::map<SetContext, std::vector<BundleContextPrivate*>> given;
-};
-
-// Never destroyed: a framework may stop when the process ends.
-LibraryContexts& libraryContexts() {
-  static LibraryContexts& contexts = *new LibraryContexts;
-  return contexts;
-}
 
 std::string ownFile() {
   return elf::fileOfCode(reinterpret_cast<const void*>(&ownFile));
@@ -130,7 +111,7 @@ void LibraryBundle::activate() {
   enter(Bundle::STATE_STARTING, BundleEvent::BUNDLE_STARTING);
   try {
     loadLibrary();
-    giveContext();
+    if (contexts != nullptr) contexts->give(shared_from_this());
     if (hasActivator(headers)) startActivator();
   } catch (...) {
     enter(Bundle::STATE_STOPPING, BundleEvent::BUNDLE_STOPPING);
@@ -156,32 +137,14 @@ std::exception_ptr LibraryBundle::deactivate() noexcept {
 void LibraryBundle::finishStop() noexcept {
   // The library has its context until its services are gone: their destructors may use it.
   closeContext();
-  takeContextBack();
+  if (contexts != nullptr) contexts->takeBack(weak_from_this());
   enter(Bundle::STATE_RESOLVED, BundleEvent::BUNDLE_STOPPED);
-}
-
-void LibraryBundle::giveContext() {
-  if (setContext == nullptr) return;
-  LibraryContexts& contexts = libraryContexts();
-  const std::lock_guard lock(contexts.mutex);
-  contexts.given[setContext].push_back(&handle);
-  setContext(&handle);
-}
-
-void LibraryBundle::takeContextBack() noexcept {
-  if (setContext == nullptr) return;
-  LibraryContexts& contexts = libraryContexts();
-  const std::lock_guard lock(contexts.mutex);
-  const auto entry = contexts.given.find(setContext);
-  if (entry == contexts.given.end()) return;
-  std::erase(entry->second, &handle);
-  setContext(entry->second.empty() ? nullptr : entry->second.back());
-  if (entry->second.empty()) contexts.given.erase(entry);
 }
 
 void LibraryBundle::loadLibrary() {
   if (library == nullptr) openLibrary();
-  setContext = reinterpret_cast<SetContext>(symbol(kSetContext));
+  const auto set = reinterpret_cast<BundleContextPrivate::Set>(symbol(kSetContext));
+  contexts = set == nullptr ? nullptr : &BundleContextPrivate::of(set);
 }
 
 void LibraryBundle::openLibrary() {

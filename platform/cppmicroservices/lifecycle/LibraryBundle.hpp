@@ -4,6 +4,7 @@
 #include <string>
 
 #include "lifecycle/BundlePrivate.hpp"
+#include "lifecycle/LibraryContexts.hpp"
 
 namespace cppmicroservices {
 struct BundleActivator;
@@ -31,7 +32,6 @@ class LibraryBundle final : public BundlePrivate {
   const std::size_t libraryBundleCount;
 
  private:
-  using SetContext = void (*)(BundleContextPrivate*);
   using CreateActivator = BundleActivator* (*)();
   using DestroyActivator = void (*)(BundleActivator*);
 
@@ -42,8 +42,6 @@ class LibraryBundle final : public BundlePrivate {
   void finishStop() noexcept;
   void reportFailedStop(const char* occasion, const std::exception_ptr& cause) noexcept;
 
-  void giveContext();
-  void takeContextBack() noexcept;
   void loadLibrary();
   void openLibrary();
   void* symbol(const std::string& prefix) const;
@@ -53,9 +51,8 @@ class LibraryBundle final : public BundlePrivate {
   [[noreturn]] void throwActivatorFailed(const char* action, const std::exception_ptr& cause) const;
 
   void* library = nullptr;
-  // Looked up at the start, so that a stop allocates nothing. A library does not have to take its
-  // context.
-  SetContext setContext = nullptr;
+  // Looked up at the start, so that a stop allocates nothing. Null if the library takes no context.
+  BundleContextPrivate* contexts = nullptr;
   DestroyActivator destroy = nullptr;
   BundleActivator* activator = nullptr;
 };

@@ -102,6 +102,16 @@ TEST_F(Lifecycle, LibraryHasAContextWhileItsBundleRuns) {
   EXPECT_FALSE(script->contextOfBundle());
 }
 
+TEST_F(Lifecycle, StoredContextMayBeUsedAfterItsBundleIsUninstalled) {
+  bundle.Start();
+  BundleContextPrivate* const stored = script->storedContext();
+  EXPECT_EQ(detail::MakeBundleContext(stored).GetBundle(), bundle);
+  bundle.Uninstall();
+  EXPECT_FALSE(detail::MakeBundleContext(stored));
+  bundle = {};
+  EXPECT_FALSE(detail::MakeBundleContext(stored));
+}
+
 TEST_F(Lifecycle, StopWaitsForAStartInAnotherThread) {
   std::promise<void> entered;
   std::promise<void> leave;

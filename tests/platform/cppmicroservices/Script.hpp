@@ -15,6 +15,9 @@ struct Script {
   /// The function of the bundle's library that returns its context. The activator's constructor
   /// sets it.
   cppmicroservices::BundleContext (*contextOfBundle)() = nullptr;
+
+  /// Returns what the library has stored of its context. The activator's constructor sets it.
+  cppmicroservices::BundleContextPrivate* (*storedContext)() = nullptr;
 };
 
 }  // namespace embedded_framework

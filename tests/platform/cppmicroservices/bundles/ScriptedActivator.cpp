@@ -10,6 +10,7 @@ class ScriptedActivator : public cppmicroservices::BundleActivator {
   ScriptedActivator() {
     const auto given = script(cppmicroservices::GetBundleContext());
     given->contextOfBundle = [] { return cppmicroservices::GetBundleContext(); };
+    given->storedContext = US_GET_CTX_FUNC(US_BUNDLE_NAME);
     given->make();
   }
   void Start(cppmicroservices::BundleContext context) override { script(context)->start(context); }
