@@ -8,7 +8,8 @@ namespace {
 
 using fl::i18n::ustring;
 
-// A text of `count` units, then that many markers; `range` returns the range of each as text.
+// A text of 2 * `count` + 2 units, then `count` markers; `range` returns the range of each one. A
+// family should have the same share of usable ranges in each size.
 template <typename Range>
 Family ranges(std::string name, Range range) {
   return {std::move(name), [range](std::size_t size) {
@@ -45,7 +46,7 @@ std::vector<Family> rangeFamilies() {
       ranges("ranges over one gap", [](std::size_t, std::size_t n) { return Range(n, n + 1); }),
       ranges("one range of all markers",
              [](std::size_t, std::size_t n) { return Range(0, 2 * n + 1); }),
-      ranges("ranges in conflict", [](std::size_t i, std::size_t) { return Range(i, i + 100); }),
+      ranges("ranges in conflict", [](std::size_t i, std::size_t n) { return Range(i, i + n); }),
       ranges("empty ranges", [](std::size_t i, std::size_t) { return Range(i, i); }),
       ranges("ranges past the end",
              [](std::size_t i, std::size_t n) { return Range(i, 1000 * n + i); }),
