@@ -31,18 +31,6 @@ set(CPACK_QUENLITH_SOURCE "${PROJECT_SOURCE_DIR}")
 set(CPACK_QUENLITH_BUILD "${PROJECT_BINARY_DIR}")
 set(CPACK_QUENLITH_COMPILER "${CMAKE_CXX_COMPILER}")
 
-# Sets `result` to the package of this Debian system that owns the library loaded at run time as libNAME.
-function(quenlith_find_owner name result)
-  find_library(QUENLITH_LIBRARY_${name} ${name})
-  file(REAL_PATH "${QUENLITH_LIBRARY_${name}}" path)
-  set(${result} "" PARENT_SCOPE)
-  execute_process(COMMAND dpkg-query --search "${path}" RESULT_VARIABLE status OUTPUT_VARIABLE owner ERROR_QUIET)
-  if(status EQUAL 0)
-    string(REGEX REPLACE ":.*" "" owner "${owner}")
-    set(${result} "${owner}" PARENT_SCOPE)
-  endif()
-endfunction()
-
 # Writes which package other packages need for a library, and that a change of the libraries is noted.
 function(quenlith_write_control_files folder)
   get_property(names GLOBAL PROPERTY QUENLITH_LINKED)
@@ -63,8 +51,6 @@ quenlith_write_control_files("${PROJECT_BINARY_DIR}/package/control")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
   "${PROJECT_BINARY_DIR}/package/control/shlibs" "${PROJECT_BINARY_DIR}/package/control/triggers")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# Loaded when a directory is read, not linked.
-quenlith_find_owner(git2 CPACK_DEBIAN_PACKAGE_DEPENDS)
 find_package(Boost 1.75 REQUIRED)
 # What it takes to compile and link against the libraries.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS

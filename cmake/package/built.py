@@ -6,7 +6,6 @@ import re
 import subprocess
 
 NEEDED = re.compile(r"\(NEEDED\).*\[(.*)\]")
-LIBRARY_NAME = re.compile(rb"\x00(lib[A-Za-z0-9_+.-]*\.so(?:\.[0-9]+)*)(?=\x00)")
 
 
 def output_of(*command):
@@ -24,12 +23,6 @@ def is_linked(path):
 def needed_libraries(path):
     """Returns the names of the libraries that the loader loads for the file."""
     return NEEDED.findall(output_of("readelf", "--dynamic", "--wide", str(path)))
-
-
-def named_libraries(path):
-    """Returns the names of libraries that are texts of the file: it may load them when it runs."""
-    content = path.read_bytes()
-    return sorted({name.decode() for name in LIBRARY_NAME.findall(content)} - set(needed_libraries(path)))
 
 
 @functools.lru_cache(maxsize=None)

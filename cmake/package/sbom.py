@@ -117,12 +117,11 @@ class Component:
         known = built.library_paths()
         self.needed = built.needed_libraries(path)
         self.loaded = {known[name] for name in self.needed if name in known}
-        self.opened = {known[name] for name in built.named_libraries(path) if name in known}
         self.contained = build.static_libraries_of(output) | starts
         self.headers = build.headers_of(output)
 
     def paths(self):
-        return self.loaded | self.opened | self.contained | self.headers
+        return self.loaded | self.contained | self.headers
 
 
 class Relations:
@@ -145,14 +144,12 @@ class Relations:
         for name in component.needed:
             if name in self._by_library:
                 yield relationship(own, "DYNAMIC_LINK", identifier("Package", self._by_library[name].name))
-        loaded, opened = self._owning(component.loaded), self._owning(component.opened)
+        loaded = self._owning(component.loaded)
         for package in loaded:
             yield relationship(own, "DYNAMIC_LINK", identifier("Debian", package.name))
-        for package in opened:
-            yield relationship(own, "DEPENDS_ON", identifier("Debian", package.name), "loaded when it is needed")
         for package in self._owning(component.contained):
             yield relationship(own, "STATIC_LINK", identifier("Debian", package.name), "object files")
-        yield from self._of_headers(component, own, {package.source for package in [*loaded, *opened]})
+        yield from self._of_headers(component, own, {package.source for package in loaded})
 
     def _of_headers(self, component, own, shared_sources):
         for package in self._owning(component.headers):

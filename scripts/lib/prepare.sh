@@ -6,13 +6,13 @@ root=$(dirname "$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")")
 # libboost1.81-dev conflicts with libboost-dev (1.74): no package here may depend on the latter.
 buildPackages=(
   g++ cmake ninja-build pkg-config zip
-  libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libutf8proc-dev libgit2-dev libcpp-httplib-dev libminizip-dev nlohmann-json3-dev
+  libboost1.81-dev libboost-log1.81-dev librange-v3-dev libcli11-dev libutf8proc-dev libcpp-httplib-dev libminizip-dev nlohmann-json3-dev
 )
 # Chromium opens the page of `tessera parse --format html`; without it that test is skipped.
 testPackages=(
   chromium
   libgtest-dev libgmock-dev libicu-dev libzip-dev rapidjson-dev python3 python3-jsonschema
-  fish mandoc zsh dpkg-dev file doxygen python3-clang-14
+  fish mandoc zsh dpkg-dev file git doxygen python3-clang-14
 )
 gatePackages=(clang-format-14 clang-tidy-14 python3)
 benchPackages=(

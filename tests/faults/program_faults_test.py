@@ -289,8 +289,7 @@ class ProgramFaults(unittest.TestCase):
         self.inject({command: allocation_faults(command, "new", (False, True)) for command in COMMANDS})
 
     def test_malloc(self):
-        # Not from one call on: then libgit2 recurses without an end, and the C library ends a process that throws an
-        # exception through its functions.
+        # Not from one call on: then the C library ends a process that throws an exception through its functions.
         self.inject({command: allocation_faults(command, "malloc", (False,)) for command in COMMANDS})
 
     def require_tracer(self):

@@ -35,26 +35,25 @@ const char* remedyForReading(int error) {
 
 FileReader::FileReader(const std::string& name) : name(name) {
   if (name == "-") return;
-  descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) fail("cannot be opened", errno);
-  try {
-    examine();
-  } catch (...) {
-    ::close(descriptor);
-    throw;
-  }
+  take(Descriptor(::open(name.c_str(), O_RDONLY | O_CLOEXEC)));
+}
+
+FileReader::FileReader(const std::string& name, Descriptor file) : name(name) {
+  take(std::move(file));
 }
 
 FileReader::~FileReader() {
   if (descriptor != 0) ::close(descriptor);
 }
 
-void FileReader::examine() {
+void FileReader::take(Descriptor file) {
+  if (file.get() < 0) fail("cannot be opened", errno);
   struct stat status;
-  if (::fstat(descriptor, &status) != 0) fail("cannot be read", errno);
+  if (::fstat(file.get(), &status) != 0) fail("cannot be read", errno);
   if (S_ISDIR(status.st_mode)) fail("cannot be read", EISDIR);
   fileId = idOf(status);
   if (fileId) sizeBytes = static_cast<std::size_t>(status.st_size);
+  descriptor = file.release();
 }
 
 bool FileReader::looksBinary() {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "tessera/files/Descriptor.hpp"
 #include "tessera/files/FileId.hpp"
 
 namespace tessera::files {
@@ -14,6 +15,8 @@ class FileReader {
   /// Opens the file `name`; "-" is standard input. Throws ProblemError when it cannot be
   /// opened or is a directory.
   explicit FileReader(const std::string& name);
+  /// Reads an open file; `name` is for messages. Throws as the other form.
+  FileReader(const std::string& name, Descriptor file);
   ~FileReader();
   FileReader(const FileReader&) = delete;
   FileReader& operator=(const FileReader&) = delete;
@@ -34,7 +37,7 @@ class FileReader {
   std::size_t expectedSizeBytes() const noexcept { return sizeBytes; }
 
  private:
-  void examine();
+  void take(Descriptor file);
   std::size_t advance(std::size_t count, std::size_t wanted) noexcept;
   void awaitBytes() const;
   std::size_t readAhead(char* target, std::size_t size) noexcept;

@@ -1,14 +1,15 @@
 #include "tessera/files/readWhole.hpp"
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "tessera/files/FileReader.hpp"
 
 namespace tessera::files {
+namespace {
 
-std::string readWhole(const std::string& name) {
-  FileReader reader(name);
+std::string readAll(FileReader& reader) {
   std::string bytes;
   // Not on the stack, which may be small.
   std::vector<char> piece(64 * 1024);
@@ -16,6 +17,18 @@ std::string readWhole(const std::string& name) {
     bytes.append(piece.data(), count);
   }
   return bytes;
+}
+
+}  // namespace
+
+std::string readWhole(const std::string& name) {
+  FileReader reader(name);
+  return readAll(reader);
+}
+
+std::string readWhole(const std::string& name, Descriptor file) {
+  FileReader reader(name, std::move(file));
+  return readAll(reader);
 }
 
 }  // namespace tessera::files

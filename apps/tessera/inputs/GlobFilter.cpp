@@ -1,7 +1,6 @@
 #include "tessera/inputs/GlobFilter.hpp"
 
 #include <algorithm>
-#include <string_view>
 
 #include "tessera/diagnostics/Problem.hpp"
 
@@ -13,8 +12,7 @@ bool isExclusion(const std::string& glob) {
 }
 
 void requireUsable(const std::string& glob) {
-  const bool isLine = !glob.empty() && glob != "!" && glob.find('\n') == std::string::npos;
-  if (isLine && PathRules::canRead(glob)) return;
+  if (!glob.empty() && glob != "!") return;
   throw diagnostics::ProblemError(
       {.file = "tessera",
        .place = {},
@@ -25,28 +23,19 @@ void requireUsable(const std::string& glob) {
 }  // namespace
 
 GlobFilter::GlobFilter(const std::vector<std::string>& globs) {
-  if (globs.empty()) return;
   std::ranges::for_each(globs, requireUsable);
-  selectsAccepted = !std::ranges::all_of(globs, isExclusion);
-  std::vector<std::string_view> lines(globs.begin(), globs.end());
-  if (!selectsAccepted) {
-    for (std::string_view& line : lines) line.remove_prefix(1);
-  }
-  rules.emplace(lines);
-}
-
-bool GlobFilter::accept(const std::string& path) const {
-  return !rules || select(path) == selectsAccepted;
+  acceptsOthers = std::ranges::all_of(globs, isExclusion);
+  for (const std::string& glob : globs) rules.add(glob);
 }
 
 /// What no glob matches is like the directory that it is in.
-bool GlobFilter::select(std::string path) const {
+bool GlobFilter::accept(std::string_view path) const {
   while (!path.empty()) {
-    if (const auto selected = rules->select(path)) return *selected;
-    path.pop_back();
-    path.resize(path.rfind('/') + 1);
+    if (const auto selected = rules.select(path)) return *selected;
+    path.remove_suffix(1);
+    path = path.substr(0, path.rfind('/') + 1);
   }
-  return false;
+  return acceptsOthers;
 }
 
 }  // namespace tessera::inputs

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tessera/inputs/PathRules.hpp"
@@ -12,18 +12,16 @@ namespace tessera::inputs {
 /// of them exclude, everything else is accepted. Without a glob everything is.
 class GlobFilter {
  public:
-  /// Throws ProblemError for a glob that cannot be used, and as PathRules does.
+  /// Throws ProblemError for an empty glob.
   explicit GlobFilter(const std::vector<std::string>& globs);
 
   /// `path` is that of a file, relative to the directory that the user named.
-  bool accept(const std::string& path) const;
+  bool accept(std::string_view path) const;
 
  private:
-  bool select(std::string path) const;
-
-  std::optional<PathRules> rules;
-  // Whether the rules select what is accepted, not what is excluded.
-  bool selectsAccepted = false;
+  PathRules rules;
+  // Whether what no glob matches is accepted.
+  bool acceptsOthers = true;
 };
 
 }  // namespace tessera::inputs

@@ -1,16 +1,18 @@
 #include "tessera/inputs/IgnoreFiles.hpp"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/Descriptor.hpp"
 #include "tessera/files/readWhole.hpp"
 
 namespace tessera::inputs {
@@ -21,38 +23,60 @@ namespace fs = std::filesystem;
 constexpr std::string_view kName = ".gitignore";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-[[noreturn]] void failReading(const std::string& path, std::optional<diagnostics::Place> place,
-                              const std::string& what) {
+[[noreturn]] void failReading(const std::string& path, const std::string& what) {
   throw diagnostics::ProblemError(
-      {.file = path, .place = place, .what = what, .remedy = "correct it, or add --no-ignore"});
+      {.file = path, .place = {}, .what = what, .remedy = "correct it, or add --no-ignore"});
 }
 
-std::vector<std::string_view> linesOf(std::string_view text) {
-  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
-  std::vector<std::string_view> lines;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    lines.push_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
+/// Returns the file if there is one and it is not a symbolic link, which git does not follow here,
+/// either. A pipe would have to be waited for.
+std::optional<files::Descriptor> openRules(const std::string& path) {
+  constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  files::Descriptor file(::open(path.c_str(), kFlags));
+  if (file.get() < 0) {
+    if (errno == ENOENT || errno == ELOOP) return std::nullopt;
+    failReading(path, "cannot be opened: " + std::generic_category().message(errno));
   }
-  return lines;
-}
-
-/// Returns the rules of a .gitignore file, or none if there is none. A pipe would have to be waited
-/// for.
-std::optional<PathRules> readRules(const std::string& path) {
   struct stat status;
-  if (::stat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return std::nullopt;
-  if (!S_ISREG(status.st_mode)) failReading(path, {}, "is not a regular file");
-  const std::string text = files::readWhole(path);
-  const std::vector<std::string_view> lines = linesOf(text);
-  const auto unreadable = std::ranges::find_if_not(lines, PathRules::canRead);
-  if (unreadable != lines.end()) {
-    const auto number = static_cast<std::uint64_t>(unreadable - lines.begin() + 1);
-    failReading(path, diagnostics::Place{number, 1},
-                "the line begins with a vertical tab or a form feed");
+  if (::fstat(file.get(), &status) != 0) {
+    failReading(path, "cannot be read: " + std::generic_category().message(errno));
   }
-  return PathRules(lines);
+  if (S_ISDIR(status.st_mode)) return std::nullopt;
+  if (!S_ISREG(status.st_mode)) failReading(path, "is not a regular file");
+  return file;
+}
+
+/// Spaces at the end do not count, unless "\" comes before them.
+std::string_view trimEnd(std::string_view line) {
+  std::size_t size = 0;
+  for (std::size_t place = 0; place < line.size(); ++place) {
+    if (line[place] == ' ') continue;
+    if (line[place] == '\\') ++place;
+    size = std::min(place + 1, line.size());
+  }
+  return line.substr(0, size);
+}
+
+/// Calls `use` with the rule in each line that has one.
+template <class Use>
+void forEachRule(std::string_view text, const Use& use) {
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  while (!text.empty()) {
+    std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    line = trimEnd(line.substr(0, line.find('\0')));
+    if (!line.empty() && !line.starts_with('#')) use(line);
+  }
+}
+
+/// Returns the rules of a .gitignore file, or nothing if there is none.
+std::optional<PathRules> readRules(const std::string& path) {
+  auto file = openRules(path);
+  if (!file) return std::nullopt;
+  PathRules rules;
+  forEachRule(files::readWhole(path, std::move(*file)), [&](auto rule) { rules.add(rule); });
+  return rules;
 }
 
 /// Returns the root of the git work tree that contains `directory`, or `directory` without one.

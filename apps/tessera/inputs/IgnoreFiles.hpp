@@ -15,7 +15,7 @@ namespace tessera::inputs {
 class IgnoreFiles {
  public:
   /// Does not look into the directory. Throws ProblemError when a .gitignore file above it cannot
-  /// be read, and as PathRules does.
+  /// be read.
   explicit IgnoreFiles(const std::string& directory);
 
   /// Reads the .gitignore file `name` of the directory `path`, which is relative to the directory
@@ -24,8 +24,7 @@ class IgnoreFiles {
   void enter(const std::string& path, const std::string& name);
 
   /// `path` is relative to the directory; that of a directory ends in "/". Call it for the paths in
-  /// the order of a walk, and not for those in a directory that is excluded. Throws as PathRules
-  /// does.
+  /// the order of a walk, and not for those in a directory that is excluded.
   bool exclude(const std::string& path);
 
  private:

@@ -18,6 +18,7 @@ import re
 import resource
 import shutil
 import signal
+import socket
 import struct
 import subprocess
 import sys
@@ -128,12 +129,14 @@ class Inputs(ManyFiles):
         # Who names an excluded directory wants its files.
         self.assertEqual(self.files("t/build"), ["t/build/x"])
 
-    @unittest.skipUnless(shutil.which("git"), "git is not installed")
     def test_gitignore_files_exclude_what_git_excludes(self):
-        names = ["a", "b", "ab", "a.py", "b.py", "[a]", "!a", "#b"]
+        names = ["a", "b", "ab", "a.py", "b.py", "[a]", "!a", "#b", "a ", "x\\", "]", "-", "^", "Z", "a\tb", "é"]
         folders = ["", "a/", "d/", "d/a/", "d/e/", "d/e/b/"]
         patterns = ["a", "b", "ab", "*", "*.py", "?", "[ab]", "[!a].py", "a*", "\\[a]", "e", "b/", "*/", "d/a", "/a",
-                    "**/b", "d/**", "a/**", "e/*.py", "/*/a", "**/e/a.py", "", "# a", "\\a", "a ", "b.py\r", "\\#b", "#b", "!a"]
+                    "**/b", "d/**", "a/**", "e/*.py", "/*/a", "**/e/a.py", "", "# a", "\\a", "a ", "b.py\r", "\\#b", "#b", "!a", "//", "/", "\\", "/\\", "\\/", "a\\ ",
+                    "a\t", "\va", "\f", "a\0b"]
+        pieces = ["a", "b", "*", "**", "/", "?", "[ab]", "[!a]", "[^b]", "[a-c]", "[]-a]", "[a-]", "[z-a]", "[[:alpha:]]",
+                  "[[:upper:]-]", "[[:none:]]", "[[:]", "[\\]]", "[", "]", "\\", " ", "!", "d", "e", ".py", "**/", "/**", "é"]
         environment = {**os.environ, "HOME": str(self.folder), "GIT_CONFIG_NOSYSTEM": "1"}
         for folder, name in itertools.product(folders, names):
             if name + "/" not in [f.removeprefix(folder) for f in folders]:
@@ -141,9 +144,16 @@ class Inputs(ManyFiles):
         tree = self.folder / "t"
         subprocess.run(["git", "init", "-q", tree], env=environment, check=True, capture_output=True)
         rng = random.Random(4)
+
+
+        def choose_pattern():
+            if rng.random() < 0.5:
+                return rng.choice(patterns)
+            return "".join(rng.choice(pieces) for _ in range(rng.randrange(1, 6)))
+
         for case in range(150):
             for folder in folders:
-                lines = [rng.choice(["", "", "!"]) + rng.choice(patterns) for _ in range(rng.randrange(4))]
+                lines = [rng.choice(["", "", "!"]) + choose_pattern() for _ in range(rng.randrange(4))]
                 (tree / folder / ".gitignore").write_text("\n".join(lines))
             shown = subprocess.run(["git", "ls-files", "-o", "-z", "--exclude-standard"], cwd=tree, env=environment,
                                    check=True, capture_output=True).stdout.decode().split("\0")
@@ -164,25 +174,35 @@ class Inputs(ManyFiles):
         self.assertEqual(self.files("t/b/deep"), [])
         self.assertEqual(self.files("t/b"), ["t/b/x"])
 
-    def test_a_gitignore_that_cannot_be_read_ends_the_run_with_its_place(self):
+    def test_the_last_line_of_a_gitignore_that_matches_counts(self):
+        for name in ("a", "b"):
+            self.write(f"t/{name}")
+        for rules, names in ((b"\xef\xbb\xbfa", "b"), (b"*\n!b", "b"), (b"!b\n*", ""), (b"a\0b\n", "b"), (b"b\n\0a", "a")):
+            self.write("t/.gitignore", rules)
+            self.assertEqual(self.files("t"), [f"t/{name}" for name in names], rules)
+
+    def test_a_gitignore_that_cannot_be_read_ends_the_run(self):
         self.write("t/s/a.py")
         rules = self.folder / "t/.gitignore"
-        for line in (b"\v", b"\fx", b"!\v", b"/\f", b" \t\v", b"\r!\v", b"! /\v"):
-            for before, number in ((b"", 1), (b"\xef\xbb\xbf", 1), (b"*.o\n\n", 3)):
-                with self.subTest(line=line, before=before):
-                    rules.write_bytes(before + line + b"\n*.py\n")
-                    message = self.parse("t", status=2).stderr.decode()
-                    self.assertIn(f"t/.gitignore:{number}:1: error: the line begins with a vertical tab or a form feed; "
-                                  "correct it, or add --no-ignore", message)
-        (self.folder / "t/.git").mkdir()
-        self.assertIn(f"{rules}:3:1: ", self.parse("t/s", status=2).stderr.decode())
-        self.assertEqual(self.files("t", "--no-ignore"), ["t/s/a.py"])
-        rules.unlink()
         os.mkfifo(rules)
-        self.assertIn("t/.gitignore: error: is not a regular file; ", self.parse("t", status=2).stderr.decode())
+        self.assertIn("t/.gitignore: error: is not a regular file; correct it, or add --no-ignore",
+                      self.parse("t", status=2).stderr.decode())
+        self.assertEqual(self.files("t", "--no-ignore"), ["t/s/a.py"])
+        (self.folder / "t/.git").mkdir()
+        self.assertIn(f"{rules}: error: is not a regular file; ", self.parse("t/s", status=2).stderr.decode())
         rules.unlink()
-        rules.write_bytes(b"a\vb\n\\\v\n\t*.o\n")
+        with socket.socket(socket.AF_UNIX) as name:
+            name.bind(str(rules))
+            self.assertIn("t/.gitignore: error: cannot be opened: ", self.parse("t", status=2).stderr.decode())
+        rules.unlink()
+        rules.mkdir()
         self.assertEqual(self.files("t"), ["t/s/a.py"])
+
+    def test_a_gitignore_that_is_a_symbolic_link_is_not_read(self):
+        self.write("rules", b"*\n")
+        self.write("t/a.py")
+        (self.folder / "t/.gitignore").symlink_to("../rules")
+        self.assertEqual(self.files("t"), ["t/a.py"])
 
     def test_globs_choose_among_the_files_of_directories(self):
         for name in ("t/a.py", "t/b.c", "t/s/c.py", "t/s/d.c"):
@@ -194,7 +214,14 @@ class Inputs(ManyFiles):
         self.assertEqual(self.files("t", "--glob", "/s/*.c", "--glob", "!d.c"), [])
         self.assertEqual(self.files("t", "--glob", "/s/", "--glob", "!d.c"), ["t/s/c.py"])
         self.assertEqual(self.files("t/b.c", "--glob", "*.py"), ["t/b.c"])
-        for glob in ("", "!", "a\nb", "\v", "!\f*.py", "/ \v"):
+        # A glob is no line of a file: it has no comments, and blanks at its end count.
+        for name in ("#b", "!c", "d ", "e\nf"):
+            self.write(f"u/{name}")
+            self.assertEqual(self.files("u", "--glob", "\\!c" if name == "!c" else name), [f"u/{name}"])
+            self.assertEqual(len(self.files("u", "--glob", "*", "--glob", "!" + name)),
+                             len(self.files("u", "--glob", "!" + name)))
+            self.assertNotIn(f"u/{name}", self.files("u", "--glob", "!" + name))
+        for glob in ("", "!"):
             with self.subTest(glob=glob):
                 self.assertIn("is not a glob", self.parse("t", "--glob", glob, status=2).stderr.decode())
 
