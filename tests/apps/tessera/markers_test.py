@@ -94,6 +94,11 @@ class Fates(unittest.TestCase):
             children = [child["kind"] for child in parsed(2 * (line + "\n"))["nodes"][1]["children"]]
             self.assertEqual("OutputNode" in children, fate == "node")
 
+    def test_one_of_two_ranges_fails_where_the_parser_counts_otherwise(self):
+        line = 'ab = 1 # <@output#o [0,2]> # <@output#o [41,199]> # <@task#"x%%\\"y"> tail\n'
+        fates = [marker["fates"] for marker in listed(2 * line)[:2]]
+        self.assertEqual(fates, [["node"], ["failure"]])
+
     def test_every_fate_has_a_golden_case_and_is_on_the_page(self):
         seen = {fate for source in SOURCES for marker in listed(source.read_text()) for fate in marker["fates"]}
         page = (ROOT / "docs" / "markers.md").read_text()

@@ -1,7 +1,7 @@
 #include "tessera/check/listing/listMarkers.hpp"
 
 #include <algorithm>
-#include <set>
+#include <map>
 #include <span>
 #include <string_view>
 #include <unordered_map>
@@ -29,16 +29,22 @@ using Name = std::pair<std::u16string_view, std::u16string_view>;
 
 constexpr std::u16string_view kRangeFailure = u"invalid_position_data";
 
+Name elementAndId(const FoundMarker& marker) {
+  return {marker.parts.element, marker.id};
+}
+
 /// The anchors and failures of one line, as the document has them.
 struct LineRecord {
   std::vector<std::u16string> anchors;
-  /// The ids of the failures on markers with the same element and id, which may be many.
-  hashing::KeyedMap<Name, std::set<std::u16string_view>> failureIds;
+  /// The ids of the failures on markers with the same element and id, which may be many, and how
+  /// many failures have each of these ids.
+  using FailureCounts = std::map<std::u16string_view, std::size_t>;
+  hashing::KeyedMap<Name, FailureCounts> failures;
 
-  const std::set<std::u16string_view>& failuresOf(const FoundMarker& marker) const {
-    static const std::set<std::u16string_view> kNone;
-    const auto found = failureIds.find({marker.parts.element, marker.id});
-    return found == failureIds.end() ? kNone : found->second;
+  const FailureCounts& failuresOf(const FoundMarker& marker) const {
+    static const FailureCounts kNone;
+    const auto found = failures.find(elementAndId(marker));
+    return found == failures.end() ? kNone : found->second;
   }
 };
 
@@ -58,7 +64,7 @@ LineRecords readDocument(const session::ParsedSnippet& snippet,
   }
   for (const RecordedFailure& failure : failures) {
     LineRecord& record = records[failure.line];
-    record.failureIds[{failure.element, failure.markerId}].insert(failure.failureId);
+    ++record.failures[{failure.element, failure.markerId}][failure.failureId];
   }
   return records;
 }
@@ -72,17 +78,36 @@ ListedMarker makeListed(const FoundMarker& found) {
 }
 
 /// The markers of one line, and what the document has for them. Borrows both.
-struct Line {
-  std::span<const FoundMarker> found;
-  const LineRecord& record;
-  LineRanges ranges{found};
+class Line {
+ public:
+  Line(std::span<const FoundMarker> found, const LineRecord& record)
+      : found(found), record(record), ranges(found) {
+    for (const FoundMarker& marker : found) {
+      if (marker.isOnAmbiguousLine && hasRange(marker)) ++rangeCounts[elementAndId(marker)];
+    }
+  }
 
   bool hasUsableRange(const FoundMarker& marker) const {
-    if (!marker.isMarker() || !marker.range) return false;
-    // The parser may have counted other positions.
-    if (marker.isOnAmbiguousLine) return !record.failuresOf(marker).contains(kRangeFailure);
+    if (!hasRange(marker)) return false;
+    if (marker.isOnAmbiguousLine) {
+      // The parser may have counted other positions.
+      const auto& failures = record.failuresOf(marker);
+      const auto failed = failures.find(kRangeFailure);
+      if (failed == failures.end()) return true;
+      if (failed->second >= rangeCounts.at(elementAndId(marker))) return false;
+    }
     return ranges.problemOf(marker.range->first, marker.range->second) == RangeProblem::kNone;
   }
+
+  const std::span<const FoundMarker> found;
+  const LineRecord& record;
+
+ private:
+  static bool hasRange(const FoundMarker& marker) { return marker.isMarker() && marker.range; }
+
+  LineRanges ranges;
+  // How many markers of an ambiguous line have each name and a range.
+  hashing::KeyedMap<Name, std::size_t> rangeCounts;
 };
 
 /// Finds what became of the markers of the code, line by line.
@@ -100,7 +125,7 @@ class CodeFates {
   void addLine(std::span<const FoundMarker> found, std::vector<ListedMarker>& listed) {
     static const LineRecord kNothing;
     const auto record = records.find(found.front().line);
-    const Line line{.found = found, .record = record == records.end() ? kNothing : record->second};
+    const Line line(found, record == records.end() ? kNothing : record->second);
     const auto hidden = findHidden(line);
     for (const FoundMarker& marker : found) {
       if (marker.isMarker()) listed.push_back(list(marker, line, hidden.contains(&marker)));
@@ -154,7 +179,7 @@ class CodeFates {
   /// A failure names an element and an id, and is about all such markers of its line. One about
   /// ranges is about those whose range cannot be used.
   static void addFailures(const FoundMarker& marker, const Line& line, ListedMarker& listed) {
-    for (const std::u16string_view id : line.record.failuresOf(marker)) {
+    for (const auto& [id, count] : line.record.failuresOf(marker)) {
       if (id == kRangeFailure && (!marker.range || line.hasUsableRange(marker))) continue;
       listed.failureIds.emplace_back(id);
     }
