@@ -1,6 +1,7 @@
 #include "lifecycle/LibraryContexts.hpp"
 
 #include <map>
+#include <ranges>
 
 #include "lifecycle/BundlePrivate.hpp"
 
@@ -33,14 +34,15 @@ void BundleContextPrivate::takeBack(const std::weak_ptr<BundlePrivate>& bundle) 
 }
 
 BundleContext BundleContextPrivate::last() const {
-  // Not in the lock: this may be the last reference.
-  const auto bundle = lastBundle();
-  return bundle == nullptr ? BundleContext() : bundle->context(bundle);
-}
-
-std::shared_ptr<BundlePrivate> BundleContextPrivate::lastBundle() const {
   const std::lock_guard lock(mutex);
-  return bundles.empty() ? nullptr : bundles.back().lock();
+  for (const auto& given : std::views::reverse(bundles)) {
+    // Never the last reference: a bundle that stops is kept until it has taken its context back.
+    const auto bundle = given.lock();
+    if (bundle == nullptr) continue;
+    // That of a bundle at the end of its stop is invalid already.
+    if (auto context = bundle->context(bundle)) return context;
+  }
+  return {};
 }
 
 BundleContext detail::MakeBundleContext(BundleContextPrivate* handle) {

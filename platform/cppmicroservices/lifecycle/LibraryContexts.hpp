@@ -26,12 +26,10 @@ class BundleContextPrivate {
   void give(const std::shared_ptr<detail::BundlePrivate>& bundle);
   void takeBack(const std::weak_ptr<detail::BundlePrivate>& bundle) noexcept;
 
-  /// Returns an invalid context when there is none.
+  /// Returns the last one that is valid, or an invalid one.
   BundleContext last() const;
 
  private:
-  std::shared_ptr<detail::BundlePrivate> lastBundle() const;
-
   const Set set;
   mutable std::mutex mutex;
   std::vector<std::weak_ptr<detail::BundlePrivate>> bundles;

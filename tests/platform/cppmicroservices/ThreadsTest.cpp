@@ -261,6 +261,29 @@ TEST_F(HostFramework, RegistryIsUsedFromSeveralThreadsAtOnce) {
   EXPECT_FALSE(context.GetServiceReference<Counter>());
 }
 
+TEST_F(HostFramework, LibraryHasAContextWhileItsBundleRunsInOneFramework) {
+  const auto script = std::make_shared<Script>();
+  const auto own = context.RegisterService<Script>(script);
+  context.InstallBundles(SCRIPTED_BUNDLE).at(0).Start();
+  Framework other = FrameworkFactory().NewFramework();
+  other.Start();
+  const auto others = other.GetBundleContext().RegisterService<Script>(script);
+  Bundle second = other.GetBundleContext().InstallBundles(SCRIPTED_BUNDLE).at(0);
+  std::atomic<bool> isOver = false;
+  auto user = std::async(std::launch::async, [&isOver, contextOf = script->contextOfBundle] {
+    // One that the bundle had may become invalid meanwhile.
+    long withoutContext = 0;
+    while (!isOver) withoutContext += contextOf() == BundleContext() ? 1 : 0;
+    return withoutContext;
+  });
+  for (int round = 0; round < 500; ++round) {
+    second.Start();
+    second.Stop();
+  }
+  isOver = true;
+  EXPECT_EQ(user.get(), 0);
+}
+
 TEST_F(HostFramework, LibraryInstalledByTwoThreadsIsInstalledOnce) {
   const auto install = [this] { return context.InstallBundles(SCRIPTED_BUNDLE); };
   for (int round = 0; round < 50; ++round) {
