@@ -1,7 +1,6 @@
 #include "tessera/inputs/PathRules.hpp"
 
 #include <algorithm>
-#include <ranges>
 
 #include "tessera/inputs/matchGlob.hpp"
 
@@ -28,9 +27,8 @@ std::optional<bool> PathRules::select(std::string_view path) const {
     if (rule.isForDirectories && !isDirectory) return false;
     return matchGlob(rule.pattern, rule.isForNames ? name : path);
   };
-  const auto newestFirst = std::views::reverse(rules);
-  const auto rule = std::ranges::find_if(newestFirst, matches);
-  return rule == newestFirst.end() ? std::nullopt : std::optional(rule->selects);
+  const auto last = std::find_if(rules.rbegin(), rules.rend(), matches);
+  return last == rules.rend() ? std::nullopt : std::optional(last->selects);
 }
 
 }  // namespace tessera::inputs

@@ -1,7 +1,6 @@
 #include "lifecycle/LibraryContexts.hpp"
 
 #include <map>
-#include <ranges>
 
 #include "lifecycle/BundlePrivate.hpp"
 
@@ -35,9 +34,9 @@ void BundleContextPrivate::takeBack(const std::weak_ptr<BundlePrivate>& bundle) 
 
 BundleContext BundleContextPrivate::last() const {
   const std::lock_guard lock(mutex);
-  for (const auto& given : std::views::reverse(bundles)) {
+  for (auto given = bundles.rbegin(); given != bundles.rend(); ++given) {
     // Never the last reference: a bundle that stops is kept until it has taken its context back.
-    const auto bundle = given.lock();
+    const auto bundle = given->lock();
     if (bundle == nullptr) continue;
     // That of a bundle at the end of its stop is invalid already.
     if (auto context = bundle->context(bundle)) return context;
