@@ -217,7 +217,7 @@ constexpr Command kCommands[] = {
      "The page is served to this machine only, at an address that nobody can guess. The command "
      "writes the address, opens it in a browser if there is one, and ends when the page has been "
      "closed for a while, or with Ctrl-C.",
-     kPaths, kViewGroups, kViewExamples},
+     kWatchedPaths, kViewGroups, kViewExamples},
     {"explain", "Say what a diagnostic of check means.", "", kExplainOperands, kExplainGroups,
      kExplainExamples},
     {"replay", "Call the parsers as a file says, call by call.",

@@ -78,6 +78,14 @@ inline constexpr Option kRunOptions[] = {
 };
 inline constexpr Group kRun{"Run and output", kRunOptions};
 
+inline constexpr Operand kWatchedPaths[] = {
+    {.name = "PATH",
+     .help = "A file, or a directory with all that is below.",
+     .isRequired = true,
+     .isRepeatable = true,
+     .substitute = "--files-from"},
+};
+
 inline constexpr Operand kPaths[] = {
     {.name = "PATH",
      .help = "A file, a directory with all that is below, or - for standard input.",

@@ -7,8 +7,8 @@
 #include "tessera/check/fixes/FixedText.hpp"
 #include "tessera/check/fixes/fixText.hpp"
 #include "tessera/diagnostics/terminalText.hpp"
-#include "tessera/files/FileReader.hpp"
 #include "tessera/files/RewritableFile.hpp"
+#include "tessera/inputs/openInput.hpp"
 
 namespace tessera::commands {
 
@@ -53,7 +53,7 @@ CheckedFile CheckJob::check(session::ParsedFile file, const std::string& path) {
 /// fixes.
 CheckResult CheckJob::fix(const std::string& path) {
   if (input().isFound) {
-    files::FileReader reader(path);
+    files::FileReader reader = inputs::openInput(input());
     skipIfLeftOut(reader);
   }
   // A folder in which the file was found may have become a symbolic link meanwhile.

@@ -56,8 +56,8 @@ enum class ExplainFormat { kText, kMarkdown };
 
 struct ExplainOptions {
   ExplainFormat format = ExplainFormat::kText;
-  /// Empty: all diagnostics.
-  std::string id;
+  /// Nothing: all diagnostics.
+  std::optional<std::string> id;
 };
 
 enum class MarkersFormat { kText, kJson };

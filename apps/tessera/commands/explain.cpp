@@ -44,8 +44,8 @@ const CatalogueEntry& requireEntry(const std::string& id) {
 
 std::string textOf(const ExplainOptions& options) {
   const bool isMarkdown = options.format == ExplainFormat::kMarkdown;
-  if (options.id.empty()) return isMarkdown ? describeCatalogue() : listEntries();
-  const CatalogueEntry& entry = requireEntry(options.id);
+  if (!options.id) return isMarkdown ? describeCatalogue() : listEntries();
+  const CatalogueEntry& entry = requireEntry(*options.id);
   return isMarkdown ? describeAsMarkdown(entry) : describeAsText(entry);
 }
 

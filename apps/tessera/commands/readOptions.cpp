@@ -213,6 +213,8 @@ CheckOptions readCheckOptions(const Arguments& arguments) {
   options.bundles = readBundles(arguments);
   options.pieces = readPieces(arguments);
   options.run = readRun(arguments);
+  // Its markers would have partners "in another file", and it would be fixed twice.
+  options.run.inputs.dropsRepeated = true;
   return options;
 }
 

@@ -1,8 +1,10 @@
 #include "tessera/files/FileReader.hpp"
 
 #include <fcntl.h>
+#include <linux/openat2.h>
 #include <poll.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,6 +12,7 @@
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/OpenFolder.hpp"
 
 namespace tessera::files {
 namespace {
@@ -31,29 +34,57 @@ const char* remedyForReading(int error) {
   }
 }
 
+/// Opens the file `path`, but follows symbolic links in the first `followed` bytes only. Does not
+/// wait until a pipe has a writer.
+Descriptor openBelow(const std::string& path, std::size_t followed) {
+  constexpr int kFlags = O_RDONLY | O_NONBLOCK;
+  struct open_how how = {};
+  how.flags = kFlags | O_CLOEXEC;
+  how.resolve = RESOLVE_NO_SYMLINKS;
+  const auto number = ::syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof(how));
+  if (number >= 0) return Descriptor(static_cast<int>(number));
+  // There is a link, perhaps one to follow, or the system does not have that call.
+  const OpenFolder folder(path, followed);
+  return Descriptor(folder.isOpen() ? folder.open(nameOfFile(path), kFlags) : -1);
+}
+
 }  // namespace
 
 FileReader::FileReader(const std::string& name) : name(name) {
   if (name == "-") return;
-  take(Descriptor(::open(name.c_str(), O_RDONLY | O_CLOEXEC)));
+  Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+  examine(file);
+  descriptor = file.release();
+}
+
+FileReader::FileReader(const std::string& name, std::size_t followed) : name(name) {
+  Descriptor file = openBelow(name, followed);
+  examine(file);
+  if (!fileId) {
+    throw diagnostics::ProblemError({.file = name,
+                                     .place = {},
+                                     .what = "cannot be read: it is not a regular file any more",
+                                     .remedy = "try again when no other program replaces it"});
+  }
+  descriptor = file.release();
 }
 
 FileReader::FileReader(const std::string& name, Descriptor file) : name(name) {
-  take(std::move(file));
+  examine(file);
+  descriptor = file.release();
 }
 
 FileReader::~FileReader() {
   if (descriptor != 0) ::close(descriptor);
 }
 
-void FileReader::take(Descriptor file) {
+void FileReader::examine(const Descriptor& file) {
   if (file.get() < 0) fail("cannot be opened", errno);
   struct stat status;
   if (::fstat(file.get(), &status) != 0) fail("cannot be read", errno);
   if (S_ISDIR(status.st_mode)) fail("cannot be read", EISDIR);
   fileId = idOf(status);
   if (fileId) sizeBytes = static_cast<std::size_t>(status.st_size);
-  descriptor = file.release();
 }
 
 bool FileReader::looksBinary() {

@@ -15,7 +15,11 @@ class FileReader {
   /// Opens the file `name`; "-" is standard input. Throws ProblemError when it cannot be
   /// opened or is a directory.
   explicit FileReader(const std::string& name);
-  /// Reads an open file; `name` is for messages. Throws as the other form.
+  /// Opens a file that was found below a folder, so that it is not one elsewhere: symbolic links
+  /// are followed in the first `followed` bytes of `name` only, which end after a slash. Also
+  /// throws when it is not a regular file: it has been replaced since.
+  FileReader(const std::string& name, std::size_t followed);
+  /// Reads an open file; `name` is for messages. Throws as the first form.
   FileReader(const std::string& name, Descriptor file);
   ~FileReader();
   FileReader(const FileReader&) = delete;
@@ -37,7 +41,7 @@ class FileReader {
   std::size_t expectedSizeBytes() const noexcept { return sizeBytes; }
 
  private:
-  void take(Descriptor file);
+  void examine(const Descriptor& file);
   std::size_t advance(std::size_t count, std::size_t wanted) noexcept;
   void awaitBytes() const;
   std::size_t readAhead(char* target, std::size_t size) noexcept;

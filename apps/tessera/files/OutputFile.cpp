@@ -38,15 +38,19 @@ bool isRegularFile(int descriptor) {
 
 }  // namespace
 
-void failOutput(const std::string& name, const std::string& what, int error) {
-  throw diagnostics::OutputError({.file = name,
-                                  .place = {},
-                                  .what = what + ": " + std::generic_category().message(error),
-                                  .remedy = remedyForWriting(error)});
+/// A limit of the size of files is the same for all of them.
+void failOutput(const std::string& name, const std::string& what, int error,
+                const std::string& remedy) {
+  throw diagnostics::OutputError(
+      {.file = name,
+       .place = {},
+       .what = what + ": " + std::generic_category().message(error),
+       .remedy = remedy.empty() || error == EFBIG ? remedyForWriting(error) : remedy});
 }
 
-OutputFile::OutputFile(int descriptor, std::string name)
+OutputFile::OutputFile(int descriptor, std::string name, std::string remedy)
     : name(std::move(name)),
+      remedy(std::move(remedy)),
       descriptor(descriptor),
       isTerminal(::isatty(descriptor) != 0),
       isRegular(isRegularFile(descriptor)) {}
@@ -77,7 +81,7 @@ void OutputFile::write(std::string_view piece) {
 
 void OutputFile::writeAll(std::string_view piece) {
   const int error = diagnostics::writeAll(descriptor, piece);
-  if (error != 0) failOutput(name, "cannot be written", error);
+  if (error != 0) failOutput(name, "cannot be written", error, remedy);
   noteWritten(piece.size());
 }
 

@@ -15,8 +15,8 @@ namespace tessera::files {
 /// (`diagnostics::TerminalFilter`).
 class OutputFile final : public OutputText {
  public:
-  /// Borrows the open file `descriptor`; `name` names it in errors.
-  OutputFile(int descriptor, std::string name);
+  /// Borrows the open file `descriptor`; `name` and `remedy` are for `failOutput`.
+  OutputFile(int descriptor, std::string name, std::string remedy = {});
 
   /// Writes all of `piece` at once, after what is buffered. Throws OutputError.
   void writeThrough(std::string_view piece);
@@ -31,6 +31,7 @@ class OutputFile final : public OutputText {
   void noteWritten(std::size_t size) noexcept;
 
   std::string name;
+  std::string remedy;
   int descriptor;
   bool isTerminal;
   bool isRegular;
@@ -40,7 +41,9 @@ class OutputFile final : public OutputText {
   diagnostics::TerminalFilter filter;
 };
 
-/// Throws OutputError for the file `name`: `what` happened, for the reason `error` (an errno).
-[[noreturn]] void failOutput(const std::string& name, const std::string& what, int error);
+/// Throws OutputError for the file `name`: `what` happened, for the reason `error` (an errno). If
+/// `remedy` is empty or does not help against it, one is chosen by the error.
+[[noreturn]] void failOutput(const std::string& name, const std::string& what, int error,
+                             const std::string& remedy = {});
 
 }  // namespace tessera::files

@@ -14,23 +14,30 @@ namespace tessera::files {
 namespace {
 
 constexpr std::size_t kPieceBytes = 64 * 1024;
-const char* const kSpoolName = "a temporary file";
+const char* const kRemedy =
+    "set TMPDIR to a folder with enough space in which you may create files";
 
-int openSpool() {
+/// Returns the name with which the file is created.
+std::string makeName() {
   std::error_code error;
   const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-  std::string name = (error ? std::filesystem::path("/tmp") : folder) / "tessera-XXXXXX";
+  return (error ? std::filesystem::path("/tmp") : folder) / "tessera-XXXXXX";
+}
+
+/// Completes the name.
+int openSpool(std::string& name) {
   // None arrives while the file has a name.
   const HeldInterruptions held;
   const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
-  if (descriptor < 0) failOutput(name, "cannot be made", errno);
+  if (descriptor < 0) failOutput(name, "cannot be created", errno, kRemedy);
   ::unlink(name.c_str());
   return descriptor;
 }
 
 }  // namespace
 
-SpoolFile::SpoolFile() : descriptor(openSpool()), file(descriptor, kSpoolName) {}
+SpoolFile::SpoolFile()
+    : name(makeName()), descriptor(openSpool(name)), file(descriptor, name, kRemedy) {}
 
 SpoolFile::~SpoolFile() {
   ::close(descriptor);
@@ -38,7 +45,7 @@ SpoolFile::~SpoolFile() {
 
 void SpoolFile::rewind() {
   file.flush();
-  if (::lseek(descriptor, 0, SEEK_SET) != 0) failOutput(kSpoolName, "cannot be read", errno);
+  if (::lseek(descriptor, 0, SEEK_SET) != 0) failOutput(name, "cannot be read", errno);
 }
 
 void SpoolFile::read(std::string& text) {
@@ -47,7 +54,7 @@ void SpoolFile::read(std::string& text) {
   do {
     count = ::read(descriptor, text.data(), text.size());
   } while (count < 0 && errno == EINTR);
-  if (count < 0) failOutput(kSpoolName, "cannot be read", errno);
+  if (count < 0) failOutput(name, "cannot be read", errno);
   text.resize(static_cast<std::size_t>(count));
 }
 

@@ -27,6 +27,8 @@ class SpoolFile {
   void read(std::string& text);
 
  private:
+  // For errors.
+  std::string name;
   int descriptor;
   OutputFile file;
 };

@@ -24,6 +24,8 @@ struct InputOptions {
   std::vector<std::string> globs;
   /// Whether .gitignore excludes files of directories.
   bool respectsIgnoreFiles = true;
+  /// Whether a file that several paths lead to is read only once, where it comes first.
+  bool dropsRepeated = false;
   Shard shard;
 };
 

@@ -11,6 +11,8 @@
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/inputs/DirectoryWalk.hpp"
 #include "tessera/inputs/GlobFilter.hpp"
+#include "tessera/inputs/dropRepeated.hpp"
+#include "tessera/inputs/openInput.hpp"
 #include "tessera/inputs/readFileList.hpp"
 
 namespace tessera::inputs {
@@ -55,6 +57,7 @@ std::vector<Input> listInputs(const InputOptions& options, LeaveOut leaveOut) {
       inputs.push_back({.path = path});
     }
   }
+  if (options.dropsRepeated && paths.size() > 1) dropRepeated(inputs);
   if (leaveOut == LeaveOut::kWhenListed) {
     const files::StreamFiles streams;
     std::erase_if(inputs, [&](const Input& input) { return isLeftOut(input, streams); });
@@ -69,7 +72,7 @@ bool isLeftOut(files::FileReader& file, const files::StreamFiles& streams) {
 bool isLeftOut(const Input& input, const files::StreamFiles& streams) {
   if (!input.isFound) return false;
   try {
-    files::FileReader file(input.path);
+    files::FileReader file = openInput(input);
     return isLeftOut(file, streams);
   } catch (const diagnostics::ProblemError&) {
     return false;

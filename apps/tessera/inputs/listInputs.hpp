@@ -17,7 +17,8 @@ enum class LeaveOut { kWhenRead, kWhenListed };
 /// Returns the inputs that `options` name, in the order of the paths. A directory is replaced by
 /// the regular files in it and below, in byte order of their paths, without hidden and excluded
 /// ones and without symbolic links; one that cannot be read is an input itself, and reading it
-/// tells why. The files of `listFile` come after `paths`. The list is not divided into shards.
+/// tells why. The files of `listFile` come after `paths`. Repeated ones are dropped if `options`
+/// says so. The list is not divided into shards.
 ///
 /// Throws ProblemError when the list or a glob cannot be used, or standard input is named twice.
 std::vector<Input> listInputs(const InputOptions& options, LeaveOut leaveOut);

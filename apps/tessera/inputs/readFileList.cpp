@@ -11,6 +11,8 @@
 namespace tessera::inputs {
 namespace {
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 /// A path would end at its NUL, and perhaps be that of another file.
 void requireNoNul(const std::string& name, std::string_view bytes) {
   const std::size_t nul = bytes.find('\0');
@@ -31,10 +33,13 @@ std::vector<std::string> readFileList(const std::string& name, bool isNulSeparat
   const char separator = isNulSeparated ? '\0' : '\n';
   std::vector<std::string> paths;
   std::string_view rest = bytes;
+  if (!isNulSeparated && rest.starts_with(kByteOrderMark))
+    rest.remove_prefix(kByteOrderMark.size());
   while (!rest.empty()) {
-    const std::string_view path = rest.substr(0, rest.find(separator));
+    std::string_view path = rest.substr(0, rest.find(separator));
+    rest.remove_prefix(std::min(path.size() + 1, rest.size()));
+    if (!isNulSeparated && path.ends_with('\r')) path.remove_suffix(1);
     if (!path.empty()) paths.emplace_back(path);
-    rest.remove_prefix(path.size() == rest.size() ? path.size() : path.size() + 1);
   }
   return paths;
 }

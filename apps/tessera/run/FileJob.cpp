@@ -6,6 +6,7 @@
 
 #include "tessera/diagnostics/describeException.hpp"
 #include "tessera/inputs/listInputs.hpp"
+#include "tessera/inputs/openInput.hpp"
 #include "tessera/source/SourceText.hpp"
 
 namespace tessera::run {
@@ -58,7 +59,7 @@ bool FileJob::isRepeatable(std::size_t index) const {
 }
 
 session::ParsedFile FileJob::parse(const std::string& path) {
-  files::FileReader file(path);
+  files::FileReader file = inputs::openInput(input());
   skipIfLeftOut(file);
   return parser.parse(path, source::readSource(file));
 }

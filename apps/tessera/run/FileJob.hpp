@@ -60,8 +60,8 @@ class FileJob : public workers::Job {
   std::size_t currentInput() const noexcept { return current; }
   const inputs::Input& input() const noexcept { return inputs[current]; }
 
-  /// Reads and parses the file `path`, or skips it, as `skipIfLeftOut` does. Throws ProblemError,
-  /// and OutputError when the calls cannot be recorded.
+  /// Reads and parses the current input, whose path is `path`, or skips it, as `skipIfLeftOut`
+  /// does. Throws ProblemError, and OutputError when the calls cannot be recorded.
   session::ParsedFile parse(const std::string& path);
   /// Like that, but `bytes` is the content, binary or not.
   session::ParsedFile parse(const std::string& path, std::string_view bytes);

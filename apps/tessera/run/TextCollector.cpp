@@ -10,6 +10,18 @@ namespace {
 
 constexpr std::size_t kLargePieceBytes = 64 * 1024;
 
+const char* remedyFor(workers::Loss::Cause cause) {
+  switch (cause) {
+    case workers::Loss::Cause::kLate:
+      return "allow more time with --timeout, or leave out the file or the bundle that needs it";
+    case workers::Loss::Cause::kKilled:
+      return "if there was not enough memory, use fewer processes (-j), or leave out the file";
+    default:
+      return "leave out the bundle that causes this, or report it with the calls that tessera "
+             "parse --record writes";
+  }
+}
+
 }  // namespace
 
 TextCollector::TextCollector(const std::vector<inputs::Input>& inputs, files::OutputFile& output,
@@ -63,9 +75,7 @@ diagnostics::Problem problemOf(const std::string& file, const std::string& what,
   return {.file = file,
           .place = place,
           .what = what + ": " + loss.reason,
-          .remedy =
-              "leave out the bundle that causes this, or report it with the calls that "
-              "tessera parse --record writes"};
+          .remedy = remedyFor(loss.cause)};
 }
 
 }  // namespace tessera::run

@@ -203,7 +203,13 @@ void Worker::end() {
   const int status = awaitEnd(std::exchange(process, 0));
   closeParentSide();
   if (unusable) return;
-  reason = isLate ? "it took longer than --timeout allows" : describeStatus(status);
+  if (isLate) {
+    reason = "it took longer than --timeout allows";
+    cause = Loss::Cause::kLate;
+  } else {
+    reason = describeStatus(status);
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) cause = Loss::Cause::kKilled;
+  }
 }
 
 /// Returns the inputs that are not done, without the one that the process was at: that one is lost.

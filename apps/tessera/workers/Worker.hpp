@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tessera/progress/RunProgress.hpp"
+#include "tessera/workers/Collector.hpp"
 #include "tessera/workers/Frame.hpp"
 #include "tessera/workers/Job.hpp"
 #include "tessera/workers/SharedSlots.hpp"
@@ -83,9 +84,10 @@ class Worker {
   /// Removes the current frame, and with it the current input if it was the last of that.
   void removeFrame() noexcept;
 
-  /// Why the process ended, and at which line. Valid after it has ended.
+  /// Why the process ended. Valid after it has ended.
   const std::string& endReason() const noexcept { return reason; }
-  std::uint64_t lastLine() noexcept { return slots.progress().line; }
+  /// Like that, and the line it was at.
+  Loss loss() noexcept { return {.reason = reason, .cause = cause, .line = slots.progress().line}; }
 
  private:
   void send(std::span<const std::uint64_t> commands) const noexcept;
@@ -115,6 +117,7 @@ class Worker {
   std::size_t slotsInUse = 0;
   Clock::time_point since = Clock::now();
   std::string reason;
+  Loss::Cause cause = Loss::Cause::kOther;
 };
 
 }  // namespace tessera::workers

@@ -211,7 +211,7 @@ bool WorkerPool::passFrameOn(Worker& worker) {
       collector.addMessage(worker.text());
       break;
     case Frame::Kind::kLost:
-      collector.loseInput(nextResult, {worker.endReason(), worker.lastLine()});
+      collector.loseInput(nextResult, worker.loss());
       break;
     default:
       collector.endInput(nextResult, frame.outcome);

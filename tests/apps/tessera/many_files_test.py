@@ -236,6 +236,28 @@ class Inputs(ManyFiles):
         self.assertEqual(self.parse("--files-from", "-").stderr, b"")
         self.assertEqual(self.parse("t", "--shard", "2/2").stderr, b"")
 
+    def test_a_listed_file_that_is_replaced_is_not_followed(self):
+        self.write("secret", b"secret\n")
+        os.mkfifo(self.folder / "gate")
+        replacements = {"f.py": lambda name: name.symlink_to("../secret"), "p.py": os.mkfifo}
+        for name in replacements:
+            self.write(f"d/{name}", b"x\n")
+
+        def replace_files():
+            # The gate is opened when the files are listed.
+            with open(self.folder / "gate", "wb"):
+                for name, replace in replacements.items():
+                    (self.folder / "d" / name).unlink()
+                    replace(self.folder / "d" / name)
+
+        thread = threading.Thread(target=replace_files)
+        thread.start()
+        done = self.parse("-j", "1", "gate", "d", status=3)
+        thread.join()
+        self.assertNotIn(b"secret", done.stdout)
+        self.assertIn(b"d/f.py: error: cannot be opened: ", done.stderr)
+        self.assertIn(b"d/p.py: error: cannot be read: it is not a regular file any more", done.stderr)
+
     def test_a_list_names_more_paths(self):
         for name in ("a", "b", "d/c"):
             self.write(name)
@@ -243,6 +265,11 @@ class Inputs(ManyFiles):
         self.assertEqual(self.files("--files-from", "list"), ["b", "d/c", "a"])
         self.assertEqual(self.files("a", "--files-from", "-", stdin=b"b\n"), ["a", "b"])
         self.assertEqual(self.files("-0", "--files-from", "-", stdin=b"b\0a\0"), ["b", "a"])
+        # As Windows writes it.
+        self.write("list", b"\xef\xbb\xbfb\r\n\r\na\r\nd\r")
+        self.assertEqual(self.files("--files-from", "list"), ["b", "a", "d/c"])
+        self.write("return\r")
+        self.assertEqual(self.files("-0", "--files-from", "-", stdin=b"return\r\0"), ["return\r"])
         self.write("two\nlines")
         self.assertEqual(self.files("-0", "--files-from", "-", stdin=b"two\nlines\0"), ["two\nlines"])
         # Without -0, a path would end at its first NUL.
@@ -356,21 +383,26 @@ class Workers(ManyFiles):
             self.assertEqual(found[0], expected | {"file": name})
 
     def test_a_single_file_that_another_bundle_crashes_on_is_reported(self):
-        self.write("a", b"# %<@text:anchor#segv>\n")
-        for command in ("parse", "check", "markers"):
-            done = tessera(command, "a", "--bundle", FAULTY, cwd=self.folder)
-            self.assertEqual(done.returncode, 3)
-            self.assertIn(b"a:1:1: error: ", done.stderr)
-            self.assertIn(b"signal 11", done.stderr)
+        remedies = {"segv": (b"signal 11", b"; leave out the bundle "), "kill": (b"signal 9", b"; if there was not enough memory, ")}
+        for fault, texts in remedies.items():
+            self.write("a", f"# %<@text:anchor#{fault}>\n".encode())
+            for command in ("parse", "check", "markers"):
+                done = tessera(command, "a", "--bundle", FAULTY, cwd=self.folder)
+                self.assertEqual(done.returncode, 3)
+                self.assertIn(b"a:1:1: error: ", done.stderr)
+                for text in texts:
+                    self.assertIn(text, done.stderr)
 
     def test_a_file_that_takes_too_long_is_given_up(self):
         self.write_sources(6)
         self.write("t/003", b"# %<@text:anchor#hang>\n")
         for workers in ("1", "2"):
-            found = records(self.parse("t", "-j", workers, "--timeout", "0.5", "--bundle", FAULTY, status=3).stdout)
+            done = self.parse("t", "-j", workers, "--timeout", "0.5", "--bundle", FAULTY, status=3)
+            found = records(done.stdout)
             self.assertEqual(len(found), 6)
             self.assertEqual(["error" in record for record in found], [number == 3 for number in range(6)])
             self.assertIn("--timeout", found[3]["error"]["message"])
+            self.assertIn(b": it took longer than --timeout allows; allow more time ", done.stderr)
         for text in ("0", "-1", "x", "1s", "nan", "inf"):
             self.parse("t", "--timeout", text, status=2)
 

@@ -489,6 +489,8 @@ class Explain(ProgramTest):
     def test_an_unknown_id_is_an_error(self):
         self.assertRefused(tessera("explain", "nothing\x1b"), 'tessera: error: there is no diagnostic '
                            '"nothing\\u001b"; "tessera explain" lists them')
+        self.assertRefused(tessera("explain", ""), 'tessera: error: there is no diagnostic ""; "tessera explain" lists '
+                           "them")
         self.assertRefused(tessera("explain", "unknown_elemnt"),
                            'tessera: error: there is no diagnostic "unknown_elemnt"; did you mean '
                            '"unknown_element"? "tessera explain" lists them')

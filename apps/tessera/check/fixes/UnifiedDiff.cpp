@@ -7,13 +7,17 @@ namespace {
 
 constexpr std::string_view kHex = "01234567";
 
+bool isUnusual(const std::string& name) {
+  return name.ends_with(' ') || std::ranges::any_of(name, [](char byte) {
+           return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F || byte == '"' ||
+                  byte == '\\';
+         });
+}
+
 /// Returns a file name as `patch` reads it: in quotes with octal escapes where it has unusual
-/// characters; a tab ends one with blanks.
+/// characters or ends in a blank; a tab ends one with other blanks.
 std::string fileName(const std::string& name) {
-  const bool isUnusual = std::ranges::any_of(name, [](char byte) {
-    return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F || byte == '"' || byte == '\\';
-  });
-  if (!isUnusual) return name.find(' ') == name.npos ? name : name + '\t';
+  if (!isUnusual(name)) return name.find(' ') == name.npos ? name : name + '\t';
   std::string result = "\"";
   for (const char byte : name) {
     const auto value = static_cast<unsigned char>(byte);

@@ -21,6 +21,7 @@ namespace {
 
 void cause(const std::string& fault) {
   if (fault == "abort") endBySignal(SIGABRT);
+  if (fault == "kill") endBySignal(SIGKILL);
   if (fault == "segv") endBySignal(SIGSEGV);
   if (fault == "exit") std::_Exit(7);
   while (fault == "hang") ::pause();

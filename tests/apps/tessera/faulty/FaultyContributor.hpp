@@ -4,8 +4,8 @@
 
 namespace tessera::tests {
 
-/// Does what the id of an anchor says, if it is a fault: "abort", "exit", "hang" or "segv". The
-/// environment variable TESSERA_TEST_FAULT does the same when the library is loaded.
+/// Does what the id of an anchor says, if it is a fault: "abort", "exit", "hang", "kill" or "segv".
+/// The environment variable TESSERA_TEST_FAULT does the same when the library is loaded.
 class FaultyContributor
     : public quenlith::build::markup::contributordata::LineContributorDataParser {
  public:

@@ -1,14 +1,18 @@
 #include "tessera/files/FileReader.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <string>
 
 #include "apps/tessera/support/TemporaryFolder.hpp"
+#include "tessera/diagnostics/Problem.hpp"
 
 namespace {
 
+using tessera::diagnostics::ProblemError;
 using tessera::files::FileReader;
 
 /// Returns the rest of a file, read in small pieces.
@@ -51,6 +55,31 @@ TEST(FileReader, WhatWasExaminedIsReadAllTheSame) {
     FileReader file(folder.write("f", bytes));
     file.looksBinary();
     EXPECT_EQ(readAll(file), bytes) << size;
+  }
+}
+
+TEST(FileReader, AFoundFileIsNotFollowedElsewhere) {
+  const TemporaryFolder folder;
+  const std::string root = folder.path("d/");
+  ASSERT_EQ(::mkdir(root.c_str(), 0755), 0);
+  ASSERT_EQ(::mkdir((root + "s").c_str(), 0755), 0);
+  folder.write("secret", "secret");
+  folder.write("d/s/f", "text");
+  ASSERT_EQ(::symlink("../../secret", (root + "s/link").c_str()), 0);
+  ASSERT_EQ(::symlink("s", (root + "linked").c_str()), 0);
+  ASSERT_EQ(::symlink("d", folder.path("named").c_str()), 0);
+  ASSERT_EQ(::mkfifo((root + "s/pipe").c_str(), 0644), 0);
+  const auto read = [](const std::string& name, std::size_t followed) {
+    FileReader file(name, followed);
+    return readAll(file);
+  };
+  EXPECT_EQ(read(root + "s/f", root.size()), "text");
+  // Links in what the user named are followed.
+  const std::string named = folder.path("named/");
+  EXPECT_EQ(read(named + "s/f", named.size()), "text");
+  EXPECT_EQ(read(root + "linked/f", root.size() + 7), "text");
+  for (const char* const path : {"s/link", "linked/f", "s/pipe", "s", "s/none"}) {
+    EXPECT_THROW(read(root + path, root.size()), ProblemError) << path;
   }
 }
 

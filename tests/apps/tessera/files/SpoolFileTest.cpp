@@ -1,6 +1,7 @@
 #include "tessera/files/SpoolFile.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,6 +16,7 @@
 #include <thread>
 
 #include "apps/tessera/support/TemporaryFolder.hpp"
+#include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/Interruption.hpp"
 
 namespace {
@@ -69,6 +71,52 @@ TEST(SpoolFile, IsInTheTemporaryFolderWithoutAName) {
   const tessera::files::SpoolFile file;
   EXPECT_TRUE(hasOpenFileIn(folder.path("")));
   EXPECT_TRUE(std::filesystem::is_empty(folder.path("")));
+}
+
+TEST(SpoolFile, AFolderWithoutFilesIsNamedAndHowToSetIt) {
+  const TemporaryFolderSetting setting("/proc");
+  try {
+    const tessera::files::SpoolFile file;
+    ADD_FAILURE() << "created";
+  } catch (const tessera::diagnostics::OutputError& error) {
+    EXPECT_TRUE(error.problem().file.starts_with("/proc/tessera-")) << error.problem().file;
+    EXPECT_NE(error.problem().remedy.find("TMPDIR"), std::string::npos);
+  }
+}
+
+/// Lets files of this process have at most that many bytes until it is destroyed.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit limit{.rlim_cur = bytes, .rlim_max = before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    ::signal(SIGXFSZ, handler);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit before = {};
+  sighandler_t handler = ::signal(SIGXFSZ, SIG_IGN);
+};
+
+TEST(SpoolFile, AnErrorOfTheFileNamesIt) {
+  const TemporaryFolder folder;
+  const TemporaryFolderSetting setting(folder.path(""));
+  tessera::files::SpoolFile file;
+  file.output().text() = std::string(1 << 20, 'x');
+  const FileSizeLimit limit(1);
+  try {
+    file.rewind();
+    ADD_FAILURE() << "written";
+  } catch (const tessera::diagnostics::OutputError& error) {
+    EXPECT_TRUE(error.problem().file.starts_with(folder.path("tessera-"))) << error.problem().file;
+    EXPECT_NE(error.problem().remedy.find("ulimit -f"), std::string::npos);
+  }
 }
 
 TEST(SpoolFile, AnInterruptionLeavesNoName) {
