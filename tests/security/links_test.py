@@ -132,10 +132,10 @@ class Outputs(Links):
 
     def test_a_link_in_the_way_is_not_followed(self):
         os.symlink(self.outside / "victim.py", self.work / "out" / "file.partial")
-        self.refuse("symbolic links")
+        self.refuse("is not the incomplete output of another run")
         os.unlink(self.work / "out" / "file.partial")
         os.symlink(self.outside / "new", self.work / "out" / "file.partial")
-        self.refuse("symbolic links")
+        self.refuse("is not the incomplete output of another run")
 
     def test_a_second_name_in_the_way_is_not_written(self):
         os.link(self.outside / "victim.py", self.work / "out" / "file.partial")
@@ -147,7 +147,7 @@ class Outputs(Links):
 
     def test_a_folder_in_the_way_is_not_removed(self):
         (self.work / "out" / "file.partial").mkdir()
-        self.refuse("cannot be created")
+        self.refuse("is not the incomplete output of another run")
 
     def test_a_folder_that_becomes_a_link_is_not_followed(self):
         for options in self.OPTIONS:

@@ -1,6 +1,7 @@
 #include "tessera/files/OpenFolder.hpp"
 
 #include <fcntl.h>
+#include <linux/limits.h>
 #include <sys/random.h>
 #include <unistd.h>
 
@@ -50,6 +51,15 @@ std::string makeSuffix() {
   return suffix;
 }
 
+/// Returns as much of a name as leaves place for the rest of a temporary one, in whole characters.
+std::string beginningOf(const std::string& name) {
+  constexpr std::size_t kMostBytes = NAME_MAX - std::string_view("..tessera-XXXXXX").size();
+  if (name.size() <= kMostBytes) return name;
+  std::size_t size = kMostBytes;
+  while (size > 0 && (static_cast<unsigned char>(name[size]) & 0xC0) == 0x80) --size;
+  return name.substr(0, size);
+}
+
 }  // namespace
 
 OpenFolder::OpenFolder(const std::string& path, std::size_t followed)
@@ -80,7 +90,7 @@ int OpenFolder::createTemporary(const std::string& name, std::string& temporaryN
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
     const std::string suffix = makeSuffix();
     if (suffix.empty()) return -1;
-    temporaryName = '.' + name;
+    temporaryName = '.' + beginningOf(name);
     temporaryName.append(".tessera-").append(suffix);
     const int file = open(temporaryName, O_RDWR | O_CREAT | O_EXCL, 0600);
     if (file >= 0 || errno != EEXIST) return file;

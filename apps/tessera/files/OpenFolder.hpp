@@ -34,7 +34,7 @@ class OpenFolder {
   bool rename(const std::string& name, const std::string& newName) const noexcept;
 
   /// Creates and opens a file with a new name, ".NAME.tessera-XXXXXX", which becomes
-  /// `temporaryName`.
+  /// `temporaryName`; a long NAME is cut off.
   int createTemporary(const std::string& name, std::string& temporaryName) const;
 
   /// Writes the entries of the folder to the disk, as far as the system allows that.

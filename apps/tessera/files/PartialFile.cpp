@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/permissions.hpp"
 
 namespace tessera::files {
 namespace {
@@ -72,6 +73,13 @@ int openDirectly(const std::string& name) {
                                   .remedy = "try again, or name another file"});
 }
 
+/// Returns what the system says about a regular file; nothing if there is none.
+std::optional<struct stat> regularFile(const OpenFolder& folder, const std::string& entry) {
+  struct stat status;
+  if (!folder.stat(entry, status) || !S_ISREG(status.st_mode)) return std::nullopt;
+  return status;
+}
+
 /// Opens and locks the partial file of one output.
 class PartialOpening {
  public:
@@ -81,8 +89,8 @@ class PartialOpening {
   int openLocked() const {
     while (true) {
       // Not through a symbolic link that somebody put in the way.
-      Descriptor file(folder.open(entry, O_RDWR | O_CREAT, 0666));
-      if (file.get() < 0) failOutput(name, "cannot be created", errno);
+      Descriptor file(folder.open(entry, O_RDWR | O_CREAT, mode()));
+      if (file.get() < 0) failOpening();
       if (!lock(file.get())) failLocking(file);
       // Another run may have completed and renamed it before the lock was there.
       if (isStillThere(file)) return file.release();
@@ -90,6 +98,9 @@ class PartialOpening {
   }
 
  private:
+  /// Until the file has the permissions of the one that it replaces, it is for its owner only.
+  mode_t mode() const { return regularFile(folder, nameOfFile(name)) ? 0600 : 0666; }
+
   bool isStillThere(const Descriptor& file) const {
     struct stat held;
     struct stat named = {};
@@ -102,6 +113,18 @@ class PartialOpening {
     }
     if (S_ISREG(held.st_mode) && held.st_nlink == 1) return true;
     // A pipe, or a second name of a file that is elsewhere, was put there.
+    failAsOther();
+  }
+
+  [[noreturn]] void failOpening() const {
+    const int error = errno;
+    struct stat status;
+    // A symbolic link or a folder.
+    if (folder.stat(entry, status) && !S_ISREG(status.st_mode)) failAsOther();
+    failOutput(path, "cannot be created", error);
+  }
+
+  [[noreturn]] void failAsOther() const {
     throw diagnostics::OutputError(
         {.file = path,
          .place = {},
@@ -183,14 +206,20 @@ bool PartialFile::cutAfter(std::uint64_t size) {
 void PartialFile::complete() {
   file.flush();
   if (partial.empty()) return;
-  struct stat old;
   const std::string entry = nameOfFile(name);
-  const bool isReplaced = folder.stat(entry, old) && S_ISREG(old.st_mode);
-  if (isReplaced) static_cast<void>(::fchmod(number, old.st_mode & 07777));
+  if (const auto old = regularFile(folder, entry)) takePermissions(entry, *old);
   if (::fdatasync(number) != 0) failWriting(errno);
   if (!folder.rename(partialEntry, entry)) failOutput(name, "cannot be replaced", errno);
   isIncomplete = false;
   removal.reset();
+}
+
+/// Whoever may read and write the old file may do so with the new one.
+void PartialFile::takePermissions(const std::string& entry, const struct stat& old) {
+  const Descriptor file(folder.open(entry, O_RDONLY | O_NONBLOCK));
+  if (file.get() >= 0 && copyPermissions(file.get(), number)) return;
+  // If that fails too, it is for its owner only.
+  static_cast<void>(limitPermissions(number, old.st_mode));
 }
 
 void PartialFile::failWriting(int error) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -34,6 +36,9 @@ bool haveCommonName(const std::string& name, const std::string& other);
 /// A device or a pipe is written directly. A symbolic link NAME is followed when the file is
 /// opened, and what it leads to is the file from then on; both files stay in the folder that was
 /// opened. NAME.partial is not followed, and neither used if it is a pipe or has a second name.
+///
+/// The permissions of a file that is replaced stay (`copyPermissions`); what of them cannot be kept
+/// gets less (`limitPermissions`). Until then NAME.partial is for its owner only.
 class PartialFile {
  public:
   /// Creates or opens NAME.partial. Throws OutputError, and leaves `name` untouched, when that
@@ -66,6 +71,7 @@ class PartialFile {
   /// No interruption arrives before it is known that the file is to be removed.
   PartialFile(const std::string& name, Incomplete incomplete, const HeldInterruptions& held);
 
+  void takePermissions(const std::string& entry, const struct stat& old);
   [[noreturn]] void failWriting(int error);
 
   std::string name;

@@ -10,6 +10,7 @@
 
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/Interruption.hpp"
+#include "tessera/files/permissions.hpp"
 
 namespace tessera::files {
 namespace {
@@ -95,16 +96,16 @@ RewritableFile::RewritableFile(const std::string& name, const std::string& path,
 }
 
 void RewritableFile::read() {
-  const Descriptor descriptor(folder.open(target, O_RDONLY));
-  if (descriptor.get() < 0) failWithError(name, "cannot be opened", errno);
-  if (::fstat(descriptor.get(), &status) != 0) failWithError(name, "cannot be read", errno);
+  source = Descriptor(folder.open(target, O_RDONLY | O_NONBLOCK));
+  if (source.get() < 0) failWithError(name, "cannot be opened", errno);
+  if (::fstat(source.get(), &status) != 0) failWithError(name, "cannot be read", errno);
   if (!S_ISREG(status.st_mode)) {
     fail("cannot be fixed: it is not a regular file", "leave it out, or check it without --fix");
   }
   content.resize(static_cast<std::size_t>(status.st_size) + 1);
   std::size_t size = 0;
   while (size < content.size()) {
-    const ssize_t count = ::read(descriptor.get(), content.data() + size, content.size() - size);
+    const ssize_t count = ::read(source.get(), content.data() + size, content.size() - size);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) failWithError(name, "cannot be read", errno);
     if (count == 0) break;
@@ -112,7 +113,7 @@ void RewritableFile::read() {
   }
   content.resize(size);
   struct stat after = {};
-  const bool isKnown = ::fstat(descriptor.get(), &after) == 0;
+  const bool isKnown = ::fstat(source.get(), &after) == 0;
   if (!isKnown || !isSame(status, after) || size != static_cast<std::size_t>(status.st_size)) {
     fail("changed while it was read", "try again when no other program writes it");
   }
@@ -152,14 +153,9 @@ void RewritableFile::writeTo(int descriptor, std::string_view newContent) const 
     if (count < 0) failWithError(name, "cannot be written", errno);
     newContent.remove_prefix(static_cast<std::size_t>(count));
   }
-  // A change of the owner may clear bits of the mode, so that comes first. Only a privileged user
-  // may give a file away: then the file belongs to who corrects it, as after a copy.
-  if (::fchown(descriptor, status.st_uid, status.st_gid) != 0 &&
-      ::fchown(descriptor, static_cast<uid_t>(-1), status.st_gid) != 0) {
-    errno = 0;
+  if (!copyPermissions(source.get(), descriptor)) {
+    failWithError(name, "cannot be replaced by a file with its permissions", errno);
   }
-  if (::fchmod(descriptor, status.st_mode & 07777) != 0)
-    failWithError(name, "cannot be written", errno);
   if (::fsync(descriptor) != 0) failWithError(name, "cannot be written", errno);
 }
 

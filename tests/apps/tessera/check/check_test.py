@@ -141,8 +141,34 @@ class Check(CheckTest):
                                    [(elsewhere, [f"{other}{first}:1:1"]), (alone % "b", [])],
                                    [(alone % "c", [])]])
         # A file that is clean or explained by itself is in its place.
-        records = documents(tessera("check", "--format", "json", clean, *names).stdout)
-        self.assertEqual([record["file"] for record in records], [clean, *names])
+        records = documents(tessera("check", "--format", "json", clean, first, third, second).stdout)
+        self.assertEqual([record["file"] for record in records], [clean, first, third, second])
+
+    def test_a_file_that_several_paths_lead_to_is_checked_once(self):
+        name = self.write("f", b"# <@task#a>\n")
+        (self.folder / "link").symlink_to("f")
+        (self.folder / "folder").symlink_to(".")
+        os.link(name, self.folder / "second")
+        other = [f"{self.folder}/{path}" for path in ("./f", "link", "folder/f", "folder/link")]
+        records = documents(tessera("check", "--format", "json", name, name, *other, "-", stdin=b"x\n").stdout)
+        self.assertEqual([record["file"] for record in records], [name, "-"])
+        [diagnostic] = records[0]["diagnostics"]
+        self.assertEqual(diagnostic["notes"], [])
+        # Of a folder too, in either order; a second name of the file is another file.
+        found = [name, f"{self.folder}/second"]
+        for paths in ([name, str(self.folder)], [str(self.folder), name], [str(self.folder), f"{self.folder}/."]):
+            records = documents(tessera("check", "--format", "json", *paths).stdout)
+            self.assertEqual([record["file"] for record in records], found)
+        # What does not exist is reported each time.
+        none = str(self.folder / "none")
+        self.assertEqual(tessera("check", none, none, name, "").stderr.count(b": error: "), 3)
+
+    def test_a_file_that_is_named_twice_is_fixed_once(self):
+        name = self.write("f", b"y = 2  # <@outputs#o1 [0,5]>\n")
+        once = tessera("check", "--fix", "--dry-run", "f", cwd=self.folder).stdout
+        self.assertEqual(once.count(b"+++"), 1)
+        self.assertEqual(tessera("check", "--fix", "--dry-run", "f", "./f", cwd=self.folder).stdout, once)
+        self.assertEqual(tessera("check", "--fix", name, name).stderr.decode(), f"{name}: 1 fix made\n")
 
     def test_of_several_other_files_none_has_the_partner(self):
         for count in (3, 4, 5):
@@ -501,7 +527,7 @@ class Fix(CheckTest):
             self.assertEqual((windows / name).read_bytes(), as_windows_writes_it(content), name)
 
     def test_unusual_file_names_are_quoted_for_patch(self):
-        for name in ("with blank", "tab\there", 'quo"te', "back\\slash", "\u00e9", "-x"):
+        for name in ("with blank", "tab\there", 'quo"te', "back\\slash", "\u00e9", "-x", "end ", "a b "):
             path = self.write(name, self.BROKEN)
             difference = subprocess.run([PROGRAM, "check", "--fix", "--dry-run", "./" + name], cwd=self.folder,
                                         capture_output=True).stdout
@@ -526,6 +552,22 @@ class Fix(CheckTest):
         self.fix(name)
         status = os.stat(name)
         self.assertEqual((status.st_uid, status.st_gid, stat.S_IMODE(status.st_mode)), (1234, 4321, 0o4755))
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root may give files away")
+    def test_a_file_whose_group_cannot_be_kept_is_refused(self):
+        name = self.write("f", self.BROKEN)
+        os.chown(name, 65534, 4321)
+        os.chmod(name, 0o640)
+        self.folder.chmod(0o777)
+        done = self.fix(name, user=65534, group=65534, extra_groups=())
+        self.assertNotFixed(done, name, "cannot be replaced by a file with its permissions: Operation not permitted; "
+                            "change the permissions of the file and its folder, or leave out --fix")
+        self.assertEqual((self.read(name), os.listdir(self.folder)), (self.BROKEN, ["f"]))
+
+    def test_a_long_name_is_no_obstacle(self):
+        for name in ("n" * 255, "\u00e9" * 127):
+            self.fix(self.write(name, self.BROKEN))
+            self.assertEqual((self.folder / name).read_bytes(), self.FIXED)
 
     def assertNotFixed(self, done, name, message, status=3):
         self.assertEqual(done.stderr.decode(), f"{name}: error: {message}\n")

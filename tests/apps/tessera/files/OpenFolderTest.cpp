@@ -83,4 +83,21 @@ TEST_F(OpenFolderTest, TemporaryNamesDiffer) {
   EXPECT_EQ(fs::status(root / first).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
+TEST_F(OpenFolderTest, ATemporaryNameIsNotTooLong) {
+  const OpenFolder folder(file);
+  const auto makeFor = [&](const std::string& name) {
+    std::string temporary;
+    EXPECT_GE(Descriptor(folder.createTemporary(name, temporary)).get(), 0) << name.size();
+    return temporary;
+  };
+  EXPECT_TRUE(
+      makeFor(std::string(239, 'n')).starts_with("." + std::string(239, 'n') + ".tessera-"));
+  EXPECT_TRUE(
+      makeFor(std::string(255, 'n')).starts_with("." + std::string(239, 'n') + ".tessera-"));
+  // A character stays whole.
+  std::string accents;
+  while (accents.size() < 254) accents += "\xC3\xA9";
+  EXPECT_TRUE(makeFor(accents).starts_with("." + accents.substr(0, 238) + ".tessera-"));
+}
+
 }  // namespace

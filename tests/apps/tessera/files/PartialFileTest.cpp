@@ -77,7 +77,7 @@ TEST_F(PartialFileTest, AFileThatCannotTakeItsPlaceIsAnErrorAndIsRemoved) {
 
 TEST_F(PartialFileTest, ALinkInTheWayIsNotFollowed) {
   fs::create_symlink(victim, folder / "out.partial");
-  expectRefused("cannot be created: Too many levels of symbolic links");
+  expectRefused("exists, and is not the incomplete output of another run");
   EXPECT_TRUE(fs::is_symlink(folder / "out.partial"));
 }
 
@@ -89,6 +89,33 @@ TEST_F(PartialFileTest, AFileWithASecondNameInTheWayIsNotWritten) {
 TEST_F(PartialFileTest, APipeInTheWayIsNotWritten) {
   ASSERT_EQ(::mkfifo((folder / "out.partial").c_str(), 0600), 0);
   expectRefused("exists, and is not the incomplete output of another run");
+}
+
+TEST_F(PartialFileTest, AFolderInTheWayIsReported) {
+  fs::create_directory(folder / "out.partial");
+  expectRefused("exists, and is not the incomplete output of another run");
+  EXPECT_TRUE(fs::is_directory(folder / "out.partial"));
+}
+
+TEST_F(PartialFileTest, TheFileHasThePermissionsOfTheOneThatItReplaces) {
+  for (const auto mode : {fs::perms(0600), fs::perms(0640), fs::perms(0444), fs::perms(0777)}) {
+    std::ofstream(name) << "old";
+    fs::permissions(name, mode);
+    PartialFile file(name, Leftover::kReplaced);
+    EXPECT_EQ(fs::status(folder / "out.partial").permissions(), fs::perms(0600));
+    file.output().text() = "text";
+    file.complete();
+    EXPECT_EQ(fs::status(name).permissions(), mode);
+    fs::remove(name);
+  }
+}
+
+TEST_F(PartialFileTest, ANewFileHasThePermissionsOfANewFile) {
+  const mode_t old = ::umask(027);
+  PartialFile file(name, Leftover::kReplaced);
+  file.complete();
+  EXPECT_EQ(fs::status(name).permissions(), fs::perms(0640));
+  ::umask(old);
 }
 
 TEST_F(PartialFileTest, ItStaysInTheFolderThatWasNamed) {
