@@ -3,6 +3,7 @@
 
 links_test.py PROGRAM
 """
+import contextlib
 import os
 import pathlib
 import signal
@@ -17,6 +18,17 @@ DEADLINE = 120
 DAMAGED = "x = 1  # <@outputs#a [0,1]>\n"
 FIXED = "x = 1  # <@output#a [0,1]>\n"
 VICTIM = "y = 2  # <@outputs#a [0,1]>\n"
+
+
+def fill(pipe):
+    """Writes to a pipe until it is full. Returns the number of bytes."""
+    os.set_blocking(pipe, False)
+    count = 0
+    with contextlib.suppress(BlockingIOError):
+        while True:
+            count += os.write(pipe, b".")
+    os.set_blocking(pipe, True)
+    return count
 
 
 class Links(unittest.TestCase):
@@ -46,14 +58,21 @@ class Links(unittest.TestCase):
         return done.stderr
 
     def start(self, *arguments, **options):
-        process = subprocess.Popen([PROGRAM, *arguments], cwd=self.work, stderr=subprocess.PIPE, text=True, **options)
+        options = {"stderr": subprocess.PIPE, **options}
+        process = subprocess.Popen([PROGRAM, *arguments], cwd=self.work, text=True, **options)
         self.addCleanup(process.communicate)
         self.addCleanup(process.kill)
         return process
 
     def await_file(self, path, process):
+        self.wait_until(path.exists, process)
+
+    def await_text(self, path, text, process):
+        self.wait_until(lambda: path.read_text() == text, process)
+
+    def wait_until(self, condition, process):
         deadline = time.monotonic() + DEADLINE
-        while not path.exists():
+        while not condition():
             self.assertIsNone(process.poll())
             self.assertLess(time.monotonic(), deadline)
             time.sleep(0.005)
@@ -90,21 +109,23 @@ class Fixes(Links):
 
     def fix_after(self, change):
         """Fixes the folder `in`, and calls `change` after the program has listed it. Returns the messages."""
-        for pipe in ("first", "second"):
-            os.mkfifo(self.work / pipe)
-        process = self.start("check", "--fix", "first", "second", "in", stdout=subprocess.DEVNULL)
-        # The program waits at each pipe until somebody writes it. At the first one, the list is made.
-        open(self.work / "first", "w").close()
+        self.write("work/in/0.py", DAMAGED)
+        reader, writer = os.pipe()
+        filling = fill(writer)
+        process = self.start("check", "--fix", "in", stdout=subprocess.DEVNULL, stderr=writer)
+        os.close(writer)
+        # The program has fixed the first file and waits until its message can be written.
+        self.await_text(self.work / "in" / "0.py", FIXED, process)
         change()
-        open(self.work / "second", "w").close()
-        messages = process.communicate(timeout=DEADLINE)[1]
-        self.assertEqual(process.returncode, 3, messages)
+        with open(reader, encoding="utf-8") as stream:
+            messages = stream.read()[filling:]
+        self.assertEqual(process.wait(DEADLINE), 3, messages)
         return messages
 
     def test_a_folder_that_becomes_a_link_is_not_followed(self):
         self.write("work/in/below/victim.py", DAMAGED)
         messages = self.fix_after(lambda: self.swap(self.work / "in" / "below", self.outside))
-        self.assertIn("in/below/victim.py: error: cannot be opened", messages)
+        self.assertIn("in/below/victim.py: error: cannot be read: it is not a regular file any more", messages)
         self.assertEqual((self.work / "in" / "moved" / "victim.py").read_text(), DAMAGED)
 
     def test_a_file_that_becomes_a_link_is_not_followed(self):
@@ -112,7 +133,7 @@ class Fixes(Links):
             os.unlink(self.work / "in" / "victim.py")
             os.symlink(self.outside / "victim.py", self.work / "in" / "victim.py")
         self.write("work/in/victim.py", DAMAGED)
-        self.assertIn("in/victim.py: error: cannot be opened", self.fix_after(swap))
+        self.assertIn("in/victim.py: error: cannot be read: it is not a regular file any more", self.fix_after(swap))
 
 
 class Outputs(Links):

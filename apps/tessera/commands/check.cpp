@@ -71,7 +71,7 @@ terminal::Style styleOf(const CheckOptions& options, int descriptor) {
 }
 
 run::Processes processesOf(const CheckOptions& options) {
-  // A file that is named twice is fixed once and then found to be correct.
+  // A worker that is ended would leave its temporary file.
   if (options.fixes == Fixes::kApplied) return run::Processes::kOwn;
   return options.bundles.empty() ? run::Processes::kAny : run::Processes::kWorkers;
 }

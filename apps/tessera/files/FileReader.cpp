@@ -1,10 +1,8 @@
 #include "tessera/files/FileReader.hpp"
 
 #include <fcntl.h>
-#include <linux/openat2.h>
 #include <poll.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,7 +10,7 @@
 #include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
-#include "tessera/files/OpenFolder.hpp"
+#include "tessera/files/openBelow.hpp"
 
 namespace tessera::files {
 namespace {
@@ -34,20 +32,6 @@ const char* remedyForReading(int error) {
   }
 }
 
-/// Opens the file `path`, but follows symbolic links in the first `followed` bytes only. Does not
-/// wait until a pipe has a writer.
-Descriptor openBelow(const std::string& path, std::size_t followed) {
-  constexpr int kFlags = O_RDONLY | O_NONBLOCK;
-  struct open_how how = {};
-  how.flags = kFlags | O_CLOEXEC;
-  how.resolve = RESOLVE_NO_SYMLINKS;
-  const auto number = ::syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof(how));
-  if (number >= 0) return Descriptor(static_cast<int>(number));
-  // There is a link, perhaps one to follow, or the system does not have that call.
-  const OpenFolder folder(path, followed);
-  return Descriptor(folder.isOpen() ? folder.open(nameOfFile(path), kFlags) : -1);
-}
-
 }  // namespace
 
 FileReader::FileReader(const std::string& name) : name(name) {
@@ -59,7 +43,8 @@ FileReader::FileReader(const std::string& name) : name(name) {
 
 FileReader::FileReader(const std::string& name, std::size_t followed) : name(name) {
   Descriptor file = openBelow(name, followed);
-  examine(file);
+  const bool isLink = file.get() < 0 && (errno == ELOOP || errno == ENOTDIR);
+  if (!isLink) examine(file);
   if (!fileId) {
     throw diagnostics::ProblemError({.file = name,
                                      .place = {},

@@ -51,7 +51,7 @@ std::string makeSuffix() {
   return suffix;
 }
 
-/// Returns as much of a name as leaves place for the rest of a temporary one, in whole characters.
+/// Returns as much of a name as leaves room for the rest of a temporary one, in whole characters.
 std::string beginningOf(const std::string& name) {
   constexpr std::size_t kMostBytes = NAME_MAX - std::string_view("..tessera-XXXXXX").size();
   if (name.size() <= kMostBytes) return name;
@@ -67,6 +67,19 @@ OpenFolder::OpenFolder(const std::string& path, std::size_t followed)
 
 int OpenFolder::open(const std::string& name, int flags, mode_t mode) const noexcept {
   return ::openat(number(), name.c_str(), flags | O_NOFOLLOW | O_CLOEXEC, mode);
+}
+
+Descriptor OpenFolder::openToRead(const std::string& name, int flags) const noexcept {
+  Descriptor file(open(name, O_RDONLY | O_NONBLOCK | flags));
+  if (file.get() >= 0 || errno != EAGAIN) return file;
+  // Somebody has a lease. The name may be that of a pipe by now.
+  const Descriptor found(open(name, O_PATH));
+  struct stat status;
+  if (found.get() < 0 || ::fstat(found.get(), &status) != 0 || !S_ISREG(status.st_mode))
+    return file;
+  std::array<char, 32> link;
+  std::snprintf(link.data(), link.size(), "/proc/self/fd/%d", found.get());
+  return Descriptor(::open(link.data(), O_RDONLY | O_CLOEXEC));
 }
 
 bool OpenFolder::stat(const std::string& name, struct stat& status) const noexcept {

@@ -27,6 +27,9 @@ class OpenFolder {
 
   /// `flags` as for open().
   int open(const std::string& name, int flags, mode_t mode = 0) const noexcept;
+  /// Opens a file or folder to read. Does not wait until a named pipe has a writer, but until
+  /// another process that has a lease on a regular file gives that up.
+  Descriptor openToRead(const std::string& name, int flags = 0) const noexcept;
   bool stat(const std::string& name, struct stat& status) const noexcept;
   /// Returns whether the file may be written; a symbolic link is followed.
   bool isWritable(const std::string& name) const noexcept;

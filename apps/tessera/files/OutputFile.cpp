@@ -38,9 +38,9 @@ bool isRegularFile(int descriptor) {
 
 }  // namespace
 
-/// A limit of the size of files is the same for all of them.
 void failOutput(const std::string& name, const std::string& what, int error,
                 const std::string& remedy) {
+  // The limit of the size of files is that of the process: no other file helps.
   throw diagnostics::OutputError(
       {.file = name,
        .place = {},

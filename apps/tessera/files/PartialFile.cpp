@@ -15,6 +15,7 @@ namespace tessera::files {
 namespace {
 
 constexpr const char* kSuffix = ".partial";
+constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
 
 /// Returns the file that `name` leads to: through symbolic links, if it exists.
 std::string resolve(const std::string& name) {
@@ -73,33 +74,64 @@ int openDirectly(const std::string& name) {
                                   .remedy = "try again, or name another file"});
 }
 
-/// Returns what the system says about a regular file; nothing if there is none.
-std::optional<struct stat> regularFile(const OpenFolder& folder, const std::string& entry) {
-  struct stat status;
-  if (!folder.stat(entry, status) || !S_ISREG(status.st_mode)) return std::nullopt;
-  return status;
-}
-
 /// Opens and locks the partial file of one output.
 class PartialOpening {
  public:
   PartialOpening(const OpenFolder& folder, const std::string& name)
       : folder(folder), name(name), path(name + kSuffix), entry(nameOfFile(path)) {}
 
-  int openLocked() const {
+  int openLocked(Leftover leftover) const {
     while (true) {
-      // Not through a symbolic link that somebody put in the way.
-      Descriptor file(folder.open(entry, O_RDWR | O_CREAT, mode()));
-      if (file.get() < 0) failOpening();
-      if (!lock(file.get())) failLocking(file);
-      // Another run may have completed and renamed it before the lock was there.
-      if (isStillThere(file)) return file.release();
+      Descriptor file = create();
+      const bool isNew = file.get() >= 0;
+      if (!isNew) file = openLeftover();
+      // Another run may have completed and renamed it meanwhile.
+      if (file.get() < 0 || !holdLock(file)) continue;
+      if (isNew) return file.release();
+      if (leftover == Leftover::kContinued) return continueWith(std::move(file));
+      // It may have other permissions than this run gives.
+      if (!folder.unlink(entry)) failOutput(path, "cannot be removed", errno);
     }
   }
 
  private:
-  /// Until the file has the permissions of the one that it replaces, it is for its owner only.
-  mode_t mode() const { return regularFile(folder, nameOfFile(name)) ? 0600 : 0666; }
+  /// The result is negative if there is one already.
+  Descriptor create() const {
+    Descriptor file(
+        folder.open(entry, O_RDWR | O_CREAT | O_EXCL, isReplacing() ? kOwnerOnly : 0666));
+    if (file.get() < 0 && errno != EEXIST) failOpening();
+    return file;
+  }
+
+  /// Not through a symbolic link that somebody put in the way. The result is negative if there is
+  /// none any more.
+  Descriptor openLeftover() const {
+    Descriptor file(folder.open(entry, O_RDWR));
+    if (file.get() < 0 && errno != ENOENT) failOpening();
+    return file;
+  }
+
+  /// Whether the file takes the place of another one: until it has its permissions, it is for its
+  /// owner only.
+  bool isReplacing() const {
+    struct stat status;
+    return folder.stat(nameOfFile(name), status) && S_ISREG(status.st_mode);
+  }
+
+  int continueWith(Descriptor file) const {
+    struct stat status;
+    if (::fstat(file.get(), &status) != 0) failOutput(path, "cannot be read", errno);
+    if (status.st_uid != ::geteuid()) failAsOther();
+    // Where the system refuses that, all files have the same mode.
+    if (isReplacing()) static_cast<void>(::fchmod(file.get(), kOwnerOnly));
+    return file.release();
+  }
+
+  /// Returns whether the file has its name once it is locked.
+  bool holdLock(const Descriptor& file) const {
+    if (!lock(file.get())) failLocking(file);
+    return isStillThere(file);
+  }
 
   bool isStillThere(const Descriptor& file) const {
     struct stat held;
@@ -119,9 +151,10 @@ class PartialOpening {
   [[noreturn]] void failOpening() const {
     const int error = errno;
     struct stat status;
+    const bool isThere = folder.stat(entry, status);
     // A symbolic link or a folder.
-    if (folder.stat(entry, status) && !S_ISREG(status.st_mode)) failAsOther();
-    failOutput(path, "cannot be created", error);
+    if (isThere && !S_ISREG(status.st_mode)) failAsOther();
+    failOutput(isThere ? path : name, "cannot be created", error);
   }
 
   [[noreturn]] void failAsOther() const {
@@ -167,18 +200,16 @@ bool haveCommonName(const std::string& name, const std::string& other) {
 }
 
 PartialFile::PartialFile(const std::string& givenName, Leftover leftover, Incomplete incomplete)
-    : PartialFile(givenName, incomplete, HeldInterruptions()) {
-  // The destructor runs if this throws.
-  if (leftover == Leftover::kReplaced) cutAfter(0);
-}
+    : PartialFile(givenName, leftover, incomplete, HeldInterruptions()) {}
 
-PartialFile::PartialFile(const std::string& givenName, Incomplete incomplete,
+PartialFile::PartialFile(const std::string& givenName, Leftover leftover, Incomplete incomplete,
                          const HeldInterruptions& /*held*/)
     : name(resolve(givenName)),
       folder(openFolderOf(name)),
       partial(isDirectlyWritten(name) ? std::string() : name + kSuffix),
       partialEntry(nameOfFile(partial)),
-      number(partial.empty() ? openDirectly(name) : PartialOpening(folder, name).openLocked()),
+      number(partial.empty() ? openDirectly(name)
+                             : PartialOpening(folder, name).openLocked(leftover)),
       file(number, givenName) {
   if (partial.empty() || incomplete == Incomplete::kKept) return;
   removal.emplace(folder.number(), partialEntry);
@@ -207,19 +238,22 @@ void PartialFile::complete() {
   file.flush();
   if (partial.empty()) return;
   const std::string entry = nameOfFile(name);
-  if (const auto old = regularFile(folder, entry)) takePermissions(entry, *old);
+  struct stat old;
+  if (folder.stat(entry, old) && S_ISREG(old.st_mode)) takePermissions(entry);
   if (::fdatasync(number) != 0) failWriting(errno);
   if (!folder.rename(partialEntry, entry)) failOutput(name, "cannot be replaced", errno);
   isIncomplete = false;
   removal.reset();
 }
 
-/// Whoever may read and write the old file may do so with the new one.
-void PartialFile::takePermissions(const std::string& entry, const struct stat& old) {
-  const Descriptor file(folder.open(entry, O_RDONLY | O_NONBLOCK));
-  if (file.get() >= 0 && copyPermissions(file.get(), number)) return;
-  // If that fails too, it is for its owner only.
-  static_cast<void>(limitPermissions(number, old.st_mode));
+/// Takes those of the file that is replaced.
+void PartialFile::takePermissions(const std::string& entry) {
+  const Descriptor old = folder.openToRead(entry);
+  const bool isKnown = old.get() >= 0;
+  if (isKnown && (copyPermissions(old.get(), number) || restrictPermissions(old.get(), number))) {
+    return;
+  }
+  if (::fchmod(number, kOwnerOnly) != 0) failOutput(name, "cannot be replaced", errno);
 }
 
 void PartialFile::failWriting(int error) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -37,8 +35,9 @@ bool haveCommonName(const std::string& name, const std::string& other);
 /// opened, and what it leads to is the file from then on; both files stay in the folder that was
 /// opened. NAME.partial is not followed, and neither used if it is a pipe or has a second name.
 ///
-/// The permissions of a file that is replaced stay (`copyPermissions`); what of them cannot be kept
-/// gets less (`limitPermissions`). Until then NAME.partial is for its owner only.
+/// A file that replaces another one has its permissions (`copyPermissions`) or, if they cannot be
+/// kept, fewer (`restrictPermissions`); until then only its owner may use it. NAME.partial is not
+/// continued if it belongs to another user.
 class PartialFile {
  public:
   /// Creates or opens NAME.partial. Throws OutputError, and leaves `name` untouched, when that
@@ -69,9 +68,10 @@ class PartialFile {
 
  private:
   /// No interruption arrives before it is known that the file is to be removed.
-  PartialFile(const std::string& name, Incomplete incomplete, const HeldInterruptions& held);
+  PartialFile(const std::string& name, Leftover leftover, Incomplete incomplete,
+              const HeldInterruptions& held);
 
-  void takePermissions(const std::string& entry, const struct stat& old);
+  void takePermissions(const std::string& entry);
   [[noreturn]] void failWriting(int error);
 
   std::string name;

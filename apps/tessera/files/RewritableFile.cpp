@@ -63,7 +63,9 @@ class TemporaryFile {
 [[noreturn]] void failWithError(const std::string& name, const std::string& what, int error) {
   const char* remedy = error == ENOENT || error == ENOTDIR ? "check the name"
                        : error == EACCES || error == EPERM || error == EROFS
-                           ? "change the permissions of the file and its folder, or leave out --fix"
+                           ? "change the permissions of the file and its folder, let the owner of "
+                             "the file fix it, or "
+                             "leave out --fix"
                        : error == ENOSPC ? "free some disk space, and try again"
                                          : "check it without --fix";
   throw diagnostics::ProblemError({.file = name,
@@ -96,7 +98,7 @@ RewritableFile::RewritableFile(const std::string& name, const std::string& path,
 }
 
 void RewritableFile::read() {
-  source = Descriptor(folder.open(target, O_RDONLY | O_NONBLOCK));
+  source = folder.openToRead(target);
   if (source.get() < 0) failWithError(name, "cannot be opened", errno);
   if (::fstat(source.get(), &status) != 0) failWithError(name, "cannot be read", errno);
   if (!S_ISREG(status.st_mode)) {
@@ -154,7 +156,7 @@ void RewritableFile::writeTo(int descriptor, std::string_view newContent) const 
     newContent.remove_prefix(static_cast<std::size_t>(count));
   }
   if (!copyPermissions(source.get(), descriptor)) {
-    failWithError(name, "cannot be replaced by a file with its permissions", errno);
+    failWithError(name, "cannot be replaced by a file with its owner and permissions", errno);
   }
   if (::fsync(descriptor) != 0) failWithError(name, "cannot be written", errno);
 }

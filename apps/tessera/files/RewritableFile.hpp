@@ -24,14 +24,14 @@ class RewritableFile {
 
   const std::string& bytes() const noexcept { return content; }
 
-  /// Replaces the content of the file. Its permissions stay (`copyPermissions`).
+  /// Replaces the content of the file. Its owner and permissions stay (`copyPermissions`).
   ///
   /// The new content is written to a file in the same folder, ".NAME.tessera-XXXXXX", which then
   /// takes the place of the file: at any time the file is the old or the new one, complete. The
   /// folder is the one from which the file was read, wherever it has been moved since. Throws
   /// ProblemError, with the file unchanged, when it may not be written, has changed since it was
-  /// read, has several names (only one of them would get the new content), its permissions cannot
-  /// be kept, or on any other error.
+  /// read, has several names (only one of them would get the new content), they cannot be kept, or
+  /// on any other error.
   void replace(std::string_view newContent);
 
  private:

@@ -45,7 +45,7 @@ SpoolFile::~SpoolFile() {
 
 void SpoolFile::rewind() {
   file.flush();
-  if (::lseek(descriptor, 0, SEEK_SET) != 0) failOutput(name, "cannot be read", errno);
+  if (::lseek(descriptor, 0, SEEK_SET) != 0) failOutput(name, "cannot be read", errno, kRemedy);
 }
 
 void SpoolFile::read(std::string& text) {
@@ -54,7 +54,7 @@ void SpoolFile::read(std::string& text) {
   do {
     count = ::read(descriptor, text.data(), text.size());
   } while (count < 0 && errno == EINTR);
-  if (count < 0) failOutput(name, "cannot be read", errno);
+  if (count < 0) failOutput(name, "cannot be read", errno, kRemedy);
   text.resize(static_cast<std::size_t>(count));
 }
 

@@ -1,12 +1,13 @@
 #include "tessera/files/permissions.hpp"
 
 #include <linux/limits.h>
+#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace tessera::files {
@@ -15,42 +16,34 @@ namespace {
 constexpr const char* kAccessList = "system.posix_acl_access";
 constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
 
-mode_t groupRights(mode_t mode) {
-  return mode & S_IRWXG;
-}
-
-/// Returns the rights of others as those of a group.
-mode_t othersRights(mode_t mode) {
-  return (mode & S_IRWXO) << 3;
-}
-
-/// Sets owner and group, and takes bits off `mode` that are not to be those of others.
-bool copyOwner(const struct stat& old, int to, mode_t& mode) noexcept {
-  if (::fchown(to, old.st_uid, old.st_gid) == 0) return true;
-  mode &= ~mode_t{S_ISUID};
-  if (::fchown(to, kSameOwner, old.st_gid) == 0) return true;
-  mode &= ~mode_t{S_ISGID};
-  return groupRights(mode) == othersRights(mode);
-}
-
 /// Returns whether the error means that there is no such attribute.
 bool isAbsent(int error) {
   return error == ENODATA || error == ENOTSUP;
 }
 
-bool copyAttribute(const char* name, int from, int to) noexcept {
-  std::array<char, XATTR_SIZE_MAX> value;
-  const ssize_t size = ::fgetxattr(from, name, value.data(), value.size());
-  if (size >= 0) {
-    return ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0) == 0;
-  }
-  if (!isAbsent(errno)) return false;
-  // A new file inherits an access control list from its folder.
-  return ::fremovexattr(to, name) == 0 || isAbsent(errno);
+bool removeAccessList(int file) {
+  return ::fremovexattr(file, kAccessList) == 0 || isAbsent(errno);
 }
 
-bool copyUserAttributes(int from, int to) noexcept {
-  std::array<char, XATTR_LIST_MAX> list;
+bool copyAttribute(const char* name, int from, int to) {
+  // Not on the stack, which may be small.
+  std::string value(XATTR_SIZE_MAX, '\0');
+  const ssize_t size = ::fgetxattr(from, name, value.data(), value.size());
+  if (size < 0) return false;
+  return ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0) == 0;
+}
+
+bool hasAccessList(int file) {
+  return ::fgetxattr(file, kAccessList, nullptr, 0) >= 0 || !isAbsent(errno);
+}
+
+/// A new file inherits an access control list from its folder.
+bool copyAccessList(int from, int to) {
+  return hasAccessList(from) ? copyAttribute(kAccessList, from, to) : removeAccessList(to);
+}
+
+bool copyUserAttributes(int from, int to) {
+  std::string list(XATTR_LIST_MAX, '\0');
   const ssize_t size = ::flistxattr(from, list.data(), list.size());
   if (size < 0) return isAbsent(errno);
   std::string_view names(list.data(), static_cast<std::size_t>(size));
@@ -62,21 +55,45 @@ bool copyUserAttributes(int from, int to) noexcept {
   return true;
 }
 
-}  // namespace
-
-bool copyPermissions(int from, int to) noexcept {
-  struct stat old;
-  if (::fstat(from, &old) != 0) return false;
-  mode_t mode = old.st_mode & ALLPERMS;
-  // A change of the owner may clear bits of the mode, so that comes first.
-  return copyOwner(old, to, mode) && copyUserAttributes(from, to) &&
-         copyAttribute(kAccessList, from, to) && ::fchmod(to, mode) == 0;
+/// Where all files have the same owner and mode, the system may refuse to set them.
+bool setOwner(int file, uid_t owner, gid_t group) {
+  struct stat now;
+  if (::fstat(file, &now) != 0) return false;
+  return (now.st_uid == owner && now.st_gid == group) || ::fchown(file, owner, group) == 0;
 }
 
-bool limitPermissions(int to, mode_t oldMode) noexcept {
-  if (::fremovexattr(to, kAccessList) != 0 && !isAbsent(errno)) return false;
-  const mode_t mode = oldMode & ACCESSPERMS;
-  return ::fchmod(to, (mode & ~mode_t{S_IRWXG}) | (groupRights(mode) & othersRights(mode))) == 0;
+bool setMode(int file, mode_t mode) {
+  struct stat now;
+  if (::fstat(file, &now) != 0) return false;
+  return (now.st_mode & ALLPERMS) == mode || ::fchmod(file, mode) == 0;
+}
+
+/// Returns those of the rights that everybody keeps when the owner, and perhaps the group, changes:
+/// the old owner is one of the group or of the others then, and the old group is one of the others.
+mode_t commonRights(mode_t mode, bool keepsGroup) {
+  const mode_t owner = (mode >> 6) & 7;
+  mode_t group = (mode >> 3) & owner;
+  mode_t others = mode & owner;
+  if (!keepsGroup) group = others = group & others;
+  return (owner << 6) | (group << 3) | others;
+}
+
+}  // namespace
+
+bool copyPermissions(int from, int to) {
+  struct stat old;
+  // A change of the owner may clear bits of the mode, and a change of the list sets some.
+  return ::fstat(from, &old) == 0 && setOwner(to, old.st_uid, old.st_gid) &&
+         copyUserAttributes(from, to) && copyAccessList(from, to) &&
+         setMode(to, old.st_mode & ALLPERMS);
+}
+
+bool restrictPermissions(int from, int to) {
+  struct stat old;
+  if (::fstat(from, &old) != 0 || !removeAccessList(to)) return false;
+  const bool keepsGroup = ::fchown(to, kSameOwner, old.st_gid) == 0;
+  const mode_t mode = hasAccessList(from) ? old.st_mode & S_IRWXU : old.st_mode;
+  return setMode(to, commonRights(mode, keepsGroup));
 }
 
 }  // namespace tessera::files

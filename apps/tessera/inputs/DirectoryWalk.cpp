@@ -1,6 +1,7 @@
 #include "tessera/inputs/DirectoryWalk.hpp"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <system_error>
 #include <utility>
 
+#include "tessera/files/openBelow.hpp"
 #include "tessera/inputs/IgnoreFiles.hpp"
 
 namespace tessera::inputs {
@@ -45,9 +47,13 @@ struct Entries {
 };
 
 /// The iterator of the standard library ends the process when it has no memory for an entry.
-Entries readEntries(const std::string& directory) {
+Entries readEntries(const std::string& directory, std::size_t namedBytes) {
   Entries entries;
-  const std::unique_ptr<DIR, DirectoryCloser> stream(::opendir(directory.c_str()));
+  files::Descriptor file = files::openBelow(directory, namedBytes, O_DIRECTORY);
+  const std::unique_ptr<DIR, DirectoryCloser> stream(file.get() < 0 ? nullptr
+                                                                    : ::fdopendir(file.get()));
+  // The stream closes it.
+  if (stream) file.release();
   errno = stream ? 0 : errno;
   while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
     std::string name = entry->d_name;
@@ -90,8 +96,8 @@ class Walk {
  private:
   /// `path` is relative to the root.
   void open(const std::string& path) {
-    const Entries entries = readEntries(root + path);
-    if (entries.haveIgnoreFile && ignored) ignored->enter(path, root + path + ".gitignore");
+    const Entries entries = readEntries(root + path, root.size());
+    if (entries.haveIgnoreFile && ignored) ignored->enter(path, root + path, root.size());
     for (const std::string& name : entries.names) pending.push_back(path + name);
     if (entries.error) found.push_back({.path = root + path});
   }

@@ -1,6 +1,5 @@
 #include "tessera/inputs/IgnoreFiles.hpp"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -13,6 +12,7 @@
 
 #include "tessera/diagnostics/Problem.hpp"
 #include "tessera/files/Descriptor.hpp"
+#include "tessera/files/openBelow.hpp"
 #include "tessera/files/readWhole.hpp"
 
 namespace tessera::inputs {
@@ -20,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kName = ".gitignore";
+const std::string kName = ".gitignore";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 [[noreturn]] void failReading(const std::string& path, const std::string& what) {
@@ -29,10 +29,9 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 }
 
 /// Returns the file if there is one and it is not a symbolic link, which git does not follow here,
-/// either. A pipe would have to be waited for.
-std::optional<files::Descriptor> openRules(const std::string& path) {
-  constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  files::Descriptor file(::open(path.c_str(), kFlags));
+/// either.
+std::optional<files::Descriptor> openRules(const std::string& path, std::size_t followed) {
+  files::Descriptor file = files::openBelow(path, followed);
   if (file.get() < 0) {
     if (errno == ENOENT || errno == ELOOP) return std::nullopt;
     failReading(path, "cannot be opened: " + std::generic_category().message(errno));
@@ -71,8 +70,8 @@ void forEachRule(std::string_view text, const Use& use) {
 }
 
 /// Returns the rules of a .gitignore file, or nothing if there is none.
-std::optional<PathRules> readRules(const std::string& path) {
-  auto file = openRules(path);
+std::optional<PathRules> readRules(const std::string& path, std::size_t followed) {
+  auto file = openRules(path, followed);
   if (!file) return std::nullopt;
   PathRules rules;
   forEachRule(files::readWhole(path, std::move(*file)), [&](auto rule) { rules.add(rule); });
@@ -101,7 +100,8 @@ void IgnoreFiles::readAbove(const fs::path& folder, const fs::path& root) {
   if (folder == root) return;
   fs::path parent = root;
   for (const fs::path& name : folder.lexically_relative(root)) {
-    enter("", (parent / kName).string());
+    const std::string path = (parent / "").string();
+    enter("", path, path.size());
     parent /= name;
     prefix += name.string() + '/';
     if (!selects(prefix)) continue;
@@ -110,8 +110,10 @@ void IgnoreFiles::readAbove(const fs::path& folder, const fs::path& root) {
   }
 }
 
-void IgnoreFiles::enter(const std::string& path, const std::string& name) {
-  if (auto rules = readRules(name)) levels.push_back({prefix + path, std::move(*rules)});
+void IgnoreFiles::enter(const std::string& path, const std::string& folder,
+                        std::size_t namedBytes) {
+  if (auto rules = readRules(folder + kName, namedBytes))
+    levels.push_back({prefix + path, std::move(*rules)});
 }
 
 bool IgnoreFiles::exclude(const std::string& path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -18,10 +19,11 @@ class IgnoreFiles {
   /// be read.
   explicit IgnoreFiles(const std::string& directory);
 
-  /// Reads the .gitignore file `name` of the directory `path`, which is relative to the directory
-  /// and empty or ends in "/". Call it before a path in that directory is looked up. Throws as the
-  /// constructor.
-  void enter(const std::string& path, const std::string& name);
+  /// Reads the .gitignore file of the directory `path`, which is relative to the directory and
+  /// empty or ends in "/". It is opened by the name `folder`, in which symbolic links are followed
+  /// in the first `namedBytes` bytes only. Call it before a path in that directory is looked up.
+  /// Throws as the constructor.
+  void enter(const std::string& path, const std::string& folder, std::size_t namedBytes);
 
   /// `path` is relative to the directory; that of a directory ends in "/". Call it for the paths in
   /// the order of a walk, and not for those in a directory that is excluded.

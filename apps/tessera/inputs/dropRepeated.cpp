@@ -7,7 +7,6 @@
 #include <string>
 #include <system_error>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "tessera/files/FileId.hpp"
@@ -28,40 +27,48 @@ class KnownFiles {
   /// Borrows `inputs`.
   explicit KnownFiles(const std::vector<Input>& inputs) : inputs(inputs) {}
 
-  /// Returns whether an earlier input has the path of this one.
-  bool contain(std::size_t index) {
+  /// Returns the first input with the path of this one, perhaps itself.
+  std::size_t firstOf(std::size_t index) {
     const std::string& path = inputs[index].path;
     const auto id = path == "-" ? std::nullopt : files::idOfFile(path);
-    if (!id) return false;
-    const auto [known, isNew] = first.emplace(*id, index);
-    if (isNew) return false;
-    addPath(inputs[known->second].path);
-    return !addPath(path);
+    if (!id) return index;
+    const auto [known, isNew] = indices.emplace(*id, index);
+    if (isNew) return index;
+    addPath(known->second);
+    return addPath(index);
   }
 
  private:
-  /// Returns whether it was not there.
-  bool addPath(const std::string& path) {
+  std::size_t addPath(std::size_t index) {
     std::error_code error;
-    const auto canonical = std::filesystem::canonical(path, error);
-    return error || paths.insert(canonical.string()).second;
+    const auto canonical = std::filesystem::canonical(inputs[index].path, error);
+    return error ? index : paths.emplace(canonical.string(), index).first->second;
   }
 
   const std::vector<Input>& inputs;
-  std::unordered_map<files::FileId, std::size_t, FileIdHash> first;
+  std::unordered_map<files::FileId, std::size_t, FileIdHash> indices;
   // Of the files that have several names.
-  std::unordered_set<std::string> paths;
+  std::unordered_map<std::string, std::size_t> paths;
 };
 
 }  // namespace
 
 void dropRepeated(std::vector<Input>& inputs) {
   KnownFiles known(inputs);
-  std::vector<Input> kept;
+  std::vector<bool> isRepeated(inputs.size());
   for (std::size_t i = 0; i < inputs.size(); ++i) {
-    if (!known.contain(i)) kept.push_back(inputs[i]);
+    const std::size_t first = known.firstOf(i);
+    isRepeated[i] = first != i;
+    // What the user named is never left out.
+    if (!inputs[i].isFound) inputs[first].isFound = false;
   }
-  inputs = std::move(kept);
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < inputs.size(); ++i) {
+    if (isRepeated[i]) continue;
+    if (kept != i) inputs[kept] = std::move(inputs[i]);
+    ++kept;
+  }
+  inputs.resize(kept);
 }
 
 }  // namespace tessera::inputs

@@ -14,7 +14,8 @@ struct Loss {
   /// What happened, for example "the process that worked on it was ended by signal 11
   /// (Segmentation fault)".
   std::string reason;
-  /// Whether there was a time limit, or somebody ended the process: the system, without memory.
+  /// kLate: it took longer than allowed. kKilled: by a signal, as when the system has no memory
+  /// left.
   enum class Cause { kLate, kKilled, kOther };
   Cause cause = Cause::kOther;
   /// The line that the worker was at; 0 if it was at none.

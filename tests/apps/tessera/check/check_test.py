@@ -159,6 +159,15 @@ class Check(CheckTest):
         for paths in ([name, str(self.folder)], [str(self.folder), name], [str(self.folder), f"{self.folder}/."]):
             records = documents(tessera("check", "--format", "json", *paths).stdout)
             self.assertEqual([record["file"] for record in records], found)
+        # What was named is not left out because it was also found.
+        binary = self.write("binary", b"\0\n# <@task#a>\n")
+        for paths in ([binary, str(self.folder)], [str(self.folder), binary]):
+            records = documents(tessera("check", "--format", "json", *paths).stdout)
+            self.assertEqual(sorted(record["file"] for record in records), sorted([*found, binary]))
+        for paths in ([name, str(self.folder)], [str(self.folder), name]):
+            done = tessera("check", *paths, "-o", name)
+            self.assertIn(b"is one of the inputs", done.stderr)
+        self.assertEqual(pathlib.Path(name).read_bytes(), b"# <@task#a>\n")
         # What does not exist is reported each time.
         none = str(self.folder / "none")
         self.assertEqual(tessera("check", none, none, name, "").stderr.count(b": error: "), 3)
@@ -553,15 +562,24 @@ class Fix(CheckTest):
         status = os.stat(name)
         self.assertEqual((status.st_uid, status.st_gid, stat.S_IMODE(status.st_mode)), (1234, 4321, 0o4755))
 
+    def fix_as_nobody(self, *arguments):
+        self.folder.chmod(0o777)
+        # That user cannot write the counters of a program built for coverage.
+        environment = dict(os.environ, LLVM_PROFILE_FILE="/dev/null")
+        try:
+            return self.fix(*arguments, user=65534, group=65534, extra_groups=(), env=environment)
+        except PermissionError:
+            self.skipTest("the user nobody cannot run the program")
+
     @unittest.skipUnless(os.geteuid() == 0, "only root may give files away")
     def test_a_file_whose_group_cannot_be_kept_is_refused(self):
         name = self.write("f", self.BROKEN)
         os.chown(name, 65534, 4321)
         os.chmod(name, 0o640)
-        self.folder.chmod(0o777)
-        done = self.fix(name, user=65534, group=65534, extra_groups=())
-        self.assertNotFixed(done, name, "cannot be replaced by a file with its permissions: Operation not permitted; "
-                            "change the permissions of the file and its folder, or leave out --fix")
+        done = self.fix_as_nobody(name)
+        self.assertNotFixed(done, name, "cannot be replaced by a file with its owner and permissions: Operation not "
+                            "permitted; change the permissions of the file and its folder, let the owner of the file "
+                            "fix it, or leave out --fix")
         self.assertEqual((self.read(name), os.listdir(self.folder)), (self.BROKEN, ["f"]))
 
     def test_a_long_name_is_no_obstacle(self):
@@ -589,10 +607,9 @@ class Fix(CheckTest):
     def test_a_file_that_may_not_be_written_is_refused_and_reported(self):
         name = self.write("f", self.BROKEN)
         os.chmod(name, 0o444)
-        self.folder.chmod(0o777)
-        done = self.fix(name, "--format", "json", **({"user": 65534} if os.geteuid() == 0 else {}))
+        done = self.fix_as_nobody(name, "--format", "json") if os.geteuid() == 0 else self.fix(name, "--format", "json")
         self.assertNotFixed(done, name, "is not writable: Permission denied; change the permissions of the file and "
-                            "its folder, or leave out --fix")
+                            "its folder, let the owner of the file fix it, or leave out --fix")
         self.assertEqual(len(documents(done.stdout)[0]["diagnostics"]), 3)
         self.assertEqual((self.read(name), os.listdir(self.folder)), (self.BROKEN, ["f"]))
 

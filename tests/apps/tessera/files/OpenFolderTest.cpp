@@ -2,8 +2,13 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -61,6 +66,37 @@ TEST_F(OpenFolderTest, ALinkIsNotOpened) {
   struct stat status = {};
   ASSERT_TRUE(folder.stat("link", status));
   EXPECT_TRUE(S_ISLNK(status.st_mode));
+}
+
+/// Gives up the lease of the open file when another process wants to open it.
+int leased = -1;
+void giveUpLease(int /*signal*/) {
+  ::fcntl(leased, F_SETLEASE, F_UNLCK);
+}
+
+TEST_F(OpenFolderTest, AFileThatAnotherProcessHasALeaseOnIsAwaited) {
+  std::array<int, 2> channel{};
+  ASSERT_EQ(::pipe(channel.data()), 0);
+  const pid_t holder = ::fork();
+  if (holder == 0) {
+    ::signal(SIGIO, giveUpLease);
+    leased = ::open(file.c_str(), O_RDWR);
+    const bool isHeld = ::fcntl(leased, F_SETLEASE, F_WRLCK) == 0;
+    static_cast<void>(::write(channel[1], isHeld ? "y" : "n", 1));
+    while (isHeld) ::pause();
+    std::_Exit(EXIT_SUCCESS);
+  }
+  char answer = 'n';
+  ASSERT_EQ(::read(channel[0], &answer, 1), 1);
+  if (answer == 'y') {
+    const OpenFolder folder(file);
+    EXPECT_GE(folder.openToRead("inside").get(), 0);
+  }
+  ::kill(holder, SIGKILL);
+  ::waitpid(holder, nullptr, 0);
+  ::close(channel[0]);
+  ::close(channel[1]);
+  if (answer != 'y') GTEST_SKIP() << "there are no leases here";
 }
 
 TEST_F(OpenFolderTest, AFolderThatDoesNotExistIsNotOpen) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -14,6 +15,7 @@
 namespace {
 
 using tessera::diagnostics::OutputError;
+using tessera::files::Incomplete;
 using tessera::files::Leftover;
 using tessera::files::PartialFile;
 namespace fs = std::filesystem;
@@ -108,6 +110,44 @@ TEST_F(PartialFileTest, TheFileHasThePermissionsOfTheOneThatItReplaces) {
     EXPECT_EQ(fs::status(name).permissions(), mode);
     fs::remove(name);
   }
+}
+
+// Somebody may have opened it while it was readable.
+TEST_F(PartialFileTest, ALeftoverHasThePermissionsOfThisRun) {
+  const auto permissionsWith = [&](Leftover leftover) {
+    std::ofstream(folder / "out.partial") << "leftover";
+    fs::permissions(folder / "out.partial", fs::perms(0666));
+    const std::ifstream reader(folder / "out.partial");
+    PartialFile file(name, leftover, Incomplete::kKept);
+    struct stat status = {};
+    EXPECT_EQ(::stat((folder / "out.partial").c_str(), &status), 0);
+    EXPECT_EQ(status.st_size, leftover == Leftover::kReplaced ? 0 : 8);
+    return fs::perms(status.st_mode & 07777);
+  };
+  const mode_t old = ::umask(027);
+  EXPECT_EQ(permissionsWith(Leftover::kReplaced), fs::perms(0640));
+  EXPECT_EQ(permissionsWith(Leftover::kContinued), fs::perms(0666));
+  std::ofstream(name) << "old";
+  EXPECT_EQ(permissionsWith(Leftover::kReplaced), fs::perms(0600));
+  EXPECT_EQ(permissionsWith(Leftover::kContinued), fs::perms(0600));
+  ::umask(old);
+}
+
+TEST_F(PartialFileTest, ALeftoverOfAnotherUserIsReplacedButNotContinued) {
+  std::ofstream(folder / "out.partial") << "leftover";
+  if (::chown((folder / "out.partial").c_str(), 12345, 12345) != 0) GTEST_SKIP() << "not allowed";
+  try {
+    const PartialFile file(name, Leftover::kContinued);
+    ADD_FAILURE() << "continued";
+  } catch (const OutputError& error) {
+    EXPECT_EQ(error.problem().what, "exists, and is not the incomplete output of another run");
+  }
+  EXPECT_EQ(read(folder / "out.partial"), "leftover");
+  PartialFile file(name, Leftover::kReplaced);
+  file.complete();
+  struct stat status = {};
+  ASSERT_EQ(::stat(name.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, ::geteuid());
 }
 
 TEST_F(PartialFileTest, ANewFileHasThePermissionsOfANewFile) {

@@ -1,6 +1,7 @@
 #include "tessera/files/permissions.hpp"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -20,71 +21,52 @@ namespace {
 
 using tessera::files::copyPermissions;
 using tessera::files::Descriptor;
-using tessera::files::limitPermissions;
+using tessera::files::restrictPermissions;
 
 constexpr const char* kAccessList = "system.posix_acl_access";
 constexpr uid_t kUser = 12345;
 constexpr gid_t kGroup = 23456;
 
-/// An access control list of the form that the system stores: version 2, and for each entry its
-/// kind, rights and user.
-std::vector<std::uint16_t> accessList(std::uint16_t namedUserRights, std::uint16_t mask) {
-  constexpr std::uint16_t kNobody = 0xFFFF;
-  return {2,       0,  // Version.
-          1,       6,
-          kNobody, kNobody,  // Owner.
-          2,       namedUserRights,
-          54321,   0,  // A user.
-          4,       0,
-          kNobody, kNobody,  // Group.
-          0x10,    mask,
-          kNobody, kNobody,  // Mask.
-          0x20,    0,
-          kNobody, kNobody};
+/// An access control list as the system stores it: a version, and for each entry its kind, rights
+/// and user. One more user has rights, of which those of the mask count.
+std::vector<std::uint16_t> accessList(std::uint16_t userRights, std::uint16_t mask) {
+  constexpr std::uint16_t kNone = 0xFFFF;
+  // clang-format off
+  return {2, 0,
+          0x01, 6, kNone, kNone,
+          0x02, userRights, 54321, 0,
+          0x04, 0, kNone, kNone,
+          0x10, mask, kNone, kNone,
+          0x20, 4, kNone, kNone};
+  // clang-format on
 }
 
 class PermissionsTest : public testing::Test {
  protected:
-  mode_t modeOf(const Descriptor& file) const {
+  static mode_t modeOf(const Descriptor& file) {
     struct stat status = {};
     EXPECT_EQ(::fstat(file.get(), &status), 0);
     return status.st_mode & ALLPERMS;
   }
 
-  bool hasAttribute(const Descriptor& file, const char* name) const {
-    return ::fgetxattr(file.get(), name, nullptr, 0) >= 0;
+  /// Returns the bytes of an attribute; "none" if there is none.
+  static std::string attributeOf(const Descriptor& file, const char* name) {
+    std::string value(1000, ' ');
+    const ssize_t size = ::fgetxattr(file.get(), name, value.data(), value.size());
+    return size < 0 ? "none" : value.substr(0, static_cast<std::size_t>(size));
   }
 
-  bool setAccessList(const Descriptor& file, const std::vector<std::uint16_t>& list) const {
+  static bool setAccessList(const Descriptor& file, const std::vector<std::uint16_t>& list) {
     return ::fsetxattr(file.get(), kAccessList, list.data(), 2 * list.size(), 0) == 0;
   }
 
-  /// Runs `step` as an ordinary user in a process of its own, and returns what it returns.
-  template <class Step>
-  bool asUser(Step step) const {
-    const pid_t process = ::fork();
-    if (process == 0) {
-      const bool isOther = ::setgid(kUser) == 0 && ::setuid(kUser) == 0;
-      std::_Exit(isOther && step() ? EXIT_SUCCESS : EXIT_FAILURE);
-    }
-    int status = 0;
-    EXPECT_EQ(::waitpid(process, &status, 0), process);
-    return WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
-  }
-
-  /// Copies as a user who may not give files away, nor to another group.
-  bool copyAsUser() const {
-    EXPECT_EQ(::fchown(to.get(), kUser, kUser), 0);
-    return asUser([this] { return copyPermissions(from.get(), to.get()); });
-  }
-
-  Descriptor make(const std::string& name, mode_t mode) const {
-    return Descriptor(::open(folder.path(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, mode));
+  Descriptor make(const std::string& name) const {
+    return Descriptor(::open(folder.path(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
   }
 
   const TemporaryFolder folder;
-  const Descriptor from = make("old", 0600);
-  const Descriptor to = make("new", 0600);
+  const Descriptor from = make("old");
+  const Descriptor to = make("new");
 };
 
 TEST_F(PermissionsTest, TheModeIsThatOfTheOldFile) {
@@ -96,11 +78,11 @@ TEST_F(PermissionsTest, TheModeIsThatOfTheOldFile) {
 }
 
 TEST_F(PermissionsTest, TheAccessControlListIsThatOfTheOldFile) {
-  if (!setAccessList(from, accessList(4, 4))) GTEST_SKIP() << "there are no such lists here";
-  const mode_t mode = modeOf(from);
+  if (!setAccessList(from, accessList(4, 5))) GTEST_SKIP() << "there are no such lists here";
+  ASSERT_TRUE(setAccessList(to, accessList(6, 7)));
   ASSERT_TRUE(copyPermissions(from.get(), to.get()));
-  EXPECT_TRUE(hasAttribute(to, kAccessList));
-  EXPECT_EQ(modeOf(to), mode);
+  EXPECT_EQ(attributeOf(to, kAccessList), attributeOf(from, kAccessList));
+  EXPECT_EQ(modeOf(to), 0654U);
 }
 
 // Its entries would count with the group's rights.
@@ -108,12 +90,19 @@ TEST_F(PermissionsTest, AnInheritedAccessControlListIsRemoved) {
   if (!setAccessList(to, accessList(6, 6))) GTEST_SKIP() << "there are no such lists here";
   ASSERT_EQ(::fchmod(from.get(), 0660), 0);
   ASSERT_TRUE(copyPermissions(from.get(), to.get()));
-  EXPECT_FALSE(hasAttribute(to, kAccessList));
+  EXPECT_EQ(attributeOf(to, kAccessList), "none");
   EXPECT_EQ(modeOf(to), 0660U);
   ASSERT_TRUE(setAccessList(to, accessList(6, 6)));
-  EXPECT_TRUE(limitPermissions(to.get(), 0664));
-  EXPECT_FALSE(hasAttribute(to, kAccessList));
-  EXPECT_EQ(modeOf(to), 0644U);
+  EXPECT_TRUE(restrictPermissions(from.get(), to.get()));
+  EXPECT_EQ(attributeOf(to, kAccessList), "none");
+}
+
+// It may deny somebody what others may do.
+TEST_F(PermissionsTest, ARestrictedFileWithAnAccessControlListIsForItsOwner) {
+  if (!setAccessList(from, accessList(0, 4))) GTEST_SKIP() << "there are no such lists here";
+  EXPECT_TRUE(restrictPermissions(from.get(), to.get()));
+  EXPECT_EQ(attributeOf(to, kAccessList), "none");
+  EXPECT_EQ(modeOf(to), 0600U);
 }
 
 TEST_F(PermissionsTest, AttributesOfUsersAreKept) {
@@ -122,32 +111,59 @@ TEST_F(PermissionsTest, AttributesOfUsersAreKept) {
     GTEST_SKIP() << "there are none here";
   }
   ASSERT_TRUE(copyPermissions(from.get(), to.get()));
-  std::string value(8, ' ');
-  ASSERT_EQ(::fgetxattr(to.get(), "user.a", value.data(), value.size()), 4);
-  EXPECT_EQ(value, "text    ");
-  EXPECT_TRUE(hasAttribute(to, "user.empty"));
+  EXPECT_EQ(attributeOf(to, "user.a"), "text");
+  EXPECT_EQ(attributeOf(to, "user.empty"), "");
 }
 
-TEST_F(PermissionsTest, TheGroupOfAFallbackHasOnlyTheRightsOfOthers) {
+// The old owner is one of the group or of the others if the owner is another one.
+TEST_F(PermissionsTest, ARestrictedFileGivesNoMoreThanTheOwnerHad) {
   const struct {
     mode_t old;
-    mode_t limited;
-  } cases[] = {{0600, 0600}, {0640, 0600}, {0644, 0644}, {0666, 0666}, {0674, 0644}, {06755, 0755}};
-  for (const auto& [old, limited] : cases) {
-    EXPECT_TRUE(limitPermissions(to.get(), old));
-    EXPECT_EQ(modeOf(to), limited) << std::oct << old;
+    mode_t restricted;
+  } cases[] = {{0600, 0600}, {0640, 0640}, {0664, 0664}, {0607, 0606}, {0477, 0444}, {06755, 0755}};
+  for (const auto& [old, restricted] : cases) {
+    ASSERT_EQ(::fchmod(from.get(), old), 0);
+    EXPECT_TRUE(restrictPermissions(from.get(), to.get()));
+    EXPECT_EQ(modeOf(to), restricted) << std::oct << old;
   }
 }
 
+/// Files of an ordinary user who may not give them away; `from` belongs to another group.
 class OwnershipTest : public PermissionsTest {
  protected:
   void SetUp() override {
-    if (::geteuid() != 0) GTEST_SKIP() << "only root may give files away";
+    if (::fchown(from.get(), kUser, kGroup) != 0) GTEST_SKIP() << "files cannot be given away";
+    ASSERT_EQ(::fchown(to.get(), kUser, kUser), 0);
+  }
+
+  /// Returns what `step` returns when that user does it.
+  template <class Step>
+  static bool asUser(Step step) {
+    constexpr int kNotThatUser = 3;
+    const pid_t process = ::fork();
+    if (process == 0) {
+      if (::setgroups(0, nullptr) != 0 || ::setgid(kUser) != 0 || ::setuid(kUser) != 0) {
+        std::_Exit(kNotThatUser);
+      }
+      std::_Exit(step() ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(process, &status, 0), process);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_NE(WEXITSTATUS(status), kNotThatUser);
+    return status == 0;
+  }
+
+  bool copyAsUser() const {
+    return asUser([this] { return copyPermissions(from.get(), to.get()); });
+  }
+
+  bool restrictAsUser() const {
+    return asUser([this] { return restrictPermissions(from.get(), to.get()); });
   }
 };
 
 TEST_F(OwnershipTest, OwnerAndGroupAreThoseOfTheOldFile) {
-  ASSERT_EQ(::fchown(from.get(), kUser, kGroup), 0);
   ASSERT_EQ(::fchmod(from.get(), 06750), 0);
   ASSERT_TRUE(copyPermissions(from.get(), to.get()));
   struct stat status = {};
@@ -157,28 +173,31 @@ TEST_F(OwnershipTest, OwnerAndGroupAreThoseOfTheOldFile) {
   EXPECT_EQ(modeOf(to), 06750U);
 }
 
-TEST_F(OwnershipTest, AnotherGroupDoesNotGetTheRightsOfTheOldOne) {
-  ASSERT_EQ(::fchown(from.get(), kUser, kGroup), 0);
-  ASSERT_EQ(::fchmod(from.get(), 0640), 0);
+TEST_F(OwnershipTest, AnotherOwnerOrGroupIsAnError) {
   EXPECT_FALSE(copyAsUser());
-  EXPECT_EQ(modeOf(to), 0600U);
-  // It has as many rights as all others.
-  ASSERT_EQ(::fchmod(from.get(), 0644), 0);
+  ASSERT_EQ(::fchown(from.get(), kUser + 1, kUser), 0);
+  EXPECT_FALSE(copyAsUser());
+  ASSERT_EQ(::fchown(from.get(), kUser, kUser), 0);
   EXPECT_TRUE(copyAsUser());
-  EXPECT_EQ(modeOf(to), 0644U);
 }
 
-TEST_F(OwnershipTest, AnotherOwnerOrGroupIsNotThatOfAProgram) {
-  // The owner is another one.
+TEST_F(OwnershipTest, AnotherGroupHasTheRightsThatGroupAndOthersHad) {
+  const struct {
+    mode_t old;
+    mode_t restricted;
+  } cases[] = {{0640, 0600}, {0644, 0644}, {0604, 0600}, {0666, 0666}, {0675, 0644}, {06755, 0755}};
+  for (const auto& [old, restricted] : cases) {
+    ASSERT_EQ(::fchmod(from.get(), old), 0);
+    EXPECT_TRUE(restrictAsUser());
+    EXPECT_EQ(modeOf(to), restricted) << std::oct << old;
+  }
+}
+
+TEST_F(OwnershipTest, TheGroupStaysIfOnlyTheOwnerIsAnotherOne) {
   ASSERT_EQ(::fchown(from.get(), kUser + 1, kUser), 0);
-  ASSERT_EQ(::fchmod(from.get(), 04755), 0);
-  EXPECT_TRUE(copyAsUser());
-  EXPECT_EQ(modeOf(to), 0755U);
-  // The group is another one.
-  ASSERT_EQ(::fchown(from.get(), kUser, kGroup), 0);
-  ASSERT_EQ(::fchmod(from.get(), 02755), 0);
-  EXPECT_TRUE(copyAsUser());
-  EXPECT_EQ(modeOf(to), 0755U);
+  ASSERT_EQ(::fchmod(from.get(), 0660), 0);
+  EXPECT_TRUE(restrictAsUser());
+  EXPECT_EQ(modeOf(to), 0660U);
 }
 
 }  // namespace
