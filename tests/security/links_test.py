@@ -107,12 +107,12 @@ class Fixes(Links):
         self.assertEqual((self.work / "real" / "a.py").read_text(), FIXED)
         self.assertTrue((self.work / "link.py").is_symlink())
 
-    def fix_after(self, change):
-        """Fixes the folder `in`, and calls `change` after the program has listed it. Returns the messages."""
+    def fix_after(self, change, *paths):
+        """Fixes the folder `in` and other paths, and calls `change` after the program has listed it. Returns the messages."""
         self.write("work/in/0.py", DAMAGED)
         reader, writer = os.pipe()
         filling = fill(writer)
-        process = self.start("check", "--fix", "in", stdout=subprocess.DEVNULL, stderr=writer)
+        process = self.start("check", "--fix", "in", *paths, stdout=subprocess.DEVNULL, stderr=writer)
         os.close(writer)
         # The program has fixed the first file and waits until its message can be written.
         self.await_text(self.work / "in" / "0.py", FIXED, process)
@@ -126,6 +126,16 @@ class Fixes(Links):
         self.write("work/in/below/victim.py", DAMAGED)
         messages = self.fix_after(lambda: self.swap(self.work / "in" / "below", self.outside))
         self.assertIn("in/below/victim.py: error: cannot be read: it is not a regular file any more", messages)
+        self.assertEqual((self.work / "in" / "moved" / "victim.py").read_text(), DAMAGED)
+
+    def test_a_found_file_that_is_also_named_is_reached_by_its_name(self):
+        self.write("work/in/below/victim.py", DAMAGED)
+        os.symlink("in/below/victim.py", self.work / "named.py")
+
+        def swap():
+            self.swap(self.work / "in" / "below", self.outside)
+            os.unlink(self.work / "named.py")
+        self.assertIn("named.py: error: cannot be opened: No such file", self.fix_after(swap, "named.py"))
         self.assertEqual((self.work / "in" / "moved" / "victim.py").read_text(), DAMAGED)
 
     def test_a_file_that_becomes_a_link_is_not_followed(self):

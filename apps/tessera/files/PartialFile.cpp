@@ -7,8 +7,10 @@
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "tessera/diagnostics/Problem.hpp"
+#include "tessera/files/Interruption.hpp"
 #include "tessera/files/permissions.hpp"
 
 namespace tessera::files {
@@ -21,7 +23,11 @@ constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
 std::string resolve(const std::string& name) {
   std::error_code error;
   const auto target = std::filesystem::canonical(name, error);
-  return error ? name : target.string();
+  if (!error) return target.string();
+  if (error != std::errc::no_such_file_or_directory) {
+    failOutput(name, "cannot be created", error.value());
+  }
+  return name;
 }
 
 /// Returns the only absolute path of a file, which need not exist.
@@ -81,7 +87,8 @@ class PartialOpening {
       : folder(folder), name(name), path(name + kSuffix), entry(nameOfFile(path)) {}
 
   int openLocked(Leftover leftover) const {
-    while (true) {
+    constexpr int kMostAttempts = 100;
+    for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
       Descriptor file = create();
       const bool isNew = file.get() >= 0;
       if (!isNew) file = openLeftover();
@@ -92,6 +99,7 @@ class PartialOpening {
       // It may have other permissions than this run gives.
       if (!folder.unlink(entry)) failOutput(path, "cannot be removed", errno);
     }
+    failAsWritten();
   }
 
  private:
@@ -121,7 +129,12 @@ class PartialOpening {
   int continueWith(Descriptor file) const {
     struct stat status;
     if (::fstat(file.get(), &status) != 0) failOutput(path, "cannot be read", errno);
-    if (status.st_uid != ::geteuid()) failAsOther();
+    if (status.st_uid != ::geteuid()) {
+      throw diagnostics::OutputError({.file = path,
+                                      .place = {},
+                                      .what = "belongs to another user, so it is not continued",
+                                      .remedy = "continue it as that user, or leave out --resume"});
+    }
     // Where the system refuses that, all files have the same mode.
     if (isReplacing()) static_cast<void>(::fchmod(file.get(), kOwnerOnly));
     return file.release();
@@ -174,6 +187,10 @@ class PartialOpening {
       folder.unlink(entry);
     }
     if (!isLocked) failOutput(path, "cannot be locked", error);
+    failAsWritten();
+  }
+
+  [[noreturn]] void failAsWritten() const {
     throw diagnostics::OutputError({.file = path,
                                     .place = {},
                                     .what = "another run is writing it",
@@ -200,19 +217,27 @@ bool haveCommonName(const std::string& name, const std::string& other) {
 }
 
 PartialFile::PartialFile(const std::string& givenName, Leftover leftover, Incomplete incomplete)
-    : PartialFile(givenName, leftover, incomplete, HeldInterruptions()) {}
+    : PartialFile(resolve(givenName)) {
+  // The destructor runs if this throws.
+  open(leftover, incomplete);
+  file.emplace(number, givenName);
+}
 
-PartialFile::PartialFile(const std::string& givenName, Leftover leftover, Incomplete incomplete,
-                         const HeldInterruptions& /*held*/)
-    : name(resolve(givenName)),
+PartialFile::PartialFile(std::string resolvedName)
+    : name(std::move(resolvedName)),
       folder(openFolderOf(name)),
       partial(isDirectlyWritten(name) ? std::string() : name + kSuffix),
-      partialEntry(nameOfFile(partial)),
-      number(partial.empty() ? openDirectly(name)
-                             : PartialOpening(folder, name).openLocked(leftover)),
-      file(number, givenName) {
-  if (partial.empty() || incomplete == Incomplete::kKept) return;
-  removal.emplace(folder.number(), partialEntry);
+      partialEntry(nameOfFile(partial)) {}
+
+void PartialFile::open(Leftover leftover, Incomplete incomplete) {
+  if (partial.empty()) {
+    number = openDirectly(name);
+    return;
+  }
+  // No interruption arrives before it is known that the file is to be removed.
+  const HeldInterruptions held;
+  number = PartialOpening(folder, name).openLocked(leftover);
+  if (incomplete == Incomplete::kRemoved) removal.emplace(folder.number(), partialEntry);
 }
 
 PartialFile::~PartialFile() {
@@ -235,25 +260,37 @@ bool PartialFile::cutAfter(std::uint64_t size) {
 }
 
 void PartialFile::complete() {
-  file.flush();
+  file->flush();
   if (partial.empty()) return;
   const std::string entry = nameOfFile(name);
-  struct stat old;
-  if (folder.stat(entry, old) && S_ISREG(old.st_mode)) takePermissions(entry);
+  struct stat status;
+  const bool isReplacing = folder.stat(entry, status) && S_ISREG(status.st_mode);
+  // Another process may have a lease on it.
+  const Descriptor old = isReplacing ? folder.openToRead(entry) : Descriptor(-1);
   if (::fdatasync(number) != 0) failWriting(errno);
-  if (!folder.rename(partialEntry, entry)) failOutput(name, "cannot be replaced", errno);
+  // With the permissions of the other file, but without its name, it could perhaps not be
+  // continued.
+  const HeldInterruptions held;
+  if (isReplacing) takePermissions(old);
+  if (!folder.rename(partialEntry, entry)) failReplacing(errno);
   isIncomplete = false;
   removal.reset();
 }
 
-/// Takes those of the file that is replaced.
-void PartialFile::takePermissions(const std::string& entry) {
-  const Descriptor old = folder.openToRead(entry);
+/// Takes those of the file that is replaced; it is not open if it may not be read.
+void PartialFile::takePermissions(const Descriptor& old) {
   const bool isKnown = old.get() >= 0;
   if (isKnown && (copyPermissions(old.get(), number) || restrictPermissions(old.get(), number))) {
     return;
   }
-  if (::fchmod(number, kOwnerOnly) != 0) failOutput(name, "cannot be replaced", errno);
+  if (::fchmod(number, kOwnerOnly) != 0) failReplacing(errno);
+}
+
+/// Takes the permissions back, as far as possible.
+void PartialFile::failReplacing(int error) {
+  static_cast<void>(::fchown(number, ::geteuid(), ::getegid()));
+  static_cast<void>(::fchmod(number, kOwnerOnly));
+  failOutput(name, "cannot be replaced", error);
 }
 
 void PartialFile::failWriting(int error) {

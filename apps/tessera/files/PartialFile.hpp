@@ -52,7 +52,7 @@ class PartialFile {
   PartialFile& operator=(const PartialFile&) = delete;
 
   /// For text at the end of the file.
-  OutputFile& output() noexcept { return file; }
+  OutputFile& output() noexcept { return *file; }
   int descriptor() const noexcept { return number; }
 
   /// The name of the file while it is incomplete; empty when it is written directly.
@@ -67,11 +67,11 @@ class PartialFile {
   void complete();
 
  private:
-  /// No interruption arrives before it is known that the file is to be removed.
-  PartialFile(const std::string& name, Leftover leftover, Incomplete incomplete,
-              const HeldInterruptions& held);
+  explicit PartialFile(std::string resolvedName);
 
-  void takePermissions(const std::string& entry);
+  void open(Leftover leftover, Incomplete incomplete);
+  void takePermissions(const Descriptor& old);
+  [[noreturn]] void failReplacing(int error);
   [[noreturn]] void failWriting(int error);
 
   std::string name;
@@ -82,7 +82,7 @@ class PartialFile {
   int number = -1;
   bool isIncomplete = true;
   std::optional<RemovedOnInterruption> removal;
-  OutputFile file;
+  std::optional<OutputFile> file;
 };
 
 }  // namespace tessera::files

@@ -14,7 +14,6 @@ namespace tessera::files {
 namespace {
 
 constexpr const char* kAccessList = "system.posix_acl_access";
-constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
 
 /// Returns whether the error means that there is no such attribute.
 bool isAbsent(int error) {
@@ -62,10 +61,18 @@ bool setOwner(int file, uid_t owner, gid_t group) {
   return (now.st_uid == owner && now.st_gid == group) || ::fchown(file, owner, group) == 0;
 }
 
-bool setMode(int file, mode_t mode) {
+bool hasMode(int file, mode_t mode) {
   struct stat now;
-  if (::fstat(file, &now) != 0) return false;
-  return (now.st_mode & ALLPERMS) == mode || ::fchmod(file, mode) == 0;
+  return ::fstat(file, &now) == 0 && (now.st_mode & ALLPERMS) == mode;
+}
+
+/// The system takes off the set-group-ID bit of a group to which the user does not belong, and
+/// reports no error.
+bool setMode(int file, mode_t mode) {
+  if (hasMode(file, mode)) return true;
+  if (::fchmod(file, mode) != 0) return false;
+  errno = EPERM;
+  return hasMode(file, mode);
 }
 
 /// Returns those of the rights that everybody keeps when the owner, and perhaps the group, changes:
@@ -91,7 +98,7 @@ bool copyPermissions(int from, int to) {
 bool restrictPermissions(int from, int to) {
   struct stat old;
   if (::fstat(from, &old) != 0 || !removeAccessList(to)) return false;
-  const bool keepsGroup = ::fchown(to, kSameOwner, old.st_gid) == 0;
+  const bool keepsGroup = setOwner(to, ::geteuid(), old.st_gid);
   const mode_t mode = hasAccessList(from) ? old.st_mode & S_IRWXU : old.st_mode;
   return setMode(to, commonRights(mode, keepsGroup));
 }

@@ -7,10 +7,10 @@ namespace tessera::files {
 /// errno, if one of them cannot be kept; those of `to` are unspecified then.
 bool copyPermissions(int from, int to);
 
-/// Gives the open file `to` as much of the permissions of the open file `from` as does not give
-/// anybody else a right that he does not have on `from`, although the owner may be another one. If
-/// `from` has an access control list, they are for the owner only. Returns false, with errno, on an
-/// error.
+/// Gives the open file `to`, which then belongs to this user, the group of the open file `from` if
+/// possible, and as much of its mode as gives nobody else a right that he does not have on `from`.
+/// If `from` has an access control list, only the owner gets rights. Returns false, with errno, on
+/// an error.
 bool restrictPermissions(int from, int to);
 
 }  // namespace tessera::files

@@ -88,7 +88,7 @@ class Walk {
       if (path.ends_with('/')) {
         open(path);
       } else if (globs.accept(path)) {
-        found.push_back({.path = root + path, .isFound = true, .namedBytes = root.size()});
+        add(path);
       }
     }
   }
@@ -99,7 +99,11 @@ class Walk {
     const Entries entries = readEntries(root + path, root.size());
     if (entries.haveIgnoreFile && ignored) ignored->enter(path, root + path, root.size());
     for (const std::string& name : entries.names) pending.push_back(path + name);
-    if (entries.error) found.push_back({.path = root + path});
+    if (entries.error) add(path);
+  }
+
+  void add(const std::string& path) {
+    found.push_back({.path = root + path, .isFound = true, .namedBytes = root.size()});
   }
 
   std::string root;

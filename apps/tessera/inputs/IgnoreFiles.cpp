@@ -33,7 +33,8 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 std::optional<files::Descriptor> openRules(const std::string& path, std::size_t followed) {
   files::Descriptor file = files::openBelow(path, followed);
   if (file.get() < 0) {
-    if (errno == ENOENT || errno == ELOOP) return std::nullopt;
+    // The folder itself may have been replaced since it was found.
+    if (errno == ENOENT || errno == ELOOP || errno == ENOTDIR) return std::nullopt;
     failReading(path, "cannot be opened: " + std::generic_category().message(errno));
   }
   struct stat status;

@@ -24,7 +24,7 @@ struct InputOptions {
   std::vector<std::string> globs;
   /// Whether .gitignore excludes files of directories.
   bool respectsIgnoreFiles = true;
-  /// Whether a file that several paths lead to is read only once, where it comes first.
+  /// Whether a file that several paths lead to is read only once (`dropRepeated`).
   bool dropsRepeated = false;
   Shard shard;
 };

@@ -8,8 +8,8 @@ namespace tessera::inputs {
 
 /// Removes each input that is the same file as an earlier one under the same name, once symbolic
 /// links are followed: "a" and "./a" are, two names of one file (hard links) are not. What does not
-/// exist, or is not a regular file, stays. If one of several was named by the user, the one that
-/// stays counts as named.
+/// exist, or is not a regular file, stays. The first path stays, or in its place the first one that
+/// the user named.
 void dropRepeated(std::vector<Input>& inputs);
 
 }  // namespace tessera::inputs

@@ -1168,6 +1168,18 @@ class Outputs(ManyFiles):
         self.assertEqual(self.start_and_interrupt(signal.SIGTERM, "-o", "out", "-j", "2"), 143)
         self.assertEqual(self.start_and_interrupt(signal.SIGKILL, "-o", "out", "-j", "2"), -9)
 
+    def test_a_run_that_waits_for_the_reader_of_a_pipe_can_be_interrupted(self):
+        self.write("a")
+        os.mkfifo(self.folder / "out")
+        process = subprocess.Popen([PROGRAM, "parse", "-o", "out", "a"], cwd=self.folder)
+        deadline = time.monotonic() + 60
+        # It waits at some time, and then for ever.
+        while process.poll() is None and time.monotonic() < deadline:
+            time.sleep(0.5)
+            process.terminate()
+        process.kill()
+        self.assertIn(process.wait(), (-signal.SIGTERM, 128 + signal.SIGTERM))
+
 
 class Resume(ManyFiles):
     def test_a_killed_run_is_continued(self):

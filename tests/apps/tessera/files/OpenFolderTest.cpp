@@ -83,11 +83,12 @@ TEST_F(OpenFolderTest, AFileThatAnotherProcessHasALeaseOnIsAwaited) {
     leased = ::open(file.c_str(), O_RDWR);
     const bool isHeld = ::fcntl(leased, F_SETLEASE, F_WRLCK) == 0;
     static_cast<void>(::write(channel[1], isHeld ? "y" : "n", 1));
-    while (isHeld) ::pause();
-    std::_Exit(EXIT_SUCCESS);
+    if (!isHeld) std::_Exit(EXIT_SUCCESS);
+    while (true) ::pause();
   }
+  ::close(channel[1]);
   char answer = 'n';
-  ASSERT_EQ(::read(channel[0], &answer, 1), 1);
+  EXPECT_EQ(::read(channel[0], &answer, 1), 1);
   if (answer == 'y') {
     const OpenFolder folder(file);
     EXPECT_GE(folder.openToRead("inside").get(), 0);
@@ -95,7 +96,6 @@ TEST_F(OpenFolderTest, AFileThatAnotherProcessHasALeaseOnIsAwaited) {
   ::kill(holder, SIGKILL);
   ::waitpid(holder, nullptr, 0);
   ::close(channel[0]);
-  ::close(channel[1]);
   if (answer != 'y') GTEST_SKIP() << "there are no leases here";
 }
 

@@ -117,11 +117,15 @@ TEST_F(PartialFileTest, ALeftoverHasThePermissionsOfThisRun) {
   const auto permissionsWith = [&](Leftover leftover) {
     std::ofstream(folder / "out.partial") << "leftover";
     fs::permissions(folder / "out.partial", fs::perms(0666));
-    const std::ifstream reader(folder / "out.partial");
+    std::ifstream reader(folder / "out.partial");
     PartialFile file(name, leftover, Incomplete::kKept);
+    file.cutAfter(0);
+    file.output().text() = "text";
+    file.output().flush();
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}),
+              leftover == Leftover::kReplaced ? "leftover" : "text");
     struct stat status = {};
     EXPECT_EQ(::stat((folder / "out.partial").c_str(), &status), 0);
-    EXPECT_EQ(status.st_size, leftover == Leftover::kReplaced ? 0 : 8);
     return fs::perms(status.st_mode & 07777);
   };
   const mode_t old = ::umask(027);
@@ -135,12 +139,13 @@ TEST_F(PartialFileTest, ALeftoverHasThePermissionsOfThisRun) {
 
 TEST_F(PartialFileTest, ALeftoverOfAnotherUserIsReplacedButNotContinued) {
   std::ofstream(folder / "out.partial") << "leftover";
+  fs::permissions(folder / "out.partial", fs::perms(0666));
   if (::chown((folder / "out.partial").c_str(), 12345, 12345) != 0) GTEST_SKIP() << "not allowed";
   try {
     const PartialFile file(name, Leftover::kContinued);
     ADD_FAILURE() << "continued";
   } catch (const OutputError& error) {
-    EXPECT_EQ(error.problem().what, "exists, and is not the incomplete output of another run");
+    EXPECT_EQ(error.problem().what, "belongs to another user, so it is not continued");
   }
   EXPECT_EQ(read(folder / "out.partial"), "leftover");
   PartialFile file(name, Leftover::kReplaced);
@@ -180,6 +185,23 @@ TEST_F(PartialFileTest, ItStaysInTheFolderThatWasNamed) {
     fs::rename(root / "moved", folder);
     fs::remove(name);
   }
+}
+
+TEST_F(PartialFileTest, AFileThatCannotBeReplacedCanBeContinued) {
+  std::ofstream(name) << "old";
+  fs::permissions(name, fs::perms(0444));
+  PartialFile file(name, Leftover::kReplaced, Incomplete::kKept);
+  file.output().text() = "text";
+  fs::rename(folder / "out.partial", folder / "other");
+  EXPECT_THROW(file.complete(), OutputError);
+  EXPECT_EQ(fs::status(folder / "other").permissions(), fs::perms(0600));
+  EXPECT_EQ(read(folder / "other"), "text");
+}
+
+TEST_F(PartialFileTest, ALinkThatLeadsWhereNobodyKnowsIsNotReplaced) {
+  fs::create_symlink("out", name);
+  EXPECT_THROW(PartialFile(name, Leftover::kReplaced), OutputError);
+  EXPECT_TRUE(fs::is_symlink(name));
 }
 
 TEST_F(PartialFileTest, ALinkThatIsNamedIsFollowedOnce) {

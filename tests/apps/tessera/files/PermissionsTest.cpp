@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -134,11 +135,13 @@ class OwnershipTest : public PermissionsTest {
   void SetUp() override {
     if (::fchown(from.get(), kUser, kGroup) != 0) GTEST_SKIP() << "files cannot be given away";
     ASSERT_EQ(::fchown(to.get(), kUser, kUser), 0);
+    if (!asUser([] { return true; })) GTEST_SKIP() << "this process cannot be another user's";
   }
 
-  /// Returns what `step` returns when that user does it.
+  /// Returns what `step` returns when that user does it; nothing if this process may not become
+  /// him.
   template <class Step>
-  static bool asUser(Step step) {
+  static std::optional<bool> asUser(Step step) {
     constexpr int kNotThatUser = 3;
     const pid_t process = ::fork();
     if (process == 0) {
@@ -150,16 +153,16 @@ class OwnershipTest : public PermissionsTest {
     int status = 0;
     EXPECT_EQ(::waitpid(process, &status, 0), process);
     EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_NE(WEXITSTATUS(status), kNotThatUser);
+    if (WEXITSTATUS(status) == kNotThatUser) return std::nullopt;
     return status == 0;
   }
 
   bool copyAsUser() const {
-    return asUser([this] { return copyPermissions(from.get(), to.get()); });
+    return asUser([this] { return copyPermissions(from.get(), to.get()); }).value();
   }
 
   bool restrictAsUser() const {
-    return asUser([this] { return restrictPermissions(from.get(), to.get()); });
+    return asUser([this] { return restrictPermissions(from.get(), to.get()); }).value();
   }
 };
 
@@ -179,6 +182,26 @@ TEST_F(OwnershipTest, AnotherOwnerOrGroupIsAnError) {
   EXPECT_FALSE(copyAsUser());
   ASSERT_EQ(::fchown(from.get(), kUser, kUser), 0);
   EXPECT_TRUE(copyAsUser());
+}
+
+// The system takes the bit off without an error.
+TEST_F(OwnershipTest, ASetGroupIdBitThatIsNotKeptIsAnError) {
+  ASSERT_EQ(::fchown(to.get(), kUser, kGroup), 0);
+  ASSERT_EQ(::fchmod(from.get(), 0755), 0);
+  EXPECT_TRUE(copyAsUser());
+  ASSERT_EQ(::fchmod(from.get(), 02755), 0);
+  EXPECT_FALSE(copyAsUser());
+}
+
+TEST_F(OwnershipTest, ARestrictedFileBelongsToTheUser) {
+  ASSERT_TRUE(copyPermissions(from.get(), to.get()));
+  ASSERT_EQ(::fchmod(from.get(), 0640), 0);
+  ASSERT_TRUE(restrictPermissions(from.get(), to.get()));
+  struct stat status = {};
+  ASSERT_EQ(::fstat(to.get(), &status), 0);
+  EXPECT_EQ(status.st_uid, ::geteuid());
+  EXPECT_EQ(status.st_gid, kGroup);
+  EXPECT_EQ(modeOf(to), 0640U);
 }
 
 TEST_F(OwnershipTest, AnotherGroupHasTheRightsThatGroupAndOthersHad) {
