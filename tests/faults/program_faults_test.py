@@ -74,6 +74,7 @@ COMMANDS = {
     "parse and record": "parse --trace --format ndjson --record recording a.py b.sql",
     "parse with workers": "parse -j 2 --format ndjson a.py b.sql",
     "parse with workers to a file": "parse -j 2 -o old a.py b.sql",
+    "parse as records over a file": "parse -j 1 --format ndjson -o old a.py b.sql",
     "resume": "parse -j 1 --format ndjson -o resumed --resume a.py b.sql",
     "parse standard input": "parse -j 1 --format ndjson -",
     "parse a folder": "parse -j 1 --format ndjson dir",
@@ -126,6 +127,10 @@ def contents(folder):
     for name in REPLACED:
         if name in found and os.stat(folder / name).st_mode & 0o7777 & ~REPLACED_MODE:
             found[name] += b"with more rights"
+    for path in folder.rglob("*.partial"):
+        # The user could not continue it.
+        if path.stat().st_uid != os.geteuid():
+            found[f"{path.name} of another user"] = b""
     return found
 
 

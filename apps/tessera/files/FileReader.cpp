@@ -46,10 +46,12 @@ FileReader::FileReader(const std::string& name, std::size_t followed) : name(nam
   const bool isLink = file.get() < 0 && (errno == ELOOP || errno == ENOTDIR);
   if (!isLink) examine(file);
   if (!fileId) {
-    throw diagnostics::ProblemError({.file = name,
-                                     .place = {},
-                                     .what = "cannot be read: it is not a regular file any more",
-                                     .remedy = "try again when no other program replaces it"});
+    throw diagnostics::ProblemError(
+        {.file = name,
+         .place = {},
+         .what = name.ends_with('/') ? "cannot be read: it is not a directory any more"
+                                     : "cannot be read: it is not a regular file any more",
+         .remedy = "try again when no other program replaces it"});
   }
   descriptor = file.release();
 }

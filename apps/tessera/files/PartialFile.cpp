@@ -19,15 +19,18 @@ namespace {
 constexpr const char* kSuffix = ".partial";
 constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
 
-/// Returns the file that `name` leads to: through symbolic links, if it exists.
-std::string resolve(const std::string& name) {
-  std::error_code error;
+/// Returns the file that `name` leads to, if it is a symbolic link and that exists.
+std::string resolve(const std::string& name, std::error_code& error) {
+  if (!std::filesystem::is_symlink(name, error)) return name;
   const auto target = std::filesystem::canonical(name, error);
-  if (!error) return target.string();
-  if (error != std::errc::no_such_file_or_directory) {
-    failOutput(name, "cannot be created", error.value());
-  }
-  return name;
+  return error ? name : target.string();
+}
+
+std::string resolveToWrite(const std::string& name) {
+  std::error_code error;
+  std::string target = resolve(name, error);
+  if (!error || error == std::errc::no_such_file_or_directory) return target;
+  failOutput(name, "cannot be created", error.value());
 }
 
 /// Returns the only absolute path of a file, which need not exist.
@@ -129,12 +132,7 @@ class PartialOpening {
   int continueWith(Descriptor file) const {
     struct stat status;
     if (::fstat(file.get(), &status) != 0) failOutput(path, "cannot be read", errno);
-    if (status.st_uid != ::geteuid()) {
-      throw diagnostics::OutputError({.file = path,
-                                      .place = {},
-                                      .what = "belongs to another user, so it is not continued",
-                                      .remedy = "continue it as that user, or leave out --resume"});
-    }
+    if (status.st_uid != ::geteuid()) failAsForeign();
     // Where the system refuses that, all files have the same mode.
     if (isReplacing()) static_cast<void>(::fchmod(file.get(), kOwnerOnly));
     return file.release();
@@ -167,6 +165,7 @@ class PartialOpening {
     const bool isThere = folder.stat(entry, status);
     // A symbolic link or a folder.
     if (isThere && !S_ISREG(status.st_mode)) failAsOther();
+    if (isThere && error == EACCES && status.st_uid != ::geteuid()) failAsForeign();
     failOutput(isThere ? path : name, "cannot be created", error);
   }
 
@@ -176,6 +175,14 @@ class PartialOpening {
          .place = {},
          .what = "exists, and is not the incomplete output of another run",
          .remedy = "remove it, or name another file"});
+  }
+
+  [[noreturn]] void failAsForeign() const {
+    throw diagnostics::OutputError(
+        {.file = path,
+         .place = {},
+         .what = "exists, and belongs to another user",
+         .remedy = "let that user continue or remove it, or name another file"});
   }
 
   [[noreturn]] void failLocking(const Descriptor& file) const {
@@ -206,7 +213,8 @@ class PartialOpening {
 }  // namespace
 
 OutputNames outputNames(const std::string& name) {
-  const std::string complete = resolve(name);
+  std::error_code unused;
+  const std::string complete = resolve(name, unused);
   return {.complete = complete, .partial = complete + kSuffix};
 }
 
@@ -217,7 +225,7 @@ bool haveCommonName(const std::string& name, const std::string& other) {
 }
 
 PartialFile::PartialFile(const std::string& givenName, Leftover leftover, Incomplete incomplete)
-    : PartialFile(resolve(givenName)) {
+    : PartialFile(resolveToWrite(givenName)) {
   // The destructor runs if this throws.
   open(leftover, incomplete);
   file.emplace(number, givenName);

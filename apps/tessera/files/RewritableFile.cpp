@@ -74,9 +74,10 @@ class TemporaryFile {
                                    .remedy = remedy});
 }
 
-/// Returns where `name` leads to through symbolic links.
+/// Returns where `name` leads to, if it is a symbolic link.
 std::string resolveExisting(const std::string& name) {
   std::error_code error;
+  if (!std::filesystem::is_symlink(name, error)) return name;
   const auto target = std::filesystem::canonical(name, error);
   if (error) failWithError(name, "cannot be opened", error.value());
   return target.string();

@@ -24,9 +24,7 @@ bool removeAccessList(int file) {
   return ::fremovexattr(file, kAccessList) == 0 || isAbsent(errno);
 }
 
-bool copyAttribute(const char* name, int from, int to) {
-  // Not on the stack, which may be small.
-  std::string value(XATTR_SIZE_MAX, '\0');
+bool copyAttribute(const char* name, int from, int to, std::string& value) {
   const ssize_t size = ::fgetxattr(from, name, value.data(), value.size());
   if (size < 0) return false;
   return ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0) == 0;
@@ -37,18 +35,17 @@ bool hasAccessList(int file) {
 }
 
 /// A new file inherits an access control list from its folder.
-bool copyAccessList(int from, int to) {
-  return hasAccessList(from) ? copyAttribute(kAccessList, from, to) : removeAccessList(to);
+bool copyAccessList(int from, int to, std::string& value) {
+  return hasAccessList(from) ? copyAttribute(kAccessList, from, to, value) : removeAccessList(to);
 }
 
-bool copyUserAttributes(int from, int to) {
-  std::string list(XATTR_LIST_MAX, '\0');
+bool copyUserAttributes(int from, int to, std::string& list, std::string& value) {
   const ssize_t size = ::flistxattr(from, list.data(), list.size());
   if (size < 0) return isAbsent(errno);
   std::string_view names(list.data(), static_cast<std::size_t>(size));
   while (!names.empty()) {
     const std::string_view name = names.substr(0, names.find('\0'));
-    if (name.starts_with("user.") && !copyAttribute(name.data(), from, to)) return false;
+    if (name.starts_with("user.") && !copyAttribute(name.data(), from, to, value)) return false;
     names.remove_prefix(name.size() + 1);
   }
   return true;
@@ -88,10 +85,13 @@ mode_t commonRights(mode_t mode, bool keepsGroup) {
 }  // namespace
 
 bool copyPermissions(int from, int to) {
+  // Not on the stack, which may be small, and before anything is changed: there may be no memory.
+  std::string list(XATTR_LIST_MAX, '\0');
+  std::string value(XATTR_SIZE_MAX, '\0');
   struct stat old;
   // A change of the owner may clear bits of the mode, and a change of the list sets some.
   return ::fstat(from, &old) == 0 && setOwner(to, old.st_uid, old.st_gid) &&
-         copyUserAttributes(from, to) && copyAccessList(from, to) &&
+         copyUserAttributes(from, to, list, value) && copyAccessList(from, to, value) &&
          setMode(to, old.st_mode & ALLPERMS);
 }
 

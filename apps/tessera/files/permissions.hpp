@@ -4,7 +4,8 @@ namespace tessera::files {
 
 /// Gives the open file `to`, which is to take the place of the open file `from`, its owner, group,
 /// mode, POSIX access control list, and the attributes of users ("user.*"). Returns false, with
-/// errno, if one of them cannot be kept; those of `to` are unspecified then.
+/// errno, if one of them cannot be kept; those of `to` are unspecified then. Throws std::bad_alloc
+/// before it changes anything.
 bool copyPermissions(int from, int to);
 
 /// Gives the open file `to`, which then belongs to this user, the group of the open file `from` if

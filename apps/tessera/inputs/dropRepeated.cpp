@@ -59,8 +59,7 @@ void dropRepeated(std::vector<Input>& inputs) {
   for (std::size_t i = 0; i < inputs.size(); ++i) {
     const std::size_t first = known.firstOf(i);
     isRepeated[i] = first != i;
-    // What the user named is never left out, and links in its path are followed.
-    if (inputs[first].isFound && !inputs[i].isFound) inputs[first] = inputs[i];
+    if (!inputs[i].isFound) inputs[first].isAlsoNamed = true;
   }
   std::size_t kept = 0;
   for (std::size_t i = 0; i < inputs.size(); ++i) {

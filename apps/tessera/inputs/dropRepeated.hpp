@@ -8,8 +8,7 @@ namespace tessera::inputs {
 
 /// Removes each input that is the same file as an earlier one under the same name, once symbolic
 /// links are followed: "a" and "./a" are, two names of one file (hard links) are not. What does not
-/// exist, or is not a regular file, stays. The first path stays, or in its place the first one that
-/// the user named.
+/// exist, or is not a regular file, stays.
 void dropRepeated(std::vector<Input>& inputs);
 
 }  // namespace tessera::inputs

@@ -70,7 +70,7 @@ bool isLeftOut(files::FileReader& file, const files::StreamFiles& streams) {
 }
 
 bool isLeftOut(const Input& input, const files::StreamFiles& streams) {
-  if (!input.isFound) return false;
+  if (!input.mayBeLeftOut()) return false;
   try {
     files::FileReader file = openInput(input);
     return isLeftOut(file, streams);

@@ -69,7 +69,7 @@ session::ParsedFile FileJob::parse(const std::string& path, std::string_view byt
 }
 
 void FileJob::skipIfLeftOut(files::FileReader& file) const {
-  if (input().isFound && inputs::isLeftOut(file, streams)) throw LeftOutFile();
+  if (input().mayBeLeftOut() && inputs::isLeftOut(file, streams)) throw LeftOutFile();
 }
 
 bool FileJob::isAccepted(const quenlith::syntax::Marker& marker) {

@@ -44,7 +44,7 @@ class WrittenFiles {
     if (existing.empty()) return;
     std::erase_if(inputs, [&](const Input& input) {
       const WrittenFile* const file = find(input.path);
-      if (file != nullptr && !input.isFound) refuseOutput(*file, "one of the inputs");
+      if (file != nullptr && !input.mayBeLeftOut()) refuseOutput(*file, "one of the inputs");
       return file != nullptr;
     });
   }

@@ -576,12 +576,12 @@ class Fix(CheckTest):
         # That user cannot write the counters of a program built for coverage.
         environment = dict(os.environ, LLVM_PROFILE_FILE="/dev/null")
         try:
-            done = self.fix(*arguments, user=65534, group=65534, extra_groups=(), env=environment)
+            nobody = {"user": 65534, "group": 65534, "extra_groups": ()}
+            if subprocess.run(["test", "-w", self.folder], **nobody).returncode != 0:
+                self.skipTest("the user nobody cannot use the folder of the test")
+            return self.fix(*arguments, **nobody, env=environment)
         except PermissionError:
             self.skipTest("the user nobody cannot run the program")
-        if b"cannot be opened" in done.stderr:
-            self.skipTest("the user nobody cannot use the folder of the test")
-        return done
 
     @unittest.skipUnless(can_give_away(), "files cannot be given away")
     def test_a_file_whose_group_cannot_be_kept_is_refused(self):
@@ -593,6 +593,25 @@ class Fix(CheckTest):
                             "permitted; change the permissions of the file and its folder, let the owner of the file "
                             "fix it, or leave out --fix")
         self.assertEqual((self.read(name), os.listdir(self.folder)), (self.BROKEN, ["f"]))
+
+    @unittest.skipUnless(can_give_away(), "files cannot be given away")
+    def test_the_folders_above_may_be_private(self):
+        folder = self.folder / "private" / "work"
+        folder.mkdir(parents=True)
+        for name in ("f", "out"):
+            self.write(f"private/work/{name}", self.BROKEN)
+            os.chown(folder / name, 65534, 65534)
+        folder.chmod(0o777)
+        # The user is in the folder, but could not come there.
+        run = lambda *arguments: subprocess.run(
+            ["sh", "-c", 'cd "$0" && exec setpriv --reuid 65534 --regid 65534 --clear-groups "$@"', folder, PROGRAM, *arguments],
+            capture_output=True, env=dict(os.environ, LLVM_PROFILE_FILE="/dev/null"))
+        if run("--version").returncode != 0:
+            self.skipTest("the user nobody cannot run the program")
+        (self.folder / "private").chmod(0o700)
+        for arguments in (("check", "--fix", "f"), ("parse", "-o", "out", "f"), ("parse", "-o", "new", "f")):
+            self.assertEqual(run(*arguments).stderr.decode().replace("f: 3 fixes made\n", ""), "", arguments)
+        self.assertEqual((folder / "f").read_bytes(), self.FIXED)
 
     def test_a_long_name_is_no_obstacle(self):
         for name in ("n" * 255, "\u00e9" * 127):

@@ -145,7 +145,7 @@ TEST_F(PartialFileTest, ALeftoverOfAnotherUserIsReplacedButNotContinued) {
     const PartialFile file(name, Leftover::kContinued);
     ADD_FAILURE() << "continued";
   } catch (const OutputError& error) {
-    EXPECT_EQ(error.problem().what, "belongs to another user, so it is not continued");
+    EXPECT_EQ(error.problem().what, "exists, and belongs to another user");
   }
   EXPECT_EQ(read(folder / "out.partial"), "leftover");
   PartialFile file(name, Leftover::kReplaced);
