@@ -82,8 +82,8 @@ TEST_F(OpenFolderTest, AFileThatAnotherProcessHasALeaseOnIsAwaited) {
     ::signal(SIGIO, giveUpLease);
     leased = ::open(file.c_str(), O_RDWR);
     const bool isHeld = ::fcntl(leased, F_SETLEASE, F_WRLCK) == 0;
-    static_cast<void>(::write(channel[1], isHeld ? "y" : "n", 1));
-    if (!isHeld) std::_Exit(EXIT_SUCCESS);
+    const bool isTold = ::write(channel[1], isHeld ? "y" : "n", 1) == 1;
+    if (!isHeld || !isTold) std::_Exit(EXIT_SUCCESS);
     while (true) ::pause();
   }
   ::close(channel[1]);
