@@ -10,6 +10,7 @@
 #include <string>
 
 #include "apps/tessera/support/TemporaryFolder.hpp"
+#include "apps/tessera/support/asUser.hpp"
 #include "tessera/diagnostics/Problem.hpp"
 
 namespace {
@@ -155,6 +156,24 @@ TEST_F(PartialFileTest, ALeftoverOfAnotherUserIsReplacedButNotContinued) {
   EXPECT_EQ(status.st_uid, ::geteuid());
 }
 
+// Its owner and group cannot be kept, and its group becomes one of the others.
+TEST_F(PartialFileTest, AFileOfAnotherUserIsReplacedWithTheRightsThatEverybodyHad) {
+  constexpr uid_t kUser = 12345;
+  std::ofstream(name) << "old";
+  fs::permissions(name, fs::perms(0664));
+  for (const fs::path& part : {root, folder}) fs::permissions(part, fs::perms(0777));
+  const auto replace = [this] {
+    PartialFile file(name, Leftover::kReplaced);
+    file.complete();
+    return true;
+  };
+  if (!asUser(kUser, replace)) GTEST_SKIP() << "this process cannot be another user's";
+  struct stat status = {};
+  ASSERT_EQ(::stat(name.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kUser);
+  EXPECT_EQ(fs::perms(status.st_mode & 07777), fs::perms(0644));
+}
+
 TEST_F(PartialFileTest, ANewFileHasThePermissionsOfANewFile) {
   const mode_t old = ::umask(027);
   PartialFile file(name, Leftover::kReplaced);
@@ -190,11 +209,16 @@ TEST_F(PartialFileTest, ItStaysInTheFolderThatWasNamed) {
 TEST_F(PartialFileTest, AFileThatCannotBeReplacedCanBeContinued) {
   std::ofstream(name) << "old";
   fs::permissions(name, fs::perms(0444));
+  // Only some users may do that; for others it is a file of theirs.
+  [[maybe_unused]] const int result = ::chown(name.c_str(), 12345, 12345);
   PartialFile file(name, Leftover::kReplaced, Incomplete::kKept);
   file.output().text() = "text";
   fs::rename(folder / "out.partial", folder / "other");
   EXPECT_THROW(file.complete(), OutputError);
-  EXPECT_EQ(fs::status(folder / "other").permissions(), fs::perms(0600));
+  struct stat status = {};
+  ASSERT_EQ(::stat((folder / "other").c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, ::geteuid());
+  EXPECT_EQ(fs::perms(status.st_mode & 07777), fs::perms(0600));
   EXPECT_EQ(read(folder / "other"), "text");
 }
 
