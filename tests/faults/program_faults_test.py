@@ -358,6 +358,11 @@ class ProgramFaults(unittest.TestCase):
                            for lists in (chosen, faults)))
         self.inject(chosen)
 
+    def test_a_doctor_without_memory_does_not_call_the_program_damaged(self):
+        self.require_tracer()
+        self.inject({"doctor": [fault for fault in call_faults("doctor")
+                                if fault.kind in ("newfstatat", "fstat", "readlink") and fault.error in SHORTAGES]})
+
     def test_records_that_may_not_be_on_the_disk_are_not_continued(self):
         self.require_tracer()
         for error in DISK_ERRORS:

@@ -14,6 +14,7 @@
 #include "quenlith/elf/LibraryName.hpp"
 #include "quenlith/elf/loadedLibraries.hpp"
 #include "tessera/host/RunningBundles.hpp"
+#include "tessera/host/describeFault.hpp"
 #include "tessera/host/startBundles.hpp"
 
 namespace tessera::doctor {
@@ -160,10 +161,12 @@ Diagnosis diagnose(const std::vector<std::string>& extensionBundles) {
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
-    diagnosis.problems.push_back({.file = "tessera",
-                                  .place = {},
-                                  .what = std::string("the framework failed: ") + error.what(),
-                                  .remedy = "install the program again"});
+    const std::string shortage = host::remedyForShortage(error.what());
+    diagnosis.problems.push_back(
+        {.file = "tessera",
+         .place = {},
+         .what = std::string("the framework failed: ") + error.what(),
+         .remedy = shortage.empty() ? "install the program again" : shortage});
   }
   return diagnosis;
 }
