@@ -1,5 +1,6 @@
 #include "tessera/check/scan/SimilarNames.hpp"
 
+#include "tessera/hashing/KeyedMap.hpp"
 #include "tessera/spelling/areSimilar.hpp"
 
 namespace tessera::check::scan {
@@ -9,12 +10,15 @@ using spelling::areSimilar;
 using spelling::kMaxNameUnits;
 using spelling::lowered;
 
-constexpr std::size_t kMaxPerKey = 4;
+/// Returns how many keys a name has, at most.
+std::size_t keyCount(std::u16string_view name) {
+  return name.size() > kMaxNameUnits ? 1 : name.size() + 1;
+}
 
 /// Calls `use` with the hash of each text that results from `name` without one of its units, and of
 /// `name` itself. Each hash takes constant time: it is a combination of those of the two parts.
 template <class Use>
-void forEachKey(std::u16string_view name, Use use) {
+void forEachDeletion(std::u16string_view name, Use use) {
   constexpr std::uint64_t kBase = 0x9E3779B97F4A7C15;
   std::vector<std::uint64_t> tails(name.size() + 1, 0);
   std::vector<std::uint64_t> powers(name.size() + 1, 1);
@@ -30,41 +34,45 @@ void forEachKey(std::u16string_view name, Use use) {
   }
 }
 
+/// Calls `use` with each key of a name; those of names with another case are the same.
+template <class Use>
+void forEachKey(std::u16string_view name, Use use) {
+  const std::u16string lower = lowered(name);
+  if (lower.size() > kMaxNameUnits) {
+    use(hashing::KeyedHasher()(lower));
+  } else {
+    forEachDeletion(lower, use);
+  }
+}
+
 }  // namespace
 
 void SimilarNames::add(std::u16string_view name, std::size_t number) {
   entries.push_back({std::u16string(name), number});
-  const auto insert = [this](std::uint64_t key) {
-    std::vector<std::size_t>& found = index[key];
-    const std::size_t entry = entries.size() - 1;
-    const bool isThere = !found.empty() && found.back() == entry;
-    if (!isThere && found.size() < kMaxPerKey) found.push_back(entry);
-  };
-  const std::u16string lower = lowered(name);
-  if (lower.size() > kMaxNameUnits) {
-    insert(hashing::KeyedHasher()(lower));
-  } else {
-    forEachKey(lower, insert);
-  }
 }
 
 std::optional<std::size_t> SimilarNames::find(std::u16string_view name) const {
+  indexNames();
   std::size_t best = entries.size();
-  const auto look = [&](std::uint64_t key) {
-    const auto found = index.find(key);
-    if (found == index.end()) return;
-    for (const std::size_t entry : found->second) {
+  forEachKey(name, [&](std::uint64_t key) {
+    index.forEach(key, [&](std::size_t entry) {
       if (entry < best && areSimilar(entries[entry].name, name)) best = entry;
-    }
-  };
-  const std::u16string lower = lowered(name);
-  if (lower.size() > kMaxNameUnits) {
-    look(hashing::KeyedHasher()(lower));
-  } else {
-    forEachKey(lower, look);
-  }
+    });
+  });
   if (best == entries.size()) return std::nullopt;
   return entries[best].number;
+}
+
+void SimilarNames::indexNames() const {
+  if (indexedCount == 0) {
+    std::size_t count = 0;
+    for (const Entry& entry : entries) count += keyCount(entry.name);
+    index.reserve(count);
+  }
+  for (; indexedCount < entries.size(); ++indexedCount) {
+    forEachKey(entries[indexedCount].name,
+               [this](std::uint64_t key) { index.add(key, indexedCount); });
+  }
 }
 
 }  // namespace tessera::check::scan

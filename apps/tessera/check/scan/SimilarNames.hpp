@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tessera/hashing/KeyedMap.hpp"
+#include "tessera/hashing/KeyedIndex.hpp"
 
 namespace tessera::check::scan {
 
@@ -19,7 +19,8 @@ inline constexpr std::size_t kMinSimilar = 2;
 ///
 /// Each name is stored under all the texts that result from it when one character is removed, so
 /// that a search compares only a bounded number of names (the method of symmetric deletion). Names
-/// longer than 64 units are found only by their case. Linear in the length of all names.
+/// longer than 64 units are found only by their case. Linear in the length of all names. For one
+/// thread at a time.
 class SimilarNames {
  public:
   /// Adds a name under a number. The name is copied.
@@ -34,10 +35,14 @@ class SimilarNames {
     std::size_t number;
   };
 
+  /// Adds the keys of the names that were added since the last search: there may be none.
+  void indexNames() const;
+
   std::vector<Entry> entries;
-  // The indices of entries by the hashes of their keys. A key keeps few: more would make a search
-  // among many names with one key slow, and the first ones are as good as the others.
-  hashing::KeyedMap<std::uint64_t, std::vector<std::size_t>> index;
+  // The indices of entries by the hashes of their keys. Of the names of a key, the first ones are
+  // as good as the others.
+  mutable hashing::KeyedIndex index;
+  mutable std::size_t indexedCount = 0;
 };
 
 }  // namespace tessera::check::scan

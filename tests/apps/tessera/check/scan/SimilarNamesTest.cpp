@@ -37,6 +37,19 @@ TEST(SimilarNames, TheIndexFindsWhatComparingAllNamesFinds) {
   }
 }
 
+TEST(SimilarNames, NamesThatAreAddedAfterASearchAreFound) {
+  SimilarNames index;
+  EXPECT_EQ(index.find(u"group"), std::nullopt);
+  for (std::size_t number = 0; number < 100; ++number) {
+    const std::u16string name(2 * number + 2, u'x');
+    EXPECT_EQ(index.find(name + u'y'), std::nullopt) << number;
+    index.add(name, number);
+    const bool isLong = name.size() >= 64;
+    EXPECT_EQ(index.find(name + u'y'), isLong ? std::nullopt : std::optional(number));
+    EXPECT_EQ(index.find(std::u16string(name.size(), u'X')), number);
+  }
+}
+
 TEST(SimilarNames, LongNamesAreComparedByCaseOnly) {
   const std::u16string name(100, u'x');
   SimilarNames index;
