@@ -296,8 +296,8 @@ void PartialFile::takePermissions(const Descriptor& old) {
 
 /// Takes the permissions back, as far as possible.
 void PartialFile::failReplacing(int error) {
-  [[maybe_unused]] const bool isOurs =
-      ::fchown(number, ::geteuid(), ::getegid()) == 0 && ::fchmod(number, kOwnerOnly) == 0;
+  [[maybe_unused]] const bool isOurs = ::fchown(number, ::geteuid(), ::getegid()) == 0;
+  [[maybe_unused]] const bool isPrivate = ::fchmod(number, kOwnerOnly) == 0;
   failOutput(name, "cannot be replaced", error);
 }
 

@@ -1,6 +1,5 @@
 #include "tessera/hashing/KeyedIndex.hpp"
 
-#include <algorithm>
 #include <bit>
 
 #include "tessera/hashing/KeyedMap.hpp"
@@ -14,15 +13,16 @@ void KeyedIndex::reserve(std::size_t count) {
 
 void KeyedIndex::add(std::uint64_t key, std::size_t number) {
   if (pairs.size() == heads.size()) makeBuckets(pairs.size() + 1);
+  // Before the search, whose place is in this block or in the other one.
+  pairs.push_back({.key = key, .number = number, .next = kNone});
   std::size_t* at = &heads[bucketOf(key)];
   std::size_t count = 0;
   for (; *at != kNone; at = &pairs[*at].next) {
     const Pair& other = pairs[*at];
     if (other.key != key) continue;
-    if (other.number == number || ++count == kMostPerKey) return;
+    if (other.number == number || ++count == kMostPerKey) return pairs.pop_back();
   }
-  *at = pairs.size();
-  pairs.push_back({.key = key, .number = number, .next = kNone});
+  *at = pairs.size() - 1;
 }
 
 /// Nobody can choose keys that share a bucket.
