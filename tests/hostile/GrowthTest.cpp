@@ -33,6 +33,9 @@ constexpr Sizes kLargeResult{.small = 4'000, .large = 16'000, .exponent = 1.15};
 // more.
 constexpr Sizes kWithinTask{.small = 15'625, .large = 125'000, .exponent = 1.05};
 constexpr std::string_view kLongTask = "a long task";
+// For `kOneFixPerRound`: up to 40 of its lines, each line needs a round of `--fix`.
+constexpr Sizes kAfterAllRounds{.small = 4'000, .large = 16'000, .exponent = 1.15};
+constexpr std::string_view kOneFixPerRound = "comments that are not closed";
 
 // What grows in steps, such as a hash table.
 constexpr std::uint64_t kConstantWork = 25'000;
@@ -70,6 +73,7 @@ bool hasLargeResult(const std::string& family, const std::string& surface) {
 Sizes sizesOf(const std::string& family, const Sizes& usual) {
   const auto atMost = [&usual](const Sizes& own) { return usual.large > own.large ? own : usual; };
   if (family == kLongTask) return atMost(kWithinTask);
+  if (family == kOneFixPerRound && usual.small < kAfterAllRounds.small) return kAfterAllRounds;
   const bool isLarge =
       std::ranges::any_of(kLargeResults, [&](const auto& large) { return large.family == family; });
   return isLarge ? atMost(kLargeResult) : usual;

@@ -219,7 +219,7 @@ class InstalledTree(unittest.TestCase):
     def test_pkg_config_leaves_the_standard_to_the_author(self):
         self.assertEqual(self.output_of(
             '#include <cstdio>\n#include "quenlith/syntax/Marker.hpp"\n'
-            'int main() { std::puts(__cplusplus > 202002L ? "newer" : "C++20"); }\n', "c++23"), "newer\n")
+            'int main() { std::puts(__cplusplus > 202002L ? "newer" : "C++20"); }\n', "c++2b"), "newer\n")
 
     def test_a_host_of_others_reads_the_pieces(self):
         with tempfile.TemporaryDirectory(dir=self.work) as folder:
