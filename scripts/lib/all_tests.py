@@ -26,16 +26,23 @@ class Part:
     command: str
 
 
+def build_of(preset, *programs):
+    """Returns the command that builds the programs, or everything if none is named."""
+    targets = f" --target {' '.join(programs)}" if programs else ""
+    return f"cmake --preset {preset} && cmake --build --preset {preset}{targets}"
+
+
 def cycles_in(preset, count):
     """Returns the command for life cycles of bundles in an embedded framework."""
     programs = ("framework_cycles", "markup_cycles")
-    build = f"ninja -C build/{preset} {' '.join(programs)}"
-    return f"{build} && printf '%s\\n' {' '.join(programs)} | xargs -P 2 -I NAME build/{preset}/bin/NAME {count}"
+    paths = " ".join(f"build/{preset}/bin/{program}" for program in programs)
+    # env, because the name of the program itself is not replaced.
+    return f"{build_of(preset, *programs)} && printf '%s\\n' {paths} | xargs -P 2 -I PROGRAM env PROGRAM {count}"
 
 
 def compare_outputs_of(*presets):
     """Returns the command that builds the presets and compares what the programs write, in all environments."""
-    builds = "; ".join(f"cmake --preset {preset} && cmake --build --preset {preset} || exit 1" for preset in presets)
+    builds = "; ".join(f"{build_of(preset)} || exit 1" for preset in presets)
     folders = " ".join(f"build/{preset}" for preset in presets)
     library = f"build/{presets[0]}/lib/libreversed_directories.so"
     return f"{builds}; DETERMINISM=all tests/determinism/determinism_test.py --preload {library} {folders}"
@@ -50,7 +57,7 @@ def make_parts():
         Part("cycles", cycles_in("dev", 1000000)),
         # An hour in all.
         Part("fuzz", "scripts/fuzz 200"),
-        Part("damage", "ninja -C build/dev tessera && tests/damage/measure.py build/dev/bin/tessera"),
+        Part("damage", f"{build_of('dev', 'tessera')} && tests/damage/measure.py build/dev/bin/tessera"),
         Part("release", f"ORACLE_SHARE=1 {test} release"),
         Part("clang", f"ORACLE_SHARE=1 {test} clang"),
         Part("asan", f"ORACLE_SHARE=1 {test} asan"),

@@ -4,6 +4,7 @@ that cannot build or say how to begin."""
 import contextlib
 import io
 import json
+import os
 import pathlib
 import re
 import shlex
@@ -163,6 +164,25 @@ class AllTests(unittest.TestCase):
                     self.assertIn(word.partition(":")[0], presets)
         for name in all_tests.LEFT_OUT:
             self.assertTrue((SOURCE / name).exists(), name)
+
+    def put_program(self, path, script):
+        program = self.folder / path
+        program.parent.mkdir(parents=True, exist_ok=True)
+        program.write_text(f"#!/bin/sh\n{script}\n")
+        program.chmod(0o755)
+
+    def test_the_parts_of_life_cycles_run_both_programs(self):
+        self.put_program("path/cmake", "exit 0")
+        parts = {part.name: part.command for part in all_tests.make_parts()}
+        for name, preset, count in (("cycles", "dev", 1000000), ("tsan_cycles", "tsan", 100000)):
+            for status in (0, 1):
+                bin_folder = f"build/{preset}/bin"
+                self.put_program(f"{bin_folder}/framework_cycles", 'echo "framework $*"')
+                self.put_program(f"{bin_folder}/markup_cycles", f'echo "markup $*"; exit {status}')
+                done = subprocess.run(["bash", "-c", parts[name]], cwd=self.folder, capture_output=True, text=True, timeout=60,
+                                      env={**os.environ, "PATH": f"{self.folder / 'path'}:{os.environ['PATH']}"})
+                self.assertEqual(sorted(done.stdout.splitlines()), [f"framework {count}", f"markup {count}"], done.stderr)
+                self.assertEqual(done.returncode != 0, status != 0)
 
     def test_parts_can_be_chosen(self):
         self.assertEqual([line.split()[0] for line in self.list("release", "fuzz").stdout.splitlines()], ["fuzz", "release"])
