@@ -91,8 +91,9 @@ int awaitEnd(pid_t process) noexcept {
 
 Worker::~Worker() {
   if (process > 0) {
-    // With work left the run has failed, and the process may wait for a slot forever.
-    if (unfinished() != 0) ::kill(process, SIGKILL);
+    // With work left the run has failed, and the process may wait for a slot forever. One that is
+    // unusable waits for nothing.
+    if (unfinished() != 0 && !unusable) ::kill(process, SIGKILL);
     finish();
     // The channel ends with the process.
     pollfd ended{.fd = socket, .events = 0, .revents = 0};

@@ -2,13 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "apps/tessera/workers/SharedNumber.hpp"
 #include "tessera/workers/Collector.hpp"
@@ -126,6 +131,31 @@ TEST(WorkerPool, AProcessThatEndsAtItsStartEndsTheRunIfNoneCouldBeStarted) {
       notes);
   EXPECT_THROW(pool.run(2), WorkerUnusable);
   EXPECT_EQ(*started, 1);
+}
+
+std::atomic<std::int64_t>* exits = nullptr;
+
+/// Called at the exit of a process: counts it after some time.
+void countExitLate() {
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  ++*exits;
+}
+
+TEST(WorkerPool, AProcessThatCannotMakeItsJobIsNotKilledWhileItEnds) {
+  Notes notes;
+  const SharedNumber exited;
+  exits = &*exited;
+  {
+    WorkerPool pool(
+        {.workers = 1},
+        [](const JobContext& /*context*/) -> std::unique_ptr<Job> {
+          std::atexit(countExitLate);
+          throw std::runtime_error("a wrong bundle");
+        },
+        notes);
+    EXPECT_THROW(pool.run(2), WorkerUnusable);
+  }
+  EXPECT_EQ(*exited, 1);
 }
 
 }  // namespace
