@@ -18,8 +18,8 @@ def keep_sending(leader, number):
     """Sends the signal until the process has ended.
 
     The library of the thread sanitizer loses a signal now and then when it comes directly after a system call: with
-    GCC 12, 14 of 160 interruptions did not reach the program. The other processes of the group get none: if they ended
-    while that of the leader is lost, it would report them.
+    GCC 12, 14 of 160 interruptions did not reach the program. The other processes of the group get none: a leader that
+    does not get its own would report that they ended.
     """
     with contextlib.suppress(ProcessLookupError):
         while True:
