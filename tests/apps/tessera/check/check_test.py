@@ -23,6 +23,8 @@ SOURCES = sorted(path for path in (pathlib.Path(__file__).resolve().parents[3] /
 PIECES = ["# <@task#a>", "# <@task#a>", "# <@task#b>", "// <@task#bb>", "/* <@task#a> */", "x", "yy",
           "# <@output#o [0,2]>", "# <@output#o [4,2]>", "# <@output#p [0,9]>", "-- <@text:anchor#a [1,1]>",
           "# <@task#a", "# <@control#c [0,1] {]}>"]
+# For a run that may not write the counters of a program built for coverage: of another user, or with small files only.
+WITHOUT_COUNTERS = dict(os.environ, LLVM_PROFILE_FILE="/dev/null")
 # The messages of failures for which no reason was found.
 UNEXPLAINED = r"has no partner$|is inside another task$|cannot be used$"
 
@@ -573,13 +575,11 @@ class Fix(CheckTest):
 
     def fix_as_nobody(self, *arguments):
         self.folder.chmod(0o777)
-        # That user cannot write the counters of a program built for coverage.
-        environment = dict(os.environ, LLVM_PROFILE_FILE="/dev/null")
         try:
             nobody = {"user": 65534, "group": 65534, "extra_groups": ()}
             if subprocess.run(["test", "-w", self.folder], **nobody).returncode != 0:
                 self.skipTest("the user nobody cannot use the folder of the test")
-            return self.fix(*arguments, **nobody, env=environment)
+            return self.fix(*arguments, **nobody, env=WITHOUT_COUNTERS)
         except PermissionError:
             self.skipTest("the user nobody cannot run the program")
 
@@ -605,7 +605,7 @@ class Fix(CheckTest):
         # The user is in the folder, but could not come there.
         run = lambda *arguments: subprocess.run(
             ["sh", "-c", 'cd "$0" && exec setpriv --reuid 65534 --regid 65534 --clear-groups "$@"', folder, PROGRAM, *arguments],
-            capture_output=True, env=dict(os.environ, LLVM_PROFILE_FILE="/dev/null"))
+            capture_output=True, env=WITHOUT_COUNTERS)
         if run("--version").returncode != 0:
             self.skipTest("the user nobody cannot run the program")
         (self.folder / "private").chmod(0o700)
@@ -654,7 +654,8 @@ class Fix(CheckTest):
     def test_a_disk_that_is_full_leaves_the_old_file(self):
         name = self.write("f", self.BROKEN + b"x\n" * 100000)
         before = self.read(name)
-        done = self.fix(name, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000)))
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+        done = self.fix(name, preexec_fn=limit, env=WITHOUT_COUNTERS)
         self.assertNotFixed(done, name, "cannot be written: File too large; check it without --fix")
         self.assertEqual((self.read(name), os.listdir(self.folder)), (before, ["f"]))
 
