@@ -19,9 +19,10 @@ WANTED = {"lines": 100.0, "branches": 95.0}
 def instrumented(build):
     """Returns the programs and libraries of `build` that carry a coverage map."""
     folders = sorted((build / "bin").rglob("*")) + sorted((build / "lib").rglob("*"))
-    # The bundles that tests load are in the tests' folders. Those in "made" are copies that a test
-    # made, some of them broken on purpose.
-    bundles = [path for path in (build / "tests").rglob("*.so") if path.parent.name != "made"]
+    # The bundles that tests load are in the tests' folders. Those in folders "made" are copies that a
+    # test made, some of them broken on purpose.
+    tests = build / "tests"
+    bundles = [path for path in tests.rglob("*.so") if "made" not in path.relative_to(tests).parts]
     for path in folders + sorted(bundles):
         if path.is_file() and not path.is_symlink():
             content = path.read_bytes()
