@@ -1,13 +1,18 @@
 #include "quenlith/elf/readSharedLibrary.hpp"
 
+#include <elf.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <link.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "quenlith/elf/Fault.hpp"
 
@@ -19,6 +24,7 @@ using quenlith::elf::SharedLibrary;
 using quenlith::elf::UnusableLibrary;
 using testing::Contains;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 std::string readBytes(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -34,7 +40,7 @@ std::string writeLibrary(const std::string& bytes) {
 
 TEST(ReadSharedLibrary, FindsWhatTheLinkerHasWritten) {
   const SharedLibrary library = readSharedLibrary(TEXT_LIBRARY);
-  EXPECT_THAT(library.soname, testing::StartsWith("libquenlith_text.so."));
+  EXPECT_THAT(library.soname, StartsWith("libquenlith_text.so."));
   EXPECT_THAT(library.needed, Contains(HasSubstr("libc.so")));
   const std::string folder = std::filesystem::path(TEXT_LIBRARY).parent_path().string();
   EXPECT_THAT(library.searchPaths, Contains(folder));
@@ -72,6 +78,34 @@ TEST(ReadSharedLibrary, DamagedTablesAreRefusedOrRead) {
   }
   EXPECT_GT(refused, 0u);
   EXPECT_LT(refused, 3 * kHeaderBytes);
+}
+
+TEST(ReadSharedLibrary, NamesTheMachineThatALibraryWasBuiltFor) {
+  struct Machine {
+    std::uint16_t number;
+    std::string name;
+  };
+  const std::vector<Machine> machines{
+      {EM_386, "32-bit x86"},     {EM_X86_64, "x86-64"},         {EM_ARM, "32-bit ARM"},
+      {EM_AARCH64, "64-bit ARM"}, {EM_PPC64, "64-bit PowerPC"},  {EM_S390, "S/390"},
+      {EM_RISCV, "RISC-V"},       {EM_NONE, "machine number 0"}, {0x1234, "machine number 4660"},
+  };
+  const std::string bytes = readBytes(TEXT_LIBRARY);
+  std::uint16_t own = 0;
+  std::memcpy(&own, bytes.data() + offsetof(ElfW(Ehdr), e_machine), sizeof(own));
+  for (const auto& [number, name] : machines) {
+    if (number == own) continue;
+    std::string changed = bytes;
+    std::memcpy(changed.data() + offsetof(ElfW(Ehdr), e_machine), &number, sizeof(number));
+    try {
+      readSharedLibrary(writeLibrary(changed));
+      ADD_FAILURE() << name;
+    } catch (const UnusableLibrary& error) {
+      EXPECT_THAT(error.fault().what,
+                  StartsWith("it was built for " + name + ", and this process runs on "));
+      EXPECT_EQ(error.fault().remedy, "build it for the machine that the program was built for");
+    }
+  }
 }
 
 TEST(ReadSharedLibrary, TruncatedFilesAreRefused) {
