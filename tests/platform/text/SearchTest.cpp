@@ -4,6 +4,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 #include "support/GuardedMemory.hpp"
 
@@ -21,6 +22,38 @@ bool isWanted(char16_t unit) {
 
 std::size_t find(std::u16string_view text, std::size_t from = 0) {
   return findAny<UnitRange(0, 0x1F), u'"', UnitRange(0x7F, 0x9F), u'\xFFFF'>(text, from);
+}
+
+TEST(UnitRange, ContainsBothEndsAndWhatIsBetween) {
+  struct Case {
+    char16_t first;
+    char16_t last;
+    std::u16string inside;
+    std::u16string outside;
+  };
+  const std::vector<Case> cases{
+      {u'a', u'd', u"abcd", u"`e\uFFFF"},
+      {u'\0', u'\x1F', std::u16string{u'\0', u'\x0F', u'\x1F'}, u" \uFFFF"},
+      {u'\x7FFF', u'\xFFFF', u"\x7FFF\x8000\xFFFF", std::u16string{u'\0', u'\x7FFE'}},
+      {u'b', u'b', u"b", u"ac"},
+      // Contains nothing.
+      {u'c', u'a', u"", u"abc"},
+  };
+  for (const auto& [first, last, inside, outside] : cases) {
+    const UnitRange range(first, last);
+    for (const char16_t unit : inside) EXPECT_TRUE(range.contains(unit)) << +first << " " << +unit;
+    for (const char16_t unit : outside)
+      EXPECT_FALSE(range.contains(unit)) << +first << " " << +unit;
+  }
+}
+
+TEST(UnitRange, OfASingleUnitContainsThatOnly) {
+  for (const char16_t unit : {u'\0', u'"', u'\x8000', u'\xFFFF'}) {
+    const UnitRange range = unit;
+    EXPECT_TRUE(range.contains(unit)) << +unit;
+    EXPECT_FALSE(range.contains(static_cast<char16_t>(unit + 1))) << +unit;
+    EXPECT_FALSE(range.contains(static_cast<char16_t>(unit - 1))) << +unit;
+  }
 }
 
 TEST(FindAny, MatchesExactlyTheWantedUnits) {
