@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -205,6 +206,17 @@ TEST(MarkerCandidates, HaveTheFormOfTheirComment) {
   EXPECT_EQ(form(u"(*<@task>*)"), kParenthesisStar);
   EXPECT_EQ(form(u"<!--<@task>-->"), kAngleBracket);
   EXPECT_EQ(form(u"{-<@task>"), kBrace);
+}
+
+TEST(MarkerProblem, HasADescriptionThatNoOtherHas) {
+  std::set<std::string> descriptions;
+  const auto last = static_cast<unsigned>(MarkerProblem::kBadAppendixLine);
+  for (unsigned number = 0; number <= last; ++number) {
+    const auto problem = static_cast<MarkerProblem>(number);
+    const std::string description = describe(problem);
+    EXPECT_EQ(description.empty(), problem == MarkerProblem::kNone) << number;
+    EXPECT_TRUE(descriptions.insert(description).second) << description;
+  }
 }
 
 }  // namespace

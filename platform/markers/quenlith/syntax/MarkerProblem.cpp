@@ -5,7 +5,7 @@ namespace quenlith::syntax {
 const char* describe(MarkerProblem problem) noexcept {
   switch (problem) {
     case MarkerProblem::kNone:
-      return "";
+      break;
     case MarkerProblem::kMissingElement:
       return "the element is missing after \"<@\"";
     case MarkerProblem::kUnknownElement:
