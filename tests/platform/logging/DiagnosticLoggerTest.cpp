@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ios>
 #include <locale>
 #include <ostream>
 #include <stdexcept>
@@ -204,6 +205,15 @@ TEST_F(DiagnosticLogger, ARecordWhoseFormattingThrowsIsDropped) {
   EXPECT_THAT(messages, IsEmpty());
   trace("next");
   EXPECT_THAT(messages, ElementsAre("next"));
+}
+
+TEST_F(DiagnosticLogger, AFailureThatAWriterThrowsItselfDropsTheRecord) {
+  EXPECT_THROW(traceWith([](std::ostream& out) {
+                 out << "half";
+                 throw std::ios_base::failure("another stream");
+               }),
+               std::ios_base::failure);
+  EXPECT_THAT(messages, IsEmpty());
 }
 
 TEST_F(DiagnosticLogger, AnEmissionDuringUnwindingIsPushed) {
