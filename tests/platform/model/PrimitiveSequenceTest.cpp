@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -165,6 +167,31 @@ TEST_F(PrimitiveSequence, AppendsAtConstantCostOnAverage) {
   fill(kValues);
   EXPECT_EQ(owner->numbers.size(), static_cast<std::size_t>(kValues));
   EXPECT_LT(Number::comparisons - before, 3u * kValues);
+}
+
+// Limits.
+
+/// Gives access to the size of a sequence, whose limit no test can fill.
+struct SequenceSize : AbstractOwnedCollection {
+  static constexpr auto kCount = &SequenceSize::count;
+};
+
+TEST_F(PrimitiveSequence, ThatIsFullRefusesAValue) {
+  constexpr std::uint32_t kMost = std::numeric_limits<std::uint32_t>::max();
+  Witness witness;
+  owner->words.add("kept");
+  model.addListener(witness);
+  AbstractOwnedCollection& words = owner->words;
+  words.*SequenceSize::kCount = kMost - 1;
+  owner->words.add("the last one");
+  words.*SequenceSize::kCount = kMost;
+  EXPECT_THROW(owner->words.add("one too many"), std::length_error);
+  EXPECT_EQ(owner->words.size(), kMost);
+  EXPECT_EQ(owner->words.end() - owner->words.begin(), 2);
+  EXPECT_EQ(witness.changes.size(), 1u);
+  EXPECT_EQ(model.getNumberOfOperations(), 2u);
+  words.*SequenceSize::kCount = 2;
+  model.removeListener(witness);
 }
 
 // The scoped change.

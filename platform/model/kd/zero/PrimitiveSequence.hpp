@@ -39,7 +39,7 @@ class PrimitiveSequence final : public PrimitiveCollection {
   /// unchanged in these cases.
   void add(const T& value) {
     if (isUnique() && contains(value)) return;
-    if (values.size() == std::numeric_limits<std::uint32_t>::max()) {
+    if (size() == std::numeric_limits<std::uint32_t>::max()) {
       throw std::length_error("a sequence has at most 2^32 - 1 values");
     }
     Operation operation(*this);
