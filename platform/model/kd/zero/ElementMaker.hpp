@@ -30,7 +30,7 @@ struct ElementMaker {
     static_assert(sizeof(Impl) + meta::Class::kPrefixBytes <= ModelStorage::kLargestBlock &&
                   alignof(Impl) <= 8);
     static_assert(!std::is_polymorphic_v<Impl>, "an implementation class has no virtual functions");
-    static_assert(hasOwnClass<Impl, typename K::BaseKind::Impl>(),
+    static_assert(HasOwnClass<Impl, typename K::BaseKind::Impl>::value,
                   "an implementation class has its own classOf");
     const std::size_t prefixBytes = prefixBytesOf<Impl>();
     const std::size_t sizeBytes = prefixBytes + sizeof(Impl);
@@ -77,13 +77,11 @@ struct ElementMaker {
   template <auto function>
   struct Function {};
   template <class Impl, class BaseImpl>
-  static constexpr bool hasOwnClass() noexcept {
-    if constexpr (requires { &BaseImpl::classOf; }) {
-      return !std::is_same_v<Function<&Impl::classOf>, Function<&BaseImpl::classOf>>;
-    } else {
-      return true;
-    }
-  }
+  struct HasOwnClass : std::true_type {};
+  template <class Impl, class BaseImpl>
+  requires requires { &BaseImpl::classOf; }
+  struct HasOwnClass<Impl, BaseImpl>
+      : std::negation<std::is_same<Function<&Impl::classOf>, Function<&BaseImpl::classOf>>> {};
 
   // An element is found and deallocated by the address of its base ModelElement::Impl. The offset
   // of a base is a constant, so the compiler removes this check.
