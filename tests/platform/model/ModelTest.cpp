@@ -28,6 +28,16 @@ TEST(Model, IsEmptyAtFirst) {
   EXPECT_EQ(model, Model());
 }
 
+TEST(Model, RefersToTheStorageOfItsElements) {
+  const Model model = Model::create();
+  ASSERT_EQ(model.get(), &model.storage());
+  EXPECT_EQ(Model::share(*model.get()), model);
+  const Box box = makeBox(model);
+  EXPECT_TRUE(model->hasInChunk(box.get(), sizeof(Box::Impl)));
+  EXPECT_FALSE(Model::create()->hasInChunk(box.get(), sizeof(Box::Impl)));
+  EXPECT_EQ(Model().get(), nullptr);
+}
+
 TEST(Model, IsEqualToItsCopiesOnly) {
   const Model model = Model::create();
   // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is meant
