@@ -172,6 +172,22 @@ TEST_F(Verify, FindsAContainerThatDoesNotHaveTheElement) {
                "an element is in the collection of its container");
 }
 
+TEST_F(Verify, FindsAContainerWithoutTheCollection) {
+  const LineNode detached = makeLine(2);
+  const Corruption container(detached.get(), kContainer, line.get());
+  const Corruption property(detached.get(), kContainerProperty, std::uint16_t{60000});
+  EXPECT_STREQ(model.findBrokenInvariant(detached),
+               "a container has a collection that contains elements");
+}
+
+TEST_F(Verify, FindsAContainerInAnotherModel) {
+  const Box other = makeBox(Model::create());
+  const LineNode detached = makeLine(2);
+  const Corruption container(detached.get(), kContainer, other.get());
+  EXPECT_STREQ(model.findBrokenInvariant(detached),
+               "a place of a collection refers to an element of the same model");
+}
+
 TEST_F(Verify, FindsAClassWithoutElements) {
   const Corruption corruption(text.get(), kClass, std::uint8_t{126});
   EXPECT_EQ(broken(), "an element is of a class that has elements");
