@@ -276,4 +276,18 @@ TEST_F(Verify, FindsAChunkOfAnotherModel) {
   EXPECT_EQ(broken(), "a chunk begins with the address of its storage");
 }
 
+#ifndef NDEBUG
+using VerifyDeathTest = Verify;
+
+TEST_F(VerifyDeathTest, ADocumentRefusesANodeThatIsBroken) {
+  const LineNode added = makeLine(2);
+  EXPECT_DEATH(
+      {
+        const Corruption corruption(added->getChildren()[0].get(), kReferences, std::uint32_t{0});
+        document.addChild(added);
+      },
+      "verify");
+}
+#endif
+
 }  // namespace

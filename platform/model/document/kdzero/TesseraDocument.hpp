@@ -27,9 +27,7 @@ class QUENLITH_MODEL_EXPORT TesseraDocument {
   /// Appends `node` as the last top-level node, by the rules of `ElementSequence::add`: an empty
   /// handle and a node that is a top-level node already are ignored.
   void addChild(Node node) {
-    // A parser appends a node when the node is complete. The nodes before it are not checked again,
-    // so filling a document takes linear time in debug builds, too.
-    assert(!node || node->getModel().verify(node));
+    assertValid(node);
     root->getChildrenMutable().add(std::move(node));
   }
   std::uint64_t getNumberOfChildren() const noexcept { return root->getChildren().size(); }
@@ -41,6 +39,12 @@ class QUENLITH_MODEL_EXPORT TesseraDocument {
   }
 
  private:
+  // A parser appends a node when the node is complete. The nodes before it are not checked again,
+  // so filling a document takes linear time in debug builds, too.
+  static void assertValid([[maybe_unused]] const Node& node) {
+    assert(!node || node->getModel().verify(node));
+  }
+
   kd::zero::Model model;
   DocumentRoot root;
 };
