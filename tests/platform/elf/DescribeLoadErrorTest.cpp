@@ -21,6 +21,9 @@ TEST(DescribeLoadError, NamesASymbolThatIsNotDefined) {
   const Fault fault = describeLoadError(kPath, kPath + ": undefined symbol: _ZN3abc3defEv (fatal)");
   EXPECT_EQ(fault.what,
             "it uses abc::def(), which none of the libraries that it is linked with defines");
+  // A function of C has its name as it is.
+  EXPECT_EQ(describeLoadError(kPath, kPath + ": undefined symbol: abc_def").what,
+            "it uses abc_def, which none of the libraries that it is linked with defines");
 }
 
 TEST(DescribeLoadError, RepeatsWhatItDoesNotKnow) {
