@@ -134,6 +134,14 @@ TEST(PropertyDeathTest, AFixedKeyThatIsInUseEndsTheProcess) {
                "the fixed key 0 of a property of model elements is out of range or in use");
 }
 
+TEST(PropertyDeathTest, AFixedKeyOutOfRangeEndsTheProcess) {
+  const Property::Traits traits{.name = u"property", .many = true};
+  // The last place of the table is free until there are very many properties.
+  constexpr std::uint16_t kLast = Property::kCapacity - 1;
+  EXPECT_DEATH(Property({kLast, false}, traits),
+               "the fixed key 65535 of a property of model elements is out of range or in use");
+}
+
 TEST(Property, CollectionsOfOneTooManyAreRefused) {
   const Property& first = lateParts();
   static std::deque<Property> properties;
