@@ -307,11 +307,10 @@ void ServiceRecord::releaseFrom(const ServiceClient& user) noexcept {
 }
 
 bool ServiceRecord::unregister() noexcept {
-  {
-    const std::lock_guard lock(mutex);
-    if (state != State::kRegistered) return false;
-    state = State::kUnregistering;
-  }
+  std::unique_lock lock(mutex);
+  if (state != State::kRegistered) return false;
+  state = State::kUnregistering;
+  lock.unlock();
   registry.remove(*this);
   registry.listeners.send(ServiceEvent(ServiceEvent::SERVICE_UNREGISTERING, reference()));
   dropObjects();
