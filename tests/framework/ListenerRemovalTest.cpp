@@ -35,6 +35,12 @@ void countFreely(const ServiceEvent& /*event*/) {
 void countFreelyToo(const ServiceEvent& /*event*/) {
   ++freeCalls;
 }
+void countBundlesFreely(const BundleEvent& /*event*/) {
+  ++freeCalls;
+}
+void countProblemsFreely(const FrameworkEvent& /*event*/) {
+  ++freeCalls;
+}
 
 struct Receiver {
   void onService(const ServiceEvent& /*event*/) { ++services; }
@@ -64,6 +70,26 @@ TEST_F(ListenerRemoval, FunctionIsFoundByItsValue) {
   registerWord();
   EXPECT_EQ(freeCalls, 2);
   context.RemoveServiceListener(&countFreely);
+}
+
+TEST_F(ListenerRemoval, BundleAndFrameworkListenersAreFoundByTheirFunctions) {
+  freeCalls = 0;
+  context.AddBundleListener(&countBundlesFreely);
+  Bundle empty = install("empty");
+  const int heard = freeCalls;
+  EXPECT_GT(heard, 0);
+  context.RemoveBundleListener(&countBundlesFreely);
+  empty.Uninstall();
+  EXPECT_EQ(freeCalls, heard);
+
+  freeCalls = 0;
+  context.AddFrameworkListener(&countProblemsFreely);
+  context.AddServiceListener([](const ServiceEvent& /*event*/) { throw 5; });
+  registerWord();
+  EXPECT_EQ(freeCalls, 2);
+  context.RemoveFrameworkListener(&countProblemsFreely);
+  registerWord();
+  EXPECT_EQ(freeCalls, 2);
 }
 
 TEST_F(ListenerRemoval, MemberFunctionIsFoundByReceiverAndFunction) {
