@@ -7,6 +7,7 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -18,6 +19,7 @@
 #include <cppmicroservices/ServiceTracker.h>
 
 #include "platform/cppmicroservices/HostFramework.hpp"
+#include "platform/cppmicroservices/Script.hpp"
 
 namespace embedded_framework {
 namespace {
@@ -25,6 +27,7 @@ namespace {
 using namespace cppmicroservices;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::ThrowsMessage;
 
 /// Makes an object for every service, also for one that is gone, and runs the actions of a test.
 class Customizer : public ServiceTrackerCustomizer<Greeter, std::string> {
@@ -80,6 +83,20 @@ TEST_F(TrackedByACustomizer, ServiceChangedWhileTheTrackerIsOpenedIsNotTracked) 
   EXPECT_EQ(filtered.Size(), 1);
 }
 
+TEST_F(TrackedByACustomizer, ServiceModifiedWhileTheTrackerIsOpenedIsAddedOnce) {
+  const auto first = add();
+  auto second = add();
+  int additions = 0;
+  // The tracker is told of the second one before it adds what it has found.
+  customizer.adding = [&](const ServiceReference<Greeter>& service) {
+    ++additions;
+    if (service == first.GetReference()) second.SetProperties({{"a", 1}});
+  };
+  tracker.Open();
+  EXPECT_EQ(additions, 2);
+  EXPECT_EQ(tracker.GetTrackingCount(), 2);
+}
+
 TEST_F(TrackedByACustomizer, ServiceUnregisteredInAnEarlierListenerIsNotTracked) {
   auto service = add();
   bool isUnregistering = false;
@@ -91,6 +108,105 @@ TEST_F(TrackedByACustomizer, ServiceUnregisteredInAnEarlierListenerIsNotTracked)
   isUnregistering = true;
   service.SetProperties({{"a", 1}});
   EXPECT_EQ(tracker.Size(), 0);
+}
+
+TEST_F(TrackedByACustomizer, ServiceUnregisteredByTheCustomizerThatAddsItIsNotTracked) {
+  auto service = add();
+  int removals = 0;
+  customizer.adding = [&](const auto&) { service.Unregister(); };
+  customizer.removed = [&] { ++removals; };
+  tracker.Open();
+  EXPECT_EQ(tracker.Size(), 0);
+  // The customizer has made an object for it.
+  EXPECT_EQ(removals, 1);
+}
+
+TEST_F(TrackedByACustomizer, NothingIsAddedAfterTheCustomizerHasClosedTheTracker) {
+  const auto first = add();
+  const auto second = add();
+  int additions = 0;
+  int removals = 0;
+  customizer.adding = [&](const auto&) {
+    ++additions;
+    tracker.Close();
+  };
+  customizer.removed = [&] { ++removals; };
+  tracker.Open();
+  EXPECT_EQ(tracker.GetTrackingCount(), -1);
+  EXPECT_EQ(additions, 1);
+  EXPECT_EQ(removals, 1);
+}
+
+TEST_F(TrackedByACustomizer, CustomizerMayCloseAnotherTracker) {
+  ServiceTracker<Greeter> other(context);
+  other.Open();
+  customizer.adding = [&](const auto&) { other.Close(); };
+  tracker.Open();
+  const auto service = add();
+  EXPECT_EQ(other.GetTrackingCount(), -1);
+  EXPECT_EQ(tracker.Size(), 1);
+}
+
+TEST_F(TrackedByACustomizer, CloseThrowsTheFirstExceptionAfterEveryServiceIsRemoved) {
+  const auto first = add();
+  const auto second = add();
+  tracker.Open();
+  int removals = 0;
+  customizer.removed = [&] { throw std::runtime_error(std::to_string(++removals)); };
+  EXPECT_THAT([this] { tracker.Close(); }, ThrowsMessage<std::runtime_error>("1"));
+  EXPECT_EQ(removals, 2);
+  EXPECT_EQ(tracker.GetTrackingCount(), -1);
+}
+
+TEST_F(TrackedByACustomizer, DestructorRemovesEveryServiceAndThrowsNothing) {
+  const auto first = add();
+  const auto second = add();
+  int removals = 0;
+  customizer.removed = [&] {
+    ++removals;
+    throw std::runtime_error("no");
+  };
+  {
+    ServiceTracker<Greeter, std::string> destroyed(context, &customizer);
+    destroyed.Open();
+  }
+  EXPECT_EQ(removals, 2);
+}
+
+TEST_F(TrackedByACustomizer, TrackerOfAStoppedBundleCloses) {
+  const auto script = context.RegisterService<Script>(std::make_shared<Script>());
+  Bundle bundle = context.InstallBundles(SCRIPTED_BUNDLE).at(0);
+  bundle.Start();
+  ServiceTracker<Greeter, std::string> left(bundle.GetBundleContext(), &customizer);
+  const auto service = add();
+  left.Open();
+  bundle.Stop();
+  int removals = 0;
+  customizer.removed = [&] { ++removals; };
+  left.Close();
+  EXPECT_EQ(removals, 1);
+  EXPECT_EQ(left.GetTrackingCount(), -1);
+}
+
+TEST_F(TrackedByACustomizer, ClosedTrackerHasNothing) {
+  const auto service = add();
+  tracker.Open();
+  tracker.Close();
+  EXPECT_THAT(tracker.GetServiceReferences(), IsEmpty());
+  EXPECT_THAT(tracker.GetServices(), IsEmpty());
+  EXPECT_EQ(tracker.WaitForService(), nullptr);
+  tracker.Remove(service.GetReference());
+  EXPECT_EQ(tracker.GetTrackingCount(), -1);
+}
+
+TEST_F(TrackedByACustomizer, WaitEndsWithTheContext) {
+  tracker.Open();
+  auto waiting = std::async(std::launch::async,
+                            [this] { return tracker.WaitForService(std::chrono::seconds(60)); });
+  EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+  stop();
+  EXPECT_THROW(waiting.get(), std::logic_error);
+  EXPECT_THROW(tracker.WaitForService(std::chrono::milliseconds(1)), std::logic_error);
 }
 
 TEST_F(TrackedByACustomizer, EveryCloseWaitsForTheCustomizer) {
@@ -135,6 +251,32 @@ TEST_F(TrackedByACustomizer, CloseInTheCustomizerDoesNotWaitForACloseThatWaitsFo
   leave.set_value();
   closing.get();
   EXPECT_EQ(tracker.Size(), 0);
+}
+
+/// A tracker whose way of getting a service can be called.
+class OwnTracker : public ServiceTracker<Greeter> {
+ public:
+  using ServiceTracker::AddingService;
+  using ServiceTracker::ServiceTracker;
+};
+
+TEST_F(HostFramework, TrackerIgnoresAnUnregisteredServiceAndRefusesAnInvalidReference) {
+  OwnTracker tracker(context);
+  auto service = context.RegisterService<Greeter>(std::make_shared<Hello>());
+  const ServiceReference<Greeter> reference = service.GetReference();
+  EXPECT_NE(tracker.AddingService(reference), nullptr);
+  service.Unregister();
+  EXPECT_EQ(tracker.AddingService(reference), nullptr);
+  EXPECT_THROW(tracker.AddingService(ServiceReference<Greeter>()), std::invalid_argument);
+}
+
+TEST_F(HostFramework, IdentifierOfATrackerMayBeginWithTheGlobalScope) {
+  ServiceTracker<Greeter> tracker(context, "::embedded_framework::Greeter");
+  const auto earlier = context.RegisterService<Greeter>(std::make_shared<Hello>());
+  tracker.Open();
+  EXPECT_EQ(tracker.Size(), 1);
+  const auto later = context.RegisterService<Greeter>(std::make_shared<Hello>());
+  EXPECT_EQ(tracker.Size(), 2);
 }
 
 TEST_F(HostFramework, SpecialCharactersOfAnIdentifierAreOrdinary) {
