@@ -86,6 +86,16 @@ class LendingFactory : public ServiceFactory {
   int lent = 0;
 };
 
+/// Makes no object.
+class EmptyFactory : public ServiceFactory {
+ public:
+  InterfaceMapConstPtr GetService(const Bundle&, const ServiceRegistrationBase&) override {
+    return nullptr;
+  }
+  void UngetService(const Bundle&, const ServiceRegistrationBase&,
+                    const InterfaceMapConstPtr&) override {}
+};
+
 class FrameworkFaults : public HostFramework {
  protected:
   // Not in the constructor of HostFramework: its listener allocates when it is told of an error.
@@ -310,6 +320,73 @@ TEST_F(FrameworkFaults, ServiceIsFoundAndGotOrNot) {
              ASSERT_EQ(factory->lent, 0);
              ASSERT_TRUE(made.GetReference().GetUsingBundles().empty());
            });
+}
+
+TEST_F(FrameworkFaults, FactoryThatMakesNothingIsReportedOrNot) {
+  auto made = context.RegisterService<Greeter>(ToFactory(std::make_shared<EmptyFactory>()));
+  int reports = 0;
+  ListenerToken token = context.AddFrameworkListener([&](const FrameworkEvent&) { ++reports; });
+  int silentCalls = 0;
+  failEach([&] { EXPECT_EQ(context.GetService(made.GetReference()), nullptr); },
+           [&](bool hasThrown) {
+             ASSERT_TRUE(made.GetReference().GetUsingBundles().empty());
+             ASSERT_LE(reports, 1);
+             if (!hasThrown && reports == 0) ++silentCalls;
+             reports = 0;
+           });
+  // The report that there was no memory for is dropped.
+  EXPECT_GT(silentCalls, 0);
+  EXPECT_EQ(context.GetService(made.GetReference()), nullptr);
+  EXPECT_EQ(reports, 1);
+  context.RemoveListener(std::move(token));
+}
+
+TEST_F(FrameworkFaults, ListenerThatThrowsIsReportedOrNot) {
+  context.AddServiceListener([](const ServiceEvent&) { throw 5; });
+  int reports = 0;
+  ListenerToken token = context.AddFrameworkListener([&](const FrameworkEvent&) { ++reports; });
+  ServiceRegistration<Counter> registration;
+  const auto add = [&] {
+    registration = context.RegisterService<Counter>(std::make_shared<Counter>());
+    reports = 0;
+  };
+  add();
+  int silentCalls = 0;
+  failEach([&] { registration.Unregister(); },
+           [&](bool hasThrown) {
+             ASSERT_FALSE(hasThrown);
+             ASSERT_LE(reports, 1);
+             if (reports == 0) ++silentCalls;
+             add();
+           });
+  // The report that there was no memory for is dropped.
+  EXPECT_GT(silentCalls, 0);
+  registration.Unregister();
+  EXPECT_EQ(reports, 1);
+  context.RemoveListener(std::move(token));
+}
+
+TEST_F(FrameworkFaults, ListenerIsToldWhenItsFilterCannotBeEvaluated) {
+  // Compared without its spaces, which takes a copy.
+  const std::string text = "a text that is too long to be stored without an allocation";
+  int told = 0;
+  context.AddServiceListener([&](const ServiceEvent&) { ++told; }, "(k~=" + text + ")");
+  ServiceRegistration<Counter> registration;
+  const auto add = [&] {
+    registration =
+        context.RegisterService<Counter>(std::make_shared<Counter>(), {{"k", Any(text)}});
+    told = 0;
+  };
+  add();
+  const std::size_t faults = injectedFaults;
+  failEach([&] { registration.Unregister(); },
+           [&](bool hasThrown) {
+             ASSERT_FALSE(hasThrown);
+             ASSERT_EQ(told, 1);
+             add();
+           });
+  EXPECT_GT(injectedFaults, faults);
+  registration.Unregister();
 }
 
 TEST_F(FrameworkFaults, ListenerIsAddedOrNotAndAlwaysRemoved) {
