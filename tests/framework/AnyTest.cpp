@@ -32,6 +32,10 @@ TEST(AnyValue, StoresAValueWithItsType) {
   EXPECT_EQ(any_cast<long>(&value), nullptr);
   *any_cast<int>(&value) = 6;
   EXPECT_EQ(ref_any_cast<int>(value), 6);
+  EXPECT_THROW((void)ref_any_cast<long>(value), BadAnyCastException);
+  value = 7L;
+  EXPECT_EQ(*any_cast<long>(&value), 7);
+  EXPECT_EQ(ref_any_cast<long>(value), 7);
 }
 
 TEST(AnyValue, CopiesAreIndependent) {

@@ -36,8 +36,10 @@ TEST(LDAPProps, ComparisonsBecomeConditions) {
   EXPECT_EQ(text(key >= Any(7)), "(k>=7)");
   EXPECT_EQ(text(key <= 1.5), "(k<=1.5)");
   EXPECT_EQ(text(key <= std::string("v")), "(k<=v)");
+  EXPECT_EQ(text(key <= Any(7)), "(k<=7)");
   EXPECT_EQ(text(key.Approx("hi")), "(k~=hi)");
   EXPECT_EQ(text(key.Approx(2)), "(k~=2)");
+  EXPECT_EQ(text(key.Approx(Any(7))), "(k~=7)");
   EXPECT_EQ(text(key), "(k=*)");
   EXPECT_EQ(text(!key), "(!(k=*))");
 }

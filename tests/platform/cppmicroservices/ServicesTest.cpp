@@ -3,9 +3,11 @@
 #include <cppmicroservices/LDAPFilter.h>
 #include <cppmicroservices/ServiceEvent.h>
 #include <cppmicroservices/ServiceObjects.h>
+#include <cppmicroservices/detail/ServiceState.h>
 
 #include <algorithm>
 #include <functional>
+#include <sstream>
 #include <stdexcept>
 #include <unordered_set>
 
@@ -121,15 +123,22 @@ TEST_F(Services, SeveralInterfacesShareOneObject) {
   EXPECT_EQ(context.GetService(counter)->count(), 1);
   EXPECT_EQ(context.GetService(greeter)->greet(), "hello");
   const ServiceReferenceU any = greeter;
+  EXPECT_EQ(greeter.GetInterfaceId(), "embedded_framework::Greeter");
+  const ServiceRegistrationBase& base = registration;
+  EXPECT_EQ(base.GetReference().GetInterfaceId(), "");
   EXPECT_EQ(context.GetService(ServiceReference<Counter>(any))->count(), 1);
   const InterfaceMapConstPtr map = context.GetService(any);
   EXPECT_EQ(map->size(), 2U);
   EXPECT_EQ(ExtractInterface<Greeter>(map)->greet(), "hello");
+  EXPECT_EQ(ExtractInterface<Greeter>(std::make_shared<const InterfaceMap>()), nullptr);
   EXPECT_EQ(ExtractInterface<Hello>(map), nullptr);
   EXPECT_NE(ExtractInterface(map, "embedded_framework::Counter"), nullptr);
   EXPECT_NE(ExtractInterface(map, ""), nullptr);
+  EXPECT_EQ(ExtractInterface(map, "::embedded_framework::Counter"),
+            ExtractInterface(map, "embedded_framework::Counter"));
   EXPECT_EQ(ExtractInterface(map, "x"), nullptr);
   EXPECT_EQ(ExtractInterface(InterfaceMapConstPtr(), ""), nullptr);
+  EXPECT_EQ(ExtractInterface(std::make_shared<const InterfaceMap>(), ""), nullptr);
 }
 
 TEST_F(Services, ReferenceUnderAnotherInterfaceIsEmpty) {
@@ -190,6 +199,18 @@ TEST_F(Services, RegistrationEndsOnce) {
   EXPECT_FALSE(copy);
   EXPECT_TRUE(copy < registration);
   EXPECT_THROW(ServiceRegistrationU().Unregister(), std::logic_error);
+}
+
+TEST_F(Services, RegistrationIsPrintedLikeItsReference) {
+  const auto printed = [](const auto& value) {
+    std::ostringstream text;
+    text << value;
+    return text.str();
+  };
+  auto registration = add("a", {{"kind", Any("x"s)}});
+  EXPECT_NE(printed(registration).find("kind=x"), std::string::npos);
+  EXPECT_EQ(printed(registration), printed(registration.GetReference()));
+  EXPECT_EQ(printed(ServiceRegistrationU()), "Invalid service reference");
 }
 
 TEST_F(Services, RegistrationThatIsEndingIsNotEndedAgain) {
@@ -277,6 +298,7 @@ TEST_F(Services, EmptyReferenceHasNoProperties) {
   EXPECT_TRUE(none.GetUsingBundles().empty());
   EXPECT_FALSE(none.GetBundle());
   EXPECT_FALSE(none.IsConvertibleTo("embedded_framework::Greeter"));
+  EXPECT_FALSE(detail::isFindable(none));
 }
 
 TEST_F(Services, EmptyReferenceIsRefused) {
