@@ -44,6 +44,16 @@ std::uint32_t littleEndian(std::string_view bytes, std::size_t place) {
   return value;
 }
 
+bool isLackOfFiles(int error) {
+  return error == EMFILE || error == ENFILE;
+}
+
+[[noreturn]] void refuseUnreadable(const std::string& location, int error) {
+  refuseBundle(location, std::string("the file cannot be read (") + std::strerror(error) + ")",
+               isLackOfFiles(error) ? "close files, or raise the limit of open files"
+                                    : "give the path of the library of a bundle");
+}
+
 // Refuses a file whose last bytes, `tail`, do not end an archive that can be in its `fileBytes`
 // bytes.
 void requireWholeArchive(const std::string& location, std::string_view tail,
@@ -69,10 +79,7 @@ void requireArchive(const std::string& location) {
   const auto tailBytes = std::min<std::streamoff>(fileBytes, kEndBytes + kLongestComment);
   std::string tail(static_cast<std::size_t>(std::max<std::streamoff>(tailBytes, 0)), '\0');
   file.seekg(-tailBytes, std::ios::end);
-  if (!file.read(tail.data(), tailBytes)) {
-    refuseBundle(location, std::string("the file cannot be read (") + std::strerror(errno) + ")",
-                 "give the path of the library of a bundle");
-  }
+  if (!file.read(tail.data(), tailBytes)) refuseUnreadable(location, errno);
   requireWholeArchive(location, tail, static_cast<std::uint64_t>(fileBytes));
 }
 
@@ -93,10 +100,7 @@ void requireReadable(const std::string& location, int result) {
   if (result == UNZ_OK) return;
   // minizip does not tell these from a damaged archive.
   if (errno == ENOMEM) throw std::bad_alloc();
-  if (errno == EMFILE || errno == ENFILE) {
-    refuseBundle(location, std::string("the file cannot be read (") + std::strerror(errno) + ")",
-                 "close files, or raise the limit of open files");
-  }
+  if (isLackOfFiles(errno)) refuseUnreadable(location, errno);
   refuseBundle(location,
                std::string("the zip archive at the end of the file is damaged (") +
                    describeResult(result) + ")",

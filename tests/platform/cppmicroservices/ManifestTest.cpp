@@ -1,8 +1,14 @@
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 
 #include "framework/broken/BundleFile.hpp"
 #include "platform/cppmicroservices/HostFramework.hpp"
+#include "support/FailingAllocations.hpp"
 
 namespace embedded_framework {
 namespace {
@@ -11,6 +17,7 @@ using cppmicroservices::Any;
 using cppmicroservices::any_cast;
 using cppmicroservices::AnyMap;
 using cppmicroservices::Bundle;
+using quenlith::test::AllocationHook;
 using namespace std::string_literals;
 
 enum class Offsets { kFromFile, kFromArchive };
@@ -44,6 +51,16 @@ class Manifests : public HostFramework {
   std::string refusalOf(const std::string& members) {
     try {
       headersOf(members);
+      return "";
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+  }
+
+  // Returns why the file at `path` is refused; uninstalls it if it is not.
+  std::string refusal() {
+    try {
+      context.InstallBundles(path).at(0).Uninstall();
       return "";
     } catch (const std::runtime_error& error) {
       return error.what();
@@ -177,6 +194,70 @@ TEST_F(Manifests, ArchiveWithADamagedEntryIsRefused) {
   bytes[bytes.find("PK\1\2") + 10] = 99;
   writeBytes(path, bytes);
   EXPECT_THROW(context.InstallBundles(path), std::runtime_error);
+}
+
+TEST_F(Manifests, DamageOfAnEntryIsNamed) {
+  // 7 begins a block of a type that the compression method "deflated" does not have.
+  write({{"made/manifest.json", "\7 is not compressed"}});
+  const std::string sound = readBytes(path);
+  const std::size_t local = sound.find("PK\3\4");
+  const std::size_t central = sound.find("PK\1\2");
+  const auto refusalOfDamage = [&](const std::vector<std::pair<std::size_t, char>>& changes) {
+    std::string bytes = sound;
+    for (const auto& [place, byte] : changes) bytes[place] = byte;
+    writeBytes(path, bytes);
+    return refusal();
+  };
+  const std::string start = path + ": the zip archive at the end of the file is damaged (";
+  const std::string end =
+      "); append a zip archive that contains <symbolic name>/manifest.json to the library, after "
+      "it was stripped";
+  // The method becomes "deflated".
+  EXPECT_EQ(refusalOfDamage({{local + 8, 8}, {central + 10, 8}}),
+            start + "an entry cannot be decompressed" + end);
+  // Both sizes become larger than the file, by 65,536 bytes.
+  EXPECT_EQ(
+      refusalOfDamage({{local + 20, 1}, {local + 24, 1}, {central + 22, 1}, {central + 26, 1}}),
+      start + "it cannot be read" + end);
+}
+
+// No further file can be opened while it lives.
+class NoMoreFiles {
+ public:
+  explicit NoMoreFiles(int firstUnused) {
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{static_cast<rlim_t>(firstUnused), before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+  }
+  ~NoMoreFiles() { setrlimit(RLIMIT_NOFILE, &before); }
+  NoMoreFiles(const NoMoreFiles&) = delete;
+  NoMoreFiles& operator=(const NoMoreFiles&) = delete;
+
+ private:
+  rlimit before{};
+};
+
+TEST_F(Manifests, LackOfOpenFilesIsReportedWheneverItBegins) {
+  write({{"made/manifest.json", R"({"bundle.symbolic_name":"made"})"}});
+  const int firstUnused = dup(0);
+  ASSERT_GE(firstUnused, 0);
+  close(firstUnused);
+  bool isLacking = true;
+  int refusals = 0;
+  for (std::size_t number = 0; isLacking; ++number) {
+    std::optional<NoMoreFiles> lack;
+    const AllocationHook hook(number, [&] { lack.emplace(firstUnused); });
+    const std::string found = refusal();
+    lack.reset();
+    isLacking = hook.hasCalled();
+    if (found.empty()) continue;
+    ++refusals;
+    ASSERT_EQ(found, path +
+                         ": the file cannot be read (Too many open files); close files, or raise "
+                         "the limit of open files")
+        << number;
+  }
+  EXPECT_GT(refusals, 0);
 }
 
 TEST_F(Manifests, LibraryMayContainSeveralBundles) {
