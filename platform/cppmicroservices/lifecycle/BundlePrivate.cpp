@@ -69,7 +69,7 @@ BundlePrivate::Transition::Transition(BundlePrivate& target, std::nothrow_t) noe
     : target(target) {
   std::unique_lock lock(target.mutex);
   turn = take(lock);
-  if (turn != Turn::kOurs) target.stopsAfterTransition = true;
+  if (turn != Turn::kOurs) target.isAbandonedAfterTransition = true;
 }
 
 BundlePrivate::Transition::Turn BundlePrivate::Transition::take(
@@ -87,9 +87,9 @@ BundlePrivate::Transition::~Transition() {
   std::unique_lock lock(target.mutex);
   target.transitionThread = std::thread::id();
   target.changed.notify_all();
-  const bool stops = std::exchange(target.stopsAfterTransition, false);
+  const bool isAbandoned = std::exchange(target.isAbandonedAfterTransition, false);
   lock.unlock();
-  if (stops) target.stopAfterTransition();
+  if (isAbandoned) target.abandon();
 }
 
 bool BundlePrivate::isInTransitionOfThisThread() {

@@ -34,6 +34,10 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
   virtual void stop() = 0;
   virtual void uninstall() = 0;
 
+  /// Stops the bundle for good, since its framework ends. When the bundle is starting or stopping
+  /// in this thread, or after 5 seconds still in another one, it is stopped at the end of that.
+  virtual void abandon() noexcept = 0;
+
   static BundlePrivate& of(const BundleContext& context) { return context.valid(); }
   static std::uint64_t generationOf(const BundleContext& context) { return context.generation; }
 
@@ -78,7 +82,7 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
     explicit Transition(BundlePrivate& target);
 
     /// Like the form above, but where that one throws, the transition that is under way calls
-    /// `stopAfterTransition` at its end, and this object is not a transition.
+    /// `abandon` at its end, and this object is not a transition.
     Transition(BundlePrivate& target, std::nothrow_t) noexcept;
 
     ~Transition();
@@ -95,9 +99,6 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
     Turn turn = Turn::kOurs;
   };
 
-  /// Stops the bundle, which could not be stopped while it was starting or stopping.
-  virtual void stopAfterTransition() noexcept {}
-
   void enter(Bundle::State newState);
   void enter(Bundle::State newState, BundleEvent::Type event);
 
@@ -113,7 +114,7 @@ class BundlePrivate : public ServiceClient, public std::enable_shared_from_this<
 
  private:
   std::thread::id transitionThread;
-  bool stopsAfterTransition = false;
+  bool isAbandonedAfterTransition = false;
   std::atomic<bool> closing = false;
   // Odd while the bundle has a valid context, which is valid for that one generation: a context
   // from before a restart stays invalid.

@@ -29,11 +29,9 @@ std::shared_ptr<FrameworkOwner> FrameworkCore::make(ManifestCheck check) {
 }
 
 FrameworkOwner::~FrameworkOwner() {
-  try {
-    system->stop();
-  } catch (const std::exception&) {
-    // A thread without a handle is starting or stopping the framework for more than 5 seconds.
-  }
+  // Not `stop`, which throws when a thread without a handle is stopping the framework for more than
+  // 5 seconds: that thread ends the stop.
+  system->abandon();
   core->listeners.clear();
 }
 

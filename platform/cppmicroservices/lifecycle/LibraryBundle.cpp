@@ -57,7 +57,13 @@ void LibraryBundle::stop() {
   if (const std::exception_ptr thrown = deactivate()) std::rethrow_exception(thrown);
 }
 
-bool LibraryBundle::abandon() noexcept {
+void LibraryBundle::abandon() noexcept {
+  if (!leaveFramework()) return;
+  if (const auto framework = core->findSystemBundle()) framework->endOneStop();
+}
+
+// Returns false when the transition that is under way has to do it.
+bool LibraryBundle::leaveFramework() noexcept {
   const Transition transition(*this, std::nothrow);
   if (!transition) return false;
   // It may have been uninstalled in the meantime.
@@ -68,11 +74,6 @@ bool LibraryBundle::abandon() noexcept {
   enter(Bundle::STATE_INSTALLED);
   core->forget(*this);
   return true;
-}
-
-void LibraryBundle::stopAfterTransition() noexcept {
-  if (!abandon()) return;
-  if (const auto framework = core->findSystemBundle()) framework->endOneStop();
 }
 
 void LibraryBundle::uninstall() {

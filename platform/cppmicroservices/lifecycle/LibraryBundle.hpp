@@ -22,12 +22,9 @@ class LibraryBundle final : public BundlePrivate {
   void stop() override;
   void uninstall() override;
 
-  /// Stops and forgets the bundle, since its framework stops; reports an exception of the
-  /// activator.
-  ///
-  /// Returns false when the bundle is starting or stopping in this thread, or after 5 seconds still
-  /// in another one: it is then stopped at the end of that, which calls `SystemBundle::endOneStop`.
-  bool abandon() noexcept;
+  /// Also forgets the bundle, reports an exception of the activator, and then calls
+  /// `SystemBundle::endOneStop`.
+  void abandon() noexcept override;
 
   const std::size_t libraryBundleCount;
 
@@ -35,7 +32,7 @@ class LibraryBundle final : public BundlePrivate {
   using CreateActivator = BundleActivator* (*)();
   using DestroyActivator = void (*)(BundleActivator*);
 
-  void stopAfterTransition() noexcept override;
+  bool leaveFramework() noexcept;
   void requireRunningFramework() const;
   void activate();
   std::exception_ptr deactivate() noexcept;

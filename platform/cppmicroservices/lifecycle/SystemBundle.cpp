@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <stdexcept>
 
 #include "cppmicroservices/Constants.h"
@@ -45,19 +46,32 @@ void SystemBundle::initialize() {
 }
 
 void SystemBundle::start() {
-  {
-    const Transition transition(*this);
-    initialize();
-    if (state == Bundle::STATE_ACTIVE) return;
-    enter(Bundle::STATE_ACTIVE);
-  }
+  if (!activate()) return;
   // After the transition, so that a listener can stop the framework.
   core->listeners.send(FrameworkEvent(FrameworkEvent::FRAMEWORK_STARTED, bundle(), ""));
+}
+
+// Says whether the framework was not active before.
+bool SystemBundle::activate() {
+  const Transition transition(*this);
+  initialize();
+  if (state == Bundle::STATE_ACTIVE) return false;
+  enter(Bundle::STATE_ACTIVE);
+  return true;
 }
 
 void SystemBundle::stop() {
   if (state == Bundle::STATE_STOPPING) return;
   const Transition transition(*this);
+  stopInTransition();
+}
+
+void SystemBundle::abandon() noexcept {
+  const Transition transition(*this, std::nothrow);
+  if (transition) stopInTransition();
+}
+
+void SystemBundle::stopInTransition() {
   if (!acceptsBundles()) return;
   pendingStops = 1;
   enter(Bundle::STATE_STOPPING, BundleEvent::BUNDLE_STOPPING);
@@ -89,7 +103,7 @@ void SystemBundle::stopBundles() noexcept {
   while (const auto bundle = core->findLast(last)) {
     last = bundle->id - 1;
     ++pendingStops;
-    if (bundle->abandon()) --pendingStops;
+    bundle->abandon();
   }
 }
 

@@ -25,6 +25,9 @@ class SystemBundle final : public BundlePrivate {
   void stop() override;
   void uninstall() override;
 
+  /// Like `stop`.
+  void abandon() noexcept override;
+
   /// Ends the stop of the framework when the last of its bundles has stopped.
   void endOneStop() noexcept;
 
@@ -38,6 +41,8 @@ class SystemBundle final : public BundlePrivate {
  private:
   bool isRunning() const;
   void initialize();
+  bool activate();
+  void stopInTransition();
   void stopBundles() noexcept;
   void endStop() noexcept;
   bool waitsForThisThread();
