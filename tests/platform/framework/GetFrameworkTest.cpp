@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -68,6 +69,22 @@ TEST(GetFramework, MayBeSetWhileOtherThreadsGetIt) {
   EXPECT_EQ(strangers, 0);
   EXPECT_EQ(one.use_count(), 1);
   EXPECT_EQ(other.use_count(), 1);
+}
+
+// Ends the process with another status when it is destroyed.
+std::shared_ptr<cppmicroservices::Framework> makeEndingFramework() {
+  auto owner = std::shared_ptr<std::max_align_t>(new std::max_align_t, [](auto*) { _Exit(1); });
+  auto* place = reinterpret_cast<cppmicroservices::Framework*>(owner.get());
+  return {owner, place};
+}
+
+TEST(GetFrameworkDeathTest, TheOneThatWasSetIsNotDestroyedAtExit) {
+  EXPECT_EXIT(
+      {
+        setFramework(makeEndingFramework());
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -25,10 +25,9 @@ constinit std::mutex frameworkMutex;
 // Never destroyed: components may call getFramework during process exit, and a framework that is
 // still running must not be stopped by the destructor of a static object.
 union Slot {
-  constexpr Slot() : framework() {}
   // NOLINTNEXTLINE(modernize-use-equals-default): the defaulted destructor is deleted.
   ~Slot() {}
-  std::shared_ptr<::cppmicroservices::Framework> framework;
+  std::shared_ptr<::cppmicroservices::Framework> framework{};
 };
 constinit Slot running;
 
