@@ -31,7 +31,7 @@ TEST(BundleVersions, AreReadFromText) {
 }
 
 TEST(BundleVersions, OtherTextIsRefused) {
-  for (const char* text : {"x", "1.2.3.a b", "1.2.3.4.5", "1.2.3.<", "4294967296"}) {
+  for (const char* text : {"x", "1.2.3.a b", "1.2.3.4.5", "1.2.3.<", "1.2.3.{", "4294967296"}) {
     EXPECT_THROW(BundleVersion{std::string(text)}, std::invalid_argument) << text;
     EXPECT_THROW(BundleVersion::ParseVersion(text), std::invalid_argument) << text;
   }
@@ -46,6 +46,7 @@ TEST(BundleVersions, HaveParts) {
   EXPECT_EQ(version.GetQualifier(), "q");
   EXPECT_FALSE(version.IsUndefined());
   EXPECT_EQ(BundleVersion(1, 2, 3).GetQualifier(), "");
+  EXPECT_EQ(BundleVersion(1, 2, 3, "").ToString(), "1.2.3");
 }
 
 TEST(BundleVersions, AreOrderedByTheirParts) {

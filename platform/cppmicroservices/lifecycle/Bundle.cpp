@@ -15,7 +15,7 @@ Bundle::Bundle(std::shared_ptr<detail::BundlePrivate> bundle,
     : d(std::move(bundle)), owner(std::move(frameworkOwner)) {}
 
 bool Bundle::operator<(const Bundle& other) const {
-  if (!d || !other.d) return d && !other.d;
+  if (!d || !other.d) return d != nullptr;
   return std::tie(d->core, d->id) < std::tie(other.d->core, other.d->id);
 }
 

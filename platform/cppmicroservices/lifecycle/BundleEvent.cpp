@@ -31,11 +31,9 @@ std::ostream& operator<<(std::ostream& os, BundleEvent::Type type) {
 
 std::ostream& operator<<(std::ostream& os, const BundleEvent& event) {
   if (!event) return os << "NONE";
-  os << event.GetType();
   const Bundle bundle = event.GetBundle();
-  if (!bundle) return os;
-  return os << " #" << bundle.GetBundleId() << " (" << bundle.GetSymbolicName() << " at "
-            << bundle.GetLocation() << ")";
+  return os << event.GetType() << " #" << bundle.GetBundleId() << " (" << bundle.GetSymbolicName()
+            << " at " << bundle.GetLocation() << ")";
 }
 
 }  // namespace cppmicroservices

@@ -24,8 +24,9 @@ bool isQualifierCharacter(char character) {
          lower == '-';
 }
 
+// The empty text is the qualifier of a version without one.
 bool isQualifier(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), isQualifierCharacter);
+  return std::all_of(text.begin(), text.end(), isQualifierCharacter);
 }
 
 // Removes a number from the front of `rest`, and the dot after it if anything follows.
@@ -47,7 +48,7 @@ BundleVersion::BundleVersion(unsigned majorVersion, unsigned minorVersion, unsig
       minorVersion(minorVersion),
       microVersion(microVersion),
       qualifier(std::move(qualifier)) {
-  if (!this->qualifier.empty() && !isQualifier(this->qualifier)) {
+  if (!isQualifier(this->qualifier)) {
     throw std::invalid_argument("\"" + this->qualifier + "\" is not the qualifier of a version");
   }
 }
@@ -57,7 +58,7 @@ BundleVersion::BundleVersion(const std::string& version) : undefined(version.emp
   for (unsigned* const number : {&majorVersion, &minorVersion, &microVersion}) {
     if (!rest.empty() && !readNumber(rest, *number)) refuse(version);
   }
-  if (!rest.empty() && !isQualifier(rest)) refuse(version);
+  if (!isQualifier(rest)) refuse(version);
   qualifier = rest;
 }
 
