@@ -8,6 +8,7 @@
 #include <functional>
 #include <future>
 #include <ostream>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 #include <unordered_set>
@@ -158,6 +159,20 @@ TEST_F(Lifecycle, FrameworkIsStoppedByAListenerOfItsStart) {
   other.Start();
   EXPECT_EQ(end.GetType(), FrameworkEvent::FRAMEWORK_STOPPED);
   EXPECT_EQ(other.GetState(), Bundle::STATE_RESOLVED);
+}
+
+TEST_F(Lifecycle, ListenerOfTheStopOfAFrameworkCannotWaitForItsEnd) {
+  FrameworkEvent waited;
+  context.AddBundleListener([&](const BundleEvent& event) {
+    if (event.GetBundle() != framework) return;
+    waited = framework.WaitForStop(std::chrono::milliseconds::zero());
+  });
+  stop();
+  EXPECT_EQ(waited.GetType(), FrameworkEvent::FRAMEWORK_ERROR);
+  EXPECT_EQ(waited.GetMessage(),
+            "the framework cannot stop before this thread has ended the start or stop of a bundle "
+            "that it is in");
+  EXPECT_EQ(framework.GetState(), Bundle::STATE_RESOLVED);
 }
 
 TEST_F(Lifecycle, FrameworkStoppedByAnActivatorStopsAfterIt) {
@@ -616,6 +631,14 @@ TEST_F(Lifecycle, BundlesAreOrderedAndHashed) {
   EXPECT_FALSE(Bundle() < bundle);
   EXPECT_FALSE(Bundle() < Bundle());
   EXPECT_TRUE(Bundle() == Bundle());
+}
+
+TEST_F(Lifecycle, MissingBundlesAndExceptionsArePrinted) {
+  std::ostringstream text;
+  text << Bundle() << ", " << static_cast<const Bundle*>(nullptr) << "; "
+       << FrameworkEvent(FrameworkEvent::FRAMEWORK_INFO, Bundle(), "note");
+  EXPECT_EQ(text.str(),
+            "Bundle[invalid], Bundle[invalid]; INFO\n note\n Bundle[invalid]\n Exception: NONE");
 }
 
 TEST_F(Lifecycle, EventsDescribeWhatHappened) {
