@@ -27,12 +27,14 @@ std::string reference(const std::string& members) {
       members + "}]");
 }
 
-// Returns a component that provides one interface and needs another one.
-std::string waiting(const std::string& name, const std::string& provided,
-                    const std::string& needed) {
+// Returns a component that provides one interface and needs one or two others.
+std::string waiting(const std::string& name, const std::string& provided, const std::string& needed,
+                    const std::string& alsoNeeded = "") {
+  const std::string second =
+      alsoNeeded.empty() ? "" : R"(,{"name":"other","interface":")" + alsoNeeded + R"("})";
   return R"({"implementation-class":")" + name + R"(","service":{"interfaces":[")" + provided +
          R"("]},"inject-references":true,"references":[{"name":"word","interface":")" + needed +
-         R"("}]})";
+         R"("})" + second + "]}";
 }
 
 std::string named(const std::string& members) {
@@ -313,6 +315,30 @@ const std::vector<BrokenBundle>& brokenBundles() {
              waiting("demo::ThrowsNumber", "demo::Third", "demo::First") + "," +
              waiting("demo::ThrowsError", "demo::Second", "demo::LeftA") + "," +
              waiting("demo::Needs", "demo::LeftA", "demo::RightB") + "," +
+             waiting("demo::Fine", "demo::RightB", "demo::LeftA") + "]}"),
+       "FILE: components wait for each other and are not offered: demo::Needs needs demo::Fine "
+       "needs demo::Needs; break the circle, or start a bundle that provides one of their "
+       "interfaces"},
+      // An interface that no bundle provides is not part of the circle, wherever it is needed.
+      {"CircleThatNeedsMore", Make::kBundle,
+       named(R"(,"scr":{"version":1,"components":[)" +
+             waiting("demo::Needs", "demo::LeftA", "demo::Missing", "demo::RightB") + "," +
+             waiting("demo::Fine", "demo::RightB", "demo::LeftA") + "]}"),
+       "FILE: components wait for each other and are not offered: demo::Needs needs demo::Fine "
+       "needs demo::Needs; break the circle, or start a bundle that provides one of their "
+       "interfaces"},
+      {"CircleWithASecondProvider", Make::kBundle,
+       named(R"(,"scr":{"version":1,"components":[)" +
+             waiting("demo::ThrowsError", "demo::RightB", "demo::Missing") + "," +
+             waiting("demo::Needs", "demo::LeftA", "demo::RightB") + "," +
+             waiting("demo::Fine", "demo::RightB", "demo::LeftA") + "]}"),
+       "FILE: components wait for each other and are not offered: demo::Needs needs demo::Fine "
+       "needs demo::Needs; break the circle, or start a bundle that provides one of their "
+       "interfaces"},
+      {"CircleThatNeedsAWaitingComponent", Make::kBundle,
+       named(R"(,"scr":{"version":1,"components":[)" +
+             waiting("demo::ThrowsError", "demo::Third", "demo::Missing") + "," +
+             waiting("demo::Needs", "demo::LeftA", "demo::Third", "demo::RightB") + "," +
              waiting("demo::Fine", "demo::RightB", "demo::LeftA") + "]}"),
        "FILE: components wait for each other and are not offered: demo::Needs needs demo::Fine "
        "needs demo::Needs; break the circle, or start a bundle that provides one of their "

@@ -18,7 +18,9 @@
 #include "support/FailingAllocations.hpp"
 
 using cppmicroservices::Bundle;
+using cppmicroservices::Framework;
 using cppmicroservices::FrameworkEvent;
+using cppmicroservices::FrameworkFactory;
 using cppmicroservices::ServiceEvent;
 using cppmicroservices::ServiceRegistrationU;
 using quenlith::test::allocationCount;
@@ -90,6 +92,15 @@ TEST_F(Isolation, RegistrationThatFailedIsTriedAgainWithTheNextService) {
   EXPECT_THAT(takeProblems(), testing::SizeIs(1));
 }
 
+TEST_F(Isolation, RegistrationThatFailedIsNotTriedAgainWhenAServiceIsModified) {
+  startRuntime();
+  start({{{"demo::Fine", {kRefused}, {"svc.needed"}}}});
+  auto needed = registerNamed(context, "svc.needed");
+  EXPECT_THAT(takeProblems(), testing::SizeIs(1));
+  needed.SetProperties({{"kind", std::string("other")}});
+  EXPECT_THAT(takeProblems(), IsEmpty());
+}
+
 TEST_F(Isolation, RuntimeStartsWhileABundleStops) {
   // The first service stops the bundle, whose other components have not been started by then.
   Bundle bundle =
@@ -107,6 +118,44 @@ TEST_F(Isolation, RuntimeStartsWhileABundleStops) {
   EXPECT_FALSE(isOffered("svc.first"));
   EXPECT_FALSE(isOffered("svc.second"));
   EXPECT_THAT(takeProblems(), IsEmpty());
+}
+
+TEST_F(Isolation, RuntimeDoesNotLookAtABundleThatDoesNotRun) {
+  Bundle bundle =
+      install({{{"demo::Fine", {"svc.first"}, {}}, {"demo::Missing", {"svc.second"}, {}}}}).at(0);
+  startRuntime();
+  EXPECT_FALSE(isOffered("svc.first"));
+  EXPECT_THAT(takeProblems(), IsEmpty());
+  bundle.Start();
+  EXPECT_TRUE(isOffered("svc.first"));
+  EXPECT_THAT(takeProblems(), ElementsAre(HasSubstr("component demo::Missing: the library")));
+}
+
+TEST_F(Isolation, BundleThatStartsWhileTheRuntimeStartsIsOfferedOnce) {
+  std::vector<Bundle> bundles =
+      install({{{"demo::Fine", {"svc.first"}, {}}}, {{"demo::Fine", {"svc.second"}, {}}}});
+  bundles[0].Start();
+  // The runtime is told of the start, and finds the bundle active after that.
+  context.AddServiceListener(
+      [&bundles](const ServiceEvent& event) {
+        if (event.GetType() == ServiceEvent::SERVICE_REGISTERED) bundles[1].Start();
+      },
+      "(objectclass=svc.first)");
+  startRuntime();
+  EXPECT_EQ(context.GetServiceReferences("svc.second").size(), 1U);
+  EXPECT_THAT(takeProblems(), IsEmpty());
+}
+
+TEST_F(Isolation, ServiceOfAnotherFrameworkIsNotBound) {
+  startRuntime();
+  Framework other = FrameworkFactory().NewFramework();
+  other.Start();
+  const auto elsewhere = registerNamed(other.GetBundleContext(), "svc.needed");
+  start({{{"demo::Fine", {"svc.built"}, {"svc.needed"}}}});
+  EXPECT_FALSE(isOffered("svc.built"));
+  EXPECT_THAT(takeProblems(), IsEmpty());
+  const auto needed = registerNamed(context, "svc.needed");
+  EXPECT_TRUE(isOffered("svc.built"));
 }
 
 TEST_F(Isolation, ScopeOfInterfacesIsIgnoredWhicheverBundleStartsFirst) {
