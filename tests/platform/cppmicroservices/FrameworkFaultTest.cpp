@@ -291,6 +291,7 @@ TEST_F(FrameworkFaults, ServiceIsRegisteredChangedAndUnregisteredOrNot) {
         added.SetProperties({{"k", Any(1)}});
         told = 0;
       });
+  added.Unregister();
 }
 
 TEST_F(FrameworkFaults, ServiceIsFoundAndGotOrNot) {
