@@ -7,7 +7,7 @@ function(quenlith_add_coverage)
   add_custom_target(coverage
     # Counters of an earlier build do not fit.
     COMMAND "${CMAKE_COMMAND}" -E rm -rf "${profiles}"
-    COMMAND "${CMAKE_COMMAND}" -E env "LLVM_PROFILE_FILE=${profiles}/%4m.profraw"
+    COMMAND "${CMAKE_COMMAND}" -E env "LLVM_PROFILE_FILE=${profiles}/%c%4m.profraw"
       "${CMAKE_CTEST_COMMAND}" --preset coverage
     COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/scripts/lib/coverage.py" "${CMAKE_BINARY_DIR}"
     WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
